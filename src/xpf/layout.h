@@ -1,0 +1,88 @@
+// What the system knows of each packet type and channel at compile time: one row per field, one row per packet type,
+// one row per channel. Decoder, dictionary, exports, recording writer and tests all read these rows.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace Persistance_Xpf {
+
+// The codes are those of the field records in a file: never change.
+enum class EFieldType : std::uint8_t { u8 = 0, u16 = 1, u32 = 2, i8 = 3, i16 = 4, i32 = 5, f32 = 6, f64 = 7, date = 8 };
+
+// Bytes of one element; 0 for a code that no type has.
+constexpr std::uint32_t GetWidth(EFieldType type) {
+    constexpr std::uint8_t widths[] = {1, 2, 4, 1, 2, 4, 4, 8, 8};
+    const auto code = static_cast<std::size_t>(type);
+    return code < std::size(widths) ? widths[code] : 0;
+}
+
+// The physical kind of a field. The numbers stand in files; the labels are the numbered texts 771 + nature.
+enum ENature : std::uint8_t {
+    natureUnknown = 0, natureLatitude, natureLongitude, naturePositionStdDev, naturePositionCrossVariance,
+    natureLinearSpeed, natureLinearSpeedStdDev, natureLinearAcceleration, natureLinearAccelerationStdDev,
+    natureAngularSpeed, natureAngularSpeedStdDev, natureTemperature, natureSoundVelocity, natureAltitude,
+    natureImmersion, natureAltitudeStdDev, natureAttitude, natureAttitudeStdDev, natureDistance, natureDistanceStdDev,
+    natureTimeLength, natureScaleFactor, natureEnumeration, natureTimeDrift, natureRawFog, natureRawAcc, natureCount
+};
+
+struct SFieldLayout {
+    std::string_view name; // at most 30 bytes: the name in the file, in text output and in the views
+    EFieldType type;
+    std::uint8_t nature;
+    std::uint32_t count = 1; // elements; 1 for a scalar
+};
+
+inline constexpr std::size_t kMaximumFields = 80;
+
+// One packet type: its fields in order, without alignment between them.
+struct SPacketLayout {
+    std::uint16_t type;    // packet type code
+    std::uint32_t version; // the version that a current file carries
+    std::span<const SFieldLayout> fields;
+    std::array<std::uint16_t, kMaximumFields> offsets{}; // of each field in the payload
+    std::uint32_t payloadSize = 0;
+
+    constexpr SPacketLayout(std::uint16_t typeCode, std::uint32_t currentVersion, std::span<const SFieldLayout> rows)
+        : type(typeCode), version(currentVersion), fields(rows) {
+        for (std::size_t i = 0; i < fields.size(); ++i) {
+            offsets[i] = static_cast<std::uint16_t>(payloadSize);
+            payloadSize += GetWidth(fields[i].type) * fields[i].count;
+        }
+    }
+
+    // The index of a field by its name; in a constant expression an unknown name does not compile.
+    constexpr std::uint32_t IndexOf(std::string_view name) const {
+        for (std::uint32_t i = 0; i < fields.size(); ++i)
+            if (fields[i].name == name) return i;
+        throw "no field of this name";
+    }
+    constexpr std::uint32_t OffsetOf(std::string_view name) const { return offsets[IndexOf(name)]; }
+};
+
+enum EPacketType : std::uint16_t {
+    typeImu = 0, typeDvl = 1, typeEMLog = 2, typeGps = 3, typeDepth = 4, typeUsbl = 5, typeLbl = 6, typeUtc = 7,
+    typeOdometer = 8, typeSynchro = 9, typeNelixNav = 10, typeMorvexStd = 11, typeMorvexMsg = 12, typeMorvexExt = 13,
+    typeMorvexSta = 14, typeTemperature = 15, typePlatformOrientation = 16
+};
+
+// The layouts of the decoded packet types (all but the internal states of the engine), defined in tarin_layouts.cpp
+// and tarout_layouts.cpp; the constexpr rows are in tarin_layouts.h and tarout_layouts.h.
+const SPacketLayout* FindPacketLayout(std::uint16_t type);
+
+enum class EFileKind : std::uint8_t { tarin, tarout };
+
+struct SChannelLayout {
+    std::string_view name; // the 16-byte key of the channel record
+    std::uint16_t packetType;
+    EFileKind kind;
+    int label; // number of the display text
+};
+
+// The 26 channels, input file first.
+std::span<const SChannelLayout> GetChannelLayouts();
+const SChannelLayout* FindChannelLayout(std::string_view name);
+
+} // namespace Persistance_Xpf
