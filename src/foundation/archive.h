@@ -1,8 +1,9 @@
 // The object archive: a plain little-endian stream whose meaning comes from the order in which objects write
 // themselves. It is the encoding of the project file and of the parameter file handed to the engine.
 //
-// One object serves one store or one load and belongs to one thread. Every operation throws CArchiveException on a
-// failure; the archive is then of no further use, and all that it had made for a load is destroyed with its holder.
+// One object serves one store or one load and belongs to one thread. Every operation throws CArchiveException
+// on a failure; the archive is then of no further use, and all that it had made for a load is destroyed with
+// its holder.
 #pragma once
 
 #include "foundation/byte_stream.h"
@@ -11,10 +12,12 @@
 #include <cstdint>
 #include <exception>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace Outils_Objets {
@@ -49,8 +52,9 @@ class CArchive {
   public:
     enum EMode { store, load };
 
-    // `stream` and `registry` must outlive the archive. `path` is the file that the stream reads or writes, empty for
-    // none: objects resolve their relative paths against its folder. A storing archive needs no registry.
+    // `stream` and `registry` must outlive the archive. `path` is the file that the stream reads or writes,
+    // empty for none: objects resolve their relative paths against its folder. A storing archive needs no
+    // registry.
     CArchive(IByteStream& stream, EMode mode, const CClassRegistry* registry, std::filesystem::path path = {},
              std::size_t bufferSize = 4096);
     ~CArchive();
@@ -66,43 +70,51 @@ class CArchive {
     void Read(void* data, std::size_t size);
 
     // One scalar, little-endian, in the width of its type (a boolean takes one byte).
-    template <class T> CArchive& operator<<(T value) {
+    template <class T>
+    CArchive& operator<<(T value) {
         static_assert(std::is_arithmetic_v<T>);
-        WriteScalar(&value, sizeof value);
+        Write(&value, sizeof value);
         return *this;
     }
-    template <class T> CArchive& operator>>(T& value) {
+    template <class T>
+    CArchive& operator>>(T& value) {
         static_assert(std::is_arithmetic_v<T>);
         if constexpr (std::is_same_v<T, bool>) {
             std::uint8_t byte = 0;
-            ReadScalar(&byte, 1);
+            Read(&byte, sizeof byte);
             value = byte != 0;
         } else {
-            ReadScalar(&value, sizeof value);
+            Read(&value, sizeof value);
         }
         return *this;
     }
 
-    // Text, UTF-8 in memory. Stored as UTF-16, and lossless for unpaired surrogates; loads UTF-16 and old narrow
-    // strings (Windows-1252).
+    // Text, UTF-8 in memory. Stored as UTF-16, and lossless for unpaired surrogates; loads UTF-16 and old
+    // narrow strings (Windows-1252).
     void WriteString(std::string_view text);
     std::string ReadString();
 
-    // The counts of the framework's own containers (maps of strings, arrays): 16 bits, or 32 bits behind FFFF.
+    // The counts of the framework's own containers (maps of strings, arrays): 16 bits, or 32 bits behind
+    // FFFF.
     void WriteCount(std::uint32_t count);
     std::uint32_t ReadCount();
 
     // An object or null. The same object written twice is stored once.
     void WriteObject(const CObject* object);
-    // The object or null; it stays the archive's until somebody claims it, and is destroyed with the archive if
-    // nobody does. Throws badClass unless it derives from `expected`.
+    // The object or null; it stays the archive's until somebody claims it, and is destroyed with the archive
+    // if nobody does. Throws badClass unless it derives from `expected`.
     CObject* ReadObject(const CRuntimeClass& expected);
-    template <class T> T* ReadObject() { return static_cast<T*>(ReadObject(T::Class())); }
+    template <class T>
+    T* ReadObject() {
+        return static_cast<T*>(ReadObject(T::Class()));
+    }
 
-    // Takes over the ownership of an object that this archive has read. Throws badIndex if another holder has it.
+    // Takes over the ownership of an object that this archive has read. The new owner keeps it until the load
+    // has ended, as later bytes may refer to it. Throws badIndex if another holder has it, or if its own
+    // Serialize has not returned yet.
     std::unique_ptr<CObject> Claim(CObject* object);
-    // The objects that were read but claimed by nobody. They may still be referred to by others, so a holder of the
-    // root keeps them as long as the root.
+    // The objects that were read but claimed by nobody, in the order in which they were met. They may still
+    // be referred to by others, so a holder of the root keeps them as long as the root.
     std::vector<std::unique_ptr<CObject>> TakeUnclaimed();
 
     // Writes out what is buffered. Must be called at the end of a store.
@@ -111,17 +123,21 @@ class CArchive {
   private:
     static constexpr int kMaximumDepth = 400; // real files nest less than 20 objects
 
-    void WriteScalar(const void* data, std::size_t size);
-    void ReadScalar(void* data, std::size_t size);
+    void Flush();
+    std::uint64_t GetRemaining() const; // bytes not read yet, buffered ones included
+    std::uint32_t ReadStringLength(bool& wide);
     void WriteClass(const CRuntimeClass& runtimeClass);
     const CRuntimeClass& ReadNewClass();
+    CObject* ReadNewObject(const CRuntimeClass& runtimeClass, const CRuntimeClass& expected);
     void CheckStoring() const;
     void CheckLoading() const;
     [[noreturn]] void Fail(CArchiveException::ECause cause) const;
 
-    struct SEntry { // one place of the index table while loading
+    struct SEntry {                                  // one place of the index table while loading
         const CRuntimeClass* runtimeClass = nullptr; // of a class entry
         CObject* object = nullptr;                   // of an object entry
+        std::unique_ptr<CObject> owned;              // the same object until it is claimed
+        bool reading = false;                        // its Serialize has not returned
     };
 
     IByteStream& m_stream;
@@ -129,13 +145,12 @@ class CArchive {
     const CClassRegistry* m_registry;
     std::filesystem::path m_path;
     std::vector<std::uint8_t> m_buffer;
-    std::size_t m_bufferSize;
-    std::size_t m_bufferPosition = 0;
+    std::size_t m_bufferPosition = 0;                        // storing: bytes held; loading: the next byte
+    std::size_t m_bufferEnd = 0;                             // loading only
     std::unordered_map<const void*, std::uint32_t> m_stored; // objects and classes, by address
-    std::vector<SEntry> m_loaded;
-    std::unordered_map<CObject*, std::unique_ptr<CObject>> m_unclaimed;
-    std::vector<CObject*> m_unclaimedOrder;
-    std::uint32_t m_lastIndex = 0;
+    std::uint32_t m_lastIndex = 0;                           // of m_stored
+    std::vector<SEntry> m_loaded;                            // by index; the first place is null's
+    std::unordered_map<const CObject*, std::size_t> m_indexOf;
     int m_depth = 0;
 };
 

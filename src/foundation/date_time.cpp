@@ -30,14 +30,17 @@ CDateTimeSpan CDateTimeSpan::FromSeconds(double seconds) {
     return span;
 }
 
-void CDateTimeSpan::SetDuration(std::int64_t days, std::int64_t hours, std::int64_t minutes, std::int64_t seconds,
-                                std::int64_t ticks) {
+void CDateTimeSpan::SetDuration(std::int64_t days, std::int64_t hours, std::int64_t minutes,
+                                std::int64_t seconds, std::int64_t ticks) {
     std::int64_t total = days;
-    const bool overflow =
-        __builtin_mul_overflow(total, std::int64_t{24}, &total) || __builtin_add_overflow(total, hours, &total) ||
-        __builtin_mul_overflow(total, std::int64_t{60}, &total) || __builtin_add_overflow(total, minutes, &total) ||
-        __builtin_mul_overflow(total, std::int64_t{60}, &total) || __builtin_add_overflow(total, seconds, &total) ||
-        __builtin_mul_overflow(total, kTicksPerSecond, &total) || __builtin_add_overflow(total, ticks, &total);
+    const bool overflow = __builtin_mul_overflow(total, std::int64_t{24}, &total) ||
+                          __builtin_add_overflow(total, hours, &total) ||
+                          __builtin_mul_overflow(total, std::int64_t{60}, &total) ||
+                          __builtin_add_overflow(total, minutes, &total) ||
+                          __builtin_mul_overflow(total, std::int64_t{60}, &total) ||
+                          __builtin_add_overflow(total, seconds, &total) ||
+                          __builtin_mul_overflow(total, kTicksPerSecond, &total) ||
+                          __builtin_add_overflow(total, ticks, &total);
     m_status = overflow ? kStatusInvalid : kStatusValid;
     if (!overflow) m_ticks = total;
 }
@@ -54,11 +57,13 @@ void CDateTimeSpan::SetFromSeconds(double seconds) {
 }
 
 double CDateTimeSpan::GetSeconds() const {
-    return static_cast<double>(m_ticks % kTicksPerSecond) / 1e7 + static_cast<double>(m_ticks / kTicksPerSecond % 60);
+    return static_cast<double>(m_ticks % kTicksPerSecond) / 1e7 +
+           static_cast<double>(m_ticks / kTicksPerSecond % 60);
 }
 
 double CDateTimeSpan::GetTotalSeconds() const {
-    return static_cast<double>(m_ticks / kTicksPerSecond) + static_cast<double>(m_ticks % kTicksPerSecond) / 1e7;
+    return static_cast<double>(m_ticks / kTicksPerSecond) +
+           static_cast<double>(m_ticks % kTicksPerSecond) / 1e7;
 }
 
 CDateTimeSpan& CDateTimeSpan::operator+=(CDateTimeSpan other) {
@@ -68,7 +73,8 @@ CDateTimeSpan& CDateTimeSpan::operator+=(CDateTimeSpan other) {
     }
     const std::int64_t former = m_ticks;
     m_ticks = WrappingAdd(m_ticks, other.m_ticks);
-    if ((other.m_ticks > 0 && m_ticks < former) || (other.m_ticks < 0 && m_ticks > former)) m_status = kStatusInvalid;
+    if ((other.m_ticks > 0 && m_ticks < former) || (other.m_ticks < 0 && m_ticks > former))
+        m_status = kStatusInvalid;
     return *this;
 }
 
@@ -79,13 +85,15 @@ CDateTimeSpan& CDateTimeSpan::operator-=(CDateTimeSpan other) {
     }
     const std::int64_t former = m_ticks;
     m_ticks = WrappingSubtract(m_ticks, other.m_ticks);
-    if ((other.m_ticks > 0 && m_ticks > former) || (other.m_ticks < 0 && m_ticks < former)) m_status = kStatusInvalid;
+    if ((other.m_ticks > 0 && m_ticks > former) || (other.m_ticks < 0 && m_ticks < former))
+        m_status = kStatusInvalid;
     return *this;
 }
 
 std::string CDateTimeSpan::ToText() const {
     const bool negative = m_ticks < 0;
-    const std::uint64_t magnitude = negative ? 0 - static_cast<std::uint64_t>(m_ticks) : static_cast<std::uint64_t>(m_ticks);
+    const std::uint64_t magnitude =
+        negative ? 0 - static_cast<std::uint64_t>(m_ticks) : static_cast<std::uint64_t>(m_ticks);
     char text[100];
     std::snprintf(text, sizeof text, "%s%llu.%07llu", negative ? "-" : "",
                   static_cast<unsigned long long>(magnitude / kTicksPerSecond),
@@ -107,14 +115,15 @@ void CDateTime::SetDateTime(std::uint16_t year, std::uint16_t month, std::uint16
     using namespace std::chrono;
     const year_month_day date{std::chrono::year{year}, std::chrono::month{month}, std::chrono::day{day}};
     // The calendar types hold 8-bit months and days, so the range is tested on the arguments themselves.
-    if (year < 1601 || year > 30827 || month > 12 || day > 31 || !date.ok() || hour > 23 || minute > 59 || second > 59) {
+    if (year < 1601 || year > 30827 || month > 12 || day > 31 || !date.ok() || hour > 23 || minute > 59 ||
+        second > 59) {
         m_status = kStatusInvalid;
         return;
     }
     const auto days = static_cast<std::uint64_t>((sys_days{date} - kEpoch).count());
     m_ticks = days * kTicksPerDay + hour * static_cast<std::uint64_t>(kTicksPerHour) +
-              minute * static_cast<std::uint64_t>(kTicksPerMinute) + second * static_cast<std::uint64_t>(kTicksPerSecond) +
-              static_cast<std::uint64_t>(ticks);
+              minute * static_cast<std::uint64_t>(kTicksPerMinute) +
+              second * static_cast<std::uint64_t>(kTicksPerSecond) + static_cast<std::uint64_t>(ticks);
     m_status = kStatusValid;
 }
 
@@ -158,7 +167,8 @@ CDateTime& CDateTime::operator+=(CDateTimeSpan span) {
     }
     const std::uint64_t former = m_ticks;
     m_ticks += static_cast<std::uint64_t>(span.GetTicks());
-    if ((span.GetTicks() > 0 && m_ticks < former) || (span.GetTicks() < 0 && m_ticks > former)) m_status = kStatusInvalid;
+    if ((span.GetTicks() > 0 && m_ticks < former) || (span.GetTicks() < 0 && m_ticks > former))
+        m_status = kStatusInvalid;
     return *this;
 }
 
@@ -169,7 +179,8 @@ CDateTime& CDateTime::operator-=(CDateTimeSpan span) {
     }
     const std::uint64_t former = m_ticks;
     m_ticks -= static_cast<std::uint64_t>(span.GetTicks());
-    if ((span.GetTicks() > 0 && m_ticks > former) || (span.GetTicks() < 0 && m_ticks < former)) m_status = kStatusInvalid;
+    if ((span.GetTicks() > 0 && m_ticks > former) || (span.GetTicks() < 0 && m_ticks < former))
+        m_status = kStatusInvalid;
     return *this;
 }
 

@@ -1,7 +1,8 @@
 // Absolute instants and signed lengths of time, both counted in ticks of 100 nanoseconds.
 //
-// Both carry a validity status that spreads through arithmetic: a refused calendar value or an overflow makes every
-// later result invalid instead of giving a wrong date. Nothing here throws. Plain values, usable from any thread.
+// Both carry a validity status that spreads through arithmetic: a refused calendar value or an overflow makes
+// every later result invalid instead of giving a wrong date. Nothing here throws. Plain values, usable from
+// any thread.
 #pragma once
 
 #include <cstdint>
@@ -32,21 +33,23 @@ class CDateTimeSpan {
     constexpr std::int32_t GetStatus() const { return m_status; }
     constexpr bool IsValid() const { return m_status == kStatusValid; }
 
-    // The length from its parts, each signed; makes the span valid. Parts beyond the 64-bit tick range make it invalid.
+    // The length from its parts, each signed; makes the span valid. Parts beyond the 64-bit tick range make
+    // it invalid.
     void SetDuration(std::int64_t days, std::int64_t hours, std::int64_t minutes, std::int64_t seconds,
                      std::int64_t ticks);
-    // The length from seconds, rounded half away from zero to a tick. NaN and values beyond the tick range make the
-    // span invalid.
+    // The length from seconds, rounded half away from zero to a tick. NaN and values beyond the tick range
+    // make the span invalid.
     void SetFromSeconds(double seconds);
 
-    // The hour within the day, the minute within the hour and the second within the minute (with its fraction), each
-    // in the sign of the span.
+    // The hour within the day, the minute within the hour and the second within the minute (with its
+    // fraction), each in the sign of the span.
     int GetHours() const { return static_cast<int>(m_ticks / kTicksPerHour % 24); }
     int GetMinutes() const { return static_cast<int>(m_ticks / kTicksPerMinute % 60); }
     double GetSeconds() const;
     // Whole days, in the sign of the span.
     std::int64_t GetDays() const { return m_ticks / kTicksPerDay; }
-    // The whole length in seconds; whole seconds and fraction are converted apart to keep the fraction's precision.
+    // The whole length in seconds; whole seconds and fraction are converted apart to keep the fraction's
+    // precision.
     double GetTotalSeconds() const;
 
     CDateTimeSpan& operator+=(CDateTimeSpan other);
@@ -57,8 +60,12 @@ class CDateTimeSpan {
     // Equal ticks and equal status.
     friend constexpr bool operator==(CDateTimeSpan, CDateTimeSpan) = default;
     // False in every direction when either side is invalid.
-    friend constexpr bool operator<(CDateTimeSpan a, CDateTimeSpan b) { return Valid(a, b) && a.m_ticks < b.m_ticks; }
-    friend constexpr bool operator<=(CDateTimeSpan a, CDateTimeSpan b) { return Valid(a, b) && a.m_ticks <= b.m_ticks; }
+    friend constexpr bool operator<(CDateTimeSpan a, CDateTimeSpan b) {
+        return Valid(a, b) && a.m_ticks < b.m_ticks;
+    }
+    friend constexpr bool operator<=(CDateTimeSpan a, CDateTimeSpan b) {
+        return Valid(a, b) && a.m_ticks <= b.m_ticks;
+    }
     friend constexpr bool operator>(CDateTimeSpan a, CDateTimeSpan b) { return b < a; }
     friend constexpr bool operator>=(CDateTimeSpan a, CDateTimeSpan b) { return b <= a; }
 
@@ -100,8 +107,8 @@ class CDateTime {
     constexpr std::int32_t GetStatus() const { return m_status; }
     constexpr bool IsValid() const { return m_status == kStatusValid; }
 
-    // The date from calendar fields plus `ticks`. Fields that name no instant (month 13, day 32, second 60, a year
-    // outside 1601 to 30827) make the status invalid and leave the ticks as they are.
+    // The date from calendar fields plus `ticks`. Fields that name no instant (month 13, day 32, second 60, a
+    // year outside 1601 to 30827) make the status invalid and leave the ticks as they are.
     void SetDateTime(std::uint16_t year, std::uint16_t month, std::uint16_t day, std::uint16_t hour,
                      std::uint16_t minute, std::uint16_t second, std::int64_t ticks);
 
@@ -112,7 +119,8 @@ class CDateTime {
     // All fields at once; false as above, and `fields` is left alone.
     bool GetCalendar(CalendarFields& fields) const;
 
-    // An overflow or an invalid operand makes the status invalid; an invalid operand leaves the ticks untouched.
+    // An overflow or an invalid operand makes the status invalid; an invalid operand leaves the ticks
+    // untouched.
     CDateTime& operator+=(CDateTimeSpan span);
     CDateTime& operator-=(CDateTimeSpan span);
     friend CDateTime operator+(CDateTime date, CDateTimeSpan span) { return date += span; }
@@ -122,7 +130,9 @@ class CDateTime {
 
     friend constexpr bool operator==(CDateTime, CDateTime) = default;
     friend constexpr bool operator<(CDateTime a, CDateTime b) { return Valid(a, b) && a.m_ticks < b.m_ticks; }
-    friend constexpr bool operator<=(CDateTime a, CDateTime b) { return Valid(a, b) && a.m_ticks <= b.m_ticks; }
+    friend constexpr bool operator<=(CDateTime a, CDateTime b) {
+        return Valid(a, b) && a.m_ticks <= b.m_ticks;
+    }
     friend constexpr bool operator>(CDateTime a, CDateTime b) { return b < a; }
     friend constexpr bool operator>=(CDateTime a, CDateTime b) { return b <= a; }
 

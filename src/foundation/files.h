@@ -7,15 +7,18 @@
 #include <filesystem>
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace Outils_Fichiers {
 
-// The bytes of a regular file; empty when it cannot be read, is not a regular file, or holds more than `limit`.
-std::optional<std::vector<std::uint8_t>> ReadWholeFile(const std::filesystem::path& path, std::uint64_t limit);
+// The bytes of a regular file; empty when it cannot be read, is not a regular file, or holds more than
+// `limit`.
+std::optional<std::vector<std::uint8_t>> ReadWholeFile(const std::filesystem::path& path,
+                                                       std::uint64_t limit);
 
-// Replaces the file's content as one step: writes beside it, flushes to the disk, renames. A link is followed, the
-// mode of an existing file is kept. False on any failure, and the old file is whole.
+// Replaces the file's content as one step: writes beside it, flushes to the disk, renames. A link is
+// followed, the mode of an existing file is kept. False on any failure, and the old file is whole.
 bool SaveAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
 
 // Writes in place, creating or truncating; for files that nobody else knows yet. False on any failure.

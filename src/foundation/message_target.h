@@ -1,17 +1,19 @@
 // How results of background threads reach the UI thread: one ordered queue of closures.
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 namespace Outils {
 
-// Takes closures from any thread and runs them later on the UI thread, in the order in which they were posted.
+// Takes closures from any thread and runs them later on the UI thread, in the order in which they were
+// posted.
 class IMessageTarget {
   public:
     virtual ~IMessageTarget() = default;
@@ -19,7 +21,8 @@ class IMessageTarget {
     virtual void Post(std::function<void()> message) = 0;
 };
 
-// A plain queue for programs and tests without a window: the thread that calls the Run operations is the UI thread.
+// A plain queue for programs and tests without a window: the thread that calls the Run operations is the UI
+// thread.
 class CMessageQueue : public IMessageTarget {
   public:
     void Post(std::function<void()> message) override;
@@ -36,7 +39,8 @@ class CMessageQueue : public IMessageTarget {
     std::deque<std::function<void()>> m_messages;
 };
 
-// One receiver's door to the queue: what is still queued when the door is destroyed, on the UI thread, never runs.
+// One receiver's door to the queue: what is still queued when the door is destroyed, on the UI thread, never
+// runs.
 class CMessagePort {
   public:
     // `target` must outlive the port.

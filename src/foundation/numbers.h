@@ -8,16 +8,18 @@
 
 namespace Outils_Texte {
 
-// Leading blanks and tabs are skipped, one sign is allowed, trailing blanks and tabs are allowed, and the text must
-// end there. A result of exactly zero is accepted only if the character after the optional sign is the digit 0, so
+// Leading blanks and tabs are skipped, one sign is allowed, trailing blanks and tabs are allowed, and the
+// text must end there. A result of exactly zero is accepted only if the character after the optional sign is
+// the digit 0, so
 // ".0" fails while ".5" is read. Decimal, exponent and hexadecimal forms, "inf" and "nan" are read.
 std::optional<double> ParseDouble(std::string_view text);
-// Base 10; out of range clips to the ends of the type, as the C conversion does.
+// Blanks, tabs and sign as above. Out of range clips to the ends of the type; a negative number in range
+// becomes its unsigned complement, as in the C conversion. Base 16 takes a "0x" in front.
 std::optional<std::int32_t> ParseInt(std::string_view text);
 std::optional<std::uint32_t> ParseUInt(std::string_view text, int base = 10);
 
-// The number at the start of `text` after blanks and tabs: the value and the count of characters used, by the same
-// zero rule; empty when there is none. What follows is the caller's affair.
+// The number at the start of `text` after blanks and tabs: the value and the count of characters used, by the
+// same zero rule; empty when there is none. What follows is the caller's affair.
 struct SNumberPrefix {
     double value;
     std::size_t used;

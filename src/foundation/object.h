@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 
 namespace Outils_Objets {
@@ -12,8 +13,8 @@ class CArchive;
 
 // What is known of a class at run time. One constant per class, obtained by `Class()`; compared by address.
 struct CRuntimeClass {
-    std::string_view name;             // the bare class name, as archives write it
-    const CRuntimeClass* base;         // null for CObject
+    std::string_view name;                // the bare class name, as archives write it
+    const CRuntimeClass* base;            // null for CObject
     std::unique_ptr<CObject> (*create)(); // null for a class that cannot be made by name
 
     bool IsDerivedFrom(const CRuntimeClass& other) const;
@@ -37,8 +38,8 @@ class CObject {
 };
 
 // Gives `Self` its run-time class: derive as `class CThing : public TRuntimeClass<CThing, CBase>` and state
-// `static constexpr std::string_view kClassName = "CThing";`. A Self that has a default constructor and is not
-// abstract can be made by name.
+// `static constexpr std::string_view kClassName = "CThing";`. A Self that has a default constructor and is
+// not abstract can be made by name.
 template <class Self, class Base>
 class TRuntimeClass : public Base {
   public:
@@ -63,13 +64,15 @@ class TRuntimeClass : public Base {
     }
 };
 
-// The classes that an archive may make by name. Filled once by the rooms that own the classes, then only read;
-// must outlive every loading archive that is given it.
+// The classes that an archive may make by name. Filled once by the rooms that own the classes, then only
+// read; must outlive every loading archive that is given it.
 class CClassRegistry {
   public:
     void Register(const CRuntimeClass& runtimeClass) { m_classes.emplace(runtimeClass.name, &runtimeClass); }
     template <class... Classes>
-    void Register() { (Register(Classes::Class()), ...); }
+    void Register() {
+        (Register(Classes::Class()), ...);
+    }
 
     // Null for a name that nobody registered.
     const CRuntimeClass* Find(std::string_view name) const;

@@ -1,5 +1,5 @@
-// Relative paths as project and batch files hold them: in the form of the original platform (".\data\x.tarin"), so
-// that a project folder can be carried between systems. Reading takes both separators.
+// Relative paths as project and batch files hold them: in the form of the original platform
+// (".\data\x.tarin"), so that a project folder can be carried between systems. Reading takes both separators.
 #pragma once
 
 #include <filesystem>
@@ -9,9 +9,9 @@
 
 namespace Outils_Fichiers {
 
-// The path from the folder `from` to the file `to`, with backslashes and a leading "." or "..". Empty when there is
-// none: one of them is not absolute, or they lie on different volumes. Does not follow links, and the file need not
-// exist.
+// The path from the folder `from` to the file `to`, with backslashes and a leading "." or "..". Empty when
+// there is none: one of them is not absolute, or they lie on different volumes. Does not follow links, and
+// the file need not exist.
 std::optional<std::string> RelativePathTo(const std::filesystem::path& from, const std::filesystem::path& to);
 
 // True unless the text starts with a separator or a drive letter and colon.

@@ -9,19 +9,26 @@
 //         schema.Since(3).Owned(leverArm);
 //     }
 //
-// A member that an older file does not hold keeps what it has: before loading a version's fields, give such members
-// their defaults. A load destroys the objects held before reading new ones.
+// A member that an older file does not hold keeps what it has: before loading a version's fields, give such
+// members their defaults. A load destroys the objects held before reading new ones.
 #pragma once
 
 #include "foundation/archive.h"
 #include "foundation/date_time.h"
 
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
 namespace Outils_Objets {
 
 class CSchema {
   public:
-    // First act of a class's Serialize: the version integer. Throws badSchema for a version below `oldest` or above
-    // `current`.
+    // First act of a class's Serialize: the version integer. Throws badSchema for a version below `oldest` or
+    // above `current`.
     CSchema(CArchive& archive, std::int32_t current, std::int32_t oldest = 1);
 
     bool IsLoading() const { return m_archive.IsLoading(); }
@@ -35,8 +42,10 @@ class CSchema {
         return *this;
     }
 
-    // Arithmetic values in their own width, enumerations in 32 bits, booleans in one byte, text, dates in 8 bytes.
-    template <class T> void Field(T& value) {
+    // Arithmetic values in their own width, enumerations in 32 bits, booleans in one byte, text, dates in 8
+    // bytes.
+    template <class T>
+    void Field(T& value) {
         if (Skip()) return;
         if constexpr (std::is_enum_v<T>) {
             auto number = static_cast<std::int32_t>(value);
@@ -54,21 +63,27 @@ class CSchema {
     }
 
     // A pointer to an object that somebody else owns.
-    template <class T> void Reference(T*& object) {
+    template <class T>
+    void Reference(T*& object) {
         if (Skip()) return;
-        if (m_archive.IsStoring()) m_archive.WriteObject(object);
-        else object = m_archive.ReadObject<std::remove_const_t<T>>();
+        if (m_archive.IsStoring())
+            m_archive.WriteObject(object);
+        else
+            object = m_archive.ReadObject<std::remove_const_t<T>>();
     }
-    template <class T> void Owned(std::unique_ptr<T>& object) {
+    template <class T>
+    void Owned(std::unique_ptr<T>& object) {
         if (Skip()) return;
-        if (m_archive.IsStoring()) m_archive.WriteObject(object.get());
+        if (m_archive.IsStoring())
+            m_archive.WriteObject(object.get());
         else {
             object.reset();
             object = ReadOwned<T>();
         }
     }
     // A 32-bit count and then the objects. A null element throws badIndex: no holder expects one.
-    template <class T> void OwnedList(std::vector<std::unique_ptr<T>>& objects) {
+    template <class T>
+    void OwnedList(std::vector<std::unique_ptr<T>>& objects) {
         if (Skip()) return;
         std::uint32_t count = Count(objects.size());
         if (m_archive.IsStoring()) {
@@ -84,15 +99,19 @@ class CSchema {
 
   private:
     bool Skip() { return std::exchange(m_skipNext, false); }
-    template <class T> void Scalar(T& value) {
-        if (m_archive.IsStoring()) m_archive << value;
-        else m_archive >> value;
+    template <class T>
+    void Scalar(T& value) {
+        if (m_archive.IsStoring())
+            m_archive << value;
+        else
+            m_archive >> value;
     }
     void Value(std::string& text);
     void Value(Outils_Temps::CDateTime& date);
     void Value(Outils_Temps::CDateTimeSpan& span);
     std::uint32_t Count(std::size_t count);
-    template <class T> std::unique_ptr<T> ReadOwned() {
+    template <class T>
+    std::unique_ptr<T> ReadOwned() {
         T* object = m_archive.ReadObject<T>();
         if (!object) return nullptr;
         m_archive.Claim(object).release();

@@ -6,8 +6,8 @@
 
 namespace Outils_Texte {
 
-// Lossless both ways for every UTF-16 sequence: an unpaired surrogate becomes the three bytes that UTF-8 would give
-// its code point, and comes back as it was. Other bytes that are not UTF-8 become U+FFFD.
+// Lossless both ways for every UTF-16 sequence: an unpaired surrogate becomes the three bytes that UTF-8
+// would give its code point, and comes back as it was. Other bytes that are not UTF-8 become U+FFFD.
 std::u16string Utf8ToUtf16(std::string_view text);
 std::string Utf16ToUtf8(std::u16string_view text);
 

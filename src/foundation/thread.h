@@ -9,7 +9,8 @@
 
 namespace Outils {
 
-// A flag that threads can wait for. Stays set until reset (manual) or until one waiter has passed (automatic).
+// A flag that threads can wait for. Stays set until reset (manual) or until one waiter has passed
+// (automatic).
 class CEvent {
   public:
     enum EReset { manual, automatic };
@@ -17,7 +18,8 @@ class CEvent {
 
     void Set();
     void Reset();
-    // The state without waiting, without a lock: cheap enough for once per packet. Does not consume the signal.
+    // The state without waiting, without a lock: cheap enough for once per packet. Does not consume the
+    // signal.
     bool IsSet() const { return m_set.load(std::memory_order_acquire); }
     // True when the event was set within the time.
     bool Wait(std::chrono::milliseconds time);
@@ -29,8 +31,8 @@ class CEvent {
     std::condition_variable m_condition;
 };
 
-// A worker thread that can be started again after it has ended. The owner calls Start, Stop and Join from one thread.
-// A derived class must call Kill() in its own destructor, before its members go.
+// A worker thread that can be started again after it has ended. The owner calls Start, Stop and Join from one
+// thread. A derived class must call Kill() in its own destructor, before its members go.
 class CThread {
   public:
     CThread() = default;
@@ -43,7 +45,7 @@ class CThread {
 
     // Asks the body to end and waits until it has: the forced end. The body polls, so this returns soon.
     void Kill();
-    // False when the thread is running already.
+    // False when the thread is running already, or the system has no thread left to give.
     virtual bool Start();
     // Asks the body to end, yields, and tells whether it has ended; the caller polls.
     virtual bool Stop();

@@ -1,0 +1,149 @@
+#include "foundation/files.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <fcntl.h>
+#include <random>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace Outils_Fichiers {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// An open file, closed with its holder.
+class CDescriptor {
+  public:
+    explicit CDescriptor(int number) : m_number(number) {}
+    ~CDescriptor() { Close(); }
+    CDescriptor(CDescriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
+    CDescriptor& operator=(CDescriptor&&) = delete;
+
+    bool IsOpen() const { return m_number >= 0; }
+    int Get() const { return m_number; }
+    // Some file systems report a failed write only here.
+    bool Close() { return m_number < 0 || ::close(std::exchange(m_number, -1)) == 0; }
+
+  private:
+    int m_number;
+};
+
+bool WriteAll(int file, std::span<const std::uint8_t> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+// Creates a file of a new name in `folder`; `path` receives the name. The name does not grow with that of
+// another file, which may have the longest that the file system takes.
+CDescriptor CreateUnique(const fs::path& folder, std::string_view prefix, mode_t mode, fs::path& path) {
+    std::random_device random;
+    for (int attempt = 0; attempt < 100; ++attempt) {
+        char suffix[24];
+        std::snprintf(suffix, sizeof suffix, "%08x%08x.tmp", random(), random());
+        path = folder / (std::string(prefix) + suffix);
+        const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (file >= 0 || errno != EEXIST) return CDescriptor(file);
+    }
+    return CDescriptor(-1);
+}
+
+// The file that a link leads to at last, which need not exist; empty for a ring of links.
+std::optional<fs::path> FollowLinks(fs::path path) {
+    std::error_code error;
+    for (int link = 0; link < 40; ++link) {
+        if (!fs::is_symlink(fs::symlink_status(path, error))) return path;
+        const fs::path target = fs::read_symlink(path, error);
+        if (error) return std::nullopt;
+        path = path.parent_path() / target;
+    }
+    return std::nullopt;
+}
+
+fs::path FolderOf(const fs::path& path) {
+    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+// The data is on the disk and under the new name already: a file system that cannot flush a folder loses
+// nothing.
+void FlushFolder(const fs::path& folder) {
+    const CDescriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (opened.IsOpen()) ::fsync(opened.Get());
+}
+
+} // namespace
+
+std::optional<std::vector<std::uint8_t>> ReadWholeFile(const fs::path& path, std::uint64_t limit) {
+    // Not to hang on a pipe before it is seen to be none of ours.
+    const CDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status;
+    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    if (static_cast<std::uint64_t>(status.st_size) > limit) return std::nullopt;
+
+    // One byte more than the size tells the end from a file that grows meanwhile.
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(status.st_size) + 1);
+    std::size_t filled = 0;
+    for (;;) {
+        const ssize_t count = ::read(file.Get(), bytes.data() + filled, bytes.size() - filled);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return std::nullopt;
+        if (count == 0) break;
+        filled += static_cast<std::size_t>(count);
+        if (filled > limit) return std::nullopt;
+        if (filled == bytes.size()) bytes.resize(bytes.size() * 2);
+    }
+    bytes.resize(filled);
+    return bytes;
+}
+
+bool SaveAtomically(const fs::path& path, std::span<const std::uint8_t> bytes) {
+    const auto target = FollowLinks(path);
+    if (!target) return false;
+    struct stat former;
+    const bool replaces = ::stat(target->c_str(), &former) == 0;
+    // The rename would ask only for the folder's permission, and replace a file that was locked against
+    // writing.
+    if (replaces && (!S_ISREG(former.st_mode) || ::access(target->c_str(), W_OK) != 0)) return false;
+
+    const fs::path folder = FolderOf(*target);
+    fs::path temporary;
+    CDescriptor file = CreateUnique(folder, ".save-", 0666, temporary);
+    if (!file.IsOpen()) return false;
+    const bool written = (!replaces || ::fchmod(file.Get(), former.st_mode & 0777) == 0) &&
+                         WriteAll(file.Get(), bytes) && ::fsync(file.Get()) == 0;
+    if (!file.Close() || !written || ::rename(temporary.c_str(), target->c_str()) != 0) {
+        ::unlink(temporary.c_str());
+        return false;
+    }
+    FlushFolder(folder);
+    return true;
+}
+
+bool WriteWholeFile(const fs::path& path, std::span<const std::uint8_t> bytes) {
+    CDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    return file.IsOpen() && WriteAll(file.Get(), bytes) && file.Close();
+}
+
+fs::path GetExecutablePath() {
+    std::error_code error;
+    return fs::read_symlink("/proc/self/exe", error).parent_path();
+}
+
+std::optional<fs::path> CreateTemporaryFile(std::string_view prefix) {
+    std::error_code error;
+    const fs::path folder = fs::temp_directory_path(error);
+    if (error) return std::nullopt;
+    fs::path path;
+    if (!CreateUnique(folder, prefix, 0600, path).IsOpen()) return std::nullopt;
+    return path;
+}
+
+} // namespace Outils_Fichiers
