@@ -1,0 +1,81 @@
+#include "dataaccess/async_query.h"
+
+#include <algorithm>
+
+namespace Application_Tarvel {
+
+void CAsyncQueryLoaderThread::Run() {
+    for (;;) {
+        std::shared_ptr<CAsyncQuery> query;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (m_stop || m_queue.empty()) {
+                // Told under the lock: a Submit that comes now starts the thread again.
+                m_serving = false;
+                return;
+            }
+            query = m_queue.front();
+            m_queue.pop_front();
+            m_current = query;
+        }
+        query->m_state = CAsyncQuery::running;
+        bool cancelled = false;
+        const bool success = query->Execute(cancelled);
+        {
+            const std::lock_guard lock(m_mutex);
+            m_current.reset();
+        }
+        query->m_state = cancelled ? CAsyncQuery::cancelled : CAsyncQuery::finished;
+        if (cancelled)
+            m_port.Post([query] { query->OnCancelled(); });
+        else
+            m_port.Post([query, success] { query->OnFinished(success); });
+    }
+}
+
+void CAsyncQueryLoaderThread::RequestStop() {
+    const std::lock_guard lock(m_mutex);
+    m_stop = true;
+    if (m_current) m_current->RequestCancel();
+}
+
+void CAsyncQueryManager::Submit(const std::shared_ptr<CAsyncQuery>& query) {
+    bool start = false;
+    {
+        const std::lock_guard lock(m_loader.m_mutex);
+        auto& queue = m_loader.m_queue;
+        if (m_loader.m_current != query && std::find(queue.begin(), queue.end(), query) == queue.end()) {
+            query->m_state = CAsyncQuery::queued;
+            queue.push_back(query);
+        }
+        m_loader.m_stop = false;
+        start = !m_loader.m_serving && !queue.empty();
+        if (start) m_loader.m_serving = true;
+    }
+    if (!start) return;
+    // A former run of the thread has left its loop for good and is at most on its last instructions.
+    m_loader.Join();
+    m_loader.Start();
+}
+
+bool CAsyncQueryManager::Cancel(const std::shared_ptr<CAsyncQuery>& query) {
+    const std::lock_guard lock(m_loader.m_mutex);
+    if (m_loader.m_current == query) {
+        query->RequestCancel();
+        return true;
+    }
+    auto& queue = m_loader.m_queue;
+    const auto place = std::find(queue.begin(), queue.end(), query);
+    if (place == queue.end()) return false;
+    queue.erase(place);
+    query->m_state = CAsyncQuery::cancelled;
+    m_port.Post([query] { query->OnCancelled(); });
+    return true;
+}
+
+bool CAsyncQueryManager::Stop() {
+    if (!m_loader.IsAlive()) return true;
+    return m_loader.Stop();
+}
+
+} // namespace Application_Tarvel

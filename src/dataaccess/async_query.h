@@ -1,0 +1,84 @@
+// Requests that run behind the screen: one first-in first-out queue, one loader thread, no priorities. What
+// makes a view feel live is that it cancels its stale query when the user moves on.
+#pragma once
+
+#include "foundation/message_target.h"
+#include "foundation/thread.h"
+
+#include <deque>
+#include <memory>
+#include <mutex>
+
+namespace Application_Tarvel {
+
+// One request. It is shared by its owner and the manager until one of its two closing operations has run.
+class CAsyncQuery {
+  public:
+    enum EState { fresh = 0, queued = 1, running = 2, finished = 3, cancelled = 4 };
+
+    virtual ~CAsyncQuery() = default;
+
+    // Thread-safe.
+    EState GetState() const { return m_state.load(std::memory_order_acquire); }
+
+    // The work, on the loader thread. Sets `wasCancelled` if it gave up on request; true on success. May not
+    // throw.
+    virtual bool Execute(bool& wasCancelled) = 0;
+    // Makes a running Execute stop soon. Called from the owner's thread, while Execute may run.
+    virtual void RequestCancel() {}
+
+    // Exactly one of the two runs, on the UI thread.
+    virtual void OnFinished(bool success) = 0;
+    virtual void OnCancelled() = 0;
+
+  private:
+    friend class CAsyncQueryLoaderThread;
+    friend class CAsyncQueryManager;
+    std::atomic<EState> m_state{fresh};
+};
+
+class CAsyncQueryManager;
+
+// Runs the queued queries one after the other and ends when none is left.
+class CAsyncQueryLoaderThread : public Outils::CThread {
+  public:
+    explicit CAsyncQueryLoaderThread(Outils::CMessagePort& port) : m_port(port) {}
+    ~CAsyncQueryLoaderThread() override { Kill(); }
+
+  protected:
+    void Run() override;
+    void RequestStop() override;
+
+  private:
+    friend class CAsyncQueryManager;
+
+    Outils::CMessagePort& m_port;
+    std::mutex m_mutex; // guards what follows
+    std::deque<std::shared_ptr<CAsyncQuery>> m_queue;
+    std::shared_ptr<CAsyncQuery> m_current;
+    bool m_stop = false;
+    bool m_serving = false; // Run will look at the queue again
+};
+
+// All operations on the UI thread. Destroying the manager stops the loader; callbacks that are still queued
+// never run.
+class CAsyncQueryManager {
+  public:
+    // `target` must outlive the manager.
+    explicit CAsyncQueryManager(Outils::IMessageTarget& target) : m_port(target), m_loader(m_port) {}
+
+    // Appends the query unless it is queued or running, and starts the loader if it is not at work.
+    void Submit(const std::shared_ptr<CAsyncQuery>& query);
+    // Withdraws a queued query or asks the running one to stop; its OnCancelled comes later. False when there
+    // was nothing to do: the query has finished or was never submitted.
+    bool Cancel(const std::shared_ptr<CAsyncQuery>& query);
+    // Asks the loader to end after its current query, which is asked to stop; true once the loader has ended.
+    // What is still queued stays queued and runs after the next Submit.
+    bool Stop();
+
+  private:
+    Outils::CMessagePort m_port;
+    CAsyncQueryLoaderThread m_loader;
+};
+
+} // namespace Application_Tarvel

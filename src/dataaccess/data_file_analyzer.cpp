@@ -1,0 +1,176 @@
+#include "dataaccess/data_file_analyzer.h"
+
+#include "xpf/table_file.h"
+#include "xpf/tarin_layouts.h"
+
+#include <cmath>
+#include <cstring>
+
+namespace Application_Tarvel {
+
+using namespace Persistance_Xpf;
+using Outils_Temps::CDateTimeSpan;
+
+namespace {
+
+template <class T>
+T Load(std::span<const std::uint8_t> payload, std::uint32_t offset) {
+    T value;
+    std::memcpy(&value, payload.data() + offset, sizeof value);
+    return value;
+}
+
+// The calendar fields of a UTC packet, their seconds apart, and the packet's own date.
+struct SUtcFields {
+    explicit SUtcFields(std::span<const std::uint8_t> payload)
+        : date(Load<std::int64_t>(payload, kUtcLayout.OffsetOf("Date"))),
+          year(Load<std::uint16_t>(payload, kUtcLayout.OffsetOf("UTC Year"))),
+          month(Load<std::uint8_t>(payload, kUtcLayout.OffsetOf("UTC Month"))),
+          day(Load<std::uint8_t>(payload, kUtcLayout.OffsetOf("UTC day"))),
+          hour(Load<std::uint8_t>(payload, kUtcLayout.OffsetOf("UTC Hour"))),
+          minute(Load<std::uint8_t>(payload, kUtcLayout.OffsetOf("UTC Minute"))),
+          second(Load<float>(payload, kUtcLayout.OffsetOf("UTC Second"))) {}
+
+    CDateTimeSpan date;
+    std::uint16_t year;
+    std::uint8_t month, day, hour, minute;
+    float second;
+};
+
+constexpr std::uint32_t kGpsPacketSize = kGpsLayout.payloadSize + kPacketOverhead;
+constexpr std::uint32_t kUtcPacketSize = kUtcLayout.payloadSize + kPacketOverhead;
+
+} // namespace
+
+bool CTrvDataFileAnalyzerThread::Start() {
+    if (IsAlive()) return false;
+    m_stop.Reset();
+    return CThread::Start();
+}
+
+void CTrvDataFileAnalyzerThread::Run() {
+    const auto file = OpenDataFile(m_path);
+    if (!file) return;
+    const CXpfFilePosition start = m_resume.IsKnown() ? m_resume : file->GetDataStart();
+    if (!start.IsKnown() || !file->Seek(start.Get())) return;
+    SPacketHeader header;
+    std::span<const std::uint8_t> payload;
+    while (!m_stop.IsSet() && file->ReadPacket(header, payload) == EPacketRead::whole) {
+        if (!ProcessPacket(*file, header, payload)) break;
+        m_resume = file->GetPosition();
+    }
+}
+
+std::unique_ptr<CXpfFile> CTrvDataFileAnalyzerThread::OpenDataFile(const std::filesystem::path& path) {
+    auto file = std::make_unique<CXpfFile>();
+    return file->Open(path) ? std::move(file) : nullptr;
+}
+
+bool CTrvDataFileAnalyzerThread::ProcessPacket(CXpfFile&, const SPacketHeader& header,
+                                               std::span<const std::uint8_t>) {
+    if (m_reported.test(header.channel)) return true;
+    m_reported.set(header.channel);
+    m_port.Post([report = m_onChannel, channel = header.channel] { report(channel); });
+    return true;
+}
+
+SFirstData CTrvTarinDataFileAnalyzerThread::WaitForFirstData(std::chrono::milliseconds timeout) {
+    std::unique_lock lock(m_mutex);
+    m_firstData.wait_for(lock, timeout, [this] { return m_ended || (m_data.hasUtc && m_data.hasPosition); });
+    return m_data;
+}
+
+void CTrvTarinDataFileAnalyzerThread::Run() {
+    {
+        const std::lock_guard lock(m_mutex);
+        m_ended = false;
+    }
+    CTrvDataFileAnalyzerThread::Run();
+    const std::lock_guard lock(m_mutex);
+    m_ended = true;
+    m_firstData.notify_all();
+}
+
+std::unique_ptr<CXpfFile> CTrvTarinDataFileAnalyzerThread::OpenDataFile(const std::filesystem::path& path) {
+    bool outdated = false;
+    auto file = OpenXpfFile(path, EFileKind::tarin, outdated);
+    if (!file) return nullptr;
+    m_types.assign(65536, kNoChannel);
+    for (const auto& channel : file->GetChannels())
+        m_types[channel->GetNumber()] = static_cast<std::uint16_t>(channel->GetPacketType());
+    return file;
+}
+
+bool CTrvTarinDataFileAnalyzerThread::ProcessPacket(CXpfFile& file, const SPacketHeader& header,
+                                                    std::span<const std::uint8_t> payload) {
+    const std::uint16_t type = m_types[header.channel];
+    if (type == typeGps && !ProcessGps(header, payload)) return false;
+    if (type == typeUtc && !ProcessUtc(header, payload)) return false;
+    return CTrvDataFileAnalyzerThread::ProcessPacket(file, header, payload);
+}
+
+bool CTrvTarinDataFileAnalyzerThread::ProcessGps(const SPacketHeader& header,
+                                                 std::span<const std::uint8_t> payload) {
+    if (header.size < kGpsPacketSize) return false;
+    if (m_positionSeen) return true;
+    m_positionSeen = true;
+    const std::lock_guard lock(m_mutex);
+    m_data.hasPosition = true;
+    m_data.position.latitude = Load<double>(payload, kGpsLayout.OffsetOf("Latitude"));
+    m_data.position.longitude = Load<double>(payload, kGpsLayout.OffsetOf("Longitude"));
+    m_data.position.altitude = static_cast<double>(Load<float>(payload, kGpsLayout.OffsetOf("Altitude")));
+    m_firstData.notify_all();
+    return true;
+}
+
+bool CTrvTarinDataFileAnalyzerThread::ProcessUtc(const SPacketHeader& header,
+                                                 std::span<const std::uint8_t> payload) {
+    if (header.size < kUtcPacketSize) return false;
+    if (m_utcSeen) return true;
+    m_utcSeen = true;
+    const SUtcFields utc(payload);
+    CDateTime origin = CDateTime::Invalid();
+    // Seconds that no 16-bit field holds (a NaN, say) name no instant.
+    if (utc.second >= 0.0f && utc.second < 60.0f) {
+        const auto whole = static_cast<std::uint16_t>(utc.second);
+        const float fraction = (utc.second - static_cast<float>(whole)) * 1e7f;
+        origin.SetDateTime(utc.year, utc.month, utc.day, utc.hour, utc.minute, whole,
+                           static_cast<std::int64_t>(fraction));
+    }
+    origin -= utc.date;
+    const std::lock_guard lock(m_mutex);
+    m_data.hasUtc = true;
+    m_data.utcOrigin = origin;
+    m_firstData.notify_all();
+    return true;
+}
+
+CDateTime FindUtcOrigin(const std::filesystem::path& path, int maxPacketCount) {
+    bool outdated = false;
+    const auto file = OpenXpfFile(path, EFileKind::tarin, outdated);
+    const CXpfChannel* channel = file ? file->FindChannelByName("UTC") : nullptr;
+    const CXpfFilePosition start = channel ? file->GetDataStart() : CXpfFilePosition();
+    if (!start.IsKnown()) return CDateTime::Invalid();
+    std::int64_t position = start.Get();
+    for (int count = 0; count < maxPacketCount; ++count) {
+        SPacketHeader header;
+        if (!file->Seek(position) || file->Read(&header, sizeof header) != sizeof header) break;
+        if (header.size < kPacketOverhead) break;
+        if (header.channel != channel->GetNumber()) {
+            position += header.size;
+            continue;
+        }
+        std::uint8_t payload[kUtcLayout.payloadSize];
+        if (!header.Check() || header.size != kUtcPacketSize ||
+            file->Read(payload, sizeof payload) != sizeof payload)
+            break;
+        const SUtcFields utc(payload);
+        CDateTime origin = CDateTime::Invalid();
+        origin.SetDateTime(utc.year, utc.month, utc.day, utc.hour, utc.minute, 0, 0);
+        origin += CDateTimeSpan::FromSeconds(static_cast<double>(utc.second));
+        return origin - utc.date;
+    }
+    return CDateTime::Invalid();
+}
+
+} // namespace Application_Tarvel

@@ -1,0 +1,103 @@
+// Background scans of data files: which channels really hold packets, and the first UTC origin and position.
+#pragma once
+
+#include "foundation/date_time.h"
+#include "foundation/message_target.h"
+#include "foundation/positioning.h"
+#include "foundation/thread.h"
+#include "xpf/file.h"
+
+#include <bitset>
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <functional>
+#include <mutex>
+#include <span>
+
+namespace Application_Tarvel {
+
+using Outils_Temps::CDateTime;
+
+// Walks the whole packet stream of one file once and remembers how far it came: started again over a file
+// that has grown, it goes on from there and reports only channels not yet seen. Start, Stop and the rest on
+// the UI thread.
+class CTrvDataFileAnalyzerThread : public Outils::CThread {
+  public:
+    // Runs on the UI thread at the first packet of each channel.
+    using OnChannel = std::function<void(std::uint16_t channel)>;
+
+    // `port` must outlive the thread.
+    CTrvDataFileAnalyzerThread(std::filesystem::path path, Outils::CMessagePort& port, OnChannel onChannel)
+        : m_path(std::move(path)), m_port(port), m_onChannel(std::move(onChannel)) {}
+    ~CTrvDataFileAnalyzerThread() override { Kill(); }
+
+    bool Start() override;
+    // Where the next run begins: behind the last packet that passed the packet check. Only while no run is
+    // on.
+    Persistance_Xpf::CXpfFilePosition GetResumePosition() const { return m_resume; }
+
+  protected:
+    void Run() override;
+    void RequestStop() override { m_stop.Set(); }
+
+    // The opened file, or null to end the run.
+    virtual std::unique_ptr<Persistance_Xpf::CXpfFile> OpenDataFile(const std::filesystem::path& path);
+    // False ends the scan.
+    virtual bool ProcessPacket(Persistance_Xpf::CXpfFile& file, const Persistance_Xpf::SPacketHeader& header,
+                               std::span<const std::uint8_t> payload);
+
+  private:
+    std::filesystem::path m_path;
+    Outils::CMessagePort& m_port;
+    OnChannel m_onChannel;
+    Outils::CEvent m_stop;
+    std::bitset<65536> m_reported;
+    Persistance_Xpf::CXpfFilePosition m_resume;
+};
+
+// What an input file tells of itself early.
+struct SFirstData {
+    bool hasUtc = false;
+    CDateTime utcOrigin; // instant of packet date zero
+    bool hasPosition = false;
+    Metier_Positioning::CPosition position; // of the first GPS packet
+};
+
+class CTrvTarinDataFileAnalyzerThread : public CTrvDataFileAnalyzerThread {
+  public:
+    using CTrvDataFileAnalyzerThread::CTrvDataFileAnalyzerThread;
+    ~CTrvTarinDataFileAnalyzerThread() override { Kill(); }
+
+    // Waits until origin and position are both known, the scan has ended, or the time is over; gives what is
+    // there then. The one wait of the UI thread: its caller sets a limit of a few seconds.
+    SFirstData WaitForFirstData(std::chrono::milliseconds timeout);
+
+  protected:
+    void Run() override;
+    std::unique_ptr<Persistance_Xpf::CXpfFile> OpenDataFile(const std::filesystem::path& path) override;
+    bool ProcessPacket(Persistance_Xpf::CXpfFile& file, const Persistance_Xpf::SPacketHeader& header,
+                       std::span<const std::uint8_t> payload) override;
+
+  private:
+    static constexpr std::uint16_t kNoChannel = 0xFFFF;
+
+    bool ProcessGps(const Persistance_Xpf::SPacketHeader& header, std::span<const std::uint8_t> payload);
+    bool ProcessUtc(const Persistance_Xpf::SPacketHeader& header, std::span<const std::uint8_t> payload);
+
+    // The packet type by channel number of the file at hand; only on the thread.
+    std::vector<std::uint16_t> m_types;
+    bool m_utcSeen = false; // copies for the thread itself, so that a packet costs no lock
+    bool m_positionSeen = false;
+
+    std::mutex m_mutex; // guards what follows
+    std::condition_variable m_firstData;
+    SFirstData m_data;
+    bool m_ended = false;
+};
+
+// The UTC origin of a recording, searched in its first `maxPacketCount` packets on the caller's thread;
+// invalid when there is none. The search goes by packet headers and reads one payload.
+CDateTime FindUtcOrigin(const std::filesystem::path& path, int maxPacketCount);
+
+} // namespace Application_Tarvel

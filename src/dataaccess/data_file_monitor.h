@@ -1,0 +1,77 @@
+// Polls the sizes of data files and tells when one appears, grows, shrinks or goes away.
+#pragma once
+
+#include "foundation/message_target.h"
+#include "foundation/thread.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+namespace Application_Tarvel {
+
+// What happened to a file. The codes are those of the document's messages.
+enum class EFileChange { appeared = 0, grew = 1, shrank = 2, disappeared = 3 };
+
+// The state of one watched file between two looks at its size.
+class CWatchedFile {
+  public:
+    // Takes in the size found now, or nothing when there is no such file; tells what changed. A file
+    // rewritten to exactly the same size goes unnoticed.
+    std::optional<EFileChange> Update(std::optional<std::uint64_t> size);
+
+  private:
+    bool m_exists = false;
+    std::uint64_t m_size = 0;
+};
+
+class CTrvDataFileMonitorThread : public Outils::CThread {
+  public:
+    using FileKey = const void*; // identity of the data file for the owner; never followed
+    // Runs on the UI thread.
+    using OnChange = std::function<void(EFileChange change, FileKey file)>;
+
+    // `port` must outlive the thread. `period` is the time between two polls.
+    CTrvDataFileMonitorThread(Outils::CMessagePort& port, OnChange onChange,
+                              std::chrono::milliseconds period = std::chrono::seconds(2))
+        : m_port(port), m_onChange(std::move(onChange)), m_period(period) {}
+    ~CTrvDataFileMonitorThread() override { Kill(); }
+
+    // Adds a file and starts the thread if need be; a file that is watched already changes nothing.
+    void Watch(FileKey file, std::filesystem::path path);
+    void Unwatch(FileKey file);
+
+  protected:
+    void Run() override;
+    void RequestStop() override;
+
+  private:
+    struct SRequest {
+        FileKey file;
+        std::filesystem::path path; // empty: forget the file
+    };
+    struct SEntry {
+        std::filesystem::path path;
+        CWatchedFile state;
+    };
+
+    void Ask(SRequest request);
+    void Poll();
+
+    Outils::CMessagePort& m_port;
+    OnChange m_onChange;
+    std::chrono::milliseconds m_period;
+    std::map<FileKey, SEntry> m_watched; // of the thread alone
+
+    std::mutex m_mutex; // guards what follows
+    std::condition_variable m_wake;
+    std::vector<SRequest> m_requests; // in the order in which they were made
+    bool m_stop = false;
+};
+
+} // namespace Application_Tarvel

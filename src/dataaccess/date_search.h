@@ -1,0 +1,37 @@
+// The packet of a channel that stands nearest to a date, found by bisection over packet numbers.
+#pragma once
+
+#include "foundation/date_time.h"
+#include "foundation/thread.h"
+#include "xpf/channel.h"
+#include "xpf/packet.h"
+
+namespace Application_Tarvel {
+
+using Outils_Temps::CDateTimeSpan;
+
+enum class EDateSearch {
+    found,
+    outside, // the date lies before the first or after the last packet
+    failed,  // an empty channel, or packet numbers that contradict each other
+    cancelled
+};
+
+// Two packets, one at or before and one at or after the date sought.
+struct SDateBracket {
+    CDateTimeSpan lowerDate;
+    CDateTimeSpan upperDate;
+    std::uint32_t lowerNumber = 0;
+    std::uint32_t upperNumber = 0;
+};
+
+// Narrows the bracket around `date` until its two packets are neighbours or one of them has exactly this
+// date. With `found` the bracket is filled, with `outside` it holds the first and the last packet. `packet`
+// must be of the channel's type and is overwritten. Polls `cancel` once per packet read.
+EDateSearch SearchDate(Persistance_Xpf::CXpfChannel& channel, Persistance_Xpf::CXpfDatedPacket& packet,
+                       CDateTimeSpan date, const Outils::CEvent& cancel, SDateBracket& bracket);
+
+// The number of the nearer of the two packets, the lower on a tie.
+std::uint32_t PickNearer(const SDateBracket& bracket, CDateTimeSpan date);
+
+} // namespace Application_Tarvel

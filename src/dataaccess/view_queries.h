@@ -1,0 +1,123 @@
+// What the views ask of a data file: the packet nearest to one moment, and a time window reduced to one
+// packet per time slice. Both open a file object of their own on the loader thread and touch no object of the
+// model.
+#pragma once
+
+#include "dataaccess/async_query.h"
+#include "dataaccess/date_search.h"
+#include "xpf/file.h"
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace Application_Tarvel {
+
+// Which channel of which file.
+struct SChannelAddress {
+    std::filesystem::path path;
+    Persistance_Xpf::EFileKind kind = Persistance_Xpf::EFileKind::tarin;
+    std::uint16_t channel = 0;
+};
+
+using PacketList = std::vector<std::unique_ptr<Persistance_Xpf::CXpfPacket>>;
+
+// A reduced window: three lists of packets, one element per slice that holds data, in time order. The
+// extremes are full packets whose every numeric field is the smallest or greatest of the slice; both lists
+// are empty when they were not asked for.
+struct SReducedSeries {
+    PacketList representatives;
+    PacketList minima;
+    PacketList maxima;
+};
+
+class CTrvDataQuery : public CAsyncQuery {
+  public:
+    explicit CTrvDataQuery(SChannelAddress address) : m_address(std::move(address)) {}
+
+    const SChannelAddress& GetAddress() const { return m_address; }
+
+    bool Execute(bool& wasCancelled) final;
+    void RequestCancel() override { m_cancel.Set(); }
+
+  protected:
+    // The search of the kind, on the loader thread. `packet` is a new packet of the channel's type.
+    virtual bool Search(Persistance_Xpf::CXpfChannel& channel,
+                        std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) = 0;
+
+    Outils::CEvent m_cancel;
+
+  private:
+    SChannelAddress m_address;
+};
+
+// The packet nearest to a moment, the earlier on a tie.
+class CTrvViewValueDataQuery : public CTrvDataQuery {
+  public:
+    // On the UI thread: success, and the packet or null when the moment lies outside the channel's data.
+    using Callback = std::function<void(bool success, std::unique_ptr<Persistance_Xpf::CXpfPacket> packet)>;
+
+    // `onDone` may be empty; it runs for a finished query, not for a cancelled one.
+    CTrvViewValueDataQuery(SChannelAddress address, CDateTimeSpan time, Callback onDone)
+        : CTrvDataQuery(std::move(address)), m_time(time), m_onDone(std::move(onDone)) {}
+
+    // The result, for callers without a callback; may be taken after Execute has returned.
+    std::unique_ptr<Persistance_Xpf::CXpfPacket> TakePacket() { return std::move(m_packet); }
+
+    void OnFinished(bool success) override {
+        if (m_onDone) m_onDone(success, std::move(m_packet));
+    }
+    void OnCancelled() override {}
+
+  protected:
+    bool Search(Persistance_Xpf::CXpfChannel& channel,
+                std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) override;
+
+  private:
+    CDateTimeSpan m_time;
+    Callback m_onDone;
+    std::unique_ptr<Persistance_Xpf::CXpfPacket> m_packet;
+};
+
+struct SWindow {
+    CDateTimeSpan start;
+    CDateTimeSpan end;
+    CDateTimeSpan slice; // above zero
+    bool collectExtremum = true;
+};
+
+// A window reduced to slices. The walk starts at the packet at or before the window's start and ends with the
+// first one at or beyond its end, so that a curve reaches both edges; a window that begins before the data
+// starts at the first packet.
+class CTrvView1DDataQuery : public CTrvDataQuery {
+  public:
+    // On the UI thread; on failure the series is empty.
+    using Callback = std::function<void(bool success, SReducedSeries series)>;
+
+    CTrvView1DDataQuery(SChannelAddress address, SWindow window, Callback onDone)
+        : CTrvDataQuery(std::move(address)), m_window(window), m_onDone(std::move(onDone)) {}
+
+    const SWindow& GetWindow() const { return m_window; }
+    SReducedSeries TakeSeries() { return std::move(m_series); }
+
+    void OnFinished(bool success) override {
+        if (m_onDone) m_onDone(success, std::move(m_series));
+    }
+    void OnCancelled() override {}
+
+  protected:
+    bool Search(Persistance_Xpf::CXpfChannel& channel,
+                std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) override;
+
+  private:
+    // Positions the channel for the walk; `empty` when the window holds no data.
+    EDateSearch SeekStart(Persistance_Xpf::CXpfChannel& channel, Persistance_Xpf::CXpfDatedPacket& packet,
+                          bool& empty);
+
+    SWindow m_window;
+    Callback m_onDone;
+    SReducedSeries m_series;
+};
+
+} // namespace Application_Tarvel
