@@ -16,7 +16,8 @@ class CXpfPacket;
 class CXpfChannel {
   public:
     // `file` owns the channel.
-    CXpfChannel(CXpfFile& file, std::uint16_t number, std::string name, std::string description, std::uint32_t packetType);
+    CXpfChannel(CXpfFile& file, std::uint16_t number, std::string name, std::string description,
+                std::uint32_t packetType);
     virtual ~CXpfChannel() = default;
 
     // A new empty packet of the channel's type; null for a channel that is not decoded.
@@ -27,10 +28,12 @@ class CXpfChannel {
     const std::string& GetDescription() const { return m_description; }
     std::uint32_t GetPacketType() const { return m_packetType; }
 
-    // Reads the packet at the current position and steps forward: min(bufferSize, payload) bytes into `buffer`, their
-    // count into `sizeRead`, the header into `header` if given. A failed read leaves the file pointer on the packet
-    // where it began, so that a later call retries it: that is how a growing file is followed.
-    bool ReadNextPacket(std::uint32_t& sizeRead, SPacketHeader* header, void* buffer, std::uint32_t bufferSize);
+    // Reads the packet at the current position and steps forward: min(bufferSize, payload) bytes into
+    // `buffer`, their count into `sizeRead`, the header into `header` if given. A failed read leaves the file
+    // pointer on the packet where it began, so that a later call retries it: that is how a growing file is
+    // followed.
+    bool ReadNextPacket(std::uint32_t& sizeRead, SPacketHeader* header, void* buffer,
+                        std::uint32_t bufferSize);
     // The same into a packet object.
     bool ReadNextPacket(CXpfPacket& packet, SPacketHeader* header = nullptr);
 
@@ -39,8 +42,8 @@ class CXpfChannel {
     bool SeekLastPacket(SPacketHeader* header);
     bool SeekPacketNumber(std::uint32_t number);
 
-    // What the walk remembers; 0 is not known. `first` and `last` may be given from a cache: they are tested against
-    // the file before use.
+    // What the walk remembers; 0 is not known. `first` and `last` may be given from a cache: they are tested
+    // against the file before use.
     CXpfFilePosition GetCurrent() const { return m_current; }
     CXpfFilePosition GetFirst() const { return m_first; }
     CXpfFilePosition GetLast() const { return m_last; }

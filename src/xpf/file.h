@@ -1,8 +1,8 @@
-// A packet file: a self-describing header and one time-ordered stream in which the packets of all channels interleave.
-// Only read here; another process may be appending at the same time.
+// A packet file: a self-describing header and one time-ordered stream in which the packets of all channels
+// interleave. Only read here; another process may be appending at the same time.
 //
-// One thread at a time uses a file object and its channels, because they share one file pointer. Failure is a false
-// or zero result; nothing is raised. Positions are byte offsets from the start of the file, 64-bit.
+// One thread at a time uses a file object and its channels, because they share one file pointer. Failure is a
+// false or zero result; nothing is raised. Positions are byte offsets from the start of the file, 64-bit.
 #pragma once
 
 #include "xpf/channel.h"
@@ -38,12 +38,12 @@ class CXpfFile {
     CXpfFile(const CXpfFile&) = delete;
     CXpfFile& operator=(const CXpfFile&) = delete;
 
-    // Opens an existing regular file for reading beside its writers. True when the handle is valid. A folder, a FIFO
-    // or a device is refused, so that no reader can stall on opening.
+    // Opens an existing regular file for reading beside its writers. True when the handle is valid. A folder,
+    // a FIFO or a device is refused, so that no reader can stall on opening.
     bool Open(const std::filesystem::path& path);
 
-    // Reads header, channel records and definitions, each file kind by its own tables. On false `outdated` tells that
-    // this is a packet file of an older layout. The base class knows no channel and answers false.
+    // Reads header, channel records and definitions, each file kind by its own tables. On false `outdated`
+    // tells that this is a packet file of an older layout. The base class knows no channel and answers false.
     virtual bool ReadFileHeader(bool& outdated, HeaderBuffer& headerBuffer);
 
     // Position of the first packet; 0 on failure. The file pointer stays.
@@ -58,13 +58,13 @@ class CXpfFile {
     // Reads at the file pointer and moves it by the count read, which is short at the end of the file.
     std::size_t Read(void* buffer, std::size_t size);
 
-    // Reads the packet at the file pointer with its packet check and moves behind it; on any other result the file
-    // pointer stays. `payload` is valid until the next operation on this file. For walking a whole stream: no system
-    // call and no copy per packet.
+    // Reads the packet at the file pointer with its packet check and moves behind it; on any other result the
+    // file pointer stays. `payload` is valid until the next operation on this file. For walking a whole
+    // stream: no system call and no copy per packet.
     EPacketRead ReadPacket(SPacketHeader& header, std::span<const std::uint8_t>& payload);
 
-    // The nearest valid packet before, or the first one at or after, the file pointer. On success the pointer stands
-    // on it and its header is copied; a failed backward search restores the pointer.
+    // The nearest valid packet before, or the first one at or after, the file pointer. On success the pointer
+    // stands on it and its header is copied; a failed backward search restores the pointer.
     bool SearchPacketBackward(SPacketHeader& header);
     bool SearchPacketForward(SPacketHeader& header);
 
@@ -76,16 +76,16 @@ class CXpfFile {
     virtual CXpfChannel* FindChannelByNumber(std::uint16_t number);
     // The status fields of a packet type: virtual fields taken from bits of packet bytes.
     virtual std::uint32_t GetStatusFieldCount(std::uint16_t packetType) const;
-    virtual bool GetStatusField(std::uint16_t packetType, std::uint32_t index, std::string& name, std::string& description,
-                                std::uint32_t& literalCount) const;
+    virtual bool GetStatusField(std::uint16_t packetType, std::uint32_t index, std::string& name,
+                                std::string& description, std::uint32_t& literalCount) const;
     // Name and description of one literal of a status field.
-    virtual bool GetStatusLiteral(std::uint16_t packetType, std::uint32_t index, std::uint32_t literal, std::string& name,
-                                  std::string& description) const;
+    virtual bool GetStatusLiteral(std::uint16_t packetType, std::uint32_t index, std::uint32_t literal,
+                                  std::string& name, std::string& description) const;
 
   protected:
     friend class CXpfChannel;
 
-    std::vector<std::unique_ptr<CXpfChannel>> m_channels;              // in file order
+    std::vector<std::unique_ptr<CXpfChannel>> m_channels;             // in file order
     std::vector<std::unique_ptr<CXpfPacketDefinition>> m_definitions; // in file order
 
   private:
@@ -93,8 +93,8 @@ class CXpfFile {
     CXpfFilePosition m_dataStart;
 };
 
-// The file object that fits a file of the project: input layout or result layout. Opened, with its header read; null
-// when that fails, and then `outdated` tells that the file is of an older layout.
+// The file object that fits a file of the project: input layout or result layout. Opened, with its header
+// read; null when that fails, and then `outdated` tells that the file is of an older layout.
 std::unique_ptr<CXpfFile> OpenXpfFile(const std::filesystem::path& path, EFileKind kind, bool& outdated);
 
 } // namespace Persistance_Xpf

@@ -1,5 +1,6 @@
-// What the system knows of each packet type and channel at compile time: one row per field, one row per packet type,
-// one row per channel. Decoder, dictionary, exports, recording writer and tests all read these rows.
+// What the system knows of each packet type and channel at compile time: one row per field, one row per
+// packet type, one row per channel. Decoder, dictionary, exports, recording writer and tests all read these
+// rows.
 #pragma once
 
 #include <array>
@@ -10,7 +11,17 @@
 namespace Persistance_Xpf {
 
 // The codes are those of the field records in a file: never change.
-enum class EFieldType : std::uint8_t { u8 = 0, u16 = 1, u32 = 2, i8 = 3, i16 = 4, i32 = 5, f32 = 6, f64 = 7, date = 8 };
+enum class EFieldType : std::uint8_t {
+    u8 = 0,
+    u16 = 1,
+    u32 = 2,
+    i8 = 3,
+    i16 = 4,
+    i32 = 5,
+    f32 = 6,
+    f64 = 7,
+    date = 8
+};
 
 // Bytes of one element; 0 for a code that no type has.
 constexpr std::uint32_t GetWidth(EFieldType type) {
@@ -21,11 +32,33 @@ constexpr std::uint32_t GetWidth(EFieldType type) {
 
 // The physical kind of a field. The numbers stand in files; the labels are the numbered texts 771 + nature.
 enum ENature : std::uint8_t {
-    natureUnknown = 0, natureLatitude, natureLongitude, naturePositionStdDev, naturePositionCrossVariance,
-    natureLinearSpeed, natureLinearSpeedStdDev, natureLinearAcceleration, natureLinearAccelerationStdDev,
-    natureAngularSpeed, natureAngularSpeedStdDev, natureTemperature, natureSoundVelocity, natureAltitude,
-    natureImmersion, natureAltitudeStdDev, natureAttitude, natureAttitudeStdDev, natureDistance, natureDistanceStdDev,
-    natureTimeLength, natureScaleFactor, natureEnumeration, natureTimeDrift, natureRawFog, natureRawAcc, natureCount
+    natureUnknown = 0,
+    natureLatitude,
+    natureLongitude,
+    naturePositionStdDev,
+    naturePositionCrossVariance,
+    natureLinearSpeed,
+    natureLinearSpeedStdDev,
+    natureLinearAcceleration,
+    natureLinearAccelerationStdDev,
+    natureAngularSpeed,
+    natureAngularSpeedStdDev,
+    natureTemperature,
+    natureSoundVelocity,
+    natureAltitude,
+    natureImmersion,
+    natureAltitudeStdDev,
+    natureAttitude,
+    natureAttitudeStdDev,
+    natureDistance,
+    natureDistanceStdDev,
+    natureTimeLength,
+    natureScaleFactor,
+    natureEnumeration,
+    natureTimeDrift,
+    natureRawFog,
+    natureRawAcc,
+    natureCount
 };
 
 struct SFieldLayout {
@@ -45,7 +78,8 @@ struct SPacketLayout {
     std::array<std::uint16_t, kMaximumFields> offsets{}; // of each field in the payload
     std::uint32_t payloadSize = 0;
 
-    constexpr SPacketLayout(std::uint16_t typeCode, std::uint32_t currentVersion, std::span<const SFieldLayout> rows)
+    constexpr SPacketLayout(std::uint16_t typeCode, std::uint32_t currentVersion,
+                            std::span<const SFieldLayout> rows)
         : type(typeCode), version(currentVersion), fields(rows) {
         for (std::size_t i = 0; i < fields.size(); ++i) {
             offsets[i] = static_cast<std::uint16_t>(payloadSize);
@@ -63,13 +97,27 @@ struct SPacketLayout {
 };
 
 enum EPacketType : std::uint16_t {
-    typeImu = 0, typeDvl = 1, typeEMLog = 2, typeGps = 3, typeDepth = 4, typeUsbl = 5, typeLbl = 6, typeUtc = 7,
-    typeOdometer = 8, typeSynchro = 9, typeNelixNav = 10, typeMorvexStd = 11, typeMorvexMsg = 12, typeMorvexExt = 13,
-    typeMorvexSta = 14, typeTemperature = 15, typePlatformOrientation = 16
+    typeImu = 0,
+    typeDvl = 1,
+    typeEMLog = 2,
+    typeGps = 3,
+    typeDepth = 4,
+    typeUsbl = 5,
+    typeLbl = 6,
+    typeUtc = 7,
+    typeOdometer = 8,
+    typeSynchro = 9,
+    typeNelixNav = 10,
+    typeMorvexStd = 11,
+    typeMorvexMsg = 12,
+    typeMorvexExt = 13,
+    typeMorvexSta = 14,
+    typeTemperature = 15,
+    typePlatformOrientation = 16
 };
 
-// The layouts of the decoded packet types (all but the internal states of the engine), defined in tarin_layouts.cpp
-// and tarout_layouts.cpp; the constexpr rows are in tarin_layouts.h and tarout_layouts.h.
+// The layouts of the decoded packet types (all but the internal states of the engine), defined in
+// tarin_layouts.cpp and tarout_layouts.cpp; the constexpr rows are in tarin_layouts.h and tarout_layouts.h.
 const SPacketLayout* FindPacketLayout(std::uint16_t type);
 
 enum class EFileKind : std::uint8_t { tarin, tarout };

@@ -1,7 +1,7 @@
 // Packet objects: the payload byte for byte as in the file, with typed access by field index.
 //
-// `field` is the index in definition order. A typed accessor answers true only for a field of exactly its type and
-// leaves `value` alone otherwise. Not thread-safe; a packet belongs to whoever created it.
+// `field` is the index in definition order. A typed accessor answers true only for a field of exactly its
+// type and leaves `value` alone otherwise. Not thread-safe; a packet belongs to whoever created it.
 #pragma once
 
 #include "foundation/date_time.h"
@@ -26,14 +26,15 @@ class CXpfPacket {
     // Sets the payload to zero.
     virtual void Clear() = 0;
 
-    // The packet as one line: the date as "seconds.ticks" with seven decimals, floats with 8 significant digits,
-    // 8-bit values as numbers, elements of a field one after the other; `separator` between them.
+    // The packet as one line: the date as "seconds.ticks" with seven decimals, floats with 8 significant
+    // digits, 8-bit values as numbers, elements of a field one after the other; `separator` between them.
     virtual std::string ToText(std::string_view separator) const = 0;
     // The field names in order, a name once for each element.
     virtual std::string GetHeaderText(std::string_view separator) const = 0;
 
     virtual std::uint32_t GetFieldCount() const = 0;
-    virtual bool GetFieldInfo(std::uint32_t field, EFieldType& type, std::uint32_t& count, std::uint8_t& nature) const = 0;
+    virtual bool GetFieldInfo(std::uint32_t field, EFieldType& type, std::uint32_t& count,
+                              std::uint8_t& nature) const = 0;
 
     virtual bool HasDate() const { return false; }
     // Field 0 of a dated packet only.

@@ -18,8 +18,11 @@ class CXpfTablePacket : public CXpfDatedPacket {
     void Clear() override;
     std::string ToText(std::string_view separator) const override;
     std::string GetHeaderText(std::string_view separator) const override;
-    std::uint32_t GetFieldCount() const override { return static_cast<std::uint32_t>(m_layout->fields.size()); }
-    bool GetFieldInfo(std::uint32_t field, EFieldType& type, std::uint32_t& count, std::uint8_t& nature) const override;
+    std::uint32_t GetFieldCount() const override {
+        return static_cast<std::uint32_t>(m_layout->fields.size());
+    }
+    bool GetFieldInfo(std::uint32_t field, EFieldType& type, std::uint32_t& count,
+                      std::uint8_t& nature) const override;
     bool GetDate(std::uint32_t field, CDateTimeSpan& value) const override;
     bool GetDouble(std::uint32_t field, double& value) const override;
     bool GetFloat(std::uint32_t field, float& value) const override;

@@ -1,5 +1,5 @@
-// The fixed records of a packet file, little-endian and without alignment. Shared by the reader and by the writer of
-// recordings.
+// The fixed records of a packet file, little-endian and without alignment. Shared by the reader and by the
+// writer of recordings.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,8 @@ inline constexpr std::uint32_t kFieldNameSize = 30;
 inline constexpr std::uint32_t kFieldDescriptionSize = 64;
 inline constexpr std::uint32_t kPacketHeaderSize = 20;
 inline constexpr std::uint32_t kPacketTrailerSize = 8;
-inline constexpr std::uint32_t kPacketOverhead = kPacketHeaderSize + kPacketTrailerSize; // the smallest packet
+inline constexpr std::uint32_t kPacketOverhead =
+    kPacketHeaderSize + kPacketTrailerSize; // the smallest packet
 
 #pragma pack(push, 1)
 
@@ -43,7 +44,8 @@ struct SPacketTrailer {
     bool CheckMagic() const { return magic[0] == '!' && magic[1] == '!' && size >= kPacketOverhead; }
     // The packet check, given that the header stands `size - 8` bytes before this trailer.
     bool Matches(const SPacketHeader& header) const {
-        return header.Check() && magic[0] == '!' && magic[1] == '!' && channel == header.channel && size == header.size;
+        return header.Check() && magic[0] == '!' && magic[1] == '!' && channel == header.channel &&
+               size == header.size;
     }
 };
 

@@ -16,10 +16,10 @@ class CXpfTableFile : public CXpfFile {
     CXpfChannel* FindChannelByName(std::string_view name) override;
     CXpfChannel* FindChannelByNumber(std::uint16_t number) override;
     std::uint32_t GetStatusFieldCount(std::uint16_t packetType) const override;
-    bool GetStatusField(std::uint16_t packetType, std::uint32_t index, std::string& name, std::string& description,
-                        std::uint32_t& literalCount) const override;
-    bool GetStatusLiteral(std::uint16_t packetType, std::uint32_t index, std::uint32_t literal, std::string& name,
-                          std::string& description) const override;
+    bool GetStatusField(std::uint16_t packetType, std::uint32_t index, std::string& name,
+                        std::string& description, std::uint32_t& literalCount) const override;
+    bool GetStatusLiteral(std::uint16_t packetType, std::uint32_t index, std::uint32_t literal,
+                          std::string& name, std::string& description) const override;
 
   private:
     EFileKind m_kind;
