@@ -17,6 +17,9 @@ namespace Enregistrement {
 // A channel of the file that is being written: its place in the list given to Create.
 using ChannelHandle = std::uint32_t;
 
+// Bytes; far above any packet there is, and small enough to be held in memory.
+inline constexpr std::size_t kMaximumPayload = 64 << 20;
+
 // One packet file under construction. Used by one thread; readers in any process may follow the file.
 //
 // Packets collect in memory and reach the file in big blocks, whole packets each, or at Flush. A reader thus
@@ -50,7 +53,7 @@ class CRecordingWriter {
     // The same by name, which is looked up each time.
     bool Write(std::string_view channel, const Persistance_Xpf::CXpfPacket& packet);
     // Appends a packet of any payload: for the internal states of the engine, whose size varies, and for
-    // packets that are made damaged or short on purpose. False for a payload beyond 4294967267 bytes.
+    // packets that are made damaged or short on purpose. False for a payload beyond kMaximumPayload.
     bool WriteRaw(ChannelHandle channel, std::span<const std::uint8_t> payload);
 
     // Hands everything to the file, so that readers see it. Not a flush to the disk.
@@ -65,7 +68,7 @@ class CRecordingWriter {
 
   private:
     struct SChannel {
-        std::string_view name;       // of the channel table
+        std::string_view name;
         std::uint16_t number;        // row in the channel table
         std::uint32_t payloadSize;   // 0: varies
         std::uint32_t count = 0;     // packets written
