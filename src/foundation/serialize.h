@@ -48,6 +48,9 @@ class CSchema {
     void Field(T& value) {
         if (Skip()) return;
         if constexpr (std::is_enum_v<T>) {
+            // Without one, a number from a hostile file could be none that the type can hold.
+            static_assert(
+                requires { T{0}; }, "an archived enumeration needs a fixed underlying type");
             auto number = static_cast<std::int32_t>(value);
             Scalar(number);
             value = static_cast<T>(number);

@@ -1,0 +1,373 @@
+#include "foundation/positioning.h"
+#include "foundation/serialize.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+
+using namespace Outils_Objets;
+using Metier_Positioning::CLeverArm;
+using Metier_Positioning::CMisalignment;
+using Metier_Positioning::CPosition;
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// Has one member of every kind that a class of the model may hold.
+class CNode : public TRuntimeClass<CNode, CTrvObject> {
+  public:
+    static constexpr std::string_view kClassName = "CNode";
+    enum EColour : std::int32_t { red, green };
+
+    std::string name;
+    EColour colour = red;
+    Outils_Temps::CDateTime date;
+    std::unique_ptr<CNode> child;
+    CNode* parent = nullptr;
+    const CLeverArm* shared = nullptr;
+    std::vector<std::unique_ptr<CPosition>> positions;
+    std::int16_t added = -7;
+
+    void Serialize(CArchive& archive) override {
+        CSchema schema(archive, 2);
+        CTrvObject::Serialize(archive);
+        schema.Field(name);
+        schema.Field(colour);
+        schema.Field(date);
+        schema.Owned(child);
+        schema.Reference(parent);
+        schema.Reference(shared);
+        schema.OwnedList(positions);
+        schema.Since(2).Field(added);
+    }
+};
+
+Bytes operator+(Bytes left, const Bytes& right) {
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+Bytes Ascii(std::string_view text) { return Bytes(text.begin(), text.end()); }
+
+const Bytes kRoots = {1, 0, 0, 0, 1, 0, 0, 0}; // the versions of CTrvObject and CObjetMetier
+const Bytes kNewNode = Bytes{0xFF, 0xFF, 1, 0, 5, 0} + Ascii("CNode");
+// A node of version 2 up to its child, without a name.
+const Bytes kNodeStart = Bytes{2, 0, 0, 0} + kRoots + Bytes{0xFF, 0xFE, 0xFF, 0} + Bytes(12);
+// And from its parent on, all null.
+const Bytes kNodeEnd = Bytes{0, 0, 0, 0, 0, 0, 0, 0, 5, 0};
+
+class Archive : public testing::Test {
+  protected:
+    Archive() { m_registry.Register<CNode, CPosition, CLeverArm, CMisalignment, CTrvObject>(); }
+
+    Bytes Store(const std::function<void(CArchive&)>& store, std::size_t bufferSize = 4096) {
+        CMemoryStream stream;
+        CArchive archive(stream, CArchive::store, nullptr, "/data/x.file", bufferSize);
+        store(archive);
+        archive.Close();
+        return stream.GetBytes();
+    }
+    void Load(const Bytes& bytes, const std::function<void(CArchive&)>& load, std::size_t bufferSize = 4096) {
+        CMemoryStream stream(bytes);
+        CArchive archive(stream, CArchive::load, &m_registry, "/data/x.file", bufferSize);
+        load(archive);
+    }
+    // 0 when the load goes well.
+    int CauseOf(const Bytes& bytes, const std::function<void(CArchive&)>& load) {
+        try {
+            Load(bytes, load);
+        } catch (const CArchiveException& exception) {
+            m_fileName = exception.GetFileName();
+            return exception.GetCause();
+        }
+        return 0;
+    }
+    // All objects of a load whose root is a node, the root last.
+    std::vector<std::unique_ptr<CObject>> LoadNode(const Bytes& bytes, std::size_t bufferSize = 4096) {
+        std::vector<std::unique_ptr<CObject>> objects;
+        const auto load = [&](CArchive& archive) {
+            auto root = archive.Claim(archive.ReadObject<CNode>());
+            objects = archive.TakeUnclaimed();
+            objects.push_back(std::move(root));
+        };
+        Load(bytes, load, bufferSize);
+        return objects;
+    }
+
+    CClassRegistry m_registry;
+    std::string m_fileName;
+};
+
+// A tree with sharing, back references, nulls and every kind of field; `lever` is nobody's member.
+std::unique_ptr<CNode> MakeTree(const CLeverArm& lever) {
+    auto root = std::make_unique<CNode>();
+    root->name = "root \xC3\xA9";
+    root->colour = CNode::green;
+    root->date = Outils_Temps::CDateTime(0x1122334455667788);
+    root->shared = &lever;
+    root->child = std::make_unique<CNode>();
+    root->child->parent = root.get();
+    root->child->shared = &lever;
+    root->positions.push_back(std::make_unique<CPosition>(48.5, -4.25, 12.0));
+    root->positions.back()->altitudeKind = 3;
+    root->positions.push_back(std::make_unique<CPosition>(1.0, 2.0, 3.0));
+    root->added = 300;
+    return root;
+}
+
+TEST_F(Archive, ScalarsAreLittleEndianInTheirOwnWidth) {
+    const Bytes bytes = Store([](CArchive& archive) {
+        archive << true << std::uint8_t{0xAB} << std::int16_t{-2} << std::int64_t{-2} << 1.0f << -2.0;
+        for (std::uint32_t count : {0xFFFEu, 0xFFFFu}) archive.WriteCount(count);
+    });
+    const Bytes integers = {1, 0xAB, 0xFE, 0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+    const Bytes floats = {0, 0, 0x80, 0x3F, 0, 0, 0, 0, 0, 0, 0, 0xC0};
+    EXPECT_EQ(bytes, integers + floats + (Bytes{0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0}));
+    bool flag = false;
+    std::uint8_t u8 = 0;
+    std::int16_t i16 = 0;
+    std::int64_t i64 = 0;
+    float f = 0;
+    double d = 0;
+    const auto load = [&](CArchive& archive) {
+        archive >> flag >> u8 >> i16 >> i64 >> f >> d;
+        EXPECT_EQ(archive.ReadCount(), 0xFFFEu);
+        EXPECT_EQ(archive.ReadCount(), 0xFFFFu);
+    };
+    Load(bytes, load, 16);
+    EXPECT_TRUE(flag && u8 == 0xAB && i16 == -2 && i64 == -2 && f == 1.0f && d == -2.0);
+}
+
+TEST_F(Archive, StringPrefixesGrowAtTheirThresholds) {
+    const std::pair<std::size_t, Bytes> rows[] = {
+        {0, {0}},
+        {254, {254}},
+        {255, {0xFF, 0xFF, 0}},
+        {65533, {0xFF, 0xFD, 0xFF}},
+        {65534, {0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0, 0}},
+        {65535, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0}},
+    };
+    for (const auto& [length, lengthBytes] : rows) {
+        std::string text(length, 'x');
+        if (length >= 2) text.replace(0, 2, "\xF0\x9F\x9A\xA2"); // one character of two units
+        const Bytes bytes = Store([&](CArchive& archive) { archive.WriteString(text); });
+        const Bytes prefix = Bytes{0xFF, 0xFE, 0xFF} + lengthBytes;
+        ASSERT_EQ(bytes.size(), prefix.size() + 2 * length);
+        EXPECT_TRUE(std::equal(prefix.begin(), prefix.end(), bytes.begin())) << length;
+        Load(bytes, [&](CArchive& archive) { EXPECT_EQ(archive.ReadString(), text); });
+    }
+}
+
+TEST_F(Archive, OldNarrowStringsAreRead) {
+    const Bytes longer(300, 'y');
+    const Bytes bytes =
+        Bytes{2, 'a', 0xE9} + Bytes{0xFF, 44, 1} + longer + Bytes{0xFF, 0xFF, 0xFF, 1, 0, 0, 0, 0x80};
+    Load(bytes, [&](CArchive& archive) {
+        EXPECT_EQ(archive.ReadString(), "a\xC3\xA9");
+        EXPECT_EQ(archive.ReadString(), std::string(300, 'y'));
+        EXPECT_EQ(archive.ReadString(), "\xE2\x82\xAC");
+    });
+}
+
+TEST_F(Archive, ObjectsAndClassesShareOneTable) {
+    CNode parent;
+    CNode child;
+    child.parent = &parent;
+    const Bytes bytes = Store([&](CArchive& archive) {
+        archive.WriteObject(nullptr);
+        archive.WriteObject(&parent); // class 1, object 2
+        archive.WriteObject(&child);  // object 3, refers to 2
+        archive.WriteObject(&child);
+    });
+    const Bytes end = Bytes{0, 0, 0, 0, 0, 0, 0xF9, 0xFF};
+    const Bytes expected = Bytes(2) + kNewNode + kNodeStart + Bytes(4) + end + Bytes{1, 0x80} + kNodeStart +
+                           Bytes{0, 0, 2, 0} + end + Bytes{3, 0};
+    EXPECT_EQ(bytes, expected);
+}
+
+TEST_F(Archive, TreeComesBackWithItsSharingAndStoresTheSameBytes) {
+    CLeverArm lever(1, 2, 3);
+    const auto tree = MakeTree(lever);
+    const auto store = [&](const CObject* root) {
+        return [root](CArchive& archive) { archive.WriteObject(root); };
+    };
+    const Bytes bytes = Store(store(tree.get()));
+    EXPECT_EQ(Store(store(tree.get()), 16), bytes); // whatever the buffer
+    for (std::size_t bufferSize : {16u, 4096u}) {
+        const auto objects = LoadNode(bytes, bufferSize);
+        ASSERT_EQ(objects.size(), 2u); // the lever arm, which nobody claims, and the root
+        const auto& root = static_cast<const CNode&>(*objects[1]);
+        EXPECT_EQ(root.shared, objects[0].get());
+        EXPECT_EQ(root.shared, root.child->shared);
+        EXPECT_EQ(root.child->parent, &root);
+        EXPECT_EQ(root.shared->xv3, 3.0);
+        EXPECT_EQ(root.positions[0]->altitude, 12.0);
+        EXPECT_EQ(root.positions[0]->altitudeKind, 3);
+        EXPECT_EQ(CPosition(*root.positions[0]).altitudeKind, 0);
+        EXPECT_EQ(root.added, 300);
+        EXPECT_EQ(Store(store(&root), bufferSize), bytes);
+    }
+}
+
+TEST_F(Archive, IndexesBeyondFifteenBitsTakeTheBigForm) {
+    std::vector<CObjetMetier> plain(0x7FFF); // class 1, objects 2 to 0x8000
+    CLeverArm first;                         // class 0x8001, object 0x8002
+    CLeverArm second;
+    const Bytes bytes = Store([&](CArchive& archive) {
+        for (const auto& object : plain) archive.WriteObject(&object);
+        archive.WriteObject(&first);
+        archive.WriteObject(&second);
+        archive.WriteObject(&plain[0x7FFE - 2]);
+        archive.WriteObject(&plain[0x7FFF - 2]);
+        archive.WriteObject(&first);
+    });
+    const Bytes tail = {0xFE, 0x7F, 0xFF, 0x7F, 0xFF, 0x7F, 0, 0, 0xFF, 0x7F, 2, 0x80, 0, 0};
+    ASSERT_EQ(Bytes(bytes.end() - 14, bytes.end()), tail);
+    const std::size_t leverBytes = 4 + 4 + 24;
+    const std::size_t secondAt = bytes.size() - 14 - leverBytes - 6;
+    EXPECT_EQ(Bytes(bytes.begin() + secondAt, bytes.begin() + secondAt + 6),
+              (Bytes{0xFF, 0x7F, 1, 0x80, 0, 0x80}));
+    m_registry.Register<CObjetMetier>();
+    Load(bytes, [&](CArchive& archive) {
+        std::vector<CObject*> read;
+        for (std::size_t i = 0; i < plain.size() + 5; ++i)
+            read.push_back(archive.ReadObject(CObject::Class()));
+        const std::size_t n = plain.size();
+        EXPECT_TRUE(read[n]->IsKindOf(CLeverArm::Class()) && read[n + 1]->IsKindOf(CLeverArm::Class()));
+        EXPECT_EQ(read[n + 2], read[0x7FFE - 2]);
+        EXPECT_EQ(read[n + 3], read[0x7FFF - 2]);
+        EXPECT_EQ(read[n + 4], read[n]);
+    });
+}
+
+TEST_F(Archive, OlderVersionKeepsTheDefaultOfANewField) {
+    Bytes bytes = kNewNode + kNodeStart + Bytes{0, 0} + kNodeEnd;
+    bytes[kNewNode.size()] = 1;
+    bytes.resize(bytes.size() - 2);
+    EXPECT_EQ(static_cast<CNode&>(*LoadNode(bytes)[0]).added, -7);
+}
+
+TEST_F(Archive, TruncationAnywhereIsEndOfFile) {
+    CLeverArm lever;
+    const auto tree = MakeTree(lever);
+    const Bytes bytes = Store([&](CArchive& archive) { archive.WriteObject(tree.get()); });
+    for (std::size_t size = 0; size < bytes.size(); ++size) {
+        const Bytes cut(bytes.begin(), bytes.begin() + size);
+        ASSERT_EQ(CauseOf(cut, [](CArchive& archive) { archive.Claim(archive.ReadObject<CNode>()); }), 3)
+            << size;
+    }
+}
+
+// Nothing to expect but that no change of a byte harms memory: the sanitizers are the judges.
+TEST_F(Archive, ChangedBytesLoadOrThrow) {
+    CLeverArm lever;
+    const auto tree = MakeTree(lever);
+    const Bytes bytes = Store([&](CArchive& archive) { archive.WriteObject(tree.get()); });
+    int refused = 0;
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
+        for (int value : {0x00, 0x01, 0x02, 0x03, 0x7F, 0x80, 0xFE, 0xFF, bytes[at] ^ 0x10}) {
+            Bytes changed = bytes;
+            changed[at] = static_cast<std::uint8_t>(value);
+            try {
+                LoadNode(changed);
+            } catch (const CArchiveException&) {
+                ++refused;
+            }
+        }
+    }
+    EXPECT_GT(refused, 500);
+}
+
+TEST_F(Archive, HostileBytesGiveTheirCause) {
+    const auto oneNode = [](CArchive& archive) { archive.Claim(archive.ReadObject<CNode>()); };
+    const auto twoObjects = [](CArchive& archive) {
+        archive.ReadObject(CObject::Class());
+        archive.ReadObject(CObject::Class());
+    };
+    const auto string = [](CArchive& archive) { archive.ReadString(); };
+    const Bytes node = kNewNode + kNodeStart + Bytes{0, 0} + kNodeEnd;
+    Bytes otherSchema = node;
+    otherSchema[2] = 2;
+    Bytes laterVersion = node;
+    laterVersion[kNewNode.size()] = 3;
+    const Bytes lever =
+        Bytes{0xFF, 0xFF, 1, 0, 9, 0} + Ascii("CLeverArm") + Bytes{1, 0, 0, 0, 1, 0, 0, 0} + Bytes(24);
+    const struct {
+        const char* what;
+        Bytes bytes;
+        std::function<void(CArchive&)> load;
+        int cause;
+        const char* fileName = "/data/x.file";
+    } rows[] = {
+        {"index not in the table", {1, 0}, oneNode, 5},
+        {"big index not in the table", {0xFF, 0x7F, 0xFF, 0xFF, 0xFF, 0x7F}, oneNode, 5},
+        {"class index 0", {0, 0x80}, oneNode, 5},
+        {"big class index not in the table", {0xFF, 0x7F, 9, 0, 0, 0x80}, oneNode, 5},
+        {"class where an object is meant", node + Bytes{1, 0}, twoObjects, 5},
+        {"object where a class is meant", node + Bytes{2, 0x80}, twoObjects, 5},
+        {"class unknown", Bytes{0xFF, 0xFF, 1, 0, 9, 0} + Ascii("CStranger"), oneNode, 6},
+        {"class not derived", lever, oneNode, 6},
+        {"member refers to another class", kNewNode + kNodeStart + Bytes{0, 0, 0, 0, 2, 0}, oneNode, 6,
+         "/data/x.file"},
+        {"schema", otherSchema, oneNode, 7},
+        {"version", laterVersion, oneNode, 7, ""},
+        {"class name longer than the file", {0xFF, 0xFF, 1, 0, 0xFF, 0xFF, 'C'}, oneNode, 3},
+        {"wide string longer than the file",
+         {0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},
+         string,
+         3,
+         ""},
+        {"wide string short by one byte", {0xFF, 0xFE, 0xFF, 2, 'a', 0, 'b'}, string, 3, ""},
+        {"narrow string longer than the file",
+         {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 'a'},
+         string,
+         3,
+         ""},
+        {"object its own member", kNewNode + kNodeStart + Bytes{2, 0} + kNodeEnd, oneNode, 5},
+        {"null element", kNewNode + kNodeStart + Bytes{0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0, 0}, oneNode, 5, ""},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(CauseOf(row.bytes, row.load), row.cause) << row.what;
+        EXPECT_EQ(m_fileName, row.fileName) << row.what;
+    }
+}
+
+TEST_F(Archive, TwoHoldersCannotClaimOneObject) {
+    const Bytes bytes =
+        kNewNode + kNodeStart + Bytes{1, 0x80} + kNodeStart + Bytes{0, 0} + kNodeEnd + kNodeEnd;
+    const auto claimChild = [](CArchive& archive) {
+        auto root = archive.Claim(archive.ReadObject<CNode>());
+        archive.Claim(static_cast<CNode&>(*root).child.get());
+    };
+    EXPECT_EQ(CauseOf(bytes, claimChild), 5);
+}
+
+TEST_F(Archive, NestingIsBounded) {
+    const auto nested = [](int depth) {
+        Bytes bytes = kNewNode + kNodeStart;
+        for (int i = 1; i < depth; ++i) bytes = std::move(bytes) + Bytes{1, 0x80} + kNodeStart;
+        bytes = std::move(bytes) + Bytes{0, 0};
+        for (int i = 0; i < depth; ++i) bytes = std::move(bytes) + kNodeEnd;
+        return bytes;
+    };
+    const auto load = [](CArchive& archive) { archive.Claim(archive.ReadObject<CNode>()); };
+    EXPECT_EQ(CauseOf(nested(400), load), 0);
+    EXPECT_EQ(CauseOf(nested(401), load), 1);
+    EXPECT_EQ(CauseOf(nested(100000), load), 1);
+}
+
+TEST_F(Archive, WrongDirectionAndFailingStreamThrow) {
+    EXPECT_EQ(CauseOf({1, 2, 3, 4}, [](CArchive& archive) { archive << 1; }), 2);
+    EXPECT_EQ(CauseOf({}, [](CArchive& archive) { archive.WriteObject(nullptr); }), 2);
+    struct CFullDisk : CMemoryStream {
+        bool Write(const void*, std::size_t) override { return false; }
+    } stream;
+    CArchive archive(stream, CArchive::store, nullptr);
+    int value = 1;
+    archive << value;
+    EXPECT_THROW(archive >> value, CArchiveException);
+    EXPECT_THROW(archive.Close(), CArchiveException);
+}
+
+} // namespace

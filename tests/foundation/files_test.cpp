@@ -1,0 +1,146 @@
+#include "foundation/files.h"
+#include "foundation/paths.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Outils_Fichiers;
+namespace fs = std::filesystem;
+
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+TEST(Paths, RelativePathsComeBack) {
+    const struct {
+        const char *from, *to, *relative;
+    } rows[] = {
+        {"/p/a", "/p/a/x.tarin", ".\\x.tarin"},
+        {"/p/a/", "/p/a/data/x.tarin", ".\\data\\x.tarin"},
+        {"/p/a", "/p/x.tarin", "..\\x.tarin"},
+        {"/p/a/b", "/p/c/d/x y.tarin", "..\\..\\c\\d\\x y.tarin"},
+        {"/p/a", "/p/ab/x", "..\\ab\\x"},
+        {"/p/a", "/P/a/x", "..\\..\\P\\a\\x"},
+        {"/", "/p/\xC3\xA9.tarin", ".\\p\\\xC3\xA9.tarin"},
+        {"/p/./q/../a", "/p/a/../b/x", "..\\b\\x"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(RelativePathTo(row.from, row.to), row.relative);
+        EXPECT_EQ(Combine(row.from, row.relative), fs::path(row.to).lexically_normal());
+    }
+    EXPECT_FALSE(RelativePathTo("p", "/p/x"));
+    EXPECT_FALSE(RelativePathTo("/p", "x"));
+    EXPECT_FALSE(RelativePathTo("/p", "/p/a\\b"));
+    EXPECT_FALSE(RelativePathTo("/p", "/proc/none/x")) << "another volume";
+}
+
+TEST(Paths, CombineTakesBothSeparators) {
+    EXPECT_EQ(Combine("/p/a", "..\\b/./c\\x"), "/p/b/c/x");
+    EXPECT_EQ(Combine("/p", "..\\..\\..\\x"), "/x");
+    EXPECT_EQ(Combine("/p/a", "."), "/p/a");
+    EXPECT_EQ(Combine("/p/a/", ".."), "/p");
+}
+
+TEST(Paths, RelativeOrNot) {
+    for (const char* text : {"x", ".\\x", "..\\x", "xy:z", ""}) EXPECT_TRUE(IsRelativePath(text)) << text;
+    for (const char* text : {"/x", "\\x", "\\\\server\\x", "C:\\x", "c:x"})
+        EXPECT_FALSE(IsRelativePath(text)) << text;
+}
+
+TEST(Paths, ComparedWithoutCase) {
+    EXPECT_TRUE(SamePath("/p/A/x.TARIN", "/P/a/./X.tarin"));
+    EXPECT_FALSE(SamePath("/p/a", "/p/b"));
+    EXPECT_EQ(WithExtension("/a/b.tarprj", ".tarout"), "/a/b.tarout");
+}
+
+class Files : public testing::Test {
+  protected:
+    Files() {
+        std::string name = (fs::temp_directory_path() / "foundation-XXXXXX").string();
+        m_folder = ::mkdtemp(name.data());
+        m_file = m_folder / "project.tarprj";
+        WriteWholeFile(m_file, m_old);
+    }
+    ~Files() override { fs::remove_all(m_folder); }
+
+    std::ptrdiff_t CountEntries() const {
+        return std::distance(fs::directory_iterator(m_folder), fs::directory_iterator());
+    }
+
+    fs::path m_folder;
+    fs::path m_file;
+    const Bytes m_old = Bytes(100, 1);
+    const Bytes m_new = Bytes(5000, 2);
+};
+
+TEST_F(Files, SaveReplacesContentAndKeepsMode) {
+    ::chmod(m_file.c_str(), 0640);
+    EXPECT_TRUE(SaveAtomically(m_file, m_new));
+    EXPECT_EQ(ReadWholeFile(m_file, 5000), m_new);
+    EXPECT_EQ(fs::status(m_file).permissions(), fs::perms(0640));
+    const fs::path longest = m_folder / std::string(255, 'n');
+    EXPECT_TRUE(SaveAtomically(longest, {}));
+    EXPECT_EQ(ReadWholeFile(longest, 0), Bytes());
+    EXPECT_EQ(CountEntries(), 2);
+}
+
+TEST_F(Files, SaveFollowsLinks) {
+    const fs::path folder = m_folder / "links";
+    fs::create_directory(folder);
+    fs::create_symlink("../project.tarprj", folder / "one");
+    fs::create_symlink("one", folder / "two");
+    EXPECT_TRUE(SaveAtomically(folder / "two", m_new));
+    EXPECT_TRUE(fs::is_symlink(folder / "two") && fs::is_symlink(folder / "one"));
+    EXPECT_EQ(ReadWholeFile(m_file, 5000), m_new);
+    fs::create_symlink("ring", folder / "ring");
+    EXPECT_FALSE(SaveAtomically(folder / "ring", m_new));
+}
+
+TEST_F(Files, FailedSaveKeepsTheOldFileAndLeavesNothingBehind) {
+    // A limit on the size of files stands for a full disk.
+    rlimit former;
+    ::getrlimit(RLIMIT_FSIZE, &former);
+    const rlimit small{1000, former.rlim_max};
+    const auto formerHandler = std::signal(SIGXFSZ, SIG_IGN);
+    ::setrlimit(RLIMIT_FSIZE, &small);
+    const bool saved = SaveAtomically(m_file, m_new);
+    ::setrlimit(RLIMIT_FSIZE, &former);
+    std::signal(SIGXFSZ, formerHandler);
+    EXPECT_FALSE(saved);
+    EXPECT_EQ(ReadWholeFile(m_file, 5000), m_old);
+
+    EXPECT_FALSE(SaveAtomically(m_folder / "none" / "x", m_new));
+    EXPECT_FALSE(SaveAtomically(m_folder, m_new));
+    EXPECT_EQ(CountEntries(), 1);
+}
+
+TEST_F(Files, OnlyRegularFilesWithinTheLimitAreRead) {
+    EXPECT_EQ(ReadWholeFile(m_file, 100), m_old);
+    EXPECT_FALSE(ReadWholeFile(m_file, 99));
+    EXPECT_FALSE(ReadWholeFile(m_folder, 1000));
+    EXPECT_FALSE(ReadWholeFile(m_folder / "none", 1000));
+    const fs::path pipe = m_folder / "pipe";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(ReadWholeFile(pipe, 1000)); // and does not wait for a writer
+    EXPECT_FALSE(SaveAtomically(pipe, m_new));
+    // Its size reads as 0, the content comes all the same.
+    EXPECT_FALSE(ReadWholeFile("/proc/self/status", 100000).value_or(Bytes()).empty());
+    EXPECT_FALSE(ReadWholeFile("/proc/self/status", 10));
+}
+
+TEST_F(Files, TemporaryFilesHaveNamesOfTheirOwn) {
+    const auto first = CreateTemporaryFile("mvx");
+    const auto second = CreateTemporaryFile("mvx");
+    ASSERT_TRUE(first && second);
+    EXPECT_NE(*first, *second);
+    EXPECT_TRUE(fs::is_empty(*first));
+    fs::remove(*first);
+    fs::remove(*second);
+    EXPECT_TRUE(fs::is_directory(GetExecutablePath()));
+}
+
+} // namespace
