@@ -1,10 +1,10 @@
 #include "foundation/positioning.h"
 #include "foundation/serialize.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 
 using namespace Outils_Objets;
 using Metier_Positioning::CLeverArm;
@@ -140,14 +140,12 @@ TEST_F(Archive, ScalarsAreLittleEndianInTheirOwnWidth) {
 }
 
 TEST_F(Archive, StringPrefixesGrowAtTheirThresholds) {
-    const std::pair<std::size_t, Bytes> rows[] = {
-        {0, {0}},
-        {254, {254}},
-        {255, {0xFF, 0xFF, 0}},
-        {65533, {0xFF, 0xFD, 0xFF}},
-        {65534, {0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0, 0}},
-        {65535, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0}},
-    };
+    const std::pair<std::size_t, Bytes> rows[] = {{0, {0}},
+                                                  {254, {254}},
+                                                  {255, {0xFF, 0xFF, 0}},
+                                                  {65533, {0xFF, 0xFD, 0xFF}},
+                                                  {65534, {0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0, 0}},
+                                                  {65535, {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0, 0}}};
     for (const auto& [length, lengthBytes] : rows) {
         std::string text(length, 'x');
         if (length >= 2) text.replace(0, 2, "\xF0\x9F\x9A\xA2"); // one character of two units
@@ -308,25 +306,15 @@ TEST_F(Archive, HostileBytesGiveTheirCause) {
         {"object where a class is meant", node + Bytes{2, 0x80}, twoObjects, 5},
         {"class unknown", Bytes{0xFF, 0xFF, 1, 0, 9, 0} + Ascii("CStranger"), oneNode, 6},
         {"class not derived", lever, oneNode, 6},
-        {"member refers to another class", kNewNode + kNodeStart + Bytes{0, 0, 0, 0, 2, 0}, oneNode, 6,
-         "/data/x.file"},
+        {"member of another class", kNewNode + kNodeStart + Bytes{0, 0, 0, 0, 2, 0}, oneNode, 6},
         {"schema", otherSchema, oneNode, 7},
         {"version", laterVersion, oneNode, 7, ""},
         {"class name longer than the file", {0xFF, 0xFF, 1, 0, 0xFF, 0xFF, 'C'}, oneNode, 3},
-        {"wide string longer than the file",
-         {0xFF, 0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF},
-         string,
-         3,
-         ""},
+        {"wide string of 4 GB", Bytes{0xFF, 0xFE} + Bytes(8, 0xFF), string, 3, ""},
         {"wide string short by one byte", {0xFF, 0xFE, 0xFF, 2, 'a', 0, 'b'}, string, 3, ""},
-        {"narrow string longer than the file",
-         {0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 'a'},
-         string,
-         3,
-         ""},
+        {"narrow string of 2 GB", Bytes(6, 0xFF) + Bytes{0x7F, 'a'}, string, 3, ""},
         {"object its own member", kNewNode + kNodeStart + Bytes{2, 0} + kNodeEnd, oneNode, 5},
-        {"null element", kNewNode + kNodeStart + Bytes{0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0, 0}, oneNode, 5, ""},
-    };
+        {"null element", kNewNode + kNodeStart + Bytes{0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0, 0}, oneNode, 5, ""}};
     for (const auto& row : rows) {
         EXPECT_EQ(CauseOf(row.bytes, row.load), row.cause) << row.what;
         EXPECT_EQ(m_fileName, row.fileName) << row.what;

@@ -20,13 +20,11 @@ TEST(DateTime, CalendarFieldsGiveTicksAndBack) {
         std::int64_t ticks;
         std::uint64_t expected;
         int dayOfWeek;
-    } rows[] = {
-        {1601, 1, 1, 0, 0, 0, 0, 0, 1},
-        {1970, 1, 1, 0, 0, 0, 0, 116444736000000000, 4},
-        {2000, 2, 29, 23, 59, 59, 9999999, 125963423999999999, 2},
-        {2026, 7, 14, 6, 30, 0, 5, 134284842000000005, 2},
-        {9999, 12, 31, 0, 0, 0, 0, 2650466880000000000, 5},
-    };
+    } rows[] = {{1601, 1, 1, 0, 0, 0, 0, 0, 1},
+                {1970, 1, 1, 0, 0, 0, 0, 116444736000000000, 4},
+                {2000, 2, 29, 23, 59, 59, 9999999, 125963423999999999, 2},
+                {2026, 7, 14, 6, 30, 0, 5, 134284842000000005, 2},
+                {9999, 12, 31, 0, 0, 0, 0, 2650466880000000000, 5}};
     for (const auto& row : rows) {
         CDateTime date = CDateTime::Invalid();
         date.SetDateTime(row.year, row.month, row.day, row.hour, row.minute, row.second, row.ticks);
@@ -42,12 +40,11 @@ TEST(DateTime, CalendarFieldsGiveTicksAndBack) {
 }
 
 TEST(DateTime, RefusedCalendarFieldsLeaveTheTicks) {
-    const std::uint16_t rows[][6] = {
-        {1600, 12, 31, 0, 0, 0}, {30828, 1, 1, 0, 0, 0}, {2024, 0, 1, 0, 0, 0},  {2024, 13, 1, 0, 0, 0},
-        {2024, 257, 1, 0, 0, 0}, {2024, 1, 0, 0, 0, 0},  {2024, 1, 32, 0, 0, 0}, {2024, 1, 257, 0, 0, 0},
-        {2023, 2, 29, 0, 0, 0},  {2100, 2, 29, 0, 0, 0}, {2024, 4, 31, 0, 0, 0}, {2024, 1, 1, 24, 0, 0},
-        {2024, 1, 1, 0, 60, 0},  {2024, 1, 1, 0, 0, 60},
-    };
+    const std::uint16_t rows[][6] = {{1600, 12, 31, 0, 0, 0}, {30828, 1, 1, 0, 0, 0},  {2024, 0, 1, 0, 0, 0},
+                                     {2024, 13, 1, 0, 0, 0},  {2024, 257, 1, 0, 0, 0}, {2024, 1, 0, 0, 0, 0},
+                                     {2024, 1, 32, 0, 0, 0},  {2024, 1, 257, 0, 0, 0}, {2023, 2, 29, 0, 0, 0},
+                                     {2100, 2, 29, 0, 0, 0},  {2024, 4, 31, 0, 0, 0},  {2024, 1, 1, 24, 0, 0},
+                                     {2024, 1, 1, 0, 60, 0},  {2024, 1, 1, 0, 0, 60}};
     for (const auto& row : rows) {
         CDateTime date(77);
         date.SetDateTime(row[0], row[1], row[2], row[3], row[4], row[5], 0);
@@ -62,17 +59,15 @@ TEST(DateTime, ArithmeticMarksOverflowAndSpreadsInvalidity) {
         CDateTime date;
         CDateTimeSpan span;
         bool sumValid, differenceValid;
-    } rows[] = {
-        {CDateTime(5), CDateTimeSpan(0), true, true},
-        {CDateTime(5), CDateTimeSpan(5), true, true},
-        {CDateTime(5), CDateTimeSpan(6), true, false},
-        {CDateTime(5), CDateTimeSpan(-6), false, true},
-        {CDateTime(kUnsignedMax), CDateTimeSpan(1), false, true},
-        {CDateTime(kUnsignedMax), CDateTimeSpan(-1), true, false},
-        {CDateTime(0), CDateTimeSpan(kMin), false, true},
-        {CDateTime(5), CDateTimeSpan::Invalid(), false, false},
-        {CDateTime(5, kStatusInvalid), CDateTimeSpan(1), false, false},
-    };
+    } rows[] = {{CDateTime(5), CDateTimeSpan(0), true, true},
+                {CDateTime(5), CDateTimeSpan(5), true, true},
+                {CDateTime(5), CDateTimeSpan(6), true, false},
+                {CDateTime(5), CDateTimeSpan(-6), false, true},
+                {CDateTime(kUnsignedMax), CDateTimeSpan(1), false, true},
+                {CDateTime(kUnsignedMax), CDateTimeSpan(-1), true, false},
+                {CDateTime(0), CDateTimeSpan(kMin), false, true},
+                {CDateTime(5), CDateTimeSpan::Invalid(), false, false},
+                {CDateTime(5, kStatusInvalid), CDateTimeSpan(1), false, false}};
     for (const auto& row : rows) {
         EXPECT_EQ((row.date + row.span).IsValid(), row.sumValid) << row.span.GetTicks();
         EXPECT_EQ((row.date - row.span).IsValid(), row.differenceValid) << row.span.GetTicks();
@@ -92,10 +87,9 @@ TEST(DateTimeSpan, SumsAndDifferencesMarkOverflow) {
     const struct {
         std::int64_t left, right;
         bool sumValid, differenceValid;
-    } rows[] = {
-        {3, 4, true, true},     {kMax, 1, false, true},    {kMax, -1, true, false}, {kMin, -1, false, true},
-        {kMin, 1, true, false}, {kMin, kMin, false, true}, {0, kMin, true, false},  {kMax, 0, true, true},
-    };
+    } rows[] = {{3, 4, true, true},      {kMax, 1, false, true}, {kMax, -1, true, false},
+                {kMin, -1, false, true}, {kMin, 1, true, false}, {kMin, kMin, false, true},
+                {0, kMin, true, false},  {kMax, 0, true, true}};
     for (const auto& row : rows) {
         const CDateTimeSpan left(row.left);
         const CDateTimeSpan right(row.right);
@@ -119,10 +113,9 @@ TEST(DateTimeSpan, PartsCarryTheSign) {
 }
 
 TEST(DateTimeSpan, SecondsRoundAwayFromZero) {
-    const std::pair<double, std::int64_t> rows[] = {
-        {0.0, 0},        {0.00000005, 1},   {-0.00000005, -1},
-        {0.00000004, 0}, {-1.5, -15000000}, {9e11, 9000000000000000000},
-    };
+    const std::pair<double, std::int64_t> rows[] = {{0.0, 0},          {0.00000005, 1},
+                                                    {-0.00000005, -1}, {0.00000004, 0},
+                                                    {-1.5, -15000000}, {9e11, 9000000000000000000}};
     for (const auto& [seconds, ticks] : rows)
         EXPECT_EQ(CDateTimeSpan::FromSeconds(seconds), CDateTimeSpan(ticks)) << seconds;
     for (double seconds : {1e12, -1e12, std::nan("")})

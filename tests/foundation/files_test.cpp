@@ -18,16 +18,14 @@ using Bytes = std::vector<std::uint8_t>;
 TEST(Paths, RelativePathsComeBack) {
     const struct {
         const char *from, *to, *relative;
-    } rows[] = {
-        {"/p/a", "/p/a/x.tarin", ".\\x.tarin"},
-        {"/p/a/", "/p/a/data/x.tarin", ".\\data\\x.tarin"},
-        {"/p/a", "/p/x.tarin", "..\\x.tarin"},
-        {"/p/a/b", "/p/c/d/x y.tarin", "..\\..\\c\\d\\x y.tarin"},
-        {"/p/a", "/p/ab/x", "..\\ab\\x"},
-        {"/p/a", "/P/a/x", "..\\..\\P\\a\\x"},
-        {"/", "/p/\xC3\xA9.tarin", ".\\p\\\xC3\xA9.tarin"},
-        {"/p/./q/../a", "/p/a/../b/x", "..\\b\\x"},
-    };
+    } rows[] = {{"/p/a", "/p/a/x.tarin", ".\\x.tarin"},
+                {"/p/a/", "/p/a/data/x.tarin", ".\\data\\x.tarin"},
+                {"/p/a", "/p/x.tarin", "..\\x.tarin"},
+                {"/p/a/b", "/p/c/d/x y.tarin", "..\\..\\c\\d\\x y.tarin"},
+                {"/p/a", "/p/ab/x", "..\\ab\\x"},
+                {"/p/a", "/P/a/x", "..\\..\\P\\a\\x"},
+                {"/", "/p/\xC3\xA9.tarin", ".\\p\\\xC3\xA9.tarin"},
+                {"/p/./q/../a", "/p/a/../b/x", "..\\b\\x"}};
     for (const auto& row : rows) {
         EXPECT_EQ(RelativePathTo(row.from, row.to), row.relative);
         EXPECT_EQ(Combine(row.from, row.relative), fs::path(row.to).lexically_normal());

@@ -1,0 +1,106 @@
+#include "foundation/date_time.h"
+#include "foundation/interval_index.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <list>
+#include <map>
+#include <random>
+
+using Outils_Temps::CDateTimeSpan;
+
+namespace {
+
+using Tree = Outils_Collection::CAVLTree<CDateTimeSpan, unsigned long>;
+
+struct SResult {
+    Tree::EFind code;
+    unsigned long exactValue = 0, lowerValue = 0, upperValue = 0;
+    std::int64_t lower = 0, upper = 0;
+    bool operator==(const SResult&) const = default;
+};
+
+SResult Find(Tree& tree, std::int64_t key) {
+    SResult result{};
+    CDateTimeSpan lower;
+    CDateTimeSpan upper;
+    result.code =
+        tree.Find(CDateTimeSpan(key), result.exactValue, lower, result.lowerValue, upper, result.upperValue);
+    result.lower = lower.GetTicks();
+    result.upper = upper.GetTicks();
+    return result;
+}
+
+// The same duties on standard containers, without any balance.
+class CModel {
+  public:
+    void Insert(std::int64_t key, unsigned long value) {
+        if (!m_values.contains(key)) m_ages.push_front(key);
+        m_values[key] = value;
+        if (m_values.size() < 60) return;
+        for (int i = 0; i < 7; ++i) Remove(std::int64_t{m_ages.back()});
+    }
+    bool Remove(std::int64_t key) {
+        m_ages.remove(key);
+        return m_values.erase(key) != 0;
+    }
+    SResult Find(std::int64_t key) {
+        SResult result{};
+        if (m_values.contains(key)) {
+            m_ages.remove(key);
+            m_ages.push_front(key);
+            return {Tree::exact, m_values[key]};
+        }
+        const auto upper = m_values.upper_bound(key);
+        const bool hasLower = upper != m_values.begin();
+        const bool hasUpper = upper != m_values.end();
+        if (hasUpper) std::tie(result.upper, result.upperValue) = *upper;
+        if (hasLower) std::tie(result.lower, result.lowerValue) = *std::prev(upper);
+        result.code = hasLower   ? (hasUpper ? Tree::between : Tree::above)
+                      : hasUpper ? Tree::below
+                                 : Tree::empty;
+        return result;
+    }
+    std::size_t GetCount() const { return m_values.size(); }
+
+  private:
+    std::map<std::int64_t, unsigned long> m_values;
+    std::list<std::int64_t> m_ages;
+};
+
+TEST(IntervalIndex, AgreesWithAPlainMapAndUseList) {
+    std::mt19937 random(7);
+    Tree tree;
+    tree.SetEviction(true, 60, 7);
+    CModel model;
+    for (int step = 0; step < 20000; ++step) {
+        const std::int64_t key = random() % 200;
+        switch (random() % 4) {
+        case 0: ASSERT_EQ(tree.Remove(CDateTimeSpan(key)), model.Remove(key)) << step; break;
+        case 1: ASSERT_EQ(Find(tree, key), model.Find(key)) << step; break;
+        default: tree.Insert(CDateTimeSpan(key), step); model.Insert(key, step);
+        }
+        ASSERT_EQ(tree.GetCount(), model.GetCount());
+        ASSERT_LE(tree.GetHeight(), 1.45 * std::log2(tree.GetCount() + 2.0)) << step;
+    }
+    tree.Clear();
+    EXPECT_EQ(Find(tree, 1).code, Tree::empty);
+}
+
+TEST(IntervalIndex, StaysLowForAscendingKeys) {
+    Tree tree;
+    for (int key = 0; key < 1023; ++key) tree.Insert(CDateTimeSpan(key), key);
+    EXPECT_EQ(tree.GetHeight(), 9);
+    EXPECT_EQ(Find(tree, 5000), (SResult{Tree::above, 0, 1022, 0, 1022, 0}));
+}
+
+TEST(IntervalIndex, InvalidKeyReplacesTheValueReached) {
+    Tree tree;
+    tree.Insert(CDateTimeSpan(5), 1);
+    tree.Insert(CDateTimeSpan::Invalid(), 2);
+    EXPECT_EQ(tree.GetCount(), 1u);
+    EXPECT_EQ(Find(tree, 5).exactValue, 2ul);
+}
+
+} // namespace
