@@ -3,10 +3,12 @@
 # but a link to its folder: an include that runs against the arrows does not compile.
 
 # varne_room(NAME [DEPENDS room...] [LIBRARIES target...])
-#   Makes the library varne_NAME of all .cpp files in and below the current folder.
+#   Makes the library varne_NAME of all .cpp files in and below the current folder but main.cpp, which belongs to a
+#   program.
 function(varne_room name)
   cmake_parse_arguments(ROOM "" "" "DEPENDS;LIBRARIES" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS *.cpp)
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
   set(include_root ${CMAKE_BINARY_DIR}/include/${name})
   file(MAKE_DIRECTORY ${include_root})
   file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${include_root}/${name} SYMBOLIC)
