@@ -1,0 +1,31 @@
+#include "simulator/earth.h"
+
+#include <GeographicLib/Geocentric.hpp>
+
+#include <cmath>
+
+namespace Simulation {
+
+SRadii GetRadii(double sinLatitude) {
+    const double w2 = 1 - kEccentricitySquared * sinLatitude * sinLatitude;
+    const double normal = kSemiMajorAxis / std::sqrt(w2);
+    return {normal * (1 - kEccentricitySquared) / w2, normal};
+}
+
+double GetGravity(double sinLatitude, double altitude) {
+    constexpr double equator = 9.7803253359, k = 0.00193185265241;
+    constexpr double m = 0.00344978650684; // centrifugal over gravitational acceleration at the equator
+    const double s2 = sinLatitude * sinLatitude;
+    const double surface = equator * (1 + k * s2) / std::sqrt(1 - kEccentricitySquared * s2);
+    const double ratio = altitude / kSemiMajorAxis;
+    return surface * (1 - 2 * (1 + kFlattening + m - 2 * kFlattening * s2) * ratio + 3 * ratio * ratio);
+}
+
+Vector3 ToEarthFixed(double latitude, double longitude, double altitude) {
+    Vector3 point;
+    GeographicLib::Geocentric::WGS84().Forward(latitude * kRadian, longitude * kRadian, altitude, point.x,
+                                               point.y, point.z);
+    return point;
+}
+
+} // namespace Simulation

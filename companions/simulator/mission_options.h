@@ -1,0 +1,83 @@
+// What a simulated mission is to be.
+#pragma once
+
+#include "foundation/date_time.h"
+#include "simulator/vector3.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Simulation {
+
+enum class EVehicle : std::uint8_t { ship, auv, car };
+
+// Quality of the inertial sensors; `perfect` has no error but the rounding to raw units.
+enum class EGrade : std::uint8_t { perfect, marine, navigation, tactical, mems };
+
+// The sensors that sit away from the inertial unit.
+enum class EMount : std::uint8_t { gps, dvl, emLog, depth, usbl, lbl, count };
+
+// A stretch of mission time, in seconds.
+struct SStretch {
+    double from = 0;
+    double to = 0;
+    bool Contains(double time) const { return time >= from && time < to; }
+};
+
+// Overrides for one channel.
+struct SChannelOptions {
+    std::string channel;
+    double rate = 0;  // packets per second; 0: the channel's usual rate
+    double delay = 0; // seconds between the moment of the measurement and the date of its packet
+    std::vector<SStretch> outages;
+};
+
+struct SMissionOptions {
+    EVehicle vehicle = EVehicle::ship;
+    double duration = 1800;         // seconds
+    std::int64_t targetSize = 0;    // bytes; if not 0 the duration is chosen to give about this file size
+    double alignmentDuration = 300; // seconds at rest at the start
+    double alignmentMotion = 0;     // share of the sea's motion that is felt at rest, 0 to 1
+    double seaState = 1;            // factor on the amplitudes of waves, terrain and vibration
+
+    double latitude = 43.1;          // degrees, -85 to 85
+    double longitude = 5.9;          // degrees
+    double altitude = 0;             // metres above the ellipsoid
+    double heading = 30;             // degrees, clockwise from true north
+    Vector3 current{0.25, -0.15, 0}; // metres per second of the water north and east; cars have none
+    double seabedDepth = 200;        // metres below the sea surface
+    Outils_Temps::CDateTime utcOrigin =
+        Outils_Temps::CDateTime::Invalid(); // UTC of Date zero; invalid: 2024-05-14 08:00
+
+    int imuRate = 100; // packets per second, 1 to 2000
+    EGrade grade = EGrade::navigation;
+    int equipment = 9; // the "System type" of the IMU packets
+    std::uint64_t seed = 1;
+    double noise = -1;          // factor on the errors of the aiding sensors; below 0: 0 if perfect, else 1
+    double outliers = 0;        // share of aiding packets that are wildly wrong, 0 to 1
+    int gpsMode = 2;            // 1 SPS, 2 DGPS, 3 PPS, 4 RTK, 5 float RTK
+    double geoidSeparation = 0; // metres from the ellipsoid up to the geoid
+    double dvlScaleError = 0;   // fraction by which the Doppler log reads too much
+    double dvlHeadingError = 0; // degrees by which the log is mounted turned to port
+    std::array<Vector3, static_cast<std::size_t>(EMount::count)> leverArms{}; // metres forward, to port, up
+
+    std::vector<std::string> channels; // empty: those usual for the vehicle; "IMU" is always written
+    std::vector<SChannelOptions> channelOptions; // at most one for each channel
+    double truthRate = 10;                       // lines per second of the truth file
+
+    double GetNoise() const { return noise >= 0 ? noise : grade == EGrade::perfect ? 0 : 1; }
+    Outils_Temps::CDateTime GetUtcOrigin() const;
+    const SChannelOptions* FindChannelOptions(std::string_view channel) const;
+    SChannelOptions& GetChannelOptions(std::string_view channel);
+    bool IsOutage(std::string_view channel, double time) const;
+    // Those that are written, in the order of the channel table.
+    std::vector<std::string_view> GetChannels() const;
+
+    // What is wrong with the values; empty when a mission can be made of them.
+    std::string Validate() const;
+};
+
+} // namespace Simulation
