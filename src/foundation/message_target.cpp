@@ -12,10 +12,8 @@ constexpr std::chrono::milliseconds kLongestWait =
 } // namespace
 
 void CMessageQueue::Post(std::function<void()> message) {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_messages.push_back(std::move(message));
-    }
+    const std::lock_guard lock(m_mutex);
+    m_messages.push_back(std::move(message));
     m_condition.notify_one();
 }
 

@@ -7,10 +7,9 @@
 namespace Outils {
 
 void CEvent::Set() {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_set.store(true, std::memory_order_release);
-    }
+    // Notified under the lock: a waiter that owns the event may destroy it as soon as it gets away.
+    const std::lock_guard lock(m_mutex);
+    m_set.store(true, std::memory_order_release);
     if (m_reset == automatic)
         m_condition.notify_one();
     else

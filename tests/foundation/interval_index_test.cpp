@@ -88,13 +88,6 @@ TEST(IntervalIndex, AgreesWithAPlainMapAndUseList) {
     EXPECT_EQ(Find(tree, 1).code, Tree::empty);
 }
 
-TEST(IntervalIndex, StaysLowForAscendingKeys) {
-    Tree tree;
-    for (int key = 0; key < 1023; ++key) tree.Insert(CDateTimeSpan(key), key);
-    EXPECT_EQ(tree.GetHeight(), 9);
-    EXPECT_EQ(Find(tree, 5000), (SResult{Tree::above, 0, 1022, 0, 1022, 0}));
-}
-
 TEST(IntervalIndex, InvalidKeyReplacesTheValueReached) {
     Tree tree;
     tree.Insert(CDateTimeSpan(5), 1);

@@ -58,13 +58,6 @@ TEST(Text, ComparesWithoutCase) {
     for (const auto& row : rows) EXPECT_EQ(EqualsNoCase(row.a, row.b), row.equal) << row.a << ' ' << row.b;
 }
 
-TEST(Text, Trims) {
-    EXPECT_EQ(TrimBlanks(" \t a b\t "), "a b");
-    EXPECT_EQ(TrimBlanks(" \t"), "");
-    EXPECT_EQ(TrimAtZero(std::string_view("ab\0cd", 5)), "ab");
-    EXPECT_EQ(TrimAtZero("abc"), "abc");
-}
-
 TEST(Numbers, ParseDouble) {
     constexpr double inf = std::numeric_limits<double>::infinity();
     const std::pair<const char*, double> accepted[] = {
