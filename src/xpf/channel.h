@@ -42,8 +42,8 @@ class CXpfChannel {
     bool SeekLastPacket(SPacketHeader* header);
     bool SeekPacketNumber(std::uint32_t number);
 
-    // What the walk remembers; 0 is not known. `first` and `last` may be given from a cache: they are tested
-    // against the file before use.
+    // What the walk remembers; 0 is not known. `first` and `last` may be given from a cache: the next seek to
+    // the last packet tests its position against the file, the one to the first packet takes it as it is.
     CXpfFilePosition GetCurrent() const { return m_current; }
     CXpfFilePosition GetFirst() const { return m_first; }
     CXpfFilePosition GetLast() const { return m_last; }
@@ -52,6 +52,21 @@ class CXpfChannel {
     void SetLast(CXpfFilePosition position) { m_last = position; }
 
   private:
+    struct SBracket {
+        std::uint32_t number = 0;
+        std::int64_t position = 0;
+        SPacketHeader header{};
+    };
+    enum class EStep { found, narrowed, failed };
+
+    bool FindFirstPacket(SPacketHeader& header);
+    bool FindLastPacket(SPacketHeader& header);
+    // The last packet of any channel: from the trailer at the end, or by search in a damaged tail.
+    bool FindStreamEnd(std::int64_t& position, SPacketHeader& header);
+    bool FindBrackets(std::uint32_t target, SBracket& lower, SBracket& upper, bool& done);
+    EStep NarrowBracket(std::uint32_t target, std::int64_t estimate, SBracket& lower, SBracket& upper);
+    bool MoveTo(std::int64_t position, std::int64_t previous);
+
     std::uint16_t m_number;
     std::string m_name;
     std::string m_description;

@@ -16,6 +16,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Persistance_Xpf {
@@ -59,8 +60,10 @@ class CXpfFile {
     std::size_t Read(void* buffer, std::size_t size);
 
     // Reads the packet at the file pointer with its packet check and moves behind it; on any other result the
-    // file pointer stays. `payload` is valid until the next operation on this file. For walking a whole
-    // stream: no system call and no copy per packet.
+    // file pointer stays, and the next call reads anew. At the end of the file the result is `torn`.
+    // `payload` is valid until the next operation on this file; one above 64 MiB is cut, far beyond anything
+    // that is decoded, so that no size in a file can exhaust the memory. For walking a whole stream: no
+    // system call and no copy per packet.
     EPacketRead ReadPacket(SPacketHeader& header, std::span<const std::uint8_t>& payload);
 
     // The nearest valid packet before, or the first one at or after, the file pointer. On success the pointer
@@ -90,6 +93,14 @@ class CXpfFile {
 
   private:
     std::unique_ptr<CBlockReader> m_reader;
+    // Steps from `position` over packets of other channels to one of `channel`, whose header is copied. False
+    // at the end of the stream, with `position` where it stopped. Tests no magic; the file pointer stays.
+    bool WalkToChannel(std::uint16_t channel, std::int64_t& position, SPacketHeader& header);
+    bool ReadHeaderAt(std::int64_t position, SPacketHeader& header);
+    // The packet check against the trailer in the file.
+    bool IsPacket(std::int64_t position, const SPacketHeader& header);
+    EPacketRead ReadHugePacket(const SPacketHeader& header, std::span<const std::uint8_t>& payload);
+
     CXpfFilePosition m_dataStart;
 };
 

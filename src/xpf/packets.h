@@ -6,6 +6,7 @@
 #include "xpf/tarout_layouts.h"
 
 #include <array>
+#include <memory>
 
 namespace Persistance_Xpf {
 
@@ -64,6 +65,7 @@ template <const SPacketLayout& Layout>
 class TXpfPacket final : public CXpfTablePacket {
   public:
     TXpfPacket() : CXpfTablePacket(Layout) {}
+    using CXpfPacket::GetPayload;
     std::uint8_t* GetPayload() override { return m_payload.data(); }
 
   private:

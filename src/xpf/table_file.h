@@ -7,6 +7,8 @@
 
 namespace Persistance_Xpf {
 
+struct SStatusTable;
+
 // What both file kinds share: channels by number, and header reading by the tables of the kind.
 class CXpfTableFile : public CXpfFile {
   public:
@@ -22,8 +24,12 @@ class CXpfTableFile : public CXpfFile {
                           std::string& name, std::string& description) const override;
 
   private:
+    bool ReadChannelRecord();
+    bool ReadDefinitions(std::uint32_t count);
+    const SStatusTable* FindStatus(std::uint16_t packetType) const;
+
     EFileKind m_kind;
-    std::map<std::uint16_t, CXpfChannel*> m_byNumber;
+    std::map<std::uint16_t, CXpfChannel*> m_byNumber; // of a repeated number the later record
 };
 
 class CXpfTarinFileV3 : public CXpfTableFile {

@@ -1,0 +1,148 @@
+#include "xpf/block_reader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Persistance_Xpf {
+
+namespace {
+
+constexpr std::int64_t kPage = 4096;
+// Two pages, so that nearly every packet that a seek finds is whole in the first block.
+constexpr std::size_t kSmallestBlock = 2 * kPage;
+constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
+// A jump up to this far costs less as a read through than as a read of its own: a system call takes about the
+// time in which this much is copied.
+constexpr std::int64_t kNear = 2 * kPage;
+// Reads above this go straight into the caller's memory.
+constexpr std::size_t kLargestCopy = std::size_t{64} << 10;
+
+constexpr std::int64_t FloorToPage(std::int64_t offset) { return offset & ~(kPage - 1); }
+
+// Reads until `enough` bytes are there, asking for `size` at once.
+std::size_t ReadAt(int handle, std::int64_t offset, std::uint8_t* buffer, std::size_t size,
+                   std::size_t enough) {
+    std::size_t count = 0;
+    while (count < enough) {
+        const ssize_t got = pread(handle, buffer + count, size - count, offset + static_cast<off_t>(count));
+        if (got < 0 && errno == EINTR) continue;
+        if (got <= 0) break;
+        count += static_cast<std::size_t>(got);
+    }
+    return count;
+}
+
+} // namespace
+
+bool CBlockReader::Open(const std::filesystem::path& path) {
+    Close();
+    // Without O_NONBLOCK opening a FIFO would wait for its writer.
+    const int handle = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (handle < 0) return false;
+    struct stat status {};
+    if (fstat(handle, &status) != 0 || !S_ISREG(status.st_mode)) {
+        close(handle);
+        return false;
+    }
+    m_handle = handle;
+    posix_fadvise(handle, 0, 0, POSIX_FADV_RANDOM);
+    return true;
+}
+
+void CBlockReader::Close() {
+    if (m_handle >= 0) close(m_handle);
+    m_handle = -1;
+    m_position = 0;
+    m_adviseSequential = false;
+    Forget();
+}
+
+std::int64_t CBlockReader::GetFileSize() const {
+    struct stat status {};
+    return m_handle >= 0 && fstat(m_handle, &status) == 0 ? status.st_size : 0;
+}
+
+bool CBlockReader::Seek(std::int64_t offset) {
+    if (m_handle < 0 || offset < 0 || offset > kLargestOffset) return false;
+    m_position = offset;
+    return true;
+}
+
+std::size_t CBlockReader::Read(void* buffer, std::size_t size) {
+    if (m_handle < 0 || size == 0) return 0;
+    std::size_t count = size;
+    if (size > kLargestCopy) {
+        count = ReadAt(m_handle, m_position, static_cast<std::uint8_t*>(buffer), size, size);
+    } else if (const std::uint8_t* bytes = View(m_position, size)) {
+        std::memcpy(buffer, bytes, size);
+    } else {
+        const bool inside = m_position >= m_begin && m_position < m_end;
+        count = inside ? std::min(size, static_cast<std::size_t>(m_end - m_position)) : 0;
+        if (count > 0) std::memcpy(buffer, m_buffer.get() + (m_position - m_begin), count);
+    }
+    m_position += static_cast<std::int64_t>(count);
+    return count;
+}
+
+bool CBlockReader::Probe(std::int64_t offset, void* buffer, std::size_t size) const {
+    if (m_handle < 0 || offset < 0 || offset > kLargestOffset) return false;
+    if (Holds(offset, size)) {
+        std::memcpy(buffer, m_buffer.get() + (offset - m_begin), size);
+        return true;
+    }
+    return ReadAt(m_handle, offset, static_cast<std::uint8_t*>(buffer), size, size) == size;
+}
+
+void CBlockReader::Forget() {
+    m_begin = m_end = 0;
+    m_block = 0;
+}
+
+bool CBlockReader::Load(std::int64_t offset, std::size_t size) {
+    if (m_handle < 0 || offset < 0 || offset > kLargestOffset || size > kLargestView) return false;
+    const std::int64_t end = offset + static_cast<std::int64_t>(size);
+    const bool forward = offset >= m_begin && offset <= m_end + kNear;
+    const bool backward = offset < m_begin && end >= m_begin - kNear;
+    ChooseBlock(forward || backward);
+
+    const std::int64_t ahead =
+        backward ? std::max<std::int64_t>(end - static_cast<std::int64_t>(m_block), 0) : offset;
+    const std::int64_t begin = FloorToPage(std::min(ahead, offset));
+    const auto needed = static_cast<std::size_t>(end - begin);
+    const std::size_t length =
+        std::max(m_block, static_cast<std::size_t>(FloorToPage(end - begin + kPage - 1)));
+    if (!Reserve(length, end)) return false;
+    m_begin = begin;
+    m_end = begin + static_cast<std::int64_t>(ReadAt(m_handle, begin, m_buffer.get(), length, needed));
+    return m_end >= end;
+}
+
+// Doubles the block while the walk goes on where the last block ended, and starts small elsewhere.
+void CBlockReader::ChooseBlock(bool goesOn) {
+    m_block = goesOn ? std::min(m_block * 2, kLargestBlock) : kSmallestBlock;
+    m_block = std::max(m_block, kSmallestBlock);
+    const bool sequential = m_block == kLargestBlock || (m_adviseSequential && m_block != kSmallestBlock);
+    if (sequential == m_adviseSequential) return;
+    m_adviseSequential = sequential;
+    posix_fadvise(m_handle, 0, 0, sequential ? POSIX_FADV_SEQUENTIAL : POSIX_FADV_RANDOM);
+}
+
+// Memory for `length` bytes. Beyond the usual block only if the file reaches as far as `end`: a size that a
+// damaged packet states costs no memory.
+bool CBlockReader::Reserve(std::size_t length, std::int64_t end) {
+    if (length <= m_capacity) return true;
+    const std::size_t usual = kLargestBlock + kPage;
+    if (length > usual && GetFileSize() < end) return false;
+    const std::size_t capacity = std::max(length, usual);
+    m_begin = m_end = 0;
+    m_buffer.reset();
+    m_buffer.reset(static_cast<std::uint8_t*>(std::aligned_alloc(kPage, capacity)));
+    m_capacity = m_buffer ? capacity : 0;
+    return m_buffer != nullptr;
+}
+
+} // namespace Persistance_Xpf

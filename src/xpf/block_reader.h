@@ -1,0 +1,78 @@
+// The file pointer of a packet file over blocks read ahead, so that a walk costs no system call per packet.
+//
+// One window of the file is held. It is replaced whenever bytes outside it are wanted, and then read anew
+// from the page of the first wanted byte on: what a writer has appended since is seen, and the two halves of
+// a packet never come from two moments. Bytes inside the window are as old as the window: Forget() before a
+// look at what a writer may have changed. Windows start at multiples of a page and grow while the walk is a
+// sequential one, so that scattered accesses cost a few pages and long walks run at memory speed. Read with
+// pread and not mapped, because a file that shrinks then gives a short count instead of a signal. Not
+// thread-safe.
+#pragma once
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+
+namespace Persistance_Xpf {
+
+class CBlockReader {
+  public:
+    // The most that one View can give.
+    static constexpr std::size_t kLargestView = std::size_t{64} << 20;
+    // No file is longer; keeps every sum of an offset and a 32-bit length within 64 bits.
+    static constexpr std::int64_t kLargestOffset = std::int64_t{1} << 62;
+
+    CBlockReader() = default;
+    ~CBlockReader() { Close(); }
+    CBlockReader(const CBlockReader&) = delete;
+    CBlockReader& operator=(const CBlockReader&) = delete;
+
+    // A regular file only. Closes the one that was open.
+    bool Open(const std::filesystem::path& path);
+    void Close();
+    bool IsOpen() const { return m_handle >= 0; }
+    // 0 on failure.
+    std::int64_t GetFileSize() const;
+
+    std::int64_t GetPosition() const { return m_position; }
+    // False while closed and for an offset out of range; beyond the end of the file is allowed.
+    bool Seek(std::int64_t offset);
+    // Moves the pointer by the count read, short at the end of the file.
+    std::size_t Read(void* buffer, std::size_t size);
+
+    // `size` bytes of the file from `offset` on; null when the file does not hold them all. Valid until the
+    // next call. The file pointer stays.
+    const std::uint8_t* View(std::int64_t offset, std::size_t size) {
+        if (Holds(offset, size)) return m_buffer.get() + (offset - m_begin);
+        return Load(offset, size) ? m_buffer.get() + (offset - m_begin) : nullptr;
+    }
+    // A few bytes copied without moving the window; false when the file does not hold them. For a look far
+    // off from where the walk goes on.
+    bool Probe(std::int64_t offset, void* buffer, std::size_t size) const;
+
+    void Forget();
+
+  private:
+    struct SFree {
+        void operator()(std::uint8_t* bytes) const { std::free(bytes); }
+    };
+
+    bool Holds(std::int64_t offset, std::size_t size) const {
+        return offset >= m_begin && m_end - offset >= static_cast<std::int64_t>(size);
+    }
+    bool Load(std::int64_t offset, std::size_t size);
+    void ChooseBlock(bool goesOn);
+    bool Reserve(std::size_t length, std::int64_t end);
+
+    int m_handle = -1;
+    std::int64_t m_position = 0;
+    std::int64_t m_begin = 0; // the window in the file
+    std::int64_t m_end = 0;
+    std::unique_ptr<std::uint8_t, SFree> m_buffer;
+    std::size_t m_capacity = 0;
+    std::size_t m_block = 0;         // size of the last block
+    bool m_adviseSequential = false; // what the system was told
+};
+
+} // namespace Persistance_Xpf

@@ -1,0 +1,160 @@
+#include "xpf/channel.h"
+
+#include "xpf/block_reader.h"
+#include "xpf/file.h"
+#include "xpf/packet.h"
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace Persistance_Xpf {
+
+namespace {
+
+// Packets above this are not taken from the block but read into the caller's buffer.
+constexpr std::size_t kLargestInBlock = std::size_t{64} << 10;
+
+} // namespace
+
+CXpfChannel::CXpfChannel(CXpfFile& file, std::uint16_t number, std::string name, std::string description,
+                         std::uint32_t packetType)
+    : m_number(number),
+      m_name(std::move(name)),
+      m_description(std::move(description)),
+      m_packetType(packetType),
+      m_file(file) {}
+
+std::unique_ptr<CXpfPacket> CXpfChannel::CreatePacket() const { return nullptr; }
+
+bool CXpfChannel::ReadNextPacket(std::uint32_t& sizeRead, SPacketHeader* header, void* buffer,
+                                 std::uint32_t bufferSize) {
+    sizeRead = 0;
+    if (!m_current.IsKnown() && !SeekFirstPacket(nullptr)) return false;
+    CBlockReader& reader = *m_file.m_reader;
+    std::int64_t position = m_current.Get();
+    if (!reader.Seek(position)) return false;
+
+    SPacketHeader found;
+    const bool reached = m_file.WalkToChannel(m_number, position, found);
+    reader.Seek(position);
+    if (!reached) return false;
+    m_current = position;
+
+    // The trailer is only read, never compared: a whole packet has been written once its last byte is there.
+    // Behind a payload that is cut by a small buffer, the bytes in its place serve as well.
+    const std::uint32_t count = std::min(bufferSize, found.GetPayloadSize());
+    const std::size_t length = std::size_t{kPacketOverhead} + count;
+    if (length <= kLargestInBlock) {
+        const std::uint8_t* packet = reader.View(position, length);
+        if (!packet) return false;
+        if (count > 0) std::memcpy(buffer, packet + kPacketHeaderSize, count);
+        reader.Seek(position + static_cast<std::int64_t>(length));
+    } else {
+        SPacketTrailer trailer;
+        reader.Seek(position + kPacketHeaderSize);
+        if (reader.Read(buffer, count) != count || reader.Read(&trailer, sizeof trailer) != sizeof trailer) {
+            reader.Seek(position);
+            return false;
+        }
+    }
+    sizeRead = count;
+    if (position > m_last.Get()) m_last = position;
+    m_previous = position;
+    if (header) *header = found;
+
+    // Without a link this packet was the last of its channel when it was read; the next read walks on from
+    // behind it through whatever the writer has appended since.
+    m_current = position + (found.forwardLink != 0 ? found.forwardLink : found.size);
+    return found.forwardLink == 0 || reader.Seek(m_current.Get());
+}
+
+bool CXpfChannel::ReadNextPacket(CXpfPacket& packet, SPacketHeader* header) {
+    std::uint32_t sizeRead = 0;
+    return ReadNextPacket(sizeRead, header, packet.GetPayload(), packet.GetPayloadSize());
+}
+
+bool CXpfChannel::MoveTo(std::int64_t position, std::int64_t previous) {
+    if (!m_file.Seek(position)) return false;
+    m_current = position;
+    m_previous = previous;
+    return true;
+}
+
+bool CXpfChannel::SeekFirstPacket(SPacketHeader* header) {
+    SPacketHeader found;
+    bool done = false;
+    if (!m_first.IsKnown()) {
+        done = FindFirstPacket(found);
+    } else if (m_file.Seek(m_first.Get())) {
+        m_current = m_first;
+        done = !header || m_file.ReadHeaderAt(m_first.Get(), found);
+    }
+    m_previous = 0;
+    if (!done)
+        m_current = m_first = 0;
+    else if (header)
+        *header = found;
+    return done;
+}
+
+bool CXpfChannel::FindFirstPacket(SPacketHeader& header) {
+    const CXpfFilePosition start = m_file.GetDataStart();
+    std::int64_t position = start.Get();
+    if (!start.IsKnown() || !m_file.WalkToChannel(m_number, position, header)) return false;
+    m_first = m_current = position;
+    return m_file.Seek(position);
+}
+
+bool CXpfChannel::SeekLastPacket(SPacketHeader* header) {
+    m_previous = 0;
+    SPacketHeader found;
+    if (!FindLastPacket(found)) return false;
+    if (header) *header = found;
+    return true;
+}
+
+bool CXpfChannel::FindLastPacket(SPacketHeader& header) {
+    // What was read ahead may be older than the writer's last link.
+    m_file.m_reader->Forget();
+    if (m_last.IsKnown()) {
+        if (!m_file.ReadHeaderAt(m_last.Get(), header) || !header.Check()) return false;
+        if (header.forwardLink == 0) {
+            m_current = m_last;
+            return m_file.Seek(m_last.Get());
+        }
+    }
+
+    std::int64_t position = 0;
+    if (!FindStreamEnd(position, header)) return false;
+    while (header.channel != m_number) {
+        // The trailer in front of a packet tells where the one before it begins.
+        const std::int64_t end = position;
+        const std::uint8_t* bytes = m_file.m_reader->View(end - kPacketTrailerSize, kPacketTrailerSize);
+        if (!bytes) return false;
+        SPacketTrailer trailer;
+        std::memcpy(&trailer, bytes, sizeof trailer);
+        if (!trailer.CheckMagic()) return false;
+        position = end - trailer.size;
+        if (!m_file.ReadHeaderAt(position, header) || !trailer.Matches(header)) return false;
+    }
+    m_current = m_last = position;
+    return m_file.Seek(position);
+}
+
+bool CXpfChannel::FindStreamEnd(std::int64_t& position, SPacketHeader& header) {
+    const std::int64_t fileSize = m_file.GetFileSize();
+    if (fileSize == 0) return false;
+    SPacketTrailer trailer;
+    if (m_file.m_reader->Probe(fileSize - kPacketTrailerSize, &trailer, sizeof trailer) &&
+        trailer.CheckMagic()) {
+        position = fileSize - trailer.size;
+        if (m_file.ReadHeaderAt(position, header) && trailer.Matches(header)) return true;
+    }
+    // The tail is damaged, or being written just now.
+    if (!m_file.Seek(fileSize) || !m_file.SearchPacketBackward(header)) return false;
+    position = m_file.GetPosition();
+    return true;
+}
+
+} // namespace Persistance_Xpf

@@ -1,0 +1,141 @@
+#include "xpf/file.h"
+
+#include "xpf/block_reader.h"
+#include "xpf/table_file.h"
+
+#include <cstring>
+
+namespace Persistance_Xpf {
+
+CXpfFile::CXpfFile() : m_reader(std::make_unique<CBlockReader>()) {}
+
+CXpfFile::~CXpfFile() = default;
+
+bool CXpfFile::Open(const std::filesystem::path& path) {
+    m_dataStart = CXpfFilePosition();
+    return m_reader->Open(path);
+}
+
+bool CXpfFile::ReadFileHeader(bool& outdated, HeaderBuffer&) {
+    outdated = false;
+    return false;
+}
+
+CXpfFilePosition CXpfFile::GetDataStart() {
+    if (m_dataStart.IsKnown()) return m_dataStart;
+    std::uint16_t channelCount = 0, definitionCount = 0;
+    const std::uint8_t* header = m_reader->View(0, kFileHeaderSize);
+    if (!header) return {};
+    std::memcpy(&channelCount, header + kChannelCountOffset, sizeof channelCount);
+    std::memcpy(&definitionCount, header + kDefinitionCountOffset, sizeof definitionCount);
+
+    std::int64_t position = kFileHeaderSize + std::int64_t{channelCount} * kChannelRecordSize;
+    for (std::uint32_t i = 0; i < definitionCount; ++i) {
+        const std::uint8_t* record = m_reader->View(position, kDefinitionRecordSize);
+        if (!record) return {};
+        std::uint16_t fieldCount = 0;
+        std::memcpy(&fieldCount, record + 6, sizeof fieldCount);
+        position += kDefinitionRecordSize + std::int64_t{fieldCount} * kFieldRecordSize;
+    }
+    if (position > m_reader->GetFileSize()) return {};
+    return m_dataStart = position;
+}
+
+std::int64_t CXpfFile::GetFileSize() const { return m_reader->GetFileSize(); }
+
+std::int64_t CXpfFile::GetPosition() const { return m_reader->GetPosition(); }
+
+bool CXpfFile::Seek(std::int64_t offset) { return m_reader->Seek(offset); }
+
+std::size_t CXpfFile::Read(void* buffer, std::size_t size) { return m_reader->Read(buffer, size); }
+
+EPacketRead CXpfFile::ReadPacket(SPacketHeader& header, std::span<const std::uint8_t>& payload) {
+    const std::int64_t position = m_reader->GetPosition();
+    if (!ReadHeaderAt(position, header)) return EPacketRead::torn;
+    if (!header.Check()) {
+        m_reader->Forget(); // so that a later try sees what the writer has made of it
+        return EPacketRead::damaged;
+    }
+    if (header.size > CBlockReader::kLargestView) return ReadHugePacket(header, payload);
+
+    const std::uint8_t* packet = m_reader->View(position, header.size);
+    if (!packet) return EPacketRead::torn;
+    SPacketTrailer trailer;
+    std::memcpy(&trailer, packet + header.size - kPacketTrailerSize, sizeof trailer);
+    if (!trailer.Matches(header)) {
+        m_reader->Forget();
+        return EPacketRead::damaged;
+    }
+    payload = {packet + kPacketHeaderSize, header.GetPayloadSize()};
+    m_reader->Seek(position + header.size);
+    return EPacketRead::whole;
+}
+
+EPacketRead CXpfFile::ReadHugePacket(const SPacketHeader& header, std::span<const std::uint8_t>& payload) {
+    const std::int64_t position = m_reader->GetPosition();
+    SPacketTrailer trailer;
+    if (!m_reader->Probe(position + header.size - kPacketTrailerSize, &trailer, sizeof trailer))
+        return EPacketRead::torn;
+    if (!trailer.Matches(header)) return EPacketRead::damaged;
+    const std::uint8_t* packet = m_reader->View(position, CBlockReader::kLargestView);
+    if (!packet) return EPacketRead::torn;
+    payload = {packet + kPacketHeaderSize, CBlockReader::kLargestView - kPacketHeaderSize};
+    m_reader->Seek(position + header.size);
+    return EPacketRead::whole;
+}
+
+bool CXpfFile::ReadHeaderAt(std::int64_t position, SPacketHeader& header) {
+    const std::uint8_t* bytes = m_reader->View(position, kPacketHeaderSize);
+    if (bytes) std::memcpy(&header, bytes, sizeof header);
+    return bytes != nullptr;
+}
+
+bool CXpfFile::IsPacket(std::int64_t position, const SPacketHeader& header) {
+    SPacketTrailer trailer;
+    return header.Check() &&
+           m_reader->Probe(position + header.size - kPacketTrailerSize, &trailer, sizeof trailer) &&
+           trailer.Matches(header);
+}
+
+bool CXpfFile::WalkToChannel(std::uint16_t channel, std::int64_t& position, SPacketHeader& header) {
+    for (;;) {
+        if (!ReadHeaderAt(position, header)) return false;
+        // Nothing shorter than its own frame is a packet, and a size of 0 would hold the walk here for ever.
+        if (header.size < kPacketOverhead) {
+            m_reader->Forget(); // it may be a place that the writer has yet to fill
+            return false;
+        }
+        if (header.channel == channel) return true;
+        position += header.size;
+    }
+}
+
+CXpfChannel* CXpfFile::FindChannelByName(std::string_view) { return nullptr; }
+
+CXpfChannel* CXpfFile::FindChannelByNumber(std::uint16_t) { return nullptr; }
+
+std::uint32_t CXpfFile::GetStatusFieldCount(std::uint16_t) const { return 0; }
+
+bool CXpfFile::GetStatusField(std::uint16_t, std::uint32_t, std::string&, std::string&,
+                              std::uint32_t&) const {
+    return false;
+}
+
+bool CXpfFile::GetStatusLiteral(std::uint16_t, std::uint32_t, std::uint32_t, std::string&,
+                                std::string&) const {
+    return false;
+}
+
+std::unique_ptr<CXpfFile> OpenXpfFile(const std::filesystem::path& path, EFileKind kind, bool& outdated) {
+    outdated = false;
+    std::unique_ptr<CXpfFile> file;
+    if (kind == EFileKind::tarin)
+        file = std::make_unique<CXpfTarinFileV3>();
+    else
+        file = std::make_unique<CXpfTaroutFileV2>();
+    CXpfFile::HeaderBuffer header;
+    if (!file->Open(path) || !file->ReadFileHeader(outdated, header)) return nullptr;
+    return file;
+}
+
+} // namespace Persistance_Xpf

@@ -1,0 +1,77 @@
+// Finding one's bearings in a stream that is damaged, or entered at an arbitrary byte.
+
+#include "xpf/block_reader.h"
+#include "xpf/file.h"
+
+#include <algorithm>
+
+namespace Persistance_Xpf {
+
+namespace {
+
+constexpr std::int64_t kChunkSize = 128;
+
+} // namespace
+
+bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
+    const std::int64_t origin = m_reader->GetPosition();
+    std::uint8_t chunk[kChunkSize];
+    bool afterDollar = false; // the byte after the present one is a dollar sign
+    for (std::int64_t chunkEnd = std::min(origin, GetFileSize());;) {
+        const std::int64_t length = std::min(chunkEnd, kChunkSize);
+        const std::int64_t chunkStart = chunkEnd - length;
+        if (length < 2) break;
+        if (!m_reader->Seek(chunkStart)) break;
+        // Less than asked for only when the file shrinks meanwhile.
+        const auto count = static_cast<std::int64_t>(m_reader->Read(chunk, static_cast<std::size_t>(length)));
+        if (count < length) afterDollar = false;
+        for (std::int64_t i = count - 1; i >= 0; --i) {
+            const bool dollar = chunk[i] == '$';
+            if (dollar && afterDollar) {
+                SPacketHeader candidate;
+                if (!ReadHeaderAt(chunkStart + i, candidate)) {
+                    m_reader->Seek(origin);
+                    return false;
+                }
+                if (IsPacket(chunkStart + i, candidate)) {
+                    header = candidate;
+                    return m_reader->Seek(chunkStart + i);
+                }
+            }
+            afterDollar = dollar;
+        }
+        chunkEnd = chunkStart;
+    }
+    m_reader->Seek(origin);
+    return false;
+}
+
+bool CXpfFile::SearchPacketForward(SPacketHeader& header) {
+    std::int64_t chunkOffset = m_reader->GetPosition();
+    std::uint8_t chunk[kChunkSize];
+    bool afterDollar = false; // the byte before the present one is a dollar sign
+    while (const std::size_t count = m_reader->Read(chunk, kChunkSize)) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const bool dollar = chunk[i] == '$';
+            if (dollar && afterDollar) {
+                const std::int64_t position = chunkOffset + static_cast<std::int64_t>(i) - 1;
+                SPacketHeader candidate;
+                // Candidates only move on: where one no longer fits into the file, no later one does.
+                if (!ReadHeaderAt(position, candidate)) return false;
+                if (IsPacket(position, candidate)) {
+                    header = candidate;
+                    return m_reader->Seek(position);
+                }
+                m_reader->Seek(chunkOffset);
+            }
+            afterDollar = dollar;
+        }
+        // After a rejected candidate the pointer stands at this chunk's start, so that the next read gives
+        // the same bytes under an offset one chunk further on. Readers of these files have always searched
+        // like this, and which packet a search lands on is part of their behaviour.
+        chunkOffset += static_cast<std::int64_t>(count);
+    }
+    return false;
+}
+
+} // namespace Persistance_Xpf
