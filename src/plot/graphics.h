@@ -40,14 +40,15 @@ struct SRect {
 };
 
 enum class StringAlignment { Near, Center, Far };
-// What happens to text that does not fit its box: cut anywhere, or after the last word that fits.
-enum class StringTrimming { None = 0, Character = 1, Word = 2 };
+// What becomes of lines of text beyond the height of their box: None draws them all, Word leaves them out, so
+// that the text ends after the last word that fits.
+enum class StringTrimming { None = 0, Word = 2 };
 
 struct SStringFormat {
     StringAlignment align = StringAlignment::Near;     // along the line
     StringAlignment lineAlign = StringAlignment::Near; // across the lines
-    StringTrimming trimming = StringTrimming::Character;
-    bool noClip = false; // glyphs may stand out of the layout box
+    StringTrimming trimming = StringTrimming::None;
+    bool noClip = false; // text may stand out of its box
 };
 
 enum class TextRenderingHint { SystemDefault = 0, AntiAlias = 4 };
@@ -95,8 +96,8 @@ class CGraphics {
     // there.
     void DrawString(std::string_view text, const QFont& font, SPoint anchor, const SStringFormat& format,
                     Colour colour);
-    // Text broken into lines at the width of `box`; lines that do not fit its height are left out, except the
-    // first.
+    // Text broken into lines at the width of `box`, between words where it can. The first line is always
+    // drawn.
     void DrawString(std::string_view text, const QFont& font, const SRect& box, const SStringFormat& format,
                     Colour colour);
     // The rectangle that DrawString of the same arguments covers.
@@ -111,16 +112,20 @@ class CGraphics {
 
   private:
     bool Begin(bool drawable);
-    SRect Sight() const;
+    // What can be seen, and `margin` pixels about it, in the present coordinates.
+    SRect Sight(float margin) const;
     bool FillColumns(const QBrush& brush, std::span<const SPoint> points);
+    QPen ThinPen(const QPen& pen, std::size_t pointCount);
     void DrawPolyline();
 
     QPainter* m_painter = nullptr; // not owned
-    SRect m_clip;
     bool m_clipped = false;
+    SRect m_clip;
+    QTransform m_clipTransform; // the one under which the clip was set
     TextRenderingHint m_textHint = TextRenderingHint::SystemDefault;
     Status m_status = Ok;
-    std::vector<QPointF> m_line; // reused by every polyline of a paint
+    std::vector<QPointF> m_line;    // reused by every polyline of a paint
+    std::vector<QPointF> m_strokes; // offsets of the further strokes of a polyline
 };
 
 } // namespace Outils_Plot2D

@@ -24,7 +24,7 @@ class CPlot2DLegend : public CPlot2DArea {
   private:
     template <class Visitor>
     void ForEachRow(const CGraphics& graphics, Visitor&& visit) const;
-    void DrawRow(CGraphics& graphics, const CPlot2DSerie& serie, const SRect& box);
+    void DrawRow(CGraphics& graphics, const CPlot2DSerie& serie, const SRect& box, float height);
 
     CPlot2D& m_plot; // not owned
     CPlot2DPen m_markerPen;

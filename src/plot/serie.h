@@ -88,6 +88,9 @@ class CPlot2DSerieChronogram : public CPlot2DSerie {
     const CPlot2DSolidBrush& GetBrush() const { return m_brush; }
 
   private:
+    void DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source);
+    void DrawSteps(CGraphics& graphics);
+
     std::vector<SPoint> m_steps; // kept between paints
     CPlot2DPen m_pen;
     CPlot2DSolidBrush m_brush;

@@ -1,0 +1,234 @@
+#include "plot/graphics.h"
+
+#include "plot/clipping.h"
+
+#include <QBrush>
+#include <QPaintEngine>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPen>
+#include <QPolygonF>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Outils_Plot2D {
+
+namespace {
+
+// Cut ends must lie out of sight with the width of the pen.
+constexpr float kLineMargin = 64.0f;
+// Shapes are moved to this distance rather than cut, far enough for what is seen of their edges to stay
+// straight.
+constexpr float kShapeMargin = 4096.0f;
+
+// From here on a polyline is worth thinning, and up to this width in pixels its strokes are.
+constexpr std::size_t kLongLine = 100;
+constexpr int kWidestStrokes = 4;
+
+QPointF ToNative(SPoint point) { return {point.x, point.y}; }
+QRectF ToNative(const SRect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
+
+// Control points of a cardinal spline lie along the chord of the neighbours, a third of the tension away.
+constexpr double kSplineReach = 0.5 / 3.0;
+
+void AddSpline(QPainterPath& path, std::span<const QPointF> points) {
+    if (points.size() < 2) return;
+    path.moveTo(points[0]);
+    for (std::size_t i = 0; i + 1 < points.size(); ++i) {
+        const QPointF before = points[i == 0 ? 0 : i - 1];
+        const QPointF after = points[std::min(i + 2, points.size() - 1)];
+        path.cubicTo(points[i] + (points[i + 1] - before) * kSplineReach,
+                     points[i + 1] - (after - points[i]) * kSplineReach, points[i + 1]);
+    }
+}
+
+} // namespace
+
+CGraphics::CGraphics(QPainter& painter) : m_painter(&painter) {
+    m_painter->setRenderHint(QPainter::Antialiasing, false);
+}
+
+bool CGraphics::Begin(bool drawable) {
+    m_status = !m_painter || !m_painter->isActive() ? GenericError : drawable ? Ok : InvalidParameter;
+    return m_status == Ok;
+}
+
+QTransform CGraphics::GetTransform() const { return m_painter ? m_painter->worldTransform() : QTransform(); }
+
+void CGraphics::SetTransform(const QTransform& transform) {
+    if (Begin(true)) m_painter->setWorldTransform(transform);
+}
+
+void CGraphics::Translate(float dx, float dy) {
+    if (Begin(IsFinite(SPoint{dx, dy}))) m_painter->translate(dx, dy);
+}
+
+void CGraphics::SetClipRect(const SRect& rect) {
+    if (!Begin(true)) return;
+    m_clip = IsFinite(rect) ? ClampInto(rect, kEverything) : SRect{};
+    m_clipTransform = m_painter->worldTransform();
+    m_clipped = true;
+    m_painter->setClipRect(ToNative(m_clip));
+}
+
+void CGraphics::ResetClip() {
+    if (!Begin(true)) return;
+    m_clipped = false;
+    m_painter->setClipping(false);
+}
+
+SRect CGraphics::Sight(float margin) const {
+    if (!m_clipped) return kEverything;
+    const QTransform now = m_painter->worldTransform();
+    if (now == m_clipTransform) return Expand(m_clip, margin);
+    const QRectF moved = (m_clipTransform * now.inverted()).mapRect(ToNative(m_clip));
+    return Expand({static_cast<float>(moved.x()), static_cast<float>(moved.y()),
+                   static_cast<float>(moved.width()), static_cast<float>(moved.height())},
+                  margin);
+}
+
+void CGraphics::SetTextRenderingHint(TextRenderingHint hint) {
+    m_textHint = hint;
+    // The system's own rendering is antialiased as well; a painter begins that way.
+    if (Begin(true)) m_painter->setRenderHint(QPainter::TextAntialiasing, true);
+}
+
+void CGraphics::DrawLine(const QPen& pen, SPoint from, SPoint to) {
+    if (!Begin(IsFinite(from) && IsFinite(to)) || !ClipSegment(from, to, Sight(kLineMargin))) return;
+    m_painter->setPen(pen);
+    m_painter->drawLine(ToNative(from), ToNative(to));
+}
+
+void CGraphics::DrawPolyline() {
+    const int count = static_cast<int>(m_line.size());
+    if (count > 1) m_painter->drawPolyline(m_line.data(), count);
+    for (const QPointF shift : m_strokes) {
+        m_painter->translate(shift);
+        m_painter->drawPolyline(m_line.data(), count);
+        m_painter->translate(-shift);
+    }
+    m_line.clear();
+}
+
+// A line of several pixels costs the pixel painter tens of times one of a single pixel. A long polyline, as
+// on a screen of double resolution, is therefore drawn a pixel wide, and again beside itself: `m_strokes`
+// says where.
+QPen CGraphics::ThinPen(const QPen& pen, std::size_t pointCount) {
+    m_strokes.clear();
+    const QTransform toDevice = m_painter->deviceTransform();
+    if (pointCount < kLongLine || m_painter->paintEngine()->type() != QPaintEngine::Raster ||
+        toDevice.type() > QTransform::TxScale)
+        return pen;
+    const double scale = std::max(std::fabs(toDevice.m11()), std::fabs(toDevice.m22()));
+    const int width = static_cast<int>(std::lround(std::min(pen.widthF() * scale, kWidestStrokes + 1.0)));
+    if (pen.isCosmetic() || width > kWidestStrokes) return pen;
+    QPen thin = pen;
+    thin.setWidth(0);
+    for (int i = 1; i < width; ++i) {
+        const int step = i % 2 ? (i + 1) / 2 : -i / 2;
+        m_strokes.emplace_back(step / toDevice.m11(), 0);
+        m_strokes.emplace_back(0, step / toDevice.m22());
+    }
+    return thin;
+}
+
+void CGraphics::DrawLines(const QPen& pen, std::span<const SPoint> points) {
+    if (!Begin(points.size() > 1)) return;
+    const SRect sight = Sight(kLineMargin);
+    m_painter->setPen(ThinPen(pen, points.size()));
+    m_line.clear();
+    m_line.reserve(points.size());
+    bool connected = false, wasInside = false;
+    SPoint previous;
+    for (const SPoint point : points) {
+        const bool finite = IsFinite(point);
+        const bool inside = finite && sight.Contains(point);
+        if (!finite)
+            DrawPolyline();
+        else if (inside && (wasInside || !connected))
+            m_line.push_back(ToNative(point));
+        else if (connected) {
+            SPoint from = previous, to = point;
+            if (ClipSegment(from, to, sight)) {
+                if (!wasInside) m_line.push_back(ToNative(from));
+                m_line.push_back(ToNative(to));
+            }
+            if (!inside) DrawPolyline();
+        }
+        connected = finite;
+        wasInside = inside;
+        previous = point;
+    }
+    DrawPolyline();
+}
+
+void CGraphics::DrawCurve(const QPen& pen, std::span<const SPoint> points) {
+    if (!Begin(points.size() > 1)) return;
+    const SRect sight = Sight(kShapeMargin);
+    QPainterPath path;
+    m_line.clear();
+    for (const SPoint point : points) {
+        if (IsFinite(point)) {
+            m_line.push_back(ToNative(ClampInto(point, sight)));
+            continue;
+        }
+        AddSpline(path, m_line);
+        m_line.clear();
+    }
+    AddSpline(path, m_line);
+    m_painter->strokePath(path, pen);
+}
+
+void CGraphics::FillPolygon(const QBrush& brush, std::span<const SPoint> points) {
+    const bool finite = std::all_of(points.begin(), points.end(), [](SPoint p) { return IsFinite(p); });
+    if (!Begin(points.size() > 2 && finite) || FillColumns(brush, points)) return;
+    const SRect sight = Sight(kShapeMargin);
+    m_line.clear();
+    for (const SPoint point : points) {
+        const QPointF held = ToNative(ClampInto(point, sight));
+        if (m_line.empty() || m_line.back() != held) m_line.push_back(held);
+    }
+    m_painter->setPen(Qt::NoPen);
+    m_painter->setBrush(brush);
+    m_painter->drawPolygon(m_line.data(), static_cast<int>(m_line.size()), Qt::OddEvenFill);
+    m_painter->setBrush(Qt::NoBrush);
+}
+
+// On devices made of pixels a polygon of thousands of edges is filled several times faster as columns; vector
+// devices get the polygon itself, which is the smaller output.
+bool CGraphics::FillColumns(const QBrush& brush, std::span<const SPoint> points) {
+    const QTransform toDevice = m_painter->deviceTransform();
+    if (!m_clipped || m_painter->paintEngine()->type() != QPaintEngine::Raster ||
+        toDevice.type() > QTransform::TxScale)
+        return false;
+    m_line.clear();
+    for (const SPoint point : points)
+        m_line.emplace_back(point.x * toDevice.m11() + toDevice.dx(),
+                            point.y * toDevice.m22() + toDevice.dy());
+    const QRect bounds = toDevice.mapRect(ToNative(Sight(0))).toAlignedRect();
+    std::vector<QRect> rects;
+    if (!PolygonToColumns(m_line, bounds, rects)) return false;
+    const QTransform world = m_painter->worldTransform();
+    // Whatever stands between the world and the device (pixel ratio, redirection) is undone by its inverse.
+    m_painter->setWorldTransform((world.inverted() * toDevice).inverted());
+    m_painter->setPen(Qt::NoPen);
+    m_painter->setBrush(brush);
+    m_painter->drawRects(rects.data(), static_cast<int>(rects.size()));
+    m_painter->setBrush(Qt::NoBrush);
+    m_painter->setWorldTransform(world);
+    return true;
+}
+
+void CGraphics::FillRectangle(const QBrush& brush, const SRect& rect) {
+    if (Begin(IsFinite(rect))) m_painter->fillRect(ToNative(ClampInto(rect, Sight(kShapeMargin))), brush);
+}
+
+void CGraphics::DrawRectangle(const QPen& pen, const SRect& rect) {
+    if (!Begin(IsFinite(rect))) return;
+    m_painter->setPen(pen);
+    m_painter->setBrush(Qt::NoBrush);
+    m_painter->drawRect(ToNative(ClampInto(rect, Sight(kShapeMargin))));
+}
+
+} // namespace Outils_Plot2D
