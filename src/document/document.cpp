@@ -1,0 +1,150 @@
+#include "document/document.h"
+
+#include "config/config_file.h"
+#include "document/text_ids.h"
+#include "foundation/archive.h"
+#include "foundation/files.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+#include "model/registration.h"
+
+namespace Application_Tarvel {
+
+using namespace Outils_Objets;
+using Outils_Fichiers::ToText;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
+
+namespace {
+
+// A project of ten thousand instructions of each kind takes some megabytes: what exceeds this is no project.
+constexpr std::uint64_t kMaximumProjectSize = std::uint64_t{1} << 30;
+
+} // namespace
+
+CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
+                           const Outils_Configuration::CTrvCnfConfigFile& configuration)
+    : CDocumentEx(host), m_configuration(configuration), m_messageWnd(target), m_queryManager(target) {}
+
+CTrvDocument::~CTrvDocument() { DeleteContents(); }
+
+SChannelAddress CTrvDocument::GetAddress(const CTrvDataFile& file, std::uint16_t channel) const {
+    using Persistance_Xpf::EFileKind;
+    return {file.path, IsResultFile(file) ? EFileKind::tarout : EFileKind::tarin, channel};
+}
+
+bool CTrvDocument::OnNewEmptyDocument() {
+    m_bParametersChanged = false;
+    return CDocumentEx::OnNewDocument();
+}
+
+bool CTrvDocument::NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path) {
+    if (RefuseWhileRunning(textStopBeforeClose) || !NewDocument()) return false;
+    const CWaitCursor wait(GetHost());
+    m_pProject = std::move(project);
+    RebuildDataModel();
+    StartAnalysis(*m_pProject->simulationParameters->mainInputFile);
+    SearchFirstData();
+    WatchFiles();
+    ReadRecordingFacts();
+    const bool saved = DoSave(path, true);
+    UpdateAllViews(nullptr, hintRefresh);
+    return saved;
+}
+
+bool CTrvDocument::OnOpenDocument(const std::filesystem::path& path) {
+    const CWaitCursor wait(GetHost());
+    m_bParametersChanged = false;
+    if (!CDocumentEx::OnOpenDocument(path)) {
+        SetModifiedFlag(true);
+        return false;
+    }
+    if (!m_pProject) return true;
+    CheckDataFileVersions();
+    RebuildDataModel();
+    for (CTrvDataFile* file : GetDataFiles()) StartAnalysis(*file);
+    WatchFiles();
+    ReadRecordingFacts();
+    return true;
+}
+
+bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
+    if (m_pProject) {
+        // The result file always follows the project file's name.
+        CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
+        const auto result = Outils_Fichiers::WithExtension(path, GetText(textOutputExtension));
+        if (output.path != result) {
+            output.path = result;
+            UpdateAllViews(nullptr, hintOutputFileNameChanged);
+            StopAnalysis(output, true);
+            if (m_fileMonitor) {
+                m_fileMonitor->Unwatch(&output);
+                m_fileMonitor->Watch(&output, output.path);
+            }
+        }
+    }
+    if (!CDocumentEx::OnSaveDocument(path)) return false;
+    m_bParametersChanged = false;
+    return true;
+}
+
+void CTrvDocument::DeleteContents() {
+    const CWaitCursor wait(GetHost());
+    StopThreads();
+    m_pProject.reset();
+    for (const auto& file : m_temporaryFiles) {
+        std::error_code ignored;
+        std::filesystem::remove(file, ignored);
+    }
+    m_temporaryFiles.clear();
+    CDocumentEx::DeleteContents();
+}
+
+bool CTrvDocument::CanCloseFrame() {
+    return !RefuseWhileRunning(textStopBeforeExit) && CDocumentEx::CanCloseFrame();
+}
+
+bool CTrvDocument::CommandNew() { return !RefuseWhileRunning(textStopBeforeClose) && NewDocument(); }
+
+bool CTrvDocument::CommandOpen(const std::filesystem::path& path) {
+    return !RefuseWhileRunning(textStopBeforeClose) && OpenDocument(path);
+}
+
+bool CTrvDocument::CommandSaveAs() { return !RefuseWhileRunning(textStopBeforeSaveAs) && SaveAs(); }
+
+bool CTrvDocument::RefuseWhileRunning(int text) {
+    if (!IsSimulationRunning()) return false;
+    GetHost().ShowMessage(std::string(GetText(text)), EButtons::ok, EIcon::exclamation);
+    return true;
+}
+
+void CTrvDocument::ProjectChanged(EHint hint, const CObject* object) {
+    SetModifiedFlag(true);
+    m_bParametersChanged = true;
+    UpdateAllViews(nullptr, hint, object);
+}
+
+void CTrvDocument::LoadFrom(const std::filesystem::path& path) {
+    auto bytes = Outils_Fichiers::ReadWholeFile(path, kMaximumProjectSize);
+    if (!bytes) AfxThrowArchiveException(CArchiveException::generic, ToText(path));
+    CClassRegistry registry;
+    Metier_Tarvel::RegisterModelClasses(registry);
+    CMemoryStream stream(std::move(*bytes));
+    CArchive archive(stream, CArchive::load, &registry, path);
+    m_pProject.reset();
+    m_pProject = CTrvProject::Load(archive);
+}
+
+bool CTrvDocument::StoreTo(const std::filesystem::path& path) {
+    CMemoryStream stream;
+    try {
+        CArchive archive(stream, CArchive::store, nullptr, path);
+        archive.WriteObject(m_pProject.get());
+        archive.Close();
+    } catch (const CArchiveException&) {
+        return false;
+    }
+    return Outils_Fichiers::SaveAtomically(path, stream.GetBytes());
+}
+
+} // namespace Application_Tarvel

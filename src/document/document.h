@@ -1,0 +1,120 @@
+// The one project document: it holds the project, the engine's process, the threads that look at the data
+// files and the query manager. Every edit of the model passes through it, and every change reaches the views
+// from it. GUI thread only; background threads come back through the message target.
+#pragma once
+
+#include "dataaccess/async_query.h"
+#include "dataaccess/data_file_analyzer.h"
+#include "dataaccess/data_file_monitor.h"
+#include "dataaccess/view_queries.h"
+#include "document/document_base.h"
+#include "model/project.h"
+#include "processing/child_processes.h"
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Outils_Configuration {
+class CTrvCnfConfigFile;
+}
+
+namespace Application_Tarvel {
+
+using Metier_Tarvel::CTrvDataFile;
+using Metier_Tarvel::CTrvProject;
+
+class CTrvDocument final : public CDocumentEx {
+  public:
+    // All three must outlive the document.
+    CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
+                 const Outils_Configuration::CTrvCnfConfigFile& configuration);
+    ~CTrvDocument() override;
+
+    // Null for the empty document.
+    CTrvProject* GetProject() const { return m_pProject.get(); }
+    CAsyncQueryManager& GetQueryManager() { return m_queryManager; }
+    const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
+    // Where a query finds a channel of a file of the project.
+    SChannelAddress GetAddress(const CTrvDataFile& file, std::uint16_t channel) const;
+
+    // Takes over a project made from a recording: starts the analysis of its main input file, looks for the
+    // first UTC date and position, and saves it under `path` at once, so that a new project always exists on
+    // disk. The present project is closed first. False when that was refused or the save failed; the project
+    // then stays, unsaved.
+    bool NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path);
+
+    // What every edit does behind its change of the model.
+    void ProjectChanged(EHint hint, const Outils_Objets::CObject* object);
+    // The project changed since the last save or load.
+    bool AreParametersChanged() const { return m_bParametersChanged; }
+
+    // Whether the engine is at work; the first call after its end tells the views.
+    bool IsSimulationRunning();
+    // Starts the engine on the project; true when the run started. Every refusal is told by a message box.
+    bool StartSimulation();
+    // Asks the engine to stop; true when it was found running. A second request more than 5 seconds after the
+    // first offers to terminate it.
+    bool StopSimulation();
+
+    // The commands New, Open and Save As with their guard against a running engine.
+    bool CommandNew();
+    bool CommandOpen(const std::filesystem::path& path);
+    bool CommandSaveAs();
+
+    bool OnNewDocument() override { return OnNewEmptyDocument(); }
+    bool OnNewEmptyDocument();
+    bool OnOpenDocument(const std::filesystem::path& path) override;
+    bool OnSaveDocument(const std::filesystem::path& path) override;
+    void DeleteContents() override;
+    bool CanCloseFrame() override;
+
+  protected:
+    void LoadFrom(const std::filesystem::path& path) override;
+    bool StoreTo(const std::filesystem::path& path) override;
+
+  private:
+    // Refuses with the text while the engine runs.
+    bool RefuseWhileRunning(int text);
+    void EndRun();
+    bool SaveBeforeRun();
+    bool WriteParameterFile(std::filesystem::path& path);
+    void RemoveResult();
+    bool LaunchEngine(const std::filesystem::path& parameterFile);
+
+    // Main input, output and external files, in this order.
+    std::vector<CTrvDataFile*> GetDataFiles() const;
+    // The file of this identity, or null if the project has none (any more).
+    CTrvDataFile* FindDataFile(const void* key) const;
+    bool IsResultFile(const CTrvDataFile& file) const;
+    void RebuildDataModel();
+    void RefreshDataLayers(CTrvDataFile& file);
+    void StartAnalysis(CTrvDataFile& file);
+    // With `reset` the thread is forgotten: the next analysis starts from the beginning of the file.
+    void StopAnalysis(const CTrvDataFile& file, bool reset);
+    void WatchFiles();
+    void StopThreads();
+    void SearchFirstData();
+    void ReadRecordingFacts();
+    void CheckDataFileVersions();
+    void OnChannelFound(const void* key, std::uint16_t channel);
+    void OnFileChanged(EFileChange change, const void* key);
+
+    const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
+    Outils::CMessagePort m_messageWnd; // door for the messages of analysers and monitor
+
+    std::unique_ptr<CTrvProject> m_pProject;
+    Communication_Processus::CProcessMorvex m_process;
+    std::uint32_t m_stopRequests = 0;
+    Outils_Temps::CDateTime m_firstStopTime = Outils_Temps::CDateTime::Invalid();
+    std::vector<std::filesystem::path> m_temporaryFiles; // parameter files, deleted in DeleteContents
+    bool m_bSimulationRunning = false;
+    bool m_bParametersChanged = false;
+
+    std::map<const CTrvDataFile*, std::unique_ptr<CTrvDataFileAnalyzerThread>> m_analyzers;
+    std::unique_ptr<CTrvDataFileMonitorThread> m_fileMonitor; // one for each project
+    CAsyncQueryManager m_queryManager;
+};
+
+} // namespace Application_Tarvel

@@ -1,0 +1,155 @@
+// A run of the engine: how it is prepared, started, noticed to have ended, and stopped.
+#include "document/document.h"
+
+#include "config/config_file.h"
+#include "document/text_ids.h"
+#include "foundation/archive.h"
+#include "foundation/files.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+#include "processing/command_line.h"
+
+#include <algorithm>
+
+namespace Application_Tarvel {
+
+using namespace Outils_Objets;
+using namespace Outils_Temps;
+using Outils_Configuration::Cnf;
+using Outils_Fichiers::FromText;
+using Outils_Fichiers::ToText;
+using Outils_Texte::GetText;
+
+namespace {
+
+constexpr CDateTimeSpan kFreezeTime(5 * kTicksPerSecond);
+
+} // namespace
+
+bool CTrvDocument::IsSimulationRunning() {
+    if (m_process.IsRunning()) return true;
+    EndRun();
+    return false;
+}
+
+void CTrvDocument::EndRun() {
+    if (!m_bSimulationRunning) return;
+    m_bSimulationRunning = false;
+    // What the engine wrote last is on its way to the receiver: the run's last messages belong to the run.
+    m_process.WaitForReceivers();
+    UpdateAllViews(nullptr, hintRunEnded);
+    GetHost().SetProgress(0);
+    GetHost().ShowProgress(false);
+}
+
+bool CTrvDocument::StartSimulation() {
+    const CWaitCursor wait(GetHost());
+    if (!m_pProject || IsSimulationRunning()) return false;
+    m_process.SetNotification(GetHost().GetReceiver());
+    if (!SaveBeforeRun()) return false;
+    if (m_process.ProcessId() != 0) {
+        m_process.WaitForReceivers();
+        m_process.Close();
+    }
+    std::filesystem::path parameterFile;
+    if (!WriteParameterFile(parameterFile)) return false;
+    RemoveResult();
+    return LaunchEngine(parameterFile);
+}
+
+bool CTrvDocument::SaveBeforeRun() {
+    if (!m_bParametersChanged) return true;
+    std::error_code error;
+    const auto& result = m_pProject->simulationParameters->outputFile->path;
+    if (!std::filesystem::exists(result, error)) {
+        const std::string question(GetText(textMustSaveBeforeRun));
+        return GetHost().ShowMessage(question, EButtons::okCancel, EIcon::question) == EAnswer::ok && Save();
+    }
+    switch (GetHost().ShowMessage(std::string(GetText(textResultExists)), EButtons::yesNoCancel,
+                                  EIcon::question)) {
+    case EAnswer::yes: return Save();
+    case EAnswer::no: return SaveAs();
+    default: return false;
+    }
+}
+
+bool CTrvDocument::WriteParameterFile(std::filesystem::path& path) {
+    const auto refuse = [this](int text) {
+        GetHost().ShowMessage(std::string(GetText(text)), EButtons::ok, EIcon::exclamation);
+        return false;
+    };
+    if (m_configuration.Get(Cnf<"simulation/useTempFileName">)) {
+        const auto temporary = Outils_Fichiers::CreateTemporaryFile("SIM");
+        if (!temporary) return refuse(textNoParameterPath);
+        path = *temporary;
+    } else {
+        std::error_code error;
+        const auto folder = std::filesystem::temp_directory_path(error);
+        if (error) return refuse(textNoParameterPath);
+        path = folder / FromText(m_configuration.Get(Cnf<"simulation/fixedFileName">));
+    }
+    CMemoryStream stream;
+    bool written = false;
+    try {
+        CArchive archive(stream, CArchive::store, nullptr, path);
+        archive.WriteObject(m_pProject->simulationParameters.get());
+        archive.Close();
+        written = Outils_Fichiers::WriteWholeFile(path, stream.GetBytes());
+    } catch (const CArchiveException&) {
+    }
+    if (written) return true;
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+    return refuse(textNoParameterFile);
+}
+
+void CTrvDocument::RemoveResult() {
+    CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
+    std::error_code error;
+    if (std::filesystem::exists(output.path, error)) {
+        std::filesystem::remove(output.path, error);
+        StopAnalysis(output, true);
+        RefreshDataLayers(output);
+    }
+    UpdateAllViews(nullptr, hintDataFileContentChanged, &output);
+}
+
+bool CTrvDocument::LaunchEngine(const std::filesystem::path& parameterFile) {
+    const auto engine = (GetHost().GetProgramFolder() / FromText(m_configuration.Get(Cnf<"process/morvex">)))
+                            .lexically_normal();
+    using namespace Communication_Processus;
+    const std::string commandLine =
+        QuoteProgram(ToText(engine)) + " /remote /autostart off " + QuoteArgument(ToText(parameterFile));
+    m_stopRequests = 0;
+    if (!m_process.Open(commandLine, false)) {
+        std::error_code ignored;
+        std::filesystem::remove(parameterFile, ignored);
+        GetHost().ShowMessage(std::string(GetText(textNoProcess)), EButtons::ok, EIcon::exclamation);
+        return false;
+    }
+    m_process.Start();
+    m_temporaryFiles.push_back(parameterFile);
+    m_bSimulationRunning = true;
+    UpdateAllViews(nullptr, hintRunStarted);
+    GetHost().SetProgress(0);
+    GetHost().ShowProgress(true);
+    return true;
+}
+
+bool CTrvDocument::StopSimulation() {
+    const CWaitCursor wait(GetHost());
+    if (!m_pProject || !m_process.IsRunning()) return false;
+    if (m_stopRequests == 0) m_firstStopTime = GetHost().GetTime();
+    m_process.Stop();
+    GetHost().Sleep(std::chrono::milliseconds(200));
+    ++m_stopRequests;
+    if (m_stopRequests > 1 && GetHost().GetTime() - m_firstStopTime > kFreezeTime) {
+        const auto answer =
+            GetHost().ShowMessage(std::string(GetText(textFrozen)), EButtons::okCancel, EIcon::exclamation);
+        if (answer == EAnswer::ok && m_process.IsRunning()) m_process.Terminate();
+    }
+    if (!m_process.IsRunning()) EndRun();
+    return true;
+}
+
+} // namespace Application_Tarvel

@@ -1,0 +1,60 @@
+#include "document/project_creation.h"
+
+#include "document/text_ids.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+#include "xpf/file.h"
+
+namespace Application_Tarvel {
+
+using namespace Metier_Tarvel;
+using Outils_Fichiers::ToText;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
+
+namespace {
+
+// Backward processing is for the equipment that starts its missions without an alignment.
+bool IsBackwardEquipment(std::int32_t equipment) {
+    return equipment == 13 || equipment == 14 || equipment == 15 || equipment == 18;
+}
+
+// Whether the recording can be the main input of a project; the message if not.
+bool CheckRecording(const std::filesystem::path& path, std::string& message) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) {
+        message = FormatText(textRecordingNotFound, {ToText(path)});
+        return false;
+    }
+    bool outdated = false;
+    if (Persistance_Xpf::OpenXpfFile(path, Persistance_Xpf::EFileKind::tarin, outdated)) return true;
+    message = FormatText(outdated ? textRecordingOutdated : textUnknownFileType, {ToText(path)});
+    return false;
+}
+
+} // namespace
+
+std::unique_ptr<CTrvProject> CreateProject(const SNewProject& wanted, std::string& message) {
+    if (!CheckRecording(wanted.recording, message)) return nullptr;
+    const auto result = Outils_Fichiers::WithExtension(wanted.project, GetText(textOutputExtension));
+    auto project = std::make_unique<CTrvProject>(wanted.recording, result);
+    auto& parameters = *project->simulationParameters;
+
+    std::int32_t equipment = 0;
+    if (!parameters.ReadEquipmentCode(equipment)) {
+        message = std::string(GetText(textNoEquipment));
+        return nullptr;
+    }
+    parameters.gpsAltitudeReference = wanted.ellipsoidalGpsAltitude ? altitudeEllipsoid : altitudeGeoid;
+    parameters.nelixConfiguration->type->SetFromEquipment(equipment);
+    parameters.algorithm = IsBackwardEquipment(equipment) ? algorithmBackward : algorithmStandard;
+    parameters.heaveAlgorithm = heaveKelvar;
+    Outils_Temps::CDateTimeSpan first, last;
+    if (parameters.ReadTimeSpan(first, last)) {
+        parameters.begin = ToStoredTime(first);
+        parameters.end = ToStoredTime(last);
+    }
+    return project;
+}
+
+} // namespace Application_Tarvel

@@ -1,0 +1,25 @@
+// One edit of the project as an object. It holds plain pointers to model objects and copies of small values.
+#pragma once
+
+namespace Application_Tarvel {
+
+class CTrvDocument;
+
+class CUserAction {
+  public:
+    virtual ~CUserAction() = default;
+    // Changes the model, marks the document modified and tells the views; false leaves everything as it was.
+    virtual bool Do() = 0;
+    virtual bool Undo() { return true; }
+    virtual bool CanUndo() const { return false; }
+};
+
+class CTrvUserAction : public CUserAction {
+  public:
+    explicit CTrvUserAction(CTrvDocument& document) : m_document(document) {}
+
+  protected:
+    CTrvDocument& m_document;
+};
+
+} // namespace Application_Tarvel
