@@ -1,0 +1,122 @@
+#include "dataaccess/async_query.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+using namespace Application_Tarvel;
+using namespace std::chrono_literals;
+
+namespace {
+
+// A query that runs until it is released or cancelled, and writes down what becomes of it.
+class CScriptedQuery : public CAsyncQuery {
+  public:
+    CScriptedQuery(std::string name, std::vector<std::string>& log, bool waits)
+        : m_name(std::move(name)), m_log(log) {
+        if (!waits) m_go.Set();
+    }
+
+    bool Execute(bool& wasCancelled) override {
+        m_started.Set();
+        m_go.Wait(30s);
+        wasCancelled = m_cancel.IsSet();
+        return m_succeeds;
+    }
+    void RequestCancel() override {
+        m_cancel.Set();
+        m_go.Set();
+    }
+    void OnFinished(bool success) override { m_log.push_back(m_name + (success ? " done" : " failed")); }
+    void OnCancelled() override { m_log.push_back(m_name + " cancelled"); }
+
+    void WaitUntilStarted() { ASSERT_TRUE(m_started.Wait(30s)); }
+    void Release() { m_go.Set(); }
+    bool m_succeeds = true;
+
+  private:
+    std::string m_name;
+    std::vector<std::string>& m_log;
+    Outils::CEvent m_started, m_go, m_cancel;
+};
+
+class AsyncQueries : public testing::Test {
+  protected:
+    std::shared_ptr<CScriptedQuery> Make(std::string name, bool waits = false) {
+        return std::make_shared<CScriptedQuery>(std::move(name), m_log, waits);
+    }
+    void RunUntil(std::size_t count) {
+        ASSERT_TRUE(m_queue.RunUntil([&] { return m_log.size() >= count; }, 30s));
+    }
+
+    Outils::CMessageQueue m_queue;
+    std::vector<std::string> m_log;
+    CAsyncQueryManager m_manager{m_queue};
+};
+
+TEST_F(AsyncQueries, RunInOrderAndReportOnce) {
+    const auto first = Make("first", true), second = Make("second"), third = Make("third");
+    third->m_succeeds = false;
+    m_manager.Submit(first);
+    m_manager.Submit(second);
+    m_manager.Submit(third);
+    m_manager.Submit(second); // queued already
+    first->WaitUntilStarted();
+    m_manager.Submit(first); // running already
+    EXPECT_EQ(first->GetState(), CAsyncQuery::running);
+    EXPECT_EQ(second->GetState(), CAsyncQuery::queued);
+    first->Release();
+    RunUntil(3);
+    EXPECT_EQ(m_log, (std::vector<std::string>{"first done", "second done", "third failed"}));
+    EXPECT_FALSE(m_manager.Cancel(first));
+    EXPECT_EQ(m_queue.RunPending(), 0u);
+}
+
+TEST_F(AsyncQueries, CancelledQueuedAndRunning) {
+    const auto running = Make("running", true), queued = Make("queued"), last = Make("last");
+    m_manager.Submit(running);
+    m_manager.Submit(queued);
+    m_manager.Submit(last);
+    running->WaitUntilStarted();
+    EXPECT_TRUE(m_manager.Cancel(queued));
+    EXPECT_FALSE(m_manager.Cancel(queued));
+    EXPECT_TRUE(m_manager.Cancel(running));
+    EXPECT_TRUE(m_log.empty()); // callbacks come with the messages, never from within Cancel
+    RunUntil(3);
+    EXPECT_EQ(m_log, (std::vector<std::string>{"queued cancelled", "running cancelled", "last done"}));
+    EXPECT_EQ(queued->GetState(), CAsyncQuery::cancelled);
+}
+
+TEST_F(AsyncQueries, TheLoaderStartsAnewForEveryBurst) {
+    for (std::size_t i = 1; i <= 200; ++i) {
+        m_manager.Submit(Make("q"));
+        RunUntil(i);
+    }
+}
+
+TEST_F(AsyncQueries, StopCancelsTheRunningAndKeepsTheQueued) {
+    const auto running = Make("running", true), queued = Make("queued");
+    m_manager.Submit(running);
+    m_manager.Submit(queued);
+    running->WaitUntilStarted();
+    while (!m_manager.Stop()) std::this_thread::yield();
+    EXPECT_EQ(running->GetState(), CAsyncQuery::cancelled);
+    EXPECT_EQ(queued->GetState(), CAsyncQuery::queued);
+    m_manager.Submit(Make("later"));
+    RunUntil(3);
+    EXPECT_EQ(m_log, (std::vector<std::string>{"running cancelled", "queued done", "later done"}));
+}
+
+TEST_F(AsyncQueries, CallbacksOfADestroyedManagerNeverRun) {
+    auto manager = std::make_unique<CAsyncQueryManager>(m_queue);
+    const auto query = Make("query");
+    manager->Submit(query);
+    while (query->GetState() != CAsyncQuery::finished) std::this_thread::yield();
+    manager.reset();
+    m_queue.RunPending();
+    EXPECT_TRUE(m_log.empty());
+}
+
+} // namespace

@@ -1,0 +1,140 @@
+#include "dataaccess/data_file_analyzer.h"
+#include "dataaccess/data_file_monitor.h"
+
+#include "dataaccess/test_recording.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <optional>
+#include <vector>
+
+using namespace Application_Tarvel;
+using namespace std::chrono_literals;
+
+namespace {
+
+class DataFileThreads : public testing::Test {
+  protected:
+    auto Report() {
+        return [this](std::uint16_t channel) { m_channels.push_back(channel); };
+    }
+
+    test::CTemporaryFolder m_folder;
+    Outils::CMessageQueue m_queue;
+    Outils::CMessagePort m_port{m_queue};
+    std::vector<std::uint16_t> m_channels;
+};
+
+TEST_F(DataFileThreads, ScanReportsChannelsOnceAndResumes) {
+    test::CTestRecording recording(m_folder / "r.tarin");
+    CTrvTarinDataFileAnalyzerThread analyzer(recording.GetPath(), m_port, Report());
+    const auto scan = [&] {
+        ASSERT_TRUE(analyzer.Start());
+        analyzer.Join();
+        m_queue.RunPending();
+    };
+    recording.Depth(1, 10);
+    recording.Depth(2, 11);
+    recording.Flush();
+    scan();
+    EXPECT_EQ(m_channels, (std::vector<std::uint16_t>{test::kDepthNumber}));
+    const std::int64_t resume = analyzer.GetResumePosition().Get();
+    EXPECT_EQ(resume, static_cast<std::int64_t>(std::filesystem::file_size(recording.GetPath())));
+
+    recording.Depth(3, 12);
+    recording.Gps(3, 48.5, -4.25, 30);
+    recording.Utc(4, 2024, 10, 20, 30.5f);
+    recording.Flush();
+    // A torn tail: the scan stops before it.
+    const auto whole = std::filesystem::file_size(recording.GetPath());
+    std::filesystem::resize_file(recording.GetPath(), whole - 3);
+    scan();
+    EXPECT_EQ(m_channels, (std::vector<std::uint16_t>{test::kDepthNumber, test::kGpsNumber}));
+    const SFirstData torn = analyzer.WaitForFirstData(0ms);
+    EXPECT_TRUE(torn.hasPosition && !torn.hasUtc);
+    EXPECT_EQ(torn.position.latitude, 48.5);
+    EXPECT_EQ(torn.position.longitude, -4.25);
+    EXPECT_EQ(torn.position.altitude, 30);
+}
+
+TEST_F(DataFileThreads, FirstUtcGivesTheInstantOfDateZero) {
+    test::CTestRecording recording(m_folder / "r.tarin");
+    for (int i = 0; i < 10; ++i) recording.Depth(i * 0.1, 0);
+    recording.Utc(4, 2024, 10, 20, 34.5f);
+    recording.Gps(5, 1, 2, 3);
+    recording.Flush();
+    Outils_Temps::CDateTime origin;
+    origin.SetDateTime(2024, 3, 14, 10, 20, 30, Outils_Temps::kTicksPerSecond / 2);
+    CTrvTarinDataFileAnalyzerThread analyzer(recording.GetPath(), m_port, Report());
+    ASSERT_TRUE(analyzer.Start());
+    const SFirstData data = analyzer.WaitForFirstData(30s);
+    EXPECT_TRUE(data.hasUtc && data.hasPosition);
+    EXPECT_EQ(data.utcOrigin, origin);
+    EXPECT_EQ(FindUtcOrigin(recording.GetPath(), 1000), origin);
+    EXPECT_FALSE(FindUtcOrigin(recording.GetPath(), 10).IsValid());
+    EXPECT_FALSE(FindUtcOrigin(m_folder / "gone", 1000).IsValid());
+}
+
+TEST_F(DataFileThreads, DatesThatNameNoInstantAreInvalid) {
+    for (const float second : {60.0f, -1.0f, std::numeric_limits<float>::quiet_NaN(), 1e30f}) {
+        test::CTestRecording recording(m_folder / "r.tarin");
+        recording.Utc(4, 2024, 10, 20, second);
+        recording.Flush();
+        CTrvTarinDataFileAnalyzerThread analyzer(recording.GetPath(), m_port, Report());
+        ASSERT_TRUE(analyzer.Start());
+        const SFirstData data = analyzer.WaitForFirstData(30s);
+        EXPECT_TRUE(data.hasUtc);
+        EXPECT_FALSE(data.utcOrigin.IsValid());
+    }
+}
+
+TEST(WatchedFile, TellsWhatChanged) {
+    struct SStep {
+        std::optional<std::uint64_t> size;
+        std::optional<EFileChange> change;
+    };
+    const SStep steps[] = {{{}, {}},
+                           {10, EFileChange::appeared},
+                           {10, {}},
+                           {12, EFileChange::grew},
+                           {3, EFileChange::shrank},
+                           {{}, EFileChange::disappeared},
+                           {{}, {}},
+                           {0, EFileChange::appeared},
+                           {1, EFileChange::grew}};
+    CWatchedFile file;
+    for (const auto& [size, change] : steps) EXPECT_EQ(file.Update(size), change) << size.value_or(999);
+}
+
+TEST_F(DataFileThreads, MonitorFollowsAFile) {
+    const auto path = m_folder / "watched";
+    std::vector<std::pair<EFileChange, const void*>> changes;
+    CTrvDataFileMonitorThread monitor(
+        m_port, [&](EFileChange change, const void* file) { changes.emplace_back(change, file); }, 1ms);
+    const auto expect = [&](EFileChange change) {
+        ASSERT_TRUE(
+            m_queue.RunUntil([&] { return !changes.empty() && changes.back().first == change; }, 30s));
+        EXPECT_EQ(changes.back().second, this);
+    };
+    monitor.Watch(this, path);
+    monitor.Watch(this, path);
+    std::ofstream(path) << "12345";
+    expect(EFileChange::appeared);
+    std::filesystem::resize_file(path, 10000);
+    expect(EFileChange::grew);
+    std::filesystem::resize_file(path, 1);
+    expect(EFileChange::shrank);
+    std::filesystem::remove(path);
+    expect(EFileChange::disappeared);
+    // A folder of that name is no data file.
+    std::filesystem::create_directory(path);
+    const auto other = m_folder / "other";
+    std::ofstream(other) << "x";
+    monitor.Watch(&path, other);
+    ASSERT_TRUE(m_queue.RunUntil([&] { return changes.back().second == &path; }, 30s));
+    monitor.Kill();
+    EXPECT_EQ(changes.back().first, EFileChange::appeared);
+}
+
+} // namespace

@@ -1,0 +1,82 @@
+// Small recordings for the tests of this room: a dense and a sparse channel with known values.
+#pragma once
+
+#include "foundation/date_time.h"
+#include "recording/recording_writer.h"
+#include "xpf/packets.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace test {
+
+using Outils_Temps::CDateTimeSpan;
+
+inline CDateTimeSpan Seconds(double seconds) { return CDateTimeSpan::FromSeconds(seconds); }
+
+// A folder of its own for one test, removed with it.
+class CTemporaryFolder {
+  public:
+    CTemporaryFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "varne-test-XXXXXX").string();
+        m_path = ::mkdtemp(name.data());
+    }
+    ~CTemporaryFolder() { std::filesystem::remove_all(m_path); }
+    std::filesystem::path operator/(std::string_view name) const { return m_path / name; }
+
+  private:
+    std::filesystem::path m_path;
+};
+
+constexpr std::uint16_t kDepthNumber = 8; // rows of the channel table
+constexpr std::uint16_t kGpsNumber = 5;
+constexpr std::uint16_t kUtcNumber = 13;
+
+class CTestRecording {
+  public:
+    explicit CTestRecording(std::filesystem::path path) : m_path(std::move(path)) {
+        constexpr std::string_view channels[] = {"DEPTH", "GPS_1", "UTC"};
+        EXPECT_TRUE(m_writer.Create(m_path, channels));
+    }
+
+    const std::filesystem::path& GetPath() const { return m_path; }
+    Enregistrement::CRecordingWriter& GetWriter() { return m_writer; }
+
+    void Depth(double seconds, float depth, std::uint8_t rejection = 1) {
+        Persistance_Xpf::CXpfTarinDepthPacketV1 packet;
+        packet.SetDate(0, Seconds(seconds));
+        packet.SetUInt8(2, rejection);
+        packet.SetFloat(3, depth);
+        EXPECT_TRUE(m_writer.Write("DEPTH", packet));
+    }
+    void Gps(double seconds, double latitude, double longitude, float altitude) {
+        Persistance_Xpf::CXpfTarinGpsPacketV2 packet;
+        packet.SetDate(0, Seconds(seconds));
+        packet.SetDouble(5, latitude);
+        packet.SetDouble(6, longitude);
+        packet.SetFloat(7, altitude);
+        EXPECT_TRUE(m_writer.Write("GPS_1", packet));
+    }
+    void Utc(double seconds, std::uint16_t year, int hour, int minute, float second) {
+        Persistance_Xpf::CXpfTarinUtcPacketV2 packet;
+        packet.SetDate(0, Seconds(seconds));
+        packet.SetUInt16(3, year);
+        packet.SetUInt8(4, 3);
+        packet.SetUInt8(5, 14);
+        packet.SetUInt8(6, static_cast<std::uint8_t>(hour));
+        packet.SetUInt8(7, static_cast<std::uint8_t>(minute));
+        packet.SetFloat(8, second);
+        EXPECT_TRUE(m_writer.Write("UTC", packet));
+    }
+    void Flush() { EXPECT_TRUE(m_writer.Flush()); }
+
+  private:
+    std::filesystem::path m_path;
+    Enregistrement::CRecordingWriter m_writer;
+};
+
+} // namespace test
