@@ -4,6 +4,7 @@
 #include "xpf/file.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace Persistance_Xpf {
 
@@ -25,6 +26,11 @@ bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
         // Less than asked for only when the file shrinks meanwhile.
         const auto count = static_cast<std::int64_t>(m_reader->Read(chunk, static_cast<std::size_t>(length)));
         if (count < length) afterDollar = false;
+        if (!std::memchr(chunk, '$', static_cast<std::size_t>(count))) {
+            afterDollar = false;
+            chunkEnd = chunkStart;
+            continue;
+        }
         for (std::int64_t i = count - 1; i >= 0; --i) {
             const bool dollar = chunk[i] == '$';
             if (dollar && afterDollar) {
@@ -51,6 +57,11 @@ bool CXpfFile::SearchPacketForward(SPacketHeader& header) {
     std::uint8_t chunk[kChunkSize];
     bool afterDollar = false; // the byte before the present one is a dollar sign
     while (const std::size_t count = m_reader->Read(chunk, kChunkSize)) {
+        if (!std::memchr(chunk, '$', count)) {
+            afterDollar = false;
+            chunkOffset += static_cast<std::int64_t>(count);
+            continue;
+        }
         for (std::size_t i = 0; i < count; ++i) {
             const bool dollar = chunk[i] == '$';
             if (dollar && afterDollar) {

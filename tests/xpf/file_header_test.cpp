@@ -1,0 +1,115 @@
+#include "packet_file_builder.h"
+#include "xpf/packet.h"
+#include "xpf/table_file.h"
+
+#include <sys/stat.h>
+
+namespace Persistance_Xpf {
+namespace {
+
+using Builder = CPacketFileBuilder;
+
+class FileHeader : public PacketFileTest {};
+
+TEST_F(FileHeader, GivesChannelsAndDefinitionsInFileOrder) {
+    Builder builder(
+        {{13, "UTC", typeUtc}, {7, "PLATFORM_ORIENT", typePlatformOrientation, std::string(64, 'd')}},
+        {{typeUtc, 2, 10}, {200, 77, 0}});
+    Save(builder.bytes);
+    bool outdated = true;
+    const auto file = OpenXpfFile(m_path, EFileKind::tarin, outdated);
+    ASSERT_TRUE(file);
+    EXPECT_FALSE(outdated);
+    EXPECT_EQ(file->GetDataStart().Get(), builder.dataStart);
+    EXPECT_EQ(file->GetFileSize(), builder.dataStart);
+    ASSERT_EQ(file->GetChannels().size(), 2u);
+    const CXpfChannel* utc = file->FindChannelByNumber(13);
+    ASSERT_EQ(utc, file->GetChannels()[0].get());
+    EXPECT_EQ(utc, file->FindChannelByName("UTC"));
+    EXPECT_EQ(utc->CreatePacket()->GetPayloadSize(), 31u);
+    EXPECT_EQ(file->GetChannels()[1]->GetDescription(), std::string(64, 'd'));
+    EXPECT_EQ(file->FindChannelByName("IMU"), nullptr);
+    EXPECT_EQ(file->FindChannelByNumber(0), nullptr);
+    ASSERT_EQ(file->GetDefinitions().size(), 2u);
+    const CXpfFieldDefinition& field = file->GetDefinitions()[0]->fields.at(9);
+    EXPECT_EQ(field.name, "Realtime drift");
+    EXPECT_EQ(field.typeCode, static_cast<std::uint8_t>(EFieldType::f64));
+    EXPECT_EQ(field.count, 1u);
+    EXPECT_EQ(field.description, "about it");
+}
+
+TEST_F(FileHeader, DecodesNoInternalStates) {
+    Builder builder({{5, "MORVEX_STA", typeMorvexSta}, {5, "MORVEX_MSG", typeMorvexMsg}},
+                    {{typeMorvexSta, 1, 0}});
+    Save(builder.bytes);
+    bool outdated = true;
+    const auto file = OpenXpfFile(m_path, EFileKind::tarout, outdated);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file->GetChannels()[0]->CreatePacket(), nullptr);
+    EXPECT_EQ(file->FindChannelByNumber(5), file->GetChannels()[1].get())
+        << "the later record takes the number";
+}
+
+TEST_F(FileHeader, TellsFormerLayoutsFromDamage) {
+    const Builder whole({{0, "IMU", typeImu}}, {{typeImu, 2, 11}});
+    Builder junk = whole;
+    junk.bytes[kFileHeaderSize + 2 + 10] = 'x'; // behind the terminator, within the 16 bytes
+    const auto cut = [&whole](std::int64_t size) {
+        return Bytes(whole.bytes.begin(), whole.bytes.begin() + size);
+    };
+    struct {
+        const char* what;
+        Bytes bytes;
+        EFileKind kind;
+        bool opens, outdated;
+    } const rows[] = {
+        {"whole", whole.bytes, EFileKind::tarin, true, false},
+        {"other kind", whole.bytes, EFileKind::tarout, false, true},
+        {"empty", {}, EFileKind::tarin, false, false},
+        {"cut header", cut(122), EFileKind::tarin, false, false},
+        {"cut channel record", cut(150), EFileKind::tarin, false, true},
+        {"cut definition", cut(210), EFileKind::tarin, false, false},
+        {"cut field", cut(whole.dataStart - 1), EFileKind::tarin, false, false},
+        {"junk in name", junk.bytes, EFileKind::tarin, false, true},
+        {"unknown name", Builder({{0, "IMU2", typeImu}}).bytes, EFileKind::tarin, false, true},
+        {"full width name", Builder({{0, "0123456789ABCDEF", 0}}).bytes, EFileKind::tarin, false, true},
+        {"wrong type", Builder({{0, "IMU", typeDvl}}).bytes, EFileKind::tarin, false, true},
+        {"repeated", Builder({{0, "GPS_1", 3}, {1, "GPS_1", 3}}).bytes, EFileKind::tarin, false, true},
+        {"old version", Builder({{0, "IMU", 0}}, {{0, 1, 11}}).bytes, EFileKind::tarin, false, true},
+        {"old result", Builder({}, {{typeMorvexStd, 1, 0}}).bytes, EFileKind::tarout, false, true},
+        {"old states", Builder({}, {{typeMorvexSta, 2, 0}}).bytes, EFileKind::tarout, false, true},
+        {"type of the other kind", Builder({}, {{typeMorvexStd, 1, 0}}).bytes, EFileKind::tarin, true, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        Save(row.bytes);
+        bool outdated = !row.outdated;
+        const auto file = OpenXpfFile(m_path, row.kind, outdated);
+        EXPECT_EQ(file != nullptr, row.opens);
+        EXPECT_EQ(outdated, row.outdated);
+    }
+}
+
+TEST_F(FileHeader, OpensOnlyRegularFiles) {
+    CXpfFile file;
+    EXPECT_FALSE(file.Open(m_path));
+    EXPECT_FALSE(file.Open(m_path.parent_path()));
+    ASSERT_EQ(mkfifo(m_path.c_str(), 0600), 0);
+    EXPECT_FALSE(file.Open(m_path));
+    EXPECT_FALSE(file.Seek(0));
+    EXPECT_EQ(file.GetFileSize(), 0);
+    EXPECT_FALSE(file.GetDataStart().IsKnown());
+    std::filesystem::remove(m_path);
+    Save(Builder({}).bytes);
+    EXPECT_TRUE(file.Open(m_path));
+    EXPECT_FALSE(file.Seek(-1));
+    EXPECT_TRUE(file.Seek(100));
+    EXPECT_EQ(file.GetDataStart().Get(), 123);
+    EXPECT_EQ(file.GetPosition(), 100) << "GetDataStart moved the pointer";
+    Bytes bytes(100);
+    EXPECT_EQ(file.Read(bytes.data(), bytes.size()), 23u);
+    EXPECT_EQ(file.GetPosition(), 123);
+}
+
+} // namespace
+} // namespace Persistance_Xpf

@@ -1,0 +1,211 @@
+// Searches in damaged streams, files above 4 GB, and bytes that mean harm.
+#include "packet_file_builder.h"
+#include "xpf/table_file.h"
+
+#include <gmock/gmock.h>
+#include <random>
+
+namespace Persistance_Xpf {
+namespace {
+
+constexpr std::uint16_t kImu = 0, kUtc = 13;
+
+class Search : public PacketFileTest {
+  protected:
+    std::unique_ptr<CXpfFile> Open() const {
+        bool outdated = false;
+        return OpenXpfFile(m_path, EFileKind::tarin, outdated);
+    }
+};
+
+TEST_F(Search, FindsTheNearestPacketFromEveryByte) {
+    auto builder = CPacketFileBuilder::ForChannels({"IMU"});
+    for (int i = 0; i < 12; ++i) builder.Add(kImu, Bytes(static_cast<std::size_t>(i) * 23, '.'));
+    builder.bytes.insert(builder.bytes.end(), 300, '?');
+    Save(builder.bytes);
+    const auto file = Open();
+    const std::vector<SPlacedPacket>& packets = builder.packets[kImu];
+    SPacketHeader header;
+    for (std::int64_t at = 0; at <= static_cast<std::int64_t>(builder.bytes.size()); ++at) {
+        const SPlacedPacket *before = nullptr, *after = nullptr;
+        for (const SPlacedPacket& packet : packets) {
+            // Backwards the whole magic must lie before the pointer.
+            if (packet.position + 2 <= at) before = &packet;
+            if (packet.position >= at && !after) after = &packet;
+        }
+        ASSERT_TRUE(file->Seek(at));
+        ASSERT_EQ(file->SearchPacketBackward(header), before != nullptr) << at;
+        ASSERT_EQ(file->GetPosition(), before ? before->position : at) << at;
+        ASSERT_TRUE(file->Seek(at));
+        ASSERT_EQ(file->SearchPacketForward(header), after != nullptr) << at;
+        if (after) {
+            ASSERT_EQ(file->GetPosition(), after->position) << at;
+        }
+    }
+    EXPECT_TRUE(file->Seek(std::int64_t{1} << 60));
+    EXPECT_TRUE(file->SearchPacketBackward(header)) << "from far beyond the end";
+    EXPECT_EQ(header.number, 11u);
+    EXPECT_FALSE(file->Seek(std::int64_t{1} << 60) && file->SearchPacketForward(header));
+}
+
+TEST_F(Search, ForwardSearchLagsAChunkBehindARejectedCandidate) {
+    // False magic at `lure` bytes from the pointer, the packet at `packet` bytes.
+    struct {
+        std::size_t lure, packet;
+        bool found;
+    } const rows[] = {{10, 60, true},   {10, 126, true},  {10, 127, false},
+                      {10, 200, false}, {130, 200, true}, {126, 140, false}};
+    for (const auto& row : rows) {
+        auto builder = CPacketFileBuilder::ForChannels({"IMU"});
+        builder.bytes.resize(builder.bytes.size() + row.packet, '.');
+        const auto lure = builder.bytes.begin() + builder.dataStart + static_cast<std::ptrdiff_t>(row.lure);
+        lure[0] = lure[1] = '$';
+        builder.Add(kImu, Bytes(2000, '.'));
+        Save(builder.bytes);
+        const auto file = Open();
+        SPacketHeader header;
+        ASSERT_TRUE(file->Seek(builder.dataStart));
+        EXPECT_EQ(file->SearchPacketForward(header), row.found) << row.lure << " " << row.packet;
+        ASSERT_TRUE(file->Seek(static_cast<std::int64_t>(builder.bytes.size())));
+        EXPECT_TRUE(file->SearchPacketBackward(header)) << "backwards nothing lags";
+    }
+}
+
+TEST_F(Search, BackwardSearchTakesARunOfDollarsByteByByte) {
+    for (std::size_t run = 0; run < 140; ++run) {
+        auto builder = CPacketFileBuilder::ForChannels({"IMU"});
+        builder.bytes.resize(builder.bytes.size() + run, '$');
+        const auto position = builder.Add(kImu, {}).position;
+        builder.bytes.resize(builder.bytes.size() + run, '.');
+        Save(builder.bytes);
+        const auto file = Open();
+        SPacketHeader header;
+        ASSERT_TRUE(file->Seek(static_cast<std::int64_t>(builder.bytes.size())));
+        ASSERT_TRUE(file->SearchPacketBackward(header)) << run;
+        EXPECT_EQ(file->GetPosition(), position) << run;
+    }
+}
+
+TEST_F(Search, ReachesBeyondFourGigabytes) {
+    constexpr std::uint32_t kHuge = 3'000'000'000;
+    auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
+    Save(builder.bytes);
+    std::int64_t end = builder.dataStart;
+    std::vector<std::int64_t> positions;
+    const auto write = [&](std::uint16_t channel, std::uint32_t size, std::uint32_t number,
+                           std::uint32_t back, std::uint32_t forward) {
+        const SPacketHeader header{{'$', '$'}, channel, size, number, back, forward};
+        const SPacketTrailer trailer{{'!', '!'}, channel, size};
+        WriteAt(end, &header, sizeof header);
+        WriteAt(end + size - kPacketTrailerSize, &trailer, sizeof trailer);
+        if (channel == kImu) positions.push_back(end);
+        end += size;
+    };
+    constexpr std::uint32_t kSmall = 68, kCount = 40;
+    for (std::uint32_t i = 0; i < kCount; ++i) {
+        const std::uint32_t back = i == 0 ? 0 : i < 3 ? kHuge + kSmall : kSmall;
+        write(kImu, kSmall, i, back, i + 1 == kCount ? 0 : i < 2 ? kHuge + kSmall : kSmall);
+        if (i < 2) write(kUtc, kHuge, i, i == 0 ? 0 : kHuge + kSmall, i == 0 ? kHuge + kSmall : 0);
+    }
+    const auto file = Open();
+    CXpfChannel& imu = *file->FindChannelByNumber(kImu);
+    for (std::uint32_t i = kCount; i-- > 0;) {
+        ASSERT_TRUE(imu.SeekPacketNumber(i)) << i;
+        EXPECT_EQ(imu.GetCurrent(), positions[i]);
+    }
+    SPacketHeader header;
+    ASSERT_TRUE(imu.SeekLastPacket(&header));
+    EXPECT_EQ(imu.GetCurrent(), positions.back());
+    ASSERT_TRUE(file->FindChannelByNumber(kUtc)->SeekLastPacket(&header));
+    EXPECT_EQ(file->GetPosition(), positions[2] - kHuge);
+
+    std::span<const std::uint8_t> payload;
+    std::uint32_t count = 0;
+    ASSERT_TRUE(file->Seek(builder.dataStart));
+    for (; file->ReadPacket(header, payload) == EPacketRead::whole; ++count)
+        EXPECT_LE(payload.size(), std::size_t{64} << 20);
+    EXPECT_EQ(count, kCount + 2);
+    EXPECT_EQ(file->GetPosition(), end);
+}
+
+// A size that the file does not hold must cost neither memory nor the walk.
+TEST_F(Search, TakesAGiantSizeInASmallFileForTorn) {
+    auto builder = CPacketFileBuilder::ForChannels({"IMU"});
+    for (const std::uint32_t size : {100u, 50'000'000u, 4'000'000'000u, 0xFFFFFFFFu}) {
+        Bytes bytes = builder.bytes;
+        Append(bytes, SPacketHeader{{'$', '$'}, kImu, size, 0, 0, 0});
+        Save(bytes);
+        const auto file = Open();
+        SPacketHeader header;
+        std::span<const std::uint8_t> payload;
+        file->Seek(builder.dataStart);
+        EXPECT_EQ(file->ReadPacket(header, payload), EPacketRead::torn) << size;
+        EXPECT_EQ(file->GetPosition(), builder.dataStart);
+        std::uint8_t buffer[40];
+        std::uint32_t count = 0;
+        EXPECT_FALSE(file->GetChannels()[0]->ReadNextPacket(count, nullptr, buffer, 40)) << size;
+    }
+}
+
+// Everything that a reader can do with a file, whatever is in it.
+void UseEverything(CXpfFile& file, std::mt19937& random) {
+    SPacketHeader header;
+    std::span<const std::uint8_t> payload;
+    std::uint64_t sum = 0;
+    const std::int64_t size = file.GetFileSize();
+    for (file.Seek(file.GetDataStart().Get()); file.ReadPacket(header, payload) == EPacketRead::whole;)
+        for (const std::uint8_t byte : payload) sum += byte;
+    ASSERT_LE(file.GetPosition(), size);
+    for (const auto& channel : file.GetChannels()) {
+        std::uint8_t buffer[64];
+        std::uint32_t read = 0, steps = 0;
+        // Links may lead backwards for ever: the caller of a walk stops by dates. Each call by itself must
+        // end.
+        while (steps++ < 300 && channel->ReadNextPacket(read, &header, buffer, sizeof buffer))
+            ASSERT_LE(read, sizeof buffer);
+        for (int i = 0; i < 4; ++i) channel->SeekPacketNumber(static_cast<std::uint32_t>(random() % 80));
+        channel->SeekPacketNumber(0xFFFFFFFF);
+        channel->SeekLastPacket(&header);
+        channel->ReadNextPacket(read, &header, buffer, sizeof buffer);
+    }
+    for (int i = 0; i < 3; ++i) {
+        file.Seek(static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(size + 1)));
+        if (i % 2 ? file.SearchPacketForward(header) : file.SearchPacketBackward(header)) {
+            EXPECT_TRUE(header.Check());
+        }
+    }
+}
+
+TEST_F(Search, SurvivesDamagedBytes) {
+    auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
+    for (int i = 0; i < 60; ++i) {
+        builder.Add(kImu, Bytes(40, static_cast<std::uint8_t>('!' + i % 5)));
+        if (i % 9 == 0) builder.Add(kUtc, Bytes(31, '$'));
+    }
+    std::mt19937 random(20);
+    int opened = 0;
+    for (int round = 0; round < 3000; ++round) {
+        Bytes bytes = builder.bytes;
+        // Mostly the stream, sometimes the header; values that links and sizes dislike.
+        const auto place = [&] {
+            const std::size_t low = random() % 8 ? static_cast<std::size_t>(builder.dataStart) : 100;
+            return low + random() % (bytes.size() - low);
+        };
+        constexpr std::uint8_t values[] = {0, 1, 0x1C, '$', '!', 0x7F, 0x80, 0xFF};
+        for (std::uint32_t i = random() % 6; i-- > 0;) bytes[place()] = values[random() % std::size(values)];
+        if (random() % 4 == 0) bytes.resize(place());
+        if (random() % 4 == 0)
+            bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(random() % bytes.size()), random() % 300,
+                         values[random() % std::size(values)]);
+        Save(bytes);
+        const auto file = Open();
+        if (!file) continue;
+        ++opened;
+        SCOPED_TRACE(round);
+        UseEverything(*file, random);
+    }
+    EXPECT_GT(opened, 1500) << "too few mutations got past the header to mean anything";
+}
+
+} // namespace
+} // namespace Persistance_Xpf
