@@ -1,0 +1,43 @@
+// What the navigation is fed with, already in vessel axes, in SI units, and dated on the recording's clock.
+#pragma once
+
+#include <Eigen/Core>
+
+#include <cstdint>
+
+namespace Morvex {
+
+using Eigen::Vector3d;
+
+// What the inertial unit summed up between two dates.
+struct SImuSample {
+    double time = 0.0;                    // end of the interval, s
+    double interval = 0.0;                // its length, s, above 0
+    Vector3d angle = Vector3d::Zero();    // rotation, rad
+    Vector3d velocity = Vector3d::Zero(); // integral of the specific force, m/s
+};
+
+// Whether a measurement is taken.
+enum class EUse : std::uint8_t {
+    never,      // not taken at all
+    always,     // taken as it comes
+    tested,     // taken unless it contradicts the filter; given in to after a long contradiction
+    reacquired, // the same, given in to sooner
+};
+
+// A position of a GPS antenna.
+struct SPositionFix {
+    double time = 0.0;                    // instant of validity, s
+    Vector3d position = Vector3d::Zero(); // latitude and longitude in rad, height above the ellipsoid in m
+    Vector3d leverArm = Vector3d::Zero(); // from the inertial unit to the antenna, vessel axes, m
+    double varianceNorth = 0.0;           // m²
+    double varianceEast = 0.0;
+    double varianceUp = 0.0;
+    double covarianceNorthEast = 0.0;
+    double geoidHeight = 0.0; // of the geoid above the ellipsoid, m
+    EUse horizontal = EUse::tested;
+    EUse vertical = EUse::tested;
+    std::uint8_t source = 0; // which GPS, 0 to 2
+};
+
+} // namespace Morvex
