@@ -91,7 +91,8 @@ class CTrv1DSettings : public TRuntimeClass<CTrv1DSettings, CTrvObject> {
     // compared.
     void ForgetDataFile(const CTrvDataFile* dataFile);
 
-    // Sets the back pointers of all graphs and curves.
+    // Second half of a load: sets the back pointers of all graphs and curves. Throws badIndex for a data file
+    // of another project.
     void Attach(CTrvProject& owner);
     void Serialize(CArchive& archive) override;
 };

@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+namespace Outils_Objets {
+class CSchema;
+}
+
 namespace Metier_Tarvel_InstantValues {
 
 using Metier_Tarvel::CTrvDataFile;
@@ -30,7 +34,8 @@ class CTrvInstantValue : public TRuntimeClass<CTrvInstantValue, CTrvObject> {
 
   protected:
     CTrvInstantValue() = default;
-    void SerializeFields(Outils_Objets::CArchive& archive);
+    // What follows the version.
+    void SerializeFields(Outils_Objets::CSchema& schema);
 };
 
 class CTrvInstantValuesEnum : public TRuntimeClass<CTrvInstantValuesEnum, CTrvInstantValue> {
@@ -69,7 +74,8 @@ class CTrvInstantValuesSettings : public TRuntimeClass<CTrvInstantValuesSettings
     // Deletes the rows on a file. `dataFile` is only compared.
     void ForgetDataFile(const CTrvDataFile* dataFile);
 
-    // Sets the back pointers of all rows.
+    // Second half of a load: sets the back pointers of all rows. Throws badIndex for a data file of another
+    // project.
     void Attach(CTrvProject& owner);
     void Serialize(CArchive& archive) override;
 };

@@ -100,7 +100,6 @@ class CTrvSimulationParameters : public TRuntimeClass<CTrvSimulationParameters, 
 
   private:
     void Clear();
-    void CheckLoaded() const;
 
     std::vector<std::unique_ptr<Outils_Objets::CObject>>
         m_kept; // referred to by channels and curves of odd projects

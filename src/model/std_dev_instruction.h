@@ -6,6 +6,10 @@
 
 #include <span>
 
+namespace Outils_Objets {
+class CSchema;
+}
+
 namespace Metier_Tarvel {
 
 class CTrvStdDevInstruction : public TRuntimeClass<CTrvStdDevInstruction, CTrvPeriod> {
@@ -26,6 +30,8 @@ class CTrvStdDevInstruction : public TRuntimeClass<CTrvStdDevInstruction, CTrvPe
 
   protected:
     CTrvStdDevInstruction() = default;
+    // What follows the version: the period, then the fields.
+    void SerializeFields(Outils_Objets::CSchema& schema);
 };
 
 class CTrvScalarStdDev : public TRuntimeClass<CTrvScalarStdDev, CTrvStdDevInstruction> {

@@ -87,7 +87,7 @@ class CTrvDataModel : public TRuntimeClass<CTrvDataModel, CTrvObject> {
     // far is kept.
     bool BuildFromFile(CTrvDataFile& dataFile, bool expertMode);
     // The same without touching layers that the file still has: they keep their identity. True when a layer
-    // was added or removed. A file that cannot be read changes nothing.
+    // was added or removed. A file that cannot be read has no layers.
     bool RefreshFromFile(CTrvDataFile& dataFile, bool expertMode);
     // `dataFile` is only compared.
     void RemoveLayers(const CTrvDataFile* dataFile);

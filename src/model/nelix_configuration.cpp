@@ -1,0 +1,119 @@
+#include "model/nelix_configuration.h"
+
+#include "foundation/texts.h"
+#include "model/imu_channel.h"
+#include "model/loading.h"
+#include "model/simulation_parameters.h"
+
+#include <cstdio>
+
+namespace Metier_Tarvel {
+
+using Outils_Objets::CSchema;
+
+namespace {
+
+struct SEquipment {
+    std::int32_t code;
+    std::int32_t housing;
+    std::int32_t fog;
+    std::int32_t accelerometers;
+    std::int32_t saturation;
+    std::int32_t algorithm;
+};
+
+constexpr SEquipment kEquipments[] = {
+    {1, 2, 1, 1, 2, 1},  {2, 2, 2, 1, 2, 1},  {3, 2, 2, 1, 2, 1},  {4, 1, 1, 1, 2, 1},  {5, 2, 2, 1, 2, 1},
+    {6, 5, 3, 3, 2, 1},  {7, 1, 1, 1, 2, 1},  {8, 2, 2, 1, 2, 1},  {9, 2, 2, 1, 2, 1},  {10, 2, 2, 1, 2, 1},
+    {11, 2, 2, 1, 2, 1}, {12, 1, 1, 1, 2, 1}, {13, 6, 2, 1, 1, 1}, {14, 6, 2, 1, 3, 1}, {15, 1, 1, 1, 1, 1},
+    {16, 1, 1, 1, 2, 1}, {17, 7, 4, 6, 2, 1}, {18, 8, 4, 6, 3, 2}, {19, 8, 4, 6, 2, 2},
+};
+static_assert(std::size(kEquipments) == 19);
+
+// The words of each field: value 1 has the first text.
+struct STypeWords {
+    std::int32_t CTrvNelixType::*field;
+    int firstText;
+    int count;
+};
+
+constexpr STypeWords kTypeWords[CTrvNelixType::kFieldCount] = {
+    {&CTrvNelixType::equipment, 10800, 19}, {&CTrvNelixType::housing, 10819, 8},
+    {&CTrvNelixType::fog, 10827, 4},        {&CTrvNelixType::accelerometers, 10831, 8},
+    {&CTrvNelixType::saturation, 10839, 3}, {&CTrvNelixType::algorithm, 10842, 3},
+};
+constexpr int kTextUnknown = 10845;
+
+} // namespace
+
+void CTrvNelixType::SetFromEquipment(std::int32_t equipmentCode) {
+    SEquipment row{};
+    for (const SEquipment& candidate : kEquipments)
+        if (candidate.code == equipmentCode) row = candidate;
+    equipment = row.code;
+    housing = row.housing;
+    fog = row.fog;
+    accelerometers = row.accelerometers;
+    saturation = row.saturation;
+    algorithm = row.algorithm;
+}
+
+std::int32_t CTrvNelixType::GetField(EField field) const { return this->*kTypeWords[field].field; }
+
+std::string CTrvNelixType::GetFieldText(EField field) const {
+    const std::int32_t value = GetField(field);
+    const STypeWords& words = kTypeWords[field];
+    if (value >= 1 && value <= words.count)
+        return std::string(Outils_Texte::GetText(words.firstText + value - 1));
+    char code[16];
+    std::snprintf(code, sizeof code, "%04X", static_cast<unsigned>(value));
+    return Outils_Texte::FormatText(kTextUnknown, {code});
+}
+
+void CTrvNelixType::Serialize(CArchive& archive) {
+    CSchema schema(archive, 1);
+    CTrvObject::Serialize(archive);
+    for (const STypeWords& words : kTypeWords) schema.Field(this->*words.field);
+}
+
+CTrvNelixConfiguration::CTrvNelixConfiguration(CTrvSimulationParameters* parameters) : owner(parameters) {
+    CreateMembers();
+}
+
+void CTrvNelixConfiguration::CreateMembers() {
+    for (auto* misalignment : {&factoryMisalignment, &fineMisalignment, &userMisalignment})
+        *misalignment = std::make_unique<CMisalignment>();
+    for (auto* leverArm :
+         {&primaryLeverArm, &secondaryLeverArmA, &secondaryLeverArmB, &secondaryLeverArmC, &cogLeverArm})
+        *leverArm = std::make_unique<CLeverArm>();
+    roughMisalignment = 0;
+    currentModeling = std::make_unique<CTrvCurrentModeling>();
+    type = std::make_unique<CTrvNelixType>();
+}
+
+void CTrvNelixConfiguration::ReadCipherMode() {
+    std::uint8_t dataType = 0;
+    CImuChannel imu;
+    const bool known =
+        owner && imu.Open(owner->mainInputFile->path) && imu.ReadFirst() && imu.GetDataType(dataType);
+    imuCipherMode = known && (dataType == 1 || dataType == 2) ? dataType : 0;
+}
+
+void CTrvNelixConfiguration::Serialize(CArchive& archive) {
+    CSchema schema(archive, 4);
+    if (archive.IsLoading()) CreateMembers();
+    CTrvObject::Serialize(archive);
+    RequiredMember(schema, factoryMisalignment);
+    schema.Since(2).Field(roughMisalignment);
+    RequiredMember(schema, fineMisalignment);
+    RequiredMember(schema.Since(4), userMisalignment);
+    RequiredMember(schema, primaryLeverArm);
+    RequiredMember(schema, secondaryLeverArmA);
+    RequiredMember(schema, secondaryLeverArmB);
+    RequiredMember(schema, secondaryLeverArmC);
+    RequiredMember(schema, currentModeling);
+    RequiredMember(schema, type);
+    RequiredMember(schema.Since(3), cogLeverArm);
+}
+
+} // namespace Metier_Tarvel

@@ -1,0 +1,91 @@
+#include "model/sensor.h"
+
+#include "foundation/serialize.h"
+#include "foundation/texts.h"
+#include "model/data_file.h"
+#include "model/simulation_parameters.h"
+
+namespace Metier_Tarvel {
+
+using Outils_Objets::CSchema;
+
+namespace {
+
+template <class Sensor>
+std::unique_ptr<CTrvSensor> Make(CTrvSimulationParameters* owner) {
+    return std::make_unique<Sensor>(owner);
+}
+
+constexpr int kGroupHorizontal = 10040;
+constexpr int kGroupBottomSpeed = 10041;
+constexpr int kGroupWatermassSpeed = 10042;
+constexpr int kGroup = 10043;
+
+template <class Sensor>
+constexpr SSensorKind Row(ESensorKind kind, int label, int maximum, std::uint16_t channelType,
+                          std::array<int, 2> groups) {
+    return {kind, Sensor::kClassName, label, maximum, channelType, groups, Make<Sensor>};
+}
+
+constexpr SSensorKind kKinds[] = {
+    Row<CTrvSensorGps>(ESensorKind::gps, 196, 3, 3, {kGroupHorizontal}),
+    Row<CTrvSensorDvl>(ESensorKind::dvl, 197, 1, 1, {kGroupBottomSpeed, kGroupWatermassSpeed}),
+    Row<CTrvSensorEMLog>(ESensorKind::emLog, 198, 1, 2, {kGroup}),
+    Row<CTrvSensorDepth>(ESensorKind::depth, 199, 1, 4, {kGroup}),
+    Row<CTrvSensorUsbl>(ESensorKind::usbl, 200, 3, 5, {kGroup}),
+    Row<CTrvSensorLbl>(ESensorKind::lbl, 201, 1, 6, {kGroup}),
+    Row<CTrvSensorOdometer>(ESensorKind::odometer, 759, 1, 8, {kGroup}),
+    Row<CTrvSensorEventMarker>(ESensorKind::eventMarker, 997, 4, 9, {}),
+    Row<CTrvSensorPlatformOrientation>(ESensorKind::platformOrientation, 10044, 1, 16, {}),
+};
+static_assert(std::size(kKinds) == kSensorKindCount);
+
+} // namespace
+
+std::span<const SSensorKind> GetSensorKinds() { return kKinds; }
+
+const SSensorKind& GetSensorKind(ESensorKind kind) { return kKinds[static_cast<std::size_t>(kind)]; }
+
+const SSensorKind* FindSensorKind(std::string_view className) {
+    for (const SSensorKind& kind : kKinds)
+        if (kind.className == className) return &kind;
+    return nullptr;
+}
+
+const SSensorKind* FindSensorKindOfChannel(std::uint16_t channelType) {
+    for (const SSensorKind& kind : kKinds)
+        if (kind.channelType == channelType) return &kind;
+    return nullptr;
+}
+
+void CTrvSensor::Create(CTrvSimulationParameters* parameters) {
+    owner = parameters;
+    for (const int name : GetKind().rejectionGroups)
+        if (name != 0)
+            rejectionGroups.push_back(
+                std::make_unique<CTrvRejectionGroup>(*this, std::string(Outils_Texte::GetText(name))));
+}
+
+void CTrvSensor::Attach(CTrvSimulationParameters& parameters) {
+    owner = &parameters;
+    for (const auto& group : rejectionGroups) {
+        group->sensor = this;
+        for (const auto& instruction : group->instructions) instruction->group = group.get();
+    }
+}
+
+void CTrvSensor::Serialize(CArchive& archive) {
+    CSchema schema(archive, 2);
+    if (archive.IsLoading()) {
+        rejectionGroups.clear();
+        synchronizedOutput = false;
+    }
+    CTrvObject::Serialize(archive);
+    schema.Reference(owner);
+    schema.Reference(channel);
+    schema.Field(timeOffset);
+    schema.OwnedList(rejectionGroups);
+    schema.Since(2).Field(synchronizedOutput);
+}
+
+} // namespace Metier_Tarvel

@@ -1,0 +1,201 @@
+#include "model/sensors.h"
+
+#include "model/loading.h"
+#include "model/simulation_parameters.h"
+
+namespace Metier_Tarvel {
+
+using Outils_Objets::CSchema;
+
+namespace {
+
+// A std-dev instruction as a new sensor has it: for the whole simulation.
+template <class Instruction>
+std::unique_ptr<Instruction> MakeDefault() {
+    auto instruction = std::make_unique<Instruction>();
+    instruction->isDefault = true;
+    return instruction;
+}
+
+} // namespace
+
+void CTrvCurrentModeling::Serialize(CArchive& archive) {
+    CSchema schema(archive, 1);
+    CTrvObject::Serialize(archive);
+    schema.Field(time);
+    schema.Field(sigma);
+}
+
+// --- GPS
+
+CTrvSensorGps::CTrvSensorGps(CTrvSimulationParameters* parameters) {
+    Create(parameters);
+    CreateMembers();
+}
+
+void CTrvSensorGps::CreateMembers() {
+    leverArm = std::make_unique<CLeverArm>();
+    stdDevInstruction = MakeDefault<CTrvGpsStdDevInstruction>();
+    stdDevThreshold = std::make_unique<CTrvGpsStdDevThreshold>();
+}
+
+void CTrvSensorGps::Serialize(CArchive& archive) {
+    CSchema schema(archive, 3);
+    if (archive.IsLoading()) CreateMembers();
+    CTrvSensor::Serialize(archive);
+    RequiredMember(schema, leverArm);
+    RequiredMember(schema.Since(2), stdDevInstruction);
+    RequiredMember(schema.Since(3), stdDevThreshold);
+}
+
+// --- DVL
+
+CTrvSensorDvl::CTrvSensorDvl(CTrvSimulationParameters* parameters) {
+    Create(parameters);
+    CreateMembers();
+}
+
+void CTrvSensorDvl::CreateMembers() {
+    leverArm = std::make_unique<CLeverArm>();
+    misalignment = std::make_unique<CMisalignment>();
+    currentModeling = std::make_unique<CTrvCurrentModeling>();
+    speedBias = std::make_unique<CTrvSpeedBias>();
+    for (auto* instruction : {&bottomTrackStdDevInstruction, &waterTrackStdDevInstruction}) {
+        *instruction = MakeDefault<CTrvDvlStdDevInstruction>();
+        (*instruction)->sensor = this;
+    }
+}
+
+void CTrvSensorDvl::Attach(CTrvSimulationParameters& parameters) {
+    CTrvSensor::Attach(parameters);
+    bottomTrackStdDevInstruction->sensor = this;
+    waterTrackStdDevInstruction->sensor = this;
+}
+
+void CTrvSensorDvl::Serialize(CArchive& archive) {
+    CSchema schema(archive, 3);
+    if (archive.IsLoading()) CreateMembers();
+    CTrvSensor::Serialize(archive);
+    RequiredMember(schema, leverArm);
+    RequiredMember(schema, misalignment);
+    schema.Field(scaleFactor);
+    RequiredMember(schema, currentModeling);
+    RequiredMember(schema.Since(2), speedBias);
+    RequiredMember(schema.Since(3), bottomTrackStdDevInstruction);
+    RequiredMember(schema.Since(3), waterTrackStdDevInstruction);
+}
+
+// --- EM log, depth sensor, LBL
+
+template <class Self, ESensorKind Kind, class StdDev>
+TTrvScalarSensor<Self, Kind, StdDev>::TTrvScalarSensor(CTrvSimulationParameters* parameters) {
+    this->Create(parameters);
+    CreateMembers();
+}
+
+template <class Self, ESensorKind Kind, class StdDev>
+void TTrvScalarSensor<Self, Kind, StdDev>::CreateMembers() {
+    leverArm = std::make_unique<CLeverArm>();
+    stdDevInstruction = MakeDefault<StdDev>();
+}
+
+template <class Self, ESensorKind Kind, class StdDev>
+void TTrvScalarSensor<Self, Kind, StdDev>::Serialize(CArchive& archive) {
+    CSchema schema(archive, 2);
+    if (archive.IsLoading()) CreateMembers();
+    CTrvSensor::Serialize(archive);
+    RequiredMember(schema, leverArm);
+    RequiredMember(schema.Since(2), stdDevInstruction);
+}
+
+template class TTrvScalarSensor<CTrvSensorEMLog, ESensorKind::emLog, CTrvEMLogStdDevInstruction>;
+template class TTrvScalarSensor<CTrvSensorDepth, ESensorKind::depth, CTrvDepthStdDevInstruction>;
+template class TTrvScalarSensor<CTrvSensorLbl, ESensorKind::lbl, CTrvLblStdDevInstruction>;
+
+// --- USBL
+
+CTrvSensorUsbl::CTrvSensorUsbl(CTrvSimulationParameters* parameters) {
+    Create(parameters);
+    CreateMembers();
+}
+
+void CTrvSensorUsbl::CreateMembers() {
+    leverArm = std::make_unique<CLeverArm>();
+    stdDevInstruction = MakeDefault<CTrvUsblStdDevInstruction>();
+    filteringInstructions.clear();
+}
+
+CTrvHorizontalFilteringInstruction* CTrvSensorUsbl::AddFilteringInstruction() {
+    auto* added = AppendOwned(filteringInstructions, std::make_unique<CTrvHorizontalFilteringInstruction>());
+    added->sensor = this;
+    return added;
+}
+
+bool CTrvSensorUsbl::RemoveFilteringInstruction(const CTrvHorizontalFilteringInstruction* instruction) {
+    return EraseOwned(filteringInstructions, instruction);
+}
+
+void CTrvSensorUsbl::Attach(CTrvSimulationParameters& parameters) {
+    CTrvSensor::Attach(parameters);
+    for (const auto& instruction : filteringInstructions) instruction->sensor = this;
+}
+
+void CTrvSensorUsbl::Serialize(CArchive& archive) {
+    CSchema schema(archive, 3);
+    if (archive.IsLoading()) CreateMembers();
+    CTrvSensor::Serialize(archive);
+    schema.Field(reserved);
+    RequiredMember(schema, leverArm);
+    schema.Field(transponderCode);
+    RequiredMember(schema.Since(2), stdDevInstruction);
+    schema.Since(3).OwnedList(filteringInstructions);
+}
+
+// --- Odometer
+
+CTrvSensorOdometer::CTrvSensorOdometer(CTrvSimulationParameters* parameters)
+    : leverArm(std::make_unique<CLeverArm>()),
+      misalignment(std::make_unique<CMisalignment>()),
+      stdDevInstruction(MakeDefault<CTrvOdometerStdDevInstruction>()) {
+    Create(parameters);
+}
+
+void CTrvSensorOdometer::Serialize(CArchive& archive) {
+    CSchema schema(archive, 1);
+    CTrvSensor::Serialize(archive);
+    RequiredMember(schema, leverArm);
+    RequiredMember(schema, misalignment);
+    schema.Field(scaleFactor);
+    RequiredMember(schema, stdDevInstruction);
+}
+
+// --- Event marker
+
+CTrvSensorEventMarker::CTrvSensorEventMarker(CTrvSimulationParameters* parameters) { Create(parameters); }
+
+void CTrvSensorEventMarker::Serialize(CArchive& archive) {
+    CSchema schema(archive, 1);
+    CTrvSensor::Serialize(archive);
+    schema.Field(eventId);
+}
+
+// --- Gyro-stabilised mount
+
+CTrvSensorPlatformOrientation::CTrvSensorPlatformOrientation(CTrvSimulationParameters* parameters)
+    : insLeverArm(std::make_unique<CLeverArm>()),
+      vehicleLeverArm(std::make_unique<CLeverArm>()),
+      insMisalignment(std::make_unique<CMisalignment>()),
+      vehicleMisalignment(std::make_unique<CMisalignment>()) {
+    Create(parameters);
+}
+
+void CTrvSensorPlatformOrientation::Serialize(CArchive& archive) {
+    CSchema schema(archive, 1);
+    CTrvSensor::Serialize(archive);
+    RequiredMember(schema, insLeverArm);
+    RequiredMember(schema, insMisalignment);
+    RequiredMember(schema, vehicleLeverArm);
+    RequiredMember(schema, vehicleMisalignment);
+}
+
+} // namespace Metier_Tarvel

@@ -1,0 +1,67 @@
+#include "model/std_dev_instruction.h"
+
+#include "foundation/serialize.h"
+#include "model/sensors.h"
+
+namespace Metier_Tarvel {
+
+using Outils_Objets::CSchema;
+
+namespace {
+
+// Numbers of the texts.
+constexpr int kScalarLabels[] = {10060};
+constexpr int kPositionLabels[] = {10050, 10051, 10052, 10053};
+constexpr int kVectorLabels[] = {10054, 10055, 10056};
+constexpr int kOdometerLabels[] = {10057, 10058, 10059};
+
+} // namespace
+
+void CTrvStdDevInstruction::Serialize(CArchive& archive) {
+    CSchema schema(archive, 1);
+    SerializeFields(schema);
+}
+
+void CTrvStdDevInstruction::SerializeFields(CSchema& schema) {
+    CTrvPeriod::Serialize(schema.GetArchive());
+    schema.Field(isDefault);
+    schema.Field(mode);
+    for (int i = 0; i < GetValueCount(); ++i) schema.Field(Value(i));
+}
+
+void CTrvDvlStdDevInstruction::Serialize(CArchive& archive) {
+    CSchema schema(archive, 2);
+    SerializeFields(schema);
+    schema.Since(2).Reference(sensor);
+}
+
+std::span<const int> CTrvScalarStdDev::GetValueLabels() const { return kScalarLabels; }
+std::span<const int> CTrvPositionStdDev::GetValueLabels() const { return kPositionLabels; }
+std::span<const int> CTrvVectorStdDev::GetValueLabels() const { return kVectorLabels; }
+std::span<const int> CTrvOdometerStdDevInstruction::GetValueLabels() const { return kOdometerLabels; }
+
+double& CTrvPositionStdDev::Value(int index) {
+    double* const values[] = {&latitude, &longitude, &crossvariance, &altitude};
+    return *values[index];
+}
+
+double& CTrvVectorStdDev::Value(int index) {
+    double* const values[] = {&x, &y, &z};
+    return *values[index];
+}
+
+CTrvOdometerStdDevInstruction::CTrvOdometerStdDevInstruction() {
+    x = 0.1;
+    y = 0.05;
+    z = 0.05;
+}
+
+void CTrvGpsStdDevThreshold::Serialize(CArchive& archive) {
+    CSchema schema(archive, 1);
+    CTrvObject::Serialize(archive);
+    schema.Field(latitude);
+    schema.Field(longitude);
+    schema.Field(altitude);
+}
+
+} // namespace Metier_Tarvel
