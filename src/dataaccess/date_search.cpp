@@ -20,22 +20,40 @@ std::uint64_t Distance(CDateTimeSpan a, CDateTimeSpan b) {
     return a.GetTicks() >= b.GetTicks() ? x - y : y - x;
 }
 
+// Draws the bracket closer by what the cache knows; false on an exact hit, which leaves it as it is.
+bool NarrowByCache(const CXpfChannel& channel, CDateTimeSpan date, const SDateSearch& search,
+                   SDateBracket& bracket) {
+    std::uint32_t exact = 0;
+    SDateSamples samples;
+    if (search.cache->FindDate(search.path, channel.GetNumber(), date, exact, samples)) return false;
+    if (samples.lowerDate.IsValid()) {
+        bracket.lowerDate = samples.lowerDate;
+        bracket.lowerNumber = samples.lowerNumber;
+    }
+    if (samples.upperDate.IsValid()) {
+        bracket.upperDate = samples.upperDate;
+        bracket.upperNumber = samples.upperNumber;
+    }
+    return true;
+}
+
 } // namespace
 
 EDateSearch SearchDate(CXpfChannel& channel, CXpfDatedPacket& packet, CDateTimeSpan date,
-                       const Outils::CEvent& cancel, SDateBracket& bracket) {
-    if (!channel.SeekFirstPacket(nullptr) ||
+                       const SDateSearch& search, SDateBracket& bracket) {
+    if (!SeekFirstCached(channel, search.path, search.cache) ||
         !ReadDate(channel, packet, bracket.lowerDate, bracket.lowerNumber))
         return EDateSearch::failed;
-    if (!channel.SeekLastPacket(nullptr) ||
+    if (!SeekLastCached(channel, search.path, search.cache) ||
         !ReadDate(channel, packet, bracket.upperDate, bracket.upperNumber))
         return EDateSearch::failed;
     if (date < bracket.lowerDate || date > bracket.upperDate) return EDateSearch::outside;
+    if (date == bracket.lowerDate || date == bracket.upperDate) return EDateSearch::found;
+    if (search.cache && !NarrowByCache(channel, date, search, bracket)) return EDateSearch::found;
 
-    // Every turn halves the distance of the two numbers, so damaged numbers end the search instead of
-    // prolonging it.
+    // Every turn brings the two numbers closer, so damaged numbers end the search instead of prolonging it.
     while (bracket.upperNumber > bracket.lowerNumber && bracket.upperNumber - bracket.lowerNumber > 1) {
-        if (cancel.IsSet()) return EDateSearch::cancelled;
+        if (search.cancel.IsSet()) return EDateSearch::cancelled;
         if (date == bracket.lowerDate || date == bracket.upperDate) break;
         const std::uint32_t middle = bracket.lowerNumber + (bracket.upperNumber - bracket.lowerNumber) / 2;
         CDateTimeSpan middleDate;
@@ -43,6 +61,8 @@ EDateSearch SearchDate(CXpfChannel& channel, CXpfDatedPacket& packet, CDateTimeS
         if (!channel.SeekPacketNumber(middle) || !ReadDate(channel, packet, middleDate, number))
             return EDateSearch::failed;
         if (number <= bracket.lowerNumber || number >= bracket.upperNumber) return EDateSearch::failed;
+        if (search.cache && search.feedsCache)
+            search.cache->InsertDate(search.path, channel.GetNumber(), middleDate, number);
         if (middleDate <= date) {
             bracket.lowerDate = middleDate;
             bracket.lowerNumber = number;

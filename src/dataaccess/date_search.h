@@ -4,11 +4,10 @@
 #include "foundation/date_time.h"
 #include "foundation/thread.h"
 #include "xpf/channel.h"
+#include "xpf/file_cache.h"
 #include "xpf/packet.h"
 
 namespace Application_Tarvel {
-
-using Outils_Temps::CDateTimeSpan;
 
 enum class EDateSearch {
     found,
@@ -25,11 +24,20 @@ struct SDateBracket {
     std::uint32_t upperNumber = 0;
 };
 
+// Where a search may look for help and leave what it learns.
+struct SDateSearch {
+    const std::filesystem::path& path; // the channel's file, by which the cache knows it
+    CXpfFileCache* cache = nullptr;    // may be null
+    bool feedsCache = false;           // every date read becomes a sample
+    const Outils::CEvent& cancel;      // polled once per packet read
+};
+
 // Narrows the bracket around `date` until its two packets are neighbours or one of them has exactly this
-// date. With `found` the bracket is filled, with `outside` it holds the first and the last packet. `packet`
-// must be of the channel's type and is overwritten. Polls `cancel` once per packet read.
+// date. With `found` the bracket is filled, with `outside` it holds the first and the last packet. An exact
+// hit in the cache leaves the bracket at the first and the last packet. `packet` must be of the channel's
+// type and is overwritten.
 EDateSearch SearchDate(Persistance_Xpf::CXpfChannel& channel, Persistance_Xpf::CXpfDatedPacket& packet,
-                       CDateTimeSpan date, const Outils::CEvent& cancel, SDateBracket& bracket);
+                       CDateTimeSpan date, const SDateSearch& search, SDateBracket& bracket);
 
 // The number of the nearer of the two packets, the lower on a tie.
 std::uint32_t PickNearer(const SDateBracket& bracket, CDateTimeSpan date);

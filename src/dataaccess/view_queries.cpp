@@ -23,7 +23,7 @@ bool CTrvDataQuery::Execute(bool& wasCancelled) {
 bool CTrvViewValueDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet,
                                     bool& wasCancelled) {
     SDateBracket bracket;
-    switch (SearchDate(channel, *packet, m_time, m_cancel, bracket)) {
+    switch (SearchDate(channel, *packet, m_time, MakeSearch(false), bracket)) {
     case EDateSearch::outside: return true;
     case EDateSearch::failed: return false;
     case EDateSearch::cancelled: wasCancelled = true; return false;
@@ -126,7 +126,7 @@ class CSliceCollector {
 
 EDateSearch CTrvView1DDataQuery::SeekStart(CXpfChannel& channel, CXpfDatedPacket& packet, bool& empty) {
     SDateBracket bracket;
-    const EDateSearch end = SearchDate(channel, packet, m_window.start, m_cancel, bracket);
+    const EDateSearch end = SearchDate(channel, packet, m_window.start, MakeSearch(true), bracket);
     if (end == EDateSearch::outside) {
         // A window that lies wholly before or after the data is empty; one that only begins before it is not.
         empty = m_window.start > bracket.upperDate || m_window.end < bracket.lowerDate;

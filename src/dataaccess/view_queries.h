@@ -19,6 +19,7 @@ struct SChannelAddress {
     std::filesystem::path path;
     Persistance_Xpf::EFileKind kind = Persistance_Xpf::EFileKind::tarin;
     std::uint16_t channel = 0;
+    CXpfFileCache* cache = nullptr; // must outlive the queries on this address; may be null
 };
 
 using PacketList = std::vector<std::unique_ptr<Persistance_Xpf::CXpfPacket>>;
@@ -45,6 +46,10 @@ class CTrvDataQuery : public CAsyncQuery {
     // The search of the kind, on the loader thread. `packet` is a new packet of the channel's type.
     virtual bool Search(Persistance_Xpf::CXpfChannel& channel,
                         std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) = 0;
+
+    SDateSearch MakeSearch(bool feedsCache) const {
+        return {m_address.path, m_address.cache, feedsCache, m_cancel};
+    }
 
     Outils::CEvent m_cancel;
 

@@ -28,9 +28,9 @@ CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
 
 CTrvDocument::~CTrvDocument() { DeleteContents(); }
 
-SChannelAddress CTrvDocument::GetAddress(const CTrvDataFile& file, std::uint16_t channel) const {
+SChannelAddress CTrvDocument::GetAddress(const CTrvDataFile& file, std::uint16_t channel) {
     using Persistance_Xpf::EFileKind;
-    return {file.path, IsResultFile(file) ? EFileKind::tarout : EFileKind::tarin, channel};
+    return {file.path, IsResultFile(file) ? EFileKind::tarout : EFileKind::tarin, channel, &m_fileCache};
 }
 
 bool CTrvDocument::OnNewEmptyDocument() {

@@ -35,9 +35,10 @@ class CTrvDocument final : public CDocumentEx {
     // Null for the empty document.
     CTrvProject* GetProject() const { return m_pProject.get(); }
     CAsyncQueryManager& GetQueryManager() { return m_queryManager; }
+    CXpfFileCache& GetFileCache() { return m_fileCache; }
     const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
     // Where a query finds a channel of a file of the project.
-    SChannelAddress GetAddress(const CTrvDataFile& file, std::uint16_t channel) const;
+    SChannelAddress GetAddress(const CTrvDataFile& file, std::uint16_t channel);
 
     // Takes over a project made from a recording: starts the analysis of its main input file, looks for the
     // first UTC date and position, and saves it under `path` at once, so that a new project always exists on
@@ -95,6 +96,8 @@ class CTrvDocument final : public CDocumentEx {
     void StopAnalysis(const CTrvDataFile& file, bool reset);
     void WatchFiles();
     void StopThreads();
+    // Forgets all that was learned of a file that is no longer the same.
+    void DropFromCache(const CTrvDataFile& file);
     void SearchFirstData();
     void ReadRecordingFacts();
     void CheckDataFileVersions();
@@ -114,6 +117,7 @@ class CTrvDocument final : public CDocumentEx {
 
     std::map<const CTrvDataFile*, std::unique_ptr<CTrvDataFileAnalyzerThread>> m_analyzers;
     std::unique_ptr<CTrvDataFileMonitorThread> m_fileMonitor; // one for each project
+    CXpfFileCache m_fileCache;                                // outlives the queries of the manager below
     CAsyncQueryManager m_queryManager;
 };
 

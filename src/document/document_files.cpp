@@ -55,6 +55,12 @@ void CTrvDocument::StopAnalysis(const CTrvDataFile& file, bool reset) {
     if (reset) m_analyzers.erase(place);
 }
 
+void CTrvDocument::DropFromCache(const CTrvDataFile& file) {
+    m_fileCache.InvalidateFirst(file.path);
+    m_fileCache.InvalidateLast(file.path);
+    m_fileCache.InvalidateDates(file.path);
+}
+
 void CTrvDocument::WatchFiles() {
     m_fileMonitor = std::make_unique<CTrvDataFileMonitorThread>(
         m_messageWnd, [this](EFileChange change, const void* key) { OnFileChanged(change, key); });
@@ -120,15 +126,16 @@ void CTrvDocument::OnFileChanged(EFileChange change, const void* key) {
         RefreshDataLayers(*file);
         StartAnalysis(*file);
         break;
-    case EFileChange::grew: StartAnalysis(*file); break;
-    case EFileChange::shrank:
-        StopAnalysis(*file, true);
-        RefreshDataLayers(*file);
+    case EFileChange::grew:
+        m_fileCache.InvalidateLast(file->path);
         StartAnalysis(*file);
         break;
+    case EFileChange::shrank:
     case EFileChange::disappeared:
         StopAnalysis(*file, true);
         RefreshDataLayers(*file);
+        DropFromCache(*file);
+        if (change == EFileChange::shrank) StartAnalysis(*file);
         break;
     }
     UpdateAllViews(nullptr, hintDataFileContentChanged, file);

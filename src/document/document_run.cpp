@@ -109,6 +109,7 @@ void CTrvDocument::RemoveResult() {
     if (std::filesystem::exists(output.path, error)) {
         std::filesystem::remove(output.path, error);
         StopAnalysis(output, true);
+        DropFromCache(output);
         RefreshDataLayers(output);
     }
     UpdateAllViews(nullptr, hintDataFileContentChanged, &output);

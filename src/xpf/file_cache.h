@@ -1,5 +1,5 @@
-// What was learned of packet files and is worth keeping between two queries: where a channel begins and ends, and
-// which packet number has which date. Every operation may be called from any thread; none reads a file.
+// What was learned of packet files and is worth keeping between two queries: where a channel begins and ends,
+// and which packet number has which date. Every operation may be called from any thread; none reads a file.
 #pragma once
 
 #include "foundation/date_time.h"
@@ -32,18 +32,23 @@ class CXpfFileCache {
     static constexpr std::uint32_t kEvictionBatch = 100;   // those not hit for longest go first
 
     // True, and `position` filled, when the place of the channel's first or last packet is known.
-    bool GetFirstPosition(const std::filesystem::path& path, std::uint16_t channel, CXpfFilePosition& position) const;
-    void SetFirstPosition(const std::filesystem::path& path, std::uint16_t channel, CXpfFilePosition position);
-    bool GetLastPosition(const std::filesystem::path& path, std::uint16_t channel, CXpfFilePosition& position) const;
+    bool GetFirstPosition(const std::filesystem::path& path, std::uint16_t channel,
+                          CXpfFilePosition& position) const;
+    void SetFirstPosition(const std::filesystem::path& path, std::uint16_t channel,
+                          CXpfFilePosition position);
+    bool GetLastPosition(const std::filesystem::path& path, std::uint16_t channel,
+                         CXpfFilePosition& position) const;
     void SetLastPosition(const std::filesystem::path& path, std::uint16_t channel, CXpfFilePosition position);
 
-    // True when a sample has exactly this date: `exactNumber` is filled, and both sides of `samples` are invalid.
-    // Otherwise the samples below and above it, as far as there are any.
-    bool FindDate(const std::filesystem::path& path, std::uint16_t channel, CDateTimeSpan date, std::uint32_t& exactNumber,
-                  SDateSamples& samples);
-    void InsertDate(const std::filesystem::path& path, std::uint16_t channel, CDateTimeSpan date, std::uint32_t number);
+    // True when a sample has exactly this date: `exactNumber` is filled, and both sides of `samples` are
+    // invalid. Otherwise the samples below and above it, as far as there are any.
+    bool FindDate(const std::filesystem::path& path, std::uint16_t channel, CDateTimeSpan date,
+                  std::uint32_t& exactNumber, SDateSamples& samples);
+    void InsertDate(const std::filesystem::path& path, std::uint16_t channel, CDateTimeSpan date,
+                    std::uint32_t number);
 
-    // Forget what is known of a file, all its channels at once. Paths that differ in case are different files.
+    // Forget what is known of a file, all its channels at once. Paths that differ in case are different
+    // files.
     void InvalidateFirst(const std::filesystem::path& path);
     void InvalidateLast(const std::filesystem::path& path);
     void InvalidateDates(const std::filesystem::path& path);
@@ -59,7 +64,8 @@ class CXpfFileCache {
     };
 
     static std::string MakeKey(const std::filesystem::path& path, std::uint16_t channel);
-    static bool Get(const SStore<CXpfFilePosition>& store, const std::string& key, CXpfFilePosition& position);
+    static bool Get(const SStore<CXpfFilePosition>& store, const std::string& key,
+                    CXpfFilePosition& position);
     static void Set(SStore<CXpfFilePosition>& store, const std::string& key, CXpfFilePosition position);
     template <class T>
     static void Invalidate(SStore<T>& store, const std::filesystem::path& path);
@@ -71,7 +77,9 @@ class CXpfFileCache {
 };
 
 // The seeks of a channel helped by the cache, which they correct. `cache` may be null.
-bool SeekFirstCached(Persistance_Xpf::CXpfChannel& channel, const std::filesystem::path& path, CXpfFileCache* cache);
-bool SeekLastCached(Persistance_Xpf::CXpfChannel& channel, const std::filesystem::path& path, CXpfFileCache* cache);
+bool SeekFirstCached(Persistance_Xpf::CXpfChannel& channel, const std::filesystem::path& path,
+                     CXpfFileCache* cache);
+bool SeekLastCached(Persistance_Xpf::CXpfChannel& channel, const std::filesystem::path& path,
+                    CXpfFileCache* cache);
 
 } // namespace Application_Tarvel
