@@ -1,0 +1,253 @@
+#include "recording/recording_writer.h"
+
+#include "recording/recording_header.h"
+#include "xpf/packets.h"
+#include "xpf/table_file.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <map>
+#include <random>
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace Enregistrement {
+namespace {
+
+using namespace Persistance_Xpf;
+namespace fs = std::filesystem;
+
+std::vector<std::string_view> GetNames(EFileKind kind) {
+    std::vector<std::string_view> names;
+    for (const SChannelLayout& row : GetChannelLayouts())
+        if (row.kind == kind) names.push_back(row.name);
+    return names;
+}
+
+std::unique_ptr<CXpfFile> OpenFile(const fs::path& path, EFileKind kind) {
+    bool outdated = false;
+    return OpenXpfFile(path, kind, outdated);
+}
+
+class RecordingTest : public testing::Test {
+  protected:
+    RecordingTest() { fs::create_directories(m_folder); }
+    ~RecordingTest() override { fs::remove_all(m_folder); }
+
+    // Packets of all channels of a kind in a random order, remembered by channel.
+    void Record(CRecordingWriter& writer, EFileKind kind, int count, unsigned seed) {
+        std::mt19937 random(seed);
+        const auto names = GetNames(kind);
+        for (int i = 0; i < count; ++i) {
+            const std::string_view name = names[random() % names.size()];
+            const SPacketLayout* layout = FindPacketLayout(FindChannelLayout(name)->packetType);
+            std::vector<std::uint8_t> payload(layout ? layout->payloadSize : random() % 5000);
+            for (std::uint8_t& byte : payload) byte = static_cast<std::uint8_t>(random() % 256);
+            // The search of the reader is not what is tested here: nothing that looks like a packet.
+            std::ranges::replace(payload, '$', '#');
+            ASSERT_TRUE(writer.WriteRaw(*writer.FindChannel(name), payload));
+            m_written[std::string(name)].push_back(payload);
+        }
+    }
+
+    // Walks the stream and holds every packet against what was written: content, numbers and links of all
+    // channels.
+    void ExpectWritten(CXpfFile& file) {
+        std::map<std::uint16_t, std::pair<std::int64_t, SPacketHeader>> last;
+        std::map<std::string, std::size_t> counts;
+        ASSERT_TRUE(file.Seek(file.GetDataStart().Get()));
+        for (;;) {
+            const std::int64_t position = file.GetPosition();
+            SPacketHeader header;
+            std::span<const std::uint8_t> payload;
+            if (file.ReadPacket(header, payload) != EPacketRead::whole) break;
+            const std::string& name = file.FindChannelByNumber(header.channel)->GetName();
+            std::size_t& count = counts[name];
+            ASSERT_EQ(header.number, count);
+            const auto& expected = m_written[name][count++];
+            ASSERT_TRUE(std::ranges::equal(payload, expected)) << name;
+            const auto previous = last.find(header.channel);
+            if (previous == last.end()) {
+                EXPECT_EQ(header.backLink, 0u);
+            } else {
+                EXPECT_EQ(header.backLink, position - previous->second.first);
+                EXPECT_EQ(previous->second.second.forwardLink, header.backLink);
+            }
+            last[header.channel] = {position, header};
+        }
+        EXPECT_EQ(file.GetPosition(), file.GetFileSize());
+        for (const auto& [name, packets] : m_written) EXPECT_EQ(counts[name], packets.size()) << name;
+        for (const auto& [number, packet] : last) EXPECT_EQ(packet.second.forwardLink, 0u) << number;
+    }
+
+    fs::path m_folder = fs::temp_directory_path() / ("recording_test_" + std::to_string(::getpid()));
+    fs::path m_path = m_folder / "a.xpf";
+    std::map<std::string, std::vector<std::vector<std::uint8_t>>> m_written;
+};
+
+// Big enough that channels are linked within a block, over the edge of one, and over several flushes.
+TEST_F(RecordingTest, EveryChannelComesBackLinkedAndNumbered) {
+    for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
+        m_written.clear();
+        CRecordingWriter writer;
+        ASSERT_TRUE(writer.Create(m_path, GetNames(kind)));
+        for (const unsigned seed : {1u, 2u, 3u}) {
+            Record(writer, kind, 9000, seed);
+            ASSERT_TRUE(writer.Flush());
+        }
+        Record(writer, kind, 5, 4);
+        const std::int64_t size = writer.GetSize();
+        ASSERT_TRUE(writer.Close());
+        EXPECT_EQ(fs::file_size(m_path), static_cast<std::uintmax_t>(size));
+
+        const auto file = OpenFile(m_path, kind);
+        ASSERT_TRUE(file);
+        ExpectWritten(*file);
+        for (const auto& [name, packets] : m_written) {
+            CXpfChannel* channel = file->FindChannelByName(name);
+            ASSERT_TRUE(channel) << name;
+            EXPECT_EQ(channel->GetDescription(), GetChannelDescription(name));
+            EXPECT_NE(channel->GetDescription(), "");
+            SPacketHeader header;
+            ASSERT_TRUE(channel->SeekLastPacket(&header)) << name;
+            EXPECT_EQ(header.number, packets.size() - 1);
+            EXPECT_TRUE(channel->SeekPacketNumber(static_cast<std::uint32_t>(packets.size() / 2))) << name;
+        }
+    }
+}
+
+TEST_F(RecordingTest, DefinitionsSayWhatTheLayoutsSay) {
+    CRecordingWriter writer;
+    ASSERT_TRUE(writer.Create(m_path, GetNames(EFileKind::tarout)));
+    ASSERT_TRUE(writer.Close());
+    const auto file = OpenFile(m_path, EFileKind::tarout);
+    ASSERT_TRUE(file);
+    ASSERT_EQ(file->GetDefinitions().size(), 4u);
+    for (const auto& definition : file->GetDefinitions()) {
+        const SPacketLayout* layout = FindPacketLayout(definition->type);
+        if (!layout) {
+            ASSERT_EQ(definition->type, typeMorvexSta);
+            ASSERT_EQ(definition->fields.size(), 5u);
+            EXPECT_EQ(definition->fields[3].name, "Matrix size");
+            continue;
+        }
+        EXPECT_EQ(definition->version, layout->version);
+        ASSERT_EQ(definition->fields.size(), layout->fields.size());
+        for (std::size_t i = 0; i < layout->fields.size(); ++i) {
+            const CXpfFieldDefinition& field = definition->fields[i];
+            EXPECT_EQ(field.name, layout->fields[i].name);
+            EXPECT_EQ(field.description, layout->fields[i].name);
+            EXPECT_EQ(field.typeCode, static_cast<std::uint8_t>(layout->fields[i].type));
+            EXPECT_EQ(field.count, layout->fields[i].count);
+            EXPECT_EQ(field.nature, layout->fields[i].nature);
+        }
+    }
+}
+
+TEST_F(RecordingTest, RefusesChannelsThatMakeNoFile) {
+    const std::vector<std::vector<std::string_view>> refused = {
+        {}, {"IMU", "NO_SUCH"}, {"GPS_1", "IMU", "GPS_1"}, {"IMU", "MORVEX_STD"}, {"imu"}};
+    for (const auto& names : refused) {
+        CRecordingWriter writer;
+        EXPECT_FALSE(writer.Create(m_path, names));
+        EXPECT_FALSE(fs::exists(m_path));
+    }
+    CRecordingWriter writer;
+    EXPECT_FALSE(writer.Create(m_folder, std::vector<std::string_view>{"IMU"}));
+    EXPECT_FALSE(writer.Create(m_folder / "none" / "a", std::vector<std::string_view>{"IMU"}));
+    ASSERT_TRUE(writer.Create(m_path, std::vector<std::string_view>{"IMU", "UTC"}));
+    EXPECT_FALSE(writer.Write("GPS_1", CXpfTarinGpsPacketV2()));
+    EXPECT_FALSE(writer.Write("UTC", CXpfTarinGpsPacketV2()));
+    EXPECT_FALSE(writer.WriteRaw(2, {}));
+    EXPECT_TRUE(writer.Write("UTC", CXpfTarinUtcPacketV2()));
+    EXPECT_TRUE(writer.WriteRaw(*writer.FindChannel("UTC"), {}));
+    EXPECT_EQ(writer.GetPacketCount(1), 2u);
+}
+
+// Whatever a reader catches of a file that is being written, it finds whole packets and at most a torn one
+// behind.
+TEST_F(RecordingTest, AnyCutShowsWholePacketsAndATornTail) {
+    CRecordingWriter writer;
+    ASSERT_TRUE(writer.Create(m_path, GetNames(EFileKind::tarin)));
+    Record(writer, EFileKind::tarin, 60, 7);
+    ASSERT_TRUE(writer.Close());
+    std::vector<std::int64_t> ends;
+    const auto whole = OpenFile(m_path, EFileKind::tarin);
+    ASSERT_TRUE(whole && whole->Seek(whole->GetDataStart().Get()));
+    SPacketHeader header;
+    std::span<const std::uint8_t> payload;
+    ends.push_back(whole->GetPosition());
+    while (whole->ReadPacket(header, payload) == EPacketRead::whole) ends.push_back(whole->GetPosition());
+
+    for (std::int64_t size = ends.back(); size >= ends.front(); size -= 5) {
+        fs::resize_file(m_path, static_cast<std::uintmax_t>(size));
+        const auto file = OpenFile(m_path, EFileKind::tarin);
+        ASSERT_TRUE(file && file->Seek(file->GetDataStart().Get()));
+        EPacketRead end;
+        while ((end = file->ReadPacket(header, payload)) == EPacketRead::whole) {
+        }
+        EXPECT_EQ(end, EPacketRead::torn) << size;
+        EXPECT_EQ(file->GetPosition(), *(std::ranges::upper_bound(ends, size) - 1)) << size;
+    }
+}
+
+// A link leads to its packet only once that is in the file, also for packets that left the memory long ago.
+TEST_F(RecordingTest, FollowsAGrowingFileThroughItsLinks) {
+    CRecordingWriter writer;
+    ASSERT_TRUE(writer.Create(m_path, std::vector<std::string_view>{"IMU", "UTC"}));
+    const auto file = OpenFile(m_path, EFileKind::tarin);
+    ASSERT_TRUE(file);
+    CXpfChannel* channel = file->FindChannelByName("UTC");
+    CXpfTarinUtcPacketV2 packet, read;
+    const CXpfTarinImuPacketV2 filler;
+    for (int round = 0; round < 6; ++round) {
+        packet.SetDate(0, CDateTimeSpan(round));
+        ASSERT_TRUE(writer.Write("UTC", packet));
+        // Without a flush the memory gives its blocks to the file by itself.
+        for (int i = 0; i < (round % 2 ? 20000 : 3); ++i) ASSERT_TRUE(writer.Write(0, filler));
+        ASSERT_TRUE(writer.Flush());
+        ASSERT_TRUE(channel->ReadNextPacket(read)) << round;
+        EXPECT_EQ(read.GetPacketDate().GetTicks(), round);
+        EXPECT_FALSE(channel->ReadNextPacket(read));
+    }
+}
+
+TEST_F(RecordingTest, AFullDiskLeavesWholePackets) {
+    rlimit former;
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &former), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{5'000'001, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+
+    CRecordingWriter writer;
+    EXPECT_TRUE(writer.Create(m_path, std::vector<std::string_view>{"IMU"}));
+    const CXpfTarinImuPacketV2 packet;
+    int count = 0;
+    while (count < 200'000 && writer.Write(0, packet)) ++count;
+    EXPECT_LT(count, 200'000);
+    EXPECT_FALSE(writer.Write(0, packet));
+    EXPECT_FALSE(writer.Flush());
+    EXPECT_FALSE(writer.Close());
+    setrlimit(RLIMIT_FSIZE, &former);
+    std::signal(SIGXFSZ, handler);
+
+    const auto file = OpenFile(m_path, EFileKind::tarin);
+    ASSERT_TRUE(file);
+    SPacketHeader header;
+    ASSERT_TRUE(file->GetChannels()[0]->SeekLastPacket(&header));
+    EXPECT_EQ(header.forwardLink, 0u);
+    EXPECT_EQ(file->GetPosition() + header.size, file->GetFileSize());
+    EXPECT_GT(header.number, 50'000u);
+}
+
+TEST(MakeLinkTest, ADistanceBeyond32BitsIsNoLink) {
+    constexpr std::int64_t far = 7'000'000'000;
+    EXPECT_EQ(MakeLink(far, far + 68), 68u);
+    EXPECT_EQ(MakeLink(far, far + 0xFFFFFFFFLL), 0xFFFFFFFFu);
+    EXPECT_EQ(MakeLink(far, far + 0x100000000LL), 0u);
+}
+
+} // namespace
+} // namespace Enregistrement
