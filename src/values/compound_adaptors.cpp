@@ -1,0 +1,21 @@
+#include "values/compound_adaptors.h"
+
+#include "foundation/serialize.h"
+
+namespace Outils_Valeurs {
+
+void CGeographicPositionAdaptor::Serialize(CArchive& archive) {
+    Outils_Objets::CSchema schema(archive, 1);
+    CObjetMetier::Serialize(archive);
+    schema.InPlace(latitude);
+    schema.InPlace(longitude);
+    schema.InPlace(altitude);
+}
+
+void CTripleAdaptor::Serialize(CArchive& archive) {
+    Outils_Objets::CSchema schema(archive, 1);
+    CObjetMetier::Serialize(archive);
+    for (CPhysicalValueAdaptor& axis : m_axes) schema.InPlace(axis);
+}
+
+} // namespace Outils_Valeurs
