@@ -1,4 +1,4 @@
-#include "views/graph_ticks.h"
+#include "views/graph/ticks.h"
 
 #include <cmath>
 
@@ -18,7 +18,9 @@ std::int64_t RoundTenth(std::int64_t tenth) {
     constexpr std::int64_t millisecond = kTicksPerSecond / 1000;
     constexpr std::int64_t microsecond = kTicksPerSecond / 1'000'000;
     // Whole units, one more when the rest is at least half of one.
-    const auto rounded = [tenth](std::int64_t unit) { return tenth / unit + (tenth % unit * 2 >= unit ? 1 : 0); };
+    const auto rounded = [tenth](std::int64_t unit) {
+        return tenth / unit + (tenth % unit * 2 >= unit ? 1 : 0);
+    };
     if (tenth >= kTicksPerDay) return rounded(kTicksPerDay) * kTicksPerDay;
     if (tenth >= kTicksPerHour) return rounded(kTicksPerHour) * kTicksPerHour;
     if (tenth >= kTicksPerMinute) {
@@ -41,7 +43,8 @@ std::int64_t RoundTenth(std::int64_t tenth) {
 
 } // namespace
 
-double ChooseVerticalStep(double minimum, double maximum, double length, double fontHeight, const SDisplayUnit& unit) {
+double ChooseVerticalStep(double minimum, double maximum, double length, double fontHeight,
+                          const SDisplayUnit& unit) {
     const auto shown = [&unit](double value) { return value * unit.b / unit.a + unit.offset; };
     const double range = shown(maximum) - shown(minimum);
     double wanted = range / (length / (2 * fontHeight));

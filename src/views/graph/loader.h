@@ -1,0 +1,115 @@
+// Fills the stack of graphs: builds it from the project, asks for the data of the displayed time behind the
+// screen, and follows the document. Knows no widget. UI thread; results come through the document's message
+// target.
+#pragma once
+
+#include "document/document.h"
+#include "values/adaptors.h"
+#include "views/graph/stack.h"
+
+#include <functional>
+#include <map>
+#include <memory>
+
+namespace Presentation_Tarvel_Graphics {
+
+class CTrv1DExtentQuery;
+
+class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
+  public:
+    // Registers with the document. All three must outlive the loader; `settings` is the one of the process.
+    CTrv1DGraphLoader(Application_Tarvel::CTrvDocument& document,
+                      const Outils_Valeurs::CTrvAdaptors& adaptors, Outils_Plot2D::CPlot2DSettings& settings);
+    ~CTrv1DGraphLoader() override;
+
+    CTrv1DGraphStack& GetStack() { return m_stack; }
+    const Application_Tarvel::CTrvDocument& GetDocument() const { return m_document; }
+
+    // Called when something else is to be drawn; `layout` when portlets came or went, so that the stack's
+    // height or margins may differ. The stack is laid out again before.
+    void SetOnChanged(std::function<void(bool layout)> onChanged) { m_onChanged = std::move(onChanged); }
+
+    // The size at which the stack is shown, in pixels, and how many device pixels one of them has. Lays the
+    // stack out and asks for data as fine as its width. Until the first call data is fit for a width of 1000
+    // pixels.
+    void SetViewSize(SSize size, double devicePixelRatio, ELayout layout = ELayout::scroll);
+    // Lays out again after the user changed a height or the legends.
+    void Relayout();
+
+    // Queries are under way: the picture is not final yet.
+    bool IsLoading() const;
+    // There is a project to show.
+    bool HasProject() const { return m_document.GetProject() != nullptr; }
+
+    // Commands, by the factors of the settings. New data is asked for; the old stays on the screen, moved.
+    void ZoomHorizontal();
+    void UnzoomHorizontal();
+    void ScrollLeft();
+    void ScrollRight();
+    void ViewAll();
+    void ZoomVertical();
+    void UnzoomVertical();
+    void ScrollUp();
+    void ScrollDown();
+    // Keeps the choice in `settings` of the caller, if any: the default comes from the configuration.
+    void ToggleLegends();
+    // Shows this period; ignored when empty.
+    void ShowPeriod(const SPeriod& period);
+    // The stack's period was changed by its own operations: asks for its data.
+    void PeriodChanged();
+    // Takes texts, units, colours and sampling from the settings again.
+    void Reformat();
+
+    void OnUpdate(Application_Tarvel::EHint hint, const Outils_Objets::CObject* object) override;
+
+  private:
+    class CWindowQuery;
+    class CExtentQuery;
+
+    // What is known of one shown channel.
+    struct SChannel {
+        Application_Tarvel::SChannelAddress address;
+        CDateTimeSpan origin; // file time to simulation time
+        SPeriod extent;       // of the data, in file time; both ends alike for one packet
+        bool hasData = false;
+        bool extentKnown = false; // an answer has come
+        bool windowKnown = false; // the first answer to a window query has come, good or bad
+        bool refresh = false;     // look at the file again when the query in flight ends
+        bool force = false;       // and read the window again though the extent is the same
+        SPeriod window;           // the last one asked for, in simulation time
+        std::shared_ptr<Application_Tarvel::CAsyncQuery> extentQuery; // in flight, or null
+        std::shared_ptr<Application_Tarvel::CAsyncQuery> windowQuery; // in flight, or null
+    };
+    using Channels = std::map<SChannelKey, SChannel>;
+
+    void Rebuild(bool forget);
+    void UpdateChannels();
+    void CancelAll();
+    void RefreshFile(const Outils_Objets::CObject* file, bool force);
+    void Refresh(const SChannelKey& key, SChannel& channel, bool force);
+    void AskExtent(const SChannelKey& key, SChannel& channel);
+    void AskWindow(const SChannelKey& key, SChannel& channel);
+    void AskAllWindows();
+    void OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success);
+    void OnWindow(const SChannelKey& key, bool success, Application_Tarvel::SReducedSeries series,
+                  CDateTimeSpan slice);
+    void UpdateFullExtent();
+    void UpdateNotices();
+    void Changed(bool layout);
+    const Outils_Configuration::CTrvCnfConfigFile& Config() const { return m_document.GetConfiguration(); }
+
+    Application_Tarvel::CTrvDocument& m_document;
+    const Outils_Valeurs::CTrvAdaptors& m_adaptors;
+    Outils_Plot2D::CPlot2DSettings& m_settings;
+    CTrv1DGraphStack m_stack;
+    Channels m_channels;
+    std::function<void(bool)> m_onChanged;
+    SSize m_size;
+    ELayout m_layout = ELayout::scroll;
+    double m_devicePixelRatio = 1;
+    float m_askedWidth = 0;                     // plot width for which data was asked last
+    bool m_running = false;                     // the engine is at work
+    std::shared_ptr<CTrv1DGraphLoader*> m_self; // null inside once the loader is gone: queries look here
+};
+
+} // namespace Presentation_Tarvel_Graphics

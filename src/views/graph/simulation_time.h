@@ -1,0 +1,32 @@
+// A simulation time as text: elapsed, or as the UTC date it stands for. UI thread.
+#pragma once
+
+#include "config/enumerations.h"
+#include "values/date_time_adaptor.h"
+#include "values/date_time_span_adaptor.h"
+
+#include <optional>
+#include <string>
+
+namespace Presentation_Tarvel_Graphics {
+
+using Outils_Temps::CDateTime;
+using Outils_Temps::CDateTimeSpan;
+
+// A plain value; the adaptors are copies, so that an axis may ask for more decimals than the settings.
+struct SSimulationTimeText {
+    Outils_Configuration::ESimulationTimeMode mode = Outils_Configuration::ESimulationTimeMode::elapsedTime;
+    std::optional<CDateTime> utcReference; // the UTC date of simulation time zero
+    Outils_Valeurs::CDateTimeAdaptor dateTime;
+    Outils_Valeurs::CDateTimeSpanAdaptor span;
+
+    // UTC is asked for and can be told.
+    bool ShowsUtc() const {
+        return mode == Outils_Configuration::ESimulationTimeMode::utcTime && utcReference.has_value();
+    }
+    std::string Format(CDateTimeSpan time) const;
+    // Decimals of seconds in force, and at least this many from now on (7 at most).
+    void RaisePrecision(int decimals);
+};
+
+} // namespace Presentation_Tarvel_Graphics

@@ -1,0 +1,107 @@
+// The view of the graphs: paints the stack, turns mouse and keys into its commands. All else is in graph/. UI
+// thread.
+//
+// Keys: left and right scroll, plus and minus zoom, Home shows everything; up and down select a graph; with
+// Ctrl up, down, plus and minus act on the values of the selected graph; Page Up and Page Down scroll the
+// stack; Delete removes the selected curve; Escape ends a gesture; the menu key opens the menu.
+#pragma once
+
+#include "views/graph/loader.h"
+#include "views/interactor.h"
+
+#include <QPixmap>
+
+#include <functional>
+#include <optional>
+
+namespace Application_Tarvel {
+
+using Presentation_Tarvel_Graphics::CTrv1DGraphLoader;
+using Presentation_Tarvel_Graphics::CTrv1DGraphPortlet;
+using Presentation_Tarvel_Graphics::CTrv1DGraphStack;
+
+// What the mouse does.
+enum class EView1DMode { select, pan, zoom };
+
+class CTrvView1D final : public Outils_Application::CInteractorView {
+    Q_OBJECT
+
+  public:
+    // All three must outlive the view.
+    CTrvView1D(CTrvDocument& document, const Outils_Valeurs::CTrvAdaptors& adaptors,
+               Outils_Plot2D::CPlot2DSettings& settings, QWidget* parent = nullptr);
+    ~CTrvView1D() override;
+
+    CTrv1DGraphLoader& GetLoader() { return m_loader; }
+    CTrv1DGraphStack& GetStack() { return m_loader.GetStack(); }
+
+    // The commands of the frame. Vertical ones act on the selected graph.
+    void ZoomHorizontal() { m_loader.ZoomHorizontal(); }
+    void UnzoomHorizontal() { m_loader.UnzoomHorizontal(); }
+    void ScrollLeft() { m_loader.ScrollLeft(); }
+    void ScrollRight() { m_loader.ScrollRight(); }
+    void ViewAll() { m_loader.ViewAll(); }
+    void ZoomVertical() { m_loader.ZoomVertical(); }
+    void UnzoomVertical() { m_loader.UnzoomVertical(); }
+    void ScrollUp() { m_loader.ScrollUp(); }
+    void ScrollDown() { m_loader.ScrollDown(); }
+    void ToggleLegends() { m_loader.ToggleLegends(); }
+    bool AreLegendsVisible() { return GetStack().AreLegendsVisible(); }
+    void SetMode(EView1DMode mode);
+    EView1DMode GetMode() const { return m_mode; }
+    void SetEcho(bool on);
+    bool HasEcho() const { return m_echo; }
+    // A vector image of the whole stack on the clipboard, and a picture for programs that take none.
+    void CopyToClipboard();
+    // Removes the curve selected in a legend, or, without one, nothing.
+    void DeleteSelectedCurve();
+    // After a change of the settings.
+    void Reformat();
+
+    // How a saved curve or chronogram graph is removed from the project (`curve` is null for a graph); false
+    // when that failed, which is then told. Without it nothing can be removed.
+    using Remover = std::function<bool(const Metier_Tarvel_Graphics::CTrv1DGraph*,
+                                       const Metier_Tarvel_Graphics::CTrv1DCurve*)>;
+    void SetRemover(Remover remover) { m_remover = std::move(remover); }
+
+    // For the interactors. Positions are in pixels of the window; the stack may be scrolled under it.
+    Outils_Plot2D::SPoint ToStack(QPointF position) const;
+    void SetCursorTime(std::optional<Outils_Temps::CDateTimeSpan> time);
+    std::optional<Outils_Temps::CDateTimeSpan> GetCursorTime() const { return m_cursorTime; }
+    void SelectPortlet(int index);
+    // Paints anew what the stack shows / only what lies over it.
+    void Redraw();
+    void RedrawOverlay() { viewport()->update(); }
+
+  Q_SIGNALS:
+    // The cursor stands at another time, or nowhere (an invalid time).
+    void CursorMoved(Outils_Temps::CDateTimeSpan time);
+    // A switch that the frame shows as a tick has changed: mode, legends, echo.
+    void StateChanged();
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    bool event(QEvent* event) override;
+
+  private:
+    void OnLoaderChanged(bool layout);
+    void FitToWindow();
+    void UpdateScrollBar();
+    void PaintBacking();
+    void ShowSelected();
+    void ShowContextMenu(QPoint position);
+
+    CTrv1DGraphLoader m_loader;
+    Presentation_Tarvel_Graphics::SCursorLook m_cursorLook;
+    Remover m_remover;
+    EView1DMode m_mode = EView1DMode::select;
+    std::optional<Outils_Temps::CDateTimeSpan> m_cursorTime;
+    bool m_echo = true;
+    QPixmap m_backing; // what the window shows of the stack, without what lies over it
+    bool m_backingValid = false;
+};
+
+} // namespace Application_Tarvel
