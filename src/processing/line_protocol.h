@@ -29,6 +29,7 @@ class CLineBuffer {
     }
 
   private:
+    void ForgetComplete();
     std::optional<std::string_view> Complete(std::string_view end);
     void Keep(std::string_view text);
 
