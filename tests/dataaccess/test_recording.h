@@ -39,7 +39,7 @@ constexpr std::uint16_t kUtcNumber = 13;
 class CTestRecording {
   public:
     explicit CTestRecording(std::filesystem::path path) : m_path(std::move(path)) {
-        constexpr std::string_view channels[] = {"DEPTH", "GPS_1", "UTC"};
+        constexpr std::string_view channels[] = {"IMU", "DEPTH", "GPS_1", "UTC"};
         EXPECT_TRUE(m_writer.Create(m_path, channels));
     }
 

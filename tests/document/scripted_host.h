@@ -1,0 +1,75 @@
+// The document's surroundings in a test: questions are answered from a script, everything is written down.
+#pragma once
+
+#include "document/document_host.h"
+#include "foundation/message_target.h"
+#include "processing/message_line.h"
+#include "processing/receivers.h"
+
+#include <gtest/gtest.h>
+
+#include <deque>
+#include <string>
+#include <vector>
+
+namespace test {
+
+using namespace Application_Tarvel;
+
+class CScriptedHost : public IDocumentHost, private Communication_Processus::INotificationWindow {
+  public:
+    CScriptedHost() : m_receiver(m_queue, this) {}
+
+    Outils::CMessageQueue m_queue;
+    std::deque<EAnswer> m_answers;                            // to the next questions; ok when there is none
+    std::deque<std::optional<std::filesystem::path>> m_paths; // for the next save dialogs
+    std::vector<std::string> m_messages;                      // of the message boxes
+    std::vector<std::string> m_output;                        // lines of the output panel
+    std::vector<int> m_progress;
+    bool m_progressShows = false;
+    int m_waitCursors = 0;
+    std::filesystem::path m_programFolder;
+    Outils_Temps::CDateTime m_time{1'000'000'000}; // moves with Sleep alone
+
+    // The texts of the message boxes since the last call.
+    std::vector<std::string> TakeMessages() { return std::exchange(m_messages, {}); }
+
+    EAnswer ShowMessage(const std::string& text, EButtons, EIcon) override {
+        m_messages.push_back(text);
+        if (m_answers.empty()) return EAnswer::ok;
+        const EAnswer answer = m_answers.front();
+        m_answers.pop_front();
+        return answer;
+    }
+    std::optional<std::filesystem::path> AskProjectPath(const std::filesystem::path&) override {
+        if (m_paths.empty()) return std::nullopt;
+        const auto path = m_paths.front();
+        m_paths.pop_front();
+        return path;
+    }
+    void AppendOutputText(const std::string& line) override { m_output.push_back(line); }
+    void SetProgress(int percent) override { m_progress.push_back(percent); }
+    void ShowProgress(bool visible) override { m_progressShows = visible; }
+    void ShowWaitCursor(bool on) override { m_waitCursors += on ? 1 : -1; }
+    void UpdateMenuForEquipment(std::int32_t equipment) override { m_equipment = equipment; }
+    Communication_Interfaces::IMorvexNotification* GetReceiver() override { return &m_receiver; }
+    std::filesystem::path GetProgramFolder() override { return m_programFolder; }
+    Outils_Temps::CDateTime GetTime() override { return m_time; }
+    void Sleep(std::chrono::milliseconds time) override {
+        m_time += Outils_Temps::CDateTimeSpan(time.count() * Outils_Temps::kTicksPerSecond / 1000);
+    }
+    std::int32_t m_equipment = 0;
+
+  private:
+    void OnProgressChanged() override { SetProgress(static_cast<int>(m_receiver.LastProgress())); }
+    void OnMessageQueued() override {
+        int level = 0, code = 0;
+        std::string text;
+        if (m_receiver.TakeMessage(level, code, text))
+            AppendOutputText(Communication_Processus::FormatMessageLine(level, text));
+    }
+
+    Communication_Processus::CMorvexReceiver m_receiver;
+};
+
+} // namespace test
