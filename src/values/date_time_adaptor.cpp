@@ -41,7 +41,8 @@ std::uint64_t TicksOfDay(const CDateTime& date) { return date.GetTicks() % kTick
 // Signed seconds with `precision` decimals behind a point.
 std::string FormatSeconds(bool negative, std::uint64_t ticks, int precision) {
     ticks = RoundTicks(ticks, precision);
-    std::string text = negative && ticks > 0 ? "-" : "";
+    std::string text;
+    if (negative && ticks > 0) text += '-';
     text += std::to_string(ticks / kTicksPerSecond);
     AppendFraction(text, ticks, precision, u'.');
     return text;

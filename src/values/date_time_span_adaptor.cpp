@@ -72,7 +72,8 @@ bool CDateTimeSpanAdaptor::ValueToText(CDateTimeSpan value, std::string& text) c
     const auto bits = static_cast<std::uint64_t>(value.GetTicks());
     const int decimals = SecondsPrecision(precision);
     const std::uint64_t ticks = RoundTicks(negative ? 0 - bits : bits, decimals);
-    text = negative && ticks > 0 ? "-" : "";
+    text.clear();
+    if (negative && ticks > 0) text += '-';
     if (const std::uint64_t days = ticks / kTicksPerDay; days > 0) {
         text += std::to_string(days);
         text += ' ';
