@@ -61,6 +61,9 @@ class CMission {
     explicit CMission(const SMissionOptions& options);
 
     const SMissionOptions& GetOptions() const { return m_options; }
+    // The channels of a recording, in the order of the channel table.
+    const std::vector<std::string_view>& GetChannels() const { return m_channels; }
+    bool HasChannel(std::string_view channel) const;
     // Seconds; the duration that was asked for or that gives the size that was asked for.
     double GetDuration() const { return m_duration; }
 
@@ -74,6 +77,7 @@ class CMission {
     void Integrate(CTrackCursor& cursor) const;
 
     SMissionOptions m_options;
+    std::vector<std::string_view> m_channels; // literals of the channel table
     double m_duration;
     CMotion m_motion;
     std::vector<CTrackCursor::SPoint> m_checkpoints;
