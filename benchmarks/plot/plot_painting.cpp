@@ -87,7 +87,7 @@ double Median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-// The argument is the device pixel ratio in quarters.
+// Arguments: the device pixel ratio in quarters, and whether curves are splines.
 void PaintTenGraphs(benchmark::State& state) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     int argc = 1;
@@ -95,6 +95,7 @@ void PaintTenGraphs(benchmark::State& state) {
     char* argv[] = {name, nullptr};
     const QGuiApplication application(argc, argv);
     SGraphs graphs;
+    graphs.settings.drawCurve = state.range(1) != 0;
     const double ratio = static_cast<double>(state.range(0)) / 4;
     QImage image(QSize(kWidth, kHeight) * ratio, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(ratio);
@@ -122,4 +123,10 @@ void PaintTenGraphs(benchmark::State& state) {
 
 } // namespace
 
-BENCHMARK(PaintTenGraphs)->Arg(4)->Arg(6)->Arg(8)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(PaintTenGraphs)
+    ->ArgNames({"ratio", "splines"})
+    ->ArgsProduct({{4, 6, 8}, {0}})
+    ->Args({4, 1})
+    ->Args({8, 1})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);

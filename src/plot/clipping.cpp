@@ -14,28 +14,28 @@ int FirstPixel(double value, int low, int high) {
     return whole < held ? whole + 1 : whole;
 }
 
+// Columns stay ahead of a scan line fill for any polygon; this only bounds their memory, at some twenty
+// megabytes.
+constexpr std::size_t kMaximumCrossings = 2'000'000;
+
 struct SCrossing {
     std::uint32_t column;
     float y;
 };
 
-// Where the edge crosses the centres of columns; false: there are more than `limit` crossings by now.
-bool AddCrossings(QPointF a, QPointF b, const QRect& bounds, std::size_t limit,
-                  std::vector<SCrossing>& crossings) {
+// Where the edge crosses the centres of columns; false: they are too many by now.
+bool AddCrossings(QPointF a, QPointF b, const QRect& bounds, std::vector<SCrossing>& crossings) {
     const int low = bounds.left(), high = bounds.left() + bounds.width();
     const int first = FirstPixel(std::min(a.x(), b.x()), low, high);
     const int end = FirstPixel(std::max(a.x(), b.x()), low, high);
     if (first >= end) return true;
-    if (crossings.size() + static_cast<std::size_t>(end - first) > limit) return false;
+    if (crossings.size() + static_cast<std::size_t>(end - first) > kMaximumCrossings) return false;
     const double slope = (b.y() - a.y()) / (b.x() - a.x());
     for (int column = first; column < end; ++column)
         crossings.push_back({static_cast<std::uint32_t>(column - low),
                              static_cast<float>(a.y() + (column + 0.5 - a.x()) * slope)});
     return true;
 }
-
-// Beyond this many crossings in a column, on average, a scan line fill does better.
-constexpr std::size_t kCrossingsPerColumn = 32;
 
 } // namespace
 
@@ -86,8 +86,7 @@ bool PolygonToColumns(std::span<const QPointF> polygon, const QRect& bounds, std
     std::vector<SCrossing> crossings;
     crossings.reserve(4 * columns);
     for (std::size_t i = 0; i < polygon.size(); ++i)
-        if (!AddCrossings(polygon[i], polygon[i + 1 < polygon.size() ? i + 1 : 0], bounds,
-                          kCrossingsPerColumn * columns, crossings))
+        if (!AddCrossings(polygon[i], polygon[i + 1 < polygon.size() ? i + 1 : 0], bounds, crossings))
             return false;
 
     // Counted, then sorted into one array by column.

@@ -31,8 +31,8 @@ bool ClipSegment(SPoint& from, SPoint& to, const SRect& bounds);
 
 // The polygon (alternate fill) as rectangles of whole pixels within `bounds`: the pixels whose centres are
 // inside. Made column by column, which suits the bands of curves: about as many edges as columns, two
-// crossings in each. Adjoining columns of equal extent become one rectangle. False: the polygon crosses its
-// columns so often that this is no gain, and `rects` is of no use.
+// crossings in each. Adjoining columns of equal extent become one rectangle. False: there are too many
+// crossings to hold (millions), and `rects` is of no use.
 bool PolygonToColumns(std::span<const QPointF> polygon, const QRect& bounds, std::vector<QRect>& rects);
 
 } // namespace Outils_Plot2D

@@ -25,9 +25,31 @@ constexpr float kShapeMargin = 4096.0f;
 // From here on a polyline is worth thinning, and up to this width in pixels its strokes are.
 constexpr std::size_t kLongLine = 100;
 constexpr int kWidestStrokes = 4;
+constexpr double kWidestPen = 1000;
 
 QPointF ToNative(SPoint point) { return {point.x, point.y}; }
 QRectF ToNative(const SRect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
+
+// The device is made of pixels whose rows and columns are those of the drawing.
+bool IsPixelGrid(const QPainter& painter) {
+    const QTransform toDevice = painter.deviceTransform();
+    return painter.paintEngine()->type() == QPaintEngine::Raster && toDevice.type() <= QTransform::TxScale &&
+           toDevice.isInvertible();
+}
+
+// The pixel painter hands shapes of a hundred rows and more to its threads. For a column a few pixels wide
+// the handing over takes ten times the filling, so that tall ones are drawn in pieces.
+constexpr int kPieceHeight = 64;
+constexpr int kNarrow = 32;
+
+void CutTallColumns(std::vector<QRect>& rects) {
+    for (std::size_t i = 0; i < rects.size(); ++i) {
+        const QRect rect = rects[i];
+        if (rect.height() <= kPieceHeight || rect.width() > kNarrow) continue;
+        rects[i].setHeight(kPieceHeight);
+        rects.push_back(rect.adjusted(0, kPieceHeight, 0, 0)); // is cut in its turn
+    }
+}
 
 // Control points of a cardinal spline lie along the chord of the neighbours, a third of the tension away.
 constexpr double kSplineReach = 0.5 / 3.0;
@@ -96,19 +118,36 @@ void CGraphics::SetTextRenderingHint(TextRenderingHint hint) {
 
 void CGraphics::DrawLine(const QPen& pen, SPoint from, SPoint to) {
     if (!Begin(IsFinite(from) && IsFinite(to)) || !ClipSegment(from, to, Sight(kLineMargin))) return;
-    m_painter->setPen(pen);
+    m_painter->setPen(DevicePen(pen));
     m_painter->drawLine(ToNative(from), ToNative(to));
 }
 
-void CGraphics::DrawPolyline() {
-    const int count = static_cast<int>(m_line.size());
-    if (count > 1) m_painter->drawPolyline(m_line.data(), count);
+template <class Stroke>
+void CGraphics::StrokeThinly(Stroke&& stroke) {
+    stroke();
     for (const QPointF shift : m_strokes) {
         m_painter->translate(shift);
-        m_painter->drawPolyline(m_line.data(), count);
+        stroke();
         m_painter->translate(-shift);
     }
+}
+
+void CGraphics::DrawPolyline() {
+    if (m_line.size() > 1)
+        StrokeThinly([&] { m_painter->drawPolyline(m_line.data(), static_cast<int>(m_line.size())); });
     m_line.clear();
+}
+
+// At a scale of 1.5 a line would be one or two pixels wide as it happens to fall: there all are made equally
+// wide.
+QPen CGraphics::DevicePen(const QPen& pen) const {
+    if (pen.isCosmetic() || !IsPixelGrid(*m_painter)) return pen;
+    const double scale = std::fabs(m_painter->deviceTransform().m11());
+    if (scale == 1) return pen;
+    QPen even = pen;
+    even.setCosmetic(true);
+    even.setWidthF(std::max(std::round(std::min(pen.widthF() * scale, kWidestPen)), 1.0));
+    return even;
 }
 
 // A line of several pixels costs the pixel painter tens of times one of a single pixel. A long polyline, as
@@ -116,20 +155,16 @@ void CGraphics::DrawPolyline() {
 // says where.
 QPen CGraphics::ThinPen(const QPen& pen, std::size_t pointCount) {
     m_strokes.clear();
+    const QPen even = DevicePen(pen);
+    if (pointCount < kLongLine || even.widthF() > kWidestStrokes || !IsPixelGrid(*m_painter)) return even;
     const QTransform toDevice = m_painter->deviceTransform();
-    if (pointCount < kLongLine || m_painter->paintEngine()->type() != QPaintEngine::Raster ||
-        toDevice.type() > QTransform::TxScale)
-        return pen;
-    const double scale = std::max(std::fabs(toDevice.m11()), std::fabs(toDevice.m22()));
-    const int width = static_cast<int>(std::lround(std::min(pen.widthF() * scale, kWidestStrokes + 1.0)));
-    if (pen.isCosmetic() || width > kWidestStrokes) return pen;
-    QPen thin = pen;
-    thin.setWidth(0);
-    for (int i = 1; i < width; ++i) {
+    for (int i = 1; i < static_cast<int>(std::lround(even.widthF())); ++i) {
         const int step = i % 2 ? (i + 1) / 2 : -i / 2;
         m_strokes.emplace_back(step / toDevice.m11(), 0);
         m_strokes.emplace_back(0, step / toDevice.m22());
     }
+    QPen thin = even;
+    thin.setWidth(0);
     return thin;
 }
 
@@ -177,7 +212,8 @@ void CGraphics::DrawCurve(const QPen& pen, std::span<const SPoint> points) {
         m_line.clear();
     }
     AddSpline(path, m_line);
-    m_painter->strokePath(path, pen);
+    const QPen thin = ThinPen(pen, points.size());
+    StrokeThinly([&] { m_painter->strokePath(path, thin); });
 }
 
 void CGraphics::FillPolygon(const QBrush& brush, std::span<const SPoint> points) {
@@ -198,10 +234,8 @@ void CGraphics::FillPolygon(const QBrush& brush, std::span<const SPoint> points)
 // On devices made of pixels a polygon of thousands of edges is filled several times faster as columns; vector
 // devices get the polygon itself, which is the smaller output.
 bool CGraphics::FillColumns(const QBrush& brush, std::span<const SPoint> points) {
+    if (!m_clipped || !IsPixelGrid(*m_painter)) return false;
     const QTransform toDevice = m_painter->deviceTransform();
-    if (!m_clipped || m_painter->paintEngine()->type() != QPaintEngine::Raster ||
-        toDevice.type() > QTransform::TxScale)
-        return false;
     m_line.clear();
     for (const SPoint point : points)
         m_line.emplace_back(point.x * toDevice.m11() + toDevice.dx(),
@@ -209,6 +243,7 @@ bool CGraphics::FillColumns(const QBrush& brush, std::span<const SPoint> points)
     const QRect bounds = toDevice.mapRect(ToNative(Sight(0))).toAlignedRect();
     std::vector<QRect> rects;
     if (!PolygonToColumns(m_line, bounds, rects)) return false;
+    CutTallColumns(rects);
     const QTransform world = m_painter->worldTransform();
     // Whatever stands between the world and the device (pixel ratio, redirection) is undone by its inverse.
     m_painter->setWorldTransform((world.inverted() * toDevice).inverted());
@@ -226,7 +261,7 @@ void CGraphics::FillRectangle(const QBrush& brush, const SRect& rect) {
 
 void CGraphics::DrawRectangle(const QPen& pen, const SRect& rect) {
     if (!Begin(IsFinite(rect))) return;
-    m_painter->setPen(pen);
+    m_painter->setPen(DevicePen(pen));
     m_painter->setBrush(Qt::NoBrush);
     m_painter->drawRect(ToNative(ClampInto(rect, Sight(kShapeMargin))));
 }

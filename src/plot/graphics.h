@@ -115,7 +115,10 @@ class CGraphics {
     // What can be seen, and `margin` pixels about it, in the present coordinates.
     SRect Sight(float margin) const;
     bool FillColumns(const QBrush& brush, std::span<const SPoint> points);
+    QPen DevicePen(const QPen& pen) const;
     QPen ThinPen(const QPen& pen, std::size_t pointCount);
+    template <class Stroke>
+    void StrokeThinly(Stroke&& stroke);
     void DrawPolyline();
 
     QPainter* m_painter = nullptr; // not owned

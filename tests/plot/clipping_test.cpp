@@ -39,8 +39,9 @@ TEST(PolygonToColumns, MergesEqualColumnsAndGivesUpOnTangles) {
     ASSERT_EQ(rects.size(), 1u);
     EXPECT_EQ(rects[0], QRect(0, 10, 100, 10));
     std::vector<QPointF> tangle;
-    for (int i = 0; i < 1000; ++i) tangle.emplace_back(i % 2 ? 0 : 100, i);
-    EXPECT_FALSE(PolygonToColumns(tangle, QRect(0, 0, 100, 100), rects));
+    for (int i = 0; i < 1000; ++i) tangle.emplace_back(i % 2 ? 0 : 5000, i);
+    EXPECT_FALSE(PolygonToColumns(tangle, QRect(0, 0, 5000, 100), rects));
+    EXPECT_TRUE(PolygonToColumns(tangle, QRect(0, 0, 1000, 100), rects));
 }
 
 TEST(ClipSegment, KeepsWhatLiesWithin) {
