@@ -15,6 +15,8 @@ struct SImuSample {
     double interval = 0.0;                // its length, s, above 0
     Vector3d angle = Vector3d::Zero();    // rotation, rad
     Vector3d velocity = Vector3d::Zero(); // integral of the specific force, m/s
+    // The share of the interval for which data is missing, s; there the rates of the rest are taken to hold.
+    double gap = 0.0;
 };
 
 // Whether a measurement is taken.

@@ -45,6 +45,7 @@ inline constexpr double kSameTime = 1e-6;
 template <class Source, class Take>
 void AdvanceThrough(CInsFilter& filter, const SImuSample& sample, Source& source, Take&& take) {
     SImuSample rest = sample;
+    if (sample.gap > 0.0) filter.AdmitGap(sample.gap);
     while (const auto* item = source.Peek()) {
         if (item->time > sample.time) break;
         if (sample.time - item->time < kSameTime && rest.interval > 0.0) {

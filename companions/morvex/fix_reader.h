@@ -1,0 +1,43 @@
+// The fixes of all GPS of a run, in one order of their instants of validity.
+#pragma once
+
+#include "morvex/measurements.h"
+#include "morvex/packet_stream.h"
+#include "morvex/run_plan.h"
+
+#include <memory>
+#include <vector>
+
+namespace Morvex {
+
+class CFixReader {
+  public:
+    // Opens every GPS of the plan, which must outlive the reader. Gives the numbers, from 0, of those that
+    // could not be opened.
+    std::vector<int> Open(const SRunPlan& plan);
+    bool HasSources() const { return !m_sources.empty(); }
+
+    // The next fix; null at the end. Valid until Pop.
+    const SPositionFix* Peek() const {
+        return m_first < m_sources.size() ? &m_sources[m_first]->next : nullptr;
+    }
+    void Pop();
+
+  private:
+    struct SSource {
+        const SGpsPlan* plan = nullptr;
+        std::uint8_t number = 0;
+        CPacketStream stream;
+        SPositionFix next;
+        bool hasNext = false;
+    };
+    void Advance(SSource& source);
+    void FindFirst();
+    bool MakeFix(const SSource& source, const CPayload& payload, SPositionFix& fix) const;
+
+    const SRunPlan* m_plan = nullptr;
+    std::vector<std::unique_ptr<SSource>> m_sources;
+    std::size_t m_first = 0; // the source whose fix is next; beyond the last at the end
+};
+
+} // namespace Morvex

@@ -1,0 +1,38 @@
+// The inertial data of a recording as samples in vessel axes.
+#pragma once
+
+#include "morvex/measurements.h"
+#include "morvex/packet_stream.h"
+#include "morvex/run_plan.h"
+
+namespace Morvex {
+
+class CImuReader {
+  public:
+    // False when there is no such file or channel, or less than two packets in it.
+    bool Open(const SRunPlan& plan);
+    // The next sample; false at the end. Packets dated before their predecessor, and single ones dated far
+    // ahead of their successor, are left out.
+    bool Next(SImuSample& sample);
+
+    double GetNominalInterval() const { return m_nominal; }
+    CPacketStream& GetStream() { return m_stream; }
+
+  private:
+    struct SRaw {
+        double time = 0.0;
+        Vector3d angle = Vector3d::Zero();
+        Vector3d velocity = Vector3d::Zero();
+    };
+    bool ReadRaw(SRaw& raw);
+
+    CPacketStream m_stream;
+    Matrix3d m_angleScale = Matrix3d::Identity();    // raw unit to rad in vessel axes
+    Matrix3d m_velocityScale = Matrix3d::Identity(); // raw unit to m/s in vessel axes
+    SRaw m_next;
+    bool m_hasNext = false;
+    double m_last = 0.0;
+    double m_nominal = 0.0;
+};
+
+} // namespace Morvex

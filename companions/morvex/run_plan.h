@@ -1,0 +1,96 @@
+// A run as the engine needs it: plain values in SI units and seconds on the recording's clock.
+#pragma once
+
+#include "foundation/date_time.h"
+#include "morvex/measurements.h"
+#include "morvex/rotation.h"
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Metier_Tarvel {
+class CTrvSimulationParameters;
+}
+
+namespace Morvex {
+
+// From `begin`, included, to `end`, not included.
+struct SPeriod {
+    double begin = 0.0;
+    double end = 0.0;
+    bool Contains(double time) const { return time >= begin && time < end; }
+};
+
+template <class Value>
+struct SInPeriod {
+    SPeriod period;
+    Value value;
+};
+
+// The value in force at a time: of the last instruction whose period holds it. Null for none.
+template <class Value>
+const Value* FindInForce(const std::vector<SInPeriod<Value>>& instructions, double time) {
+    for (auto i = instructions.rbegin(); i != instructions.rend(); ++i)
+        if (i->period.Contains(time)) return &i->value;
+    return nullptr;
+}
+
+// One channel of one packet file.
+struct SChannelPlan {
+    std::filesystem::path path;
+    std::string channel;
+    double timeOffset = 0.0; // added to its dates, s
+};
+
+// Standard deviations of a fix, m.
+struct SFixDeviation {
+    double north = 0.0, east = 0.0, up = 0.0;
+    double covariance = 0.0; // of north and east, m²
+};
+
+enum class ERejection : std::uint8_t { asPacketSays, always, never, automatic };
+
+struct SGpsPlan {
+    SChannelPlan source;
+    Vector3d leverArm = Vector3d::Zero();
+    std::vector<SInPeriod<ERejection>> rejections;        // of the horizontal position
+    std::vector<SInPeriod<SFixDeviation>> userDeviations; // instead of the packet's
+    SFixDeviation leastDeviation;                         // the covariance is not used
+};
+
+enum class EHeightAid : std::uint8_t { asPacketSays, gps, other };
+
+struct SRunPlan {
+    SChannelPlan imu;
+    std::optional<double> begin, end; // s; empty: from the first or to the last sample
+    Matrix3d unitToVessel = Matrix3d::Identity();
+    Matrix3d userToVessel = Matrix3d::Identity(); // axes whose attitude is written
+    std::vector<SGpsPlan> gps;                    // at most three
+    std::vector<SInPeriod<EHeightAid>> heightAids;
+    // Altitudes of the fixes and of the result are above the geoid, not above the ellipsoid.
+    bool aboveGeoid = true;
+
+    std::filesystem::path output;
+    double defaultRate = 1.0; // Hz
+    std::vector<SInPeriod<double>> rates;
+    std::array<Vector3d, 4> points{Vector3d::Zero(), Vector3d::Zero(), Vector3d::Zero(),
+                                   Vector3d::Zero()}; // primary, secondary A, B, C; vessel axes, m
+    std::vector<SChannelPlan> synchronized;           // whose dates the result is wanted at as well
+    // UTC of Date zero; empty: to be taken from the recording.
+    std::optional<Outils_Temps::CDateTime> utcOrigin;
+
+    bool backwardAsked = false;
+    bool ciphered = false;
+    std::string sensorsNotUsed; // labels of the kinds that are declared and that this engine does not use
+};
+
+// Reads the single object of a parameter file; null when it cannot be read or is something else.
+std::unique_ptr<Metier_Tarvel::CTrvSimulationParameters> LoadParameters(const std::filesystem::path& path);
+
+SRunPlan MakeRunPlan(const Metier_Tarvel::CTrvSimulationParameters& parameters);
+
+} // namespace Morvex
