@@ -13,7 +13,8 @@ namespace Metier_Tarvel {
 template <class T>
 void RequiredMember(Outils_Objets::CSchema& schema, std::unique_ptr<T>& member) {
     schema.Owned(member);
-    if (!member) Outils_Objets::AfxThrowArchiveException(Outils_Objets::CArchiveException::badIndex);
+    if (schema.IsLoading() && !member)
+        Outils_Objets::AfxThrowArchiveException(Outils_Objets::CArchiveException::badIndex);
 }
 
 // Deletes an element of a list; false if it is not in it.

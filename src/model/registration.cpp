@@ -1,6 +1,7 @@
 #include "model/registration.h"
 
 #include "model/project.h"
+#include "model/simulation_time_adaptor.h"
 
 namespace Metier_Tarvel {
 
@@ -12,7 +13,8 @@ void RegisterModelClasses(Outils_Objets::CClassRegistry& registry) {
 
     registry.Register<Outils_Objets::CObjetMetier, CTrvObject, CPosition, CLeverArm, CMisalignment>();
     registry.Register<CTrvProject, CTrvSimulationParameters, CTrvDataFile, CTrvDataFileChannel,
-                      CTrvCurrentModeling, CTrvSpeedBias, CTrvNelixConfiguration, CTrvNelixType>();
+                      CTrvCurrentModeling, CTrvSpeedBias, CTrvNelixConfiguration, CTrvNelixType,
+                      CTrvSimulationTimeAdaptor>();
     registry
         .Register<CTrvPeriod, CTrvAltitudeMode, CTrvZupt, CTrvOutputRate, CTrvHorizontalFilteringInstruction,
                   CTrvRejectionGroup, CTrvRejectionInstruction, CTrvGpsStdDevThreshold>();

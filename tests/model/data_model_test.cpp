@@ -1,0 +1,193 @@
+#include "model/project.h"
+#include "recording/recording_writer.h"
+#include "recording_folder.h"
+#include "xpf/packets.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+
+using namespace Metier_Tarvel;
+using namespace Metier_Tarvel_DataModel;
+using namespace Persistance_Xpf;
+
+namespace {
+
+class DataModelTest : public testing::Test {
+  protected:
+    std::filesystem::path Create(const char* name, std::initializer_list<std::string_view> channels) {
+        Enregistrement::CRecordingWriter writer;
+        EXPECT_TRUE(writer.Create(folder / name, std::vector<std::string_view>(channels)));
+        return folder / name;
+    }
+    // Overwrites header bytes of a file.
+    void Patch(const std::filesystem::path& path, std::streamoff at, std::string_view bytes) {
+        std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp(at);
+        file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    }
+    static bool HasMeasure(const CTrvDataLayer& layer, std::string_view name) {
+        return std::any_of(layer.m_measures.begin(), layer.m_measures.end(),
+                           [name](const auto& measure) { return measure->m_name == name; });
+    }
+    const CTrvDataLayer& Layer(std::string_view name) {
+        for (const auto& layer : model.m_layers)
+            if (layer->m_name == name) return *layer;
+        static const CTrvDataLayer none;
+        ADD_FAILURE() << name;
+        return none;
+    }
+    std::vector<std::string> Names() {
+        std::vector<std::string> names;
+        for (const auto& layer : model.m_layers) names.push_back(layer->m_name);
+        return names;
+    }
+
+    static constexpr std::streamoff kDefinitions = 123 + 84; // of a file with one channel
+    static constexpr std::streamoff kFields = kDefinitions + 8;
+
+    CRecordingFolder folder;
+    CTrvDataModel model;
+};
+
+using List = std::vector<std::string>;
+
+} // namespace
+
+TEST_F(DataModelTest, LayersHoldVisibleMeasuresAndStatusFields) {
+    CTrvSimulationParameters parameters(Create("a.tarin", {"IMU", "GPS_1", "TEMPERATURE", "NELIX_NAV"}),
+                                        Create("a.tarout", {"MORVEX_STD", "MORVEX_MSG", "MORVEX_EXT"}));
+    CTrvDataFile& input = *parameters.mainInputFile;
+    CTrvDataFile& output = *parameters.outputFile;
+    ASSERT_TRUE(model.BuildFromFile(input, false));
+    ASSERT_TRUE(model.BuildFromFile(output, false));
+    EXPECT_EQ(Names(),
+              (List{"IMU", "GPS_1", "TEMPERATURE", "NELIX_NAV", "MORVEX_STD", "MORVEX_MSG", "MORVEX_EXT"}));
+
+    const CTrvDataLayer& gps = Layer("GPS_1");
+    const CTrvMeasureDef* latitude = CTrvDataModel::FindMeasure(gps, kGpsLayout.IndexOf("Latitude"));
+    ASSERT_TRUE(latitude);
+    EXPECT_EQ(latitude->m_name, "Latitude");
+    EXPECT_EQ(latitude->m_nature, natureLatitude);
+    EXPECT_EQ(latitude->m_layer, &gps);
+    EXPECT_FALSE(CTrvDataModel::FindMeasure(gps, kGpsLayout.IndexOf("Delay")));
+    EXPECT_EQ(gps.m_measures.size(), 8u);
+    EXPECT_FALSE(gps.m_enums.empty());
+    EXPECT_FALSE(gps.m_enums[0]->m_literals.empty());
+
+    EXPECT_TRUE(model.SetLayerHasData(&input, gps.m_channelNumber));
+    EXPECT_FALSE(model.SetLayerHasData(&input, 999));
+    EXPECT_TRUE(gps.m_hasData);
+    EXPECT_EQ(Layer("TEMPERATURE").m_measures.size(), 0u);
+    EXPECT_EQ(Layer("MORVEX_STD").m_enums.size(), 62u);
+    EXPECT_TRUE(Layer("MORVEX_MSG").m_measures.empty() && Layer("MORVEX_MSG").m_enums.empty());
+    EXPECT_TRUE(Layer("MORVEX_EXT").m_measures.empty() && Layer("MORVEX_EXT").m_enums.empty());
+
+    model.BuildFromFile(input, true);
+    model.BuildFromFile(output, true);
+    EXPECT_EQ(Names().size(), 7u);
+    EXPECT_EQ(Layer("TEMPERATURE").m_measures.size(), 8u);
+    EXPECT_EQ(Layer("MORVEX_EXT").m_measures.size(), 6u);
+
+    model.RemoveLayers(&input);
+    EXPECT_EQ(Names(), (List{"MORVEX_STD", "MORVEX_MSG", "MORVEX_EXT"}));
+}
+
+TEST_F(DataModelTest, FieldsOutsideTheTablesAreForExperts) {
+    const auto path = Create("a.tarin", {"DEPTH"});
+    const std::streamoff depth = kFields + 3 * 100;
+    CTrvSimulationParameters parameters(path, folder / "a.tarout");
+    Patch(path, depth, std::string_view("Novelty\0", 8));
+    model.BuildFromFile(*parameters.mainInputFile, false);
+    EXPECT_FALSE(HasMeasure(Layer("DEPTH"), "Novelty"));
+    model.BuildFromFile(*parameters.mainInputFile, true);
+    EXPECT_TRUE(HasMeasure(Layer("DEPTH"), "Novelty"));
+    Patch(path, depth + 31, std::string_view("\4\0\0\0", 4));
+    model.BuildFromFile(*parameters.mainInputFile, true);
+    EXPECT_FALSE(HasMeasure(Layer("DEPTH"), "Novelty")) << "four elements are no measure";
+}
+
+TEST_F(DataModelTest, FirstImuLayoutHasTemperaturesForExpertsAndNoNatures) {
+    const auto path = Create("a.tarin", {"IMU"});
+    Patch(path, kDefinitions + 2, "\1");
+    Patch(path, kFields + 4 * 100 + 99, std::string_view("\0", 1));                // nature of "Fog 1"
+    Patch(path, kFields + 7 * 100, std::string_view("Temperatures\0", 13));        // was "Acc 1"
+    Patch(path, kFields + 10 * 100, std::string_view("Former status word\0", 19)); // was "Sensor status"
+    CTrvSimulationParameters parameters(path, folder / "a.tarout");
+    for (const bool expert : {false, true}) {
+        model.BuildFromFile(*parameters.mainInputFile, expert);
+        EXPECT_EQ(HasMeasure(Layer("IMU"), "Temperatures"), expert);
+        EXPECT_FALSE(HasMeasure(Layer("IMU"), "Former status word"));
+        EXPECT_EQ(CTrvDataModel::FindMeasure(Layer("IMU"), 4)->m_nature, natureRawFog);
+    }
+}
+
+TEST_F(DataModelTest, RefreshKeepsTheLayersThatStay) {
+    CTrvSimulationParameters parameters(Create("a.tarin", {"IMU", "GPS_1"}), folder / "a.tarout");
+    CTrvDataFile& file = *parameters.mainInputFile;
+    model.BuildFromFile(file, false);
+    const CTrvDataLayer* gps = &Layer("GPS_1");
+    EXPECT_FALSE(model.RefreshFromFile(file, false));
+    Create("a.tarin", {"GPS_1", "DEPTH"});
+    EXPECT_TRUE(model.RefreshFromFile(file, false));
+    EXPECT_EQ(Names(), (List{"GPS_1", "DEPTH"}));
+    EXPECT_EQ(&Layer("GPS_1"), gps);
+    std::filesystem::remove(file.path);
+    EXPECT_TRUE(model.RefreshFromFile(file, false));
+    EXPECT_TRUE(model.m_layers.empty());
+}
+
+TEST_F(DataModelTest, CutHeadersGiveWhatStandsBeforeTheCut) {
+    const auto path = Create("a.tarin", {"IMU", "GPS_1"});
+    CTrvSimulationParameters parameters(path, folder / "a.tarout");
+    for (auto size = std::filesystem::file_size(path); size-- > 0;) {
+        std::filesystem::resize_file(path, size);
+        EXPECT_FALSE(model.BuildFromFile(*parameters.mainInputFile, true)) << size;
+        ASSERT_LE(model.m_layers.size(), 2u);
+    }
+    EXPECT_TRUE(model.m_layers.empty());
+}
+
+// Thousands of channels and definitions of one type, each pair of which would be a layer's worth of fields.
+TEST_F(DataModelTest, HeadersThatMultiplyAreCutOff) {
+    const auto path = Create("a.tarin", {"GPS_1"});
+    std::ifstream in(path, std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(in)), {});
+    std::string header = bytes.substr(0, 123);
+    header[119] = header[120] = header[121] = header[122] = '\x7F';
+    std::ofstream out(folder / "b.tarin", std::ios::binary);
+    out << header;
+    for (int i = 0; i < 0x7F7F; ++i) out << bytes.substr(123, 84);
+    for (int i = 0; i < 0x7F7F; ++i) out << std::string_view("\3\0\2\0\0\0\0\0", 8);
+    out.close();
+    CTrvSimulationParameters parameters(folder / "b.tarin", folder / "b.tarout");
+    EXPECT_FALSE(model.BuildFromFile(*parameters.mainInputFile, false));
+    EXPECT_LT(model.m_layers.size(), 1000u);
+}
+
+TEST_F(DataModelTest, RemovingAFileForgetsAllThatShowedIt) {
+    CTrvProject project(Create("a.tarin", {"IMU"}), folder / "a.tarout");
+    project.RebuildDataModel(false);
+    CTrvDataFile* main = project.simulationParameters->mainInputFile.get();
+    CTrvDataFile* other = project.AddDataFile(Create("b.tarin", {"DEPTH", "GPS_1"}), false);
+    ASSERT_TRUE(other);
+    EXPECT_EQ(project.dataModel->m_layers.size(), 3u);
+    auto& graphs = *project.graphSettings;
+    auto* mixed = graphs.AddMeasureGraph("mixed");
+    mixed->AddCurve(main, 1, 4, "kept");
+    mixed->AddCurve(other, 1, 4, "gone");
+    graphs.AddMeasureGraph("gone")->AddCurve(other, 1, 4, "gone");
+    graphs.AddEnumGraph("gone", other, 1, 0, "gone");
+    project.instantValuesSettings->AddMeasure(other, 1, 4, "gone");
+    project.instantValuesSettings->AddEnum(main, 1, 0, "kept");
+
+    EXPECT_FALSE(project.RemoveDataFile(main));
+    EXPECT_TRUE(project.RemoveDataFile(other));
+    EXPECT_EQ(project.dataModel->m_layers.size(), 1u);
+    ASSERT_EQ(graphs.graphs.size(), 1u);
+    ASSERT_EQ(mixed->curves.size(), 1u);
+    EXPECT_EQ(mixed->curves[0]->label, "kept");
+    EXPECT_TRUE(project.instantValuesSettings->measures.empty());
+    EXPECT_EQ(project.instantValuesSettings->enums.size(), 1u);
+}
