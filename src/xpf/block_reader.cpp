@@ -12,8 +12,9 @@ namespace Persistance_Xpf {
 namespace {
 
 constexpr std::int64_t kPage = 4096;
-// Two pages, so that nearly every packet that a seek finds is whole in the first block.
-constexpr std::size_t kSmallestBlock = 2 * kPage;
+// A lone access takes less than a page: what it costs is the memory that it touches, and most packets fit.
+constexpr std::int64_t kSector = 256;
+constexpr std::size_t kSmallestBlock = 2 * kSector;
 constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
 // A jump up to this far costs less as a read through than as a read of its own: a system call takes about the
 // time in which this much is copied.
@@ -21,7 +22,7 @@ constexpr std::int64_t kNear = 2 * kPage;
 // Reads above this go straight into the caller's memory.
 constexpr std::size_t kLargestCopy = std::size_t{64} << 10;
 
-constexpr std::int64_t FloorToPage(std::int64_t offset) { return offset & ~(kPage - 1); }
+constexpr std::int64_t Floor(std::int64_t offset, std::int64_t unit) { return offset & ~(unit - 1); }
 
 // Reads until `enough` bytes are there, asking for `size` at once.
 std::size_t ReadAt(int handle, std::int64_t offset, std::uint8_t* buffer, std::size_t size,
@@ -109,12 +110,13 @@ bool CBlockReader::Load(std::int64_t offset, std::size_t size) {
     const bool backward = offset < m_begin && end >= m_begin - kNear;
     ChooseBlock(forward || backward);
 
-    const std::int64_t ahead =
-        backward ? std::max<std::int64_t>(end - static_cast<std::int64_t>(m_block), 0) : offset;
-    const std::int64_t begin = FloorToPage(std::min(ahead, offset));
+    const auto block = static_cast<std::int64_t>(m_block);
+    const std::int64_t unit = m_block == kSmallestBlock ? kSector : kPage;
+    const std::int64_t begin =
+        Floor(backward ? std::clamp<std::int64_t>(end - block, 0, offset) : offset, unit);
     const auto needed = static_cast<std::size_t>(end - begin);
     const std::size_t length =
-        std::max(m_block, static_cast<std::size_t>(FloorToPage(end - begin + kPage - 1)));
+        std::max(m_block, static_cast<std::size_t>(Floor(end - begin + unit - 1, unit)));
     if (!Reserve(length, end)) return false;
     m_begin = begin;
     m_end = begin + static_cast<std::int64_t>(ReadAt(m_handle, begin, m_buffer.get(), length, needed));
@@ -123,8 +125,7 @@ bool CBlockReader::Load(std::int64_t offset, std::size_t size) {
 
 // Doubles the block while the walk goes on where the last block ended, and starts small elsewhere.
 void CBlockReader::ChooseBlock(bool goesOn) {
-    m_block = goesOn ? std::min(m_block * 2, kLargestBlock) : kSmallestBlock;
-    m_block = std::max(m_block, kSmallestBlock);
+    m_block = goesOn ? std::clamp<std::size_t>(m_block * 2, kPage, kLargestBlock) : kSmallestBlock;
     const bool sequential = m_block == kLargestBlock || (m_adviseSequential && m_block != kSmallestBlock);
     if (sequential == m_adviseSequential) return;
     m_adviseSequential = sequential;

@@ -38,6 +38,8 @@ class CBlockReader {
     std::int64_t GetPosition() const { return m_position; }
     // False while closed and for an offset out of range; beyond the end of the file is allowed.
     bool Seek(std::int64_t offset);
+    // Moves the pointer on within or behind a view.
+    void Advance(std::int64_t count) { m_position += count; }
     // Moves the pointer by the count read, short at the end of the file.
     std::size_t Read(void* buffer, std::size_t size);
 
@@ -53,14 +55,16 @@ class CBlockReader {
 
     void Forget();
 
+    // Whether these bytes can be had without a read.
+    bool Holds(std::int64_t offset, std::size_t size) const {
+        return offset >= m_begin && m_end - offset >= static_cast<std::int64_t>(size);
+    }
+
   private:
     struct SFree {
         void operator()(std::uint8_t* bytes) const { std::free(bytes); }
     };
 
-    bool Holds(std::int64_t offset, std::size_t size) const {
-        return offset >= m_begin && m_end - offset >= static_cast<std::int64_t>(size);
-    }
     bool Load(std::int64_t offset, std::size_t size);
     void ChooseBlock(bool goesOn);
     bool Reserve(std::size_t length, std::int64_t end);

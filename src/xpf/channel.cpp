@@ -35,28 +35,35 @@ bool CXpfChannel::ReadNextPacket(std::uint32_t& sizeRead, SPacketHeader* header,
     std::int64_t position = m_current.Get();
     if (!reader.Seek(position)) return false;
 
-    SPacketHeader found;
-    const bool reached = m_file.WalkToChannel(m_number, position, found);
-    reader.Seek(position);
-    if (!reached) return false;
+    const std::uint8_t* packet = m_file.WalkToChannel(m_number, position);
+    reader.Seek(position); // where the pointer stays on a failure
+    if (!packet) return false;
     m_current = position;
 
     // The trailer is only read, never compared: a whole packet has been written once its last byte is there.
     // Behind a payload that is cut by a small buffer, the bytes in its place serve as well.
-    const std::uint32_t count = std::min(bufferSize, found.GetPayloadSize());
+    const std::uint32_t size = LoadPacketSize(packet);
+    const std::uint32_t count = std::min(bufferSize, size - kPacketOverhead);
     const std::size_t length = std::size_t{kPacketOverhead} + count;
-    if (length <= kLargestInBlock) {
-        const std::uint8_t* packet = reader.View(position, length);
-        if (!packet) return false;
-        if (count > 0) std::memcpy(buffer, packet + kPacketHeaderSize, count);
-        reader.Seek(position + static_cast<std::int64_t>(length));
-    } else {
+    SPacketHeader found;
+    std::memcpy(&found, packet, sizeof found);
+    if (length > kLargestInBlock) {
         SPacketTrailer trailer;
         reader.Seek(position + kPacketHeaderSize);
         if (reader.Read(buffer, count) != count || reader.Read(&trailer, sizeof trailer) != sizeof trailer) {
             reader.Seek(position);
             return false;
         }
+    } else {
+        if (!reader.Holds(position, length)) {
+            packet = reader.View(position, length);
+            // Read anew, header and all; it has changed only under a reader that came upon a place being
+            // written.
+            if (!packet || LoadPacketSize(packet) != size) return false;
+            std::memcpy(&found, packet, sizeof found);
+        }
+        if (count > 0) std::memcpy(buffer, packet + kPacketHeaderSize, count);
+        reader.Seek(position + static_cast<std::int64_t>(length));
     }
     sizeRead = count;
     if (position > m_last.Get()) m_last = position;
@@ -65,7 +72,7 @@ bool CXpfChannel::ReadNextPacket(std::uint32_t& sizeRead, SPacketHeader* header,
 
     // Without a link this packet was the last of its channel when it was read; the next read walks on from
     // behind it through whatever the writer has appended since.
-    m_current = position + (found.forwardLink != 0 ? found.forwardLink : found.size);
+    m_current = position + (found.forwardLink != 0 ? found.forwardLink : size);
     return found.forwardLink == 0 || reader.Seek(m_current.Get());
 }
 
@@ -101,7 +108,9 @@ bool CXpfChannel::SeekFirstPacket(SPacketHeader* header) {
 bool CXpfChannel::FindFirstPacket(SPacketHeader& header) {
     const CXpfFilePosition start = m_file.GetDataStart();
     std::int64_t position = start.Get();
-    if (!start.IsKnown() || !m_file.WalkToChannel(m_number, position, header)) return false;
+    const std::uint8_t* packet = start.IsKnown() ? m_file.WalkToChannel(m_number, position) : nullptr;
+    if (!packet) return false;
+    std::memcpy(&header, packet, sizeof header);
     m_first = m_current = position;
     return m_file.Seek(position);
 }

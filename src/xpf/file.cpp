@@ -50,24 +50,29 @@ bool CXpfFile::Seek(std::int64_t offset) { return m_reader->Seek(offset); }
 std::size_t CXpfFile::Read(void* buffer, std::size_t size) { return m_reader->Read(buffer, size); }
 
 EPacketRead CXpfFile::ReadPacket(SPacketHeader& header, std::span<const std::uint8_t>& payload) {
-    const std::int64_t position = m_reader->GetPosition();
-    if (!ReadHeaderAt(position, header)) return EPacketRead::torn;
-    if (!header.Check()) {
-        m_reader->Forget(); // so that a later try sees what the writer has made of it
-        return EPacketRead::damaged;
-    }
-    if (header.size > CBlockReader::kLargestView) return ReadHugePacket(header, payload);
-
-    const std::uint8_t* packet = m_reader->View(position, header.size);
+    CBlockReader& reader = *m_reader;
+    const std::int64_t position = reader.GetPosition();
+    const std::uint8_t* packet = reader.View(position, kPacketHeaderSize);
     if (!packet) return EPacketRead::torn;
-    SPacketTrailer trailer;
-    std::memcpy(&trailer, packet + header.size - kPacketTrailerSize, sizeof trailer);
-    if (!trailer.Matches(header)) {
-        m_reader->Forget();
+    std::memcpy(&header, packet, sizeof header);
+    const std::uint32_t size = LoadPacketSize(packet);
+    if (!CheckHeaderBytes(packet)) {
+        reader.Forget(); // so that a later try sees what the writer has made of it
         return EPacketRead::damaged;
     }
-    payload = {packet + kPacketHeaderSize, header.GetPayloadSize()};
-    m_reader->Seek(position + header.size);
+    if (!reader.Holds(position, size)) {
+        if (size > CBlockReader::kLargestView) return ReadHugePacket(header, payload);
+        packet = reader.View(position, size);
+        if (!packet) return EPacketRead::torn;
+        std::memcpy(&header, packet, sizeof header); // of the same moment as the rest
+        if (header.size != size) return EPacketRead::torn;
+    }
+    if (!TrailerBytesMatch(packet, packet + size - kPacketTrailerSize)) {
+        reader.Forget();
+        return EPacketRead::damaged;
+    }
+    payload = {packet + kPacketHeaderSize, size - kPacketOverhead};
+    reader.Advance(size);
     return EPacketRead::whole;
 }
 
@@ -97,16 +102,22 @@ bool CXpfFile::IsPacket(std::int64_t position, const SPacketHeader& header) {
            trailer.Matches(header);
 }
 
-bool CXpfFile::WalkToChannel(std::uint16_t channel, std::int64_t& position, SPacketHeader& header) {
-    for (;;) {
-        if (!ReadHeaderAt(position, header)) return false;
+const std::uint8_t* CXpfFile::WalkToChannel(std::uint16_t channel, std::int64_t& position) {
+    CBlockReader& reader = *m_reader;
+    for (std::int64_t at = position;;) {
+        const std::uint8_t* bytes = reader.View(at, kPacketHeaderSize);
+        const std::uint32_t size = bytes ? LoadPacketSize(bytes) : 0;
         // Nothing shorter than its own frame is a packet, and a size of 0 would hold the walk here for ever.
-        if (header.size < kPacketOverhead) {
-            m_reader->Forget(); // it may be a place that the writer has yet to fill
-            return false;
+        if (size < kPacketOverhead) {
+            if (bytes) reader.Forget(); // it may be a place that the writer has yet to fill
+            position = at;
+            return nullptr;
         }
-        if (header.channel == channel) return true;
-        position += header.size;
+        if (LoadWord(bytes) >> 16 == channel) {
+            position = at;
+            return bytes;
+        }
+        at += size;
     }
 }
 

@@ -93,9 +93,9 @@ class CXpfFile {
 
   private:
     std::unique_ptr<CBlockReader> m_reader;
-    // Steps from `position` over packets of other channels to one of `channel`, whose header is copied. False
+    // Steps from `position` over packets of other channels to one of `channel`: its header in the block. Null
     // at the end of the stream, with `position` where it stopped. Tests no magic; the file pointer stays.
-    bool WalkToChannel(std::uint16_t channel, std::int64_t& position, SPacketHeader& header);
+    const std::uint8_t* WalkToChannel(std::uint16_t channel, std::int64_t& position);
     bool ReadHeaderAt(std::int64_t position, SPacketHeader& header);
     // The packet check against the trailer in the file.
     bool IsPacket(std::int64_t position, const SPacketHeader& header);

@@ -84,7 +84,8 @@ CXpfChannel::EStep CXpfChannel::NarrowBracket(std::uint32_t target, std::int64_t
     SPacketHeader header;
     if (!m_file.Seek(estimate) || !m_file.SearchPacketForward(header)) return EStep::failed;
     std::int64_t position = m_file.GetPosition();
-    if (!m_file.WalkToChannel(m_number, position, header)) return EStep::failed;
+    if (!m_file.WalkToChannel(m_number, position)) return EStep::failed;
+    if (!m_file.ReadHeaderAt(position, header)) return EStep::failed;
     if (header.number == upper.number) {
         // Overshot: the packet before the upper one.
         position -= header.backLink;

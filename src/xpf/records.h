@@ -2,7 +2,9 @@
 // writer of recordings.
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
 
 namespace Persistance_Xpf {
 
@@ -50,6 +52,25 @@ struct SPacketTrailer {
 };
 
 #pragma pack(pop)
+
+// The packet check on the bytes themselves, for the scans that run it on every packet: the words are compared
+// where they are loaded, without a copy in memory on the way from one packet's size to the next packet.
+static_assert(std::endian::native == std::endian::little);
+
+inline std::uint32_t LoadWord(const std::uint8_t* bytes) {
+    std::uint32_t word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+inline std::uint32_t LoadPacketSize(const std::uint8_t* header) { return LoadWord(header + 4); }
+inline bool CheckHeaderBytes(const std::uint8_t* header) {
+    return (LoadWord(header) & 0xFFFF) == 0x2424 && LoadPacketSize(header) >= kPacketOverhead;
+}
+// Given that the header check has passed: "$$" and channel against "!!" and channel, and the sizes.
+inline bool TrailerBytesMatch(const std::uint8_t* header, const std::uint8_t* trailer) {
+    return (LoadWord(header) ^ LoadWord(trailer)) == (0x2424 ^ 0x2121) &&
+           LoadWord(trailer + 4) == LoadPacketSize(header);
+}
 
 static_assert(sizeof(SPacketHeader) == kPacketHeaderSize);
 static_assert(sizeof(SPacketTrailer) == kPacketTrailerSize);
