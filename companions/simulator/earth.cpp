@@ -12,13 +12,16 @@ SRadii GetRadii(double sinLatitude) {
     return {normal * (1 - kEccentricitySquared) / w2, normal};
 }
 
-double GetGravity(double sinLatitude, double altitude) {
+Vector3 GetGravity(double sinLatitude, double altitude) {
     constexpr double equator = 9.7803253359, k = 0.00193185265241;
     constexpr double m = 0.00344978650684; // centrifugal over gravitational acceleration at the equator
     const double s2 = sinLatitude * sinLatitude;
     const double surface = equator * (1 + k * s2) / std::sqrt(1 - kEccentricitySquared * s2);
     const double ratio = altitude / kSemiMajorAxis;
-    return surface * (1 - 2 * (1 + kFlattening + m - 2 * kFlattening * s2) * ratio + 3 * ratio * ratio);
+    const double down =
+        surface * (1 - 2 * (1 + kFlattening + m - 2 * kFlattening * s2) * ratio + 3 * ratio * ratio);
+    constexpr double bend = 8.08e-9; // per second squared
+    return {-bend * altitude * 2 * sinLatitude * std::sqrt(1 - s2), 0, -down};
 }
 
 Vector3 ToEarthFixed(double latitude, double longitude, double altitude) {

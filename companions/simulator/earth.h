@@ -19,11 +19,12 @@ struct SRadii {
 };
 SRadii GetRadii(double sinLatitude);
 
-// Normal gravity in metres per second squared, along the normal of the ellipsoid, at an altitude in metres:
-// Somigliana's formula with the constants of WGS 84 (NIMA TR8350.2, 2000, eq. 4-1) and the upward
-// continuation of second order (the same, eq. 4-3). Within 1e-6 of the exact field from -10 km to 10 km,
-// whose small north component aloft (8e-9 per second squared and metre) is left out.
-double GetGravity(double sinLatitude, double altitude);
+// Normal gravity in level axes, metres per second squared, at an altitude in metres: Somigliana's formula
+// with the constants of WGS 84 and its upward continuation of second order (NIMA TR8350.2, 2000, eq. 4-1 and
+// 4-3), and the small north component off the ellipsoid that the bend of the plumb line gives (P. Groves,
+// Principles of GNSS, Inertial, and Multisensor Integrated Navigation Systems, 2013, eq. 2.140).
+// Within 1.5e-6 of the exact field from -5 km to 8 km.
+Vector3 GetGravity(double sinLatitude, double altitude);
 
 // Earth-centred, earth-fixed coordinates in metres; angles in radians.
 Vector3 ToEarthFixed(double latitude, double longitude, double altitude);

@@ -137,7 +137,7 @@ SVehicleState CMission::GetState(double time, CTrackCursor& cursor) const {
     state.earthRelativeRate = GetBodyRate(motion) + state.attitude.ApplyInverse(transport);
     state.inertialRate = state.earthRelativeRate + state.attitude.ApplyInverse(earth);
     // Navigation equation in level axes, solved for what accelerometers feel.
-    const Vector3 gravity{0, 0, -GetGravity(s, motion.altitude)};
+    const Vector3 gravity = GetGravity(s, motion.altitude);
     state.force = state.attitude.ApplyInverse(motion.acceleration +
                                               Cross(2 * earth + transport, motion.velocity) - gravity);
     return state;
