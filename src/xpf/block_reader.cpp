@@ -67,12 +67,6 @@ std::int64_t CBlockReader::GetFileSize() const {
     return m_handle >= 0 && fstat(m_handle, &status) == 0 ? status.st_size : 0;
 }
 
-bool CBlockReader::Seek(std::int64_t offset) {
-    if (m_handle < 0 || offset < 0 || offset > kLargestOffset) return false;
-    m_position = offset;
-    return true;
-}
-
 std::size_t CBlockReader::Read(void* buffer, std::size_t size) {
     if (m_handle < 0 || size == 0) return 0;
     std::size_t count = size;

@@ -37,7 +37,11 @@ class CBlockReader {
 
     std::int64_t GetPosition() const { return m_position; }
     // False while closed and for an offset out of range; beyond the end of the file is allowed.
-    bool Seek(std::int64_t offset);
+    bool Seek(std::int64_t offset) {
+        if (m_handle < 0 || offset < 0 || offset > kLargestOffset) return false;
+        m_position = offset;
+        return true;
+    }
     // Moves the pointer on within or behind a view.
     void Advance(std::int64_t count) { m_position += count; }
     // Moves the pointer by the count read, short at the end of the file.

@@ -66,14 +66,34 @@ bool CXpfChannel::ReadNextPacket(std::uint32_t& sizeRead, SPacketHeader* header,
         reader.Seek(position + static_cast<std::int64_t>(length));
     }
     sizeRead = count;
+    if (header) *header = found;
+    StepOn(position, found);
+    return found.forwardLink == 0 || reader.Seek(m_current.Get());
+}
+
+void CXpfChannel::StepOn(std::int64_t position, const SPacketHeader& header) {
     if (position > m_last.Get()) m_last = position;
     m_previous = position;
-    if (header) *header = found;
-
     // Without a link this packet was the last of its channel when it was read; the next read walks on from
     // behind it through whatever the writer has appended since.
-    m_current = position + (found.forwardLink != 0 ? found.forwardLink : size);
-    return found.forwardLink == 0 || reader.Seek(m_current.Get());
+    m_current = position + (header.forwardLink != 0 ? header.forwardLink : header.size);
+}
+
+const std::uint8_t* CXpfChannel::ViewNextPacket(std::uint32_t payloadSize) {
+    if (!m_current.IsKnown() || payloadSize > kLargestInBlock) return nullptr;
+    CBlockReader& reader = *m_file.m_reader;
+    const std::uint32_t size = payloadSize + kPacketOverhead;
+    std::int64_t position = m_current.Get();
+    const std::uint8_t* packet = m_file.WalkToChannel(m_number, position);
+    if (!packet || LoadPacketSize(packet) != size) return nullptr;
+    if (!reader.Holds(position, size)) {
+        packet = reader.View(position, size);
+        if (!packet || LoadPacketSize(packet) != size) return nullptr;
+    }
+    SPacketHeader header;
+    std::memcpy(&header, packet, sizeof header);
+    StepOn(position, header);
+    return reader.Seek(m_current.Get()) ? packet + kPacketHeaderSize : nullptr;
 }
 
 bool CXpfChannel::ReadNextPacket(CXpfPacket& packet, SPacketHeader* header) {

@@ -95,9 +95,9 @@ bool CXpfFile::ReadHeaderAt(std::int64_t position, SPacketHeader& header) {
     return bytes != nullptr;
 }
 
-bool CXpfFile::IsPacket(std::int64_t position, const SPacketHeader& header) {
+bool CXpfFile::IsPacket(std::int64_t position, const SPacketHeader& header, std::int64_t fileSize) {
     SPacketTrailer trailer;
-    return header.Check() &&
+    return header.Check() && position + header.size <= fileSize &&
            m_reader->Probe(position + header.size - kPacketTrailerSize, &trailer, sizeof trailer) &&
            trailer.Matches(header);
 }

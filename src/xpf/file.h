@@ -97,8 +97,9 @@ class CXpfFile {
     // at the end of the stream, with `position` where it stopped. Tests no magic; the file pointer stays.
     const std::uint8_t* WalkToChannel(std::uint16_t channel, std::int64_t& position);
     bool ReadHeaderAt(std::int64_t position, SPacketHeader& header);
-    // The packet check against the trailer in the file.
-    bool IsPacket(std::int64_t position, const SPacketHeader& header);
+    // The packet check against the trailer in the file. `fileSize` spares the look for a trailer that would
+    // lie beyond: what a search meets in damaged bytes mostly does.
+    bool IsPacket(std::int64_t position, const SPacketHeader& header, std::int64_t fileSize);
     EPacketRead ReadHugePacket(const SPacketHeader& header, std::span<const std::uint8_t>& payload);
 
     CXpfFilePosition m_dataStart;

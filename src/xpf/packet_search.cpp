@@ -16,9 +16,10 @@ constexpr std::int64_t kChunkSize = 128;
 
 bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
     const std::int64_t origin = m_reader->GetPosition();
+    const std::int64_t fileSize = GetFileSize();
     std::uint8_t chunk[kChunkSize];
     bool afterDollar = false; // the byte after the present one is a dollar sign
-    for (std::int64_t chunkEnd = std::min(origin, GetFileSize());;) {
+    for (std::int64_t chunkEnd = std::min(origin, fileSize);;) {
         const std::int64_t length = std::min(chunkEnd, kChunkSize);
         const std::int64_t chunkStart = chunkEnd - length;
         if (length < 2) break;
@@ -39,7 +40,7 @@ bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
                     m_reader->Seek(origin);
                     return false;
                 }
-                if (IsPacket(chunkStart + i, candidate)) {
+                if (IsPacket(chunkStart + i, candidate, fileSize)) {
                     header = candidate;
                     return m_reader->Seek(chunkStart + i);
                 }
@@ -54,6 +55,7 @@ bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
 
 bool CXpfFile::SearchPacketForward(SPacketHeader& header) {
     std::int64_t chunkOffset = m_reader->GetPosition();
+    const std::int64_t fileSize = GetFileSize();
     std::uint8_t chunk[kChunkSize];
     bool afterDollar = false; // the byte before the present one is a dollar sign
     while (const std::size_t count = m_reader->Read(chunk, kChunkSize)) {
@@ -69,7 +71,7 @@ bool CXpfFile::SearchPacketForward(SPacketHeader& header) {
                 SPacketHeader candidate;
                 // Candidates only move on: where one no longer fits into the file, no later one does.
                 if (!ReadHeaderAt(position, candidate)) return false;
-                if (IsPacket(position, candidate)) {
+                if (IsPacket(position, candidate, fileSize)) {
                     header = candidate;
                     return m_reader->Seek(position);
                 }

@@ -70,20 +70,6 @@ TEST_F(Channel, WalksEachChannelThroughTheOthers) {
                  empty.SeekPacketNumber(1));
 }
 
-TEST_F(Channel, WalksInterleavedOverOneFilePointer) {
-    auto builder = MakeMixed(2, 3000);
-    Save(builder.bytes);
-    const auto file = Open();
-    std::uint32_t size = 0;
-    SPacketHeader header;
-    CXpfChannel& imu = *file->FindChannelByNumber(kImu);
-    for (std::size_t i = 0; i < builder.packets[kImu].size(); ++i) {
-        ASSERT_TRUE(imu.ReadNextPacket(size, &header, nullptr, 0));
-        ASSERT_EQ(header.number, i);
-        ASSERT_TRUE(file->FindChannelByNumber(kUtc)->ReadNextPacket(size, &header, nullptr, 0) || i >= 19);
-    }
-}
-
 TEST_F(Channel, SeeksEveryNumberFromAnywhere) {
     for (const unsigned seed : {3u, 4u}) {
         auto builder = MakeMixed(seed, 4000);

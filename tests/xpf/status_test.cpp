@@ -48,7 +48,6 @@ TEST(Status, NamesAndDescribesFieldsAndLiterals) {
          "Auto", "The choice of processing or not the sensor data is done automatically"},
         {typeGps, 2, "GPS Mode", "Mode du GPS", 10, "Float RTK converging (ppk)",
          "Float RTK converging (post-processing mode)"},
-        {typeUsbl, 2, "Mode", "USBL mode", 3, "Relative", "Relative position"},
         {typeNelixNav, 3, "Dead reckoning", "Dvl calibration is in progress", 2, "True",
          "Value is set to True"},
         {typeNelixNav, 8, "Altitude mode", "Current altitude mode of the INS", 4, "Hydro",
