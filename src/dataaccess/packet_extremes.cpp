@@ -1,6 +1,10 @@
 #include "dataaccess/packet_extremes.h"
 
+#include "xpf/tarin_layouts.h"
+#include "xpf/tarout_layouts.h"
+
 #include <cstring>
+#include <utility>
 
 namespace Application_Tarvel {
 
@@ -8,60 +12,186 @@ using namespace Persistance_Xpf;
 
 namespace {
 
-template <class T>
-void IncludeRun(const std::uint8_t* packet, std::uint8_t* minimum, std::uint8_t* maximum,
-                std::uint32_t count) {
-    for (std::uint32_t i = 0; i < count;
-         ++i, packet += sizeof(T), minimum += sizeof(T), maximum += sizeof(T)) {
-        T value, low, high;
-        std::memcpy(&value, packet, sizeof value);
-        std::memcpy(&low, minimum, sizeof low);
-        std::memcpy(&high, maximum, sizeof high);
-        // "Not below" takes the place of "at least": it lets a number replace a NaN and keeps NaN from
-        // replacing one.
-        if (!(low <= value) && value == value) std::memcpy(minimum, &value, sizeof value);
-        if (!(high >= value) && value == value) std::memcpy(maximum, &value, sizeof value);
+constexpr std::size_t kVector = CPacketExtremes::kVector;
+using SVector = CPacketExtremes::SVector;
+
+template <EFieldType Type>
+struct TElement;
+template <>
+struct TElement<EFieldType::u8> {
+    using Type = std::uint8_t;
+};
+template <>
+struct TElement<EFieldType::u16> {
+    using Type = std::uint16_t;
+};
+template <>
+struct TElement<EFieldType::u32> {
+    using Type = std::uint32_t;
+};
+template <>
+struct TElement<EFieldType::i8> {
+    using Type = std::int8_t;
+};
+template <>
+struct TElement<EFieldType::i16> {
+    using Type = std::int16_t;
+};
+template <>
+struct TElement<EFieldType::i32> {
+    using Type = std::int32_t;
+};
+template <>
+struct TElement<EFieldType::f32> {
+    using Type = float;
+};
+template <>
+struct TElement<EFieldType::f64> {
+    using Type = double;
+};
+
+// One vector's worth of neighbouring elements of one type. Only the bytes from `from` to `to` belong to
+// fields; what else the vector covers takes part without effect, since each vector has accumulators of its
+// own.
+struct SChunk {
+    EFieldType type = EFieldType::u8;
+    int start = 0; // of the vector in the payload; may lie before it, in the packet's header
+    int from = 0;
+    int to = 0;
+};
+
+struct SChunks {
+    std::array<SChunk, CPacketExtremes::kMaximumVectors> rows{};
+    std::size_t count = 0;
+};
+
+constexpr SChunks MakeChunks(const SPacketLayout& layout) {
+    SChunks chunks;
+    const int last =
+        static_cast<int>(layout.payloadSize + kPacketTrailerSize - kVector); // no vector starts behind
+    for (std::size_t i = 0; i < layout.fields.size();) {
+        const EFieldType type = layout.fields[i].type;
+        const int from = layout.offsets[i];
+        int to = from;
+        for (; i < layout.fields.size() && layout.fields[i].type == type; ++i)
+            to += static_cast<int>(GetWidth(type) * layout.fields[i].count);
+        if (type == EFieldType::date) continue;
+        const int width = static_cast<int>(GetWidth(type));
+        for (int at = from; at < to; at += static_cast<int>(kVector)) {
+            int start = at;
+            while (start > last) start -= width;
+            chunks.rows[chunks.count++] = {
+                type, start, at, at + static_cast<int>(kVector) < to ? at + static_cast<int>(kVector) : to};
+        }
     }
+    return chunks;
 }
+
+template <const SPacketLayout& Layout>
+inline constexpr SChunks kChunks = MakeChunks(Layout);
+
+// Whole vectors before the payload would leave the packet.
+template <const SPacketLayout& Layout>
+constexpr bool StaysInPacket() {
+    for (std::size_t i = 0; i < kChunks<Layout>.count; ++i) {
+        const SChunk& chunk = kChunks<Layout>.rows[i];
+        const int end = chunk.start + static_cast<int>(kVector);
+        if (chunk.start < -static_cast<int>(kPacketHeaderSize) ||
+            end > static_cast<int>(Layout.payloadSize + kPacketTrailerSize) || chunk.from < chunk.start ||
+            chunk.to > end)
+            return false;
+    }
+    return true;
+}
+
+template <EFieldType Type>
+void IncludeVector(const std::uint8_t* from, SVector& low, SVector& high) {
+    using Element = typename TElement<Type>::Type;
+    typedef Element Lanes __attribute__((vector_size(kVector)));
+    Lanes value, least, greatest;
+    std::memcpy(&value, from, kVector);
+    std::memcpy(&least, low.bytes, kVector);
+    std::memcpy(&greatest, high.bytes, kVector);
+    // The second condition of a floating-point lane is true where the accumulator holds no number yet.
+    if constexpr (std::is_floating_point_v<Element>) {
+        least = (value < least) | (least != least) ? value : least;
+        greatest = (value > greatest) | (greatest != greatest) ? value : greatest;
+    } else {
+        least = value < least ? value : least;
+        greatest = value > greatest ? value : greatest;
+    }
+    std::memcpy(low.bytes, &least, kVector);
+    std::memcpy(high.bytes, &greatest, kVector);
+}
+
+template <const SPacketLayout& Layout>
+struct TExtremes {
+    static_assert(StaysInPacket<Layout>());
+    using Indexes = std::make_index_sequence<kChunks<Layout>.count>;
+
+    static void Begin(const std::uint8_t* payload, SVector* low, SVector* high) {
+        for (std::size_t i = 0; i < kChunks<Layout>.count; ++i) {
+            std::memcpy(low[i].bytes, payload + kChunks<Layout>.rows[i].start, kVector);
+            std::memcpy(high[i].bytes, payload + kChunks<Layout>.rows[i].start, kVector);
+        }
+    }
+    static void Include(const std::uint8_t* payload, SVector* low, SVector* high) {
+        IncludeAll(payload, low, high, Indexes());
+    }
+    static void Finish(const SVector* extremes, std::uint8_t* payload) {
+        for (std::size_t i = 0; i < kChunks<Layout>.count; ++i) {
+            const SChunk& chunk = kChunks<Layout>.rows[i];
+            std::memcpy(payload + chunk.from, extremes[i].bytes + (chunk.from - chunk.start),
+                        static_cast<std::size_t>(chunk.to - chunk.from));
+        }
+    }
+
+  private:
+    template <std::size_t... I>
+    static void IncludeAll(const std::uint8_t* payload, SVector* low, SVector* high,
+                           std::index_sequence<I...>) {
+        (IncludeVector<kChunks<Layout>.rows[I].type>(payload + kChunks<Layout>.rows[I].start, low[I],
+                                                     high[I]),
+         ...);
+    }
+};
 
 } // namespace
 
-CPacketExtremes::CPacketExtremes(const CXpfPacket& packet) {
-    std::uint32_t offset = 0;
-    for (std::uint32_t field = 0; field < packet.GetFieldCount(); ++field) {
-        EFieldType type;
-        std::uint32_t count = 0;
-        std::uint8_t nature = 0;
-        if (!packet.GetFieldInfo(field, type, count, nature)) break;
-        if (type != EFieldType::date) {
-            if (!m_runs.empty() && m_runs.back().type == type &&
-                m_runs.back().offset + m_runs.back().count * GetWidth(type) == offset)
-                m_runs.back().count += count;
-            else
-                m_runs.push_back({type, offset, count});
-        }
-        offset += count * GetWidth(type);
-    }
+template <const SPacketLayout& Layout>
+constexpr CPacketExtremes::SFunctions CPacketExtremes::FunctionsFor() {
+    return {TExtremes<Layout>::Begin, TExtremes<Layout>::Include, TExtremes<Layout>::Finish};
 }
 
-void CPacketExtremes::Include(const std::uint8_t* packet, std::uint8_t* minimum,
-                              std::uint8_t* maximum) const {
-    for (const SRun& run : m_runs) {
-        const std::uint8_t* value = packet + run.offset;
-        std::uint8_t* low = minimum + run.offset;
-        std::uint8_t* high = maximum + run.offset;
-        switch (run.type) {
-        case EFieldType::u8: IncludeRun<std::uint8_t>(value, low, high, run.count); break;
-        case EFieldType::u16: IncludeRun<std::uint16_t>(value, low, high, run.count); break;
-        case EFieldType::u32: IncludeRun<std::uint32_t>(value, low, high, run.count); break;
-        case EFieldType::i8: IncludeRun<std::int8_t>(value, low, high, run.count); break;
-        case EFieldType::i16: IncludeRun<std::int16_t>(value, low, high, run.count); break;
-        case EFieldType::i32: IncludeRun<std::int32_t>(value, low, high, run.count); break;
-        case EFieldType::f32: IncludeRun<float>(value, low, high, run.count); break;
-        case EFieldType::f64: IncludeRun<double>(value, low, high, run.count); break;
-        case EFieldType::date: break;
-        }
+bool CPacketExtremes::Prepare(std::uint16_t packetType) {
+    struct SRow {
+        std::uint16_t type;
+        SFunctions functions;
+    };
+    static constexpr SRow rows[] = {
+        {typeImu, FunctionsFor<kImuLayout>()},
+        {typeDvl, FunctionsFor<kDvlLayout>()},
+        {typeEMLog, FunctionsFor<kEMLogLayout>()},
+        {typeGps, FunctionsFor<kGpsLayout>()},
+        {typeDepth, FunctionsFor<kDepthLayout>()},
+        {typeUsbl, FunctionsFor<kUsblLayout>()},
+        {typeLbl, FunctionsFor<kLblLayout>()},
+        {typeUtc, FunctionsFor<kUtcLayout>()},
+        {typeOdometer, FunctionsFor<kOdometerLayout>()},
+        {typeSynchro, FunctionsFor<kSynchroLayout>()},
+        {typeNelixNav, FunctionsFor<kNelixNavLayout>()},
+        {typeTemperature, FunctionsFor<kTemperatureLayout>()},
+        {typePlatformOrientation, FunctionsFor<kPlatformOrientationLayout>()},
+        {typeMorvexStd, FunctionsFor<kMorvexStdLayout>()},
+        {typeMorvexMsg, FunctionsFor<kMorvexMsgLayout>()},
+        {typeMorvexExt, FunctionsFor<kMorvexExtLayout>()},
+    };
+    for (const SRow& row : rows) {
+        if (row.type != packetType) continue;
+        m_functions = row.functions;
+        return true;
     }
+    return false;
 }
 
 } // namespace Application_Tarvel

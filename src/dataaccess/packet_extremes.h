@@ -1,31 +1,52 @@
 // Smallest and greatest value of every numeric field over a run of packets of one type.
 #pragma once
 
-#include "xpf/packet.h"
+#include "xpf/layout.h"
+#include "xpf/records.h"
 
+#include <array>
 #include <cstdint>
-#include <vector>
 
 namespace Application_Tarvel {
 
-// Knows where the numeric fields of a packet type stand; compares in each field's own type. The date takes no
-// part.
+// Compares each field in its own type; the date takes no part, and what is not a number never replaces a
+// number. Runs once per packet of a reduced channel: the comparisons are made in vector registers, by code
+// that is generated for each packet type from its layout rows.
 class CPacketExtremes {
   public:
-    // `packet` gives the type; it is not kept.
-    explicit CPacketExtremes(const Persistance_Xpf::CXpfPacket& packet);
+    // False for a packet type that is not decoded; the object is then not to be used.
+    bool Prepare(std::uint16_t packetType);
 
-    // Lowers the fields of `minimum` and raises those of `maximum` to take in `packet`. The three are
-    // payloads of the type. A value that is not a number never replaces one that is.
-    void Include(const std::uint8_t* packet, std::uint8_t* minimum, std::uint8_t* maximum) const;
+    // Starts a run with its first packet. `payload` must be a payload of the type that stands in its packet,
+    // with the header before it and the trailer behind it: vectors at the ends reach that far.
+    void Begin(const std::uint8_t* payload) { m_functions.begin(payload, m_low.data(), m_high.data()); }
+    // Takes in a further packet.
+    void Include(const std::uint8_t* payload) { m_functions.include(payload, m_low.data(), m_high.data()); }
+    // Overwrites the numeric fields of two payloads by the run's minima and maxima.
+    void Finish(std::uint8_t* minimum, std::uint8_t* maximum) const {
+        m_functions.finish(m_low.data(), minimum);
+        m_functions.finish(m_high.data(), maximum);
+    }
+
+    // Bytes of one vector, and the most of them that a packet type needs.
+    static constexpr std::size_t kVector = 16;
+    static constexpr std::size_t kMaximumVectors = 64;
+    struct alignas(kVector) SVector {
+        std::uint8_t bytes[kVector];
+    };
 
   private:
-    struct SRun { // neighbouring elements of one type
-        Persistance_Xpf::EFieldType type;
-        std::uint32_t offset;
-        std::uint32_t count;
+    struct SFunctions {
+        void (*begin)(const std::uint8_t*, SVector*, SVector*);
+        void (*include)(const std::uint8_t*, SVector*, SVector*);
+        void (*finish)(const SVector*, std::uint8_t*);
     };
-    std::vector<SRun> m_runs;
+    template <const Persistance_Xpf::SPacketLayout& Layout>
+    static constexpr SFunctions FunctionsFor();
+
+    SFunctions m_functions{};
+    std::array<SVector, kMaximumVectors> m_low;
+    std::array<SVector, kMaximumVectors> m_high;
 };
 
 } // namespace Application_Tarvel

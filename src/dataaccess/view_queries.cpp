@@ -3,6 +3,7 @@
 #include "dataaccess/packet_extremes.h"
 
 #include <cstring>
+#include <limits>
 
 namespace Application_Tarvel {
 
@@ -37,61 +38,64 @@ bool CTrvViewValueDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDa
 
 namespace {
 
-// Collects the slices of one walk, one packet of each kind per slice.
+// Collects the slices of one walk, one packet of each kind per slice. Add runs once per packet of the window.
 class CSliceCollector {
   public:
-    CSliceCollector(const SWindow& window, const CXpfChannel& channel, const CXpfDatedPacket& packet,
+    CSliceCollector(const SWindow& window, const CXpfChannel& channel, std::uint32_t payloadSize,
                     SReducedSeries& series)
         : m_window(window),
           m_channel(channel),
-          m_extremes(packet),
-          m_size(packet.GetPayloadSize()),
-          m_series(series) {}
+          m_size(payloadSize),
+          m_series(series),
+          m_collects(window.collectExtremum &&
+                     m_extremes.Prepare(static_cast<std::uint16_t>(channel.GetPacketType()))) {}
 
-    void Add(CXpfDatedPacket& packet) {
-        const std::int64_t date = packet.GetPacketDate().GetTicks();
-        const std::int64_t index = GetSliceIndex(date);
-        if (!m_representative || index != m_index) {
+    // `payload` stands in its packet, with header and trailer around it. Returns the packet's date in ticks.
+    std::int64_t Add(const std::uint8_t* payload) {
+        std::int64_t date;
+        std::memcpy(&date, payload, sizeof date);
+        if (date < m_sliceStart || date >= m_sliceEnd || !m_representative) {
             Flush();
-            Begin(packet, date, index);
-            return;
+            Begin(payload, date);
+            return date;
         }
         const std::uint64_t distance = DistanceToCentre(date);
         if (distance < m_distance) {
             m_distance = distance;
-            Copy(*m_representative, packet);
+            std::memcpy(m_representative->GetPayload(), payload, m_size);
         }
-        if (m_minimum)
-            m_extremes.Include(packet.GetPayload(), m_minimum->GetPayload(), m_maximum->GetPayload());
+        if (m_collects) m_extremes.Include(payload);
+        return date;
     }
 
     // Appends the slice at hand.
     void Flush() {
         if (!m_representative) return;
         m_series.representatives.push_back(std::move(m_representative));
-        if (!m_minimum) return;
+        if (!m_collects) return;
+        m_extremes.Finish(m_minimum->GetPayload(), m_maximum->GetPayload());
         m_series.minima.push_back(std::move(m_minimum));
         m_series.maxima.push_back(std::move(m_maximum));
     }
 
   private:
-    void Begin(CXpfDatedPacket& packet, std::int64_t date, std::int64_t index) {
-        m_index = index;
-        // Modulo 2^64 on purpose: a window at the very end of the tick range must not overflow.
-        m_centre = static_cast<std::uint64_t>(m_window.start.GetTicks()) +
-                   static_cast<std::uint64_t>(index) * static_cast<std::uint64_t>(m_window.slice.GetTicks()) +
-                   static_cast<std::uint64_t>(m_window.slice.GetTicks() / 2);
-        m_representative = Clone(packet);
-        m_distance = DistanceToCentre(date);
-        if (!m_window.collectExtremum) return;
-        m_minimum = Clone(packet);
-        m_maximum = Clone(packet);
-    }
-
-    std::int64_t GetSliceIndex(std::int64_t date) const {
+    void Begin(const std::uint8_t* payload, std::int64_t date) {
+        const std::int64_t start = m_window.start.GetTicks(), slice = m_window.slice.GetTicks();
         std::int64_t elapsed = 0;
-        if (__builtin_sub_overflow(date, m_window.start.GetTicks(), &elapsed) || elapsed < 0) return 0;
-        return elapsed / m_window.slice.GetTicks();
+        const bool before = __builtin_sub_overflow(date, start, &elapsed) || elapsed < 0;
+        const std::int64_t index = before ? 0 : elapsed / slice;
+        // All that lies before the window belongs to its first slice. Ends beyond the tick range are its
+        // ends.
+        m_sliceStart = index == 0 ? std::numeric_limits<std::int64_t>::min() : start + index * slice;
+        if (__builtin_add_overflow(start + index * slice, slice, &m_sliceEnd))
+            m_sliceEnd = std::numeric_limits<std::int64_t>::max();
+        m_centre = static_cast<std::uint64_t>(start + index * slice) + static_cast<std::uint64_t>(slice / 2);
+        m_representative = Clone(payload);
+        m_distance = DistanceToCentre(date);
+        if (!m_collects) return;
+        m_minimum = Clone(payload);
+        m_maximum = Clone(payload);
+        m_extremes.Begin(payload);
     }
 
     std::uint64_t DistanceToCentre(std::int64_t date) const {
@@ -99,27 +103,46 @@ class CSliceCollector {
         return date >= static_cast<std::int64_t>(m_centre) ? ticks - m_centre : m_centre - ticks;
     }
 
-    std::unique_ptr<CXpfPacket> Clone(CXpfPacket& packet) const {
+    std::unique_ptr<CXpfPacket> Clone(const std::uint8_t* payload) const {
         auto copy = m_channel.CreatePacket();
-        Copy(*copy, packet);
+        std::memcpy(copy->GetPayload(), payload, m_size);
         return copy;
-    }
-
-    void Copy(CXpfPacket& to, CXpfPacket& from) const {
-        std::memcpy(to.GetPayload(), from.GetPayload(), m_size);
     }
 
     const SWindow& m_window;
     const CXpfChannel& m_channel;
-    CPacketExtremes m_extremes;
     std::uint32_t m_size;
     SReducedSeries& m_series;
+    CPacketExtremes m_extremes;
+    bool m_collects;
     std::unique_ptr<CXpfPacket> m_representative;
     std::unique_ptr<CXpfPacket> m_minimum;
     std::unique_ptr<CXpfPacket> m_maximum;
-    std::int64_t m_index = 0;
+    std::int64_t m_sliceStart = 0;
+    std::int64_t m_sliceEnd = 0;
     std::uint64_t m_centre = 0;
     std::uint64_t m_distance = 0; // of the representative's date to the centre
+};
+
+// The payload of each packet of a walk: in place in the reader's block when the packet has the size of its
+// type, as nearly all have; else copied as CXpfChannel::ReadNextPacket does.
+class CPayloadWalk {
+  public:
+    CPayloadWalk(CXpfChannel& channel, std::uint32_t payloadSize)
+        : m_channel(channel), m_size(payloadSize), m_copy(kPacketOverhead + payloadSize) {}
+
+    // Null at the end of the walk; valid until the next call.
+    const std::uint8_t* Next() {
+        if (const std::uint8_t* payload = m_channel.ViewNextPacket(m_size)) return payload;
+        std::uint32_t sizeRead = 0;
+        std::uint8_t* payload = m_copy.data() + kPacketHeaderSize;
+        return m_channel.ReadNextPacket(sizeRead, nullptr, payload, m_size) ? payload : nullptr;
+    }
+
+  private:
+    CXpfChannel& m_channel;
+    std::uint32_t m_size;
+    std::vector<std::uint8_t> m_copy; // room for header and trailer around the payload
 };
 
 } // namespace
@@ -150,15 +173,15 @@ bool CTrvView1DDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDated
     if (empty) return true;
 
     SReducedSeries series;
-    CSliceCollector collector(m_window, channel, *packet, series);
+    CSliceCollector collector(m_window, channel, packet->GetPayloadSize(), series);
+    CPayloadWalk walk(channel, packet->GetPayloadSize());
     for (;;) {
         if (m_cancel.IsSet()) {
             wasCancelled = true;
             return false;
         }
-        if (!channel.ReadNextPacket(*packet)) break;
-        collector.Add(*packet);
-        if (packet->GetPacketDate() >= m_window.end) break;
+        const std::uint8_t* payload = walk.Next();
+        if (!payload || collector.Add(payload) >= m_window.end.GetTicks()) break;
     }
     // The end of the file closes the slice at hand as the window's end does.
     collector.Flush();

@@ -37,6 +37,12 @@ class CXpfChannel {
     // The same into a packet object.
     bool ReadNextPacket(CXpfPacket& packet, SPacketHeader* header = nullptr);
 
+    // The same without a copy, for long walks: the payload of the packet at the current position, standing in
+    // its packet with header and trailer around it; valid until the next operation on this file. Null, with
+    // the position unchanged, when ReadNextPacket has to be asked instead: nothing to read, no position yet,
+    // or a payload of another size.
+    const std::uint8_t* ViewNextPacket(std::uint32_t payloadSize);
+
     // Positions on the first or last packet, or on the packet with this running number. `header` may be null.
     bool SeekFirstPacket(SPacketHeader* header);
     bool SeekLastPacket(SPacketHeader* header);
@@ -66,6 +72,8 @@ class CXpfChannel {
     bool FindBrackets(std::uint32_t target, SBracket& lower, SBracket& upper, bool& done);
     EStep NarrowBracket(std::uint32_t target, std::int64_t estimate, SBracket& lower, SBracket& upper);
     bool MoveTo(std::int64_t position, std::int64_t previous);
+    // What every read does once the packet has been read whole.
+    void StepOn(std::int64_t position, const SPacketHeader& header);
 
     std::uint16_t m_number;
     std::string m_name;
