@@ -25,6 +25,8 @@ class CTrvSensor;
 class CTrvSensorDvl;
 class CTrvSensorUsbl;
 class CTrvRejectionGroup;
+class CIniFile;
+class CInsWebConfigurationFile;
 
 // A length of time as the model stores it: the signed tick count in the 64 bits of a date.
 inline CDateTime ToStoredTime(CDateTimeSpan span) {

@@ -63,6 +63,10 @@ class CTrvNelixConfiguration : public TRuntimeClass<CTrvNelixConfiguration, CTrv
 
     explicit CTrvNelixConfiguration(CTrvSimulationParameters* parameters = nullptr);
 
+    // Takes the mounting, reference points and model that a configuration file tells. False at the first
+    // value that is missing and required or does not convert; what was read before stays.
+    bool ReadIni(const CIniFile& file);
+    bool ReadWebConfiguration(const CInsWebConfigurationFile& file);
     // imuCipherMode from the first IMU packet of the main input file; 0 when there is none.
     void ReadCipherMode();
 

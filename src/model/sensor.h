@@ -51,6 +51,12 @@ class CTrvSensor : public TRuntimeClass<CTrvSensor, CTrvObject> {
     // One for each weighted measurement, absent ones null.
     virtual std::array<CTrvStdDevInstruction*, 2> GetStdDevInstructions() { return {}; }
 
+    // Takes what the INS configuration says of this sensor: from its section of the INI file, or from the
+    // values of its index in the embedded configuration. False for a value that is missing and required or
+    // does not convert; what was read before stays.
+    virtual bool ReadFromWebConfiguration(const CInsWebConfigurationFile& file, int sensorIndex);
+    virtual bool ReadFromIniFile(const CIniFile& file, std::string_view section);
+
     // Sets the back pointers of all that the sensor owns.
     virtual void Attach(CTrvSimulationParameters& parameters);
 

@@ -77,6 +77,8 @@ class CTrvSensorDvl : public TTrvSensorKind<CTrvSensorDvl, ESensorKind::dvl> {
     std::array<CTrvStdDevInstruction*, 2> GetStdDevInstructions() override {
         return {bottomTrackStdDevInstruction.get(), waterTrackStdDevInstruction.get()};
     }
+    bool ReadFromWebConfiguration(const CInsWebConfigurationFile& file, int sensorIndex) override;
+    bool ReadFromIniFile(const CIniFile& file, std::string_view section) override;
     void Attach(CTrvSimulationParameters& parameters) override;
     void Serialize(CArchive& archive) override;
 
@@ -144,6 +146,8 @@ class CTrvSensorUsbl : public TTrvSensorKind<CTrvSensorUsbl, ESensorKind::usbl> 
     std::array<CTrvStdDevInstruction*, 2> GetStdDevInstructions() override {
         return {stdDevInstruction.get()};
     }
+    bool ReadFromWebConfiguration(const CInsWebConfigurationFile& file, int sensorIndex) override;
+    bool ReadFromIniFile(const CIniFile& file, std::string_view section) override;
     void Attach(CTrvSimulationParameters& parameters) override;
     void Serialize(CArchive& archive) override;
 
@@ -191,6 +195,7 @@ class CTrvSensorPlatformOrientation
     std::unique_ptr<CMisalignment> vehicleMisalignment;
 
     explicit CTrvSensorPlatformOrientation(CTrvSimulationParameters* parameters = nullptr);
+    bool ReadFromIniFile(const CIniFile& file, std::string_view section) override;
     void Serialize(CArchive& archive) override;
 };
 

@@ -83,6 +83,13 @@ class CTrvSimulationParameters : public TRuntimeClass<CTrvSimulationParameters, 
     bool RemoveZupt(const CTrvZupt* zupt);
     bool RemoveAltitudeMode(const CTrvAltitudeMode* altitudeMode);
 
+    // Takes position, sea state, INS configuration and the connected sensors from a configuration file of the
+    // INS: an INI file, or an embedded configuration that is open. Sensors whose data the recording lacks are
+    // passed over. False for a value that is missing and required or does not convert; the project is then of
+    // no use.
+    bool ImportIniConfiguration(const std::filesystem::path& path);
+    bool ImportWebConfiguration(const CInsWebConfigurationFile& file);
+
     // The IMU data frequency of the main input file, in hertz: measured over its first 100 packets. True only
     // for 200, 100, 50, 25 and 20; any other measured value is stored too, and 0 when there is none.
     bool ReadImuFrequency(int& frequency) const;
