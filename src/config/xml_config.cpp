@@ -1,5 +1,6 @@
 #include "config/xml_config.h"
 
+#include "config/xml_document.h"
 #include "foundation/numbers.h"
 #include "foundation/text.h"
 
@@ -12,17 +13,6 @@ namespace Outils_Configuration {
 namespace {
 
 using Outils_Texte::EqualsNoCase;
-
-// Processing instructions and declarations have names too, and are no sections.
-pugi::xml_node FindElement(pugi::xml_node parent, const std::string& name) {
-    for (const pugi::xml_node child : parent.children(name.c_str()))
-        if (child.type() == pugi::node_element) return child;
-    return {};
-}
-
-bool IsText(pugi::xml_node node) {
-    return node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
-}
 
 std::optional<bool> ParseBool(const std::string& text) {
     constexpr std::array<std::string_view, 4> yes = {"true", "yes", "vrai", "oui"};
@@ -45,12 +35,7 @@ T CXmlConfigValue::Read(Parse parse, T last) const {
 
 std::string CXmlConfigValue::GetString() const {
     if (m_attribute) return m_attribute.value();
-    if (!m_element) return m_default;
-    // A comment cuts the text in two.
-    std::string text;
-    for (const pugi::xml_node child : m_element.children())
-        if (IsText(child)) text += child.value();
-    return text;
+    return m_element ? GetElementText(m_element) : m_default;
 }
 
 void CXmlConfigValue::SetString(const std::string& text) {
@@ -62,7 +47,7 @@ void CXmlConfigValue::SetString(const std::string& text) {
     bool keep = !text.empty();
     for (pugi::xml_node child = m_element.first_child(); child;) {
         const pugi::xml_node next = child.next_sibling();
-        if (IsText(child) && !std::exchange(keep, false)) m_element.remove_child(child);
+        if (IsTextNode(child) && !std::exchange(keep, false)) m_element.remove_child(child);
         child = next;
     }
     if (!text.empty()) m_element.text().set(text.c_str());
@@ -122,7 +107,7 @@ void CXmlConfigValue::Bind(pugi::xml_node section) {
         m_attribute.set_value(m_default.c_str());
         return;
     }
-    m_element = FindElement(section, m_key);
+    m_element = FindElement(section, m_key.c_str());
     if (m_element) return;
     m_element = section.append_child(m_key.c_str());
     SetString(m_default);
@@ -151,7 +136,7 @@ CXmlConfigSection* CXmlConfigSection::FindSection(std::string_view name) const {
 }
 
 void CXmlConfigSection::Bind(pugi::xml_node parent) {
-    pugi::xml_node element = FindElement(parent, m_name);
+    pugi::xml_node element = FindElement(parent, m_name.c_str());
     if (!element) element = parent.append_child(m_name.c_str());
     // The line break of a section that was empty would spoil the indentation of what is added.
     const pugi::xml_node only = element.first_child();
