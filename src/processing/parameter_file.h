@@ -1,0 +1,70 @@
+// The processing parameter file: a run described in XML, for processing outside the application.
+//
+// The file is no full image of the parameters. It does not hold the UTC reference, the time offsets of data
+// files, the transponder code of a USBL, the standard deviations that are not in use and the periods of those
+// that are; a reader takes a transponder code and time offsets of external files where somebody wrote them.
+#pragma once
+
+#include "model/simulation_parameters.h"
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace pugi {
+class xml_document;
+}
+
+namespace Persistance_Parametres {
+
+using Metier_Tarvel::CTrvSimulationParameters;
+
+// A larger file is taken for damaged and not read, and none is written.
+inline constexpr std::size_t kMaximumParameterFileSize = 16 << 20; // bytes
+
+// Replaces the file in one step; paths in it are relative to its folder where there is such a form. Periods
+// are dates when the parameters have a UTC reference, else seconds. False on any failure, also for what the
+// file cannot hold: a number that is none, a sensor without a channel of an input file, a name that is not
+// text. An existing file is whole then.
+bool WriteParameterFile(const std::filesystem::path& path, const CTrvSimulationParameters& parameters);
+
+// One data file that a parameter file names.
+struct SParameterFileRow {
+    std::string id;             // "main", "file02", ..., "output"
+    std::filesystem::path path; // relative ones are completed with the folder of the parameter file
+    bool isOutput = false;
+};
+
+// Files to be used instead of those that the parameter file names, by id.
+using CChosenPaths = std::map<std::string, std::filesystem::path, std::less<>>;
+
+// Reads in two steps, since the dates in a file need the UTC reference of the recording that it names.
+class CParameterFileReader {
+  public:
+    CParameterFileReader();
+    ~CParameterFileReader();
+
+    // False when the file cannot be read, is no parameter file, or does not name an input and an output file,
+    // each file under an id of its own. What was loaded before is dropped in any case.
+    bool Load(const std::filesystem::path& path);
+
+    // The main input file, the external files, the output file. Empty while nothing is loaded.
+    const std::vector<SParameterFileRow>& GetFiles() const { return m_files; }
+
+    // New parameters; those on a recording with UTC dates get `utcReference`, the UTC date of tick 0. Without
+    // one (invalid) a file with dates cannot be read. Null when anything is missing or cannot be read, an
+    // external file is named twice or cannot be opened, or a sensor has no place or no channel.
+    std::unique_ptr<CTrvSimulationParameters>
+    Read(const CChosenPaths& chosen = {},
+         Outils_Temps::CDateTime utcReference = Outils_Temps::CDateTime::Invalid()) const;
+
+  private:
+    void ReadFiles(const std::filesystem::path& folder);
+
+    std::unique_ptr<pugi::xml_document> m_document;
+    std::vector<SParameterFileRow> m_files;
+};
+
+} // namespace Persistance_Parametres
