@@ -25,7 +25,14 @@ enum ETextId : int {
     textRecordingNotFound = 10210,
     textRecordingOutdated = 10211,
     textUnknownFileType = 10212,
-    textNoEquipment = 10213
+    textNoEquipment = 10213,
+    textBatchFileCorrupted = 10220,
+    textNoSynchronization = 10221,
+    textEnterValue = 10222,
+    textFolderNotFound = 10223,
+    textNotAFolder = 10224,
+    textOverwriteProject = 10225,
+    textBatchFileNotRead = 10226
 };
 
 } // namespace Application_Tarvel

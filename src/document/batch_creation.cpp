@@ -1,0 +1,117 @@
+#include "document/batch_creation.h"
+
+#include "dataaccess/data_file_analyzer.h"
+#include "document/text_ids.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+#include "xpf/file.h"
+
+#include <algorithm>
+
+namespace Application_Tarvel {
+
+using namespace Metier_Tarvel;
+using Outils_Fichiers::ToText;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
+using Persistance_Parametres::SParameterFileRow;
+
+namespace {
+
+constexpr std::string_view kProjectExtension = ".tarprj";
+
+// The UTC date of the start of every input file, in the order of the rows; invalid for one that does not
+// tell. Empty when there is none, or one is no recording: then also the message.
+std::vector<CDateTime> FindDates(const std::vector<SParameterFileRow>& files, int maxPacketCount,
+                                 std::string& message) {
+    std::vector<CDateTime> dates;
+    for (const SParameterFileRow& file : files) {
+        if (file.isOutput) continue;
+        bool outdated = false;
+        if (!Persistance_Xpf::OpenXpfFile(file.path, Persistance_Xpf::EFileKind::tarin, outdated)) {
+            message = FormatText(textNoSynchronization, {ToText(file.path)});
+            return {};
+        }
+        dates.push_back(FindUtcOrigin(file.path, maxPacketCount));
+    }
+    return dates;
+}
+
+// Shifts the external files whose UTC is known onto the clock of the main input file, the first of `dates`.
+// False when that leaves the range of times.
+bool ShiftExternalFiles(CTrvSimulationParameters& parameters, const std::vector<CDateTime>& dates) {
+    for (std::size_t i = 0; i < parameters.externalFiles.size(); ++i) {
+        const Outils_Temps::CDateTimeSpan shift = dates[i + 1] - dates.front();
+        if (!shift.IsValid()) continue;
+        CDateTime& timeOffset = parameters.externalFiles[i]->timeOffset;
+        const auto shifted = ToSpan(timeOffset) + shift;
+        if (!shifted.IsValid()) return false;
+        timeOffset = ToStoredTime(shifted);
+    }
+    return true;
+}
+
+} // namespace
+
+bool CBatchCreation::Load(const std::filesystem::path& commandFile, std::string& message) {
+    const bool loaded = m_reader.Load(commandFile);
+    m_files = m_reader.GetFiles();
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(commandFile, error);
+    m_commandFile = error ? commandFile : absolute;
+    m_name = ToText(m_commandFile.stem());
+    m_folder = m_commandFile.parent_path();
+    if (!loaded) message = std::string(GetText(textBatchFileCorrupted));
+    return loaded;
+}
+
+bool CBatchCreation::ChooseFile(std::string_view id, const std::filesystem::path& path) {
+    const auto row =
+        std::find_if(m_files.begin(), m_files.end(), [id](const auto& file) { return file.id == id; });
+    if (row == m_files.end()) return false;
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(path, error);
+    row->path = error ? path : absolute;
+    return true;
+}
+
+std::unique_ptr<CTrvProject> CBatchCreation::Create(int maxPacketCount, std::string& message) const {
+    message = std::string(GetText(textBatchFileCorrupted)); // when nothing is loaded
+    const std::vector<CDateTime> dates = FindDates(m_files, maxPacketCount, message);
+    if (dates.empty()) return nullptr;
+    Persistance_Parametres::CChosenPaths chosen;
+    for (const SParameterFileRow& file : m_files) chosen[file.id] = file.path;
+
+    auto parameters = m_reader.Read(chosen, dates.front());
+    if (!parameters || !ShiftExternalFiles(*parameters, dates)) {
+        message = FormatText(textBatchFileNotRead, {ToText(m_commandFile)});
+        return nullptr;
+    }
+    auto project = std::make_unique<CTrvProject>(std::move(parameters));
+    std::int32_t equipment = 0;
+    if (!project->simulationParameters->ReadEquipmentCode(equipment)) {
+        message = std::string(GetText(textNoEquipment));
+        return nullptr;
+    }
+    project->simulationParameters->nelixConfiguration->type->SetFromEquipment(equipment);
+    return project;
+}
+
+bool CheckProjectPlace(std::string_view name, const std::filesystem::path& folder, std::string& message) {
+    std::error_code error;
+    int text = 0;
+    if (name.empty())
+        text = textEnterValue;
+    else if (!std::filesystem::exists(folder, error))
+        text = textFolderNotFound;
+    else if (!std::filesystem::is_directory(folder, error))
+        text = textNotAFolder;
+    if (text != 0) message = std::string(GetText(text));
+    return text == 0;
+}
+
+std::filesystem::path GetProjectPath(std::string_view name, const std::filesystem::path& folder) {
+    return folder / Outils_Fichiers::FromText(std::string(name).append(kProjectExtension));
+}
+
+} // namespace Application_Tarvel
