@@ -33,6 +33,7 @@ class CTrvCurrentModeling : public TRuntimeClass<CTrvCurrentModeling, CTrvObject
 template <class Self, ESensorKind Kind>
 class TTrvSensorKind : public TRuntimeClass<Self, CTrvSensor> {
   public:
+    static constexpr ESensorKind kKind = Kind;
     const SSensorKind& GetKind() const override { return GetSensorKind(Kind); }
 
   protected:

@@ -72,6 +72,11 @@ class CTrvSimulationParameters : public TRuntimeClass<CTrvSimulationParameters, 
     // A new sensor on the main input file's first channel of this kind. Null when the maximum is reached or
     // there is no such channel.
     CTrvSensor* AddSensor(ESensorKind kind);
+    // The same by class: AddSensor<CTrvSensorGps>().
+    template <class Sensor>
+    Sensor* AddSensor() {
+        return static_cast<Sensor*>(AddSensor(Sensor::kKind));
+    }
     bool RemoveSensor(const CTrvSensor* sensor);
 
     CTrvOutputRate* AddOutputRate();

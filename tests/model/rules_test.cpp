@@ -22,7 +22,6 @@ class RulesTest : public testing::Test {
     }
 
     CTrvSensor& Add(ESensorKind kind) { return *parameters.AddSensor(kind); }
-    CTrvSensorUsbl& AddUsbl() { return static_cast<CTrvSensorUsbl&>(Add(ESensorKind::usbl)); }
     template <class T>
     T& Valid(T* period) {
         period->end = CDateTime(1);
@@ -123,7 +122,7 @@ TEST_F(RulesTest, AFaultDoesNotHideTheNext) {
     parameters.defaultOutputRate = 0;
     parameters.AddZupt();
     parameters.AddZupt();
-    AddUsbl().AddFilteringInstruction()->threshold = -1;
+    parameters.AddSensor<CTrvSensorUsbl>()->AddFilteringInstruction()->threshold = -1;
     EXPECT_EQ(Broken(), (Names{"CTrvRuleDefaultOutputRate", "CTrvRuleZuptPeriod", "CTrvRuleZuptPeriod",
                                "CTrvRuleHorizontalFilteringInstructionPeriod",
                                "CTrvRuleHorizontalFilteringInstructionThreshold"}));

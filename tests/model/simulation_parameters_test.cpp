@@ -164,13 +164,6 @@ TEST_F(SimulationParametersTest, RecordingTellsItsTimeSpanEquipmentAndCipher) {
     EXPECT_EQ(last.GetTicks(), 6'500'000);
 }
 
-TEST_F(SimulationParametersTest, UtcReferenceIsTheDateOfTickZero) {
-    CTrvSimulationParameters parameters;
-    parameters.SetUtcReference(CDateTime(130000000000000000), CDateTimeSpan(50));
-    EXPECT_TRUE(parameters.hasUtcReference);
-    EXPECT_EQ(parameters.utcReference, CDateTime(129999999999999950));
-}
-
 TEST(NelixType, EquipmentTableFillsAllFields) {
     CTrvNelixType type;
     EXPECT_EQ(type.GetFieldText(CTrvNelixType::fieldFog), "120");
