@@ -15,9 +15,9 @@ inline constexpr double kAccUnit = 1e-7;                           // metres per
 // Turns exact increments into raw counts, one sample after the other.
 //
 // A sample is the integral of rotation rate and of specific force over the interval that ends at its date, by
-// the three-point Gauss-Legendre rule on the formulas of the motion: for all motions here within a tenth of a
-// raw unit, at 20 samples per second as at 200. Then come the errors of the grade, and the rounding, whose
-// remainder goes over to the next sample, so that counts do not drift from what they count.
+// a Gauss-Legendre rule on the formulas of the motion: for all motions here within a tenth of a raw unit, at
+// 20 samples per second as at 200. Then come the errors of the grade, and the rounding, whose remainder goes
+// over to the next sample, so that counts do not drift from what they count.
 class CInertialUnit {
   public:
     // `mission` outlives the unit.

@@ -3,7 +3,7 @@
 // motion.
 //
 // Position is the integral of the speed over the curved earth (WGS-84), by the fourth-order Runge-Kutta rule
-// in steps of 50 ms: exact to better than 0.01 mm an hour. A mission is constant once made: any number of
+// in steps of 50 ms: exact to better than 0.01 mm over a day. A mission is constant once made: any number of
 // threads may ask it, each with a cursor of its own.
 #pragma once
 
