@@ -22,6 +22,8 @@ class CTrvCnfConfigFile;
 
 namespace Application_Tarvel {
 
+class CTrvDocumentEdits;
+
 using Metier_Tarvel::CTrvDataFile;
 using Metier_Tarvel::CTrvProject;
 
@@ -46,8 +48,18 @@ class CTrvDocument final : public CDocumentEx {
     // then stays, unsaved.
     bool NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path);
 
+    // The edits of the project, one method each: document/edits.h.
+    CTrvDocumentEdits GetEdits();
     // What every edit does behind its change of the model.
     void ProjectChanged(EHint hint, const Outils_Objets::CObject* object);
+    // For the edits of data files: the analysis and monitoring of a file that was just added, and their end,
+    // with all that was learned of the file, before it is deleted.
+    void FollowDataFile(CTrvDataFile& file);
+    void ForgetDataFile(const CTrvDataFile& file);
+    // What the analysis of an input file finds of its UTC origin and position within the time that the
+    // settings allow; the only wait of the UI thread.
+    SFirstData WaitForFirstData(const CTrvDataFile& file);
+    using CDocumentEx::GetHost;
     // The project changed since the last save or load.
     bool AreParametersChanged() const { return m_bParametersChanged; }
 

@@ -76,14 +76,30 @@ void CTrvDocument::StopThreads() {
     m_analyzers.clear();
 }
 
+void CTrvDocument::FollowDataFile(CTrvDataFile& file) {
+    StartAnalysis(file);
+    if (m_fileMonitor) m_fileMonitor->Watch(&file, file.path);
+}
+
+void CTrvDocument::ForgetDataFile(const CTrvDataFile& file) {
+    StopAnalysis(file, true);
+    if (m_fileMonitor) m_fileMonitor->Unwatch(&file);
+    DropFromCache(file);
+}
+
+SFirstData CTrvDocument::WaitForFirstData(const CTrvDataFile& file) {
+    const auto place = m_analyzers.find(&file);
+    auto* analyzer = place == m_analyzers.end()
+                         ? nullptr
+                         : dynamic_cast<CTrvTarinDataFileAnalyzerThread*>(place->second.get());
+    if (!analyzer) return {};
+    return analyzer->WaitForFirstData(
+        std::chrono::milliseconds(std::max(0, m_configuration.Get(Cnf<"general/utcSearch/timeout">))));
+}
+
 void CTrvDocument::SearchFirstData() {
     auto& parameters = *m_pProject->simulationParameters;
-    auto* analyzer =
-        dynamic_cast<CTrvTarinDataFileAnalyzerThread*>(m_analyzers[parameters.mainInputFile.get()].get());
-    if (!analyzer) return;
-    const auto timeout =
-        std::chrono::milliseconds(std::max(0, m_configuration.Get(Cnf<"general/utcSearch/timeout">)));
-    const SFirstData data = analyzer->WaitForFirstData(timeout);
+    const SFirstData data = WaitForFirstData(*parameters.mainInputFile);
     if (data.hasUtc && data.utcOrigin.IsValid())
         parameters.SetUtcReference(data.utcOrigin, Outils_Temps::CDateTimeSpan());
     auto& reference = parameters.referencePosition;

@@ -2,6 +2,7 @@
 // program with lines of text, the tests with a script.
 #pragma once
 
+#include "document/actions/data_file_kind.h"
 #include "foundation/date_time.h"
 
 #include <chrono>
@@ -28,6 +29,18 @@ class IDocumentHost {
     virtual EAnswer ShowMessage(const std::string& text, EButtons buttons, EIcon icon) = 0;
     // Asks where to save a project; the user has agreed to replace an existing file. Empty when cancelled.
     virtual std::optional<std::filesystem::path> AskProjectPath(const std::filesystem::path& proposed) = 0;
+    // Asks for an existing data file; `filter` is a list of "name|patterns|" pairs, and "tarin" the extension
+    // of a name typed without one. Empty when cancelled.
+    virtual std::optional<std::filesystem::path> AskDataFile(const std::string& /*filter*/) {
+        return std::nullopt;
+    }
+    // Has the file brought up to the present layout in its place; false when that was not done.
+    virtual bool UpdateDataFile(const std::filesystem::path& /*path*/) { return false; }
+    // Has a raw recording converted; the packet file made of it, empty when that was not done.
+    virtual std::optional<std::filesystem::path> ConvertRawFile(const std::filesystem::path& /*path*/,
+                                                                ERawFormat /*format*/) {
+        return std::nullopt;
+    }
 
     // One line at the end of the output panel.
     virtual void AppendOutputText(const std::string& line) = 0;

@@ -4,8 +4,31 @@
 namespace Application_Tarvel {
 
 enum ETextId : int {
-    textOutputExtension = 332, // ".tarout"
+    textTooManySensors = 300,
+    textSensorFailed = 301,
+    textDataFileReferenced = 302,
+    textDataFileFailed = 303,
+    textRejectionFailed = 309,
+    textDataFileFilter = 319,
     textParametersWrongRun = 324,
+    textDataFileUnused = 325,
+    textDataFileInUse = 326,
+    textOutputExtension = 332, // ".tarout"
+    textZuptFailed = 336,
+    textOutputRateFailed = 337,
+    textInsConfigurationFailed = 348,
+    textFilteringFailed = 359,
+    textDataFileNotAnalyzed = 680,
+    textUnrecognizedDataFile = 681,
+    textConvertDataFile = 682,
+    textUpgradeDataFile = 683,
+    textAltitudeModeFailed = 751,
+    textGraphFailed = 765,
+    textCurveFailed = 766,
+    textGraphNotRemoved = 800,
+    textInstantMeasureFailed = 802,
+    textInstantEnumFailed = 803,
+    textCurveNotRemoved = 818,
     textStopBeforeExit = 900,
     textStopBeforeClose = 901,
     textStopBeforeSaveAs = 903,

@@ -1,0 +1,113 @@
+#include "document/actions/data_file_actions.h"
+
+#include "config/config_file.h"
+#include "document/actions/data_file_kind.h"
+#include "document/document.h"
+#include "document/text_ids.h"
+#include "foundation/texts.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace Application_Tarvel {
+
+using namespace Metier_Tarvel_Graphics;
+using Outils_Configuration::Cnf;
+using Outils_Texte::GetText;
+
+namespace {
+
+struct SRemoval {
+    EHint hint;
+    const CObject* object; // an identity once the file is gone
+};
+
+// What goes from the saved view settings when the file goes: every curve and value on it, and the graphs that
+// are left empty.
+std::vector<SRemoval> FindDependents(const CTrvProject& project, const CTrvDataFile& file) {
+    std::vector<SRemoval> removals;
+    for (const auto& graph : project.graphSettings->graphs) {
+        if (graph->IsKindOf(CTrv1DGraphEnum::Class())) {
+            if (static_cast<const CTrv1DGraphEnum&>(*graph).dataFile == &file)
+                removals.push_back({hintGraphRemoved, graph.get()});
+        } else if (graph->IsKindOf(CTrv1DGraphMeasure::Class())) {
+            const auto& curves = static_cast<const CTrv1DGraphMeasure&>(*graph).curves;
+            std::size_t count = 0;
+            for (const auto& curve : curves) {
+                if (curve->dataFile != &file) continue;
+                removals.push_back({hintCurveRemoved, curve.get()});
+                ++count;
+            }
+            if (count > 0 && count == curves.size()) removals.push_back({hintGraphRemoved, graph.get()});
+        }
+    }
+    for (const auto& value : project.instantValuesSettings->measures)
+        if (value->dataFile == &file) removals.push_back({hintInstantMeasureRemoved, value.get()});
+    for (const auto& value : project.instantValuesSettings->enums)
+        if (value->dataFile == &file) removals.push_back({hintInstantEnumRemoved, value.get()});
+    return removals;
+}
+
+} // namespace
+
+bool CTrvActAddDataFile::Ask(int question) {
+    return m_document.GetHost().ShowMessage(std::string(GetText(question)), EButtons::okCancel,
+                                            EIcon::question) == EAnswer::ok;
+}
+
+std::optional<std::filesystem::path> CTrvActAddDataFile::Prepare(const std::filesystem::path& chosen) {
+    IDocumentHost& host = m_document.GetHost();
+    const SDataFileKind kind = ClassifyDataFile(chosen);
+    switch (kind.kind) {
+    case EDataFileKind::packets: return chosen;
+    case EDataFileKind::outdatedPackets:
+        if (Ask(textUpgradeDataFile) && host.UpdateDataFile(chosen)) return chosen;
+        return std::nullopt;
+    case EDataFileKind::raw:
+        if (Ask(textConvertDataFile)) return host.ConvertRawFile(chosen, kind.format);
+        return std::nullopt;
+    case EDataFileKind::unknown:
+        if (Ask(textUnrecognizedDataFile)) return host.ConvertRawFile(chosen, ERawFormat::rawIns);
+        return std::nullopt;
+    case EDataFileKind::unreadable: break;
+    }
+    Refuse(textDataFileNotAnalyzed);
+    return std::nullopt;
+}
+
+bool CTrvActAddDataFile::Perform(CTrvProject& project) {
+    const auto chosen = m_document.GetHost().AskDataFile(std::string(GetText(textDataFileFilter)));
+    if (!chosen) return false;
+    const auto path = Prepare(*chosen);
+    if (!path) return false;
+    auto& parameters = *project.simulationParameters;
+    if (parameters.HasDataFile(*path)) return Refuse(textDataFileReferenced);
+    const CWaitCursor wait(m_document.GetHost());
+    CTrvDataFile* file =
+        project.AddDataFile(*path, m_document.GetConfiguration().Get(Cnf<"general/expertMode">));
+    if (!file) return Refuse();
+    m_document.FollowDataFile(*file);
+    // On its own clock the file is as far from the recording as the two origins are from one another.
+    const SFirstData data = m_document.WaitForFirstData(*file);
+    if (data.hasUtc && data.utcOrigin.IsValid() && parameters.hasUtcReference)
+        file->timeOffset = Metier_Tarvel::ToStoredTime(data.utcOrigin - parameters.utcReference);
+    return Changed(file);
+}
+
+bool CTrvActRemoveDataFile::Perform(CTrvProject& project) {
+    return RemoveDataFile(m_document, project, m_file) || Refuse();
+}
+
+bool RemoveDataFile(CTrvDocument& document, CTrvProject& project, CTrvDataFile& file) {
+    if (file.IsReferenced()) return false;
+    const std::vector<SRemoval> dependents = FindDependents(project, file);
+    // The views let go of the file while it still exists.
+    document.ProjectChanged(hintDataFileRemoved, &file);
+    document.ForgetDataFile(file);
+    project.RemoveDataFile(&file);
+    // A view that rebuilt itself by the first hint met them again.
+    for (const SRemoval& dependent : dependents) document.ProjectChanged(dependent.hint, dependent.object);
+    return true;
+}
+
+} // namespace Application_Tarvel

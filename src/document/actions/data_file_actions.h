@@ -1,0 +1,43 @@
+// The edits of the project's list of data files. Threads hold the identity of a file, so both follow a fixed
+// order of steps.
+#pragma once
+
+#include "document/actions/action.h"
+
+#include <filesystem>
+#include <optional>
+
+namespace Application_Tarvel {
+
+using Metier_Tarvel::CTrvDataFile;
+
+// Asks for a file, has it updated or converted where it must be, and takes it into the project as an external
+// file.
+class CTrvActAddDataFile final : public CTrvTableAction {
+  public:
+    explicit CTrvActAddDataFile(CTrvDocument& document) : CTrvTableAction(document, EAction::addDataFile) {}
+
+  private:
+    bool Perform(CTrvProject& project) override;
+    // A packet file of the current layout, made from the chosen file if need be; empty when refused.
+    std::optional<std::filesystem::path> Prepare(const std::filesystem::path& chosen);
+    bool Ask(int question);
+};
+
+// Refuses a file that is still in use.
+class CTrvActRemoveDataFile final : public CTrvTableAction {
+  public:
+    CTrvActRemoveDataFile(CTrvDocument& document, CTrvDataFile& file)
+        : CTrvTableAction(document, EAction::removeDataFile), m_file(file) {}
+
+  private:
+    bool Perform(CTrvProject& project) override;
+
+    CTrvDataFile& m_file;
+};
+
+// Tells the views, stops all that watches the file, then deletes it with the curves and values on it. False,
+// and nothing happens, for a file in use.
+bool RemoveDataFile(CTrvDocument& document, CTrvProject& project, CTrvDataFile& file);
+
+} // namespace Application_Tarvel
