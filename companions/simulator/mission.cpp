@@ -152,7 +152,7 @@ STruth CMission::GetTruth(double time, CTrackCursor& cursor) const {
     truth.longitude = WrapDegrees(state.longitude, -180);
     truth.altitude = motion.altitude;
     truth.speedNorth = motion.velocity.x;
-    truth.speedEast = -motion.velocity.y;
+    truth.speedEast = 0 - motion.velocity.y; // no negative zero
     truth.speedUp = motion.velocity.z;
     truth.heading = WrapDegrees(motion.heading.value, 0);
     truth.roll = motion.roll.value * kRadian;

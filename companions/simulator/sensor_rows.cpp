@@ -180,7 +180,8 @@ void FillSynchro(CSensor& sensor, CPayload& payload) {
 // Bits of an aiding sensor in the status words: four from `first` on: in use, valid, awaited, rejected.
 std::uint32_t GetAidingBits(const CSensor& sensor, std::string_view channel, unsigned first) {
     if (!sensor.GetMission().HasChannel(channel)) return 0;
-    const bool silent = sensor.GetOptions().IsOutage(channel, sensor.GetTime());
+    const bool silent = sensor.GetOptions().IsOutage(channel, sensor.GetTime()) ||
+                        (sensor.IsUnderWater() && !FindSensorRow(channel)->underWater);
     return (silent ? 0b101u : 0b011u) << first;
 }
 
@@ -263,7 +264,7 @@ void FillPlatform(CSensor& sensor, CPayload& payload) {
 constexpr SSensorRow kRows[] = {
     {"DVL_", &kDvlLayout, 2, 0.26, FillDvl},
     {"EM_LOG_", &kEMLogLayout, 1, 0.37, FillEMLog},
-    {"GPS_", &kGpsLayout, 1, 0, FillGps},
+    {"GPS_", &kGpsLayout, 1, 0, FillGps, false},
     {"DEPTH", &kDepthLayout, 2, 0.58, FillDepth},
     {"USBL_", &kUsblLayout, 0.5, 0.31, FillUsbl},
     {"LBL", &kLblLayout, 0.5, 0.67, FillLbl},

@@ -11,6 +11,7 @@ struct SSensorRow {
     double rate;  // packets per second, usually
     double phase; // seconds after the whole period
     void (*fill)(CSensor& sensor, CPayload& payload);
+    bool underWater = true; // also works there
 };
 
 // The row of a channel; null for a channel that is no sensor.

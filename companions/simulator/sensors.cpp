@@ -59,11 +59,17 @@ std::span<const std::uint8_t> CSensor::MakePacket(CTrackCursor& cursor) {
 
     // The shared cursor moves forward with the dates; a delayed look back would pull it to and fro.
     m_state = m_mission->GetState(time, m_delay > 0 ? m_ownCursor : cursor);
+    if (IsUnderWater() && !m_row->underWater) return {};
     m_payload.Reset(m_row->layout->payloadSize);
     m_payload.PutDate(m_date);
     m_row->fill(*this, m_payload);
     ++m_count;
     return m_payload.Get();
+}
+
+bool CSensor::IsUnderWater() const {
+    return GetOptions().vehicle == EVehicle::auv &&
+           m_state.motion.altitude < GetOptions().geoidSeparation - 1;
 }
 
 double CSensor::MakeError(double deviation) {

@@ -33,6 +33,8 @@ class CSensor {
     double GetTime() const;                           // seconds: when the measurement was valid
     double GetInterval() const { return m_interval; } // seconds to the packet before
     std::uint32_t GetCount() const { return m_count; }
+    // A diving vehicle, a metre below the surface or more.
+    bool IsUnderWater() const;
     // A random error of this standard deviation, wild if this packet is an outlier.
     double MakeError(double deviation);
     CRandom& GetRandom() { return m_random; }

@@ -205,6 +205,28 @@ TEST_F(MissionWriterTest, PerfectSensorsReadTheTruth) {
     });
 }
 
+TEST_F(MissionWriterTest, ADivingVehicleHasGpsAtTheSurfaceOnly) {
+    m_options.vehicle = EVehicle::auv;
+    m_options.altitude = m_options.geoidSeparation = 20;
+    const CMission mission(m_options);
+    const auto file = Open(Write("auv.tarin"));
+    ASSERT_TRUE(file);
+    int fixes = 0;
+    ForEach<CXpfTarinGpsPacketV2>(*file, "GPS_1", [&](const CXpfTarinGpsPacketV2& packet) {
+        EXPECT_GT(mission.GetTruth(packet.GetPacketDate().GetTotalSeconds()).altitude, 19);
+        ++fixes;
+    });
+    EXPECT_GT(fixes, 30);
+    EXPECT_LT(fixes, 150);
+    // The real-time navigation waits for the fixes that do not come: bit 14 of its first word.
+    std::map<bool, int> waiting;
+    ForEach<CXpfTarinNelixNavPacketV2>(*file, "NELIX_NAV", [&](const CXpfTarinNelixNavPacketV2& packet) {
+        const auto word = static_cast<std::uint32_t>(Field(packet, kNelixNavLayout, "Algorithm status 1"));
+        ++waiting[(word >> 14 & 1) != 0];
+    });
+    EXPECT_NEAR(waiting[false], fixes * 10, 20);
+}
+
 TEST_F(MissionWriterTest, ASizeIsMet) {
     m_options.targetSize = 3'000'000;
     EXPECT_NEAR(static_cast<double>(fs::file_size(Write("size.tarin"))), 3e6, 3e4);
