@@ -79,27 +79,56 @@ void FlushFolder(const fs::path& folder) {
     if (opened.IsOpen()) ::fsync(opened.Get());
 }
 
+// Opens a regular file for reading; not open for anything else. `size` receives its size.
+CDescriptor OpenRegular(const fs::path& path, std::uint64_t& size) {
+    // Not to hang on a pipe before it is seen to be none of ours.
+    CDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat status;
+    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode))
+        file.Close();
+    else
+        size = static_cast<std::uint64_t>(status.st_size);
+    return file;
+}
+
+// Fills the span as far as the file goes; false on a failure.
+bool ReadOn(const CDescriptor& file, std::span<std::uint8_t> bytes, std::size_t& filled) {
+    while (filled < bytes.size()) {
+        const ssize_t count = ::read(file.Get(), bytes.data() + filled, bytes.size() - filled);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return false;
+        if (count == 0) break;
+        filled += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
 } // namespace
 
 std::optional<std::vector<std::uint8_t>> ReadWholeFile(const fs::path& path, std::uint64_t limit) {
-    // Not to hang on a pipe before it is seen to be none of ours.
-    const CDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    struct stat status;
-    if (!file.IsOpen() || ::fstat(file.Get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
-    if (static_cast<std::uint64_t>(status.st_size) > limit) return std::nullopt;
+    std::uint64_t size = 0;
+    const CDescriptor file = OpenRegular(path, size);
+    if (!file.IsOpen() || size > limit) return std::nullopt;
 
     // One byte more than the size tells the end from a file that grows meanwhile.
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(status.st_size) + 1);
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size) + 1);
     std::size_t filled = 0;
     for (;;) {
-        const ssize_t count = ::read(file.Get(), bytes.data() + filled, bytes.size() - filled);
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) return std::nullopt;
-        if (count == 0) break;
-        filled += static_cast<std::size_t>(count);
-        if (filled > limit) return std::nullopt;
-        if (filled == bytes.size()) bytes.resize(bytes.size() * 2);
+        if (!ReadOn(file, bytes, filled) || filled > limit) return std::nullopt;
+        if (filled < bytes.size()) break;
+        bytes.resize(bytes.size() * 2);
     }
+    bytes.resize(filled);
+    return bytes;
+}
+
+std::optional<std::vector<std::uint8_t>> ReadFileHead(const fs::path& path, std::size_t limit) {
+    std::uint64_t size = 0;
+    const CDescriptor file = OpenRegular(path, size);
+    if (!file.IsOpen()) return std::nullopt;
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min<std::uint64_t>(size, limit)));
+    std::size_t filled = 0;
+    if (!ReadOn(file, bytes, filled)) return std::nullopt;
     bytes.resize(filled);
     return bytes;
 }
@@ -134,7 +163,7 @@ bool WriteWholeFile(const fs::path& path, std::span<const std::uint8_t> bytes) {
 
 fs::path GetExecutablePath() {
     std::error_code error;
-    return fs::read_symlink("/proc/self/exe", error).parent_path();
+    return fs::read_symlink("/proc/self/exe", error);
 }
 
 std::optional<fs::path> CreateTemporaryFile(std::string_view prefix) {

@@ -17,6 +17,9 @@ namespace Outils_Fichiers {
 std::optional<std::vector<std::uint8_t>> ReadWholeFile(const std::filesystem::path& path,
                                                        std::uint64_t limit);
 
+// The first bytes of a regular file, at most `limit`; empty when it cannot be read or is not a regular file.
+std::optional<std::vector<std::uint8_t>> ReadFileHead(const std::filesystem::path& path, std::size_t limit);
+
 // Replaces the file's content as one step: writes beside it, flushes to the disk, renames. A link is
 // followed, the mode of an existing file is kept. False on any failure, and the old file is whole.
 bool SaveAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
@@ -24,7 +27,7 @@ bool SaveAtomically(const std::filesystem::path& path, std::span<const std::uint
 // Writes in place, creating or truncating; for files that nobody else knows yet. False on any failure.
 bool WriteWholeFile(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
 
-// The folder of the running executable; empty when the platform does not tell.
+// The file of the running executable; empty when the platform does not tell.
 std::filesystem::path GetExecutablePath();
 
 // Makes an empty file of a new unique name in the folder for temporary files. Empty on failure.
