@@ -50,12 +50,14 @@ bool CAlignment::Start(const SStretch& stretch) {
     const auto first = std::find_if(stretch.fixes.begin(), stretch.fixes.end(),
                                     [&](const SPositionFix& fix) { return fix.time == start->time; });
     for (const SSensorGrade& grade : kSensorGrades) m_banks.emplace_back(*start, *first, grade);
+    m_givenUp.assign(m_banks.size(), false);
     m_start = start->time;
     return true;
 }
 
 CAlignment::EState CAlignment::Continue(const SStretch& stretch) {
     if (m_stopped) return EState::stopped;
+    for (; m_probed < stretch.samples.size(); ++m_probed) m_noise.Add(stretch.samples[m_probed]);
     if (stretch.samples.empty() || (m_banks.empty() && !Start(stretch))) return EState::needsMore;
 
     const double end = stretch.samples.back().time;
@@ -64,7 +66,8 @@ CAlignment::EState CAlignment::Continue(const SStretch& stretch) {
         return !m_stopped;
     };
     if (!run(m_banks.back(), std::min(end, m_start + kReference))) return EState::stopped;
-    for (; m_active < m_banks.size(); ++m_active) {
+    for (m_active = m_noise.GetFinestGrade(); m_active < m_banks.size(); ++m_active) {
+        if (m_givenUp[m_active]) continue;
         CHypothesisBank& bank = m_banks[m_active];
         if (!run(bank, end)) return EState::stopped;
         const bool early = bank.GetElapsed() < kShortest;
@@ -73,6 +76,7 @@ CAlignment::EState CAlignment::Continue(const SStretch& stretch) {
             const bool settled = !early && bank.IsDecided() && HeadingDeviation(bank.GetBest()) < kSettled;
             return settled ? EState::settled : EState::needsMore;
         }
+        m_givenUp[m_active] = true;
     }
     return EState::needsMore;
 }
@@ -90,16 +94,23 @@ std::optional<SAlignment> CAlignment::Finish(const SStretch& stretch) {
     // apart.
     const SStretch reversed = stretch.Reversed();
     std::size_t grade = m_active;
-    SBackward best = FilterBackwards(reversed, found, kSensorGrades[grade]);
+    SBackward best = FilterBackwards(reversed, found, GetGrade(grade));
     while (grade + 1 < kSensorGrades.size() && best.misfit > kLargestMisfit) {
-        SBackward coarser = FilterBackwards(reversed, found, kSensorGrades[grade + 1]);
+        SBackward coarser = FilterBackwards(reversed, found, GetGrade(grade + 1));
         if (coarser.misfit * kLargestRatio > best.misfit) break;
         best = coarser;
         ++grade;
     }
-    result.grade = kSensorGrades[grade];
+    result.grade = GetGrade(grade);
     result.start = best.start;
     return result;
+}
+
+// With the noise that was found, as far as it is that of the grade and not of the vehicle's vibration.
+SSensorGrade CAlignment::GetGrade(std::size_t index) const {
+    SSensorGrade grade = kSensorGrades[index];
+    grade.gyroNoise = std::clamp(m_noise.GetAngleNoise(), grade.gyroNoise, 3.0 * grade.gyroNoise);
+    return grade;
 }
 
 CAlignment::SBackward CAlignment::FilterBackwards(const SStretch& reversed, const SFilterState& found,

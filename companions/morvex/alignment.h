@@ -3,15 +3,16 @@
 //
 // A bank of filters starts from headings all around the circle, and the fixes decide between them: at rest
 // and with a fine unit through the turning of gravity with the earth, under way through the accelerations.
-// One bank runs for each grade of unit, and the finest that agrees with the fixes is kept. When it has
-// settled, the stretch is filtered backwards to its beginning, from where the recording can be navigated. So
-// disturbances of a vehicle at rest, waves and an unlevel start need no treatment of their own.
+// One bank runs for each grade of unit, and the finest that agrees with the fixes and with the noise is kept.
+// When it has settled, the stretch is filtered backwards to its beginning, from where the recording can be
+// navigated. So disturbances of a vehicle at rest, waves and an unlevel start need no treatment of their own.
 //
 // Several hypotheses instead of one filter for large angles: compare Groves, 2nd ed., section 3.4.5.
 #pragma once
 
 #include "morvex/hypothesis_bank.h"
 #include "morvex/ins_filter.h"
+#include "morvex/noise_probe.h"
 #include "morvex/timeline.h"
 
 #include <functional>
@@ -52,13 +53,17 @@ class CAlignment {
     };
 
     bool Start(const SStretch& stretch);
+    SSensorGrade GetGrade(std::size_t index) const;
     SBackward FilterBackwards(const SStretch& reversed, const SFilterState& found,
                               const SSensorGrade& grade) const;
 
     std::function<bool()> m_goOn;
     std::vector<CHypothesisBank> m_banks; // by grade, finest first; empty until the first fix
-    std::size_t m_active = 0;             // the finest that has not been given up
-    double m_start = 0.0;                 // the first fix, s
+    std::vector<bool> m_givenUp;          // by bank
+    std::size_t m_active = 0;             // the finest that the noise allows and that has not been given up
+    CNoiseProbe m_noise;
+    std::size_t m_probed = 0; // samples that the probe has seen
+    double m_start = 0.0;     // the first fix, s
     bool m_stopped = false;
 };
 
