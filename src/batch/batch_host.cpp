@@ -1,0 +1,41 @@
+#include "batch/batch_host.h"
+
+#include "foundation/files.h"
+#include "processing/message_line.h"
+
+#include <ostream>
+#include <thread>
+
+namespace Batch {
+
+using namespace Application_Tarvel;
+
+EAnswer CBatchHost::ShowMessage(const std::string& text, EButtons buttons, EIcon icon) {
+    m_streams.error << text << std::endl;
+    if (icon != EIcon::question) m_failed = true;
+    return buttons == EButtons::yesNo || buttons == EButtons::yesNoCancel ? EAnswer::yes : EAnswer::ok;
+}
+
+void CBatchHost::AppendOutputText(const std::string& line) { m_streams.out << line << std::endl; }
+
+void CBatchHost::SetProgress(int percent) {
+    if (!m_progressShows || percent == m_lastPercent) return;
+    m_lastPercent = percent;
+    m_streams.out << "progress " << percent << std::endl;
+}
+
+void CBatchHost::OnMessageQueued() {
+    int level = 0, code = 0;
+    std::string text;
+    if (!m_receiver.TakeMessage(level, code, text)) return;
+    if (level == Communication_Interfaces::levelError) m_failed = true;
+    AppendOutputText(Communication_Processus::FormatMessageLine(level, text));
+}
+
+std::filesystem::path CBatchHost::GetProgramFolder() {
+    return Outils_Fichiers::GetExecutablePath().parent_path();
+}
+
+void CBatchHost::Sleep(std::chrono::milliseconds time) { std::this_thread::sleep_for(time); }
+
+} // namespace Batch

@@ -1,0 +1,47 @@
+// The document's surroundings in a script: texts become lines, questions get the answer that goes on.
+#pragma once
+
+#include "batch/commands.h"
+#include "document/document_host.h"
+#include "foundation/message_target.h"
+#include "processing/receivers.h"
+
+namespace Batch {
+
+class CBatchHost final : public Application_Tarvel::IDocumentHost,
+                         private Communication_Processus::INotificationWindow {
+  public:
+    explicit CBatchHost(SStreams streams) : m_streams(streams), m_receiver(m_queue, this) {}
+
+    Outils::CMessageQueue& GetQueue() { return m_queue; }
+    // A message box was shown, or a child reported an error.
+    bool HasFailed() const { return m_failed; }
+
+    Application_Tarvel::EAnswer ShowMessage(const std::string& text, Application_Tarvel::EButtons buttons,
+                                            Application_Tarvel::EIcon icon) override;
+    std::optional<std::filesystem::path> AskProjectPath(const std::filesystem::path&) override {
+        return std::nullopt;
+    }
+    void AppendOutputText(const std::string& line) override;
+    void SetProgress(int percent) override;
+    void ShowProgress(bool visible) override { m_progressShows = visible; }
+    void ShowWaitCursor(bool) override {}
+    void UpdateMenuForEquipment(std::int32_t) override {}
+    Communication_Interfaces::IMorvexNotification* GetReceiver() override { return &m_receiver; }
+    std::filesystem::path GetProgramFolder() override;
+    Outils_Temps::CDateTime GetTime() override { return Outils_Temps::CDateTime::Now(); }
+    void Sleep(std::chrono::milliseconds time) override;
+
+  private:
+    void OnProgressChanged() override { SetProgress(static_cast<int>(m_receiver.LastProgress())); }
+    void OnMessageQueued() override;
+
+    SStreams m_streams;
+    Outils::CMessageQueue m_queue;
+    Communication_Processus::CMorvexReceiver m_receiver;
+    bool m_failed = false;
+    bool m_progressShows = false;
+    int m_lastPercent = -1;
+};
+
+} // namespace Batch

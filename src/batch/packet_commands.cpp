@@ -1,0 +1,184 @@
+// The commands that look into one packet file.
+#include "batch/commands.h"
+#include "dataaccess/view_queries.h"
+#include "foundation/paths.h"
+#include "xpf/file.h"
+#include "xpf/packet.h"
+
+#include <limits>
+#include <ostream>
+
+namespace Batch {
+
+using namespace Application_Tarvel;
+using namespace Persistance_Xpf;
+
+namespace {
+
+constexpr std::string_view kSeparator = ";";
+
+struct SOpenFile {
+    std::unique_ptr<CXpfFile> file;
+    EFileKind kind = EFileKind::tarin;
+};
+
+// The file as whichever of the two kinds it is; null and a line on the error stream when it is neither.
+SOpenFile OpenFile(const std::string& text, SStreams streams) {
+    const auto path = Outils_Fichiers::FromText(text);
+    bool outdated = false;
+    for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
+        bool older = false;
+        if (auto file = OpenXpfFile(path, kind, older)) return {std::move(file), kind};
+        outdated = outdated || older;
+    }
+    std::error_code error;
+    const bool exists = std::filesystem::exists(path, error);
+    streams.error << text
+                  << (!exists    ? ": no such file"
+                      : outdated ? ": a packet file of an unknown or older layout"
+                                 : ": not a packet file")
+                  << '\n';
+    return {};
+}
+
+// The channel of that name and a packet of its type; false and a line on the error stream when there is none.
+struct SOpenChannel : SOpenFile {
+    CXpfChannel* channel = nullptr;
+    std::unique_ptr<CXpfPacket> packet;
+};
+
+SOpenChannel OpenChannel(const std::string& path, const std::string& name, SStreams streams) {
+    SOpenChannel open{OpenFile(path, streams), nullptr, nullptr};
+    if (!open.file) return open;
+    open.channel = open.file->FindChannelByName(name);
+    if (!open.channel) {
+        streams.error << path << ": no channel \"" << name << "\"\n";
+        return open;
+    }
+    open.packet = open.channel->CreatePacket();
+    if (!open.packet) streams.error << path << ": channel \"" << name << "\" is not decoded\n";
+    return open;
+}
+
+CDateTimeSpan ToSpan(double seconds) {
+    const auto span = CDateTimeSpan::FromSeconds(seconds);
+    if (!span.IsValid()) throw CUsageError("a time beyond the range of the clock");
+    return span;
+}
+
+CDateTimeSpan DateOf(const CXpfPacket& packet) {
+    CDateTimeSpan date;
+    return packet.GetDate(0, date) ? date : CDateTimeSpan::Invalid();
+}
+
+int Fail(const std::string& path, std::string_view what, SStreams streams) {
+    streams.error << path << ": " << what << '\n';
+    return exitFailure;
+}
+
+} // namespace
+
+int ChannelsCommand(const COptions& options, SStreams streams) {
+    const std::string& path = options.GetArguments()[0];
+    const SOpenFile open = OpenFile(path, streams);
+    if (!open.file) return exitFailure;
+    streams.out << "number;name;type;packets;first;last;description\n";
+    for (const auto& channel : open.file->GetChannels()) {
+        streams.out << channel->GetNumber() << kSeparator << channel->GetName() << kSeparator
+                    << channel->GetPacketType() << kSeparator;
+        SPacketHeader header;
+        const auto packet = channel->CreatePacket();
+        const auto date = [&]() -> std::string {
+            return packet && channel->ReadNextPacket(*packet) ? DateOf(*packet).ToText() : "";
+        };
+        if (channel->SeekLastPacket(&header)) {
+            const std::string last = date();
+            const std::string first = channel->SeekFirstPacket(nullptr) ? date() : "";
+            streams.out << header.number + 1ull << kSeparator << first << kSeparator << last;
+        } else {
+            streams.out << 0 << kSeparator << kSeparator;
+        }
+        streams.out << kSeparator << channel->GetDescription() << '\n';
+    }
+    return exitSuccess;
+}
+
+int PacketsCommand(const COptions& options, SStreams streams) {
+    const auto from = options.GetNumber("--from");
+    const auto to = options.GetNumber("--to");
+    const CDateTimeSpan first =
+        from ? ToSpan(*from) : CDateTimeSpan(std::numeric_limits<std::int64_t>::min());
+    const CDateTimeSpan last = to ? ToSpan(*to) : CDateTimeSpan(std::numeric_limits<std::int64_t>::max());
+    long long left = options.GetPositive("--limit").value_or(std::numeric_limits<long long>::max());
+
+    const auto& arguments = options.GetArguments();
+    const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
+    if (!open.packet) return exitFailure;
+    streams.out << open.packet->GetHeaderText(kSeparator) << '\n';
+    if (from) {
+        Outils::CEvent never;
+        SDateBracket bracket;
+        const auto path = Outils_Fichiers::FromText(arguments[0]);
+        auto& dated = static_cast<CXpfDatedPacket&>(*open.packet);
+        switch (SearchDate(*open.channel, dated, first, {path, nullptr, false, never}, bracket)) {
+        case EDateSearch::failed:
+            return Fail(arguments[0], "damaged: the packet numbers contradict each other", streams);
+        case EDateSearch::outside:
+            if (first > bracket.upperDate) return exitSuccess;
+            open.channel->SeekFirstPacket(nullptr);
+            break;
+        default: open.channel->SeekPacketNumber(bracket.lowerNumber); break;
+        }
+    }
+    while (left > 0 && streams.out && open.channel->ReadNextPacket(*open.packet)) {
+        const CDateTimeSpan date = DateOf(*open.packet);
+        if (date < first) continue;
+        if (date > last) break;
+        streams.out << open.packet->ToText(kSeparator) << '\n';
+        --left;
+    }
+    return exitSuccess;
+}
+
+int AtCommand(const COptions& options, SStreams streams) {
+    const auto& arguments = options.GetArguments();
+    const CDateTimeSpan time = ToSpan(ParseSeconds(arguments[2]));
+    const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
+    if (!open.packet) return exitFailure;
+    CTrvViewValueDataQuery query(
+        {Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber()}, time, nullptr);
+    bool cancelled = false;
+    if (!query.Execute(cancelled)) return Fail(arguments[0], "the channel is empty or damaged", streams);
+    const auto packet = query.TakePacket();
+    if (!packet) return Fail(arguments[0], "the time lies outside the channel's data", streams);
+    streams.out << packet->ToText(kSeparator) << '\n';
+    return exitSuccess;
+}
+
+int ReduceCommand(const COptions& options, SStreams streams) {
+    const auto from = options.GetNumber("--from");
+    const auto to = options.GetNumber("--to");
+    const auto slices = options.GetPositive("--slices");
+    if (!from || !to || !slices) throw CUsageError("--from, --to and --slices are needed");
+    const CDateTimeSpan start = ToSpan(*from), end = ToSpan(*to);
+    if (!(start < end)) throw CUsageError("--to must lie behind --from");
+    const CDateTimeSpan slice(std::max<std::int64_t>(1, (end - start).GetTicks() / *slices));
+
+    const auto& arguments = options.GetArguments();
+    const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
+    if (!open.packet) return exitFailure;
+    CTrvView1DDataQuery query({Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber()},
+                              {start, end, slice, true}, nullptr);
+    bool cancelled = false;
+    if (!query.Execute(cancelled)) return Fail(arguments[0], "the channel is empty or damaged", streams);
+    const SReducedSeries series = query.TakeSeries();
+    const std::string header = open.packet->GetHeaderText(kSeparator);
+    streams.out << header << kSeparator << header << kSeparator << header << '\n';
+    for (std::size_t i = 0; i < series.representatives.size(); ++i)
+        streams.out << series.representatives[i]->ToText(kSeparator) << kSeparator
+                    << series.minima[i]->ToText(kSeparator) << kSeparator
+                    << series.maxima[i]->ToText(kSeparator) << '\n';
+    return exitSuccess;
+}
+
+} // namespace Batch

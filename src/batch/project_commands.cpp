@@ -1,0 +1,128 @@
+// The commands that make and process projects.
+#include "batch/commands.h"
+#include "batch/session.h"
+#include "document/project_creation.h"
+#include "foundation/paths.h"
+
+#include <algorithm>
+#include <csignal>
+#include <ostream>
+
+namespace Batch {
+
+using namespace Application_Tarvel;
+using namespace Metier_Tarvel;
+
+namespace {
+
+struct SKindWord {
+    std::string_view word;
+    ESensorKind kind;
+};
+constexpr SKindWord kKindWords[] = {
+    {"gps", ESensorKind::gps},
+    {"dvl", ESensorKind::dvl},
+    {"emlog", ESensorKind::emLog},
+    {"depth", ESensorKind::depth},
+    {"usbl", ESensorKind::usbl},
+    {"lbl", ESensorKind::lbl},
+    {"odometer", ESensorKind::odometer},
+    {"eventmarker", ESensorKind::eventMarker},
+    {"mount", ESensorKind::platformOrientation},
+};
+
+std::vector<ESensorKind> ParseKinds(std::string_view text) {
+    std::vector<ESensorKind> kinds;
+    if (text == "all") {
+        for (const SKindWord& row : kKindWords) kinds.push_back(row.kind);
+        return kinds;
+    }
+    for (std::size_t start = 0; start <= text.size();) {
+        const std::size_t end = std::min(text.find(',', start), text.size());
+        const auto word = text.substr(start, end - start);
+        const auto row = std::find_if(std::begin(kKindWords), std::end(kKindWords),
+                                      [&](const SKindWord& k) { return k.word == word; });
+        if (row == std::end(kKindWords))
+            throw CUsageError("unknown kind of sensor \"" + std::string(word) + '"');
+        if (std::find(kinds.begin(), kinds.end(), row->kind) == kinds.end()) kinds.push_back(row->kind);
+        start = end + 1;
+    }
+    return kinds;
+}
+
+// A sensor for every channel of the kind that the recording has, each on its own channel, within the kind's
+// maximum.
+void AddSensors(CTrvSimulationParameters& parameters, ESensorKind kind) {
+    for (const auto& channel : parameters.mainInputFile->channels) {
+        if (channel->sensorClass != GetSensorKind(kind).className) continue;
+        if (CTrvSensor* sensor = parameters.AddSensor(kind)) sensor->channel = channel.get();
+    }
+}
+
+// The signals that ask a program to end. While an object lives they wait to be taken instead of ending the
+// program.
+class CEndSignals {
+  public:
+    CEndSignals() {
+        sigemptyset(&m_signals);
+        sigaddset(&m_signals, SIGINT);
+        sigaddset(&m_signals, SIGTERM);
+        pthread_sigmask(SIG_BLOCK, &m_signals, &m_former);
+    }
+    ~CEndSignals() { pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }
+    CEndSignals(const CEndSignals&) = delete;
+    CEndSignals& operator=(const CEndSignals&) = delete;
+
+    bool Take() {
+        constexpr timespec atOnce{0, 0};
+        return sigtimedwait(&m_signals, nullptr, &atOnce) > 0;
+    }
+
+  private:
+    sigset_t m_signals, m_former;
+};
+
+} // namespace
+
+int CreateCommand(const COptions& options, SStreams streams) {
+    const auto& arguments = options.GetArguments();
+    const auto kinds = options.Has("--add") ? ParseKinds(*options.Get("--add")) : std::vector<ESensorKind>();
+    std::error_code error;
+    const auto recording = std::filesystem::absolute(Outils_Fichiers::FromText(arguments[0]), error);
+    const auto project = std::filesystem::absolute(Outils_Fichiers::FromText(arguments[1]), error);
+    if (std::filesystem::exists(project, error)) {
+        streams.error << arguments[1] << ": there is a file of this name already\n";
+        return exitFailure;
+    }
+
+    CSession session(streams);
+    using namespace Outils_Configuration;
+    const bool ellipsoidal =
+        session.GetConfiguration().Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
+    std::string message;
+    auto made = CreateProject({recording, project, ellipsoidal}, message);
+    if (!made) {
+        streams.error << message << '\n';
+        return exitFailure;
+    }
+    for (const ESensorKind kind : kinds) AddSensors(*made->simulationParameters, kind);
+    return session.GetDocument().NewFromProject(std::move(made), project) ? exitSuccess : exitFailure;
+}
+
+int RunCommand(const COptions& options, SStreams streams) {
+    CSession session(streams);
+    if (!session.Open(options.GetArguments()[0])) return exitFailure;
+    CTrvDocument& document = session.GetDocument();
+    CBatchHost& host = session.GetHost();
+    CEndSignals signals;
+    if (!document.StartSimulation()) return exitFailure;
+    while (document.IsSimulationRunning()) {
+        host.GetQueue().RunOne(std::chrono::milliseconds(50));
+        // A second signal more than five seconds after the first ends an engine that does not answer.
+        if (signals.Take()) document.StopSimulation();
+    }
+    host.GetQueue().RunPending();
+    return host.HasFailed() ? exitFailure : exitSuccess;
+}
+
+} // namespace Batch

@@ -1,0 +1,21 @@
+#include "batch/session.h"
+
+#include "foundation/files.h"
+#include "foundation/paths.h"
+
+namespace Batch {
+
+CSession::CSession(SStreams streams)
+    : m_host(streams), m_document(m_host, m_host.GetQueue(), m_configuration) {
+    // The settings are those of the application, which stands in the same folder; without its file the
+    // defaults hold.
+    const auto program = Outils_Fichiers::GetExecutablePath();
+    if (program.empty()) return;
+    static_cast<void>(m_configuration.Load(program.parent_path() / "VarneNav.conf.xml"));
+}
+
+bool CSession::Open(const std::string& path) {
+    return m_document.OpenDocument(Outils_Fichiers::FromText(path)) && m_document.GetProject();
+}
+
+} // namespace Batch

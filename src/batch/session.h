@@ -1,0 +1,27 @@
+// One project document without a screen, from the settings file beside the program.
+#pragma once
+
+#include "batch/batch_host.h"
+#include "config/config_file.h"
+#include "document/document.h"
+
+namespace Batch {
+
+class CSession {
+  public:
+    explicit CSession(SStreams streams);
+
+    CBatchHost& GetHost() { return m_host; }
+    Application_Tarvel::CTrvDocument& GetDocument() { return m_document; }
+    const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
+
+    // False, with the reason told, when the file is no project.
+    bool Open(const std::string& path);
+
+  private:
+    Outils_Configuration::CTrvCnfConfigFile m_configuration;
+    CBatchHost m_host;
+    Application_Tarvel::CTrvDocument m_document;
+};
+
+} // namespace Batch
