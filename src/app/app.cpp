@@ -1,0 +1,61 @@
+#include "app/app.h"
+
+#include "app/text_ids.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace Application_Tarvel {
+
+using Outils_Configuration::Cnf;
+using Outils_Texte::GetText;
+
+namespace {
+
+// The labels are consecutive texts in this order.
+constexpr std::string_view kLabelledChannels[] = {
+    "IMU",        "DVL_BT",     "DVL_WT",      "EM_LOG_1",        "EM_LOG_2",   "GPS_1",
+    "GPS_2",      "GPS_3",      "DEPTH",       "USBL_1",          "USBL_2",     "USBL_3",
+    "LBL",        "UTC",        "ODOMETER",    "SYNCHRO_1",       "SYNCHRO_2",  "SYNCHRO_3",
+    "SYNCHRO_4",  "NELIX_NAV",  "TEMPERATURE", "PLATFORM_ORIENT", "MORVEX_STD", "MORVEX_MSG",
+    "MORVEX_EXT", "MORVEX_STA",
+};
+static_assert(std::size(kLabelledChannels) == 26);
+
+} // namespace
+
+void CTrvApp::InitInstance() {
+    if (const auto path = GetSettingsPath(); !path.empty())
+        static_cast<void>(m_configuration.Load(path)); // the defaults serve as well
+    m_plotSettings.drawCurve = m_configuration.Get(Cnf<"view1D/drawCurve">);
+    m_plotSettings.extremumTransparency = static_cast<std::uint8_t>(
+        std::clamp(m_configuration.Get(Cnf<"view1D/extremumTransparency">), 0, 255));
+    m_expertMode = m_configuration.Get(Cnf<"general/expertMode">);
+    m_adaptors.Configure(m_configuration);
+}
+
+bool CTrvApp::ExitInstance() const {
+    const auto path = GetSettingsPath();
+    return !path.empty() && m_configuration.Save(path);
+}
+
+std::filesystem::path CTrvApp::GetUserGuide() const {
+    const std::string name = m_configuration.Get(Cnf<"general/userGuide">);
+    return GetProgramFolder() / Outils_Fichiers::FromText(name);
+}
+
+std::filesystem::path CTrvApp::GetSettingsPath() const {
+    if (m_executable.empty()) return {};
+    return Outils_Fichiers::WithExtension(m_executable, GetText(textSettingsExtension));
+}
+
+bool GetChannelLabel(std::string_view identifier, std::string& label) {
+    const auto place = std::find(std::begin(kLabelledChannels), std::end(kLabelledChannels), identifier);
+    if (place == std::end(kLabelledChannels)) return false;
+    label = GetText(textFirstChannelLabel + static_cast<int>(place - std::begin(kLabelledChannels)));
+    return true;
+}
+
+} // namespace Application_Tarvel

@@ -1,0 +1,79 @@
+// The commands of the main frame: one row each, from which menus, tool bars and shortcuts are made.
+#pragma once
+
+#include "app/icons.h"
+
+#include <QString>
+
+#include <span>
+
+namespace Application_Tarvel {
+
+class CTrvProjectMainFrame;
+
+// Where a command stands. The numbers of commands and bars are stable: they are kept in the user's settings.
+enum class EMenu { file, simulation, display, horizontal, vertical, mouse, tools, help, count };
+enum class EBar { none, standard, tools };
+
+enum ECommand : int {
+    commandProcess = 2,
+    commandMenuBar = 32771,
+    commandStandardBar = 32780,
+    commandToolsBar = 32781,
+    commandProcessingPanel = 32790,
+    commandOutputPanel = 32793,
+    commandZoomHorizontal = 32820,
+    commandUnzoomHorizontal = 32821,
+    commandScrollRight = 32822,
+    commandScrollLeft = 32823,
+    commandZoomVertical = 32830,
+    commandUnzoomVertical = 32831,
+    commandScrollUp = 32832,
+    commandScrollDown = 32833,
+    commandViewAll = 32840,
+    commandModeSelect = 32850,
+    commandModePan = 32851,
+    commandModeZoom = 32852,
+    commandLegends = 32877,
+    commandEcho = 32878,
+    commandClearOutput = 32879,
+    commandUserGuide = 32882,
+    commandContactSupport = 32883,
+    commandNew = 57600,
+    commandOpen = 57601,
+    commandSave = 57603,
+    commandSaveAs = 57604,
+    commandSaveCopyAs = 57611,
+    commandFirstRecent = 57616,
+    commandAbout = 57664,
+    commandExit = 57665
+};
+
+struct SMenuRow {
+    EMenu menu;
+    EMenu parent; // itself for a menu of the menu bar
+    int text;
+    bool alsoWithoutProject; // in the menu bar before the first project
+};
+
+struct SCommandRow {
+    int id;
+    EMenu menu;
+    int text;
+    int tip;
+    const char* shortcut; // in portable form; "" for none
+    EGlyph glyph = EGlyph::none;
+    EBar bar = EBar::none;
+    bool newGroup = false; // a separator stands before it in its menu and bar
+    void (*run)(CTrvProjectMainFrame&) = nullptr;
+    bool (*enabledWhen)(const CTrvProjectMainFrame&) = nullptr; // null: always
+    bool (*tickedWhen)(const CTrvProjectMainFrame&) = nullptr;  // null: it has no tick
+    // The text at the moment, in place of the one above; an empty one hides the command.
+    QString (*caption)(const CTrvProjectMainFrame&) = nullptr;
+};
+
+std::span<const SMenuRow> GetMenus();
+// In the order of their menus and bars. A menu stands in its parent where its first command would.
+std::span<const SCommandRow> GetCommands();
+
+} // namespace Application_Tarvel

@@ -1,0 +1,46 @@
+// The questions that the application asks its user. The windows stand behind an interface, so that a session
+// can be run by a script as well.
+#pragma once
+
+#include "app/version_info.h"
+#include "document/document_host.h"
+
+#include <QUrl>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+class QWidget;
+
+namespace Application_Tarvel {
+
+// UI thread. `parent` is the window over which a dialog stands; every dialog returns when it was answered.
+class IDialogs {
+  public:
+    virtual ~IDialogs() = default;
+
+    virtual EAnswer ShowMessage(QWidget* parent, const std::string& text, EButtons buttons, EIcon icon) = 0;
+    // A project file that exists; empty when cancelled.
+    virtual std::optional<std::filesystem::path> AskOpenPath(QWidget* parent,
+                                                             const std::filesystem::path& folder) = 0;
+    // Where to save a project. Has the extension of projects, and the user agreed to replace a file.
+    virtual std::optional<std::filesystem::path> AskSavePath(QWidget* parent,
+                                                             const std::filesystem::path& proposed) = 0;
+    virtual void ShowAbout(QWidget* parent, const CVersionInfo& version) = 0;
+    // Hands the link to the program that the desktop has for it; false when there is none.
+    virtual bool OpenLink(const QUrl& link) = 0;
+};
+
+class CWindowDialogs final : public IDialogs {
+  public:
+    EAnswer ShowMessage(QWidget* parent, const std::string& text, EButtons buttons, EIcon icon) override;
+    std::optional<std::filesystem::path> AskOpenPath(QWidget* parent,
+                                                     const std::filesystem::path& folder) override;
+    std::optional<std::filesystem::path> AskSavePath(QWidget* parent,
+                                                     const std::filesystem::path& proposed) override;
+    void ShowAbout(QWidget* parent, const CVersionInfo& version) override;
+    bool OpenLink(const QUrl& link) override;
+};
+
+} // namespace Application_Tarvel

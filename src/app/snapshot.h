@@ -1,0 +1,37 @@
+// A picture of the main window without a user: for documents and for machines without a screen.
+#pragma once
+
+#include "app/dialogs.h"
+
+#include <string>
+
+namespace Application_Tarvel {
+
+class CTrvProjectMainFrame;
+struct SCommandLine;
+
+// Takes questions for refused and keeps what was told.
+class CSilentDialogs final : public IDialogs {
+  public:
+    // One line for each message; empty when there was none.
+    const std::string& GetMessages() const { return m_messages; }
+
+    EAnswer ShowMessage(QWidget*, const std::string& text, EButtons buttons, EIcon) override;
+    std::optional<std::filesystem::path> AskOpenPath(QWidget*, const std::filesystem::path&) override {
+        return std::nullopt;
+    }
+    std::optional<std::filesystem::path> AskSavePath(QWidget*, const std::filesystem::path&) override {
+        return std::nullopt;
+    }
+    void ShowAbout(QWidget*, const CVersionInfo&) override {}
+    bool OpenLink(const QUrl&) override { return false; }
+
+  private:
+    std::string m_messages;
+};
+
+// Opens the project of the line, if any, waits until its graphs are complete and writes the picture. The
+// error as a text; empty on success.
+std::string TakeSnapshot(CTrvProjectMainFrame& frame, const SCommandLine& line);
+
+} // namespace Application_Tarvel

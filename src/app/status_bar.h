@@ -1,0 +1,37 @@
+// The status bar: message, progress of a run, and the states of the lock keys. UI thread.
+#pragma once
+
+#include <QStatusBar>
+#include <QTimer>
+
+#include <array>
+
+class QLabel;
+class QProgressBar;
+
+namespace Application_Tarvel {
+
+class CTrvStatusBar final : public QStatusBar {
+    Q_OBJECT
+
+  public:
+    explicit CTrvStatusBar(QWidget* parent = nullptr);
+
+    void SetMessage(const QString& text);
+    // 0 to 100; what lies outside is brought to the nearer end.
+    void SetProgress(int percent);
+    void ShowProgress(bool visible);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void ReadLocks();
+
+    QLabel* m_message;
+    QProgressBar* m_progress;
+    std::array<QLabel*, 3> m_locks; // in the order of ELock
+    QTimer m_settle;                // from a press of a lock key until its light has changed
+};
+
+} // namespace Application_Tarvel

@@ -1,0 +1,27 @@
+// Texts and paths of the system in the form in which windows take them.
+#pragma once
+
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+
+#include <QString>
+
+#include <string>
+#include <string_view>
+
+namespace Application_Tarvel {
+
+inline QString ToQString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+inline QString ToQString(const std::string& text) { return ToQString(std::string_view(text)); }
+inline QString ToQString(const std::filesystem::path& path) {
+    return ToQString(Outils_Fichiers::ToText(path));
+}
+inline std::filesystem::path ToPath(const QString& text) {
+    return Outils_Fichiers::FromText(text.toStdString());
+}
+// The numbered text.
+inline QString Text(int id) { return ToQString(Outils_Texte::GetText(id)); }
+
+} // namespace Application_Tarvel

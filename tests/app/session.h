@@ -1,0 +1,125 @@
+// A session without a user: a frame over a folder of its own, whose dialogs are answered by a script.
+#pragma once
+
+#include "app/event_loop_target.h"
+#include "app/main_frame.h"
+#include "dataaccess/test_recording.h"
+#include "document/project_creation.h"
+#include "foundation/texts.h"
+
+#include <QSettings>
+#include <QTest>
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <deque>
+
+namespace test {
+
+using namespace Application_Tarvel;
+using Outils_Configuration::Cnf;
+
+class CScriptedDialogs final : public IDialogs {
+  public:
+    std::deque<EAnswer> m_answers;                            // ok when there is none
+    std::deque<std::optional<std::filesystem::path>> m_paths; // cancelled when there is none
+    std::vector<std::string> m_messages;
+    std::vector<QUrl> m_links;
+    bool m_linkOpens = true;
+    int m_abouts = 0;
+
+    EAnswer ShowMessage(QWidget*, const std::string& text, EButtons, EIcon) override {
+        m_messages.push_back(text);
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr); // no question under a wait cursor
+        return m_answers.empty() ? EAnswer::ok : Take(m_answers);
+    }
+    std::optional<std::filesystem::path> AskOpenPath(QWidget*, const std::filesystem::path&) override {
+        return m_paths.empty() ? std::nullopt : Take(m_paths);
+    }
+    std::optional<std::filesystem::path> AskSavePath(QWidget*, const std::filesystem::path&) override {
+        return m_paths.empty() ? std::nullopt : Take(m_paths);
+    }
+    void ShowAbout(QWidget*, const CVersionInfo&) override { ++m_abouts; }
+    bool OpenLink(const QUrl& link) override {
+        m_links.push_back(link);
+        return m_linkOpens;
+    }
+    std::vector<std::string> TakeMessages() { return std::exchange(m_messages, {}); }
+
+  private:
+    template <class T>
+    static T Take(std::deque<T>& values) {
+        T value = std::move(values.front());
+        values.pop_front();
+        return value;
+    }
+};
+
+class Session : public testing::Test {
+  protected:
+    Session() {
+        std::filesystem::create_directory(m_folder / "temporary");
+        ::setenv("TMPDIR", (m_folder / "temporary").c_str(), 1);
+        m_application.GetConfiguration().Set(Cnf<"process/morvex">, TEST_ENGINE);
+        MakeFrame();
+    }
+    ~Session() override {
+        m_frame.reset();
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+        EXPECT_TRUE(m_dialogs.m_messages.empty()) << m_dialogs.m_messages[0];
+        ::unsetenv("TMPDIR");
+    }
+
+    // A new frame in place of the present one, over what the settings keep.
+    void MakeFrame() {
+        m_frame.reset();
+        m_frame = std::make_unique<CTrvProjectMainFrame>(m_application, m_target, m_dialogs, m_settings);
+    }
+    // Writes a small recording and a project over it.
+    std::filesystem::path MakeProject(const std::string& name) {
+        const auto path = m_folder / (name + ".tarprj");
+        {
+            CTestRecording recording(m_folder / (name + ".tarin"));
+            Persistance_Xpf::CXpfTarinImuPacketV2 imu;
+            imu.SetUInt8(2, 14);
+            for (int i = 0; i < 100; ++i) {
+                imu.SetDate(0, Seconds(i * 0.01));
+                EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
+                if (i % 10 == 5) recording.Gps(i * 0.01, 48.5, -4.5, 10);
+            }
+        }
+        std::string message;
+        auto project = CreateProject({m_folder / (name + ".tarin"), path}, message);
+        EXPECT_TRUE(project) << message;
+        CMessageQueueHost host(*this);
+        EXPECT_TRUE(host.m_document.NewFromProject(std::move(project), path));
+        return path;
+    }
+    bool PumpUntil(const std::function<bool()>& done) { return QTest::qWaitFor(done, 30'000); }
+    QAction& Action(int command) { return m_frame->GetAction(command); }
+    template <class T>
+    T& Child(const char* name) {
+        T* child = m_frame->findChild<T*>(name);
+        EXPECT_TRUE(child) << name;
+        return *child;
+    }
+
+    CTemporaryFolder m_folder;
+    CTrvApp m_application{m_folder / "VarneNav"};
+    CEventLoopTarget m_target;
+    CScriptedDialogs m_dialogs;
+    QSettings m_settings{QString::fromStdString((m_folder / "settings.ini").string()), QSettings::IniFormat};
+    std::unique_ptr<CTrvProjectMainFrame> m_frame;
+
+  private:
+    // Makes projects beside the frame's document.
+    struct CMessageQueueHost {
+        explicit CMessageQueueHost(Session& session)
+            : m_document(*session.m_frame, m_queue, session.m_application.GetConfiguration()) {}
+        Outils::CMessageQueue m_queue;
+        CTrvDocument m_document;
+    };
+};
+
+} // namespace test

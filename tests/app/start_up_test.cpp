@@ -1,0 +1,150 @@
+#include "app/start_up.h"
+
+#include "app/snapshot.h"
+#include "app/text_ids.h"
+#include "document/text_ids.h"
+#include "session.h"
+
+#include <QImage>
+
+#include <fstream>
+
+using namespace Application_Tarvel;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+namespace {
+
+using StartUp = test::Session;
+
+TEST(CommandLine, IsReadAsAWhole) {
+    struct {
+        std::vector<const char*> words;
+        ERequest request;
+        const char* project = "";
+        const char* snapshot = "";
+    } const rows[] = {
+        {{}, ERequest::run},
+        {{"a b.tarprj"}, ERequest::run, "a b.tarprj"},
+        {{"--snapshot", "o.png"}, ERequest::snapshot, "", "o.png"},
+        {{"p.tarprj", "--snapshot", "o.png"}, ERequest::snapshot, "p.tarprj", "o.png"},
+        {{"--snapshot", "--", "--", "-p"}, ERequest::snapshot, "-p", "--"},
+        {{"p", "--help"}, ERequest::help, "p"},
+        {{"--version", "-x"}, ERequest::version},
+        {{"--snapshot"}, ERequest::wrongUsage},
+        {{"--snapshot", ""}, ERequest::wrongUsage},
+        {{"a", "b"}, ERequest::wrongUsage},
+        {{"-platform"}, ERequest::wrongUsage},
+    };
+    for (const auto& row : rows) {
+        const SCommandLine line = ParseCommandLine(row.words);
+        const std::string name = testing::PrintToString(row.words);
+        EXPECT_EQ(line.request, row.request) << name;
+        EXPECT_EQ(line.project, row.project) << name;
+        EXPECT_EQ(line.snapshot, row.snapshot) << name;
+        EXPECT_EQ(line.error.empty(), row.request != ERequest::wrongUsage) << name;
+    }
+}
+
+TEST(Settings, AreReadAtTheStartAndWrittenAtTheEndOnly) {
+    const test::CTemporaryFolder folder;
+    const auto file = folder / "Renamed.conf.xml";
+    std::ofstream(file) << "<configuration><general><startMode>OPENLAST</startMode>"
+                           "<expertMode>yes</expertMode></general></configuration>";
+    CTrvApp application(folder / "Renamed");
+    application.InitInstance();
+    EXPECT_TRUE(application.IsExpertMode());
+    EXPECT_EQ(application.GetConfiguration().Get(test::Cnf<"general/startMode">), EStartMode::openLast);
+    application.GetConfiguration().Set(test::Cnf<"general/startMode">, EStartMode::newEmpty);
+    const auto startModeOf = [&] {
+        CTrvApp other(folder / "Renamed.exe"); // an extension is replaced
+        other.InitInstance();
+        return other.GetConfiguration().Get(test::Cnf<"general/startMode">);
+    };
+    EXPECT_EQ(startModeOf(), EStartMode::openLast);
+    EXPECT_TRUE(application.ExitInstance());
+    EXPECT_EQ(startModeOf(), EStartMode::newEmpty);
+    std::ofstream(file) << "<configuration><gen";
+    EXPECT_EQ(startModeOf(), EStartMode::newWizard);
+    CTrvApp nowhere{{}};
+    nowhere.InitInstance();
+    EXPECT_FALSE(nowhere.ExitInstance());
+}
+
+TEST(Settings, EveryChannelHasItsLabel) {
+    std::string label = "unchanged";
+    EXPECT_FALSE(GetChannelLabel("GPS_4", label));
+    EXPECT_EQ(label, "unchanged");
+    for (const auto& [identifier, text] : {std::pair("IMU", "Imu data"),
+                                           {"GPS_3", "Gps #3"},
+                                           {"ODOMETER", "Odometer"},
+                                           {"PLATFORM_ORIENT", "Gyro stabilized mount"},
+                                           {"MORVEX_STA", "Post-processing internal states"}}) {
+        EXPECT_TRUE(GetChannelLabel(identifier, label));
+        EXPECT_EQ(label, text);
+    }
+}
+
+TEST(Version, TheSupportLinkCarriesIt) {
+    CVersionInfo version = GetVersionInfo();
+    EXPECT_TRUE(version.releaseDate.IsValid());
+    EXPECT_EQ(version.productVersion, "2.4.0");
+    version.fileVersion = "2.4 beta";
+    version.buildNumber = "7";
+    EXPECT_EQ(GetSupportLink(version).substr(0, 7), "mailto:");
+    EXPECT_THAT(GetSupportLink(version),
+                testing::EndsWith("?subject=VARNE%20NAV%20support%20request"
+                                  "&body=Product%20name:%20VARNE%20NAV%0d%0aVersion:%202.4%20beta%0d%0a"
+                                  "Build%20number:%207%0d%0aOwning%20company:%20%0d%0aOperating%20company:%20"
+                                  "%0d%0aYour%20contact%20details:%20%0d%0aComments:%20%0d%0a"));
+}
+
+TEST_F(StartUp, OpensWhatWasNamedOrWhatWasLast) {
+    const auto last = MakeProject("last");
+    const auto gone = m_folder / "gone.tarprj";
+    struct {
+        std::filesystem::path named;
+        EStartMode mode;
+        std::filesystem::path recent;
+        std::filesystem::path file;
+        bool newProject;
+    } const rows[] = {
+        {last, EStartMode::newWizard, {}, last, false}, {gone, EStartMode::openLast, last, gone, false},
+        {{}, EStartMode::openLast, last, last, false},  {{}, EStartMode::openLast, gone, {}, false},
+        {{}, EStartMode::openLast, {}, {}, false},      {{}, EStartMode::newEmpty, last, {}, false},
+        {{}, EStartMode::newWizard, last, {}, true},
+    };
+    for (const auto& row : rows) {
+        const SStart start = ChooseStart(row.named, row.mode, row.recent);
+        EXPECT_EQ(start.file, row.file);
+        EXPECT_EQ(start.newProject, row.newProject);
+        MakeFrame();
+        bool sawWindow = false;
+        Start(*m_frame, start, [&] { sawWindow = m_frame->isVisible(); });
+        EXPECT_TRUE(sawWindow);
+        EXPECT_EQ(m_frame->GetDocument().GetPathName(), row.file == last ? last : std::filesystem::path());
+        EXPECT_EQ(m_frame->HasProject(), row.file == last);
+        // A project that cannot be opened leaves an empty document that is not to be saved.
+        EXPECT_FALSE(m_frame->GetDocument().IsModified());
+        EXPECT_EQ(m_dialogs.TakeMessages().size(), row.file == gone ? 1u : 0u);
+    }
+}
+
+TEST_F(StartUp, ASnapshotShowsTheProjectOrTellsWhyNot) {
+    const auto project = MakeProject("p");
+    const auto snap = [&](const char* out, std::filesystem::path file) {
+        MakeFrame();
+        return TakeSnapshot(*m_frame, {ERequest::snapshot, std::move(file), m_folder / out, {}});
+    };
+    EXPECT_EQ(snap("p.png", project), "");
+    const QImage picture(QString::fromStdString((m_folder / "p.png").string()));
+    EXPECT_EQ(picture.size(), QSize(1400, 900));
+    EXPECT_EQ(snap("empty.png", {}), "");
+    EXPECT_THAT(snap("no folder/p.png", project), Not(IsEmpty()));
+    EXPECT_THAT(snap("gone.png", m_folder / "gone.tarprj"), Not(IsEmpty()));
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "gone.png"));
+    EXPECT_EQ(m_dialogs.TakeMessages().size(), 1u);
+}
+
+} // namespace
