@@ -34,6 +34,7 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
 
     CTrv1DGraphLoader& GetLoader() { return m_loader; }
     CTrv1DGraphStack& GetStack() { return m_loader.GetStack(); }
+    const CTrv1DGraphStack& GetStack() const { return m_loader.GetStack(); }
 
     // The commands of the frame. Vertical ones act on the selected graph.
     void ZoomHorizontal() { m_loader.ZoomHorizontal(); }
@@ -45,29 +46,33 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     void UnzoomVertical() { m_loader.UnzoomVertical(); }
     void ScrollUp() { m_loader.ScrollUp(); }
     void ScrollDown() { m_loader.ScrollDown(); }
-    void ToggleLegends() { m_loader.ToggleLegends(); }
+    void ToggleLegends();
     bool AreLegendsVisible() { return GetStack().AreLegendsVisible(); }
     void SetMode(EView1DMode mode);
     EView1DMode GetMode() const { return m_mode; }
     void SetEcho(bool on);
+    void ToggleEcho() { SetEcho(!m_echo); }
     bool HasEcho() const { return m_echo; }
     // A vector image of the whole stack on the clipboard, and a picture for programs that take none.
     void CopyToClipboard();
-    // Removes the curve selected in a legend, or, without one, nothing.
+    // Takes the curve that is selected in the legend of the selected graph out of the project; a chronogram
+    // goes as a whole. Curves of default graphs are not in the project and stay.
     void DeleteSelectedCurve();
     // After a change of the settings.
     void Reformat();
 
-    // How a saved curve or chronogram graph is removed from the project (`curve` is null for a graph); false
-    // when that failed, which is then told. Without it nothing can be removed.
-    using Remover = std::function<bool(const Metier_Tarvel_Graphics::CTrv1DGraph*,
-                                       const Metier_Tarvel_Graphics::CTrv1DCurve*)>;
-    void SetRemover(Remover remover) { m_remover = std::move(remover); }
+    // Fields of the dictionary that the user drags here; positions are in pixels of the window. A measure
+    // joins the graph under it if that takes its kind; elsewhere, also on a default graph, a measure or an
+    // enumeration gets a graph of its own.
+    bool CanDrop(QPointF position, const Outils_Objets::CObject& field) const;
+    bool Drop(QPointF position, const Outils_Objets::CObject& field);
 
     // For the interactors. Positions are in pixels of the window; the stack may be scrolled under it.
     Outils_Plot2D::SPoint ToStack(QPointF position) const;
     void SetCursorTime(std::optional<Outils_Temps::CDateTimeSpan> time);
     std::optional<Outils_Temps::CDateTimeSpan> GetCursorTime() const { return m_cursorTime; }
+    void DrawCursor(QPainter& painter);
+    // Clamped; scrolls it into sight.
     void SelectPortlet(int index);
     // Paints anew what the stack shows / only what lies over it.
     void Redraw();
@@ -84,7 +89,6 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
-    bool event(QEvent* event) override;
 
   private:
     void OnLoaderChanged(bool layout);
@@ -96,7 +100,6 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
 
     CTrv1DGraphLoader m_loader;
     Presentation_Tarvel_Graphics::SCursorLook m_cursorLook;
-    Remover m_remover;
     EView1DMode m_mode = EView1DMode::select;
     std::optional<Outils_Temps::CDateTimeSpan> m_cursorTime;
     bool m_echo = true;

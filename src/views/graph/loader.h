@@ -23,7 +23,8 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     ~CTrv1DGraphLoader() override;
 
     CTrv1DGraphStack& GetStack() { return m_stack; }
-    const Application_Tarvel::CTrvDocument& GetDocument() const { return m_document; }
+    const CTrv1DGraphStack& GetStack() const { return m_stack; }
+    Application_Tarvel::CTrvDocument& GetDocument() const { return m_document; }
 
     // Called when something else is to be drawn; `layout` when portlets came or went, so that the stack's
     // height or margins may differ. The stack is laid out again before.
@@ -51,7 +52,7 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     void UnzoomVertical();
     void ScrollUp();
     void ScrollDown();
-    // Keeps the choice in `settings` of the caller, if any: the default comes from the configuration.
+    // For all graphs; at the start the settings decide.
     void ToggleLegends();
     // Shows this period; ignored when empty.
     void ShowPeriod(const SPeriod& period);
@@ -64,36 +65,38 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
 
   private:
     class CWindowQuery;
-    class CExtentQuery;
 
     // What is known of one shown channel.
     struct SChannel {
         Application_Tarvel::SChannelAddress address;
-        CDateTimeSpan origin; // file time to simulation time
-        SPeriod extent;       // of the data, in file time; both ends alike for one packet
+        CDateTimeSpan origin;                              // file time to simulation time
+        std::shared_ptr<const CTrv1DGraphDataset> dataset; // the last that came; may be null
+        CDateTimeSpan first, last;                         // of the data, in file time
         bool hasData = false;
-        bool extentKnown = false; // an answer has come
-        bool windowKnown = false; // the first answer to a window query has come, good or bad
-        bool refresh = false;     // look at the file again when the query in flight ends
-        bool force = false;       // and read the window again though the extent is the same
-        SPeriod window;           // the last one asked for, in simulation time
-        std::shared_ptr<Application_Tarvel::CAsyncQuery> extentQuery; // in flight, or null
-        std::shared_ptr<Application_Tarvel::CAsyncQuery> windowQuery; // in flight, or null
+        bool answered = false; // where its data lies is known, or that it has none
+        bool refresh = false;  // look at the file again as soon as no query is under way
+        bool force = false;    // and read the window again even if the file has not grown
+        std::shared_ptr<Application_Tarvel::CAsyncQuery> extentQuery; // under way, or null
+        std::shared_ptr<Application_Tarvel::CAsyncQuery> windowQuery; // under way, or null
     };
     using Channels = std::map<SChannelKey, SChannel>;
 
     void Rebuild(bool forget);
+    SSimulationTimeText MakeTimeText() const;
+    void AddPortlets();
     void UpdateChannels();
-    void CancelAll();
-    void RefreshFile(const Outils_Objets::CObject* file, bool force);
-    void Refresh(const SChannelKey& key, SChannel& channel, bool force);
+    void Withdraw(SChannel& channel);
+    // Looks at the channels of a file again, of all files for null.
+    void Refresh(const Outils_Objets::CObject* file, bool force);
+    void StartRefreshes();
     void AskExtent(const SChannelKey& key, SChannel& channel);
     void AskWindow(const SChannelKey& key, SChannel& channel);
     void AskAllWindows();
-    void OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success);
-    void OnWindow(const SChannelKey& key, bool success, Application_Tarvel::SReducedSeries series,
-                  CDateTimeSpan slice);
-    void UpdateFullExtent();
+    void AskIfWidthChanged();
+    void OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success, bool cancelled);
+    void OnWindow(const SChannelKey& key, CWindowQuery& query, bool success, bool cancelled);
+    bool UpdateFullExtent();
+    SPeriod FindFullExtent() const;
     void UpdateNotices();
     void Changed(bool layout);
     const Outils_Configuration::CTrvCnfConfigFile& Config() const { return m_document.GetConfiguration(); }
@@ -104,12 +107,12 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     CTrv1DGraphStack m_stack;
     Channels m_channels;
     std::function<void(bool)> m_onChanged;
-    SSize m_size;
+    SSize m_size{};
     ELayout m_layout = ELayout::scroll;
     double m_devicePixelRatio = 1;
-    float m_askedWidth = 0;                     // plot width for which data was asked last
+    double m_askedWidth = 0;                    // device pixels for which data was asked last
     bool m_running = false;                     // the engine is at work
-    std::shared_ptr<CTrv1DGraphLoader*> m_self; // null inside once the loader is gone: queries look here
+    std::shared_ptr<CTrv1DGraphLoader*> m_self; // null inside once the loader is gone: answers look here
 };
 
 } // namespace Presentation_Tarvel_Graphics

@@ -26,7 +26,7 @@ using Outils_Plot2D::SPoint;
 using Outils_Plot2D::SRect;
 
 // The least height that still shows a curve, in pixels.
-inline constexpr float kMinimumPortletHeight = 110;
+inline constexpr float kMinimumPortletHeight = 130;
 
 // One serie to show. `curve` is the saved one, or null for a chronogram and for a default graph.
 struct SCurveDescription {
@@ -44,12 +44,12 @@ class CTrv1DGraphPortlet {
     CTrv1DGraphPortlet(const CTrv1DGraphPortlet&) = delete;
     CTrv1DGraphPortlet& operator=(const CTrv1DGraphPortlet&) = delete;
 
-    // The saved graph, for identity only; null for a default graph.
-    const Metier_Tarvel_Graphics::CTrv1DGraph* GetGraph() const { return m_graph; }
+    // The saved graph, null for a default one. It may be gone while the document tells that it changes: until
+    // the portlets are made anew it is good for comparing only.
+    Metier_Tarvel_Graphics::CTrv1DGraph* GetGraph() const { return m_graph; }
     const std::string& GetTitle() const { return m_title; }
     CPlot2D& GetPlot() { return m_plot; }
-    const CPlot2D& GetPlot() const { return m_plot; }
-    CTrv1DGraphSimulationTimeScale& GetTimeScale() { return *m_timeScale; }
+    CTrv1DGraphSimulationTimeScale& GetTimeScale() const { return *m_timeScale; }
 
     // The saved curve behind a serie of the plot; null if there is none.
     const Metier_Tarvel_Graphics::CTrv1DCurve* GetCurve(const CPlot2DSerie* serie) const;
@@ -73,10 +73,10 @@ class CTrv1DGraphPortlet {
     // vertical axis. Chooses the ticks anew.
     void Layout(const SRect& rect, float margin);
     // The margin that the labels need in the present layout.
-    float GetWantedMargin() const;
+    float GetWantedMargin() const { return m_wantedMargin; }
     const SRect& GetRect() const { return m_rect; }
     // The plotting area in the coordinates of the stack.
-    SRect GetPlottingRect() const;
+    const SRect& GetPlottingRect() const { return m_plottingRect; }
     // The height that the user gave, or 0 to share what there is.
     float GetUserHeight() const { return m_userHeight; }
     void SetUserHeight(float height) { m_userHeight = height; }
@@ -88,7 +88,7 @@ class CTrv1DGraphPortlet {
   protected:
     // `settings` and `timeText` must outlive the portlet.
     CTrv1DGraphPortlet(Outils_Plot2D::CPlot2DSettings& settings, const SSimulationTimeText& timeText,
-                       const Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title);
+                       Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title);
 
     void Register(CPlot2DSerie& serie, const SCurveDescription& description);
     // Once the plotting area is known: the ticks of the vertical axis.
@@ -105,15 +105,16 @@ class CTrv1DGraphPortlet {
     void DrawNotice(CGraphics& graphics) const;
 
     CPlot2D m_plot;
-    const SSimulationTimeText& m_timeText;
-    const Metier_Tarvel_Graphics::CTrv1DGraph* m_graph; // Not owned, may be gone.
+    Metier_Tarvel_Graphics::CTrv1DGraph* m_graph; // Not owned, may be gone.
     std::string m_title;
     CTrv1DGraphSimulationTimeScale* m_timeScale;    // owned by the plot's axis
     CTrv1DGraphTimeAdaptorFormater* m_timeFormater; // owned by the plot's axis
     std::vector<SEntry> m_entries;
     std::string m_notice;
     SRect m_rect;
-    float m_margin = 0;
+    SRect m_plottingRect;
+    float m_margin = 0;       // at least, as the layout said
+    float m_wantedMargin = 0; // for the labels
     float m_userHeight = 0;
 };
 
@@ -122,7 +123,7 @@ class CTrv1DGraphMeasurePortlet : public CTrv1DGraphPortlet {
   public:
     // `adaptor` shows the values; it must outlive the portlet.
     CTrv1DGraphMeasurePortlet(Outils_Plot2D::CPlot2DSettings& settings, const SSimulationTimeText& timeText,
-                              const Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title,
+                              Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title,
                               const CNumericValueAdaptor& adaptor);
 
     CPlot2DSerie& AddCurve(const SCurveDescription& description);
@@ -157,7 +158,7 @@ class CTrv1DGraphEnumPortlet : public CTrv1DGraphPortlet {
   public:
     // `literals` are the texts of the states, from 0 on.
     CTrv1DGraphEnumPortlet(Outils_Plot2D::CPlot2DSettings& settings, const SSimulationTimeText& timeText,
-                           const Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title,
+                           Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title,
                            const SCurveDescription& description, const std::vector<std::string>& literals);
 
     float GetMinimumHeight() const override;

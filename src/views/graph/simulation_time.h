@@ -13,7 +13,7 @@ namespace Presentation_Tarvel_Graphics {
 using Outils_Temps::CDateTime;
 using Outils_Temps::CDateTimeSpan;
 
-// A plain value; the adaptors are copies, so that an axis may ask for more decimals than the settings.
+// A plain value. The adaptors are copies, so that an axis may ask for more decimals than the settings.
 struct SSimulationTimeText {
     Outils_Configuration::ESimulationTimeMode mode = Outils_Configuration::ESimulationTimeMode::elapsedTime;
     std::optional<CDateTime> utcReference; // the UTC date of simulation time zero
@@ -25,8 +25,15 @@ struct SSimulationTimeText {
         return mode == Outils_Configuration::ESimulationTimeMode::utcTime && utcReference.has_value();
     }
     std::string Format(CDateTimeSpan time) const;
-    // Decimals of seconds in force, and at least this many from now on (7 at most).
-    void RaisePrecision(int decimals);
+    // Takes as many decimals as it needs to tell times apart that lie `tick` from each other, and those of
+    // the settings at least, which were in force at the first call.
+    void FitPrecision(CDateTimeSpan tick);
+
+  private:
+    struct SDecimals {
+        std::int32_t dateTime, span, total;
+    };
+    std::optional<SDecimals> m_settings;
 };
 
 } // namespace Presentation_Tarvel_Graphics

@@ -40,8 +40,10 @@ class CTrv1DGraphStack {
   public:
     using Portlets = std::vector<std::unique_ptr<CTrv1DGraphPortlet>>;
 
-    // How times become text. Portlets refer to it; call Reformat after a change.
-    SSimulationTimeText& GetTimeText() { return m_timeText; }
+    // How times become text; portlets refer to it.
+    const SSimulationTimeText& GetTimeText() const { return m_timeText; }
+    void SetTimeText(const SSimulationTimeText& timeText);
+    // Takes the units and decimals of the adaptors again.
     void Reformat();
 
     const Portlets& GetPortlets() const { return m_portlets; }
@@ -51,7 +53,7 @@ class CTrv1DGraphStack {
 
     // The selected portlet, or null without portlets.
     CTrv1DGraphPortlet* GetSelected() const;
-    int GetSelectedIndex() const { return m_selected; }
+    int GetSelectedIndex() const;
     void Select(int index); // clamped
     void Select(const CTrv1DGraphPortlet* portlet);
 
@@ -111,8 +113,10 @@ class CTrv1DGraphStack {
 
   private:
     bool Apply(double start, double end);
+    bool ZoomTo(double span);
     void PlacePortlets(SSize size, ELayout layout);
     void LevelMargins();
+    void ShareMargin();
 
     SSimulationTimeText m_timeText; // before the portlets, which refer to it
     Portlets m_portlets;

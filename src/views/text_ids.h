@@ -1,0 +1,32 @@
+// The numbers of the texts that this room shows; the texts are in resources/texts.inc.
+#pragma once
+
+enum EViewText : int {
+    textLatitude = 772,
+    textLongitude = 773,
+    textAltitude = 784,
+    textGraphDeletionFailed = 800,
+    textCurveDeletionFailed = 818,
+    textLoading = 10300,
+    textNoData = 10301,
+    textNoDataInPeriod = 10302,
+    textHeading = 10303,
+    textRoll = 10304,
+    textPitch = 10305,
+    textNoProject = 10306,
+    textHorizontalScale = 10310,
+    textZoom = 10311,
+    textUnzoom = 10312,
+    textRightScroll = 10313,
+    textLeftScroll = 10314,
+    textHorizontalViewAll = 10315,
+    textGraphLegends = 10316,
+    textEcho = 10317,
+    textVerticalScale = 10318,
+    textUpScroll = 10319,
+    textDownScroll = 10320,
+    textCopy = 10321,
+    textDeleteCurve = 10322,
+    textGraphsName = 10323,
+    textGraphsHelp = 10324,
+};

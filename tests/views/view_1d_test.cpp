@@ -1,0 +1,255 @@
+#include "config/config_file.h"
+#include "document/scripted_host.h"
+#include "views/fabricated.h"
+#include "views/view_1d.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QMenu>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QScrollBar>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
+
+using namespace test;
+
+namespace {
+
+// A view on a project whose files do not exist: the data is handed to the stack by the test.
+class View1DTest : public testing::Test {
+  protected:
+    View1DTest() {
+        m_document.emplace(m_host, m_host.m_queue, m_config);
+        auto project =
+            std::make_unique<Metier_Tarvel::CTrvProject>("/nowhere/dive.tarin", "/nowhere/dive.tarout");
+        auto& parameters = *project->simulationParameters;
+        parameters.begin = Metier_Tarvel::ToStoredTime(Seconds(0));
+        parameters.end = Metier_Tarvel::ToStoredTime(Seconds(1000));
+        auto* graph = project->graphSettings->AddMeasureGraph("first");
+        graph->AddCurve(parameters.outputFile.get(), 1, kLatitude, "north");
+        graph->AddCurve(parameters.outputFile.get(), 1, kLatitude, "north again");
+        project->graphSettings->AddMeasureGraph("second")->AddCurve(parameters.outputFile.get(), 1, kAltitude,
+                                                                    "up");
+        for (int i = 0; i < 6; ++i) project->graphSettings->AddMeasureGraph("empty");
+        m_file = parameters.outputFile.get();
+        m_document->NewFromProject(std::move(project), "/nowhere/dive.tarprj");
+
+        m_view.emplace(*m_document, m_adaptors, m_settings);
+        m_view->resize(900, 500);
+        m_view->show();
+        EXPECT_TRUE(m_host.m_queue.RunUntil([this] { return !m_view->GetLoader().IsLoading(); },
+                                            std::chrono::seconds(60)));
+        m_view->GetStack().SetDataset({m_file, 1}, MakeDataset(0, 1000, [](double t) { return t; }));
+        QApplication::processEvents();
+    }
+
+    void Key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers);
+        QApplication::sendEvent(&*m_view, &event);
+    }
+    void Mouse(QEvent::Type type, QPointF position) {
+        const bool move = type == QEvent::MouseMove;
+        QMouseEvent event(type, position, m_view->viewport()->mapToGlobal(position),
+                          move ? Qt::NoButton : Qt::LeftButton,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(m_view->viewport(), &event);
+    }
+    void Drag(QPointF from, QPointF to) {
+        Mouse(QEvent::MouseButtonPress, from);
+        Mouse(QEvent::MouseMove, (from + to) / 2);
+        Mouse(QEvent::MouseMove, to);
+        Mouse(QEvent::MouseButtonRelease, to);
+    }
+    // A point of the plotting area of the first graph, by parts of its width and height.
+    QPointF At(double x, double y) {
+        const SRect area = m_view->GetStack().GetPortlets()[0]->GetPlottingRect();
+        return {static_cast<double>(area.x) + x * static_cast<double>(area.width),
+                static_cast<double>(area.y) + y * static_cast<double>(area.height)};
+    }
+    std::pair<double, double> Shown() {
+        const auto& period = m_view->GetStack().GetPeriod();
+        return {std::round(period.start.GetTotalSeconds()), std::round(period.end.GetTotalSeconds())};
+    }
+    CTrv1DGraphMeasurePortlet& First() {
+        return dynamic_cast<CTrv1DGraphMeasurePortlet&>(*m_view->GetStack().GetPortlets()[0]);
+    }
+
+    Outils_Configuration::CTrvCnfConfigFile m_config;
+    Outils_Valeurs::CTrvAdaptors m_adaptors;
+    Outils_Plot2D::CPlot2DSettings m_settings;
+    CScriptedHost m_host;
+    std::optional<CTrvDocument> m_document;
+    const Metier_Tarvel::CTrvDataFile* m_file = nullptr;
+    std::optional<CTrvView1D> m_view;
+};
+
+using Period = std::pair<double, double>;
+
+TEST_F(View1DTest, KeyboardReachesEverything) {
+    EXPECT_EQ(Shown(), Period(0, 1000));
+    Key(Qt::Key_Plus);
+    EXPECT_EQ(Shown(), Period(250, 750));
+    Key(Qt::Key_Right);
+    EXPECT_EQ(Shown(), Period(375, 875));
+    Key(Qt::Key_Left);
+    Key(Qt::Key_Minus);
+    EXPECT_EQ(Shown(), Period(0, 1000));
+    Key(Qt::Key_Left);
+    EXPECT_EQ(Shown(), Period(-250, 750));
+    Key(Qt::Key_Home);
+    EXPECT_EQ(Shown(), Period(0, 1000));
+
+    const double width = First().GetMaximum() - First().GetMinimum(), low = First().GetMinimum();
+    Key(Qt::Key_Plus, Qt::ControlModifier);
+    EXPECT_NEAR(First().GetMaximum() - First().GetMinimum(), width / 2, 1e-9);
+    Key(Qt::Key_Minus, Qt::ControlModifier);
+    Key(Qt::Key_Up, Qt::ControlModifier);
+    EXPECT_NEAR(First().GetMinimum(), low + width / 4, 1e-9);
+    Key(Qt::Key_Down, Qt::ControlModifier);
+    EXPECT_NEAR(First().GetMinimum(), low, 1e-9);
+
+    const float height = First().GetRect().height;
+    Key(Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_GT(First().GetRect().height, height);
+    Key(Qt::Key_Right, Qt::ShiftModifier);
+    ASSERT_TRUE(m_view->GetCursorTime());
+    EXPECT_EQ(*m_view->GetCursorTime(), Seconds(500));
+    Key(Qt::Key_Right, Qt::ShiftModifier);
+    EXPECT_GT(*m_view->GetCursorTime(), Seconds(500));
+
+    for (int i = 0; i < 20; ++i) Key(Qt::Key_Down);
+    EXPECT_EQ(m_view->GetStack().GetSelectedIndex(), 7);
+    EXPECT_NEAR(m_view->verticalScrollBar()->value(), m_view->verticalScrollBar()->maximum(), 4)
+        << "in sight";
+    for (int i = 0; i < 20; ++i) Key(Qt::Key_Up);
+    EXPECT_EQ(m_view->verticalScrollBar()->value(), 0);
+    Key(Qt::Key_PageDown);
+    EXPECT_GT(m_view->verticalScrollBar()->value(), 0);
+
+    const auto& graphs = m_document->GetProject()->graphSettings->graphs;
+    const auto curves = [&] {
+        return static_cast<Metier_Tarvel_Graphics::CTrv1DGraphMeasure&>(*graphs[0]).curves.size();
+    };
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(curves(), 2u) << "no curve is selected";
+    Key(Qt::Key_Space);
+    Key(Qt::Key_Delete);
+    EXPECT_EQ(curves(), 1u);
+    EXPECT_EQ(First().GetPlot().GetSeries().size(), 1u);
+
+    QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QApplication::sendEvent(m_view->viewport(), &menuKey);
+    const auto menus = m_view->findChildren<QMenu*>();
+    ASSERT_FALSE(menus.empty());
+    menus[0]->actions()[0]->menu()->actions()[0]->trigger();
+    EXPECT_EQ(Shown(), Period(250, 750));
+}
+
+TEST_F(View1DTest, RubberBandZoomsTheTime) {
+    m_view->SetMode(EView1DMode::zoom);
+    Drag(At(0.25, 0.5), At(0.75, 0.6));
+    EXPECT_NEAR(Shown().first, 250, 3);
+    EXPECT_NEAR(Shown().second, 750, 3);
+    const auto before = m_view->GetStack().GetPeriod();
+    Drag(At(0.5, 0.5), At(0.5, 0.5));
+    Drag(At(0.5, 0.5), At(0.9, 0.5)); // flat
+    Mouse(QEvent::MouseButtonPress, At(0.1, 0.1));
+    Mouse(QEvent::MouseMove, At(0.4, 0.4));
+    Key(Qt::Key_Escape);
+    Mouse(QEvent::MouseButtonRelease, At(0.4, 0.4));
+    EXPECT_EQ(m_view->GetStack().GetPeriod(), before);
+    Drag(At(0.5, 0.5), At(3, 4)); // far out: kept to the plotting area
+    EXPECT_NEAR(Shown().second, 750, 3);
+}
+
+TEST_F(View1DTest, PanDragsTimeAndMeantDragsOfValues) {
+    m_view->SetMode(EView1DMode::pan);
+    const double low = First().GetMinimum();
+    Drag(At(0.5, 0.5), At(0.25, 0.5) + QPointF(0, 4));
+    EXPECT_NEAR(Shown().first, 250, 3);
+    EXPECT_NEAR(Shown().second, 1250, 3);
+    EXPECT_EQ(First().GetMinimum(), low) << "a hand is not quite steady";
+    Drag(At(0.5, 0.25), At(0.5, 0.75));
+    EXPECT_NEAR(First().GetMinimum(), low + (First().GetMaximum() - First().GetMinimum()) / 2, 1);
+}
+
+TEST_F(View1DTest, SelectTakesBordersLegendsAndTheCursor) {
+    const SRect rect = First().GetRect();
+    Drag(QPointF(500, static_cast<double>(rect.Bottom()) + 1),
+         QPointF(500, static_cast<double>(rect.Bottom()) + 61));
+    EXPECT_NEAR(First().GetRect().height, rect.height + 61, 5);
+
+    const SRect plot = First().GetPlot().GetRect();
+    const QPointF row(static_cast<double>(plot.x) + 30, static_cast<double>(plot.y) + 12);
+    Mouse(QEvent::MouseMove, row);
+    EXPECT_NE(First().GetPlot().GetHoveredSerie(), nullptr);
+    Drag(row, row);
+    EXPECT_NE(First().GetPlot().GetSelectedSerie(), nullptr);
+
+    CDateTimeSpan told;
+    QObject::connect(&*m_view, &CTrvView1D::CursorMoved, [&](CDateTimeSpan time) { told = time; });
+    Mouse(QEvent::MouseMove, At(0.5, 0.5));
+    EXPECT_EQ(First().GetPlot().GetHoveredSerie(), nullptr);
+    EXPECT_NEAR(told.GetTotalSeconds(), 500, 2);
+
+    QWheelEvent wheel(At(0.5, 0.5), At(0.5, 0.5), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::ControlModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(m_view->viewport(), &wheel);
+    EXPECT_EQ(Shown(), Period(250, 750));
+}
+
+TEST_F(View1DTest, FieldsAreDroppedWhereTheyFit) {
+    using namespace Metier_Tarvel_DataModel;
+    auto& project = *m_document->GetProject();
+    auto layer = std::make_unique<CTrvDataLayer>();
+    layer->m_name = "MORVEX_STD";
+    layer->m_dataFile = project.simulationParameters->outputFile.get();
+    layer->m_channelNumber = 1;
+    const auto* latitude = CTrvDataModel::AddMeasure(*layer, "Latitude0", "", kLatitude, 1);
+    const auto* altitude = CTrvDataModel::AddMeasure(*layer, "Altitude0", "", kAltitude, 13);
+    const auto* state = CTrvDataModel::AddEnum(*layer, "State", "", 0);
+    project.dataModel->m_layers.push_back(std::move(layer));
+
+    const auto& graphs = project.graphSettings->graphs;
+    const QPointF below(5, 1e5);
+    EXPECT_TRUE(m_view->CanDrop(At(0.5, 0.5), *latitude));
+    EXPECT_FALSE(m_view->CanDrop(At(0.5, 0.5), *altitude)) << "another kind of value";
+    EXPECT_FALSE(m_view->CanDrop(At(0.5, 0.5), *state));
+    EXPECT_FALSE(m_view->CanDrop(below, project)) << "no field";
+    EXPECT_FALSE(m_view->Drop(At(0.5, 0.5), *altitude));
+    EXPECT_TRUE(m_view->Drop(At(0.5, 0.5), *latitude));
+    EXPECT_EQ(First().GetPlot().GetSeries().size(), 3u);
+    EXPECT_EQ(First().GetPlot().GetSeries()[2]->GetName(), "MORVEX_STD - Latitude0");
+    const std::size_t count = graphs.size();
+    EXPECT_TRUE(m_view->Drop(below, *altitude));
+    EXPECT_TRUE(m_view->Drop(below, *state));
+    EXPECT_EQ(graphs.size(), count + 2);
+    EXPECT_EQ(m_view->GetStack().GetPortlets().size(), count + 2);
+}
+
+TEST_F(View1DTest, ProjectMayGoDuringAGesture) {
+    m_view->SetMode(EView1DMode::pan);
+    Mouse(QEvent::MouseButtonPress, At(0.5, 0.5));
+    Mouse(QEvent::MouseMove, At(0.4, 0.4));
+    m_document->DeleteContents();
+    m_document->UpdateAllViews(nullptr, hintRefresh);
+    Mouse(QEvent::MouseMove, QPointF(300, 80));
+    Mouse(QEvent::MouseButtonRelease, QPointF(300, 80));
+    for (const int key :
+         {Qt::Key_Plus, Qt::Key_Left, Qt::Key_Home, Qt::Key_Down, Qt::Key_Space, Qt::Key_Delete})
+        Key(key);
+    EXPECT_FALSE(m_view->grab().isNull());
+}
+
+TEST_F(View1DTest, ClipboardGetsAVectorImage) {
+    m_view->CopyToClipboard();
+    const QMimeData* data = QApplication::clipboard()->mimeData();
+    ASSERT_TRUE(data && data->hasFormat("image/svg+xml"));
+    EXPECT_TRUE(data->data("image/svg+xml").contains("<polyline"));
+    EXPECT_TRUE(data->hasImage());
+}
+
+} // namespace
