@@ -83,6 +83,11 @@ const std::string& CheckText(const std::string& text) {
     return text;
 }
 
+// The nearest number, which has the shortest text: a sum of seconds and fraction may miss it by the last bit.
+double ToSeconds(CDateTime time) {
+    return static_cast<double>(ToSpan(time).GetTicks()) / static_cast<double>(Outils_Temps::kTicksPerSecond);
+}
+
 Outils_Valeurs::CDateTimeAdaptor MakeDates() {
     Outils_Valeurs::CDateTimeAdaptor dates;
     dates.notation = Outils_Configuration::EDateNotation::yearMonthDay;
@@ -173,7 +178,7 @@ void CParameterExchange::Attributes(xml_node element, Metier_Tarvel::CTrvSpeedBi
 }
 
 void CParameterExchange::Seconds(xml_node element, const char* name, CDateTime& time) const {
-    double seconds = ToSpan(time).GetTotalSeconds();
+    double seconds = ToSeconds(time);
     OptionalAttribute(element, name, seconds, time != CDateTime());
     if (!IsLoading() || !element.attribute(name)) return;
     const CDateTimeSpan span = CDateTimeSpan::FromSeconds(seconds);
@@ -190,7 +195,7 @@ void CParameterExchange::Time(xml_node element, const char* name, CDateTime& tim
     std::string text;
     if (!IsLoading()) {
         if (!m_parameters.hasUtcReference)
-            text = ToText(ToSpan(time).GetTotalSeconds());
+            text = ToText(ToSeconds(time));
         else if (!MakeDates().ValueToText(m_parameters.utcReference + ToSpan(time), text))
             Fail();
         PutAttribute(element, name, text);
