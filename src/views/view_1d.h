@@ -1,9 +1,11 @@
 // The view of the graphs: paints the stack, turns mouse and keys into its commands. All else is in graph/. UI
 // thread.
 //
-// Keys: left and right scroll, plus and minus zoom, Home shows everything; up and down select a graph; with
-// Ctrl up, down, plus and minus act on the values of the selected graph; Page Up and Page Down scroll the
-// stack; Delete removes the selected curve; Escape ends a gesture; the menu key opens the menu.
+// Keys: left and right scroll, with Shift they move the cursor (with Ctrl, too, faster); plus and minus zoom,
+// Home shows everything; up and down select a graph, with Ctrl they scroll its values, with Shift, too, they
+// change its height; plus and minus with Ctrl zoom its values; Space selects its next curve, Delete removes
+// that; Page Up and Page Down scroll the stack; Escape ends a gesture; the menu key opens the menu. The wheel
+// scrolls the stack, with Ctrl it zooms, with Shift it scrolls the time.
 #pragma once
 
 #include "views/graph/loader.h"

@@ -144,8 +144,9 @@ void CTrvView1DInteractorSelect::OnMousePress(QMouseEvent& event) {
     View().SelectPortlet(IndexOf(portlet));
     const unsigned hit = portlet->GetPlot().HitTest(point);
     if (hit & CPlot2D::HitLegend) {
-        auto& plot = portlet->GetPlot();
-        plot.SetSelectedSerie(plot.GetLegend().SerieAt(point));
+        // One curve is selected in all the graphs.
+        for (const auto& other : stack.GetPortlets()) other->GetPlot().SetSelectedSerie(nullptr);
+        portlet->GetPlot().SetSelectedSerie(portlet->GetPlot().GetLegend().SerieAt(point));
         View().Redraw();
     } else if ((hit & CPlot2D::HitPlottingArea) && BeginGesture(event, *portlet)) {
         View().viewport()->setCursor(GetShape());

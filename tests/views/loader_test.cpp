@@ -223,6 +223,24 @@ TEST_F(LoaderTest, VanishedResultLeavesItsCurvesInTheLegend) {
     EXPECT_GT(Source(0, kRecording).GetCount(), 0u);
 }
 
+// The whole way: the monitor sees the file, the dictionary gets its layer, the graphs a curve.
+TEST_F(LoaderTest, ResultThatAppearsLaterJoinsTheGraphs) {
+    EXPECT_TRUE(m_result.Close());
+    std::filesystem::rename(m_folder / "dive.tarout", m_folder / "kept");
+    Open();
+    Load();
+    EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 1u);
+    const auto recorded = Source(0, kRecording).GetDataset();
+    std::filesystem::rename(m_folder / "kept", m_folder / "dive.tarout");
+    const auto isShown = [this] {
+        return Stack().GetPortlets()[0]->GetPlot().GetSeries().size() == 2 && !m_loader->IsLoading() &&
+               LastTime(0, kResult) > 0;
+    };
+    ASSERT_TRUE(m_host.m_queue.RunUntil(isShown, std::chrono::seconds(60)));
+    EXPECT_NEAR(LastTime(0, kResult), 120, 1e-6);
+    EXPECT_EQ(Source(0, kRecording).GetDataset(), recorded) << "what was known is not read again";
+}
+
 TEST_F(LoaderTest, SavedGraphsReplaceTheDefaultOnes) {
     Open();
     Load();

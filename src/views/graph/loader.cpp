@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -29,7 +30,6 @@ CTrv1DGraphLoader::CTrv1DGraphLoader(CTrvDocument& document, const Outils_Valeur
       m_adaptors(adaptors),
       m_settings(settings),
       m_self(std::make_shared<CTrv1DGraphLoader*>(this)) {
-    m_stack.SetLegendsVisible(Config().Get(Cnf<"view1D/showGraphLegends">));
     m_document.AddView(this);
     Reformat();
 }
@@ -130,6 +130,9 @@ void CTrv1DGraphLoader::Reformat() {
     m_settings.drawCurve = Config().Get(Cnf<"view1D/drawCurve">);
     m_settings.extremumTransparency =
         static_cast<std::uint8_t>(std::clamp(Config().Get(Cnf<"view1D/extremumTransparency">), 0, 255));
+    // What the user toggled stands until the setting itself is changed.
+    const bool legends = Config().Get(Cnf<"view1D/showGraphLegends">);
+    if (std::exchange(m_legendSetting, legends) != legends) m_stack.SetLegendsVisible(legends);
     // Colours and sampling are taken while portlets and questions are made.
     Rebuild(false);
     AskAllWindows();

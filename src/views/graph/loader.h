@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -111,6 +112,7 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     ELayout m_layout = ELayout::scroll;
     double m_devicePixelRatio = 1;
     double m_askedWidth = 0;                    // device pixels for which data was asked last
+    std::optional<bool> m_legendSetting;        // as it was read last
     bool m_running = false;                     // the engine is at work
     std::shared_ptr<CTrv1DGraphLoader*> m_self; // null inside once the loader is gone: answers look here
 };
