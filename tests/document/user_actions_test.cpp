@@ -55,12 +55,15 @@ class CFileHost : public test::CScriptedHost {
         std::filesystem::copy_file(m_repaired, path, std::filesystem::copy_options::overwrite_existing);
         return true;
     }
-    std::optional<std::filesystem::path> ConvertRawFile(const std::filesystem::path&, ERawFormat) override {
+    std::optional<std::filesystem::path> ConvertRawFile(const std::filesystem::path&,
+                                                        ERawFormat format) override {
+        m_format = format;
         return m_converted;
     }
     std::optional<std::filesystem::path> m_dataFile; // chosen in the next dialog
     std::filesystem::path m_repaired;                // what the updater makes of any file
     std::optional<std::filesystem::path> m_converted;
+    std::optional<ERawFormat> m_format; // of the last conversion
 };
 
 std::string Text(int id) { return std::string(GetText(id)); }
@@ -414,7 +417,9 @@ TEST_F(UserActions, ADataFileIsPreparedBeforeItIsAdded) {
     const auto cut = m_folder / "cut.tarin";
     ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(cut, bytes));
     const auto text = m_folder / "gps.nmea";
-    std::ofstream(text) << std::string(500, '$');
+    std::ofstream(text) << std::string(500, 'x');
+    const auto depth = m_folder / "depth.txt";
+    std::ofstream(depth) << "DEPTH TO VARNE NAV EXTERNAL DATA\n";
 
     struct SCase {
         std::filesystem::path chosen;
@@ -428,12 +433,14 @@ TEST_F(UserActions, ADataFileIsPreparedBeforeItIsAdded) {
         {m_folder / "gone.tarin", {}, true, true, {textDataFileNotAnalyzed}, false},
         {text, {cancel}, true, true, {textUnrecognizedDataFile}, false},
         {text, {ok}, true, false, {textUnrecognizedDataFile}, false},
+        {depth, {cancel}, true, true, {textConvertDataFile}, false},
+        {depth, {ok}, true, false, {textConvertDataFile}, false},
         {old, {cancel}, true, true, {textUpgradeDataFile}, false},
         {old, {ok}, false, true, {textUpgradeDataFile}, false},
         {cut, {ok}, false, true, {textUpgradeDataFile}, false},
         {m_folder / "r.tarin", {}, true, true, {textDataFileReferenced}, false},
         {old, {ok}, true, true, {textUpgradeDataFile}, true},
-        {text, {ok}, true, true, {textUnrecognizedDataFile}, true},
+        {depth, {ok}, true, true, {textConvertDataFile}, true},
         {good, {}, true, true, {textDataFileReferenced}, false}, // the converted file
     };
     for (const SCase& c : cases) {
@@ -449,6 +456,7 @@ TEST_F(UserActions, ADataFileIsPreparedBeforeItIsAdded) {
         EXPECT_EQ(m_view.Take().size(), c.added ? 1u : 0u) << c.chosen;
         EXPECT_EQ(Parameters().externalFiles.size(), before + (c.added ? 1 : 0)) << c.chosen;
     }
+    EXPECT_EQ(m_host.m_format, ERawFormat::depth);
     m_host.m_dataFile.reset();
     EXPECT_FALSE(m_edits.AddDataFile());
     EXPECT_THAT(m_host.m_messages, IsEmpty());

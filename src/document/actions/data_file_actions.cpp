@@ -5,6 +5,7 @@
 #include "document/document.h"
 #include "document/text_ids.h"
 #include "foundation/texts.h"
+#include "values/adaptors.h"
 
 #include <algorithm>
 #include <vector>
@@ -57,7 +58,9 @@ bool CTrvActAddDataFile::Ask(int question) {
 
 std::optional<std::filesystem::path> CTrvActAddDataFile::Prepare(const std::filesystem::path& chosen) {
     IDocumentHost& host = m_document.GetHost();
-    const SDataFileKind kind = ClassifyDataFile(chosen);
+    Outils_Valeurs::CTrvAdaptors adaptors;
+    adaptors.Configure(m_document.GetConfiguration());
+    const SDataFileKind kind = ClassifyDataFile(chosen, adaptors.GetDateTime());
     switch (kind.kind) {
     case EDataFileKind::packets: return chosen;
     case EDataFileKind::outdatedPackets:

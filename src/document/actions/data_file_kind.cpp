@@ -1,8 +1,7 @@
 #include "document/actions/data_file_kind.h"
 
+#include "dataaccess/format_detection.h"
 #include "xpf/file.h"
-
-#include <string_view>
 
 namespace Application_Tarvel {
 
@@ -10,21 +9,41 @@ using namespace Persistance_Xpf;
 
 namespace {
 
-constexpr std::string_view kPacketFileMark = "XPF";
+struct SConverter {
+    EFileFormat detected;
+    ERawFormat converter;
+};
+
+constexpr SConverter kConverters[] = {
+    {formatNmeaGps, ERawFormat::nmea},
+    {formatUsbl, ERawFormat::kolt},
+    {formatPostProcessedGps, ERawFormat::novatel},
+    {formatRawIns, ERawFormat::rawIns},
+    {formatRdiPd6, ERawFormat::pd6},
+    {formatInsText, ERawFormat::decodedIns},
+    {formatEvents, ERawFormat::synchro},
+    {formatRange, ERawFormat::range},
+    {formatConvertedUsbl, ERawFormat::usbl},
+    {formatMountOrientation, ERawFormat::platform},
+    {formatOdometer, ERawFormat::odometer},
+    {formatDepth, ERawFormat::depth},
+};
 
 } // namespace
 
-SDataFileKind ClassifyDataFile(const std::filesystem::path& path) {
-    CXpfFile file;
-    if (!file.Open(path)) return {EDataFileKind::unreadable};
-    // Reading the header as such does not look at the mark: any text would pass for an old packet file.
-    char mark[kPacketFileMark.size()] = {};
-    if (file.Read(mark, sizeof mark) != sizeof mark || std::string_view(mark, sizeof mark) != kPacketFileMark)
-        return {EDataFileKind::unknown};
-    bool outdated = false;
-    OpenXpfFile(path, EFileKind::tarin, outdated);
-    // One that is damaged otherwise is left to who opens it.
-    return {outdated ? EDataFileKind::outdatedPackets : EDataFileKind::packets};
+SDataFileKind ClassifyDataFile(const std::filesystem::path& path,
+                               const Outils_Valeurs::CDateTimeAdaptor& dates) {
+    int code = formatUnknown;
+    if (!DetectFileFormat(path, code, dates)) return {EDataFileKind::unreadable};
+    if (code == formatXpf) {
+        bool outdated = false;
+        OpenXpfFile(path, EFileKind::tarin, outdated);
+        // One that is damaged otherwise is left to who opens it.
+        return {outdated ? EDataFileKind::outdatedPackets : EDataFileKind::packets};
+    }
+    for (const SConverter& row : kConverters)
+        if (row.detected == code) return {EDataFileKind::raw, row.converter};
+    return {EDataFileKind::unknown};
 }
 
 } // namespace Application_Tarvel

@@ -3,6 +3,10 @@
 
 #include <filesystem>
 
+namespace Outils_Valeurs {
+class CDateTimeAdaptor;
+}
+
 namespace Application_Tarvel {
 
 enum class EDataFileKind {
@@ -34,7 +38,8 @@ struct SDataFileKind {
     ERawFormat format = ERawFormat::rawIns; // of a raw file
 };
 
-// Reads the head of the file.
-SDataFileKind ClassifyDataFile(const std::filesystem::path& path);
+// Reads the head of the file. `dates` tells the form of the dates in event texts.
+SDataFileKind ClassifyDataFile(const std::filesystem::path& path,
+                               const Outils_Valeurs::CDateTimeAdaptor& dates);
 
 } // namespace Application_Tarvel
