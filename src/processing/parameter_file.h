@@ -53,9 +53,10 @@ class CParameterFileReader {
     // The main input file, the external files, the output file. Empty while nothing is loaded.
     const std::vector<SParameterFileRow>& GetFiles() const { return m_files; }
 
-    // New parameters; those on a recording with UTC dates get `utcReference`, the UTC date of tick 0. Without
-    // one (invalid) a file with dates cannot be read. Null when anything is missing or cannot be read, an
-    // external file is named twice or cannot be opened, or a sensor has no place or no channel.
+    // New parameters, with `utcReference` (the UTC date of tick 0) as their reference when it is valid;
+    // without one a file with dates cannot be read. Null when anything that a writer always writes is
+    // missing, a value cannot be read, an external file is named twice or cannot be opened, a sensor is one
+    // too many of its kind or the main input file has no channel of that kind, or its channel is not found.
     std::unique_ptr<CTrvSimulationParameters>
     Read(const CChosenPaths& chosen = {},
          Outils_Temps::CDateTime utcReference = Outils_Temps::CDateTime::Invalid()) const;
