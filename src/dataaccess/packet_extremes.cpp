@@ -6,6 +6,12 @@
 #include <cstring>
 #include <utility>
 
+// The baseline instruction set knows minima and maxima of few types: a second form of the hot function serves
+// the machines that know them all. Both give the same results.
+#if defined(__x86_64__) && defined(__GNUC__)
+#define VARNE_HAS_AVX2_FORM
+#endif
+
 namespace Application_Tarvel {
 
 using namespace Persistance_Xpf;
@@ -104,8 +110,9 @@ constexpr bool StaysInPacket() {
     return true;
 }
 
+// Inlined into both forms of Include, and compiled there with the instructions of each.
 template <EFieldType Type>
-void IncludeVector(const std::uint8_t* from, SVector& low, SVector& high) {
+[[gnu::always_inline]] inline void IncludeVector(const std::uint8_t* from, SVector& low, SVector& high) {
     using Element = typename TElement<Type>::Type;
     typedef Element Lanes __attribute__((vector_size(kVector)));
     Lanes value, least, greatest;
@@ -138,6 +145,12 @@ struct TExtremes {
     static void Include(const std::uint8_t* payload, SVector* low, SVector* high) {
         IncludeAll(payload, low, high, Indexes());
     }
+#ifdef VARNE_HAS_AVX2_FORM
+    [[gnu::target("avx2")]] static void IncludeByAvx2(const std::uint8_t* payload, SVector* low,
+                                                      SVector* high) {
+        IncludeAll(payload, low, high, Indexes());
+    }
+#endif
     static void Finish(const SVector* extremes, std::uint8_t* payload) {
         for (std::size_t i = 0; i < kChunks<Layout>.count; ++i) {
             const SChunk& chunk = kChunks<Layout>.rows[i];
@@ -148,8 +161,8 @@ struct TExtremes {
 
   private:
     template <std::size_t... I>
-    static void IncludeAll(const std::uint8_t* payload, SVector* low, SVector* high,
-                           std::index_sequence<I...>) {
+    [[gnu::always_inline]] static inline void IncludeAll(const std::uint8_t* payload, SVector* low,
+                                                         SVector* high, std::index_sequence<I...>) {
         (IncludeVector<kChunks<Layout>.rows[I].type>(payload + kChunks<Layout>.rows[I].start, low[I],
                                                      high[I]),
          ...);
@@ -159,36 +172,46 @@ struct TExtremes {
 } // namespace
 
 template <const SPacketLayout& Layout>
-constexpr CPacketExtremes::SFunctions CPacketExtremes::FunctionsFor() {
-    return {TExtremes<Layout>::Begin, TExtremes<Layout>::Include, TExtremes<Layout>::Finish};
+CPacketExtremes::SFunctions CPacketExtremes::FunctionsFor(bool wide) {
+#ifdef VARNE_HAS_AVX2_FORM
+    const auto include = wide ? TExtremes<Layout>::IncludeByAvx2 : TExtremes<Layout>::Include;
+#else
+    const auto include = TExtremes<Layout>::Include;
+#endif
+    return {TExtremes<Layout>::Begin, include, TExtremes<Layout>::Finish};
 }
 
 bool CPacketExtremes::Prepare(std::uint16_t packetType) {
     struct SRow {
         std::uint16_t type;
-        SFunctions functions;
+        SFunctions (*functions)(bool wide);
     };
     static constexpr SRow rows[] = {
-        {typeImu, FunctionsFor<kImuLayout>()},
-        {typeDvl, FunctionsFor<kDvlLayout>()},
-        {typeEMLog, FunctionsFor<kEMLogLayout>()},
-        {typeGps, FunctionsFor<kGpsLayout>()},
-        {typeDepth, FunctionsFor<kDepthLayout>()},
-        {typeUsbl, FunctionsFor<kUsblLayout>()},
-        {typeLbl, FunctionsFor<kLblLayout>()},
-        {typeUtc, FunctionsFor<kUtcLayout>()},
-        {typeOdometer, FunctionsFor<kOdometerLayout>()},
-        {typeSynchro, FunctionsFor<kSynchroLayout>()},
-        {typeNelixNav, FunctionsFor<kNelixNavLayout>()},
-        {typeTemperature, FunctionsFor<kTemperatureLayout>()},
-        {typePlatformOrientation, FunctionsFor<kPlatformOrientationLayout>()},
-        {typeMorvexStd, FunctionsFor<kMorvexStdLayout>()},
-        {typeMorvexMsg, FunctionsFor<kMorvexMsgLayout>()},
-        {typeMorvexExt, FunctionsFor<kMorvexExtLayout>()},
+        {typeImu, FunctionsFor<kImuLayout>},
+        {typeDvl, FunctionsFor<kDvlLayout>},
+        {typeEMLog, FunctionsFor<kEMLogLayout>},
+        {typeGps, FunctionsFor<kGpsLayout>},
+        {typeDepth, FunctionsFor<kDepthLayout>},
+        {typeUsbl, FunctionsFor<kUsblLayout>},
+        {typeLbl, FunctionsFor<kLblLayout>},
+        {typeUtc, FunctionsFor<kUtcLayout>},
+        {typeOdometer, FunctionsFor<kOdometerLayout>},
+        {typeSynchro, FunctionsFor<kSynchroLayout>},
+        {typeNelixNav, FunctionsFor<kNelixNavLayout>},
+        {typeTemperature, FunctionsFor<kTemperatureLayout>},
+        {typePlatformOrientation, FunctionsFor<kPlatformOrientationLayout>},
+        {typeMorvexStd, FunctionsFor<kMorvexStdLayout>},
+        {typeMorvexMsg, FunctionsFor<kMorvexMsgLayout>},
+        {typeMorvexExt, FunctionsFor<kMorvexExtLayout>},
     };
+#ifdef VARNE_HAS_AVX2_FORM
+    const bool wide = __builtin_cpu_supports("avx2");
+#else
+    const bool wide = false;
+#endif
     for (const SRow& row : rows) {
         if (row.type != packetType) continue;
-        m_functions = row.functions;
+        m_functions = row.functions(wide);
         return true;
     }
     return false;

@@ -42,7 +42,7 @@ class CPacketExtremes {
         void (*finish)(const SVector*, std::uint8_t*);
     };
     template <const Persistance_Xpf::SPacketLayout& Layout>
-    static constexpr SFunctions FunctionsFor();
+    static SFunctions FunctionsFor(bool wide);
 
     SFunctions m_functions{};
     std::array<SVector, kMaximumVectors> m_low;

@@ -62,15 +62,22 @@ class CSliceCollector {
         const std::uint64_t distance = DistanceToCentre(date);
         if (distance < m_distance) {
             m_distance = distance;
-            std::memcpy(m_representative->GetPayload(), payload, m_size);
+            m_candidate = payload;
         }
         if (m_collects) m_extremes.Include(payload);
         return date;
     }
 
+    // Copies what is kept as a place in the reader's block: to be called before the block moves.
+    void Settle() {
+        if (m_candidate) std::memcpy(m_representative->GetPayload(), m_candidate, m_size);
+        m_candidate = nullptr;
+    }
+
     // Appends the slice at hand.
     void Flush() {
         if (!m_representative) return;
+        Settle();
         m_series.representatives.push_back(std::move(m_representative));
         if (!m_collects) return;
         m_extremes.Finish(m_minimum->GetPayload(), m_maximum->GetPayload());
@@ -116,6 +123,9 @@ class CSliceCollector {
     CPacketExtremes m_extremes;
     bool m_collects;
     std::unique_ptr<CXpfPacket> m_representative;
+    // The packet nearer to the centre that takes the representative's place. On the way to the centre every
+    // packet is nearer than the one before, so that a copy of each would cost more than the rest of the work.
+    const std::uint8_t* m_candidate = nullptr;
     std::unique_ptr<CXpfPacket> m_minimum;
     std::unique_ptr<CXpfPacket> m_maximum;
     std::int64_t m_sliceStart = 0;
@@ -131,8 +141,11 @@ class CPayloadWalk {
     CPayloadWalk(CXpfChannel& channel, std::uint32_t payloadSize)
         : m_channel(channel), m_size(payloadSize), m_copy(kPacketOverhead + payloadSize) {}
 
-    // Null at the end of the walk; valid until the next call.
-    const std::uint8_t* Next() {
+    // Null at the end of the walk. Valid until `beforeMove` is called, which happens within a later call.
+    template <class BeforeMove>
+    const std::uint8_t* Next(BeforeMove&& beforeMove) {
+        if (const std::uint8_t* payload = m_channel.ViewHeldPacket(m_size)) return payload;
+        beforeMove();
         if (const std::uint8_t* payload = m_channel.ViewNextPacket(m_size)) return payload;
         std::uint32_t sizeRead = 0;
         std::uint8_t* payload = m_copy.data() + kPacketHeaderSize;
@@ -180,7 +193,7 @@ bool CTrvView1DDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDated
             wasCancelled = true;
             return false;
         }
-        const std::uint8_t* payload = walk.Next();
+        const std::uint8_t* payload = walk.Next([&collector] { collector.Settle(); });
         if (!payload || collector.Add(payload) >= m_window.end.GetTicks()) break;
     }
     // The end of the file closes the slice at hand as the window's end does.

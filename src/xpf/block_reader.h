@@ -42,6 +42,10 @@ class CBlockReader {
         m_position = offset;
         return true;
     }
+    // Bytes that Holds has answered for.
+    const std::uint8_t* GetHeld(std::int64_t offset) const { return m_buffer.get() + (offset - m_begin); }
+    // Seek to a place within or behind held bytes, which needs no test.
+    void MoveTo(std::int64_t offset) { m_position = offset; }
     // Moves the pointer on within or behind a view.
     void Advance(std::int64_t count) { m_position += count; }
     // Moves the pointer by the count read, short at the end of the file.

@@ -5,6 +5,7 @@
 #include "xpf/packet.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <utility>
 
@@ -94,6 +95,29 @@ const std::uint8_t* CXpfChannel::ViewNextPacket(std::uint32_t payloadSize) {
     std::memcpy(&header, packet, sizeof header);
     StepOn(position, header);
     return reader.Seek(m_current.Get()) ? packet + kPacketHeaderSize : nullptr;
+}
+
+const std::uint8_t* CXpfChannel::ViewHeldPacket(std::uint32_t payloadSize) {
+    CBlockReader& reader = *m_file.m_reader;
+    const std::uint32_t size = payloadSize + kPacketOverhead;
+    std::int64_t position = m_current.Get();
+    if (position == 0) return nullptr;
+    for (;;) {
+        if (!reader.Holds(position, size)) return nullptr;
+        const std::uint8_t* packet = reader.GetHeld(position);
+        const std::uint32_t found = LoadPacketSize(packet);
+        if (LoadWord(packet) >> 16 == m_number) {
+            if (found != size) return nullptr;
+            const std::uint32_t link = LoadWord(packet + offsetof(SPacketHeader, forwardLink));
+            m_last = std::max(m_last, CXpfFilePosition(position));
+            m_previous = position;
+            m_current = position + (link != 0 ? link : size);
+            reader.MoveTo(m_current.Get());
+            return packet + kPacketHeaderSize;
+        }
+        if (found < kPacketOverhead) return nullptr;
+        position += found;
+    }
 }
 
 bool CXpfChannel::ReadNextPacket(CXpfPacket& packet, SPacketHeader* header) {

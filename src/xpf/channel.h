@@ -43,6 +43,10 @@ class CXpfChannel {
     // or a payload of another size.
     const std::uint8_t* ViewNextPacket(std::uint32_t payloadSize);
 
+    // ViewNextPacket as far as it needs no read from the file: the views given before stay valid. Null, with
+    // nothing changed, when it would have to read, and in all its own cases.
+    const std::uint8_t* ViewHeldPacket(std::uint32_t payloadSize);
+
     // Positions on the first or last packet, or on the packet with this running number. `header` may be null.
     bool SeekFirstPacket(SPacketHeader* header);
     bool SeekLastPacket(SPacketHeader* header);
