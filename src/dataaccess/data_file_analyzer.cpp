@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <utility>
 
 namespace Application_Tarvel {
 
@@ -43,12 +44,35 @@ constexpr std::uint32_t kUtcPacketSize = kUtcLayout.payloadSize + kPacketOverhea
 } // namespace
 
 bool CTrvDataFileAnalyzerThread::Start() {
-    if (IsAlive()) return false;
+    {
+        const std::lock_guard lock(m_startMutex);
+        if (m_scanning) {
+            m_scanAgain = true;
+            return false;
+        }
+        m_scanning = true;
+        m_scanAgain = false;
+    }
     m_stop.Reset();
-    return CThread::Start();
+    Join(); // a former run is at most on its last instructions
+    if (CThread::Start()) return true;
+    const std::lock_guard lock(m_startMutex);
+    m_scanning = false;
+    return false;
 }
 
 void CTrvDataFileAnalyzerThread::Run() {
+    for (;;) {
+        Scan();
+        const std::lock_guard lock(m_startMutex);
+        if (!std::exchange(m_scanAgain, false) || m_stop.IsSet()) {
+            m_scanning = false;
+            return;
+        }
+    }
+}
+
+void CTrvDataFileAnalyzerThread::Scan() {
     const auto file = OpenDataFile(m_path);
     if (!file) return;
     const CXpfFilePosition start = m_resume.IsKnown() ? m_resume : file->GetDataStart();

@@ -32,6 +32,8 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
         : m_path(std::move(path)), m_port(port), m_onChannel(std::move(onChannel)) {}
     ~CTrvDataFileAnalyzerThread() override { Kill(); }
 
+    // True when a scan begins. While one is on it is told to go on behind what it takes for the end of the
+    // file, so that no growth is missed.
     bool Start() override;
     // Where the next run begins: behind the last packet that passed the packet check. Only while no run is
     // on.
@@ -52,8 +54,14 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
     Outils::CMessagePort& m_port;
     OnChannel m_onChannel;
     Outils::CEvent m_stop;
+    void Scan();
+
     std::bitset<65536> m_reported;
     Persistance_Xpf::CXpfFilePosition m_resume;
+
+    std::mutex m_startMutex; // guards what follows
+    bool m_scanning = false;
+    bool m_scanAgain = false;
 };
 
 // What an input file tells of itself early.

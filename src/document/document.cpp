@@ -24,7 +24,11 @@ constexpr std::uint64_t kMaximumProjectSize = std::uint64_t{1} << 30;
 
 CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
                            const Outils_Configuration::CTrvCnfConfigFile& configuration)
-    : CDocumentEx(host), m_configuration(configuration), m_messageWnd(target), m_queryManager(target) {}
+    : CDocumentEx(host),
+      m_configuration(configuration),
+      m_messageWnd(std::make_unique<Outils::CMessagePort>(target)),
+      m_target(target),
+      m_queryManager(target) {}
 
 CTrvDocument::~CTrvDocument() { DeleteContents(); }
 
@@ -38,16 +42,20 @@ bool CTrvDocument::OnNewEmptyDocument() {
     return CDocumentEx::OnNewDocument();
 }
 
-bool CTrvDocument::NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path) {
+bool CTrvDocument::NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path,
+                                  EResultName resultName) {
     if (RefuseWhileRunning(textStopBeforeClose) || !NewDocument()) return false;
     const CWaitCursor wait(GetHost());
     m_pProject = std::move(project);
     RebuildDataModel();
+    m_bAutoAddSensors = true;
     StartAnalysis(*m_pProject->simulationParameters->mainInputFile);
     SearchFirstData();
     WatchFiles();
     ReadRecordingFacts();
+    m_bSavingNewBatchProject = resultName == EResultName::kept;
     const bool saved = DoSave(path, true);
+    m_bSavingNewBatchProject = false;
     UpdateAllViews(nullptr, hintRefresh);
     return saved;
 }
@@ -69,7 +77,7 @@ bool CTrvDocument::OnOpenDocument(const std::filesystem::path& path) {
 }
 
 bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
-    if (m_pProject) {
+    if (m_pProject && !m_bSavingNewBatchProject) {
         // The result file always follows the project file's name.
         CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
         const auto result = Outils_Fichiers::WithExtension(path, GetText(textOutputExtension));
@@ -90,6 +98,8 @@ bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
 
 void CTrvDocument::DeleteContents() {
     const CWaitCursor wait(GetHost());
+    m_autoAddedKeys.clear();
+    m_bAutoAddSensors = false;
     StopThreads();
     m_pProject.reset();
     for (const auto& file : m_temporaryFiles) {

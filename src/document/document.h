@@ -13,6 +13,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -44,9 +45,12 @@ class CTrvDocument final : public CDocumentEx {
 
     // Takes over a project made from a recording: starts the analysis of its main input file, looks for the
     // first UTC date and position, and saves it under `path` at once, so that a new project always exists on
-    // disk. The present project is closed first. False when that was refused or the save failed; the project
-    // then stays, unsaved.
-    bool NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path);
+    // disk. The present project is closed first. Until it is closed, event markers and the mount are added as
+    // the analysis meets their channels. False when the closing was refused or the save failed; the project
+    // then stays, unsaved. A project from a command file keeps the result's name that the file gives.
+    enum class EResultName { ofProject, kept };
+    bool NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path,
+                        EResultName resultName = EResultName::ofProject);
 
     // The edits of the project, one method each: document/edits.h.
     CTrvDocumentEdits GetEdits();
@@ -114,10 +118,14 @@ class CTrvDocument final : public CDocumentEx {
     void ReadRecordingFacts();
     void CheckDataFileVersions();
     void OnChannelFound(const void* key, std::uint16_t channel);
+    void AddSensorAutomatically(CTrvDataFile& file, std::uint16_t channel);
     void OnFileChanged(EFileChange change, const void* key);
 
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
-    Outils::CMessagePort m_messageWnd; // door for the messages of analysers and monitor
+    // The door for the messages of analysers and monitor; a new one for each project, so that what threads of
+    // a former project have posted never reaches this one.
+    std::unique_ptr<Outils::CMessagePort> m_messageWnd;
+    Outils::IMessageTarget& m_target;
 
     std::unique_ptr<CTrvProject> m_pProject;
     Communication_Processus::CProcessMorvex m_process;
@@ -126,6 +134,9 @@ class CTrvDocument final : public CDocumentEx {
     std::vector<std::filesystem::path> m_temporaryFiles; // parameter files, deleted in DeleteContents
     bool m_bSimulationRunning = false;
     bool m_bParametersChanged = false;
+    bool m_bSavingNewBatchProject = false;
+    bool m_bAutoAddSensors = false; // a new project is being filled: sensors are added as channels are met
+    std::set<std::string> m_autoAddedKeys; // the channels for which that was done
 
     std::map<const CTrvDataFile*, std::unique_ptr<CTrvDataFileAnalyzerThread>> m_analyzers;
     std::unique_ptr<CTrvDataFileMonitorThread> m_fileMonitor; // one for each project

@@ -7,10 +7,15 @@
 #include "foundation/texts.h"
 #include "xpf/file.h"
 
+#include <algorithm>
+
 namespace Application_Tarvel {
 
+using namespace Metier_Tarvel;
 using namespace Persistance_Xpf;
 using Outils_Configuration::Cnf;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
 
 std::vector<CTrvDataFile*> CTrvDocument::GetDataFiles() const {
     if (!m_pProject) return {};
@@ -41,9 +46,9 @@ void CTrvDocument::StartAnalysis(CTrvDataFile& file) {
     if (!analyzer) {
         const auto report = [this, key = &file](std::uint16_t channel) { OnChannelFound(key, channel); };
         if (IsResultFile(file))
-            analyzer = std::make_unique<CTrvDataFileAnalyzerThread>(file.path, m_messageWnd, report);
+            analyzer = std::make_unique<CTrvDataFileAnalyzerThread>(file.path, *m_messageWnd, report);
         else
-            analyzer = std::make_unique<CTrvTarinDataFileAnalyzerThread>(file.path, m_messageWnd, report);
+            analyzer = std::make_unique<CTrvTarinDataFileAnalyzerThread>(file.path, *m_messageWnd, report);
     }
     analyzer->Start();
 }
@@ -63,7 +68,7 @@ void CTrvDocument::DropFromCache(const CTrvDataFile& file) {
 
 void CTrvDocument::WatchFiles() {
     m_fileMonitor = std::make_unique<CTrvDataFileMonitorThread>(
-        m_messageWnd, [this](EFileChange change, const void* key) { OnFileChanged(change, key); });
+        *m_messageWnd, [this](EFileChange change, const void* key) { OnFileChanged(change, key); });
     for (CTrvDataFile* file : GetDataFiles()) m_fileMonitor->Watch(file, file->path);
 }
 
@@ -74,6 +79,7 @@ void CTrvDocument::StopThreads() {
     m_queryManager.Stop();
     m_fileMonitor.reset();
     m_analyzers.clear();
+    m_messageWnd = std::make_unique<Outils::CMessagePort>(m_target);
 }
 
 void CTrvDocument::FollowDataFile(CTrvDataFile& file) {
@@ -114,16 +120,23 @@ void CTrvDocument::ReadRecordingFacts() {
 }
 
 void CTrvDocument::CheckDataFileVersions() {
+    std::vector<std::filesystem::path> upgradable;
     for (const CTrvDataFile* file : GetDataFiles()) {
         std::error_code error;
         if (!std::filesystem::exists(file->path, error)) continue;
         bool outdated = false;
         const EFileKind kind = IsResultFile(*file) ? EFileKind::tarout : EFileKind::tarin;
-        if (OpenXpfFile(file->path, kind, outdated) || outdated) continue;
-        GetHost().ShowMessage(
-            Outils_Texte::FormatText(textFailedToLoad, {Outils_Fichiers::ToText(file->path)}), EButtons::ok,
-            EIcon::exclamation);
+        if (OpenXpfFile(file->path, kind, outdated)) continue;
+        if (outdated)
+            upgradable.push_back(file->path);
+        else
+            GetHost().ShowMessage(FormatText(textFailedToLoad, {Outils_Fichiers::ToText(file->path)}),
+                                  EButtons::ok, EIcon::exclamation);
     }
+    if (upgradable.empty()) return;
+    const std::string question(GetText(textUpgradeDataFiles));
+    if (GetHost().ShowMessage(question, EButtons::yesNo, EIcon::question) != EAnswer::yes) return;
+    for (const auto& path : upgradable) GetHost().UpdateDataFile(path);
 }
 
 void CTrvDocument::OnChannelFound(const void* key, std::uint16_t channel) {
@@ -131,6 +144,44 @@ void CTrvDocument::OnChannelFound(const void* key, std::uint16_t channel) {
     if (!file) return;
     m_pProject->dataModel->SetLayerHasData(file, channel);
     UpdateAllViews(nullptr, hintChannelFound, file);
+    if (m_bAutoAddSensors) AddSensorAutomatically(*file, channel);
+}
+
+namespace {
+
+// The kinds of sensor that need no choice of the user, and what is told when one was added.
+struct SAutomaticKind {
+    ESensorKind kind;
+    int message;
+};
+constexpr SAutomaticKind kAutomaticKinds[] = {
+    {ESensorKind::eventMarker, textEventMarkerAdded},
+    {ESensorKind::platformOrientation, textMountAdded},
+};
+
+// The first of the four event channels has the number 15 and gives the event "1".
+constexpr int kChannelBeforeEvents = 14;
+
+} // namespace
+
+void CTrvDocument::AddSensorAutomatically(CTrvDataFile& file, std::uint16_t number) {
+    CTrvDataFileChannel* channel = file.FindChannel(number);
+    if (!channel) return;
+    auto& parameters = *m_pProject->simulationParameters;
+    const auto uses = [channel](const auto& sensor) { return sensor->channel == channel; };
+    const std::string key = Outils_Fichiers::ToText(file.path) + " - " + channel->name;
+    for (const auto& [kind, message] : kAutomaticKinds) {
+        if (channel->sensorClass != GetSensorKind(kind).className || m_autoAddedKeys.contains(key)) continue;
+        if (std::any_of(parameters.sensors.begin(), parameters.sensors.end(), uses)) continue;
+        CTrvSensor* sensor = parameters.AddSensor(kind);
+        if (!sensor) continue;
+        sensor->channel = channel;
+        if (auto* marker = dynamic_cast<CTrvSensorEventMarker*>(sensor))
+            marker->eventId = std::to_string(number - kChannelBeforeEvents);
+        ProjectChanged(hintSensorAdded, sensor);
+        m_autoAddedKeys.insert(key);
+        GetHost().AppendOutputText(std::string(GetText(message)));
+    }
 }
 
 void CTrvDocument::OnFileChanged(EFileChange change, const void* key) {

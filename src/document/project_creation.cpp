@@ -1,5 +1,6 @@
 #include "document/project_creation.h"
 
+#include "dataaccess/format_detection.h"
 #include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -24,6 +25,11 @@ bool CheckRecording(const std::filesystem::path& path, std::string& message) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) {
         message = FormatText(textRecordingNotFound, {ToText(path)});
+        return false;
+    }
+    int format = formatUnknown;
+    if (!DetectFileFormat(path, format, Outils_Valeurs::CDateTimeAdaptor()) || format != formatXpf) {
+        message = FormatText(textUnknownFileType, {ToText(path)});
         return false;
     }
     bool outdated = false;

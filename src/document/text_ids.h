@@ -33,6 +33,7 @@ enum ETextId : int {
     textStopBeforeClose = 901,
     textStopBeforeSaveAs = 903,
     textFailedToLoad = 904,
+    textUpgradeDataFiles = 905,
     textEventMarkerAdded = 906,
     textMountAdded = 907,
     textUntitled = 10200,

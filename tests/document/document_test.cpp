@@ -276,6 +276,30 @@ TEST_F(Document, AnEngineThatDiesOrIsMissingIsNoDisaster) {
     EXPECT_FALSE(m_document.IsSimulationRunning());
 }
 
+TEST_F(Document, SensorsWithoutAChoiceAreAddedWhileANewProjectIsOpen) {
+    constexpr std::string_view channels[] = {"IMU", "SYNCHRO_2", "PLATFORM_ORIENT"};
+    Enregistrement::CRecordingWriter writer;
+    ASSERT_TRUE(writer.Create(m_recording, channels));
+    ASSERT_TRUE(writer.Write("IMU", Persistance_Xpf::CXpfTarinImuPacketV2()));
+    ASSERT_TRUE(writer.Write("SYNCHRO_2", Persistance_Xpf::CXpfTarinSynchroPacketV2()));
+    ASSERT_TRUE(writer.Write("PLATFORM_ORIENT", Persistance_Xpf::CXpfPlatformOrientationPacketV1()));
+    ASSERT_TRUE(writer.Close());
+    Create();
+    const auto& sensors = m_document.GetProject()->simulationParameters->sensors;
+    ASSERT_TRUE(PumpUntil([&] { return sensors.size() == 2; }));
+    EXPECT_EQ(dynamic_cast<Metier_Tarvel::CTrvSensorEventMarker&>(*sensors[0]).eventId, "2");
+    EXPECT_THAT(m_host.m_output, ElementsAre(Text(textEventMarkerAdded), Text(textMountAdded)));
+    EXPECT_TRUE(m_document.IsModified() && m_view.Saw(hintSensorAdded));
+
+    // Not in a project that was opened.
+    m_host.m_answers = {EAnswer::no};
+    ASSERT_TRUE(m_document.CommandOpen(m_project));
+    m_view.m_hints.clear();
+    ASSERT_TRUE(PumpUntil(
+        [&] { return std::count(m_view.m_hints.begin(), m_view.m_hints.end(), hintChannelFound) == 3; }));
+    EXPECT_THAT(m_document.GetProject()->simulationParameters->sensors, IsEmpty());
+}
+
 TEST_F(Document, AResultThatAppearsAndGrowsIsFollowed) {
     Create();
     const auto result = m_folder / "p.tarout";
