@@ -102,6 +102,8 @@ void CGraphics::ResetClip() {
 
 SRect CGraphics::Sight(float margin) const {
     if (!m_clipped) return kEverything;
+    // The SVG engine knows no clip: what it is given has to end where the clip does.
+    if (m_painter->paintEngine()->type() == QPaintEngine::SVG) margin = 0;
     const QTransform now = m_painter->worldTransform();
     if (now == m_clipTransform) return Expand(m_clip, margin);
     const QRectF moved = (m_clipTransform * now.inverted()).mapRect(ToNative(m_clip));

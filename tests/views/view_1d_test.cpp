@@ -9,7 +9,9 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QSvgRenderer>
 #include <QWheelEvent>
 
 #include <gtest/gtest.h>
@@ -245,11 +247,32 @@ TEST_F(View1DTest, ProjectMayGoDuringAGesture) {
 }
 
 TEST_F(View1DTest, ClipboardGetsAVectorImage) {
+    First().SetRange(400, 600); // of values from 0 to 1000
+    m_view->GetLoader().Relayout();
     m_view->CopyToClipboard();
     const QMimeData* data = QApplication::clipboard()->mimeData();
     ASSERT_TRUE(data && data->hasFormat("image/svg+xml"));
     EXPECT_TRUE(data->data("image/svg+xml").contains("<polyline"));
     EXPECT_TRUE(data->hasImage());
+
+    // The curve ends at the plotting area: that kind of image has no clip of its own.
+    QSvgRenderer svg(data->data("image/svg+xml"));
+    QImage image(svg.viewBox().size(), QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    svg.render(&painter, image.rect());
+    painter.end();
+    const auto count = [&](const SRect& rect) {
+        int found = 0;
+        for (int y = static_cast<int>(rect.y); y < static_cast<int>(rect.Bottom()); ++y)
+            for (int x = static_cast<int>(rect.x); x < static_cast<int>(rect.Right()); ++x)
+                found += qRed(image.pixel(x, y)) > qBlue(image.pixel(x, y)) + 60; // the upper curve is red
+        return found;
+    };
+    const SRect area = First().GetPlottingRect(), strip = First().GetRect();
+    EXPECT_GT(count({area.x + 3, area.y, area.width - 6, area.height - 3}), 50);
+    EXPECT_EQ(count({area.x + 3, area.Bottom() + 2, area.width - 6, strip.Bottom() - area.Bottom() - 3}), 0);
 }
 
 } // namespace
