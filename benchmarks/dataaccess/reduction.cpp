@@ -1,17 +1,14 @@
 // A whole dense channel reduced to 2000 slices, against a plain loop that reads the same bytes and keeps the
 // same minima and maxima. Both run on one recording, alternating; the counter "ratio" compares the medians.
+#include "dataaccess/recording.h"
 #include "dataaccess/view_queries.h"
-#include "recording/recording_writer.h"
-#include "xpf/packets.h"
 
 #include <benchmark/benchmark.h>
 
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -19,58 +16,9 @@
 
 using namespace Application_Tarvel;
 using namespace Persistance_Xpf;
+using namespace bench;
 
 namespace {
-
-constexpr std::size_t kPackets = 3'000'000; // of the IMU: 204 MB, beside a sparse channel
-constexpr int kSlices = 2000;
-constexpr std::int64_t kStep = 50'000; // ticks between two packets: 200 Hz
-
-// The recording, made once and removed at the end. Evicted and read back, so that its pages are those of a
-// reader.
-class CRecording {
-  public:
-    CRecording() {
-        std::string name = (std::filesystem::temp_directory_path() / "varne-bench-XXXXXX").string();
-        ::close(::mkstemp(name.data()));
-        m_path = name;
-        constexpr std::string_view channels[] = {"IMU", "GPS_1"};
-        Enregistrement::CRecordingWriter writer;
-        writer.Create(m_path, channels);
-        CXpfTarinImuPacketV2 imu;
-        CXpfTarinGpsPacketV2 gps;
-        std::uint32_t noise = 1;
-        for (std::size_t i = 0; i < kPackets; ++i) {
-            const CDateTimeSpan date(static_cast<std::int64_t>(i) * kStep);
-            imu.SetDate(0, date);
-            for (std::uint32_t field = 4; field < 10; ++field)
-                imu.SetInt32(field, static_cast<std::int32_t>(noise = noise * 1664525 + 1013904223));
-            writer.Write(0, imu);
-            if (i % 40 == 0) {
-                gps.SetDate(0, date);
-                writer.Write(1, gps);
-            }
-        }
-        writer.Close();
-        const int file = ::open(m_path.c_str(), O_RDONLY);
-        ::fsync(file);
-        ::posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED);
-        std::vector<char> block(1 << 20);
-        while (::read(file, block.data(), block.size()) > 0) {
-        }
-        ::close(file);
-    }
-    ~CRecording() { std::filesystem::remove(m_path); }
-    const std::filesystem::path& GetPath() const { return m_path; }
-
-  private:
-    std::filesystem::path m_path;
-};
-
-const CRecording& GetRecording() {
-    static const CRecording recording;
-    return recording;
-}
 
 // The machine's own limit: aligned blocks, the packet check, and per slice the first packet and the extremes
 // of the nine numeric fields behind the date.
@@ -157,24 +105,12 @@ std::size_t QueryReduction(const std::filesystem::path& path) {
     return query.TakeSeries().representatives.size();
 }
 
-template <class Work>
-double SecondsOf(Work&& work) {
-    const auto start = std::chrono::steady_clock::now();
-    benchmark::DoNotOptimize(work());
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 void ReduceWholeChannel(benchmark::State& state) {
     const auto& path = GetRecording().GetPath();
     std::vector<double> plain, query;
     for (auto _ : state) {
-        plain.push_back(SecondsOf([&] { return PlainReduction(path); }));
-        query.push_back(SecondsOf([&] { return QueryReduction(path); }));
+        plain.push_back(SecondsOf([&] { benchmark::DoNotOptimize(PlainReduction(path)); }));
+        query.push_back(SecondsOf([&] { benchmark::DoNotOptimize(QueryReduction(path)); }));
     }
     state.counters["plain_ms"] = Median(plain) * 1e3;
     state.counters["query_ms"] = Median(query) * 1e3;
