@@ -19,12 +19,11 @@ install_packages() {
   $as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing
 }
 
-# configure FOLDER cmake-arguments...: only when the tree is new; ninja reconfigures by itself afterwards.
+# configure PRESET: sets up build/PRESET when it is new; ninja reconfigures by itself afterwards.
 configure() {
-  local folder=$1
-  shift
-  [ -f "$folder/build.ninja" ] || cmake -S . -B "$folder" -G Ninja "$@" >"$folder.log" 2>&1 || {
-    cat "$folder.log"
+  mkdir -p build
+  [ -f "build/$1/build.ninja" ] || cmake --preset "$1" >"build/$1.log" 2>&1 || {
+    cat "build/$1.log"
     return 1
   }
 }
