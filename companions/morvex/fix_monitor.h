@@ -16,11 +16,14 @@ class CFixMonitor {
 
     void Add(const SPositionFix& fix, const SFixOutcome& outcome);
 
+    // The geoid before the first fix of which the height is used.
+    void SetGeoidHeight(double height) { m_geoidHeight = height; }
+
     // The status words at a time; `state` gives the bits of the alignment.
     std::uint32_t GetStatus1(double time, const StateMatrix& covariance) const;
     std::uint32_t GetStatus2(double time) const;
 
-    // Of the last fix of which anything was used, s; NaN before the first.
+    // Of the last fix of which anything was used, s; far in the past before the first.
     double GetLastUsed() const { return m_lastUsed; }
     double GetLastHeight() const { return m_lastHeight; }
     double GetGeoidHeight() const { return m_geoidHeight; }

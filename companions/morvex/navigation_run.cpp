@@ -27,6 +27,18 @@ constexpr int kSamplesPerLook = 64;           // between two looks at the comman
 
 std::string Degrees(double radians) { return FormatFixed(radians / kRadians, 2); }
 
+// A result must never empty a recording that it is made from.
+bool WouldOverwriteInput(const SRunPlan& plan) {
+    auto same = [&plan](const SChannelPlan& source) {
+        std::error_code error;
+        return std::filesystem::equivalent(source.path, plan.output, error);
+    };
+    return same(plan.imu) ||
+           std::any_of(plan.gps.begin(), plan.gps.end(),
+                       [&](const SGpsPlan& gps) { return same(gps.source); }) ||
+           std::any_of(plan.synchronized.begin(), plan.synchronized.end(), same);
+}
+
 SNavigation Between(const SNavigation& a, const SNavigation& b, double time) {
     const double share = b.time > a.time ? std::clamp((time - a.time) / (b.time - a.time), 0.0, 1.0) : 1.0;
     SNavigation result = b;
@@ -73,7 +85,7 @@ void CNavigationRun::Tell(ELevel level, EMessage code, std::initializer_list<std
 ERunEnd CNavigationRun::Execute() {
     m_monitor.Progress(0.0);
     if (!OpenInputs()) return ERunEnd::failed;
-    if (!m_result.Open(m_plan)) {
+    if (WouldOverwriteInput(m_plan) || !m_result.Open(m_plan)) {
         Tell(ELevel::error, messageOutputFailed, {m_plan.output.string()});
         return ERunEnd::failed;
     }
@@ -258,6 +270,7 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
     m_nextOutput = m_schedule.GetNextAfter(begin - 1e-6);
     m_nextHeightHold = begin + kHeightUnaided;
     m_lastFix = begin;
+    if (!stretch.fixes.empty()) m_fixMonitor.SetGeoidHeight(stretch.fixes.front().geoidHeight);
     while (m_marks.Peek() && m_marks.Peek()->time < begin) m_marks.Pop();
     m_navigated = true;
     for (const SImuSample& sample : stretch.samples)

@@ -22,13 +22,18 @@ double COutputSchedule::GetRate(double time) const {
 }
 
 double COutputSchedule::GetNextAfter(double time) const {
+    double from = time;
     double next = NextMultiple(time, GetRate(time + kTick));
-    for (const auto& instruction : m_plan.rates)
-        for (const double change : {instruction.period.begin, instruction.period.end})
-            if (change > time && change <= next)
-                next = std::min(next,
-                                std::max(FirstMultipleFrom(change, GetRate(change + kTick)), time + kTick));
-    return next;
+    for (;;) {
+        // The first change of the rate on the way there.
+        double change = next + kTick;
+        for (const auto& instruction : m_plan.rates)
+            for (const double edge : {instruction.period.begin, instruction.period.end})
+                if (edge > from && edge < change) change = edge;
+        if (change > next) return next;
+        next = std::max(FirstMultipleFrom(change, GetRate(change + kTick)), time + kTick);
+        from = change;
+    }
 }
 
 } // namespace Morvex

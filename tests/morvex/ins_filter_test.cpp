@@ -1,0 +1,193 @@
+#include "morvex/ins_filter.h"
+#include "morvex/noise_probe.h"
+
+#include <Eigen/Eigenvalues>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+using namespace Morvex;
+
+namespace {
+
+SFilterState MakeState() {
+    SFilterState state;
+    state.navigation.position = {48.0 * kRadians, -4.0 * kRadians, 30.0};
+    state.navigation.velocity = {15.0, -8.0, 1.0};
+    state.navigation.attitude = Quaterniond(MatrixOf({70 * kRadians, 5 * kRadians, -8 * kRadians}));
+    auto set = [&state](int group, double deviation) {
+        state.covariance.diagonal().segment<3>(group).setConstant(deviation * deviation);
+    };
+    set(statePosition, 2.0);
+    set(stateVelocity, 0.1);
+    set(stateAttitude, 0.01);
+    set(stateGyroBias, kSensorGrades[0].gyroBias);
+    set(stateAccelBias, kSensorGrades[0].accelBias);
+    return state;
+}
+
+// The state with its errors `x` taken as the filter takes them.
+SFilterState Displaced(SFilterState state, const StateVector& x) {
+    CStrapdown strapdown(state.navigation);
+    strapdown.Correct(x.segment<3>(statePosition), x.segment<3>(stateVelocity), x.segment<3>(stateAttitude));
+    state.navigation = strapdown.Get();
+    state.gyroBias += x.segment<3>(stateGyroBias);
+    state.accelBias += x.segment<3>(stateAccelBias);
+    return state;
+}
+
+StateVector Difference(const SFilterState& from, const SFilterState& to) {
+    StateVector x;
+    x.segment<3>(statePosition) = MetresBetween(from.navigation.position, to.navigation.position);
+    x.segment<3>(stateVelocity) = to.navigation.velocity - from.navigation.velocity;
+    const Quaterniond turn = to.navigation.attitude * from.navigation.attitude.conjugate();
+    x.segment<3>(stateAttitude) = 2.0 * turn.vec() * (turn.w() < 0 ? -1.0 : 1.0);
+    x.segment<3>(stateGyroBias) = to.gyroBias - from.gyroBias;
+    x.segment<3>(stateAccelBias) = to.accelBias - from.accelBias;
+    return x;
+}
+
+SImuSample MakeSample(double time) { return {time, 0.01, {2e-4, -3e-4, 5e-4}, {0.02, -0.01, 0.098}}; }
+
+SFilterState AfterOneSecond(const SFilterState& start) {
+    CInsFilter filter(start, kSensorGrades[0]);
+    for (int i = 1; i <= 100; ++i) filter.Advance(MakeSample(0.01 * i));
+    return filter.Get();
+}
+
+SPositionFix FixAt(const SFilterState& state, const Vector3d& metres, double deviation) {
+    SPositionFix fix;
+    fix.time = state.navigation.time;
+    fix.position = state.navigation.position;
+    MovePosition(fix.position, metres, SEarth(fix.position[0], fix.position[2], state.navigation.velocity));
+    fix.varianceNorth = fix.varianceEast = fix.varianceUp = deviation * deviation;
+    return fix;
+}
+
+} // namespace
+
+// The transition over a second, state by state, against moving the mechanisation's start.
+TEST(InsFilter, CovarianceFollowsTheMechanisation) {
+    SFilterState start = MakeState();
+    const double steps[] = {10.0, 0.1, 1e-4, 1e-5, 1e-3};
+    for (int state = 0; state < kStates; ++state) {
+        StateVector x = StateVector::Zero();
+        const double step = steps[state / 3];
+        x[state] = step;
+        start.covariance.setZero();
+        const StateVector moved =
+            (Difference(AfterOneSecond(Displaced(start, -x)), AfterOneSecond(Displaced(start, x))) /
+             (2.0 * step));
+        // A filter that is certain of all but this state must find its errors along `moved`.
+        start.covariance(state, state) = 1.0;
+        const StateMatrix p = AfterOneSecond(start).covariance;
+        for (int row = 0; row < kStates; ++row) {
+            const double expected = moved[row] * moved[state];
+            EXPECT_NEAR(p(row, state), expected, 3e-3 * std::abs(expected) + 1e-5) << row << " by " << state;
+        }
+    }
+}
+
+TEST(InsFilter, LeverArmTurnsWithTheAttitude) {
+    const SFilterState state = MakeState();
+    const Vector3d arm(3.0, -2.0, 10.0);
+    SPositionFix fix = FixAt(state, state.navigation.attitude * arm, 1.0);
+    fix.leverArm = arm;
+    CInsFilter filter(state, kSensorGrades[0]);
+    EXPECT_LT(filter.Update(fix).innovation.norm(), 1e-4);
+
+    // A tilt by a known angle moves the antenna, and precise fixes find the tilt.
+    const Vector3d tilt(0.004, -0.003, 0.0);
+    SFilterState tilted = Displaced(state, [&] {
+        StateVector x = StateVector::Zero();
+        x.segment<3>(stateAttitude) = tilt;
+        return x;
+    }());
+    tilted.covariance.block<6, 6>(0, 0).setZero();
+    tilted.covariance(8, 8) = 1e-14;
+    CInsFilter corrected(tilted, kSensorGrades[0]);
+    fix.varianceNorth = fix.varianceEast = fix.varianceUp = 1e-8;
+    corrected.Update(fix);
+    EXPECT_LT(corrected.GetNavigation().attitude.angularDistance(state.navigation.attitude), 2e-4);
+}
+
+TEST(InsFilter, OutliersAreLeftOutAndALastingContradictionIsGivenInTo) {
+    struct SCase {
+        EUse use;
+        std::size_t grade;
+        double longest; // s, until a contradiction is over
+    };
+    for (const SCase& c :
+         {SCase{EUse::tested, 0, 130.0}, SCase{EUse::reacquired, 0, 30.0}, SCase{EUse::tested, 3, 10.0}}) {
+        SFilterState start = MakeState();
+        start.navigation.velocity.setZero();
+        start.navigation.attitude.setIdentity();
+        CInsFilter filter(start, kSensorGrades[c.grade]);
+        const SEarth earth(start.navigation.position[0], 30.0, Vector3d::Zero());
+        auto second = [&](double time, double off) {
+            for (int i = 1; i <= 20; ++i)
+                filter.Advance(
+                    {time - 1.0 + 0.05 * i, 0.05, earth.earthRate * 0.05, {0, 0, earth.gravity * 0.05}});
+            SFilterState here = start;
+            here.navigation.time = time;
+            SPositionFix fix = FixAt(here, {off, 0.0, 0.0}, 1.0);
+            fix.horizontal = c.use;
+            return filter.Update(fix);
+        };
+        double time = 0.0;
+        while (time < 60.0) EXPECT_EQ(second(time += 1.0, 0.0).horizontal, EFixResult::accepted);
+        EXPECT_EQ(second(time += 1.0, 80.0).horizontal, EFixResult::rejected);
+        const double moved =
+            MetresBetween(start.navigation.position, filter.GetNavigation().position).head<2>().norm();
+        EXPECT_LT(moved, 0.5) << "a single outlier pulls nothing";
+        for (int i = 0; i < 10; ++i) second(time += 1.0, 0.0);
+
+        const double began = time;
+        while (second(time += 1.0, 80.0).innovation.head<2>().norm() > 5.0 && time - began < 1000.0) {
+        }
+        EXPECT_LT(time - began, c.longest);
+        EXPECT_GT(time - began, 1.0);
+    }
+}
+
+TEST(InsFilter, CovarianceStaysPositiveThroughExtremes) {
+    CInsFilter filter(MakeState(), kSensorGrades[0]);
+    std::mt19937 random(1);
+    std::normal_distribution<double> normal;
+    for (int i = 1; i <= 3000; ++i) {
+        filter.Advance(MakeSample(0.01 * i));
+        if (i % 10 == 0)
+            filter.Update(
+                FixAt(filter.Get(), {normal(random), normal(random), normal(random)}, i % 20 ? 1e-3 : 1e3));
+        if (i % 500 == 0) filter.AdmitGap(2.0);
+        if (i % 700 == 0) filter.HoldHeight(30.0, 30.0);
+    }
+    const StateMatrix& p = filter.Get().covariance;
+    EXPECT_TRUE(p.allFinite());
+    const StateMatrix scale = p.diagonal().cwiseSqrt().cwiseInverse().asDiagonal();
+    EXPECT_GT(Eigen::SelfAdjointEigenSolver<StateMatrix>(scale * p * scale).eigenvalues().minCoeff(), -1e-9);
+}
+
+// White noise under waves is told by its level; waves, rounding and a slow drift are not taken for it.
+TEST(NoiseProbe, FindsTheGradeUnderWaves) {
+    struct SCase {
+        double noise; // degrees per root of an hour
+        std::string_view grade;
+    };
+    for (const SCase& c :
+         {SCase{0.002, "navigation"}, SCase{0.1, "tactical"}, SCase{0.3, "industrial"}, SCase{5.0, "MEMS"}}) {
+        CNoiseProbe probe;
+        std::mt19937 random(3);
+        std::normal_distribution<double> normal(0.0, c.noise * Units::kDegreePerRootHour * 0.1);
+        for (int i = 1; i <= 12000; ++i) {
+            const double t = 0.01 * i;
+            const double wave = 0.08 * std::cos(0.8 * t) * 0.01;
+            probe.Add({t,
+                       0.01,
+                       {wave + normal(random), 0.7 * wave + normal(random), 0.5 * wave + normal(random)},
+                       {}});
+        }
+        EXPECT_EQ(kSensorGrades[probe.GetFinestGrade()].name, c.grade);
+    }
+}

@@ -1,0 +1,284 @@
+#include "morvex/navigation_run.h"
+
+#include "morvex/engine_program.h"
+#include "recording/recording_writer.h"
+#include "run_folder.h"
+
+#include <cmath>
+#include <fstream>
+#include <sstream>
+
+#include <fcntl.h>
+
+using namespace Morvex;
+using namespace Metier_Tarvel;
+using namespace Persistance_Xpf;
+
+namespace {
+
+using CStd = CXpfTaroutMorvexStdPacketV2;
+
+Simulation::SMissionOptions ShortMission() {
+    Simulation::SMissionOptions options;
+    options.duration = 240.0;
+    options.alignmentDuration = 30.0;
+    options.imuRate = 25;
+    options.outliers = 0.02;
+    options.geoidSeparation = 40.0;
+    options.leverArms[0] = {4.0, -2.0, 8.0};
+    options.channels = {"IMU", "GPS_1", "UTC"};
+    return options;
+}
+
+double Field(const CStd& packet, std::string_view name) {
+    double value = 0.0;
+    EXPECT_TRUE(packet.GetDouble(kMorvexStdLayout.IndexOf(name), value)) << name;
+    return value;
+}
+
+CDateTime At(double seconds) { return ToStoredTime(CDateTimeSpan::FromSeconds(seconds)); }
+
+// Writes the recording anew without the inertial packets of some dates.
+void DropInertialData(const std::filesystem::path& path, const std::function<bool(double)>& drop) {
+    const std::filesystem::path source = path.string() + ".source";
+    std::filesystem::rename(path, source);
+    CXpfTarinFileV3 file;
+    bool outdated = false;
+    CXpfFile::HeaderBuffer buffer;
+    ASSERT_TRUE(file.Open(source) && file.ReadFileHeader(outdated, buffer) &&
+                file.Seek(file.GetDataStart().Get()));
+    std::vector<std::string_view> names;
+    for (const auto& channel : file.GetChannels()) names.push_back(channel->GetName());
+    Enregistrement::CRecordingWriter writer;
+    ASSERT_TRUE(writer.Create(path, names));
+    SPacketHeader header;
+    std::span<const std::uint8_t> payload;
+    while (file.ReadPacket(header, payload) == EPacketRead::whole) {
+        const CXpfChannel* channel = file.FindChannelByNumber(header.channel);
+        if (channel->GetName() == "IMU" && drop(CPayload(payload).GetSeconds())) continue;
+        ASSERT_TRUE(writer.WriteRaw(*writer.FindChannel(channel->GetName()), payload));
+    }
+    ASSERT_TRUE(writer.Close());
+}
+
+ERunEnd Execute(const CRunFolder& folder, CListeningMonitor& monitor) {
+    const auto parameters = LoadParameters(folder.Parameters());
+    if (!parameters) return ERunEnd::failed;
+    const SRunPlan plan = MakeRunPlan(*parameters);
+    return CNavigationRun(plan, monitor).Execute();
+}
+
+} // namespace
+
+TEST(NavigationRun, ShipUnderWayIsNavigatedBetterThanItsFixes) {
+    const CRunFolder folder;
+    const Simulation::SMissionOptions options = ShortMission();
+    folder.Simulate(options);
+    auto parameters = folder.MakeParameters();
+    *static_cast<CTrvSensorGps&>(*parameters->sensors[0]).leverArm = CLeverArm(4.0, -2.0, 8.0);
+    *parameters->nelixConfiguration->secondaryLeverArmB = CLeverArm(10.0, 0.0, 0.0);
+    parameters->begin = At(20.0);
+    parameters->end = At(230.0);
+    parameters->AddOutputRate()->value = 5.0;
+    parameters->outputRates[0]->begin = At(100.0);
+    parameters->outputRates[0]->end = At(110.0);
+    folder.Store(*parameters);
+    CListeningMonitor monitor;
+    ASSERT_EQ(Execute(folder, monitor), ERunEnd::finished);
+
+    const Simulation::CMission mission(options);
+    const auto results = folder.ReadResult<CStd>("MORVEX_STD");
+    EXPECT_NEAR(static_cast<double>(results.size()), 210.0 + 40.0, 3.0);
+    double squares = 0.0, heading = 0.0, within = 0.0;
+    for (const CStd& packet : results) {
+        const double time = packet.GetPacketDate().GetTotalSeconds();
+        const Simulation::STruth truth = mission.GetTruth(time);
+        const Vector3d position(Field(packet, "Latitude0") * kRadians, Field(packet, "Longitude0") * kRadians,
+                                0.0);
+        const Vector3d miss =
+            MetresBetween({truth.latitude * kRadians, truth.longitude * kRadians, 0.0}, position);
+        squares += miss.squaredNorm();
+        within += std::pow(miss.x() / Field(packet, "Std. dev. north"), 2);
+        heading =
+            std::max(heading, std::abs(std::remainder(Field(packet, "Heading") - truth.heading, 360.0)));
+        EXPECT_NEAR(Field(packet, "Altitude0"), truth.altitude - 40.0, 3.0);
+        EXPECT_NEAR(Field(packet, "Roll"), truth.roll, 0.1);
+        EXPECT_NEAR(Field(packet, "Speed east"), truth.speedEast, 0.3);
+        const Vector3d second(Field(packet, "Latitude2") * kRadians, Field(packet, "Longitude2") * kRadians,
+                              0.0);
+        EXPECT_NEAR(MetresBetween(position, second).norm(), 10.0 * std::cos(truth.pitch * kRadians), 0.05);
+    }
+    const double count = static_cast<double>(results.size());
+    EXPECT_LT(std::sqrt(squares / count), 0.5) << "the fixes are wrong by 0.7 m";
+    EXPECT_LT(heading, 1.0);
+    EXPECT_LT(within / count, 4.0) << "the deviations must be those of the errors";
+    EXPECT_GT(within / count, 0.05);
+
+    // The first result: the date, and its UTC.
+    Outils_Temps::CalendarFields utc;
+    ASSERT_TRUE((options.GetUtcOrigin() + results.front().GetPacketDate()).GetCalendar(utc));
+    EXPECT_EQ(Field(results.front(), "UTC Minute"), utc.minute);
+    EXPECT_NEAR(Field(results.front(), "UTC Second"), utc.second, 1e-3);
+
+    EXPECT_TRUE(std::is_sorted(monitor.progress.begin(), monitor.progress.end()));
+    EXPECT_EQ(monitor.progress.back(), 100.0);
+    EXPECT_TRUE(monitor.Has(messageRejectedFixes));
+    EXPECT_EQ(folder.ReadResult<CXpfTaroutMorvexMsgPacketV1>("MORVEX_MSG").size(), monitor.messages.size());
+}
+
+TEST(NavigationRun, StopLeavesAReadableResult) {
+    const CRunFolder folder;
+    Simulation::SMissionOptions options = ShortMission();
+    options.duration = 120.0;
+    folder.Simulate(options);
+    folder.Store(*folder.MakeParameters());
+    CListeningMonitor monitor;
+    monitor.goOn = [&] { return monitor.progress.back() < 50.0; };
+    EXPECT_EQ(Execute(folder, monitor), ERunEnd::stopped);
+    EXPECT_LT(monitor.progress.back(), 60.0);
+    EXPECT_TRUE(monitor.Has(messageStopped));
+    EXPECT_NEAR(static_cast<double>(folder.ReadResult<CStd>("MORVEX_STD").size()), 60.0, 15.0);
+}
+
+TEST(NavigationRun, LostInertialDataBeginsANewSegmentAndDamageIsPassed) {
+    const CRunFolder folder;
+    Simulation::SMissionOptions options = ShortMission();
+    options.duration = 140.0;
+    folder.Simulate(options);
+    DropInertialData(folder.Input(),
+                     [](double t) { return (t > 50.0 && t < 50.5) || (t > 60.0 && t < 80.0); });
+    {
+        std::fstream file(folder.Input(), std::ios::in | std::ios::out | std::ios::binary);
+        file.seekp(static_cast<std::streamoff>(std::filesystem::file_size(folder.Input()) / 3));
+        file << std::string(300, '$');
+    }
+    folder.Store(*folder.MakeParameters());
+    CListeningMonitor monitor;
+    EXPECT_EQ(Execute(folder, monitor), ERunEnd::finished);
+    EXPECT_TRUE(monitor.Has(messageDamaged));
+    bool before = false, within = false, after = false;
+    for (const CStd& packet : folder.ReadResult<CStd>("MORVEX_STD")) {
+        const double time = packet.GetPacketDate().GetTotalSeconds();
+        (time < 60.5 ? before : time < 79.5 ? within : after) = true;
+        EXPECT_LT(std::abs(Field(packet, "Altitude0") + 40.0), 20.0) << time;
+    }
+    EXPECT_TRUE(before);
+    EXPECT_FALSE(within);
+    EXPECT_TRUE(after);
+}
+
+TEST(NavigationRun, BrokenInputIsToldAsAnError) {
+    const CRunFolder folder;
+    Simulation::SMissionOptions options = ShortMission();
+    options.duration = 5.0;
+    options.alignmentDuration = 1.0;
+    folder.Simulate(options);
+    struct SCase {
+        std::function<void(CTrvSimulationParameters&)> spoil;
+        EMessage code;
+    };
+    const SCase cases[] = {
+        {[](auto& p) { p.mainInputFile->path += ".gone"; }, messageNoMainFile},
+        {[&](auto& p) { p.mainInputFile->path = folder.Parameters(); }, messageNoInertialData},
+        {[](auto& p) { p.sensors.clear(); }, messageNoGps},
+        {[](auto& p) { p.begin = At(1000.0), p.end = At(2000.0); }, messageNoInertialData},
+        {[](auto& p) { p.outputFile->path = "/nowhere/at/all.tarout"; }, messageOutputFailed},
+        {[](auto& p) { p.outputFile->path = p.mainInputFile->path; }, messageOutputFailed},
+        {[](auto&) {}, messageTooShort}, // and the recording is still there
+    };
+    for (const SCase& c : cases) {
+        auto parameters = folder.MakeParameters();
+        c.spoil(*parameters);
+        folder.Store(*parameters);
+        CListeningMonitor monitor;
+        EXPECT_EQ(Execute(folder, monitor), ERunEnd::failed) << c.code;
+        ASSERT_TRUE(monitor.Has(c.code)) << c.code;
+        EXPECT_EQ(monitor.messages.back().level, ELevel::error);
+    }
+}
+
+TEST(NavigationRun, ProgramSpeaksItsProtocol) {
+    const CRunFolder folder;
+    const std::filesystem::path said = folder.Output().replace_extension(".txt");
+    auto run = [&](std::vector<std::string> arguments, std::string_view commands) {
+        std::array<int, 2> ends{};
+        EXPECT_EQ(pipe(ends.data()), 0);
+        EXPECT_EQ(write(ends[1], commands.data(), commands.size()), static_cast<ssize_t>(commands.size()));
+        const int output = open(said.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600);
+        const int code = RunEngine(arguments, ends[0], output);
+        for (const int descriptor : {ends[0], ends[1], output}) close(descriptor);
+        std::stringstream text;
+        text << std::ifstream(said).rdbuf();
+        return std::pair(code, text.str());
+    };
+    const std::string file = folder.Parameters().string();
+    const auto [failed, text] = run({"/remote", "/autostart", "off", file}, "start\n");
+    EXPECT_EQ(failed, 1);
+    EXPECT_EQ(text, "message 2 10900 \"The parameter file cannot be read: " + file + "\"\n");
+    EXPECT_EQ(run({"/remote", "/autostart", "off", file}, "stop\n"), std::pair(2, std::string()));
+    EXPECT_EQ(run({}, "").first, 1);
+}
+
+// Which fixes are taken, when, and with what weight: by the packet, and by the instructions over it.
+TEST(FixReader, PacketAndInstructionsDecide) {
+    const CRunFolder folder;
+    constexpr std::string_view channels[] = {"IMU", "GPS_1"};
+    Enregistrement::CRecordingWriter writer;
+    ASSERT_TRUE(writer.Create(folder.Input(), channels));
+    auto write = [&](double date, std::uint8_t mode, std::uint8_t rejection, float deviation,
+                     double latitude = 10.0) {
+        CXpfTarinGpsPacketV2 packet;
+        auto at = [](std::string_view name) { return kGpsLayout.IndexOf(name); };
+        packet.SetDate(0, CDateTimeSpan::FromSeconds(date));
+        packet.SetFloat(at("Delay"), 0.5f);
+        packet.SetUInt8(at("GPS mode"), mode);
+        packet.SetUInt8(at("Horizontal rejection"), rejection);
+        packet.SetUInt8(at("Vertical rejection"), 3);
+        packet.SetDouble(at("Latitude"), latitude);
+        packet.SetFloat(at("Altitude"), 5.0f);
+        packet.SetFloat(at("Geoidal sep"), 30.0f);
+        packet.SetFloat(at("Std. dev. north"), deviation);
+        ASSERT_TRUE(writer.Write("GPS_1", packet));
+    };
+    write(1.0, 0, 3, 2.0f);               // no fix
+    write(2.0, 4, 3, 2.0f);               // tested
+    write(3.0, 4, 1, 0.001f);             // always, below the least deviation
+    write(4.0, 4, 2, 2.0f);               // never, but its height is taken
+    write(5.0, 2, 3, 0.0f);               // deviation by the mode
+    write(6.0, 2, 3, 2.0f, std::nan("")); // no position
+    write(7.0, 2, 3, 2.0f);               // rejected by an instruction
+    write(8.0, 2, 2, 2.0f);               // forced by an instruction
+    write(9.0, 2, 3, 2.0f);               // the user's deviation
+    ASSERT_TRUE(writer.Close());
+
+    SRunPlan plan;
+    SGpsPlan gps;
+    gps.source = {folder.Input(), "GPS_1", 100.0};
+    gps.leastDeviation = {0.03, 0.03, 0.03, 0.0};
+    gps.rejections = {{{106.0, 107.0}, ERejection::always}, {{107.0, 108.0}, ERejection::never}};
+    gps.userDeviations = {{{108.0, 120.0}, {7.0, 7.0, 7.0, 0.0}}};
+    plan.gps = {gps};
+    CFixReader reader;
+    ASSERT_TRUE(reader.Open(plan).empty());
+    struct SRow {
+        double time;
+        EUse use;
+        double deviation;
+    };
+    const SRow rows[] = {{101.5, EUse::tested, 2.0}, {102.5, EUse::always, 0.03}, {103.5, EUse::never, 2.0},
+                         {104.5, EUse::tested, 1.5}, {106.5, EUse::never, 2.0},   {107.5, EUse::always, 2.0},
+                         {108.5, EUse::tested, 7.0}};
+    for (const SRow& row : rows) {
+        ASSERT_TRUE(reader.Peek()) << row.time;
+        const SPositionFix& fix = *reader.Peek();
+        EXPECT_NEAR(fix.time, row.time, 1e-6);
+        EXPECT_EQ(fix.horizontal, row.use) << row.time;
+        EXPECT_EQ(fix.vertical, EUse::tested);
+        EXPECT_NEAR(fix.varianceNorth, row.deviation * row.deviation, 1e-6) << row.time;
+        EXPECT_NEAR(fix.position[2], 35.0, 1e-6) << "above the ellipsoid";
+        reader.Pop();
+    }
+    EXPECT_FALSE(reader.Peek());
+    plan.gps[0].source.channel = "GPS_2";
+    EXPECT_EQ(reader.Open(plan), std::vector<int>{0});
+}
