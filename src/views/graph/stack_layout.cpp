@@ -35,8 +35,8 @@ void CTrv1DGraphStack::PlacePortlets(SSize size, ELayout layout) {
         float height = share;
         if (layout == ELayout::scroll) {
             const float automatic = std::max(portlet->GetMinimumHeight(), share);
-            height =
-                portlet->GetUserHeight() > 0 ? std::max(portlet->GetUserHeight(), kLeastHeight) : automatic;
+            const float user = portlet->GetUserHeight();
+            height = user > 0 ? std::max(user, kLeastHeight) + kPortletGap : automatic;
         }
         portlet->Layout({0, y, size.width, std::max(1.0f, height - kPortletGap)}, 0);
         y += height;
