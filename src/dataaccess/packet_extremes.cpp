@@ -121,8 +121,10 @@ template <EFieldType Type>
     std::memcpy(&greatest, high.bytes, kVector);
     // The second condition of a floating-point lane is true where the accumulator holds no number yet.
     if constexpr (std::is_floating_point_v<Element>) {
+        // NOLINTBEGIN(misc-redundant-expression)
         least = (value < least) | (least != least) ? value : least;
         greatest = (value > greatest) | (greatest != greatest) ? value : greatest;
+        // NOLINTEND(misc-redundant-expression)
     } else {
         least = value < least ? value : least;
         greatest = value > greatest ? value : greatest;
