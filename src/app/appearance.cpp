@@ -32,7 +32,9 @@ constexpr SLook kLooks[] = {
 };
 
 QPalette MakePalette(const SLook& look) {
-    QPalette palette(QColor(look.window), QColor(look.window));
+    // On a dark ground buttons stand out by being lighter, as they do on a light one by their shade.
+    const QColor window(look.window);
+    QPalette palette(window.lightness() < 128 ? window.lighter(135) : window, window);
     palette.setColor(QPalette::Base, look.base);
     palette.setColor(QPalette::AlternateBase, look.alternate);
     palette.setColor(QPalette::ToolTipBase, look.base);

@@ -92,7 +92,8 @@ const SCommandRow kCommands[] = {
 
     {commandProcess, EMenu::simulation, textStart, textStartTip, "F5", process, EBar::standard, true,
      [](Frame& f) { f.GetProcessing().ToggleProcess(); }, HasProject, nullptr,
-     [](const Frame& f) { return Text(f.IsRunning() ? textStop : textStart); }},
+     [](const Frame& f) { return Text(f.IsRunning() ? textStop : textStart); },
+     [](const Frame& f) { return f.IsRunning() ? stop : process; }},
 
     Toggle<commandMenuBar>(textShowMenuBar, "Ctrl+M"),
     Toggle<commandStandardBar>(textShowStandardBar, "Ctrl+Shift+T"),

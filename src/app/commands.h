@@ -70,6 +70,8 @@ struct SCommandRow {
     bool (*tickedWhen)(const CTrvProjectMainFrame&) = nullptr;  // null: it has no tick
     // The text at the moment, in place of the one above; an empty one hides the command.
     QString (*caption)(const CTrvProjectMainFrame&) = nullptr;
+    // The picture at the moment.
+    EGlyph (*glyphNow)(const CTrvProjectMainFrame&) = nullptr;
 };
 
 std::span<const SMenuRow> GetMenus();

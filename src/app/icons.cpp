@@ -78,6 +78,8 @@ void DrawSave(CSketch& s) {
 
 void DrawProcess(CSketch& s) { s.Accent(1.2).Fill({{4, 2.5}, {13, 8}, {4, 13.5}}); }
 
+void DrawStop(CSketch& s) { s.Accent(1.2).Fill({{3.5, 3.5}, {12.5, 3.5}, {12.5, 12.5}, {3.5, 12.5}}); }
+
 void DrawLens(CSketch& s, bool more, bool horizontal) {
     s.Ink().Circle({6.5, 6.5}, 4.5);
     s.Line({4.5, 6.5}, {8.5, 6.5});
@@ -149,6 +151,7 @@ constexpr Drawing kDrawings[] = {
     DrawOpen,
     DrawSave,
     DrawProcess,
+    DrawStop,
     [](CSketch& s) { DrawLens(s, true, true); },
     [](CSketch& s) { DrawLens(s, false, true); },
     [](CSketch& s) {
@@ -177,7 +180,7 @@ static_assert(std::size(kDrawings) == static_cast<std::size_t>(EGlyph::count));
 // A compass card with a track that bends round its centre.
 void DrawProduct(CSketch& s) {
     QPainter& painter = s.GetPainter();
-    painter.setPen(Qt::NoPen);
+    painter.setPen(QPen(QColor(0xBF, 0xD7, 0xEA), 0.4)); // parts it from a ground of its own colour
     painter.setBrush(QColor(0x1F, 0x4E, 0x79));
     painter.drawEllipse(QRectF(0.5, 0.5, 15, 15));
     painter.setPen(QPen(QColor(0xBF, 0xD7, 0xEA), 0.6));

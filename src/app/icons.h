@@ -11,6 +11,7 @@ enum class EGlyph {
     open,
     save,
     process,
+    stop,
     zoomHorizontal,
     unzoomHorizontal,
     scrollLeft,

@@ -93,7 +93,7 @@ class CTrvProjectMainFrame final : public QMainWindow,
     void MakeActions();
     void MakeMenus();
     QToolBar* MakeToolBar(EBar bar, const char* name, int title);
-    QDockWidget* MakePanel(int command, const char* name, int title, QWidget* content,
+    QDockWidget* MakePanel(int command, const char* name, int title, QWidget* content, QSize size,
                            Qt::DockWidgetArea area);
     void RegisterBar(int command, QWidget* bar);
     void RestoreWindow();

@@ -15,6 +15,7 @@
 #include <QSettings>
 #include <QSignalBlocker>
 #include <QToolBar>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -29,13 +30,36 @@ constexpr const char* kGeometryKey = "mainFrame/geometry";
 constexpr const char* kStateKey = "mainFrame/state";
 constexpr QSize kFirstSize(1280, 800);
 constexpr QSize kProcessingSize(320, 500);
-constexpr int kOutputHeight = 140;
+constexpr QSize kOutputSize(600, 140);
 
 // A tool tip for those who look, with the keys that make it needless.
 QString MakeToolTip(const SCommandRow& row) {
     const QString keys = QKeySequence(QString::fromLatin1(row.shortcut)).toString(QKeySequence::NativeText);
     return keys.isEmpty() ? Text(row.tip) : QStringLiteral("%1 (%2)").arg(Text(row.tip), keys);
 }
+
+// Paints nothing anew as long as the picture is the same.
+void ShowGlyph(QAction& action, EGlyph glyph) {
+    const int number = static_cast<int>(glyph);
+    if (action.data().toInt() == number) return;
+    action.setData(number);
+    action.setIcon(GetIcon(glyph));
+}
+
+// Stands between a panel and its content: the panel has its size also while the content is hidden, and shows
+// and hides without a say in that.
+class CPanelSpace final : public QWidget {
+  public:
+    CPanelSpace(QWidget* content, QSize size) : m_size(size) {
+        auto* layout = new QVBoxLayout(this);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(content);
+    }
+    QSize sizeHint() const override { return m_size; }
+
+  private:
+    const QSize m_size;
+};
 
 } // namespace
 
@@ -64,19 +88,17 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, Outils::IMessag
     MakeMenus();
     MakeToolBar(EBar::standard, "standardBar", textStandardBarTitle);
     MakeToolBar(EBar::tools, "toolsBar", textToolsBarTitle);
-    QDockWidget* processing = MakePanel(commandProcessingPanel, "processingPanel", textProcessingTitle,
-                                        m_processing, Qt::LeftDockWidgetArea);
-    QDockWidget* output =
-        MakePanel(commandOutputPanel, "outputPanel", textOutputTitle, m_output, Qt::BottomDockWidgetArea);
+    MakePanel(commandProcessingPanel, "processingPanel", textProcessingTitle, m_processing, kProcessingSize,
+              Qt::LeftDockWidgetArea);
+    MakePanel(commandOutputPanel, "outputPanel", textOutputTitle, m_output, kOutputSize,
+              Qt::BottomDockWidgetArea);
     m_output->addAction(&GetAction(commandClearOutput));
     resize(kFirstSize.boundedTo(screen()->availableSize()));
-    resizeDocks({processing}, {kProcessingSize.width()}, Qt::Horizontal);
-    resizeDocks({processing, output}, {kProcessingSize.height(), kOutputHeight}, Qt::Vertical);
     RestoreWindow();
 
     connect(m_view, &CTrvView1D::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
     m_document.AddView(this);
-    m_document.UpdateAllViews(nullptr, hintRefresh); // a panel shows its content, which may be one to hide
+    UpdateFrame();
     m_view->setFocus();
 }
 
@@ -99,7 +121,7 @@ void CTrvProjectMainFrame::MakeActions() {
         action->setStatusTip(Text(row.tip));
         action->setToolTip(MakeToolTip(row));
         action->setCheckable(row.tickedWhen != nullptr);
-        action->setIconVisibleInMenu(row.glyph != EGlyph::none);
+        action->setIconVisibleInMenu(!row.tickedWhen); // a tick says more
         if (row.menu == EMenu::mouse) modes->addAction(action);
         connect(action, &QAction::triggered, this, [this, &row] { RunCommand(row); });
         addAction(action); // its keys work while menu and bars are hidden
@@ -119,7 +141,11 @@ void CTrvProjectMainFrame::MakeMenus() {
     for (const SCommandRow& row : GetCommands()) {
         QMenu* menu = m_menus[row.menu];
         const bool first = menu->isEmpty();
-        if (first && parentOf(row.menu) != row.menu) m_menus[parentOf(row.menu)]->addMenu(menu);
+        if (QMenu* parent = m_menus[parentOf(row.menu)]; first && parent != menu) {
+            if (row.newGroup && !parent->isEmpty() && !parent->actions().last()->menu())
+                parent->addSeparator();
+            parent->addMenu(menu);
+        }
         if (row.newGroup && !first) menu->addSeparator();
         menu->addAction(m_actions[row.id]);
     }
@@ -143,12 +169,12 @@ QToolBar* CTrvProjectMainFrame::MakeToolBar(EBar bar, const char* name, int titl
 }
 
 QDockWidget* CTrvProjectMainFrame::MakePanel(int command, const char* name, int title, QWidget* content,
-                                             Qt::DockWidgetArea area) {
+                                             QSize size, Qt::DockWidgetArea area) {
     auto* panel = new QDockWidget(Text(title), this);
     panel->setObjectName(QString::fromLatin1(name));
     panel->setAccessibleName(Text(title));
     content->setAccessibleName(Text(title));
-    panel->setWidget(content);
+    panel->setWidget(new CPanelSpace(content, size));
     addDockWidget(area, panel);
     RegisterBar(command, panel);
     connect(panel, &QDockWidget::visibilityChanged, this, &CTrvProjectMainFrame::UpdateFrame);
@@ -200,11 +226,13 @@ void CTrvProjectMainFrame::UpdateFrame() {
     name.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")); // no mark, but a name
     setWindowTitle(QStringLiteral("%1[*] - %2").arg(name, Text(textProduct)));
     setWindowModified(m_document.IsModified());
+    m_statusBar->SetMessage(Text(m_running ? textRunning : textReady));
 
     for (const SCommandRow& row : GetCommands()) {
         QAction& action = GetAction(row.id);
         action.setEnabled(!row.enabledWhen || row.enabledWhen(*this));
         if (row.tickedWhen) action.setChecked(row.tickedWhen(*this));
+        if (row.glyphNow) ShowGlyph(action, row.glyphNow(*this));
         if (!row.caption) continue;
         const QString caption = row.caption(*this);
         action.setText(caption);

@@ -82,7 +82,6 @@ int RunProgram(int argc, char* argv[]) {
     ChoosePlatform(line);
     int noArguments = std::min(argc, 1); // the words are read: none is the window system's
     QApplication qt(noArguments, argv);
-    QApplication::setApplicationDisplayName(QString());
     QApplication::setApplicationVersion(ToQString(GetVersionInfo().productVersion));
     CEventLoopTarget target;
     CTrvApp application(ToPath(QApplication::applicationFilePath()));

@@ -23,15 +23,12 @@ QPixmap DrawPicture() {
     const qreal ratio = QGuiApplication::primaryScreen()->devicePixelRatio();
     QPixmap picture(kSize * ratio);
     picture.setDevicePixelRatio(ratio);
-    picture.fill(Qt::transparent);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
     QLinearGradient ground(0, 0, 0, kSize.height());
     ground.setColorAt(0, QColor(0x24, 0x5C, 0x8F));
     ground.setColorAt(1, QColor(0x12, 0x2F, 0x4C));
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(ground);
-    painter.drawRoundedRect(QRect(QPoint(), kSize), 10, 10);
+    painter.fillRect(QRect(QPoint(), kSize), ground);
     GetProductIcon().paint(&painter, QRect(28, 52, 96, 96));
     const CVersionInfo version = GetVersionInfo();
     QFont font = painter.font();
@@ -56,12 +53,12 @@ QPixmap DrawPicture() {
 
 CSplashWnd::CSplashWnd() : QSplashScreen(DrawPicture()) {
     setAttribute(Qt::WA_DeleteOnClose);
-    setAttribute(Qt::WA_TranslucentBackground);
     setWindowTitle(Text(textWelcome));
 }
 
 void CSplashWnd::CloseFor(QWidget& window) {
     m_window = &window;
+    raise(); // the window has come over it
     CloseIn(kAfterStart);
 }
 

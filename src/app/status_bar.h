@@ -17,6 +17,7 @@ class CTrvStatusBar final : public QStatusBar {
   public:
     explicit CTrvStatusBar(QWidget* parent = nullptr);
 
+    // What the message pane says while no command explains itself there.
     void SetMessage(const QString& text);
     // 0 to 100; what lies outside is brought to the nearer end.
     void SetProgress(int percent);

@@ -88,6 +88,7 @@ enum EAppText : int {
     textFileDescription = 10474,
     textCopyright = 10475,
     textWelcome = 10476,
+    textRunning = 10477,
     textMailSubject = 10478,
     textMailProduct = 10479,
     textUsage = 10480,

@@ -1,0 +1,77 @@
+#include "app/dialogs.h"
+
+#include "app/text.h"
+#include "dataaccess/test_recording.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+using namespace Application_Tarvel;
+
+namespace {
+
+// Runs `act` on the dialog of this kind that opens next.
+template <class Dialog, class Act>
+void OnNext(Act act) {
+    QTimer::singleShot(0, [act] {
+        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(dialog);
+        act(*dialog);
+    });
+}
+
+TEST(Dialogs, EveryButtonIsAnAnswerAndEscapeChangesNothing) {
+    constexpr auto escape = QMessageBox::NoButton;
+    struct {
+        EButtons buttons;
+        QMessageBox::StandardButton pressed;
+        EAnswer answer;
+    } const rows[] = {
+        {EButtons::ok, QMessageBox::Ok, EAnswer::ok},
+        {EButtons::ok, escape, EAnswer::ok},
+        {EButtons::okCancel, QMessageBox::Ok, EAnswer::ok},
+        {EButtons::okCancel, escape, EAnswer::cancel},
+        {EButtons::yesNo, QMessageBox::Yes, EAnswer::yes},
+        {EButtons::yesNo, QMessageBox::No, EAnswer::no},
+        {EButtons::yesNoCancel, QMessageBox::Yes, EAnswer::yes},
+        {EButtons::yesNoCancel, QMessageBox::No, EAnswer::no},
+        {EButtons::yesNoCancel, QMessageBox::Cancel, EAnswer::cancel},
+        {EButtons::yesNoCancel, escape, EAnswer::cancel},
+    };
+    CWindowDialogs dialogs;
+    const std::string text = "Save changes to <b>p</b> & q?\n\nSecond line";
+    for (const auto& row : rows) {
+        OnNext<QMessageBox>([&](QMessageBox& box) {
+            EXPECT_EQ(box.text(), ToQString(text));
+            EXPECT_EQ(box.textFormat(), Qt::PlainText);
+            row.pressed == escape ? QTest::keyClick(&box, Qt::Key_Escape) : box.button(row.pressed)->click();
+        });
+        EXPECT_EQ(dialogs.ShowMessage(nullptr, text, row.buttons, EIcon::question), row.answer);
+    }
+}
+
+TEST(Dialogs, AProjectIsSavedUnderItsExtension) {
+    const test::CTemporaryFolder folder;
+    CWindowDialogs dialogs;
+    const auto save = [&](const char* typed) {
+        OnNext<QFileDialog>([&](QFileDialog& dialog) {
+            auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
+            EXPECT_EQ(name->text(), "old.tarprj");
+            name->setText(typed);
+            QTest::keyClick(name, typed ? Qt::Key_Return : Qt::Key_Escape);
+        });
+        return dialogs.AskSavePath(nullptr, folder / "old.tarprj");
+    };
+    EXPECT_EQ(save("new"), folder / "new.tarprj");
+    EXPECT_EQ(save("new.tarprj"), folder / "new.tarprj");
+    EXPECT_EQ(save(nullptr), std::nullopt);
+}
+
+} // namespace
