@@ -110,11 +110,11 @@ int CreateCommand(const COptions& options, SStreams streams) {
 }
 
 int RunCommand(const COptions& options, SStreams streams) {
+    CEndSignals signals; // before any thread starts: a thread that lets a signal in would end the program
     CSession session(streams);
     if (!session.Open(options.GetArguments()[0])) return exitFailure;
     CTrvDocument& document = session.GetDocument();
     CBatchHost& host = session.GetHost();
-    CEndSignals signals;
     if (!document.StartSimulation()) return exitFailure;
     while (document.IsSimulationRunning()) {
         host.GetQueue().RunOne(std::chrono::milliseconds(50));
