@@ -62,8 +62,8 @@ double CDateTimeSpan::GetSeconds() const {
 }
 
 double CDateTimeSpan::GetTotalSeconds() const {
-    return static_cast<double>(m_ticks / kTicksPerSecond) +
-           static_cast<double>(m_ticks % kTicksPerSecond) / 1e7;
+    const std::int64_t seconds = m_ticks / kTicksPerSecond;
+    return static_cast<double>(seconds) + static_cast<double>(m_ticks % kTicksPerSecond) / 1e7;
 }
 
 CDateTimeSpan& CDateTimeSpan::operator+=(CDateTimeSpan other) {

