@@ -122,8 +122,8 @@ template <EFieldType Type>
     // The second condition of a floating-point lane is true where the accumulator holds no number yet.
     if constexpr (std::is_floating_point_v<Element>) {
         // NOLINTBEGIN(misc-redundant-expression)
-        least = (value < least) | (least != least) ? value : least;
-        greatest = (value > greatest) | (greatest != greatest) ? value : greatest;
+        least = ((value < least) | (least != least)) ? value : least;
+        greatest = ((value > greatest) | (greatest != greatest)) ? value : greatest;
         // NOLINTEND(misc-redundant-expression)
     } else {
         least = value < least ? value : least;

@@ -6,6 +6,7 @@
 #include "values/characters.h"
 
 #include <array>
+#include <cstdint>
 #include <optional>
 
 namespace Outils_Valeurs {
@@ -48,11 +49,12 @@ std::string FormatSeconds(bool negative, std::uint64_t ticks, int precision) {
     return text;
 }
 
-// Digits and a fraction as ticks. Twelve digits of seconds are more than any date has.
+// Digits and a fraction as ticks, as far as ticks go. Twelve digits of seconds are more than any date has.
 std::optional<std::int64_t> ReadSeconds(CTextScanner& scanner) {
+    constexpr std::int64_t kMost = INT64_MAX / kTicksPerSecond - 1; // the fraction may round to a second
     const auto seconds = scanner.Number(12);
     const auto fraction = scanner.Fraction(u'.');
-    if (!seconds || !fraction) return std::nullopt;
+    if (!seconds || *seconds > kMost || !fraction) return std::nullopt;
     return *seconds * kTicksPerSecond + *fraction;
 }
 

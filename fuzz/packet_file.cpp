@@ -1,0 +1,102 @@
+// A packet file of either kind: its header, the walk over its packets, and every search in it.
+#include "input.h"
+
+#include "dataaccess/date_search.h"
+#include "xpf/file.h"
+#include "xpf/packet.h"
+
+using namespace Persistance_Xpf;
+
+namespace {
+
+constexpr int kMostSteps = 300; // of one walk; more of the same packets show nothing new
+
+void ReadEveryField(const CXpfPacket& packet) {
+    packet.ToText("\t");
+    packet.GetHeaderText("\t");
+    for (std::uint32_t field = 0; field <= packet.GetFieldCount(); ++field) {
+        double number = 0;
+        std::uint32_t literal = 0;
+        packet.GetDouble(field, number);
+        packet.GetDoubleElement(field, 0xFFFFFFFF, number);
+        packet.GetStatusValue(field, literal);
+    }
+}
+
+void WalkStream(CXpfFile& file) {
+    SPacketHeader header;
+    std::span<const std::uint8_t> payload;
+    std::int64_t last = file.GetDataStart().Get();
+    file.Seek(last);
+    std::uint64_t sum = 0;
+    for (int step = 0; step < kMostSteps && file.ReadPacket(header, payload) == EPacketRead::whole; ++step) {
+        for (const std::uint8_t byte : payload) sum += byte;
+        Fuzz::Require(file.GetPosition() > last, "a walk moves forward");
+        last = file.GetPosition();
+    }
+    // What the sum was made of has to be read, if the optimiser is not to drop the loop.
+    Fuzz::Require(sum <= static_cast<std::uint64_t>(last) * 255, "a payload lies in its file");
+    for (std::int64_t at = 0; at <= file.GetFileSize(); at += file.GetFileSize() / 8 + 1) {
+        if (file.Seek(at) && file.SearchPacketForward(header))
+            Fuzz::Require(file.GetPosition() >= at, "a forward search ends behind its start");
+        if (file.Seek(at) && file.SearchPacketBackward(header))
+            Fuzz::Require(file.GetPosition() < at || at == 0, "a backward search ends before its start");
+    }
+}
+
+void WalkChannel(CXpfFile& file, CXpfChannel& channel, Application_Tarvel::CXpfFileCache& cache,
+                 const std::filesystem::path& path) {
+    SPacketHeader header;
+    channel.SeekLastPacket(&header);
+    channel.SeekFirstPacket(&header);
+    const std::unique_ptr<CXpfPacket> packet = channel.CreatePacket();
+    if (packet) {
+        for (int step = 0; step < kMostSteps; ++step) {
+            if (!channel.ViewNextPacket(packet->GetPayloadSize()) &&
+                !channel.ReadNextPacket(*packet, &header))
+                break;
+            if (step < 4) ReadEveryField(*packet);
+        }
+    } else {
+        std::uint8_t buffer[64];
+        std::uint32_t sizeRead = 0;
+        for (int step = 0; step < kMostSteps; ++step)
+            if (!channel.ReadNextPacket(sizeRead, &header, buffer, sizeof buffer)) break;
+    }
+    for (const std::uint32_t number : {0u, 1u, 2u, 7u, 1000u, 0xFFFFFFFFu}) channel.SeekPacketNumber(number);
+
+    if (auto* dated = dynamic_cast<CXpfDatedPacket*>(packet.get())) {
+        const Outils::CEvent cancel;
+        const Application_Tarvel::SDateSearch search{path, &cache, true, cancel};
+        Application_Tarvel::SDateBracket bracket;
+        for (const std::int64_t ticks : {std::int64_t{0}, std::int64_t{15'000'000}, std::int64_t{1} << 62})
+            SearchDate(channel, *dated, Outils_Temps::CDateTimeSpan(ticks), search, bracket);
+    }
+    std::string name, description;
+    std::uint32_t literals = 0;
+    const auto type = static_cast<std::uint16_t>(channel.GetPacketType());
+    for (std::uint32_t i = 0; i <= file.GetStatusFieldCount(type); ++i) {
+        file.GetStatusField(type, i, name, description, literals);
+        file.GetStatusLiteral(type, i, literals, name, description);
+    }
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static Fuzz::CMemoryFile input;
+    input.Set({data, size});
+    for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
+        bool outdated = false;
+        const auto file = OpenXpfFile(input.GetPath(), kind, outdated);
+        if (!file) continue;
+        WalkStream(*file);
+        Application_Tarvel::CXpfFileCache cache;
+        for (const auto& channel : file->GetChannels()) {
+            Fuzz::Require(file->FindChannelByNumber(channel->GetNumber()) != nullptr,
+                          "channels have numbers");
+            WalkChannel(*file, *channel, cache, input.GetPath());
+        }
+    }
+    return 0;
+}
