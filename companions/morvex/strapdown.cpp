@@ -2,8 +2,9 @@
 
 namespace Morvex {
 
-// Savage, Strapdown Inertial Navigation Integration Algorithm Design, J. Guidance 21 (1998): part 1 for the
-// attitude, part 2 for velocity and position, with rates taken as linear over this sample and the one before.
+// Savage, Strapdown Inertial Navigation Integration Algorithm Design, J. Guidance 21 (1998), two papers: the
+// first for the attitude, the second for velocity and position, with rates taken as linear over this sample
+// and the one before.
 void CStrapdown::Advance(const SImuSample& sample) {
     const double dt = sample.interval;
     if (!(dt > 0.0)) return;

@@ -19,9 +19,15 @@ EAnswer CBatchHost::ShowMessage(const std::string& text, EButtons buttons, EIcon
 void CBatchHost::AppendOutputText(const std::string& line) { m_streams.out << line << std::endl; }
 
 void CBatchHost::SetProgress(int percent) {
-    if (!m_progressShows || percent == m_lastPercent) return;
+    // A run sets the bar back to 0 at its end: lines only ever tell of progress made.
+    if (!m_progressShows || percent <= m_lastPercent) return;
     m_lastPercent = percent;
     m_streams.out << "progress " << percent << std::endl;
+}
+
+void CBatchHost::ShowProgress(bool visible) {
+    m_progressShows = visible;
+    m_lastPercent = -1;
 }
 
 void CBatchHost::OnMessageQueued() {

@@ -24,7 +24,7 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
     }
     void AppendOutputText(const std::string& line) override;
     void SetProgress(int percent) override;
-    void ShowProgress(bool visible) override { m_progressShows = visible; }
+    void ShowProgress(bool visible) override;
     void ShowWaitCursor(bool) override {}
     void UpdateMenuForEquipment(std::int32_t) override {}
     Communication_Interfaces::IMorvexNotification* GetReceiver() override { return &m_receiver; }
