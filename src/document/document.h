@@ -75,6 +75,10 @@ class CTrvDocument final : public CDocumentEx {
     // first offers to terminate it.
     bool StopSimulation();
 
+    // Writes the processing as a batch command file under a name that the user gives; false when a rule is
+    // broken, the user cancelled, or the file could not be written, which is told.
+    bool PrepareBatchCommandFile();
+
     // The commands New, Open and Save As with their guard against a running engine.
     bool CommandNew();
     bool CommandOpen(const std::filesystem::path& path);
@@ -95,6 +99,9 @@ class CTrvDocument final : public CDocumentEx {
     // Refuses with the text while the engine runs.
     bool RefuseWhileRunning(int text);
     void EndRun();
+    // Asks the rules. What is broken goes to the output panel behind the text `line`, then `message` is
+    // shown.
+    bool ValidateProject(int line, int message);
     bool SaveBeforeRun();
     bool WriteParameterFile(std::filesystem::path& path);
     void RemoveResult();

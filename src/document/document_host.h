@@ -34,6 +34,11 @@ class IDocumentHost {
     virtual std::optional<std::filesystem::path> AskDataFile(const std::string& /*filter*/) {
         return std::nullopt;
     }
+    // Asks where to write a batch command file; the user has agreed to replace an existing one.
+    virtual std::optional<std::filesystem::path> AskCommandFilePath(const std::filesystem::path& /*proposed*/,
+                                                                    const std::string& /*filter*/) {
+        return std::nullopt;
+    }
     // Has the file brought up to the present layout in its place; false when that was not done.
     virtual bool UpdateDataFile(const std::filesystem::path& /*path*/) { return false; }
     // Has a raw recording converted; the packet file made of it, empty when that was not done.

@@ -7,7 +7,9 @@
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
+#include "model/rules/rule.h"
 #include "processing/command_line.h"
+#include "processing/parameter_file.h"
 
 #include <algorithm>
 
@@ -46,6 +48,7 @@ bool CTrvDocument::StartSimulation() {
     const CWaitCursor wait(GetHost());
     if (!m_pProject || IsSimulationRunning()) return false;
     m_process.SetNotification(GetHost().GetReceiver());
+    if (!ValidateProject(textParametersWrongLine, textParametersWrongRun)) return false;
     if (!SaveBeforeRun()) return false;
     if (m_process.ProcessId() != 0) {
         m_process.WaitForReceivers();
@@ -55,6 +58,28 @@ bool CTrvDocument::StartSimulation() {
     if (!WriteParameterFile(parameterFile)) return false;
     RemoveResult();
     return LaunchEngine(parameterFile);
+}
+
+bool CTrvDocument::ValidateProject(int line, int message) {
+    Metier_Tarvel_Regles::CTrvRuleReport report;
+    if (m_pProject->simulationParameters->Validate(report)) return true;
+    if (line != 0) GetHost().AppendOutputText(std::string(GetText(line)));
+    for (const auto& violation : report.GetViolations())
+        GetHost().AppendOutputText(std::string(violation.rule->GetMessage()));
+    GetHost().ShowMessage(std::string(GetText(message)), EButtons::ok, EIcon::information);
+    return false;
+}
+
+bool CTrvDocument::PrepareBatchCommandFile() {
+    if (!m_pProject || !ValidateProject(textParametersWrongLine, textParametersWrongBatch)) return false;
+    const std::filesystem::path proposed =
+        FromText(ToText(std::filesystem::path(GetPathName()).replace_extension()) +
+                 std::string(GetText(textParametersSuffix)) + std::string(GetText(textXmlExtension)));
+    const auto path = GetHost().AskCommandFilePath(proposed, std::string(GetText(textXmlFilter)));
+    if (!path) return false;
+    if (Persistance_Parametres::WriteParameterFile(*path, *m_pProject->simulationParameters)) return true;
+    GetHost().ShowMessage(std::string(GetText(textParametersNotWritten)), EButtons::ok, EIcon::exclamation);
+    return false;
 }
 
 bool CTrvDocument::SaveBeforeRun() {

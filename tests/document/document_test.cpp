@@ -264,6 +264,31 @@ TEST_F(Document, ARunAsksToSaveWhatChanged) {
     PumpRunToItsEnd();
 }
 
+TEST_F(Document, ABrokenRuleStopsRunAndBatchFileAlike) {
+    Create();
+    auto& parameters = *m_document.GetProject()->simulationParameters;
+    parameters.AddZupt();
+    parameters.defaultOutputRate = 0;
+    EXPECT_FALSE(m_document.StartSimulation());
+    EXPECT_THAT(m_host.m_output, ElementsAre(Text(textParametersWrongLine),
+                                             "Default output rate value should be strictly positive",
+                                             "ZUPT end time should be strictly greater than begin time"));
+    EXPECT_FALSE(m_document.PrepareBatchCommandFile());
+    EXPECT_THAT(m_host.TakeMessages(),
+                ElementsAre(Text(textParametersWrongRun), Text(textParametersWrongBatch)));
+    EXPECT_THAT(ParameterFiles(), IsEmpty());
+
+    parameters.defaultOutputRate = 1;
+    parameters.RemoveZupt(parameters.zupts[0].get());
+    m_host.m_commandFile = m_folder / "nowhere" / "c.xml";
+    EXPECT_FALSE(m_document.PrepareBatchCommandFile());
+    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textParametersNotWritten)));
+    m_host.m_commandFile = m_folder / "c.xml";
+    EXPECT_TRUE(m_document.PrepareBatchCommandFile());
+    EXPECT_EQ(m_host.m_proposedCommandFile, m_folder / "p-parameters.xml");
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "c.xml"));
+}
+
 TEST_F(Document, AnEngineThatDiesOrIsMissingIsNoDisaster) {
     Create();
     UseEngine("die");

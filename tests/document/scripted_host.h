@@ -47,6 +47,13 @@ class CScriptedHost : public IDocumentHost, private Communication_Processus::INo
         m_paths.pop_front();
         return path;
     }
+    std::optional<std::filesystem::path> m_commandFile;
+    std::filesystem::path m_proposedCommandFile;
+    std::optional<std::filesystem::path> AskCommandFilePath(const std::filesystem::path& proposed,
+                                                            const std::string&) override {
+        m_proposedCommandFile = proposed;
+        return m_commandFile;
+    }
     void AppendOutputText(const std::string& line) override { m_output.push_back(line); }
     void SetProgress(int percent) override { m_progress.push_back(percent); }
     void ShowProgress(bool visible) override { m_progressShows = visible; }
