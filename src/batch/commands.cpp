@@ -10,16 +10,43 @@ namespace {
 constexpr std::string_view kProgram = "varnenav-batch";
 constexpr std::string_view kVersion = VARNE_VERSION;
 
-constexpr SOption kCreateOptions[] = {{"--add"}};
+constexpr SOption kCreateOptions[] = {{"--add"}, {"--ins-configuration"}};
+constexpr SOption kFromParametersOptions[] = {{"--file", true, true}};
+constexpr SOption kDictionaryOptions[] = {{"--expert", false}};
 constexpr SOption kPacketsOptions[] = {{"--from"}, {"--to"}, {"--limit"}};
 constexpr SOption kReduceOptions[] = {{"--from"}, {"--to"}, {"--slices"}};
 constexpr SOption kPictureOptions[] = {{"--size"}};
 
 constexpr SCommand kCommands[] = {
-    {"create", "RECORDING.tarin PROJECT.tarprj [--add all|KIND,...]",
+    {"create", "RECORDING.tarin PROJECT.tarprj [--add all|KIND,...] [--ins-configuration FILE]",
      "makes a project over a recording, with a sensor for every channel of the named kinds", 2,
      kCreateOptions, CreateCommand},
     {"run", "PROJECT", "processes a project; progress and messages as lines", 1, {}, RunCommand},
+    {"check",
+     "PROJECT",
+     "lists the rules that a project breaks; exit status 1 if there are any",
+     1,
+     {},
+     CheckCommand},
+    {"describe", "PROJECT", "prints the whole project as text", 1, {}, DescribeCommand},
+    {"copy",
+     "PROJECT OUT.tarprj",
+     "saves a project under a new name, in the present form",
+     2,
+     {},
+     CopyCommand},
+    {"parameters",
+     "PROJECT OUT.xml",
+     "writes the processing as a batch command file",
+     2,
+     {},
+     ParametersCommand},
+    {"create-from-parameters", "IN.xml PROJECT.tarprj [--file ID=PATH]...",
+     "makes a project from a batch command file", 2, kFromParametersOptions, CreateFromParametersCommand},
+    {"dictionary", "PROJECT [--expert]", "lists what a project's files offer: layers, measures, enumerations",
+     1, kDictionaryOptions, DictionaryCommand},
+    {"analyse", "FILE", "scans a packet file: channels, dates, origin, damage", 1, {}, AnalyseCommand},
+    {"detect", "FILE", "tells the format of a recording", 1, {}, DetectCommand},
     {"channels", "FILE", "lists the channels of a packet file", 1, {}, ChannelsCommand},
     {"packets", "FILE CHANNEL [--from S] [--to S] [--limit N]", "prints the packets of a channel", 2,
      kPacketsOptions, PacketsCommand},

@@ -34,6 +34,17 @@ int Run(std::span<const std::string> words, SStreams streams);
 // The commands, by the file in which they stand. project_commands.cpp:
 int CreateCommand(const COptions& options, SStreams streams);
 int RunCommand(const COptions& options, SStreams streams);
+int CopyCommand(const COptions& options, SStreams streams);
+// parameter_commands.cpp:
+int CheckCommand(const COptions& options, SStreams streams);
+int ParametersCommand(const COptions& options, SStreams streams);
+int CreateFromParametersCommand(const COptions& options, SStreams streams);
+// describe_command.cpp:
+int DescribeCommand(const COptions& options, SStreams streams);
+// analysis_commands.cpp:
+int DictionaryCommand(const COptions& options, SStreams streams);
+int AnalyseCommand(const COptions& options, SStreams streams);
+int DetectCommand(const COptions& options, SStreams streams);
 // packet_commands.cpp:
 int ChannelsCommand(const COptions& options, SStreams streams);
 int PacketsCommand(const COptions& options, SStreams streams);

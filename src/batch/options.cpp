@@ -24,14 +24,20 @@ COptions::COptions(std::span<const std::string> words, std::span<const SOption> 
         if (option == known.end()) throw CUsageError("unknown option " + word);
         if (option->takesValue && i + 1 == words.size())
             throw CUsageError("option " + word + " needs a value");
-        if (!m_values.emplace(word, option->takesValue ? words[++i] : std::string()).second)
-            throw CUsageError("option " + word + " is given twice");
+        auto& values = m_values[word];
+        if (!values.empty() && !option->repeats) throw CUsageError("option " + word + " is given twice");
+        values.push_back(option->takesValue ? words[++i] : std::string());
     }
 }
 
 std::optional<std::string> COptions::Get(std::string_view option) const {
     const auto place = m_values.find(option);
-    return place == m_values.end() ? std::nullopt : std::optional(place->second);
+    return place == m_values.end() ? std::nullopt : std::optional(place->second.front());
+}
+
+std::vector<std::string> COptions::GetAll(std::string_view option) const {
+    const auto place = m_values.find(option);
+    return place == m_values.end() ? std::vector<std::string>() : place->second;
 }
 
 std::optional<double> COptions::GetNumber(std::string_view option) const {

@@ -21,6 +21,7 @@ class CUsageError : public std::runtime_error {
 struct SOption {
     std::string_view name; // with its dashes
     bool takesValue = true;
+    bool repeats = false; // may be given several times
 };
 
 class COptions {
@@ -32,13 +33,15 @@ class COptions {
     const std::vector<std::string>& GetArguments() const { return m_arguments; }
     bool Has(std::string_view option) const { return m_values.contains(option); }
     std::optional<std::string> Get(std::string_view option) const;
+    // Every value of an option that repeats, in order.
+    std::vector<std::string> GetAll(std::string_view option) const;
     // Throws CUsageError for a value that is no number, or none above zero.
     std::optional<double> GetNumber(std::string_view option) const;
     std::optional<long long> GetPositive(std::string_view option) const;
 
   private:
     std::vector<std::string> m_arguments;
-    std::map<std::string, std::string, std::less<>> m_values;
+    std::map<std::string, std::vector<std::string>, std::less<>> m_values;
 };
 
 // A number of seconds, or CUsageError.

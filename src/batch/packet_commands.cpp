@@ -1,5 +1,6 @@
 // The commands that look into one packet file.
 #include "batch/commands.h"
+#include "batch/packet_access.h"
 #include "dataaccess/view_queries.h"
 #include "foundation/paths.h"
 #include "xpf/file.h"
@@ -17,49 +18,6 @@ namespace {
 
 constexpr std::string_view kSeparator = ";";
 
-struct SOpenFile {
-    std::unique_ptr<CXpfFile> file;
-    EFileKind kind = EFileKind::tarin;
-};
-
-// The file as whichever of the two kinds it is; null and a line on the error stream when it is neither.
-SOpenFile OpenFile(const std::string& text, SStreams streams) {
-    const auto path = Outils_Fichiers::FromText(text);
-    bool outdated = false;
-    for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
-        bool older = false;
-        if (auto file = OpenXpfFile(path, kind, older)) return {std::move(file), kind};
-        outdated = outdated || older;
-    }
-    std::error_code error;
-    const bool exists = std::filesystem::exists(path, error);
-    streams.error << text
-                  << (!exists    ? ": no such file"
-                      : outdated ? ": a packet file of an unknown or older layout"
-                                 : ": not a packet file")
-                  << '\n';
-    return {};
-}
-
-// The channel of that name and a packet of its type; false and a line on the error stream when there is none.
-struct SOpenChannel : SOpenFile {
-    CXpfChannel* channel = nullptr;
-    std::unique_ptr<CXpfPacket> packet;
-};
-
-SOpenChannel OpenChannel(const std::string& path, const std::string& name, SStreams streams) {
-    SOpenChannel open{OpenFile(path, streams), nullptr, nullptr};
-    if (!open.file) return open;
-    open.channel = open.file->FindChannelByName(name);
-    if (!open.channel) {
-        streams.error << path << ": no channel \"" << name << "\"\n";
-        return open;
-    }
-    open.packet = open.channel->CreatePacket();
-    if (!open.packet) streams.error << path << ": channel \"" << name << "\" is not decoded\n";
-    return open;
-}
-
 CDateTimeSpan ToSpan(double seconds) {
     const auto span = CDateTimeSpan::FromSeconds(seconds);
     if (!span.IsValid()) throw CUsageError("a time beyond the range of the clock");
@@ -69,11 +27,6 @@ CDateTimeSpan ToSpan(double seconds) {
 CDateTimeSpan DateOf(const CXpfPacket& packet) {
     CDateTimeSpan date;
     return packet.GetDate(0, date) ? date : CDateTimeSpan::Invalid();
-}
-
-int Fail(const std::string& path, std::string_view what, SStreams streams) {
-    streams.error << path << ": " << what << '\n';
-    return exitFailure;
 }
 
 } // namespace
@@ -121,8 +74,7 @@ int PacketsCommand(const COptions& options, SStreams streams) {
         const auto path = Outils_Fichiers::FromText(arguments[0]);
         auto& dated = static_cast<CXpfDatedPacket&>(*open.packet);
         switch (SearchDate(*open.channel, dated, first, {path, nullptr, false, never}, bracket)) {
-        case EDateSearch::failed:
-            return Fail(arguments[0], "damaged: the packet numbers contradict each other", streams);
+        case EDateSearch::failed: return Fail(arguments[0], textNumbersContradict, streams);
         case EDateSearch::outside:
             if (first > bracket.upperDate) return exitSuccess;
             open.channel->SeekFirstPacket(nullptr);
@@ -148,9 +100,9 @@ int AtCommand(const COptions& options, SStreams streams) {
     CTrvViewValueDataQuery query(
         {Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber()}, time, nullptr);
     bool cancelled = false;
-    if (!query.Execute(cancelled)) return Fail(arguments[0], "the channel is empty or damaged", streams);
+    if (!query.Execute(cancelled)) return Fail(arguments[0], textChannelEmpty, streams);
     const auto packet = query.TakePacket();
-    if (!packet) return Fail(arguments[0], "the time lies outside the channel's data", streams);
+    if (!packet) return Fail(arguments[0], textTimeOutside, streams);
     streams.out << packet->ToText(kSeparator) << '\n';
     return exitSuccess;
 }
@@ -170,7 +122,7 @@ int ReduceCommand(const COptions& options, SStreams streams) {
     CTrvView1DDataQuery query({Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber()},
                               {start, end, slice, true}, nullptr);
     bool cancelled = false;
-    if (!query.Execute(cancelled)) return Fail(arguments[0], "the channel is empty or damaged", streams);
+    if (!query.Execute(cancelled)) return Fail(arguments[0], textChannelEmpty, streams);
     const SReducedSeries series = query.TakeSeries();
     const std::string header = open.packet->GetHeaderText(kSeparator);
     streams.out << header << kSeparator << header << kSeparator << header << '\n';

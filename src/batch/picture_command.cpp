@@ -1,5 +1,6 @@
 // The graphs of a project as a picture, drawn by the code that draws the screen.
 #include "batch/commands.h"
+#include "batch/packet_access.h"
 #include "batch/session.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
@@ -119,8 +120,7 @@ int PictureCommand(const COptions& options, SStreams streams) {
     const std::span content(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
                             static_cast<std::size_t>(bytes.size()));
     if (content.empty() || !Outils_Fichiers::SaveAtomically(target, content)) {
-        streams.error << arguments[1] << ": cannot be written\n";
-        return exitFailure;
+        return Fail(arguments[1], textNotWritten, streams);
     }
     return exitSuccess;
 }

@@ -1,5 +1,6 @@
 // The commands that make and process projects.
 #include "batch/commands.h"
+#include "batch/packet_access.h"
 #include "batch/session.h"
 #include "document/project_creation.h"
 #include "foundation/paths.h"
@@ -90,23 +91,33 @@ int CreateCommand(const COptions& options, SStreams streams) {
     std::error_code error;
     const auto recording = std::filesystem::absolute(Outils_Fichiers::FromText(arguments[0]), error);
     const auto project = std::filesystem::absolute(Outils_Fichiers::FromText(arguments[1]), error);
-    if (std::filesystem::exists(project, error)) {
-        streams.error << arguments[1] << ": there is a file of this name already\n";
-        return exitFailure;
-    }
+    if (std::filesystem::exists(project, error)) return Fail(arguments[1], textExistsAlready, streams);
 
+    const auto configuration = Outils_Fichiers::FromText(options.Get("--ins-configuration").value_or(""));
+    if (!configuration.empty() && !std::filesystem::exists(configuration, error))
+        return Fail(*options.Get("--ins-configuration"), textNoSuchFile, streams);
     CSession session(streams);
     using namespace Outils_Configuration;
     const bool ellipsoidal =
         session.GetConfiguration().Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
     std::string message;
-    auto made = CreateProject({recording, project, ellipsoidal}, message);
+    auto made = CreateProject({recording, project, configuration, ellipsoidal}, message);
     if (!made) {
         streams.error << message << '\n';
         return exitFailure;
     }
     for (const ESensorKind kind : kinds) AddSensors(*made->simulationParameters, kind);
     return session.GetDocument().NewFromProject(std::move(made), project) ? exitSuccess : exitFailure;
+}
+
+int CopyCommand(const COptions& options, SStreams streams) {
+    const auto& arguments = options.GetArguments();
+    CSession session(streams);
+    if (!session.Open(arguments[0])) return exitFailure;
+    std::error_code error;
+    const auto target = std::filesystem::absolute(Outils_Fichiers::FromText(arguments[1]), error);
+    if (std::filesystem::exists(target, error)) return Fail(arguments[1], textExistsAlready, streams);
+    return session.GetDocument().DoSave(target, true) ? exitSuccess : exitFailure;
 }
 
 int RunCommand(const COptions& options, SStreams streams) {

@@ -18,4 +18,9 @@ bool CSession::Open(const std::string& path) {
     return m_document.OpenDocument(Outils_Fichiers::FromText(path)) && m_document.GetProject();
 }
 
+void CSession::WaitForAnalysis() {
+    while (m_document.IsAnalysing()) m_host.GetQueue().RunOne(std::chrono::milliseconds(50));
+    m_host.GetQueue().RunPending();
+}
+
 } // namespace Batch

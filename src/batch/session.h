@@ -17,6 +17,8 @@ class CSession {
 
     // False, with the reason told, when the file is no project.
     bool Open(const std::string& path);
+    // Until the analysis of every data file has come to its end, and the document knows what it found.
+    void WaitForAnalysis();
 
   private:
     Outils_Configuration::CTrvCnfConfigFile m_configuration;

@@ -40,6 +40,8 @@ class CTrvDocument final : public CDocumentEx {
     CAsyncQueryManager& GetQueryManager() { return m_queryManager; }
     CXpfFileCache& GetFileCache() { return m_fileCache; }
     const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
+    // Whether a data file is being scanned.
+    bool IsAnalysing() const;
     // Where a query finds a channel of a file of the project.
     SChannelAddress GetAddress(const CTrvDataFile& file, std::uint16_t channel);
 

@@ -53,6 +53,11 @@ void CTrvDocument::StartAnalysis(CTrvDataFile& file) {
     analyzer->Start();
 }
 
+bool CTrvDocument::IsAnalysing() const {
+    return std::any_of(m_analyzers.begin(), m_analyzers.end(),
+                       [](const auto& entry) { return entry.second->IsAlive(); });
+}
+
 void CTrvDocument::StopAnalysis(const CTrvDataFile& file, bool reset) {
     const auto place = m_analyzers.find(&file);
     if (place == m_analyzers.end()) return;

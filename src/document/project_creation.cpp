@@ -4,6 +4,7 @@
 #include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
+#include "model/ins_web_configuration_file.h"
 #include "xpf/file.h"
 
 namespace Application_Tarvel {
@@ -38,14 +39,27 @@ bool CheckRecording(const std::filesystem::path& path, std::string& message) {
     return false;
 }
 
+// A file that opens as an embedded configuration is never tried as an INI file.
+bool ImportConfiguration(CTrvSimulationParameters& parameters, const std::filesystem::path& path) {
+    CInsWebConfigurationFile web;
+    return web.Open(path) ? parameters.ImportWebConfiguration(web) : parameters.ImportIniConfiguration(path);
+}
+
 } // namespace
 
 std::unique_ptr<CTrvProject> CreateProject(const SNewProject& wanted, std::string& message) {
-    if (!CheckRecording(wanted.recording, message)) return nullptr;
+    return CheckRecording(wanted.recording, message) ? BuildProject(wanted, message) : nullptr;
+}
+
+std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, std::string& message) {
     const auto result = Outils_Fichiers::WithExtension(wanted.project, GetText(textOutputExtension));
     auto project = std::make_unique<CTrvProject>(wanted.recording, result);
     auto& parameters = *project->simulationParameters;
 
+    if (!wanted.configuration.empty() && !ImportConfiguration(parameters, wanted.configuration)) {
+        message = std::string(GetText(textInsConfigurationFailed));
+        return nullptr;
+    }
     std::int32_t equipment = 0;
     if (!parameters.ReadEquipmentCode(equipment)) {
         message = std::string(GetText(textNoEquipment));

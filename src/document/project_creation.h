@@ -11,13 +11,18 @@
 namespace Application_Tarvel {
 
 struct SNewProject {
-    std::filesystem::path recording;     // the main input file, a .tarin
-    std::filesystem::path project;       // the project file; the result file takes its name
-    bool ellipsoidalGpsAltitude = false; // the user's default altitude reference of GPS
+    std::filesystem::path recording;       // the main input file, a .tarin
+    std::filesystem::path project;         // the project file; the result file takes its name
+    std::filesystem::path configuration{}; // configuration file of the INS, empty for none
+    bool ellipsoidalGpsAltitude = false;   // the user's default altitude reference of GPS
 };
 
-// A project over the recording: equipment, algorithm, heave choice and period as the recording tells them.
-// Null on failure, with the message to show in `message`.
+// A project over the recording: equipment, algorithm, heave choice and period as the recording tells them;
+// mounting, reference points and sensors as the configuration file does. Null on failure, with the message to
+// show in `message`.
 std::unique_ptr<Metier_Tarvel::CTrvProject> CreateProject(const SNewProject& wanted, std::string& message);
+// The same for a recording whose format was looked at before: one that is none fails for want of inertial
+// data.
+std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted, std::string& message);
 
 } // namespace Application_Tarvel

@@ -1,0 +1,41 @@
+#include "batch/packet_access.h"
+
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+
+#include <filesystem>
+#include <ostream>
+
+namespace Batch {
+
+using namespace Persistance_Xpf;
+
+int Fail(const std::string& what, ETextId text, SStreams streams, std::string_view argument) {
+    streams.error << what << ": " << Outils_Texte::FormatText(text, {argument}) << '\n';
+    return exitFailure;
+}
+
+SOpenFile OpenFile(const std::string& text, SStreams streams) {
+    const auto path = Outils_Fichiers::FromText(text);
+    bool outdated = false;
+    for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
+        bool older = false;
+        if (auto file = OpenXpfFile(path, kind, older)) return {std::move(file), kind};
+        outdated = outdated || older;
+    }
+    std::error_code error;
+    const bool exists = std::filesystem::exists(path, error);
+    Fail(text, !exists ? textNoSuchFile : outdated ? textOlderLayout : textNoPacketFile, streams);
+    return {};
+}
+
+SOpenChannel OpenChannel(const std::string& path, const std::string& name, SStreams streams) {
+    SOpenChannel open{OpenFile(path, streams), nullptr, nullptr};
+    if (!open.file) return open;
+    open.channel = open.file->FindChannelByName(name);
+    if (open.channel) open.packet = open.channel->CreatePacket();
+    if (!open.packet) Fail(path, open.channel ? textNotDecoded : textNoChannel, streams, name);
+    return open;
+}
+
+} // namespace Batch

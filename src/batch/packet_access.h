@@ -1,0 +1,32 @@
+// Opening a packet file or one of its channels for a command, with the reason told when that fails.
+#pragma once
+
+#include "batch/commands.h"
+#include "batch/text_ids.h"
+#include "xpf/file.h"
+#include "xpf/packet.h"
+
+#include <memory>
+#include <string>
+
+namespace Batch {
+
+// Writes "WHAT: text" on the error stream; `argument` takes the place of %1. Always exitFailure.
+int Fail(const std::string& what, ETextId text, SStreams streams, std::string_view argument = {});
+
+struct SOpenFile {
+    std::unique_ptr<Persistance_Xpf::CXpfFile> file; // null when it could not be opened
+    Persistance_Xpf::EFileKind kind = Persistance_Xpf::EFileKind::tarin;
+};
+
+// The file as whichever of the two kinds it is.
+SOpenFile OpenFile(const std::string& path, SStreams streams);
+
+struct SOpenChannel : SOpenFile {
+    Persistance_Xpf::CXpfChannel* channel = nullptr;     // owned by the file
+    std::unique_ptr<Persistance_Xpf::CXpfPacket> packet; // of the channel's type; null on failure
+};
+
+SOpenChannel OpenChannel(const std::string& path, const std::string& name, SStreams streams);
+
+} // namespace Batch

@@ -1,0 +1,72 @@
+// The commands around the rules and batch command files.
+#include "batch/commands.h"
+#include "batch/packet_access.h"
+#include "batch/session.h"
+#include "document/batch_creation.h"
+#include "foundation/paths.h"
+#include "model/rules/rule.h"
+#include "processing/parameter_file.h"
+
+#include <ostream>
+
+namespace Batch {
+
+using namespace Application_Tarvel;
+using Outils_Fichiers::FromText;
+
+int CheckCommand(const COptions& options, SStreams streams) {
+    CSession session(streams);
+    if (!session.Open(options.GetArguments()[0])) return exitFailure;
+    Metier_Tarvel_Regles::CTrvRuleReport report;
+    session.GetDocument().GetProject()->simulationParameters->Validate(report);
+    for (const auto& violation : report.GetViolations()) streams.out << violation.rule->GetMessage() << '\n';
+    return report.IsEmpty() ? exitSuccess : exitFailure;
+}
+
+int ParametersCommand(const COptions& options, SStreams streams) {
+    const auto& arguments = options.GetArguments();
+    CSession session(streams);
+    if (!session.Open(arguments[0])) return exitFailure;
+    std::error_code error;
+    const auto target = std::filesystem::absolute(FromText(arguments[1]), error);
+    const auto& parameters = *session.GetDocument().GetProject()->simulationParameters;
+    if (Persistance_Parametres::WriteParameterFile(target, parameters)) return exitSuccess;
+    return Fail(arguments[1], textNotWritten, streams);
+}
+
+int CreateFromParametersCommand(const COptions& options, SStreams streams) {
+    const auto& arguments = options.GetArguments();
+    std::error_code error;
+    const auto source = std::filesystem::absolute(FromText(arguments[0]), error);
+    const auto project = std::filesystem::absolute(FromText(arguments[1]), error);
+    if (std::filesystem::exists(project, error)) return Fail(arguments[1], textExistsAlready, streams);
+
+    CBatchCreation creation;
+    std::string message;
+    if (!creation.Load(source, message)) {
+        streams.error << message << '\n';
+        return exitFailure;
+    }
+    for (const std::string& choice : options.GetAll("--file")) {
+        const std::size_t sign = choice.find('=');
+        const bool known =
+            sign != std::string::npos && sign + 1 < choice.size() &&
+            creation.ChooseFile(choice.substr(0, sign),
+                                std::filesystem::absolute(FromText(choice.substr(sign + 1)), error));
+        if (!known) throw CUsageError("--file needs ID=PATH with the id of a file in " + arguments[0]);
+    }
+
+    CSession session(streams);
+    using namespace Outils_Configuration;
+    auto made =
+        creation.Create(session.GetConfiguration().Get(Cnf<"general/utcSearch/maxPacketCount">), message);
+    if (!made) {
+        streams.error << message << '\n';
+        return exitFailure;
+    }
+    const bool saved =
+        session.GetDocument().NewFromProject(std::move(made), project, CTrvDocument::EResultName::kept);
+    return saved ? exitSuccess : exitFailure;
+}
+
+} // namespace Batch
