@@ -14,13 +14,23 @@ namespace Batch {
 using namespace Application_Tarvel;
 using Outils_Fichiers::FromText;
 
+namespace {
+
+// True when the project keeps all rules; otherwise the messages of those it breaks go to `out`.
+bool Check(const Metier_Tarvel::CTrvSimulationParameters& parameters, std::ostream& out) {
+    Metier_Tarvel_Regles::CTrvRuleReport report;
+    parameters.Validate(report);
+    for (const auto& violation : report.GetViolations()) out << violation.rule->GetMessage() << '\n';
+    return report.IsEmpty();
+}
+
+} // namespace
+
 int CheckCommand(const COptions& options, SStreams streams) {
     CSession session(streams);
     if (!session.Open(options.GetArguments()[0])) return exitFailure;
-    Metier_Tarvel_Regles::CTrvRuleReport report;
-    session.GetDocument().GetProject()->simulationParameters->Validate(report);
-    for (const auto& violation : report.GetViolations()) streams.out << violation.rule->GetMessage() << '\n';
-    return report.IsEmpty() ? exitSuccess : exitFailure;
+    const auto& parameters = *session.GetDocument().GetProject()->simulationParameters;
+    return Check(parameters, streams.out) ? exitSuccess : exitFailure;
 }
 
 int ParametersCommand(const COptions& options, SStreams streams) {
@@ -30,6 +40,7 @@ int ParametersCommand(const COptions& options, SStreams streams) {
     std::error_code error;
     const auto target = std::filesystem::absolute(FromText(arguments[1]), error);
     const auto& parameters = *session.GetDocument().GetProject()->simulationParameters;
+    if (!Check(parameters, streams.error)) return exitFailure;
     if (Persistance_Parametres::WriteParameterFile(target, parameters)) return exitSuccess;
     return Fail(arguments[1], textNotWritten, streams);
 }

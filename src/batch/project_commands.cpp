@@ -56,6 +56,8 @@ std::vector<ESensorKind> ParseKinds(std::string_view text) {
 void AddSensors(CTrvSimulationParameters& parameters, ESensorKind kind) {
     for (const auto& channel : parameters.mainInputFile->channels) {
         if (channel->sensorClass != GetSensorKind(kind).className) continue;
+        const auto uses = [&channel](const auto& sensor) { return sensor->channel == channel.get(); };
+        if (std::any_of(parameters.sensors.begin(), parameters.sensors.end(), uses)) continue;
         if (CTrvSensor* sensor = parameters.AddSensor(kind)) sensor->channel = channel.get();
     }
 }
@@ -133,6 +135,9 @@ int RunCommand(const COptions& options, SStreams streams) {
         if (signals.Take()) document.StopSimulation();
     }
     host.GetQueue().RunPending();
+    // An engine that was stopped or has died leaves a result that ends early: no success for a script.
+    if (!host.HasFailed() && !host.IsRunComplete())
+        return Fail(options.GetArguments()[0], textRunIncomplete, streams);
     return host.HasFailed() ? exitFailure : exitSuccess;
 }
 

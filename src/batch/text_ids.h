@@ -13,7 +13,8 @@ enum ETextId : int {
     textChannelEmpty = 10506,
     textTimeOutside = 10507,
     textExistsAlready = 10508,
-    textNotWritten = 10509
+    textNotWritten = 10509,
+    textRunIncomplete = 10510
 };
 
 } // namespace Batch

@@ -80,6 +80,12 @@ TEST_F(ProjectCommands, ImportsTheConfigurationOfTheIns) {
         << m_error;
     ASSERT_EQ(Run({"describe", Path("i.tarprj")}), 0);
     EXPECT_THAT(m_out, HasSubstr("roughMisalignment: 4\n"));
+    // Sensors that the configuration brought keep their channels for themselves.
+    std::ofstream(Path("ins.txt"), std::ios::app) << "[Gps]\nPort=1\n";
+    ASSERT_EQ(Run({"create", Path("m.tarin"), Path("g.tarprj"), "--add", "gps", "--ins-configuration",
+                   Path("ins.txt")}),
+              0);
+    EXPECT_EQ(Run({"check", Path("g.tarprj")}), 0) << m_out;
     std::ofstream(Path("bad.txt")) << "[System]\nbias=none\n";
     EXPECT_EQ(Run({"create", Path("m.tarin"), Path("b.tarprj"), "--ins-configuration", Path("bad.txt")}), 1);
     EXPECT_EQ(Run({"create", Path("m.tarin"), Path("b.tarprj"), "--ins-configuration", Path("gone.txt")}), 1);
