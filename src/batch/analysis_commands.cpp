@@ -159,7 +159,7 @@ int AnalyseCommand(const COptions& options, SStreams streams) {
                     << '\n';
     }
     CTrvAdaptors adaptors;
-    adaptors.Configure(CSession(streams).GetConfiguration());
+    ConfigureAdaptors(adaptors);
     if (open.kind == EFileKind::tarin) PrintFirstData(FromText(path), adaptors, streams);
     streams.out << damage.str();
     return exitSuccess;
@@ -168,7 +168,7 @@ int AnalyseCommand(const COptions& options, SStreams streams) {
 int DetectCommand(const COptions& options, SStreams streams) {
     const std::string& path = options.GetArguments()[0];
     CTrvAdaptors adaptors;
-    adaptors.Configure(CSession(streams).GetConfiguration());
+    ConfigureAdaptors(adaptors);
     int code = formatUnknown;
     if (!DetectFileFormat(FromText(path), code, adaptors.GetDateTime()))
         return Fail(path, textNoSuchFile, streams);

@@ -5,13 +5,21 @@
 
 namespace Batch {
 
-CSession::CSession(SStreams streams)
-    : m_host(streams), m_document(m_host, m_host.GetQueue(), m_configuration) {
-    // The settings are those of the application, which stands in the same folder; without its file the
-    // defaults hold.
+void LoadSettings(Outils_Configuration::CTrvCnfConfigFile& configuration) {
     const auto program = Outils_Fichiers::GetExecutablePath();
     if (program.empty()) return;
-    static_cast<void>(m_configuration.Load(program.parent_path() / "VarneNav.conf.xml"));
+    static_cast<void>(configuration.Load(program.parent_path() / "VarneNav.conf.xml"));
+}
+
+void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors) {
+    Outils_Configuration::CTrvCnfConfigFile configuration;
+    LoadSettings(configuration);
+    adaptors.Configure(configuration);
+}
+
+CSession::CSession(SStreams streams)
+    : m_host(streams), m_document(m_host, m_host.GetQueue(), m_configuration) {
+    LoadSettings(m_configuration);
 }
 
 bool CSession::Open(const std::string& path) {

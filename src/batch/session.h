@@ -4,8 +4,14 @@
 #include "batch/batch_host.h"
 #include "config/config_file.h"
 #include "document/document.h"
+#include "values/adaptors.h"
 
 namespace Batch {
+
+// The settings of the application, which stands in the same folder; without its file the defaults hold.
+void LoadSettings(Outils_Configuration::CTrvCnfConfigFile& configuration);
+// Sets adaptors up from those settings, for commands that need no document.
+void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors);
 
 class CSession {
   public:
