@@ -32,6 +32,17 @@ inline std::vector<std::uint8_t> Store(const Outils_Objets::CObject& object) {
     return stream.GetBytes();
 }
 
+// The object as it is once the present version has stored it: the older versions did not resolve relative
+// paths, so such a path finds its folder only when it is read back. Null as for TryLoad.
+template <class T>
+std::unique_ptr<T> LoadRaised(Bytes bytes) {
+    const auto old = TryLoad<T>(bytes);
+    if (!old) return nullptr;
+    auto raised = TryLoad<T>(Store(*old));
+    Require(raised != nullptr, "an object of any version can be raised to the present one");
+    return raised;
+}
+
 // What was loaded can be stored, and what was stored loads as the same.
 template <class T>
 void CheckRoundTrip(const T& loaded) {

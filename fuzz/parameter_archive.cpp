@@ -5,7 +5,7 @@
 #include "model/simulation_parameters.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto parameters = Fuzz::TryLoad<Metier_Tarvel::CTrvSimulationParameters>({data, size});
+    const auto parameters = Fuzz::LoadRaised<Metier_Tarvel::CTrvSimulationParameters>({data, size});
     if (!parameters) return 0;
     Fuzz::CheckRoundTrip(*parameters);
 

@@ -5,7 +5,7 @@
 #include "model/rules/rule.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const auto project = Fuzz::TryLoad<Metier_Tarvel::CTrvProject>({data, size});
+    const auto project = Fuzz::LoadRaised<Metier_Tarvel::CTrvProject>({data, size});
     if (!project) return 0;
     Fuzz::CheckRoundTrip(*project);
 
