@@ -50,6 +50,7 @@ bool CBlockReader::Open(const std::filesystem::path& path) {
         return false;
     }
     m_handle = handle;
+    m_sizeAtOpen = status.st_size;
     posix_fadvise(handle, 0, 0, POSIX_FADV_RANDOM);
     return true;
 }
@@ -65,6 +66,13 @@ void CBlockReader::Close() {
 std::int64_t CBlockReader::GetFileSize() const {
     struct stat status {};
     return m_handle >= 0 && fstat(m_handle, &status) == 0 ? status.st_size : 0;
+}
+
+bool CBlockReader::IsAt(const std::filesystem::path& path) const {
+    struct stat mine {
+    }, named{};
+    return m_handle >= 0 && fstat(m_handle, &mine) == 0 && stat(path.c_str(), &named) == 0 &&
+           mine.st_dev == named.st_dev && mine.st_ino == named.st_ino && mine.st_size >= m_sizeAtOpen;
 }
 
 std::size_t CBlockReader::Read(void* buffer, std::size_t size) {
@@ -99,6 +107,7 @@ void CBlockReader::Forget() {
 
 bool CBlockReader::Load(std::int64_t offset, std::size_t size) {
     if (m_handle < 0 || offset < 0 || offset > kLargestOffset || size > kLargestView) return false;
+    if (IsInterrupted()) return false;
     const std::int64_t end = offset + static_cast<std::int64_t>(size);
     const bool forward = offset >= m_begin && offset <= m_end + kNear;
     const bool backward = offset < m_begin && end >= m_begin - kNear;

@@ -9,6 +9,8 @@
 // thread-safe.
 #pragma once
 
+#include "foundation/thread.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -34,6 +36,14 @@ class CBlockReader {
     bool IsOpen() const { return m_handle >= 0; }
     // 0 on failure.
     std::int64_t GetFileSize() const;
+    // Whether the open file is still the one of this path, and has not lost any of what it had when it was
+    // opened.
+    bool IsAt(const std::filesystem::path& path) const;
+
+    // While the event is set, the window does not move: every walk and search ends as at the end of the file.
+    // Null for none; the event must outlive its use.
+    void SetInterrupt(const Outils::CEvent* interrupt) { m_interrupt = interrupt; }
+    bool IsInterrupted() const { return m_interrupt && m_interrupt->IsSet(); }
 
     std::int64_t GetPosition() const { return m_position; }
     // False while closed and for an offset out of range; beyond the end of the file is allowed.
@@ -77,7 +87,9 @@ class CBlockReader {
     void ChooseBlock(bool goesOn);
     bool Reserve(std::size_t length, std::int64_t end);
 
+    const Outils::CEvent* m_interrupt = nullptr;
     int m_handle = -1;
+    std::int64_t m_sizeAtOpen = 0;
     std::int64_t m_position = 0;
     std::int64_t m_begin = 0; // the window in the file
     std::int64_t m_end = 0;

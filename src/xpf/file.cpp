@@ -43,6 +43,10 @@ CXpfFilePosition CXpfFile::GetDataStart() {
 
 std::int64_t CXpfFile::GetFileSize() const { return m_reader->GetFileSize(); }
 
+bool CXpfFile::IsAt(const std::filesystem::path& path) const { return m_reader->IsAt(path); }
+
+void CXpfFile::SetInterrupt(const Outils::CEvent* interrupt) { m_reader->SetInterrupt(interrupt); }
+
 std::int64_t CXpfFile::GetPosition() const { return m_reader->GetPosition(); }
 
 bool CXpfFile::Seek(std::int64_t offset) { return m_reader->Seek(offset); }

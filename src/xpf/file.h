@@ -19,6 +19,10 @@
 #include <string_view>
 #include <vector>
 
+namespace Outils {
+class CEvent;
+}
+
 namespace Persistance_Xpf {
 
 class CBlockReader; // block_reader.h: page-aligned blocks under the file pointer
@@ -51,6 +55,14 @@ class CXpfFile {
     CXpfFilePosition GetDataStart();
     // Size now; 0 on failure. The file pointer stays.
     std::int64_t GetFileSize() const;
+    // False once another file stands under this path, or none, or the file was cut since it was opened: what
+    // was read may then be of a recording that is no more.
+    bool IsAt(const std::filesystem::path& path) const;
+
+    // While the event is set, operations fail as at the end of the file as soon as they would have to read:
+    // that ends also a search through gigabytes, which finds nothing to report meanwhile. Null for none; the
+    // event must outlive its use.
+    void SetInterrupt(const Outils::CEvent* interrupt);
     // The file pointer; 0 while closed.
     std::int64_t GetPosition() const;
 

@@ -23,7 +23,7 @@ bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
         const std::int64_t length = std::min(chunkEnd, kChunkSize);
         const std::int64_t chunkStart = chunkEnd - length;
         if (length < 2) break;
-        if (!m_reader->Seek(chunkStart)) break;
+        if (!m_reader->Seek(chunkStart) || m_reader->IsInterrupted()) break;
         // Less than asked for only when the file shrinks meanwhile.
         const auto count = static_cast<std::int64_t>(m_reader->Read(chunk, static_cast<std::size_t>(length)));
         if (count < length) afterDollar = false;

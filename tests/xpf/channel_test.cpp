@@ -1,3 +1,4 @@
+#include "foundation/thread.h"
 #include "packet_file_builder.h"
 #include "xpf/table_file.h"
 
@@ -208,6 +209,27 @@ TEST_F(Channel, FindsTheLastPacketOfAGrowingFile) {
     EXPECT_FALSE(imu.SeekLastPacket(&header)) << "a given position is tested";
     imu.SetLast(builder.dataStart + 1);
     EXPECT_FALSE(imu.SeekLastPacket(&header));
+}
+
+// Searches that would go through the whole file end when their reader has lost interest, and no result is
+// mistaken for one.
+TEST_F(Channel, ReadsNothingWhileInterrupted) {
+    auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
+    for (int i = 0; i < 5; ++i) builder.Add(kImu, Bytes(40, 7));
+    builder.bytes.resize(builder.bytes.size() + 5'000'000);
+    Save(builder.bytes);
+    const auto file = Open();
+    CXpfChannel& imu = *file->FindChannelByNumber(kImu);
+    Outils::CEvent interrupt;
+    file->SetInterrupt(&interrupt);
+    interrupt.Set();
+    SPacketHeader header;
+    EXPECT_FALSE(imu.SeekLastPacket(&header));
+    EXPECT_FALSE(file->Seek(file->GetFileSize()) && file->SearchPacketBackward(header));
+    EXPECT_FALSE(file->FindChannelByNumber(kUtc)->SeekFirstPacket(&header));
+    interrupt.Reset();
+    ASSERT_TRUE(imu.SeekLastPacket(&header));
+    EXPECT_EQ(header.number, 4u);
 }
 
 } // namespace
