@@ -1,8 +1,23 @@
 #include "dataaccess/async_query.h"
 
 #include <algorithm>
+#include <new>
+#include <utility>
 
 namespace Application_Tarvel {
+
+namespace {
+
+// A result too big for the memory fails its query and nothing else.
+bool Execute(CAsyncQuery& query, bool& cancelled) {
+    try {
+        return query.Execute(cancelled);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+} // namespace
 
 void CAsyncQueryLoaderThread::Run() {
     for (;;) {
@@ -20,17 +35,28 @@ void CAsyncQueryLoaderThread::Run() {
         }
         query->m_state = CAsyncQuery::running;
         bool cancelled = false;
-        const bool success = query->Execute(cancelled);
+        const bool success = Execute(*query, cancelled);
         {
             const std::lock_guard lock(m_mutex);
             m_current.reset();
         }
         query->m_state = cancelled ? CAsyncQuery::cancelled : CAsyncQuery::finished;
+        // Moved, so that the last hold on a query, and on what it captures, is let go on the UI thread.
         if (cancelled)
-            m_port.Post([query] { query->OnCancelled(); });
+            m_port.Post([query = std::move(query)] { query->OnCancelled(); });
         else
-            m_port.Post([query, success] { query->OnFinished(success); });
+            m_port.Post([query = std::move(query), success] { query->OnFinished(success); });
     }
+}
+
+void CAsyncQueryLoaderThread::FailQueued() {
+    const std::lock_guard lock(m_mutex);
+    m_serving = false;
+    for (const auto& query : m_queue) {
+        query->m_state = CAsyncQuery::finished;
+        m_port.Post([query] { query->OnFinished(false); });
+    }
+    m_queue.clear();
 }
 
 void CAsyncQueryLoaderThread::RequestStop() {
@@ -55,7 +81,7 @@ void CAsyncQueryManager::Submit(const std::shared_ptr<CAsyncQuery>& query) {
     if (!start) return;
     // A former run of the thread has left its loop for good and is at most on its last instructions.
     m_loader.Join();
-    m_loader.Start();
+    if (!m_loader.Start()) m_loader.FailQueued();
 }
 
 bool CAsyncQueryManager::Cancel(const std::shared_ptr<CAsyncQuery>& query) {

@@ -21,8 +21,8 @@ class CAsyncQuery {
     // Thread-safe.
     EState GetState() const { return m_state.load(std::memory_order_acquire); }
 
-    // The work, on the loader thread. Sets `wasCancelled` if it gave up on request; true on success. May not
-    // throw.
+    // The work, on the loader thread. Sets `wasCancelled` if it gave up on request; true on success. Of all
+    // exceptions only std::bad_alloc may leave it, and counts as failure.
     virtual bool Execute(bool& wasCancelled) = 0;
     // Makes a running Execute stop soon. Called from the owner's thread, while Execute may run.
     virtual void RequestCancel() {}
@@ -51,6 +51,9 @@ class CAsyncQueryLoaderThread : public Outils::CThread {
 
   private:
     friend class CAsyncQueryManager;
+
+    // For a system that has no thread left to give: better a failure now than an answer that never comes.
+    void FailQueued();
 
     Outils::CMessagePort& m_port;
     std::mutex m_mutex; // guards what follows

@@ -3,7 +3,7 @@
 #include "xpf/table_file.h"
 #include "xpf/tarin_layouts.h"
 
-#include <cmath>
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
@@ -40,6 +40,7 @@ struct SUtcFields {
 
 constexpr std::uint32_t kGpsPacketSize = kGpsLayout.payloadSize + kPacketOverhead;
 constexpr std::uint32_t kUtcPacketSize = kUtcLayout.payloadSize + kPacketOverhead;
+constexpr std::uint32_t kMostDecoded = std::max(kGpsLayout.payloadSize, kUtcLayout.payloadSize); // bytes
 
 } // namespace
 
@@ -79,10 +80,28 @@ void CTrvDataFileAnalyzerThread::Scan() {
     if (!start.IsKnown() || !file->Seek(start.Get())) return;
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
-    while (!m_stop.IsSet() && file->ReadPacket(header, payload) == EPacketRead::whole) {
-        if (!ProcessPacket(*file, header, payload)) break;
+    while (!m_stop.IsSet()) {
+        if (file->ReadPacket(header, payload) != EPacketRead::whole) return LookAtUnchecked(*file);
+        if (!ProcessPacket(*file, header, payload)) return;
         m_resume = file->GetPosition();
     }
+}
+
+// What a packet says counts as soon as its payload is there. Its trailer only decides whether the scan goes
+// on behind it: without a fitting one the next run begins with this packet again.
+void CTrvDataFileAnalyzerThread::LookAtUnchecked(CXpfFile& file) {
+    const std::int64_t position = file.GetPosition();
+    SPacketHeader header;
+    std::uint8_t payload[kMostDecoded];
+    if (file.Read(&header, sizeof header) != sizeof header || !header.Check()) return;
+    const std::size_t size = std::min<std::size_t>(header.GetPayloadSize(), sizeof payload);
+    if (position + header.size - kPacketTrailerSize <= file.GetFileSize() && file.Read(payload, size) == size)
+        ProcessPacket(file, header, {payload, size});
+}
+
+bool CTrvDataFileAnalyzerThread::IsScanning() {
+    const std::lock_guard lock(m_startMutex);
+    return m_scanning;
 }
 
 std::unique_ptr<CXpfFile> CTrvDataFileAnalyzerThread::OpenDataFile(const std::filesystem::path& path) {
@@ -100,18 +119,15 @@ bool CTrvDataFileAnalyzerThread::ProcessPacket(CXpfFile&, const SPacketHeader& h
 
 SFirstData CTrvTarinDataFileAnalyzerThread::WaitForFirstData(std::chrono::milliseconds timeout) {
     std::unique_lock lock(m_mutex);
-    m_firstData.wait_for(lock, timeout, [this] { return m_ended || (m_data.hasUtc && m_data.hasPosition); });
+    // Nothing else restarts a scan, so that one that has ended is not worth the rest of the time.
+    m_firstData.wait_for(lock, timeout,
+                         [this] { return (m_data.hasUtc && m_data.hasPosition) || !IsScanning(); });
     return m_data;
 }
 
 void CTrvTarinDataFileAnalyzerThread::Run() {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_ended = false;
-    }
     CTrvDataFileAnalyzerThread::Run();
     const std::lock_guard lock(m_mutex);
-    m_ended = true;
     m_firstData.notify_all();
 }
 

@@ -43,19 +43,23 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
     void Run() override;
     void RequestStop() override { m_stop.Set(); }
 
+    // Any thread: from Start on until nothing more will come.
+    bool IsScanning();
+
     // The opened file, or null to end the run.
     virtual std::unique_ptr<Persistance_Xpf::CXpfFile> OpenDataFile(const std::filesystem::path& path);
-    // False ends the scan.
+    // False ends the scan. The payload is whole, or its first bytes as far as any decoded packet reaches.
     virtual bool ProcessPacket(Persistance_Xpf::CXpfFile& file, const Persistance_Xpf::SPacketHeader& header,
                                std::span<const std::uint8_t> payload);
 
   private:
+    void Scan();
+    void LookAtUnchecked(Persistance_Xpf::CXpfFile& file);
+
     std::filesystem::path m_path;
     Outils::CMessagePort& m_port;
     OnChannel m_onChannel;
     Outils::CEvent m_stop;
-    void Scan();
-
     std::bitset<65536> m_reported;
     Persistance_Xpf::CXpfFilePosition m_resume;
 
@@ -98,10 +102,9 @@ class CTrvTarinDataFileAnalyzerThread : public CTrvDataFileAnalyzerThread {
     bool m_utcSeen = false; // copies for the thread itself, so that a packet costs no lock
     bool m_positionSeen = false;
 
-    std::mutex m_mutex; // guards what follows
-    std::condition_variable m_firstData;
+    std::mutex m_mutex;                  // guards what follows
+    std::condition_variable m_firstData; // new data, or the end of a scan
     SFirstData m_data;
-    bool m_ended = false;
 };
 
 // The UTC origin of a recording, searched in its first `maxPacketCount` packets on the caller's thread;

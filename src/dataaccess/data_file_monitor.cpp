@@ -8,10 +8,9 @@ namespace {
 
 std::optional<std::uint64_t> GetSize(const std::filesystem::path& path) {
     std::error_code error;
-    const auto size = std::filesystem::is_regular_file(path, error) ? std::filesystem::file_size(path, error)
-                                                                    : static_cast<std::uintmax_t>(-1);
-    if (error || size == static_cast<std::uintmax_t>(-1)) return std::nullopt;
-    return size;
+    if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
+    const auto size = std::filesystem::file_size(path, error);
+    return error ? std::nullopt : std::optional<std::uint64_t>(size);
 }
 
 } // namespace
@@ -55,7 +54,7 @@ void CTrvDataFileMonitorThread::RequestStop() {
 }
 
 void CTrvDataFileMonitorThread::Run() {
-    auto nextPoll = std::chrono::steady_clock::now();
+    auto nextPoll = std::chrono::steady_clock::now() + m_period;
     for (;;) {
         {
             std::unique_lock lock(m_mutex);

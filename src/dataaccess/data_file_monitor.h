@@ -1,4 +1,5 @@
-// Polls the sizes of data files and tells when one appears, grows, shrinks or goes away.
+// Polls the sizes of data files and tells when one appears, grows, shrinks or goes away. Only a regular file
+// counts as one: a folder, a FIFO or a device of that name does not, and nothing is opened.
 #pragma once
 
 #include "foundation/message_target.h"
@@ -36,13 +37,14 @@ class CTrvDataFileMonitorThread : public Outils::CThread {
     // Runs on the UI thread.
     using OnChange = std::function<void(EFileChange change, FileKey file)>;
 
-    // `port` must outlive the thread. `period` is the time between two polls.
+    // `port` must outlive the thread. `period` is the time before the first poll and between two polls.
     CTrvDataFileMonitorThread(Outils::CMessagePort& port, OnChange onChange,
                               std::chrono::milliseconds period = std::chrono::seconds(2))
         : m_port(port), m_onChange(std::move(onChange)), m_period(period) {}
     ~CTrvDataFileMonitorThread() override { Kill(); }
 
-    // Adds a file and starts the thread if need be; a file that is watched already changes nothing.
+    // Adds a file and starts the thread if need be; a file that is watched already changes nothing. One that
+    // exists is told as appeared by the next poll.
     void Watch(FileKey file, std::filesystem::path path);
     void Unwatch(FileKey file);
 

@@ -2,6 +2,7 @@
 
 #include "dataaccess/packet_extremes.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -17,8 +18,23 @@ bool CTrvDataQuery::Execute(bool& wasCancelled) {
     if (!channel) return false;
     auto packet = channel->CreatePacket();
     if (!packet || !packet->HasDate()) return false;
-    return Search(*channel, std::unique_ptr<CXpfDatedPacket>(static_cast<CXpfDatedPacket*>(packet.release())),
-                  wasCancelled);
+    // One read may have to search the whole file; it is to end with the query.
+    file->SetInterrupt(&m_cancel);
+    const bool success =
+        Search(*channel, std::unique_ptr<CXpfDatedPacket>(static_cast<CXpfDatedPacket*>(packet.release())),
+               wasCancelled);
+    if (!success && m_cancel.IsSet()) wasCancelled = true;
+    ForgetReplaced(*file);
+    return success;
+}
+
+// A file that was replaced while it was read has left things in the cache that are not true of the new one,
+// perhaps after the owner of the cache had them removed.
+void CTrvDataQuery::ForgetReplaced(const CXpfFile& file) const {
+    if (!m_address.cache || file.IsAt(m_address.path)) return;
+    m_address.cache->InvalidateFirst(m_address.path);
+    m_address.cache->InvalidateLast(m_address.path);
+    m_address.cache->InvalidateDates(m_address.path);
 }
 
 bool CTrvViewValueDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet,
@@ -134,6 +150,16 @@ class CSliceCollector {
     std::uint64_t m_distance = 0; // of the representative's date to the centre
 };
 
+// In time order a window cannot have more slices than fit into it. Dates that jump back begin slices anew,
+// and in a damaged file each packet could: the memory for that is limited.
+std::size_t FindMostSlices(const SWindow& window) {
+    constexpr std::size_t kJumps = 1 << 16;
+    std::int64_t length = 0;
+    if (__builtin_sub_overflow(window.end.GetTicks(), window.start.GetTicks(), &length))
+        length = std::numeric_limits<std::int64_t>::max();
+    return static_cast<std::size_t>(std::max<std::int64_t>(length, 0) / window.slice.GetTicks()) + kJumps;
+}
+
 // The payload of each packet of a walk: in place in the reader's block when the packet has the size of its
 // type, as nearly all have; else copied as CXpfChannel::ReadNextPacket does.
 class CPayloadWalk {
@@ -149,6 +175,7 @@ class CPayloadWalk {
         if (const std::uint8_t* payload = m_channel.ViewNextPacket(m_size)) return payload;
         std::uint32_t sizeRead = 0;
         std::uint8_t* payload = m_copy.data() + kPacketHeaderSize;
+        std::memset(payload, 0, m_size); // what a short packet does not fill
         return m_channel.ReadNextPacket(sizeRead, nullptr, payload, m_size) ? payload : nullptr;
     }
 
@@ -188,13 +215,16 @@ bool CTrvView1DDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDated
     SReducedSeries series;
     CSliceCollector collector(m_window, channel, packet->GetPayloadSize(), series);
     CPayloadWalk walk(channel, packet->GetPayloadSize());
+    const std::size_t mostSlices = FindMostSlices(m_window);
     for (;;) {
+        const std::uint8_t* payload = walk.Next([&collector] { collector.Settle(); });
+        // Asked behind the read: one that was interrupted is no end of the file.
         if (m_cancel.IsSet()) {
             wasCancelled = true;
             return false;
         }
-        const std::uint8_t* payload = walk.Next([&collector] { collector.Settle(); });
         if (!payload || collector.Add(payload) >= m_window.end.GetTicks()) break;
+        if (series.representatives.size() > mostSlices) break;
     }
     // The end of the file closes the slice at hand as the window's end does.
     collector.Flush();

@@ -43,7 +43,8 @@ class CTrvDataQuery : public CAsyncQuery {
     void RequestCancel() override { m_cancel.Set(); }
 
   protected:
-    // The search of the kind, on the loader thread. `packet` is a new packet of the channel's type.
+    // The search of the kind, on the loader thread. `packet` is a new packet of the channel's type. Once the
+    // query is cancelled every read fails; false counts as cancelled then.
     virtual bool Search(Persistance_Xpf::CXpfChannel& channel,
                         std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) = 0;
 
@@ -54,6 +55,8 @@ class CTrvDataQuery : public CAsyncQuery {
     Outils::CEvent m_cancel;
 
   private:
+    void ForgetReplaced(const Persistance_Xpf::CXpfFile& file) const;
+
     SChannelAddress m_address;
 };
 

@@ -1,5 +1,6 @@
 #include "dataaccess/view_queries.h"
 
+#include "dataaccess/plain_pass.h"
 #include "dataaccess/test_recording.h"
 
 #include <gtest/gtest.h>
@@ -8,28 +9,15 @@
 #include <cmath>
 #include <optional>
 #include <random>
+#include <utility>
 
 using namespace Application_Tarvel;
 using namespace Persistance_Xpf;
+using test::SampleOf;
 using test::Seconds;
+using test::SSample;
 
 namespace {
-
-struct SSample {
-    std::int64_t ticks;
-    float depth;
-    std::uint8_t rejection;
-};
-
-SSample SampleOf(const CXpfPacket& packet) {
-    SSample sample{};
-    CDateTimeSpan date;
-    EXPECT_TRUE(packet.GetDate(0, date));
-    sample.ticks = date.GetTicks();
-    EXPECT_TRUE(packet.GetFloat(3, sample.depth));
-    EXPECT_TRUE(packet.GetUInt8(2, sample.rejection));
-    return sample;
-}
 
 // A depth channel with a pause and an uneven rate beside a second channel, and the plain truth of it.
 class ViewQueries : public testing::Test {
@@ -49,8 +37,8 @@ class ViewQueries : public testing::Test {
         m_recording.Flush();
     }
 
-    SChannelAddress Address(std::uint16_t channel = test::kDepthNumber) const {
-        return {m_recording.GetPath(), EFileKind::tarin, channel};
+    SChannelAddress Address(std::uint16_t channel = test::kDepthNumber) {
+        return {m_recording.GetPath(), EFileKind::tarin, channel, m_usesCache ? &m_cache : nullptr};
     }
 
     std::optional<SSample> ValueAt(std::int64_t ticks) {
@@ -69,32 +57,8 @@ class ViewQueries : public testing::Test {
                                   });
     }
 
-    // The slices of a window by a plain pass over the truth.
-    std::vector<std::array<SSample, 3>> ReduceTruth(std::int64_t start, std::int64_t end,
-                                                    std::int64_t slice) const {
-        std::vector<std::array<SSample, 3>> slices;
-        if (start > m_truth.back().ticks || end < m_truth.front().ticks) return slices;
-        auto first = std::upper_bound(m_truth.begin(), m_truth.end(), start,
-                                      [](std::int64_t ticks, const SSample& s) { return ticks < s.ticks; });
-        if (first != m_truth.begin()) --first;
-        std::int64_t index = -1;
-        for (auto sample = first; sample != m_truth.end(); ++sample) {
-            const std::int64_t here = std::max<std::int64_t>(0, sample->ticks - start) / slice;
-            const std::int64_t centre = start + here * slice + slice / 2;
-            if (here != index) slices.push_back({*sample, *sample, *sample});
-            index = here;
-            auto& [representative, low, high] = slices.back();
-            if (std::abs(sample->ticks - centre) < std::abs(representative.ticks - centre))
-                representative = *sample;
-            low.depth = std::min(low.depth, sample->depth);
-            high.depth = std::max(high.depth, sample->depth);
-            low.rejection = std::min(low.rejection, sample->rejection);
-            high.rejection = std::max(high.rejection, sample->rejection);
-            if (sample->ticks >= end) break;
-        }
-        return slices;
-    }
-
+    CXpfFileCache m_cache;
+    bool m_usesCache = false;
     test::CTemporaryFolder m_folder;
     test::CTestRecording m_recording;
     std::vector<SSample> m_truth;
@@ -137,7 +101,7 @@ TEST_F(ViewQueries, WindowsAgreeWithAPlainPass) {
         bool cancelled = false;
         ASSERT_TRUE(query.Execute(cancelled));
         const SReducedSeries series = query.TakeSeries();
-        const auto truth = ReduceTruth(start, end, slice);
+        const auto truth = test::ReducePlainly(m_truth, start, end, slice);
         ASSERT_EQ(series.representatives.size(), truth.size()) << start << " to " << end << " by " << slice;
         ASSERT_EQ(series.minima.size(), truth.size());
         ASSERT_EQ(series.maxima.size(), truth.size());
@@ -172,11 +136,136 @@ TEST_F(ViewQueries, OddRequests) {
     EXPECT_FALSE(noFile.Execute(cancelled));
     EXPECT_FALSE(cancelled);
 
+    // A search that finds nothing gives up as well.
+    silentChannel.RequestCancel();
+    EXPECT_FALSE(silentChannel.Execute(cancelled));
+    EXPECT_TRUE(std::exchange(cancelled, false));
     CTrvView1DDataQuery given(Address(), whole, nullptr);
     given.RequestCancel();
     given.Execute(cancelled);
     EXPECT_TRUE(cancelled);
     EXPECT_TRUE(given.TakeSeries().representatives.empty());
+}
+
+// A moment that the cache knows to the tick is answered by the nearer end of the data, and a window that
+// starts there is walked from the first packet on.
+TEST_F(ViewQueries, ExactHitsInTheCacheLeadToTheEnds) {
+    m_usesCache = true;
+    const auto window = [this](std::int64_t start) {
+        const SWindow asked{CDateTimeSpan(start), CDateTimeSpan(start + 30'000'000),
+                            CDateTimeSpan(1'000'000)};
+        CTrvView1DDataQuery query(Address(), asked, nullptr);
+        bool cancelled = false;
+        EXPECT_TRUE(query.Execute(cancelled));
+        std::vector<std::int64_t> ticks;
+        for (const auto& packet : query.TakeSeries().representatives)
+            ticks.push_back(SampleOf(*packet).ticks);
+        return ticks;
+    };
+    const auto truth = [this](std::int64_t start, test::EPassFrom from) {
+        std::vector<std::int64_t> ticks;
+        for (const auto& slice : test::ReducePlainly(m_truth, start, start + 30'000'000, 1'000'000, from))
+            ticks.push_back(slice[0].ticks);
+        return ticks;
+    };
+    std::mt19937 random(8);
+    for (int i = 0; i < 20; ++i) {
+        const std::int64_t start = m_truth[1 + random() % 2990].ticks + 1;
+        EXPECT_EQ(window(start), truth(start, test::EPassFrom::start));
+    }
+    int hits = 0;
+    for (const SSample& sample : m_truth) {
+        std::uint32_t number = 0;
+        SDateSamples samples;
+        if (!m_cache.FindDate(m_recording.GetPath(), test::kDepthNumber, CDateTimeSpan(sample.ticks), number,
+                              samples))
+            continue;
+        ++hits;
+        const std::int64_t first = m_truth.front().ticks, last = m_truth.back().ticks;
+        EXPECT_EQ(ValueAt(sample.ticks)->ticks, sample.ticks - first <= last - sample.ticks ? first : last);
+        EXPECT_EQ(window(sample.ticks), truth(sample.ticks, test::EPassFrom::firstSample));
+    }
+    EXPECT_GT(hits, 20);
+}
+
+// Short and long packets are taken as far as they go, and what one does not fill is zero.
+TEST_F(ViewQueries, PacketsOfOtherSizes) {
+    test::CTestRecording recording(m_folder / "odd.tarin");
+    const auto handle = *recording.GetWriter().FindChannel("DEPTH");
+    CXpfTarinDepthPacketV1 packet;
+    const auto write = [&](double seconds, float depth, std::size_t size) {
+        packet.SetDate(0, Seconds(seconds));
+        packet.SetFloat(3, depth);
+        std::vector<std::uint8_t> payload(packet.GetPayload(), packet.GetPayload() + packet.GetPayloadSize());
+        payload.resize(size, 0xFF);
+        EXPECT_TRUE(recording.GetWriter().WriteRaw(handle, payload));
+    };
+    const std::size_t whole = packet.GetPayloadSize();
+    write(1, 5, whole);
+    write(2, 6, whole + 9);
+    write(3, 7, sizeof(std::int64_t));
+    write(4, 8, whole);
+    recording.Flush();
+    CTrvView1DDataQuery query({recording.GetPath(), EFileKind::tarin, test::kDepthNumber},
+                              {Seconds(0), Seconds(9), Seconds(0.5)}, nullptr);
+    bool cancelled = false;
+    ASSERT_TRUE(query.Execute(cancelled));
+    const SReducedSeries series = query.TakeSeries();
+    std::vector<float> depths;
+    for (const auto& found : series.representatives) depths.push_back(SampleOf(*found).depth);
+    EXPECT_EQ(depths, (std::vector<float>{5, 6, 0, 8}));
+}
+
+// Dates that jump to and fro would make a slice of each packet.
+TEST_F(ViewQueries, JumpingDatesCostNoMemoryWithoutEnd) {
+    test::CTestRecording recording(m_folder / "jumps.tarin");
+    for (int i = 0; i < 100'000; ++i) recording.Depth(i % 2 ? 90 : 1, 0);
+    recording.Flush();
+    CTrvView1DDataQuery query({recording.GetPath(), EFileKind::tarin, test::kDepthNumber},
+                              {Seconds(0), Seconds(100), Seconds(1), false}, nullptr);
+    bool cancelled = false;
+    ASSERT_TRUE(query.Execute(cancelled));
+    EXPECT_LT(query.TakeSeries().representatives.size(), 70'000u);
+}
+
+// Searches like a window, and has the file replaced before it ends.
+class CReplacingQuery : public CTrvDataQuery {
+  public:
+    CReplacingQuery(SChannelAddress address, std::filesystem::path replacement)
+        : CTrvDataQuery(std::move(address)), m_replacement(std::move(replacement)) {}
+    void OnFinished(bool) override {}
+    void OnCancelled() override {}
+
+  protected:
+    bool Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet, bool&) override {
+        SDateBracket bracket;
+        const bool found =
+            SearchDate(channel, *packet, Seconds(9), MakeSearch(true), bracket) == EDateSearch::found;
+        if (!m_replacement.empty()) std::filesystem::rename(m_replacement, GetAddress().path);
+        return found;
+    }
+
+  private:
+    std::filesystem::path m_replacement;
+};
+
+TEST_F(ViewQueries, NothingStaysInTheCacheOfAFileThatWasReplaced) {
+    m_usesCache = true;
+    test::CTestRecording other(m_folder / "other.tarin");
+    const auto isKnown = [this] {
+        CXpfFilePosition position;
+        std::uint32_t number = 0;
+        SDateSamples samples;
+        m_cache.FindDate(m_recording.GetPath(), test::kDepthNumber, Seconds(9), number, samples);
+        return std::array{m_cache.GetFirstPosition(m_recording.GetPath(), test::kDepthNumber, position),
+                          m_cache.GetLastPosition(m_recording.GetPath(), test::kDepthNumber, position),
+                          samples.lowerDate.IsValid()};
+    };
+    bool cancelled = false;
+    EXPECT_TRUE(CReplacingQuery(Address(), {}).Execute(cancelled));
+    EXPECT_EQ(isKnown(), (std::array{true, true, true}));
+    EXPECT_TRUE(CReplacingQuery(Address(), other.GetPath()).Execute(cancelled));
+    EXPECT_EQ(isKnown(), (std::array{false, false, false}));
 }
 
 } // namespace
