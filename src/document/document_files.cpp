@@ -120,6 +120,7 @@ void CTrvDocument::SearchFirstData() {
 
 void CTrvDocument::ReadRecordingFacts() {
     auto& parameters = *m_pProject->simulationParameters;
+    parameters.ReadImuFrequency();
     parameters.nelixConfiguration->ReadCipherMode();
     GetHost().UpdateMenuForEquipment(parameters.nelixConfiguration->type->equipment);
 }

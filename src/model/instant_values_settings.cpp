@@ -13,13 +13,12 @@ namespace {
 
 template <class Value>
 Value* AddValue(std::vector<std::unique_ptr<Value>>& values, CTrvInstantValuesSettings& settings,
-                CTrvDataFile* dataFile, std::uint16_t channel, std::uint32_t field, std::string label) {
+                CTrvDataFile* dataFile, std::uint16_t channel, std::uint32_t field) {
     auto* value = AppendOwned(values, std::make_unique<Value>());
     value->settings = &settings;
     value->dataFile = dataFile;
     value->channel = channel;
     value->field = field;
-    value->label = std::move(label);
     return value;
 }
 
@@ -58,12 +57,16 @@ void CTrvInstantValuesMeasure::Serialize(CArchive& archive) {
 
 CTrvInstantValuesMeasure* CTrvInstantValuesSettings::AddMeasure(CTrvDataFile* dataFile, std::uint16_t channel,
                                                                 std::uint32_t field, std::string label) {
-    return AddValue(measures, *this, dataFile, channel, field, std::move(label));
+    auto* measure = AddValue(measures, *this, dataFile, channel, field);
+    measure->label = std::move(label);
+    return measure;
 }
 
 CTrvInstantValuesEnum* CTrvInstantValuesSettings::AddEnum(CTrvDataFile* dataFile, std::uint16_t channel,
                                                           std::uint32_t field, std::string label) {
-    return AddValue(enums, *this, dataFile, channel, field, std::move(label));
+    auto* enumeration = AddValue(enums, *this, dataFile, channel, field);
+    enumeration->label = std::move(label);
+    return enumeration;
 }
 
 bool CTrvInstantValuesSettings::RemoveMeasure(const CTrvInstantValuesMeasure* measure) {

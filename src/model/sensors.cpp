@@ -7,18 +7,6 @@ namespace Metier_Tarvel {
 
 using Outils_Objets::CSchema;
 
-namespace {
-
-// A std-dev instruction as a new sensor has it: for the whole simulation.
-template <class Instruction>
-std::unique_ptr<Instruction> MakeDefault() {
-    auto instruction = std::make_unique<Instruction>();
-    instruction->isDefault = true;
-    return instruction;
-}
-
-} // namespace
-
 void CTrvCurrentModeling::Serialize(CArchive& archive) {
     CSchema schema(archive, 1);
     CTrvObject::Serialize(archive);
@@ -28,20 +16,12 @@ void CTrvCurrentModeling::Serialize(CArchive& archive) {
 
 // --- GPS
 
-CTrvSensorGps::CTrvSensorGps(CTrvSimulationParameters* parameters) {
-    Create(parameters);
-    CreateMembers();
-}
-
-void CTrvSensorGps::CreateMembers() {
-    leverArm = std::make_unique<CLeverArm>();
-    stdDevInstruction = MakeDefault<CTrvGpsStdDevInstruction>();
-    stdDevThreshold = std::make_unique<CTrvGpsStdDevThreshold>();
-}
-
 void CTrvSensorGps::Serialize(CArchive& archive) {
     CSchema schema(archive, 3);
-    if (archive.IsLoading()) CreateMembers();
+    if (archive.IsLoading()) {
+        CreateMembers();
+        stdDevThreshold = std::make_unique<CTrvGpsStdDevThreshold>();
+    }
     CTrvSensor::Serialize(archive);
     RequiredMember(schema, leverArm);
     RequiredMember(schema.Since(2), stdDevInstruction);
@@ -61,7 +41,8 @@ void CTrvSensorDvl::CreateMembers() {
     currentModeling = std::make_unique<CTrvCurrentModeling>();
     speedBias = std::make_unique<CTrvSpeedBias>();
     for (auto* instruction : {&bottomTrackStdDevInstruction, &waterTrackStdDevInstruction}) {
-        *instruction = MakeDefault<CTrvDvlStdDevInstruction>();
+        *instruction = std::make_unique<CTrvDvlStdDevInstruction>();
+        (*instruction)->isDefault = true;
         (*instruction)->sensor = this;
     }
 }
@@ -88,24 +69,12 @@ void CTrvSensorDvl::Serialize(CArchive& archive) {
 // --- EM log, depth sensor, LBL
 
 template <class Self, ESensorKind Kind, class StdDev>
-TTrvScalarSensor<Self, Kind, StdDev>::TTrvScalarSensor(CTrvSimulationParameters* parameters) {
-    this->Create(parameters);
-    CreateMembers();
-}
-
-template <class Self, ESensorKind Kind, class StdDev>
-void TTrvScalarSensor<Self, Kind, StdDev>::CreateMembers() {
-    leverArm = std::make_unique<CLeverArm>();
-    stdDevInstruction = MakeDefault<StdDev>();
-}
-
-template <class Self, ESensorKind Kind, class StdDev>
 void TTrvScalarSensor<Self, Kind, StdDev>::Serialize(CArchive& archive) {
     CSchema schema(archive, 2);
-    if (archive.IsLoading()) CreateMembers();
+    if (archive.IsLoading()) this->CreateMembers();
     CTrvSensor::Serialize(archive);
-    RequiredMember(schema, leverArm);
-    RequiredMember(schema.Since(2), stdDevInstruction);
+    RequiredMember(schema, this->leverArm);
+    RequiredMember(schema.Since(2), this->stdDevInstruction);
 }
 
 template class TTrvScalarSensor<CTrvSensorEMLog, ESensorKind::emLog, CTrvEMLogStdDevInstruction>;
@@ -113,17 +82,6 @@ template class TTrvScalarSensor<CTrvSensorDepth, ESensorKind::depth, CTrvDepthSt
 template class TTrvScalarSensor<CTrvSensorLbl, ESensorKind::lbl, CTrvLblStdDevInstruction>;
 
 // --- USBL
-
-CTrvSensorUsbl::CTrvSensorUsbl(CTrvSimulationParameters* parameters) {
-    Create(parameters);
-    CreateMembers();
-}
-
-void CTrvSensorUsbl::CreateMembers() {
-    leverArm = std::make_unique<CLeverArm>();
-    stdDevInstruction = MakeDefault<CTrvUsblStdDevInstruction>();
-    filteringInstructions.clear();
-}
 
 CTrvHorizontalFilteringInstruction* CTrvSensorUsbl::AddFilteringInstruction() {
     auto* added = AppendOwned(filteringInstructions, std::make_unique<CTrvHorizontalFilteringInstruction>());
@@ -142,7 +100,10 @@ void CTrvSensorUsbl::Attach(CTrvSimulationParameters& parameters) {
 
 void CTrvSensorUsbl::Serialize(CArchive& archive) {
     CSchema schema(archive, 3);
-    if (archive.IsLoading()) CreateMembers();
+    if (archive.IsLoading()) {
+        CreateMembers();
+        filteringInstructions.clear();
+    }
     CTrvSensor::Serialize(archive);
     schema.Field(reserved);
     RequiredMember(schema, leverArm);
@@ -152,13 +113,6 @@ void CTrvSensorUsbl::Serialize(CArchive& archive) {
 }
 
 // --- Odometer
-
-CTrvSensorOdometer::CTrvSensorOdometer(CTrvSimulationParameters* parameters)
-    : leverArm(std::make_unique<CLeverArm>()),
-      misalignment(std::make_unique<CMisalignment>()),
-      stdDevInstruction(MakeDefault<CTrvOdometerStdDevInstruction>()) {
-    Create(parameters);
-}
 
 void CTrvSensorOdometer::Serialize(CArchive& archive) {
     CSchema schema(archive, 1);

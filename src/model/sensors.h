@@ -40,23 +40,39 @@ class TTrvSensorKind : public TRuntimeClass<Self, CTrvSensor> {
     TTrvSensorKind() = default;
 };
 
-class CTrvSensorGps : public TTrvSensorKind<CTrvSensorGps, ESensorKind::gps> {
+// The kinds that have a lever arm and one weighted measurement.
+template <class Self, ESensorKind Kind, class StdDev>
+class TTrvWeightedSensor : public TTrvSensorKind<Self, Kind> {
   public:
-    static constexpr std::string_view kClassName = "CTrvSensorGps";
-
     std::unique_ptr<CLeverArm> leverArm;
-    std::unique_ptr<CTrvGpsStdDevInstruction> stdDevInstruction;
-    std::unique_ptr<CTrvGpsStdDevThreshold> stdDevThreshold;
+    std::unique_ptr<StdDev> stdDevInstruction;
 
-    explicit CTrvSensorGps(CTrvSimulationParameters* parameters = nullptr);
     CLeverArm* GetLeverArm() override { return leverArm.get(); }
     std::array<CTrvStdDevInstruction*, 2> GetStdDevInstructions() override {
         return {stdDevInstruction.get()};
     }
-    void Serialize(CArchive& archive) override;
 
-  private:
-    void CreateMembers();
+  protected:
+    explicit TTrvWeightedSensor(CTrvSimulationParameters* parameters) {
+        this->Create(parameters);
+        CreateMembers();
+    }
+    // New ones in the place of those held, as a new sensor has them.
+    void CreateMembers() {
+        leverArm = std::make_unique<CLeverArm>();
+        stdDevInstruction = std::make_unique<StdDev>();
+        stdDevInstruction->isDefault = true;
+    }
+};
+
+class CTrvSensorGps : public TTrvWeightedSensor<CTrvSensorGps, ESensorKind::gps, CTrvGpsStdDevInstruction> {
+  public:
+    static constexpr std::string_view kClassName = "CTrvSensorGps";
+
+    std::unique_ptr<CTrvGpsStdDevThreshold> stdDevThreshold = std::make_unique<CTrvGpsStdDevThreshold>();
+
+    explicit CTrvSensorGps(CTrvSimulationParameters* parameters = nullptr) : TTrvWeightedSensor(parameters) {}
+    void Serialize(CArchive& archive) override;
 };
 
 class CTrvSensorDvl : public TTrvSensorKind<CTrvSensorDvl, ESensorKind::dvl> {
@@ -87,24 +103,15 @@ class CTrvSensorDvl : public TTrvSensorKind<CTrvSensorDvl, ESensorKind::dvl> {
     void CreateMembers();
 };
 
-// The kinds that have a lever arm and one weighted value.
+// The kinds that have nothing else.
 template <class Self, ESensorKind Kind, class StdDev>
-class TTrvScalarSensor : public TTrvSensorKind<Self, Kind> {
+class TTrvScalarSensor : public TTrvWeightedSensor<Self, Kind, StdDev> {
   public:
-    std::unique_ptr<CLeverArm> leverArm;
-    std::unique_ptr<StdDev> stdDevInstruction;
-
-    CLeverArm* GetLeverArm() override { return leverArm.get(); }
-    std::array<CTrvStdDevInstruction*, 2> GetStdDevInstructions() override {
-        return {stdDevInstruction.get()};
-    }
     void Serialize(CArchive& archive) override;
 
   protected:
-    explicit TTrvScalarSensor(CTrvSimulationParameters* parameters);
-
-  private:
-    void CreateMembers();
+    explicit TTrvScalarSensor(CTrvSimulationParameters* parameters)
+        : TTrvWeightedSensor<Self, Kind, StdDev>(parameters) {}
 };
 
 class CTrvSensorEMLog
@@ -127,51 +134,40 @@ class CTrvSensorLbl : public TTrvScalarSensor<CTrvSensorLbl, ESensorKind::lbl, C
     explicit CTrvSensorLbl(CTrvSimulationParameters* parameters = nullptr) : TTrvScalarSensor(parameters) {}
 };
 
-class CTrvSensorUsbl : public TTrvSensorKind<CTrvSensorUsbl, ESensorKind::usbl> {
+class CTrvSensorUsbl
+    : public TTrvWeightedSensor<CTrvSensorUsbl, ESensorKind::usbl, CTrvUsblStdDevInstruction> {
   public:
     static constexpr std::string_view kClassName = "CTrvSensorUsbl";
 
     std::int32_t reserved = 0; // stored and restored; nothing reads it
-    std::unique_ptr<CLeverArm> leverArm;
     std::string transponderCode;
-    std::unique_ptr<CTrvUsblStdDevInstruction> stdDevInstruction;
     std::vector<std::unique_ptr<CTrvHorizontalFilteringInstruction>> filteringInstructions;
 
-    explicit CTrvSensorUsbl(CTrvSimulationParameters* parameters = nullptr);
+    explicit CTrvSensorUsbl(CTrvSimulationParameters* parameters = nullptr)
+        : TTrvWeightedSensor(parameters) {}
     // A new instruction of threshold 0 with an empty period; owned by the sensor.
     CTrvHorizontalFilteringInstruction* AddFilteringInstruction();
     // Deletes it; false if it is not of this sensor.
     bool RemoveFilteringInstruction(const CTrvHorizontalFilteringInstruction* instruction);
 
-    CLeverArm* GetLeverArm() override { return leverArm.get(); }
-    std::array<CTrvStdDevInstruction*, 2> GetStdDevInstructions() override {
-        return {stdDevInstruction.get()};
-    }
     bool ReadFromWebConfiguration(const CInsWebConfigurationFile& file, int sensorIndex) override;
     bool ReadFromIniFile(const CIniFile& file, std::string_view section) override;
     void Attach(CTrvSimulationParameters& parameters) override;
     void Serialize(CArchive& archive) override;
-
-  private:
-    void CreateMembers();
 };
 
-class CTrvSensorOdometer : public TTrvSensorKind<CTrvSensorOdometer, ESensorKind::odometer> {
+class CTrvSensorOdometer
+    : public TTrvWeightedSensor<CTrvSensorOdometer, ESensorKind::odometer, CTrvOdometerStdDevInstruction> {
   public:
     static constexpr std::string_view kClassName = "CTrvSensorOdometer";
 
-    std::unique_ptr<CLeverArm> leverArm;
-    std::unique_ptr<CMisalignment> misalignment;
+    std::unique_ptr<CMisalignment> misalignment = std::make_unique<CMisalignment>();
     double scaleFactor = 0.0; // a fraction
-    std::unique_ptr<CTrvOdometerStdDevInstruction> stdDevInstruction;
 
-    explicit CTrvSensorOdometer(CTrvSimulationParameters* parameters = nullptr);
-    CLeverArm* GetLeverArm() override { return leverArm.get(); }
+    explicit CTrvSensorOdometer(CTrvSimulationParameters* parameters = nullptr)
+        : TTrvWeightedSensor(parameters) {}
     CMisalignment* GetMisalignment() override { return misalignment.get(); }
     double* GetScaleFactor() override { return &scaleFactor; }
-    std::array<CTrvStdDevInstruction*, 2> GetStdDevInstructions() override {
-        return {stdDevInstruction.get()};
-    }
     void Serialize(CArchive& archive) override;
 };
 

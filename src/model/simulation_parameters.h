@@ -38,7 +38,8 @@ class CTrvSimulationParameters : public TRuntimeClass<CTrvSimulationParameters, 
     std::vector<std::unique_ptr<CTrvDataFile>> externalFiles;
     std::vector<std::unique_ptr<Metier_Tarvel_Regles::CTrvRule>> rules; // always the 18, not archived
     bool hasUtcReference = false;
-    CDateTime utcReference; // the UTC date of tick 0 of the simulation time
+    CDateTime utcReference;        // the UTC date of tick 0 of the simulation time
+    std::int32_t imuFrequency = 0; // hertz, as ReadImuFrequency measured it; not archived
 
     // What an archive starts from.
     CTrvSimulationParameters();
@@ -95,9 +96,9 @@ class CTrvSimulationParameters : public TRuntimeClass<CTrvSimulationParameters, 
     bool ImportIniConfiguration(const std::filesystem::path& path);
     bool ImportWebConfiguration(const CInsWebConfigurationFile& file);
 
-    // The IMU data frequency of the main input file, in hertz: measured over its first 100 packets. True only
-    // for 200, 100, 50, 25 and 20; any other measured value is stored too, and 0 when there is none.
-    bool ReadImuFrequency(int& frequency) const;
+    // imuFrequency from the main input file: measured over at most 100 packets behind its first. True only
+    // for 200, 100, 50, 25 and 20; any other measured value is kept too, and 0 when there is none.
+    bool ReadImuFrequency();
     // Dates of the first and last IMU packets of the main input file; false when it has none.
     bool ReadTimeSpan(CDateTimeSpan& first, CDateTimeSpan& last) const;
     // Equipment code in the first IMU packet of the main input file; false when it has none.

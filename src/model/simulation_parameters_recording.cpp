@@ -8,7 +8,7 @@ namespace Metier_Tarvel {
 namespace {
 
 constexpr std::uint32_t kFrequencySpan = 100; // packets over which the frequency is measured
-constexpr int kFrequencies[] = {200, 100, 50, 25, 20};
+constexpr std::int32_t kFrequencies[] = {200, 100, 50, 25, 20};
 
 // Frames between two values of the counter, which runs through 6000 values.
 int CountFrames(std::uint16_t first, std::uint16_t last) {
@@ -20,18 +20,19 @@ int CountFrames(std::uint16_t first, std::uint16_t last) {
 
 } // namespace
 
-bool CTrvSimulationParameters::ReadImuFrequency(int& frequency) const {
-    frequency = 0;
+bool CTrvSimulationParameters::ReadImuFrequency() {
+    imuFrequency = 0;
     CImuChannel imu;
     CDateTimeSpan firstDate, lastDate;
     std::uint16_t firstCounter = 0, lastCounter = 0;
     if (!imu.Open(mainInputFile->path) || !imu.ReadFirst() || !imu.GetDate(firstDate) ||
         !imu.GetFrameCounter(firstCounter))
         return false;
-    const std::uint32_t firstNumber = imu.GetNumber();
-    do {
+    // By number, so that a gap counts as the packets that are missing in it; by packets too, so that damaged
+    // numbers that do not grow cannot lead through the whole file.
+    const std::uint64_t lastNumber = std::uint64_t{imu.GetNumber()} + kFrequencySpan;
+    for (std::uint32_t read = 0; read < kFrequencySpan && imu.GetNumber() < lastNumber; ++read)
         if (!imu.ReadNext()) return false;
-    } while (imu.GetNumber() - firstNumber < kFrequencySpan);
     if (!imu.GetDate(lastDate) || !imu.GetFrameCounter(lastCounter)) return false;
 
     const CDateTimeSpan span = lastDate - firstDate;
@@ -39,8 +40,9 @@ bool CTrvSimulationParameters::ReadImuFrequency(int& frequency) const {
     const double measured = static_cast<double>(CountFrames(firstCounter, lastCounter)) /
                                 static_cast<double>(span.GetTicks()) * Outils_Temps::kTicksPerSecond +
                             0.5;
-    frequency = static_cast<int>(std::min(measured, 2e9));
-    return std::find(std::begin(kFrequencies), std::end(kFrequencies), frequency) != std::end(kFrequencies);
+    imuFrequency = static_cast<std::int32_t>(std::min(measured, 2e9));
+    return std::find(std::begin(kFrequencies), std::end(kFrequencies), imuFrequency) !=
+           std::end(kFrequencies);
 }
 
 bool CTrvSimulationParameters::ReadTimeSpan(CDateTimeSpan& first, CDateTimeSpan& last) const {

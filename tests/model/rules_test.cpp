@@ -49,11 +49,15 @@ using Names = std::vector<std::string>;
 
 } // namespace
 
+// The whole table: in the order of checking each rule's name, a fault that it alone finds, the object that it
+// names, and what it tells the user.
 TEST_F(RulesTest, EachRuleFindsItsOwnFaultAndNoOther) {
     struct SCase {
-        const char* rule;
+        std::string name; // behind "CTrvRule"
         std::function<void()> breakIt;
         std::function<void()> mend;
+        const CObject* object;
+        std::string message;
     };
     CTrvOutputRate& rate = Valid(parameters.AddOutputRate());
     CTrvZupt& zupt = Valid(parameters.AddZupt());
@@ -63,45 +67,72 @@ TEST_F(RulesTest, EachRuleFindsItsOwnFaultAndNoOther) {
     auto& usbl = static_cast<CTrvSensorUsbl&>(*parameters.sensors[static_cast<int>(ESensorKind::usbl)]);
     CTrvHorizontalFilteringInstruction& filtering = Valid(usbl.AddFilteringInstruction());
     std::int32_t& rough = parameters.nelixConfiguration->roughMisalignment;
+    CTrvSensor* extra = nullptr;
 
-    const auto period = [](const char* rule, CTrvPeriod& p) {
-        return SCase{rule, [&p] { p.begin = p.end; }, [&p] { p.begin = CDateTime(0); }};
+    const auto period = [](const char* name, CTrvPeriod& p, std::string subject) {
+        return SCase{name, [&p] { p.begin = p.end; }, [&p] { p.begin = CDateTime(0); }, &p,
+                     subject + " end time should be strictly greater than begin time"};
     };
-    const auto stdDev = [&](const char* rule, ESensorKind kind) {
+    const auto stdDev = [&](const std::string& kindName, ESensorKind kind, const std::string& subject,
+                            int which = 0) {
         CTrvStdDevInstruction* instruction =
-            parameters.sensors[static_cast<int>(kind)]->GetStdDevInstructions()[0];
-        return SCase{rule, [=] { instruction->isDefault = false; }, [=] { instruction->isDefault = true; }};
+            parameters.sensors[static_cast<int>(kind)]->GetStdDevInstructions()[which];
+        return SCase{kindName + "StdDevInstructionPeriod", [=] { instruction->isDefault = false; },
+                     [=] { instruction->isDefault = true; }, instruction,
+                     subject + " standard deviation instruction end time should be strictly greater than "
+                               "begin time"};
     };
     const SCase cases[] = {
-        {"CTrvRuleSimulationPeriod", [&] { parameters.begin = CDateTime(2); },
-         [&] { parameters.begin = CDateTime(0); }},
-        {"CTrvRuleDefaultOutputRate", [&] { parameters.defaultOutputRate = 0; },
-         [&] { parameters.defaultOutputRate = 1e-9; }},
-        period("CTrvRuleRejectionInstructionPeriod", rejection),
-        period("CTrvRuleZuptPeriod", zupt),
-        period("CTrvRuleOutputRatePeriod", rate),
-        period("CTrvRuleAltitudeModePeriod", altitude),
-        {"CTrvRuleOutputRateValue", [&] { rate.value = -1; }, [&] { rate.value = 10; }},
-        {"CTrvRuleRoughMisalignment", [&] { rough = 24; }, [&] { rough = 23; }},
-        {"CTrvRuleRoughMisalignment", [&] { rough = -1; }, [&] { rough = 0; }},
-        stdDev("CTrvRuleDvlStdDevInstructionPeriod", ESensorKind::dvl),
-        stdDev("CTrvRuleGpsStdDevInstructionPeriod", ESensorKind::gps),
-        stdDev("CTrvRuleUsblStdDevInstructionPeriod", ESensorKind::usbl),
-        stdDev("CTrvRuleDepthStdDevInstructionPeriod", ESensorKind::depth),
-        stdDev("CTrvRuleLblStdDevInstructionPeriod", ESensorKind::lbl),
-        stdDev("CTrvRuleEMLogStdDevInstructionPeriod", ESensorKind::emLog),
-        stdDev("CTrvRuleOdometerStdDevInstructionPeriod", ESensorKind::odometer),
-        period("CTrvRuleHorizontalFilteringInstructionPeriod", filtering),
-        {"CTrvRuleHorizontalFilteringInstructionThreshold", [&] { filtering.threshold = -0.1f; },
-         [&] { filtering.threshold = 0.0f; }},
+        {"SimulationPeriod", [&] { parameters.begin = CDateTime(2); },
+         [&] { parameters.begin = CDateTime(0); }, &parameters,
+         "Simulation end time should be strictly greater than begin time"},
+        {"DefaultOutputRate", [&] { parameters.defaultOutputRate = 0; },
+         [&] { parameters.defaultOutputRate = 1e-9; }, &parameters,
+         "Default output rate value should be strictly positive"},
+        {"SensorDataFileChannel", [&] { extra->channel = parameters.sensors[0]->channel; },
+         [&] { extra->channel = nullptr; }, extra = &Add(ESensorKind::gps),
+         "Some sensors uses the same datafile channel"},
+        period("RejectionInstructionPeriod", rejection, "Rejection intruction"),
+        period("ZuptPeriod", zupt, "ZUPT"),
+        period("OutputRatePeriod", rate, "Output rate"),
+        period("AltitudeModePeriod", altitude, "Altitude mode"),
+        {"OutputRateValue", [&] { rate.value = 0; }, [&] { rate.value = 10; }, &rate,
+         "Output rate value should be strictly positive"},
+        {"RoughMisalignment", [&] { rough = 24; }, [&] { rough = 23; }, parameters.nelixConfiguration.get(),
+         "Bad rough misalignement value"},
+        {"RoughMisalignment", [&] { rough = -1; }, [&] { rough = 0; }, parameters.nelixConfiguration.get(),
+         "Bad rough misalignement value"},
+        stdDev("Dvl", ESensorKind::dvl, "DVL"),
+        stdDev("Dvl", ESensorKind::dvl, "DVL", 1),
+        stdDev("Gps", ESensorKind::gps, "GPS"),
+        stdDev("Usbl", ESensorKind::usbl, "USBL"),
+        stdDev("Depth", ESensorKind::depth, "DEPTH"),
+        stdDev("Lbl", ESensorKind::lbl, "LBL"),
+        stdDev("EMLog", ESensorKind::emLog, "EM Log"),
+        stdDev("Odometer", ESensorKind::odometer, "Odometer"),
+        period("HorizontalFilteringInstructionPeriod", filtering, "Filtering intruction"),
+        {"HorizontalFilteringInstructionThreshold", [&] { filtering.threshold = -0.1f; },
+         [&] { filtering.threshold = 0.0f; }, &filtering,
+         "Filtering intruction threshold should be positive or nul"},
     };
+    extra->channel = nullptr;
     EXPECT_EQ(Broken(), Names{});
+    Names order;
     for (const SCase& test : cases) {
         test.breakIt();
-        EXPECT_EQ(Broken(), Names{test.rule});
+        CTrvRuleReport report;
+        EXPECT_FALSE(parameters.Validate(report));
+        EXPECT_EQ(Broken(), Names{"CTrvRule" + test.name});
+        const CTrvRuleViolation& violation = report.GetViolations().front();
+        EXPECT_EQ(violation.object, test.object) << test.name;
+        EXPECT_EQ(violation.rule->GetMessage(), test.message);
         test.mend();
         EXPECT_EQ(Broken(), Names{});
+        if (order.empty() || order.back() != "CTrvRule" + test.name) order.push_back("CTrvRule" + test.name);
     }
+    Names rules;
+    for (const auto& rule : parameters.rules) rules.emplace_back(rule->GetRuntimeClass().name);
+    EXPECT_EQ(rules, order);
 }
 
 TEST_F(RulesTest, LaterSensorsOnATakenChannelAreNamed) {
@@ -113,8 +144,6 @@ TEST_F(RulesTest, LaterSensorsOnATakenChannelAreNamed) {
     ASSERT_EQ(report.GetViolations().size(), 2u);
     EXPECT_EQ(report.GetViolations().front().object, &second);
     EXPECT_EQ(report.GetViolations().back().object, &third);
-    EXPECT_EQ(report.GetViolations().front().rule->GetMessage(),
-              "Some sensors uses the same datafile channel");
     EXPECT_FALSE(report.HasViolation(CTrvRuleZuptPeriod::Class(), &second));
 }
 
@@ -126,8 +155,6 @@ TEST_F(RulesTest, AFaultDoesNotHideTheNext) {
     EXPECT_EQ(Broken(), (Names{"CTrvRuleDefaultOutputRate", "CTrvRuleZuptPeriod", "CTrvRuleZuptPeriod",
                                "CTrvRuleHorizontalFilteringInstructionPeriod",
                                "CTrvRuleHorizontalFilteringInstructionThreshold"}));
-    EXPECT_EQ(parameters.rules.back()->GetMessage(),
-              "Filtering intruction threshold should be positive or nul");
 }
 
 // A time that is not valid cannot be compared.

@@ -1,9 +1,15 @@
 #include "model/simulation_parameters.h"
+
+#include "foundation/files.h"
 #include "recording/recording_writer.h"
 #include "recording_folder.h"
 #include "xpf/packets.h"
+#include "xpf/records.h"
 
 #include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstring>
 
 using namespace Metier_Tarvel;
 using namespace Persistance_Xpf;
@@ -137,10 +143,25 @@ TEST_F(SimulationParametersTest, ImuFrequencyIsMeasuredOverAHundredPackets) {
                               SCase{100, 50'000, 0, false, 0}, SCase{101, 0, 0, false, 0}}) {
         CTrvSimulationParameters parameters(Record(test.packets, test.ticks, test.counter),
                                             folder / "o.tarout");
-        int frequency = -1;
-        EXPECT_EQ(parameters.ReadImuFrequency(frequency), test.valid) << test.ticks;
-        EXPECT_EQ(frequency, test.frequency) << test.ticks;
+        parameters.imuFrequency = -1;
+        EXPECT_EQ(parameters.ReadImuFrequency(), test.valid) << test.ticks;
+        EXPECT_EQ(parameters.imuFrequency, test.frequency) << test.ticks;
     }
+
+    // Packets whose damaged numbers all are the first one's: no more of them are read than of whole ones.
+    const std::filesystem::path damaged = Record(300, 50'000, 0);
+    CTrvSimulationParameters parameters(damaged, folder / "o.tarout");
+    const std::uint16_t imu = parameters.mainInputFile->FindChannel("IMU")->id;
+    auto bytes = *Outils_Fichiers::ReadWholeFile(damaged, 1 << 24);
+    for (std::size_t at = 0; at + kPacketHeaderSize < bytes.size(); ++at) {
+        SPacketHeader header;
+        std::memcpy(&header, &bytes[at], sizeof header);
+        if (header.Check() && header.channel == imu)
+            std::memset(&bytes[at + offsetof(SPacketHeader, number)], 0, sizeof header.number);
+    }
+    ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(damaged, bytes));
+    EXPECT_TRUE(parameters.ReadImuFrequency());
+    EXPECT_EQ(parameters.imuFrequency, 200);
 }
 
 TEST_F(SimulationParametersTest, RecordingTellsItsTimeSpanEquipmentAndCipher) {

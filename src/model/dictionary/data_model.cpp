@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
-#include <unordered_map>
+#include <map>
 
 namespace Metier_Tarvel_DataModel {
 
@@ -22,15 +22,12 @@ Field* FindField(const std::vector<std::unique_ptr<Field>>& fields, std::uint32_
     return found == fields.end() ? nullptr : found->get();
 }
 
-template <class Field>
-Field* AddField(std::vector<std::unique_ptr<Field>>& fields, CTrvDataLayer& layer, std::string name,
-                std::string description, std::uint32_t index) {
-    auto* field = AppendOwned(fields, std::make_unique<Field>());
-    field->m_layer = &layer;
-    field->m_name = std::move(name);
-    field->m_description = std::move(description);
-    field->m_index = index;
-    return field;
+void Describe(CTrvFieldDef& field, CTrvDataLayer& layer, std::string name, std::string description,
+              std::uint32_t index) {
+    field.m_layer = &layer;
+    field.m_name = std::move(name);
+    field.m_description = std::move(description);
+    field.m_index = index;
 }
 
 } // namespace
@@ -94,13 +91,13 @@ bool CTrvDataModel::RefreshFromFile(CTrvDataFile& dataFile, bool expertMode) {
     BuildLayers(dataFile, expertMode, fresh);
 
     // The layers that the file had, by name and in order: those still unclaimed at the end are gone from it.
-    std::unordered_multimap<std::string, const CTrvDataLayer*> present;
+    std::multimap<std::string, const CTrvDataLayer*> present;
     for (const auto& layer : m_layers)
         if (layer->m_dataFile == &dataFile) present.emplace(layer->m_name, layer.get());
     std::vector<std::unique_ptr<CTrvDataLayer>> added;
     for (auto& layer : fresh) {
-        const auto found = present.find(layer->m_name);
-        if (found == present.end())
+        const auto found = present.lower_bound(layer->m_name); // the first of a repeated name
+        if (found == present.end() || found->first != layer->m_name)
             added.push_back(std::move(layer));
         else
             present.erase(found);
@@ -145,14 +142,17 @@ CTrvEnumDef* CTrvDataModel::FindEnum(const CTrvDataLayer& layer, std::uint32_t i
 
 CTrvMeasureDef* CTrvDataModel::AddMeasure(CTrvDataLayer& layer, std::string name, std::string description,
                                           std::uint32_t index, std::uint32_t nature) {
-    auto* measure = AddField(layer.m_measures, layer, std::move(name), std::move(description), index);
+    auto* measure = AppendOwned(layer.m_measures, std::make_unique<CTrvMeasureDef>());
+    Describe(*measure, layer, std::move(name), std::move(description), index);
     measure->m_nature = nature;
     return measure;
 }
 
 CTrvEnumDef* CTrvDataModel::AddEnum(CTrvDataLayer& layer, std::string name, std::string description,
                                     std::uint32_t index) {
-    return AddField(layer.m_enums, layer, std::move(name), std::move(description), index);
+    auto* enumeration = AppendOwned(layer.m_enums, std::make_unique<CTrvEnumDef>());
+    Describe(*enumeration, layer, std::move(name), std::move(description), index);
+    return enumeration;
 }
 
 void CTrvDataModel::AddLiteral(CTrvEnumDef& enumeration, std::string name, std::string description) {

@@ -58,6 +58,8 @@ constexpr std::string_view kNavNow[] = {"Algorithm status 1",
                                         "Speed up"};
 constexpr std::string_view kNavThen[] = {"Speed"};
 constexpr std::string_view kSensor[] = {"Sensor", "SensorData"};
+// The states have no layout: they are never decoded.
+constexpr std::string_view kStates[] = {"Date", "Vector size", "Vector", "Matrix size", "Matrix"};
 
 constexpr auto kVisible = EVisibility::visible;
 constexpr auto kIn = EFileKind::tarin;
@@ -85,16 +87,13 @@ constexpr SBlock kBlocks[] = {
     {kIn, typePlatformOrientation, 1, kVisible, kDate},
     {kOut, typeMorvexStd, 2, kVisible, kStdHidden},
     {kOut, typeMorvexStd, 1, kVisible, kStdHidden, {}, kSensor},
+    {kOut, typeMorvexMsg, 1, EVisibility::hidden, {}},
     {kOut, typeMorvexExt, 1, EVisibility::hidden, {}, kExtExpert},
+    {kOut, typeMorvexSta, 1, EVisibility::hidden, {}, {}, {}, kStates},
 };
 
 bool Contains(Names names, std::string_view name) {
     return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-// The engine's own packets are no measurements, whatever fields a file gives them.
-bool IsAllHidden(EFileKind kind, std::uint16_t type) {
-    return kind == kOut && (type == typeMorvexMsg || type == typeMorvexSta);
 }
 
 // The first IMU packets had three status words of which the present layout keeps none by name.
@@ -106,7 +105,6 @@ bool IsFormerImuStatus(const SBlock& block, std::string_view name) {
 
 EVisibility GetVisibility(EFileKind kind, std::uint16_t packetType, std::uint32_t version,
                           std::string_view name) {
-    if (IsAllHidden(kind, packetType)) return EVisibility::hidden;
     const auto block = std::find_if(std::begin(kBlocks), std::end(kBlocks), [&](const SBlock& candidate) {
         return candidate.kind == kind && candidate.type == packetType && candidate.version == version;
     });
