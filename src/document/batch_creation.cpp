@@ -1,6 +1,7 @@
 #include "document/batch_creation.h"
 
 #include "dataaccess/data_file_analyzer.h"
+#include "document/project_creation.h"
 #include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -17,8 +18,6 @@ using Outils_Texte::GetText;
 using Persistance_Parametres::SParameterFileRow;
 
 namespace {
-
-constexpr std::string_view kProjectExtension = ".tarprj";
 
 // The UTC date of the start of every input file, in the order of the rows; invalid for one that does not
 // tell. Empty when there is none, or one is no recording: then also the message.
@@ -56,9 +55,7 @@ bool ShiftExternalFiles(CTrvSimulationParameters& parameters, const std::vector<
 bool CBatchCreation::Load(const std::filesystem::path& commandFile, std::string& message) {
     const bool loaded = m_reader.Load(commandFile);
     m_files = m_reader.GetFiles();
-    std::error_code error;
-    const auto absolute = std::filesystem::absolute(commandFile, error);
-    m_commandFile = error ? commandFile : absolute;
+    m_commandFile = ToAbsolute(commandFile);
     m_name = ToText(m_commandFile.stem());
     m_folder = m_commandFile.parent_path();
     if (!loaded) message = std::string(GetText(textBatchFileCorrupted));
@@ -69,9 +66,7 @@ bool CBatchCreation::ChooseFile(std::string_view id, const std::filesystem::path
     const auto row =
         std::find_if(m_files.begin(), m_files.end(), [id](const auto& file) { return file.id == id; });
     if (row == m_files.end()) return false;
-    std::error_code error;
-    const auto absolute = std::filesystem::absolute(path, error);
-    row->path = error ? path : absolute;
+    row->path = ToAbsolute(path);
     return true;
 }
 
@@ -95,23 +90,6 @@ std::unique_ptr<CTrvProject> CBatchCreation::Create(int maxPacketCount, std::str
     }
     project->simulationParameters->nelixConfiguration->type->SetFromEquipment(equipment);
     return project;
-}
-
-bool CheckProjectPlace(std::string_view name, const std::filesystem::path& folder, std::string& message) {
-    std::error_code error;
-    int text = 0;
-    if (name.empty())
-        text = textEnterValue;
-    else if (!std::filesystem::exists(folder, error))
-        text = textFolderNotFound;
-    else if (!std::filesystem::is_directory(folder, error))
-        text = textNotAFolder;
-    if (text != 0) message = std::string(GetText(text));
-    return text == 0;
-}
-
-std::filesystem::path GetProjectPath(std::string_view name, const std::filesystem::path& folder) {
-    return folder / Outils_Fichiers::FromText(std::string(name).append(kProjectExtension));
 }
 
 } // namespace Application_Tarvel

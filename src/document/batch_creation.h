@@ -40,10 +40,4 @@ class CBatchCreation {
     std::filesystem::path m_folder;
 };
 
-// Whether a project of this name can be put into the folder; the message if not. Whether there is one already
-// is another question, that of textOverwriteProject.
-bool CheckProjectPlace(std::string_view name, const std::filesystem::path& folder, std::string& message);
-// Where such a project is saved.
-std::filesystem::path GetProjectPath(std::string_view name, const std::filesystem::path& folder);
-
 } // namespace Application_Tarvel

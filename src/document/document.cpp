@@ -37,29 +37,6 @@ SChannelAddress CTrvDocument::GetAddress(const CTrvDataFile& file, std::uint16_t
     return {file.path, IsResultFile(file) ? EFileKind::tarout : EFileKind::tarin, channel, &m_fileCache};
 }
 
-bool CTrvDocument::OnNewEmptyDocument() {
-    m_bParametersChanged = false;
-    return CDocumentEx::OnNewDocument();
-}
-
-bool CTrvDocument::NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path,
-                                  EResultName resultName) {
-    if (RefuseWhileRunning(textStopBeforeClose) || !NewDocument()) return false;
-    const CWaitCursor wait(GetHost());
-    m_pProject = std::move(project);
-    RebuildDataModel();
-    m_bAutoAddSensors = true;
-    StartAnalysis(*m_pProject->simulationParameters->mainInputFile);
-    SearchFirstData();
-    WatchFiles();
-    ReadRecordingFacts();
-    m_bSavingNewBatchProject = resultName == EResultName::kept;
-    const bool saved = DoSave(path, true);
-    m_bSavingNewBatchProject = false;
-    UpdateAllViews(nullptr, hintRefresh);
-    return saved;
-}
-
 bool CTrvDocument::OnOpenDocument(const std::filesystem::path& path) {
     const CWaitCursor wait(GetHost());
     m_bParametersChanged = false;
@@ -113,8 +90,6 @@ void CTrvDocument::DeleteContents() {
 bool CTrvDocument::CanCloseFrame() {
     return !RefuseWhileRunning(textStopBeforeExit) && CDocumentEx::CanCloseFrame();
 }
-
-bool CTrvDocument::CommandNew() { return !RefuseWhileRunning(textStopBeforeClose) && NewDocument(); }
 
 bool CTrvDocument::CommandOpen(const std::filesystem::path& path) {
     return !RefuseWhileRunning(textStopBeforeClose) && OpenDocument(path);

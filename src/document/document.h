@@ -81,12 +81,17 @@ class CTrvDocument final : public CDocumentEx {
     // broken, the user cancelled, or the file could not be written, which is told.
     bool PrepareBatchCommandFile();
 
-    // The commands New, Open and Save As with their guard against a running engine.
+    // The commands New, New from batch command file, Open and Save As with their guard against a running
+    // engine. The two New have the project made by a dialog; a cancelled one leaves an empty document.
     bool CommandNew();
+    bool CommandNewBatch();
     bool CommandOpen(const std::filesystem::path& path);
     bool CommandSaveAs();
 
-    bool OnNewDocument() override { return OnNewEmptyDocument(); }
+    // Each empties the document and sets up the project that the user makes in the dialog. False when it could
+    // not be saved, or the command file not be read.
+    bool OnNewDocument() override;
+    bool OnNewBatchDocument(const std::filesystem::path& commandFile);
     bool OnNewEmptyDocument();
     bool OnOpenDocument(const std::filesystem::path& path) override;
     bool OnSaveDocument(const std::filesystem::path& path) override;
@@ -98,6 +103,11 @@ class CTrvDocument final : public CDocumentEx {
     bool StoreTo(const std::filesystem::path& path) override;
 
   private:
+    // Empties the document and has the views let go of the former project.
+    bool Clear();
+    // Fills the empty document with a new project; false when it could not be saved.
+    bool SetUpProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path,
+                      EResultName resultName);
     // Refuses with the text while the engine runs.
     bool RefuseWhileRunning(int text);
     void EndRun();

@@ -9,10 +9,16 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Communication_Interfaces {
 class IMorvexNotification;
 }
+
+namespace Dialogue_Tarvel {
+class CNewFromBatchParametersDlg;
+class CNewProjectWizard;
+} // namespace Dialogue_Tarvel
 
 namespace Application_Tarvel {
 
@@ -41,11 +47,19 @@ class IDocumentHost {
     }
     // Has the file brought up to the present layout in its place; false when that was not done.
     virtual bool UpdateDataFile(const std::filesystem::path& /*path*/) { return false; }
-    // Has a raw recording converted; the packet file made of it, empty when that was not done.
-    virtual std::optional<std::filesystem::path> ConvertRawFile(const std::filesystem::path& /*path*/,
-                                                                ERawFormat /*format*/) {
+    // Has a raw recording of one or more files converted; the packet file made of it, empty when that was not
+    // done.
+    virtual std::optional<std::filesystem::path>
+    ConvertRawFiles(const std::vector<std::filesystem::path>& /*files*/, ERawFormat /*format*/) {
         return std::nullopt;
     }
+    // Asks for an existing batch command file; "xml" is the extension of a name typed without one.
+    virtual std::optional<std::filesystem::path> AskCommandFile(const std::string& /*filter*/) {
+        return std::nullopt;
+    }
+    // Each shows the user the choices of a new project until their OnOK has succeeded; false when cancelled.
+    virtual bool ShowNewProjectWizard(Dialogue_Tarvel::CNewProjectWizard& /*wizard*/) { return false; }
+    virtual bool ShowNewFromBatch(Dialogue_Tarvel::CNewFromBatchParametersDlg& /*dialog*/) { return false; }
 
     // One line at the end of the output panel.
     virtual void AppendOutputText(const std::string& line) = 0;

@@ -48,21 +48,25 @@ bool ImportConfiguration(CTrvSimulationParameters& parameters, const std::filesy
 } // namespace
 
 std::unique_ptr<CTrvProject> CreateProject(const SNewProject& wanted, std::string& message) {
-    return CheckRecording(wanted.recording, message) ? BuildProject(wanted, message) : nullptr;
+    if (!CheckRecording(wanted.recording, message)) return nullptr;
+    int failure = 0;
+    auto project = BuildProject(wanted, failure);
+    if (!project) message = std::string(GetText(failure));
+    return project;
 }
 
-std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, std::string& message) {
+std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failure) {
     const auto result = Outils_Fichiers::WithExtension(wanted.project, GetText(textOutputExtension));
     auto project = std::make_unique<CTrvProject>(wanted.recording, result);
     auto& parameters = *project->simulationParameters;
 
     if (!wanted.configuration.empty() && !ImportConfiguration(parameters, wanted.configuration)) {
-        message = std::string(GetText(textInsConfigurationFailed));
+        failure = textInsConfigurationFailed;
         return nullptr;
     }
     std::int32_t equipment = 0;
     if (!parameters.ReadEquipmentCode(equipment)) {
-        message = std::string(GetText(textNoEquipment));
+        failure = textNoEquipment;
         return nullptr;
     }
     parameters.gpsAltitudeReference = wanted.ellipsoidalGpsAltitude ? altitudeEllipsoid : altitudeGeoid;
@@ -75,6 +79,12 @@ std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, std::string
         parameters.end = ToStoredTime(last);
     }
     return project;
+}
+
+std::filesystem::path ToAbsolute(const std::filesystem::path& path) {
+    std::error_code error;
+    auto absolute = std::filesystem::absolute(path, error);
+    return error ? path : absolute;
 }
 
 } // namespace Application_Tarvel

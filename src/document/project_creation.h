@@ -22,7 +22,10 @@ struct SNewProject {
 // show in `message`.
 std::unique_ptr<Metier_Tarvel::CTrvProject> CreateProject(const SNewProject& wanted, std::string& message);
 // The same for a recording whose format was looked at before: one that is none fails for want of inertial
-// data.
-std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted, std::string& message);
+// data. `failure` is the number of the message.
+std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted, int& failure);
+
+// The path as a project needs it: one that was typed is completed with the current folder.
+std::filesystem::path ToAbsolute(const std::filesystem::path& path);
 
 } // namespace Application_Tarvel

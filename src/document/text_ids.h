@@ -55,13 +55,34 @@ enum ETextId : int {
     textUnknownFileType = 10212,
     textNoEquipment = 10213,
     textParametersSuffix = 10214,
+    textFileNotFound = 10215,
+    textOnlyRawFilesTogether = 10216,
+    textUnrecognizedRecording = 10217,
+    textRecordingFilter = 10218,
+    textInsConfigurationFilter = 10219,
     textBatchFileCorrupted = 10220,
     textNoSynchronization = 10221,
     textEnterValue = 10222,
     textFolderNotFound = 10223,
     textNotAFolder = 10224,
     textOverwriteProject = 10225,
-    textBatchFileNotRead = 10226
+    textBatchFileNotRead = 10226,
+    textBatchInputFilter = 10227,
+    textBatchOutputFilter = 10228,
+    textUpward = 10230,         // the six sides of a vehicle, in order
+    textStarboardShort = 10236, // the last four of them in fewer words
+    textRoughMisalignmentTitle = 10240,
+    textLogoSide = 10241,
+    textConnectorSide = 10242,
+    textNewFromBatchTitle = 10243,
+    textIdentifierColumn = 10244,
+    textPathColumn = 10245,
+    textNameLabel = 10246,
+    textFolderLabel = 10247,
+    textFileNameColumn = 10248,
+    textFolderColumn = 10249,
+    textChannelColumn = 10250,
+    textFileColumn = 10251
 };
 
 } // namespace Application_Tarvel

@@ -55,8 +55,8 @@ class CFileHost : public test::CScriptedHost {
         std::filesystem::copy_file(m_repaired, path, std::filesystem::copy_options::overwrite_existing);
         return true;
     }
-    std::optional<std::filesystem::path> ConvertRawFile(const std::filesystem::path&,
-                                                        ERawFormat format) override {
+    std::optional<std::filesystem::path> ConvertRawFiles(const std::vector<std::filesystem::path>&,
+                                                         ERawFormat format) override {
         m_format = format;
         return m_converted;
     }

@@ -67,10 +67,10 @@ std::optional<std::filesystem::path> CTrvActAddDataFile::Prepare(const std::file
         if (Ask(textUpgradeDataFile) && host.UpdateDataFile(chosen)) return chosen;
         return std::nullopt;
     case EDataFileKind::raw:
-        if (Ask(textConvertDataFile)) return host.ConvertRawFile(chosen, kind.format);
+        if (Ask(textConvertDataFile)) return host.ConvertRawFiles({chosen}, kind.format);
         return std::nullopt;
     case EDataFileKind::unknown:
-        if (Ask(textUnrecognizedDataFile)) return host.ConvertRawFile(chosen, ERawFormat::rawIns);
+        if (Ask(textUnrecognizedDataFile)) return host.ConvertRawFiles({chosen}, ERawFormat::rawIns);
         return std::nullopt;
     case EDataFileKind::unreadable: break;
     }
@@ -92,8 +92,9 @@ bool CTrvActAddDataFile::Perform(CTrvProject& project) {
     m_document.FollowDataFile(*file);
     // On its own clock the file is as far from the recording as the two origins are from one another.
     const SFirstData data = m_document.WaitForFirstData(*file);
-    if (data.hasUtc && data.utcOrigin.IsValid() && parameters.hasUtcReference)
-        file->timeOffset = Metier_Tarvel::ToStoredTime(data.utcOrigin - parameters.utcReference);
+    if (data.hasUtc && parameters.hasUtcReference)
+        if (const auto offset = data.utcOrigin - parameters.utcReference; offset.IsValid())
+            file->timeOffset = Metier_Tarvel::ToStoredTime(offset);
     return Changed(file);
 }
 
@@ -101,8 +102,15 @@ bool CTrvActRemoveDataFile::Perform(CTrvProject& project) {
     return RemoveDataFile(m_document, project, m_file) || Refuse();
 }
 
+bool IsRemovable(const CTrvProject& project, const CTrvDataFile& file) {
+    const auto& files = project.simulationParameters->externalFiles;
+    const bool isExternal =
+        std::any_of(files.begin(), files.end(), [&file](const auto& own) { return own.get() == &file; });
+    return isExternal && !file.IsReferenced();
+}
+
 bool RemoveDataFile(CTrvDocument& document, CTrvProject& project, CTrvDataFile& file) {
-    if (file.IsReferenced()) return false;
+    if (!IsRemovable(project, file)) return false;
     const std::vector<SRemoval> dependents = FindDependents(project, file);
     // The views let go of the file while it still exists.
     document.ProjectChanged(hintDataFileRemoved, &file);

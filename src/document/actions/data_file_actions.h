@@ -36,8 +36,12 @@ class CTrvActRemoveDataFile final : public CTrvTableAction {
     CTrvDataFile& m_file;
 };
 
+// Whether the file is an external one that no sensor uses. A project from a damaged archive may have a sensor
+// on a file that it does not list: that one is no part of it, and cannot be removed.
+bool IsRemovable(const CTrvProject& project, const CTrvDataFile& file);
+
 // Tells the views, stops all that watches the file, then deletes it with the curves and values on it. False,
-// and nothing happens, for a file in use.
+// and nothing happens, for one that is not removable.
 bool RemoveDataFile(CTrvDocument& document, CTrvProject& project, CTrvDataFile& file);
 
 } // namespace Application_Tarvel

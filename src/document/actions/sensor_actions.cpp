@@ -39,8 +39,7 @@ bool CTrvActChangeSensorDataFileChannel::Perform(CTrvProject& project) {
     CTrvDataFile* former = m_sensor.channel ? m_sensor.channel->file : nullptr;
     m_sensor.channel = &m_channel;
     Changed(&m_sensor);
-    // Main input and result count as referenced always.
-    if (!former || former->IsReferenced()) return true;
+    if (!former || !IsRemovable(project, *former)) return true;
     const std::string question =
         Outils_Texte::FormatText(textDataFileUnused, {Outils_Fichiers::ToText(former->path)});
     if (m_document.GetHost().ShowMessage(question, EButtons::yesNo, EIcon::question) == EAnswer::yes)

@@ -1,0 +1,158 @@
+#include "document/project_dialogs.h"
+
+#include "config/config_file.h"
+#include "document/project_creation.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+#include "values/adaptors.h"
+
+#include <algorithm>
+
+namespace Dialogue_Tarvel {
+
+using Outils_Configuration::Cnf;
+using Outils_Fichiers::ToText;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
+
+namespace {
+
+constexpr std::string_view kProjectExtension = ".tarprj";
+
+bool Exists(const std::filesystem::path& path) {
+    std::error_code error;
+    return std::filesystem::exists(path, error);
+}
+
+} // namespace
+
+bool CProjectDialog::OnOK(EProjectField& focus) {
+    if (!CheckFiles(focus) || !CheckPlace(focus)) return false;
+    focus = EProjectField::files;
+    if (!PrepareFiles()) return false;
+    focus = EProjectField::name;
+    if (!AgreeToOverwrite()) return false;
+    const CWaitCursor wait(m_host);
+    m_project = MakeProject(focus);
+    return m_project != nullptr;
+}
+
+std::filesystem::path CProjectDialog::GetProjectPath() const {
+    const std::string name = std::string(projectName).append(kProjectExtension);
+    return ToAbsolute(projectFolder / Outils_Fichiers::FromText(name));
+}
+
+bool CProjectDialog::CheckPlace(EProjectField& focus) {
+    focus = EProjectField::name;
+    if (projectName.empty()) return Refuse(textEnterValue);
+    focus = EProjectField::folder;
+    if (!Exists(projectFolder)) return Refuse(textFolderNotFound);
+    std::error_code error;
+    return std::filesystem::is_directory(projectFolder, error) || Refuse(textNotAFolder);
+}
+
+bool CProjectDialog::AgreeToOverwrite() { return !Exists(GetProjectPath()) || Ask(textOverwriteProject); }
+
+bool CProjectDialog::Refuse(std::string message) {
+    m_host.ShowMessage(message, EButtons::ok, EIcon::exclamation);
+    return false;
+}
+
+bool CProjectDialog::Refuse(int text) { return Refuse(std::string(GetText(text))); }
+
+bool CProjectDialog::Ask(int question) {
+    return m_host.ShowMessage(std::string(GetText(question)), EButtons::okCancel, EIcon::question) ==
+           EAnswer::ok;
+}
+
+void CNewProjectWizard::ChooseInputFiles(const std::vector<std::filesystem::path>& files) {
+    m_inputFiles.clear();
+    for (const auto& file : files) m_inputFiles.push_back(ToAbsolute(file));
+    if (m_inputFiles.empty()) return;
+    projectName = ToText(m_inputFiles[0].stem());
+    projectFolder = m_inputFiles[0].parent_path();
+}
+
+std::string CNewProjectWizard::GetInputLine() const {
+    std::string line;
+    for (const auto& file : m_inputFiles) {
+        const std::string text = ToText(file);
+        const std::string_view quote = text.find(' ') == std::string::npos ? "" : "\"";
+        line.append(line.empty() ? "" : " ").append(quote).append(text).append(quote);
+    }
+    return line;
+}
+
+bool CNewProjectWizard::CheckFiles(EProjectField& focus) {
+    focus = EProjectField::files;
+    if (m_inputFiles.empty()) return Refuse(textEnterValue);
+    if (!std::all_of(m_inputFiles.begin(), m_inputFiles.end(), Exists)) return Refuse(textFileNotFound);
+    focus = EProjectField::configurationFile;
+    return insConfigurationFile.empty() || Exists(insConfigurationFile) || Refuse(textFileNotFound);
+}
+
+bool CNewProjectWizard::PrepareFiles() {
+    Outils_Valeurs::CTrvAdaptors adaptors;
+    adaptors.Configure(m_configuration);
+    std::vector<SDataFileKind> kinds;
+    for (const auto& file : m_inputFiles) {
+        kinds.push_back(ClassifyDataFile(file, adaptors.GetDateTime()));
+        if (kinds.back().kind == EDataFileKind::unreadable)
+            return Refuse(FormatText(textUnknownFileType, {ToText(file)}));
+    }
+    const auto isRaw = [](const SDataFileKind& kind, ERawFormat format) {
+        return kind.kind == EDataFileKind::raw && kind.format == format;
+    };
+    const auto isRawIns = [&](const SDataFileKind& kind) { return isRaw(kind, ERawFormat::rawIns); };
+    if (kinds.size() > 1 && !std::all_of(kinds.begin(), kinds.end(), isRawIns))
+        return Refuse(textOnlyRawFilesTogether);
+
+    const SDataFileKind& kind = kinds[0];
+    if (kind.kind == EDataFileKind::packets) return true;
+    if (kind.kind == EDataFileKind::outdatedPackets)
+        return Ask(textUpgradeDataFile) && m_host.UpdateDataFile(m_inputFiles[0]);
+    if (isRawIns(kind) || isRaw(kind, ERawFormat::decodedIns)) return Convert(kind.format);
+    return Ask(textUnrecognizedRecording) && Convert(ERawFormat::rawIns);
+}
+
+bool CNewProjectWizard::Convert(ERawFormat format) {
+    if (!Ask(textConvertDataFile)) return false;
+    const auto converted = m_host.ConvertRawFiles(m_inputFiles, format);
+    if (!converted) return false;
+    m_inputFiles = {ToAbsolute(*converted)};
+    // A converter that failed tells it in its output alone.
+    return Exists(m_inputFiles[0]) || Refuse(textFileNotFound);
+}
+
+std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus) {
+    using Outils_Configuration::EGpsAltitudeMode;
+    const bool ellipsoidal =
+        m_configuration.Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
+    int failure = 0;
+    auto project =
+        BuildProject({m_inputFiles[0], GetProjectPath(), insConfigurationFile, ellipsoidal}, failure);
+    if (!project) {
+        focus =
+            failure == textInsConfigurationFailed ? EProjectField::configurationFile : EProjectField::files;
+        Refuse(failure);
+    }
+    return project;
+}
+
+bool CNewFromBatchParametersDlg::Load(const std::filesystem::path& commandFile) {
+    std::string message;
+    if (!m_creation.Load(commandFile, message)) return Refuse(message);
+    projectName = m_creation.GetProposedName();
+    projectFolder = m_creation.GetProposedFolder();
+    return true;
+}
+
+std::unique_ptr<CTrvProject> CNewFromBatchParametersDlg::MakeProject(EProjectField& focus) {
+    focus = EProjectField::files;
+    std::string message;
+    auto project = m_creation.Create(m_configuration.Get(Cnf<"general/utcSearch/maxPacketCount">), message);
+    if (!project) Refuse(message);
+    return project;
+}
+
+} // namespace Dialogue_Tarvel

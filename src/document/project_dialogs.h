@@ -1,0 +1,123 @@
+// The dialogs that make a project, as logic: what they hold, check, ask and result in. A window shows the
+// fields and calls OnOK; every question and message goes through the host. UI thread.
+#pragma once
+
+#include "document/batch_creation.h"
+#include "document/document_host.h"
+#include "document/text_ids.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Outils_Configuration {
+class CTrvCnfConfigFile;
+}
+
+namespace Dialogue_Tarvel {
+
+using namespace Application_Tarvel;
+using Metier_Tarvel::CTrvProject;
+
+// Where the focus goes after a refused OK.
+enum class EProjectField { files, configurationFile, name, folder };
+
+// What both dialogs share: the place of the project, and the project as the result.
+class CProjectDialog {
+  public:
+    // Both must outlive the dialog.
+    CProjectDialog(IDocumentHost& host, const Outils_Configuration::CTrvCnfConfigFile& configuration)
+        : m_host(host), m_configuration(configuration) {}
+    virtual ~CProjectDialog() = default;
+    CProjectDialog(const CProjectDialog&) = delete;
+    CProjectDialog& operator=(const CProjectDialog&) = delete;
+
+    std::string projectName; // of the project file, without extension
+    std::filesystem::path projectFolder;
+
+    // Checks the fields and makes the project; true when it did. Otherwise the reason was told or the user
+    // cancelled a question: the dialog stays open with the focus on `focus`, and there is no project.
+    bool OnOK(EProjectField& focus);
+
+    // The result, once: null before OnOK has succeeded.
+    std::unique_ptr<CTrvProject> TakeProject() { return std::move(m_project); }
+    // Where the project is to be saved.
+    std::filesystem::path GetProjectPath() const;
+
+  protected:
+    // What a dialog has of its own, in the order of the calls; each false was told, with the focus set.
+    virtual bool CheckFiles(EProjectField& /*focus*/) { return true; }
+    virtual bool PrepareFiles() { return true; }
+    virtual std::unique_ptr<CTrvProject> MakeProject(EProjectField& focus) = 0;
+
+    bool Refuse(std::string message); // tells the reason; false
+    bool Refuse(int text);
+    bool Ask(int question);
+
+    IDocumentHost& m_host;
+    const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
+
+  private:
+    bool CheckPlace(EProjectField& focus);
+    bool AgreeToOverwrite();
+
+    std::unique_ptr<CTrvProject> m_project;
+};
+
+class CNewProjectWizard final : public CProjectDialog {
+  public:
+    using CProjectDialog::CProjectDialog;
+
+    // Texts of the two file dialogs.
+    static constexpr int kInputFilter = textRecordingFilter;
+    static constexpr int kConfigurationFilter = textInsConfigurationFilter;
+
+    std::filesystem::path insConfigurationFile; // empty for none
+
+    // Takes the chosen files, and proposes name and folder from the first.
+    void ChooseInputFiles(const std::vector<std::filesystem::path>& files);
+    const std::vector<std::filesystem::path>& GetInputFiles() const { return m_inputFiles; }
+    // The files on one line; those with a blank in quotes.
+    std::string GetInputLine() const;
+
+  private:
+    bool CheckFiles(EProjectField& focus) override;
+    // Leaves one packet file of the current layout in the list.
+    bool PrepareFiles() override;
+    bool Convert(ERawFormat format);
+    std::unique_ptr<CTrvProject> MakeProject(EProjectField& focus) override;
+
+    std::vector<std::filesystem::path> m_inputFiles;
+};
+
+class CNewFromBatchParametersDlg final : public CProjectDialog {
+  public:
+    using CProjectDialog::CProjectDialog;
+    using SRow = Persistance_Parametres::SParameterFileRow;
+
+    static constexpr int kTitle = textNewFromBatchTitle;
+    static constexpr int kColumns[] = {textIdentifierColumn, textPathColumn};
+    static constexpr int kLabels[] = {textNameLabel, textFolderLabel};
+
+    // Reads the rows and proposes name and folder; false when that failed, which was told.
+    bool Load(const std::filesystem::path& commandFile);
+    const std::vector<SRow>& GetRows() const { return m_creation.GetFiles(); }
+    // For the dialog that asks for another file in the place of the row's: the number of its filter, and the
+    // extension of a name typed without one.
+    static int GetFilter(const SRow& row) {
+        return row.isOutput ? textBatchOutputFilter : textBatchInputFilter;
+    }
+    static const char* GetExtension(const SRow& row) { return row.isOutput ? "tarout" : "tarin"; }
+    // Puts another file in the place of one; false when no row has this id.
+    bool ChooseFile(std::string_view id, const std::filesystem::path& path) {
+        return m_creation.ChooseFile(id, path);
+    }
+
+  private:
+    std::unique_ptr<CTrvProject> MakeProject(EProjectField& focus) override;
+
+    CBatchCreation m_creation;
+};
+
+} // namespace Dialogue_Tarvel
