@@ -13,17 +13,24 @@ using namespace Persistance_Xpf;
 bool CTrvDataQuery::Execute(bool& wasCancelled) {
     bool outdated = false;
     const auto file = OpenXpfFile(m_address.path, m_address.kind, outdated);
+    m_error = EError::noFile;
     if (!file) return false;
     CXpfChannel* channel = file->FindChannelByNumber(m_address.channel);
+    m_error = EError::noChannel;
     if (!channel) return false;
     auto packet = channel->CreatePacket();
     if (!packet || !packet->HasDate()) return false;
+
     // One read may have to search the whole file; it is to end with the query.
     file->SetInterrupt(&m_cancel);
     const bool success =
         Search(*channel, std::unique_ptr<CXpfDatedPacket>(static_cast<CXpfDatedPacket*>(packet.release())),
                wasCancelled);
     if (!success && m_cancel.IsSet()) wasCancelled = true;
+    if (success)
+        m_error = EError::none;
+    else
+        m_error = channel->GetFirst().IsKnown() ? EError::damaged : EError::noPackets;
     ForgetReplaced(*file);
     return success;
 }
@@ -46,6 +53,7 @@ bool CTrvViewValueDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDa
     case EDateSearch::cancelled: wasCancelled = true; return false;
     case EDateSearch::found: break;
     }
+    packet->Clear(); // of what the search has read, where the packet is a short one
     if (!channel.SeekPacketNumber(PickNearer(bracket, m_time)) || !channel.ReadNextPacket(*packet))
         return false;
     m_packet = std::move(packet);

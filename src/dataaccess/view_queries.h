@@ -1,6 +1,6 @@
 // What the views ask of a data file: the packet nearest to one moment, and a time window reduced to one
 // packet per time slice. Both open a file object of their own on the loader thread and touch no object of the
-// model.
+// model. A cancelled query ends at its next packet or read, whichever comes first.
 #pragma once
 
 #include "dataaccess/async_query.h"
@@ -35,9 +35,19 @@ struct SReducedSeries {
 
 class CTrvDataQuery : public CAsyncQuery {
   public:
+    enum class EError {
+        none,
+        noFile,    // cannot be opened, or is no packet file of its kind
+        noChannel, // the file has no such channel, or one that is not decoded
+        noPackets, // the channel is empty
+        damaged    // its packets contradict each other, or end before the search does
+    };
+
     explicit CTrvDataQuery(SChannelAddress address) : m_address(std::move(address)) {}
 
     const SChannelAddress& GetAddress() const { return m_address; }
+    // Why Execute has failed; to be asked once it has returned.
+    EError GetError() const { return m_error; }
 
     bool Execute(bool& wasCancelled) final;
     void RequestCancel() override { m_cancel.Set(); }
@@ -58,6 +68,7 @@ class CTrvDataQuery : public CAsyncQuery {
     void ForgetReplaced(const Persistance_Xpf::CXpfFile& file) const;
 
     SChannelAddress m_address;
+    EError m_error = EError::none;
 };
 
 // The packet nearest to a moment, the earlier on a tie.
@@ -97,7 +108,8 @@ struct SWindow {
 
 // A window reduced to slices. The walk starts at the packet at or before the window's start and ends with the
 // first one at or beyond its end, so that a curve reaches both edges; a window that begins before the data
-// starts at the first packet.
+// starts at the first packet. Dates that jump to and fro begin a slice at every jump; after some ten thousand
+// more slices than fit into the window the walk ends, and what was collected stands.
 class CTrvView1DDataQuery : public CTrvDataQuery {
   public:
     // On the UI thread; on failure the series is empty.

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,7 @@ class CScriptedQuery : public CAsyncQuery {
         m_started.Set();
         m_go.Wait(30s);
         wasCancelled = m_cancel.IsSet();
+        if (m_needsTooMuch) throw std::bad_alloc();
         return m_succeeds;
     }
     void RequestCancel() override {
@@ -35,6 +37,7 @@ class CScriptedQuery : public CAsyncQuery {
     void WaitUntilStarted() { ASSERT_TRUE(m_started.Wait(30s)); }
     void Release() { m_go.Set(); }
     bool m_succeeds = true;
+    bool m_needsTooMuch = false;
 
   private:
     std::string m_name;
@@ -59,6 +62,7 @@ class AsyncQueries : public testing::Test {
 TEST_F(AsyncQueries, RunInOrderAndReportOnce) {
     const auto first = Make("first", true), second = Make("second"), third = Make("third");
     third->m_succeeds = false;
+    first->m_needsTooMuch = true;
     m_manager.Submit(first);
     m_manager.Submit(second);
     m_manager.Submit(third);
@@ -69,7 +73,7 @@ TEST_F(AsyncQueries, RunInOrderAndReportOnce) {
     EXPECT_EQ(second->GetState(), CAsyncQuery::queued);
     first->Release();
     RunUntil(3);
-    EXPECT_EQ(m_log, (std::vector<std::string>{"first done", "second done", "third failed"}));
+    EXPECT_EQ(m_log, (std::vector<std::string>{"first failed", "second done", "third failed"}));
     EXPECT_FALSE(m_manager.Cancel(first));
     EXPECT_EQ(m_queue.RunPending(), 0u);
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 using namespace Application_Tarvel;
+using Persistance_Xpf::kPacketTrailerSize;
 using namespace std::chrono_literals;
 
 namespace {
@@ -46,16 +47,22 @@ TEST_F(DataFileThreads, ScanReportsChannelsOnceAndResumes) {
     recording.Gps(3, 48.5, -4.25, 30);
     recording.Utc(4, 2024, 10, 20, 30.5f);
     recording.Flush();
-    // A torn tail: the scan stops before it.
+    // A torn tail: the scan stops before it, but what it says counts as far as it is there.
     const auto whole = std::filesystem::file_size(recording.GetPath());
-    std::filesystem::resize_file(recording.GetPath(), whole - 3);
+    std::filesystem::resize_file(recording.GetPath(), whole - kPacketTrailerSize - 1);
     scan();
     EXPECT_EQ(m_channels, (std::vector<std::uint16_t>{test::kDepthNumber, test::kGpsNumber}));
-    const SFirstData torn = analyzer.WaitForFirstData(0ms);
+    const SFirstData torn = analyzer.WaitForFirstData(30s);
     EXPECT_TRUE(torn.hasPosition && !torn.hasUtc);
     EXPECT_EQ(torn.position.latitude, 48.5);
     EXPECT_EQ(torn.position.longitude, -4.25);
     EXPECT_EQ(torn.position.altitude, 30);
+    const std::int64_t beforeUtc = analyzer.GetResumePosition().Get();
+    std::filesystem::resize_file(recording.GetPath(), whole - 1); // zeros, but no trailer
+    scan();
+    EXPECT_EQ(analyzer.GetResumePosition().Get(), beforeUtc);
+    EXPECT_EQ(m_channels.back(), test::kUtcNumber);
+    EXPECT_TRUE(analyzer.WaitForFirstData(0ms).hasUtc);
 }
 
 TEST_F(DataFileThreads, FirstUtcGivesTheInstantOfDateZero) {
@@ -117,10 +124,15 @@ TEST_F(DataFileThreads, MonitorFollowsAFile) {
             m_queue.RunUntil([&] { return !changes.empty() && changes.back().first == change; }, 30s));
         EXPECT_EQ(changes.back().second, this);
     };
-    monitor.Watch(this, path);
-    monitor.Watch(this, path);
+    int patient = 0;
+    CTrvDataFileMonitorThread late(
+        m_port, [&](EFileChange, const void*) { ++patient; }, 1h);
     std::ofstream(path) << "12345";
+    late.Watch(this, path);
+    monitor.Watch(this, path);
+    monitor.Watch(this, path);
     expect(EFileChange::appeared);
+    EXPECT_EQ(changes.size(), 1u);
     std::filesystem::resize_file(path, 10000);
     expect(EFileChange::grew);
     std::filesystem::resize_file(path, 1);
@@ -135,6 +147,7 @@ TEST_F(DataFileThreads, MonitorFollowsAFile) {
     ASSERT_TRUE(m_queue.RunUntil([&] { return changes.back().second == &path; }, 30s));
     monitor.Kill();
     EXPECT_EQ(changes.back().first, EFileChange::appeared);
+    EXPECT_EQ(patient, 0) << "the first look comes when the period is over";
 }
 
 } // namespace
