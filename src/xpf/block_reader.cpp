@@ -15,7 +15,7 @@ constexpr std::int64_t kPage = 4096;
 // A lone access takes less than a page: what it costs is the memory that it touches, and most packets fit.
 constexpr std::int64_t kSector = 256;
 constexpr std::size_t kSmallestBlock = 2 * kSector;
-constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
+constexpr std::size_t kLargestBlock = std::size_t{256} << 10;
 // A jump up to this far costs less as a read through than as a read of its own: a system call takes about the
 // time in which this much is copied.
 constexpr std::int64_t kNear = 2 * kPage;
@@ -92,7 +92,7 @@ std::size_t CBlockReader::Read(void* buffer, std::size_t size) {
 }
 
 bool CBlockReader::Probe(std::int64_t offset, void* buffer, std::size_t size) const {
-    if (m_handle < 0 || offset < 0 || offset > kLargestOffset) return false;
+    if (m_handle < 0 || offset < 0 || offset > kLargestOffset || IsInterrupted()) return false;
     if (Holds(offset, size)) {
         std::memcpy(buffer, m_buffer.get() + (offset - m_begin), size);
         return true;
@@ -121,9 +121,26 @@ bool CBlockReader::Load(std::int64_t offset, std::size_t size) {
     const std::size_t length =
         std::max(m_block, static_cast<std::size_t>(Floor(end - begin + unit - 1, unit)));
     if (!Reserve(length, end)) return false;
+    Fill(begin, length, needed);
+    return m_end >= end;
+}
+
+void CBlockReader::Fetch(std::int64_t offset, std::size_t size) {
+    if (m_handle < 0 || offset < 0 || offset > kLargestOffset || IsInterrupted()) return;
+    size = std::min(size, kLargestFetch);
+    if (Holds(offset, size)) return;
+    const std::int64_t begin = Floor(offset, kPage);
+    const std::int64_t end = Floor(offset + static_cast<std::int64_t>(size) + kPage - 1, kPage);
+    const auto length = static_cast<std::size_t>(end - begin);
+    if (!Reserve(length, end)) return;
+    ChooseBlock(false);
+    m_block = length; // a walk that starts here reads on from this size
+    Fill(begin, length, static_cast<std::size_t>(offset - begin) + size);
+}
+
+void CBlockReader::Fill(std::int64_t begin, std::size_t length, std::size_t needed) {
     m_begin = begin;
     m_end = begin + static_cast<std::int64_t>(ReadAt(m_handle, begin, m_buffer.get(), length, needed));
-    return m_end >= end;
 }
 
 // Doubles the block while the walk goes on where the last block ended, and starts small elsewhere.
