@@ -18,12 +18,8 @@ CPosition& CPosition::operator=(const CPosition& other) {
 }
 
 void CPosition::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CObjetMetier::Serialize(archive);
-    schema.Field(longitude);
-    schema.Field(latitude);
-    schema.Field(altitude);
-    schema.Field(altitudeKind);
+    Outils_Objets::SerializeUnchanged<CObjetMetier>(archive, *this, longitude, latitude, altitude,
+                                                    altitudeKind);
 }
 
 void CTriple::Serialize(CArchive& archive) {

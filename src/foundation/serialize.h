@@ -9,6 +9,12 @@
 //         schema.Since(3).Owned(leverArm);
 //     }
 //
+// A class that has had one layout only states its base and its members:
+//
+//     void CTrvPeriod::Serialize(CArchive& archive) {
+//         SerializeUnchanged<CTrvObject>(archive, *this, begin, end);
+//     }
+//
 // A member that an older file does not hold keeps what it has: before loading a version's fields, give such
 // members their defaults. A load destroys the objects held before reading new ones.
 #pragma once
@@ -100,6 +106,19 @@ class CSchema {
         }
     }
 
+    // Any of the above but an owned object, by the kind of the member.
+    template <class T>
+    void Member(T& member) {
+        if constexpr (std::is_pointer_v<T>)
+            Reference(member);
+        else if constexpr (std::is_base_of_v<CObject, T>)
+            InPlace(member);
+        else if constexpr (requires { OwnedList(member); })
+            OwnedList(member);
+        else
+            Field(member);
+    }
+
   private:
     bool Skip() { return std::exchange(m_skipNext, false); }
     template <class T>
@@ -125,5 +144,14 @@ class CSchema {
     std::int32_t m_version = 0;
     bool m_skipNext = false;
 };
+
+// The whole Serialize of a class that is at its first version: the version, then the base, then the members
+// in the order given.
+template <class Base, class... Members>
+void SerializeUnchanged(CArchive& archive, Base& object, Members&... members) {
+    CSchema schema(archive, 1);
+    object.Base::Serialize(archive);
+    (schema.Member(members), ...);
+}
 
 } // namespace Outils_Objets

@@ -14,6 +14,7 @@ namespace Metier_Tarvel {
 using Outils_Objets::AfxThrowArchiveException;
 using Outils_Objets::CArchiveException;
 using Outils_Objets::CSchema;
+using Outils_Objets::SerializeUnchanged;
 
 namespace {
 
@@ -35,12 +36,7 @@ CTrvDataFileChannel* FindFirst(const CTrvDataFile& file, Match match) {
 } // namespace
 
 void CTrvDataFileChannel::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrvObject::Serialize(archive);
-    schema.Reference(file);
-    schema.Field(id);
-    schema.Field(name);
-    schema.Field(sensorClass);
+    SerializeUnchanged<CTrvObject>(archive, *this, file, id, name, sensorClass);
 }
 
 bool CTrvDataFile::IsReferenced() const {

@@ -9,6 +9,7 @@ namespace Metier_Tarvel_Graphics {
 using Metier_Tarvel::AppendOwned;
 using Metier_Tarvel::EraseOwned;
 using Outils_Objets::CSchema;
+using Outils_Objets::SerializeUnchanged;
 
 namespace {
 
@@ -68,9 +69,7 @@ CTrv1DCurve* CTrv1DGraphMeasure::AddCurve(CTrvDataFile* dataFile, std::uint16_t 
 bool CTrv1DGraphMeasure::RemoveCurve(const CTrv1DCurve* curve) { return EraseOwned(curves, curve); }
 
 void CTrv1DGraphMeasure::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrv1DGraph::Serialize(archive);
-    schema.OwnedList(curves);
+    SerializeUnchanged<CTrv1DGraph>(archive, *this, curves);
 }
 
 CTrv1DGraphMeasure* CTrv1DSettings::AddMeasureGraph(std::string title) {

@@ -8,6 +8,7 @@ namespace Metier_Tarvel_InstantValues {
 using Metier_Tarvel::AppendOwned;
 using Metier_Tarvel::EraseOwned;
 using Outils_Objets::CSchema;
+using Outils_Objets::SerializeUnchanged;
 
 namespace {
 
@@ -90,11 +91,7 @@ void CTrvInstantValuesSettings::Attach(CTrvProject& owner) {
 }
 
 void CTrvInstantValuesSettings::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrvObject::Serialize(archive);
-    schema.Reference(project);
-    schema.OwnedList(measures);
-    schema.OwnedList(enums);
+    SerializeUnchanged<CTrvObject>(archive, *this, project, measures, enums);
 }
 
 } // namespace Metier_Tarvel_InstantValues

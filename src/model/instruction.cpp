@@ -5,32 +5,16 @@
 
 namespace Metier_Tarvel {
 
-using Outils_Objets::CSchema;
+using Outils_Objets::SerializeUnchanged;
 
-void CTrvPeriod::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrvObject::Serialize(archive);
-    schema.Field(begin);
-    schema.Field(end);
-}
+void CTrvPeriod::Serialize(CArchive& archive) { SerializeUnchanged<CTrvObject>(archive, *this, begin, end); }
 
-void CTrvOutputRate::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrvPeriod::Serialize(archive);
-    schema.Field(value);
-}
+void CTrvOutputRate::Serialize(CArchive& archive) { SerializeUnchanged<CTrvPeriod>(archive, *this, value); }
 
-void CTrvModePeriod::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrvPeriod::Serialize(archive);
-    schema.Field(mode);
-}
+void CTrvModePeriod::Serialize(CArchive& archive) { SerializeUnchanged<CTrvPeriod>(archive, *this, mode); }
 
 void CTrvRejectionInstruction::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrvPeriod::Serialize(archive);
-    schema.Reference(group);
-    schema.Field(mode);
+    SerializeUnchanged<CTrvPeriod>(archive, *this, group, mode);
 }
 
 CTrvRejectionInstruction* CTrvRejectionGroup::AddInstruction() {
@@ -44,18 +28,11 @@ bool CTrvRejectionGroup::RemoveInstruction(const CTrvRejectionInstruction* instr
 }
 
 void CTrvRejectionGroup::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrvObject::Serialize(archive);
-    schema.Reference(sensor);
-    schema.Field(name);
-    schema.OwnedList(instructions);
+    SerializeUnchanged<CTrvObject>(archive, *this, sensor, name, instructions);
 }
 
 void CTrvHorizontalFilteringInstruction::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrvPeriod::Serialize(archive);
-    schema.Reference(sensor);
-    schema.Field(threshold);
+    SerializeUnchanged<CTrvPeriod>(archive, *this, sensor, threshold);
 }
 
 } // namespace Metier_Tarvel

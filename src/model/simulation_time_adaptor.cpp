@@ -31,9 +31,7 @@ bool CTrvSimulationTimeAdaptor::TextToValue(std::string_view text, const CTrvSim
 }
 
 void CTrvSimulationTimeAdaptor::Serialize(CArchive& archive) {
-    Outils_Objets::CSchema schema(archive, 1);
-    CTrvObject::Serialize(archive);
-    schema.Field(mode);
+    Outils_Objets::SerializeUnchanged<CTrvObject>(archive, *this, mode);
 }
 
 } // namespace Metier_Tarvel

@@ -6,6 +6,7 @@
 namespace Metier_Tarvel {
 
 using Outils_Objets::CSchema;
+using Outils_Objets::SerializeUnchanged;
 
 namespace {
 
@@ -57,11 +58,7 @@ CTrvOdometerStdDevInstruction::CTrvOdometerStdDevInstruction() {
 }
 
 void CTrvGpsStdDevThreshold::Serialize(CArchive& archive) {
-    CSchema schema(archive, 1);
-    CTrvObject::Serialize(archive);
-    schema.Field(latitude);
-    schema.Field(longitude);
-    schema.Field(altitude);
+    SerializeUnchanged<CTrvObject>(archive, *this, latitude, longitude, altitude);
 }
 
 } // namespace Metier_Tarvel
