@@ -11,6 +11,9 @@
 
 class CFieldWriter {
   public:
+    // Narrow text is that of the first builds of the original platform.
+    explicit CFieldWriter(bool narrowText = false) : m_narrowText(narrowText) {}
+
     // A new object of this class; its index for later references.
     int Object(const std::string& className) {
         const auto [known, isNew] = m_classes.emplace(className, m_lastIndex + 1);
@@ -35,10 +38,12 @@ class CFieldWriter {
     void Int(std::int32_t value) { Put<std::int32_t>(value); }
     void Real(double value) { Put<double>(value); }
     void Ticks(std::int64_t value) { Put<std::int64_t>(value); }
-    // Shorter than 255 characters.
-    void Text(std::string_view ascii) {
-        Put<std::uint8_t>(0xFF, 0xFE, 0xFF, ascii.size());
-        for (const char c : ascii) Put<std::uint16_t>(static_cast<unsigned char>(c));
+    // Latin-1, shorter than 255 characters.
+    void Text(std::string_view text) {
+        if (!m_narrowText) Put<std::uint8_t>(0xFF, 0xFE, 0xFF);
+        Put<std::uint8_t>(text.size());
+        for (const char c : text)
+            m_narrowText ? Put<std::uint8_t>(c) : Put<std::uint16_t>(static_cast<unsigned char>(c));
     }
 
     const std::vector<std::uint8_t>& GetBytes() const { return m_bytes; }
@@ -51,6 +56,7 @@ class CFieldWriter {
         std::memcpy(&m_bytes[at], &value, sizeof value);
     }
 
+    bool m_narrowText;
     std::vector<std::uint8_t> m_bytes;
     std::map<std::string, int> m_classes;
     int m_lastIndex = 0;

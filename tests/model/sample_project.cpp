@@ -6,7 +6,8 @@ namespace {
 
 class CSampleWriter {
   public:
-    CSampleWriter(const Versions& layout, const Versions& content) : m_layout(layout), m_content(content) {}
+    CSampleWriter(const Versions& layout, const Versions& content, const SSampleForm& form)
+        : w(form.narrowText), m_layout(layout), m_content(content), m_form(form) {}
 
     std::vector<std::uint8_t> Write() {
         m_project = w.Object("CTrvProject");
@@ -22,6 +23,9 @@ class CSampleWriter {
     // its own.
     bool Has(const std::string& name, int since) const { return m_layout.at(name) >= since; }
     bool Filled(const std::string& name, int since) const { return m_content.at(name) >= since; }
+
+    // To the object that holds the present one.
+    void Holder(int index) { m_form.nullHolders ? w.Null() : w.Reference(index); }
 
     void Triple(const char* name, double first, double second, double third) {
         w.Object(name);
@@ -84,17 +88,19 @@ class CSampleWriter {
         w.Reference(m_mainFile);
         DataFile("D:\\data\\a.tarout", 0);
         w.Int(1);
-        m_external = DataFile("D:\\data\\b.tarin", 0);
+        m_external = DataFile("D:\\donn\xE9"
+                              "es\\b.tarin",
+                              0);
         w.Put<std::uint8_t>(1);
         w.Ticks(130000000000000000);
     }
 
     // A data file with `count` channels; the channel around it is its first one.
-    int DataFile(const char* path, int count) {
+    int DataFile(const std::string& path, int count) {
         const std::string name = "CTrvDataFile";
         const int file = w.Object(name);
         w.Version(m_layout.at(name));
-        w.Reference(m_parameters);
+        Holder(m_parameters);
         w.Text(path);
         w.Int(count);
         if (count > 0) w.Reference(m_channels.front());
@@ -111,9 +117,9 @@ class CSampleWriter {
         m_channels.push_back(w.Object("CTrvDataFileChannel"));
         w.Version(1);
         if (number == 0)
-            m_mainFile = DataFile("D:\\data\\a.tarin", 9);
+            m_mainFile = DataFile(m_form.mainFile, 9);
         else
-            w.Reference(file);
+            Holder(file);
         w.Put<std::uint16_t>(number + 10);
         w.Text("CHANNEL_" + std::to_string(number));
         w.Text(classes[number]);
@@ -124,7 +130,7 @@ class CSampleWriter {
         const int sensor = w.Object(name);
         w.Int(m_layout.contains(name) ? m_layout.at(name) : 1);
         w.Version(m_layout.at("CTrvSensor"));
-        w.Reference(m_parameters);
+        Holder(m_parameters);
         if (number == 0)
             Channel(0, 0);
         else
@@ -134,13 +140,13 @@ class CSampleWriter {
         for (const std::string& group : groups) {
             const int index = w.Object("CTrvRejectionGroup");
             w.Version(1);
-            w.Reference(sensor);
+            Holder(sensor);
             w.Text(group);
             w.Int(1);
             w.Object("CTrvRejectionInstruction");
             w.Int(1);
             Period(70, 80);
-            w.Reference(index);
+            Holder(index);
             w.Int(2);
         }
         if (Has("CTrvSensor", 2)) w.Put<std::uint8_t>(Filled("CTrvSensor", 2) ? 1 : 0);
@@ -165,7 +171,7 @@ class CSampleWriter {
             for (int i = 0; i < 2; ++i) {
                 const int version = m_layout.at("CTrvDvlStdDevInstruction");
                 StdDev("CTrvDvlStdDevInstruction", {1, 2, 3}, Filled(name, 3), version);
-                if (version >= 2) w.Reference(sensor);
+                if (version >= 2) Holder(sensor);
             }
         }
     }
@@ -183,7 +189,7 @@ class CSampleWriter {
         w.Object("CTrvHorizontalFilteringInstruction");
         w.Int(1);
         Period(90, 95);
-        w.Reference(sensor);
+        Holder(sensor);
         w.Put<float>(1.5f);
     }
 
@@ -242,14 +248,14 @@ class CSampleWriter {
     void GraphBase(int graphVersionOfClass, int settings, const char* title) {
         w.Int(graphVersionOfClass);
         w.Version(m_layout.at("CTrv1DGraph"));
-        if (Has("CTrv1DGraph", 2)) w.Reference(settings);
+        if (Has("CTrv1DGraph", 2)) Holder(settings);
         w.Text(title);
     }
 
     void Graphs() {
         const int settings = w.Object("CTrv1DSettings");
         w.Version(m_layout.at("CTrv1DSettings"));
-        if (Has("CTrv1DSettings", 2)) w.Reference(m_project);
+        if (Has("CTrv1DSettings", 2)) Holder(m_project);
         w.Int(2);
         w.Object("CTrv1DGraphEnum");
         GraphBase(m_layout.at("CTrv1DGraphEnum"), settings, "States");
@@ -262,7 +268,7 @@ class CSampleWriter {
         w.Int(1);
         w.Object(name);
         w.Version(m_layout.at(name));
-        w.Reference(graph);
+        Holder(graph);
         FieldOf(m_external);
         if (Has(name, 2)) w.Text(Filled(name, 2) ? "Depth" : "unknown");
         if (Has(name, 3)) w.Put<std::uint32_t>(Filled(name, 3) ? 0x80123456 : 0xFF000000);
@@ -278,7 +284,7 @@ class CSampleWriter {
     void InstantValues() {
         const int settings = w.Object("CTrvInstantValuesSettings");
         w.Version(1);
-        w.Reference(m_project);
+        Holder(m_project);
         const bool filled = Filled("CTrvProject", 3);
         for (const std::string name : {"CTrvInstantValuesMeasure", "CTrvInstantValuesEnum"}) {
             w.Int(filled ? 1 : 0);
@@ -286,7 +292,7 @@ class CSampleWriter {
             const bool hasSecond = name == "CTrvInstantValuesMeasure";
             w.Object(name);
             w.Version(hasSecond ? m_layout.at(name) : 1);
-            w.Reference(settings);
+            Holder(settings);
             w.Text("Row");
             FieldOf(m_mainFile);
             if (hasSecond && Has(name, 2)) w.Int(Filled(name, 2) ? 6 : 0);
@@ -296,6 +302,7 @@ class CSampleWriter {
     CFieldWriter w;
     const Versions& m_layout;
     const Versions& m_content;
+    const SSampleForm& m_form;
     int m_project = 0;
     int m_parameters = 0;
     int m_mainFile = 0;
@@ -328,6 +335,7 @@ const Versions& CurrentVersions() {
     return versions;
 }
 
-std::vector<std::uint8_t> WriteSampleProject(const Versions& layout, const Versions& content) {
-    return CSampleWriter(layout, content).Write();
+std::vector<std::uint8_t> WriteSampleProject(const Versions& layout, const Versions& content,
+                                             const SSampleForm& form) {
+    return CSampleWriter(layout, content, form).Write();
 }
