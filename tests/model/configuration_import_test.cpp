@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <functional>
+#include <map>
 
 using namespace Metier_Tarvel;
 
@@ -26,6 +28,12 @@ class ConfigurationImportTest : public testing::Test {
     bool ImportWeb(const std::string& lines) {
         CInsWebConfigurationFile file;
         return file.Open(Write(kHeader + lines)) && parameters.ImportWebConfiguration(file);
+    }
+    // The lever arms, first coordinate only, of the sensors in order.
+    std::vector<double> LeverArms() {
+        std::vector<double> lengths;
+        for (const auto& sensor : parameters.sensors) lengths.push_back(sensor->GetLeverArm()->xv1);
+        return lengths;
     }
     std::string SensorNames() {
         std::string names;
@@ -128,6 +136,85 @@ TEST_F(ConfigurationImportTest, EmbeddedConfigurationFillsTheProject) {
     EXPECT_FALSE(ImportWeb("MesaCrt=1,2,3\nLVA=1,2,3,4,5,6,7,8,9,10,11\nMesaOrient=1\nCOG=1,2,4\n"));
 }
 
+// Every row of both tables: a connected sensor, the place of its values and its turn, whatever the order in
+// the file.
+TEST_F(ConfigurationImportTest, EverySensorIsCreatedInItsTurn) {
+    std::string ini = kSystem;
+    int length = 10;
+    for (const char* section :
+         {"Odo", "Depth", "Lbl", "Usbl2", "Usbl1", "Usbl0", "Dvl", "LochEM", "Gps2", "Gps"})
+        ini += std::string("[") + section + "]\nPort=1\nMesalign=0,0,0,0\nLvArm=" + std::to_string(length--) +
+               ",0,0\n";
+    const std::vector<double> turns{1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
+    ASSERT_TRUE(ImportIni(ini));
+    EXPECT_EQ(SensorNames(), "Gps Gps EMLog Dvl Usbl Usbl Usbl Lbl Depth Odometer ");
+    EXPECT_EQ(LeverArms(), turns);
+
+    parameters.sensors.clear();
+    std::string web = "MesaCrt=1,2,3\nLVA=1,2,3,4,5,6,7,8,9,10,11,12\nMesaOrient=1\nCOG=1,2,4\n";
+    length = 10;
+    for (const char* key : {"ODO", "USBL2", "USBL1", "USBL0", "LBL", "LEM", "DVL", "Depth", "GPS2", "GPS"})
+        web += std::string(key) + "LVA=" + std::to_string(length--) + ",0,0\n";
+    ASSERT_TRUE(ImportWeb(web + "ExtSToSerial=0,1,1,1,1,0,1,0,1,1,1,1,1\n"));
+    EXPECT_EQ(SensorNames(), "Gps Gps Depth Dvl EMLog Lbl Usbl Usbl Usbl Odometer ");
+    EXPECT_EQ(LeverArms(), turns);
+}
+
+// Each value in its turn is damaged: what comes before it is taken, it and what follows are not.
+TEST_F(ConfigurationImportTest, WhatWasReadBeforeAFailureStays) {
+    using Value = std::function<double(const CTrvSimulationParameters&)>;
+    struct SStep {
+        std::string section; // empty in the embedded file
+        std::string key;
+        std::string good;
+        Value get; // 7 once it has been read
+    };
+    const auto ins = [](auto member) {
+        return [member](const CTrvSimulationParameters& p) { return member(*p.nelixConfiguration); };
+    };
+    using Ins = const CTrvNelixConfiguration&;
+    const Value factory = ins([](Ins i) { return i.factoryMisalignment->heading; });
+    const Value fine = ins([](Ins i) { return i.fineMisalignment->heading; });
+    const Value primary = ins([](Ins i) { return i.primaryLeverArm->xv1; });
+    const Value armC = ins([](Ins i) { return i.secondaryLeverArmC->xv1; });
+    const Value rough = ins([](Ins i) { return static_cast<double>(i.roughMisalignment); });
+    const Value centre = ins([](Ins i) { return i.cogLeverArm->xv1; });
+    const std::vector<SStep> files[] = {
+        {{"System", "Position", "7,7,7", [](const auto& p) { return p.referencePosition.latitude; }},
+         {"Usine", "CRT", "7,7,7", factory},
+         {"System", "bias", "7,7,7", fine},
+         {"System", "PriLvArm", "7,7,7", primary},
+         {"System", "SecLvArmA", "7,7,7", ins([](Ins i) { return i.secondaryLeverArmA->xv1; })},
+         {"System", "SecLvArmB", "7,7,7", ins([](Ins i) { return i.secondaryLeverArmB->xv1; })},
+         {"System", "SecLvArmC", "7,7,7", armC},
+         {"System", "Axisor", "7", rough},
+         {"Cog", "LvArm", "7,7,7", centre}},
+        {{"", "MesaCrt", "7,7,7", fine},
+         {"", "LVA", "7,7,7,7,7,7,7,7,7,7,7,7", armC},
+         {"", "MesaOrient", "7", rough},
+         {"", "COG", "7,7,7", centre}},
+    };
+    for (const std::vector<SStep>& steps : files) {
+        for (std::size_t bad = 0; bad <= steps.size(); ++bad) {
+            std::map<std::string, std::string> sections;
+            for (std::size_t i = 0; i < steps.size(); ++i)
+                sections[steps[i].section] += steps[i].key + "=" + (i == bad ? "x" : steps[i].good) + "\n";
+            CTrvSimulationParameters fresh;
+            if (const auto embedded = sections.find(""); embedded != sections.end()) {
+                CInsWebConfigurationFile file;
+                ASSERT_TRUE(file.Open(Write(kHeader + embedded->second)));
+                EXPECT_EQ(fresh.ImportWebConfiguration(file), bad == steps.size()) << bad;
+            } else {
+                std::string text;
+                for (const auto& [section, lines] : sections) text += "[" + section + "]\n" + lines;
+                EXPECT_EQ(fresh.ImportIniConfiguration(Write(text)), bad == steps.size()) << bad;
+            }
+            for (std::size_t i = 0; i < steps.size(); ++i)
+                EXPECT_EQ(steps[i].get(fresh) == 7, i < bad) << steps[i].key << " with damaged " << bad;
+        }
+    }
+}
+
 TEST_F(ConfigurationImportTest, EmbeddedFileIsKnownByItsHeader) {
     CInsWebConfigurationFile file;
     EXPECT_TRUE(file.Open(Write(kHeader)));
@@ -153,4 +240,23 @@ TEST_F(ConfigurationImportTest, IniReaderKeepsTheProfileRules) {
     EXPECT_EQ(file.GetInt("a", "q"), 0);
     EXPECT_TRUE(file.HasContent("a"));
     EXPECT_FALSE(file.HasContent("e"));
+
+    struct SEncoding {
+        std::string bytes;
+        const char* first;
+        const char* second;
+    };
+    constexpr std::u16string_view kWide = u"[a]\nk=\u20AC\n[b]\nk=2\n";
+    const SEncoding encodings[] = {
+        {"[a]\nk=\xE9\n[b]\nk=2\n", "\u00E9", "2"},
+        {"\xFF\xFE" + std::string(reinterpret_cast<const char*>(kWide.data()), kWide.size() * 2), "\u20AC",
+         "2"},
+        // The platform does not know the mark of UTF-8 and takes it as part of the first line.
+        {"\xEF\xBB\xBF[a]\nk=1\n[b]\nk=2\n", "none", "2"},
+    };
+    for (const SEncoding& test : encodings) {
+        ASSERT_TRUE(file.Open(Write(test.bytes)));
+        EXPECT_EQ(file.GetString("a", "k", "none"), test.first);
+        EXPECT_EQ(file.GetString("b", "k", "none"), test.second);
+    }
 }

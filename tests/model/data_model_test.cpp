@@ -1,3 +1,4 @@
+#include "model/dictionary/visibility.h"
 #include "model/project.h"
 #include "recording/recording_writer.h"
 #include "recording_folder.h"
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <set>
 
 using namespace Metier_Tarvel;
 using namespace Metier_Tarvel_DataModel;
@@ -108,6 +110,81 @@ TEST_F(DataModelTest, FieldsOutsideTheTablesAreForExperts) {
     EXPECT_FALSE(HasMeasure(Layer("DEPTH"), "Novelty")) << "four elements are no measure";
 }
 
+// Each block of the two tables: what it hides, and how many of its fields are for all and for experts.
+TEST(Visibility, BlocksHoldTheFieldsOfEveryVersion) {
+    struct SBlock {
+        EFileKind kind;
+        std::uint16_t type;
+        std::uint32_t version;
+        std::set<std::string_view> hidden;
+        std::size_t visible;
+        std::size_t expertOnly = 0;
+    };
+    using enum EFileKind;
+    const std::set<std::string_view> measure{"Date", "Delay", "Rejection"};
+    const std::set<std::string_view> position{"Date", "Delay", "Horizontal rejection", "Vertical rejection"};
+    const std::set<std::string_view> status{"Algorithm status 1", "Algorithm status 2", "Algorithm status 3"};
+    const std::set<std::string_view> imu{"Date", "FrameCounter", "System type", "Data type"};
+    const std::set<std::string_view> utc{"UTC Year", "UTC Month",  "UTC Day",
+                                         "UTC Hour", "UTC Minute", "UTC Second"};
+    const auto join = [](std::set<std::string_view> a, const std::set<std::string_view>& b) {
+        a.insert(b.begin(), b.end());
+        return a;
+    };
+    std::set<std::string_view> states; // the estimated ones of the engine
+    for (const SFieldLayout& field : kMorvexExtLayout.fields)
+        if (field.name.find("bias") == std::string_view::npos) states.insert(field.name);
+    const SBlock blocks[] = {
+        {tarin, typeImu, 2, imu, 7},
+        {tarin, typeImu, 1, join(imu, status), 7, 1},
+        {tarin, typeDvl, 1, measure, 9},
+        {tarin, typeEMLog, 1, measure, 2},
+        {tarin, typeGps, 2, join(position, {"GPS mode"}), 8},
+        {tarin, typeGps, 1, join(position, {"GPS mode"}), 7},
+        {tarin, typeDepth, 1, measure, 2},
+        {tarin, typeUsbl, 1, join(position, {"Beacon"}), 8},
+        {tarin, typeLbl, 1, join(measure, {"Beacon"}), 5},
+        {tarin, typeUtc, 2, measure, 6, 1},
+        {tarin, typeUtc, 1, measure, 6},
+        {tarin, typeOdometer, 2, measure, 2},
+        {tarin, typeOdometer, 1, measure, 2},
+        {tarin, typeSynchro, 2, measure, 1},
+        {tarin, typeSynchro, 1, measure, 0},
+        {tarin, typeNelixNav, 2, join(status, {"Date"}), 9},
+        {tarin, typeNelixNav, 1, {"Date"}, 5},
+        {tarin, typeTemperature, 1, {"Date"}, 0, 8},
+        {tarin, typePlatformOrientation, 1, {"Date"}, 3},
+        {tarout, typeMorvexStd, 2, join(join(status, utc), {"Date", "Sensor", "SensorData"}), 40},
+        {tarout, typeMorvexStd, 1, join(join(status, utc), {"Date"}), 40},
+        {tarout, typeMorvexMsg, 1, {"Date", "Level", "Text"}, 0},
+        {tarout, typeMorvexExt, 1, states, 0, 6},
+        {tarout, typeMorvexSta, 1, {"Date", "Vector size", "Vector", "Matrix size", "Matrix"}, 0},
+    };
+    std::set<std::string_view> names{"Temperatures", "Distance",    "Std. dev. distance",
+                                     "Speed",        "Vector size", "Vector",
+                                     "Matrix size",  "Matrix",      "Novelty"};
+    for (std::uint16_t type = typeImu; type <= typePlatformOrientation; ++type)
+        if (const SPacketLayout* layout = FindPacketLayout(type))
+            for (const SFieldLayout& field : layout->fields) names.insert(field.name);
+
+    std::size_t rows[2] = {};
+    for (const SBlock& block : blocks) {
+        std::set<std::string_view> hidden;
+        std::size_t visible = 0;
+        for (const std::string_view name : names) {
+            const EVisibility visibility = GetVisibility(block.kind, block.type, block.version, name);
+            if (visibility == EVisibility::hidden) hidden.insert(name);
+            visible += visibility == EVisibility::visible;
+        }
+        EXPECT_EQ(hidden, block.hidden) << block.type << " version " << block.version;
+        EXPECT_EQ(visible, block.visible) << block.type << " version " << block.version;
+        EXPECT_EQ(GetVisibility(block.kind, block.type, 3, "Date"), EVisibility::expertOnly);
+        rows[static_cast<int>(block.kind)] += block.hidden.size() + block.visible + block.expertOnly;
+    }
+    EXPECT_EQ(rows[0], 163u);
+    EXPECT_EQ(rows[1], 181u);
+}
+
 TEST_F(DataModelTest, FirstImuLayoutHasTemperaturesForExpertsAndNoNatures) {
     const auto path = Create("a.tarin", {"IMU"});
     Patch(path, kDefinitions + 2, "\1");
@@ -130,6 +207,14 @@ TEST_F(DataModelTest, RefreshKeepsTheLayersThatStay) {
     const CTrvDataLayer* gps = &Layer("GPS_1");
     EXPECT_FALSE(model.RefreshFromFile(file, false));
     Create("a.tarin", {"GPS_1", "DEPTH"});
+    EXPECT_TRUE(model.RefreshFromFile(file, false));
+    EXPECT_EQ(Names(), (List{"GPS_1", "DEPTH"}));
+    EXPECT_EQ(&Layer("GPS_1"), gps);
+
+    // Of layers with one name the first stays.
+    CTrvDataLayer& twin = *model.m_layers.emplace_back(std::make_unique<CTrvDataLayer>());
+    twin.m_name = "GPS_1";
+    twin.m_dataFile = &file;
     EXPECT_TRUE(model.RefreshFromFile(file, false));
     EXPECT_EQ(Names(), (List{"GPS_1", "DEPTH"}));
     EXPECT_EQ(&Layer("GPS_1"), gps);
