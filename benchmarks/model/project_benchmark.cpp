@@ -1,4 +1,5 @@
-// Opening, checking and saving a project that holds this many instructions of every kind.
+// Opening, checking and saving a project that has every sensor it may have and this many instructions of
+// every kind, also in each group of each sensor.
 #include "foundation/archive.h"
 #include "model/project.h"
 #include "model/registration.h"
@@ -22,7 +23,8 @@ std::unique_ptr<CTrvProject> MakeProject(int count) {
     CTrvSimulationParameters& parameters = *project->simulationParameters;
     for (const SSensorKind& kind : GetSensorKinds()) {
         parameters.mainInputFile->AddChannel(1, "c", std::string(kind.className));
-        parameters.AddSensor(kind.kind);
+        while (parameters.AddSensor(kind.kind)) {
+        }
     }
     for (int i = 0; i < count; ++i) {
         Fill(parameters.AddZupt(), i);
