@@ -5,6 +5,7 @@
 #include "foundation/text.h"
 
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <optional>
 
@@ -66,7 +67,12 @@ std::uint32_t CXmlConfigValue::GetUInt() const {
 void CXmlConfigValue::SetUInt(std::uint32_t value) { SetString(std::to_string(value)); }
 
 double CXmlConfigValue::GetDouble() const {
-    return Read([](const std::string& text) { return Outils_Texte::ParseDouble(text); }, 0.0);
+    // No setting means an infinity, and nobody who computes with one expects it.
+    const auto parse = [](const std::string& text) {
+        const auto number = Outils_Texte::ParseDouble(text);
+        return number && std::isfinite(*number) ? number : std::nullopt;
+    };
+    return Read(parse, 0.0);
 }
 
 void CXmlConfigValue::SetDouble(double value) { SetString(Outils_Texte::FormatFixed(value, 6)); }

@@ -43,6 +43,7 @@ class CXmlConfigValue {
     void SetInt(std::int32_t value);
     std::uint32_t GetUInt() const;
     void SetUInt(std::uint32_t value);
+    // Finite: "inf", "nan" and what no double holds do not parse.
     double GetDouble() const;
     // Six decimals.
     void SetDouble(double value);

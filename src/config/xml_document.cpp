@@ -3,7 +3,9 @@
 #include "foundation/files.h"
 #include "foundation/text.h"
 
+#include <algorithm>
 #include <optional>
+#include <vector>
 
 namespace Outils_Configuration {
 
@@ -27,6 +29,31 @@ bool IsWellFormed(const pugi::xml_document& document) {
     }
     return elements == 1;
 }
+
+// Character data with characters beyond Latin-1.
+class CUnwritableData : public pugi::xml_tree_walker {
+  public:
+    bool for_each(pugi::xml_node& node) override {
+        // The lead bytes of those characters are the only bytes from C4 up.
+        const std::string_view text = node.value();
+        if (node.type() == pugi::node_cdata && std::any_of(text.begin(), text.end(), [](char c) {
+                return static_cast<unsigned char>(c) >= 0xC4;
+            }))
+            m_found.push_back(node);
+        return true;
+    }
+    // A character reference means nothing inside character data, so it becomes ordinary text.
+    void Open() const {
+        for (const pugi::xml_node& node : m_found) {
+            pugi::xml_node parent = node.parent();
+            parent.insert_child_before(pugi::node_pcdata, node).set_value(node.value());
+            parent.remove_child(node);
+        }
+    }
+
+  private:
+    std::vector<pugi::xml_node> m_found;
+};
 
 // Thrown out of the library's printing, which has no other way to be stopped.
 struct STooLarge {};
@@ -90,9 +117,14 @@ std::unique_ptr<pugi::xml_document> LoadXmlDocument(const std::filesystem::path&
 
 bool SaveXmlDocument(const pugi::xml_document& document, const std::filesystem::path& path,
                      std::size_t limit) {
+    pugi::xml_document written;
+    written.reset(document);
+    CUnwritableData unwritable;
+    written.traverse(unwritable);
+    unwritable.Open();
     // Deep nesting makes indentation grow with the square of the depth; such a document is written as it is.
-    auto text = Print(document, pugi::format_indent, limit);
-    if (!text) text = Print(document, pugi::format_raw, limit);
+    auto text = Print(written, pugi::format_indent, limit);
+    if (!text) text = Print(written, pugi::format_raw, limit);
     if (!text) return false;
     const std::string bytes = ToLatin1(*text);
     // What could not be loaded again must not replace a good file.

@@ -2,6 +2,7 @@
 
 #include "values/units.h"
 
+#include <algorithm>
 #include <span>
 
 namespace Outils_Valeurs {
@@ -42,6 +43,9 @@ constexpr SQuantityRow kQuantities[] = {
     Row<"adaptors/rawAccMeasurement/precision", "adaptors/rawAccMeasurement/unit">(Units::kRawAcc),
 };
 static_assert(std::size(kQuantities) == static_cast<std::size_t>(EQuantity::count));
+static_assert(std::ranges::all_of(kQuantities, [](const SQuantityRow& row) {
+    return std::ranges::count(row.units, kSchema[row.unit.row].defaultText, &SUnitRow::symbol) == 1;
+}));
 
 // What shows the fields of a nature code; `count` for plain numbers, and for latitude and longitude, which
 // have adaptors of their own. A time length is shown as a rate: the other quantity in seconds has no

@@ -56,6 +56,10 @@ TEST(Schema, RowsAreUniqueAndTheirDefaultsParse) {
         if (!WordsOf(row.kind).empty()) {
             auto& words = static_cast<CXmlConfigEnumeration&>(value);
             EXPECT_EQ(WordsOf(row.kind)[static_cast<std::size_t>(words.Get())], row.defaultText);
+            for (int number = 0; number < static_cast<int>(WordsOf(row.kind).size()); ++number) {
+                words.Set(number);
+                EXPECT_EQ(words.Get(), number);
+            }
         }
         value.SetString("?!");
         switch (row.kind) {
@@ -148,6 +152,8 @@ TEST_F(Settings, TextsAreReadByTheRulesOfTheirTypes) {
         {"1.5x", false, 0.5, 3, 0xFF000000, u'1'},
         {".0", false, 0.5, 3, 0xFF000000, u'.'},
         {"-0", false, 0.0, 0, 0, u'-'},
+        {"1e999", false, 0.5, 3, 0xFF000000, u'1'},
+        {"nan", false, 0.5, 3, 0xFF000000, u'n'},
         {"99999999999", false, 99999999999.0, 2147483647, 0xFFFFFFFF, u'9'},
         {"FfFf0000", false, 0.5, 3, 0xFFFF0000, u'F'},
         {"", false, 0.5, 3, 0xFF000000, u'd'},
@@ -190,6 +196,15 @@ TEST_F(Settings, UnknownContentSurvivesALoadAndASave) {
         EXPECT_NE(once.find(kept), std::string::npos) << kept;
     ASSERT_TRUE(settings.Load(m_path));
     EXPECT_EQ(Saved(), once);
+
+    // Character data has no references for what Latin-1 lacks.
+    ASSERT_TRUE(LoadGeneral("<userGuide><![CDATA[a<b]]></userGuide><x><![CDATA[\xE2\x82\xAC<]]></x>"));
+    settings.Set(Cnf<"general/userGuide">, "\xCE\xB1 & \xCE\xB2");
+    const std::string data = Saved();
+    EXPECT_NE(data.find("<x>&#8364;&lt;</x>"), std::string::npos);
+    ASSERT_TRUE(settings.Load(m_path));
+    EXPECT_EQ(settings.Get(Cnf<"general/userGuide">), "\xCE\xB1 & \xCE\xB2");
+    EXPECT_EQ(Saved(), data);
 
     ASSERT_TRUE(LoadGeneral("<expertMode>tr<!-- cut -->ue</expertMode>"));
     EXPECT_TRUE(settings.Get(Cnf<"general/expertMode">));

@@ -39,11 +39,16 @@ CDateTime Date(std::uint16_t year, std::uint16_t month, std::uint16_t day, std::
 } // namespace
 
 TEST(Units, RowsAreSoundAndTheRosterIsSetUpFromTheFile) {
-    for (const std::span<const SUnitRow> units :
-         {std::span<const SUnitRow>(Units::kDistance), std::span<const SUnitRow>(Units::kAngle),
-          std::span<const SUnitRow>(Units::kRawFog), std::span<const SUnitRow>(Units::kSpan)}) {
-        std::set<std::string_view> symbols;
-        for (const SUnitRow& row : units) EXPECT_TRUE(symbols.insert(row.symbol).second && row.A * row.B > 0);
+    const std::span<const SUnitRow> tables[] = {
+        Units::kDistance,     Units::kTime,         Units::kAngle,         Units::kSpeed,
+        Units::kAcceleration, Units::kAngularSpeed, Units::kCrossvariance, Units::kScaleFactor,
+        Units::kTimeDrift,    Units::kRawFog,       Units::kRawAcc,        Units::kSpan};
+    for (const auto units : tables) {
+        std::set<std::string_view> names, symbols;
+        for (const SUnitRow& row : units) {
+            EXPECT_TRUE(names.insert(row.name).second && symbols.insert(row.symbol).second) << row.name;
+            EXPECT_TRUE(row.A > 0 && row.B > 0 && !row.symbol.empty()) << row.name;
+        }
     }
     CTrvCnfConfigFile configuration;
     CTrvAdaptors adaptors;
@@ -97,8 +102,41 @@ TEST(Units, RowsAreSoundAndTheRosterIsSetUpFromTheFile) {
 }
 
 TEST(PhysicalValueAdaptor, ReadsNumbersWithTheUnitsOfItsTable) {
-    CPhysicalValueAdaptor metres = CTrvAdaptors().Get(EQuantity::distance);
-    EXPECT_DOUBLE_EQ(Read(metres, "12 ft"), 3.6576);
+    const CTrvAdaptors adaptors;
+    constexpr double degree = 180 / std::numbers::pi;
+    const struct {
+        EQuantity quantity;
+        const char* text;
+        double value;
+    } typed[] = {
+        {EQuantity::distance, "12 ft", 3.6576},
+        {EQuantity::distance, "1 in", 0.0254},
+        {EQuantity::distance, "1 yd", 0.9144},
+        {EQuantity::distance, "1 mi", 1609.344},
+        {EQuantity::distance, "1 nm", 1852},
+        {EQuantity::altitude, "1 nm", NAN},
+        {EQuantity::leverArm, "-2 cm", -0.02},
+        {EQuantity::altitude, "2 km", 2000},
+        {EQuantity::misalignment, "1 rad", degree},
+        {EQuantity::scaleFactor, "50 %", 0.5},
+        {EQuantity::linearSpeed, "36 kt", 18.52},
+        {EQuantity::linearAcceleration, "1 ft/s2", 0.3048},
+        {EQuantity::angularSpeed, "3600 °/h", 1 / degree},
+        {EQuantity::timeDrift, "1 µs", 1e-6},
+        {EQuantity::timeDrift, "1 s", 1},
+        {EQuantity::rawFogMeasurement, "1 °", 3600000},
+        {EQuantity::rawFogMeasurement, "1 rad", 3600000 * degree},
+        {EQuantity::rawFogMeasurement, "1 mrad", 3600 * degree},
+        {EQuantity::rawFogMeasurement, "1 µrad", 3.6 * degree},
+        {EQuantity::rawAccMeasurement, "1 m/s", 1e7},
+        {EQuantity::rawAccMeasurement, "1 µm/s", 10},
+    };
+    for (const auto& row : typed) {
+        const double read = Read(adaptors.Get(row.quantity), row.text);
+        EXPECT_TRUE(std::isnan(read) == std::isnan(row.value) && !(std::fabs(read / row.value - 1) > 1e-15))
+            << row.text << " " << read;
+    }
+    CPhysicalValueAdaptor metres = adaptors.Get(EQuantity::distance);
     EXPECT_EQ(Read(metres, "\t12ft "), Read(metres, "12 ft"));
     EXPECT_EQ(Read(metres, ".5"), 0.5);
     for (const char* bad :

@@ -24,6 +24,8 @@ class RoundTrip : public testing::Test {
         case 0: return std::round(value);
         case 1: return value * 1e-9;
         case 2: return value * 1e9;
+        case 3: return value * 1e200;
+        case 4: return value * 1e-200;
         default: return value;
         }
     }
@@ -33,7 +35,7 @@ class RoundTrip : public testing::Test {
 // Half a unit of the last decimal of a number shown as `shown`, and what doubles of its size cannot tell
 // apart.
 double Tolerance(double shown, int precision) {
-    return 0.5 * std::pow(10.0, -precision) + std::fabs(shown) * 4e-16;
+    return 0.5 * std::pow(10.0, -precision) + std::fabs(shown) * 5e-16;
 }
 
 } // namespace
@@ -58,6 +60,13 @@ TEST_F(RoundTrip, PhysicalValues) {
                     const double shown = unit.FromInternal(value);
                     ASSERT_NEAR(unit.FromInternal(read), shown, Tolerance(shown, adaptor.precision)) << text;
                 }
+            // What is no number is shown, but cannot be typed.
+            for (const double value : {HUGE_VAL, -HUGE_VAL, std::nan("")}) {
+                std::string text;
+                double read = 0.0;
+                ASSERT_TRUE(adaptor.ValueToText(value, text));
+                ASSERT_FALSE(adaptor.TextToValue(text, read)) << text;
+            }
         }
     }
 }
