@@ -57,6 +57,8 @@ void AddProjects(CSeedWriter& seeds) {
     const auto current = WriteSampleProject(CurrentVersions(), CurrentVersions());
     seeds.Add("project_archive", "current", current);
     seeds.Add("project_archive", "oldest", WriteSampleProject(oldest, oldest));
+    const SSampleForm form{.narrowText = true, .mainFile = "..\\donn\351es\\a.tarin"};
+    seeds.Add("project_archive", "oldest_narrow", WriteSampleProject(oldest, oldest, form));
 
     const auto project = Fuzz::TryLoad<CTrvProject>(current);
     Fuzz::Require(project != nullptr, "the sample loads");

@@ -88,9 +88,7 @@ class CSampleWriter {
         w.Reference(m_mainFile);
         DataFile("D:\\data\\a.tarout", 0);
         w.Int(1);
-        m_external = DataFile("D:\\donn\xE9"
-                              "es\\b.tarin",
-                              0);
+        m_external = DataFile("D:\\donn\351es\\b.tarin", 0);
         w.Put<std::uint8_t>(1);
         w.Ticks(130000000000000000);
     }
