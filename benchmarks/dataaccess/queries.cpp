@@ -1,9 +1,11 @@
 // What a user waits for: a window of ten minutes, a moment, and the end of a query that a pan has made stale.
+#include "dataaccess/date_search.h"
 #include "dataaccess/recording.h"
 #include "dataaccess/view_queries.h"
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <fstream>
 #include <random>
 #include <thread>
@@ -15,6 +17,7 @@ using namespace bench;
 namespace {
 
 constexpr std::int64_t kLength = static_cast<std::int64_t>(kPackets) * kStep;
+constexpr std::int64_t kGpsStep = 40 * kStep;
 
 SChannelAddress Address(CXpfFileCache* cache = nullptr) {
     return {GetRecording().GetPath(), EFileKind::tarin, 0, cache};
@@ -50,35 +53,68 @@ void TenMinuteWindow(benchmark::State& state) {
 }
 BENCHMARK(TenMinuteWindow)->Unit(benchmark::kMillisecond);
 
-// The packet at a moment. "reads" counts the read calls of one search, the opening of the file and its header
-// among them.
+// The packet at a moment. "reads" counts the read calls of one search in an open file, both ends of the
+// channel and the packet itself among them; "worst" is the most that one took, "limit" what it may take: a
+// bisection over the packets and two more, or four beside a cache that knows the neighbourhood.
+enum ECacheState { cold, scattered, near };
+
 void Moment(benchmark::State& state) {
-    const bool warm = state.range(0) != 0;
+    const bool sparse = state.range(0) != 0;
+    const auto cacheState = static_cast<ECacheState>(state.range(1));
+    const auto& path = GetRecording().GetPath();
     CXpfFileCache cache;
     std::mt19937_64 random(2);
-    const auto search = [&](std::int64_t ticks) {
-        CTrvViewValueDataQuery query(Address(warm ? &cache : nullptr), CDateTimeSpan(ticks), nullptr);
-        bool cancelled = false;
-        query.Execute(cancelled);
-        benchmark::DoNotOptimize(query.TakePacket());
-    };
-    // A warm cache is one that windows have fed.
-    for (int i = 0; warm && i < 200; ++i) {
-        const auto start = static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(kLength)) | 1;
-        CTrvView1DDataQuery query(
-            Address(&cache), {CDateTimeSpan(start), CDateTimeSpan(start + 1), CDateTimeSpan(1)}, nullptr);
-        bool cancelled = false;
-        query.Execute(cancelled);
-    }
-    const long before = ReadCalls();
+    const Outils::CEvent cancel;
+    const long first = ReadCalls();
+    const long own = ReadCalls() - first; // of the counting itself
+    long reads = 0, worst = 0;
     std::int64_t searches = 0;
-    for (auto _ : state) {
-        search(static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(kLength)) | 1);
+    const auto search = [&](std::int64_t ticks, bool feeds) {
+        bool outdated = false;
+        const auto file = OpenXpfFile(path, EFileKind::tarin, outdated);
+        CXpfChannel& channel = *file->FindChannelByName(sparse ? "GPS_1" : "IMU");
+        file->GetDataStart();
+        const auto packet = channel.CreatePacket();
+        auto& dated = static_cast<CXpfDatedPacket&>(*packet);
+        const SDateSearch how{path, cacheState == cold ? nullptr : &cache, feeds, cancel};
+        SDateBracket bracket;
+        const CDateTimeSpan date(ticks);
+        const long before = ReadCalls();
+        const bool found = SearchDate(channel, dated, date, how, bracket) == EDateSearch::found &&
+                           channel.SeekPacketNumber(PickNearer(bracket, date)) &&
+                           channel.ReadNextPacket(dated);
+        const long taken = ReadCalls() - before - own;
+        if (!found) state.SkipWithError("not found");
+        if (feeds) return;
+        reads += taken;
+        worst = std::max(worst, taken);
         ++searches;
+    };
+    const auto pick = [&] {
+        return static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(kLength - kGpsStep)) | 1;
+    };
+    for (int i = 0; cacheState == scattered && i < 200; ++i) search(pick(), true);
+    for (auto _ : state) {
+        const std::int64_t date = pick();
+        if (cacheState == near) {
+            // A second away from a window that began here.
+            state.PauseTiming();
+            search(date, true);
+            state.ResumeTiming();
+        }
+        search(cacheState == near ? std::min(date + Outils_Temps::kTicksPerSecond, kLength - kGpsStep) : date,
+               false);
     }
-    state.counters["reads"] = static_cast<double>(ReadCalls() - before) / static_cast<double>(searches);
+    const double packets = sparse ? kPackets / 40 : kPackets;
+    state.counters["reads"] = static_cast<double>(reads) / static_cast<double>(searches);
+    state.counters["worst"] = static_cast<double>(worst);
+    state.counters["limit"] = cacheState == near ? 4 : std::ceil(std::log2(packets)) + 2;
 }
-BENCHMARK(Moment)->Arg(0)->Arg(1)->ArgName("warm")->Unit(benchmark::kMicrosecond);
+BENCHMARK(Moment)
+    ->ArgsProduct({{0, 1}, {cold, scattered, near}})
+    ->ArgNames({"sparse", "cache"})
+    ->Iterations(1000)
+    ->Unit(benchmark::kMicrosecond);
 
 // From the request to the end of a query that was reducing the whole recording; the counter "worst_ms" is the
 // goal's figure.

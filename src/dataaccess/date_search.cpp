@@ -55,6 +55,7 @@ EDateSearch SearchDate(CXpfChannel& channel, CXpfDatedPacket& packet, CDateTimeS
     while (bracket.upperNumber > bracket.lowerNumber && bracket.upperNumber - bracket.lowerNumber > 1) {
         if (search.cancel.IsSet()) return EDateSearch::cancelled;
         if (date == bracket.lowerDate || date == bracket.upperDate) break;
+        channel.ExpectNumbers(bracket.lowerNumber, bracket.upperNumber);
         const std::uint32_t middle = bracket.lowerNumber + (bracket.upperNumber - bracket.lowerNumber) / 2;
         CDateTimeSpan middleDate;
         std::uint32_t number = 0;

@@ -71,6 +71,11 @@ class CBlockReader {
     // off from where the walk goes on.
     bool Probe(std::int64_t offset, void* buffer, std::size_t size) const;
 
+    // Moves the window over these bytes, as far as the file has them, unless it holds them already: one read
+    // for a place that is going to be looked at from all sides. Takes at most kLargestFetch of them.
+    void Fetch(std::int64_t offset, std::size_t size);
+    static constexpr std::size_t kLargestFetch = std::size_t{64} << 10;
+
     void Forget();
 
     // Whether these bytes can be had without a read.
@@ -85,6 +90,7 @@ class CBlockReader {
 
     bool Load(std::int64_t offset, std::size_t size);
     void ChooseBlock(bool goesOn);
+    void Fill(std::int64_t begin, std::size_t length, std::size_t needed);
     bool Reserve(std::size_t length, std::int64_t end);
 
     const Outils::CEvent* m_interrupt = nullptr;

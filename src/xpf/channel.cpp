@@ -15,6 +15,8 @@ namespace {
 
 // Packets above this are not taken from the block but read into the caller's buffer.
 constexpr std::size_t kLargestInBlock = std::size_t{64} << 10;
+// What is looked at of a file's end at once: the last trailer, its packet, and some that lie before it.
+constexpr std::int64_t kTail = 4096;
 
 } // namespace
 
@@ -174,6 +176,7 @@ bool CXpfChannel::FindLastPacket(SPacketHeader& header) {
         if (!m_file.ReadHeaderAt(m_last.Get(), header) || !header.Check()) return false;
         if (header.forwardLink == 0) {
             m_current = m_last;
+            m_landmarks[2] = {header.number, m_last.Get(), header};
             return m_file.Seek(m_last.Get());
         }
     }
@@ -192,6 +195,7 @@ bool CXpfChannel::FindLastPacket(SPacketHeader& header) {
         if (!m_file.ReadHeaderAt(position, header) || !trailer.Matches(header)) return false;
     }
     m_current = m_last = position;
+    m_landmarks[2] = {header.number, position, header};
     return m_file.Seek(position);
 }
 
@@ -199,6 +203,7 @@ bool CXpfChannel::FindStreamEnd(std::int64_t& position, SPacketHeader& header) {
     const std::int64_t fileSize = m_file.GetFileSize();
     if (fileSize == 0) return false;
     SPacketTrailer trailer;
+    m_file.m_reader->Fetch(std::max<std::int64_t>(fileSize - kTail, 0), kTail);
     if (m_file.m_reader->Probe(fileSize - kPacketTrailerSize, &trailer, sizeof trailer) &&
         trailer.CheckMagic()) {
         position = fileSize - trailer.size;

@@ -4,6 +4,7 @@
 #include "xpf/file_position.h"
 #include "xpf/records.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -51,6 +52,9 @@ class CXpfChannel {
     bool SeekFirstPacket(SPacketHeader* header);
     bool SeekLastPacket(SPacketHeader* header);
     bool SeekPacketNumber(std::uint32_t number);
+    // The next searches by number will stay between these two: once the packets between them are few, the
+    // first such search reads them all at once. A hint only.
+    void ExpectNumbers(std::uint32_t lowest, std::uint32_t highest);
 
     // What the walk remembers; 0 is not known. `first` and `last` may be given from a cache: the next seek to
     // the last packet tests its position against the file, the one to the first packet takes it as it is.
@@ -74,6 +78,10 @@ class CXpfChannel {
     // The last packet of any channel: from the trailer at the end, or by search in a damaged tail.
     bool FindStreamEnd(std::int64_t& position, SPacketHeader& header);
     bool FindBrackets(std::uint32_t target, SBracket& lower, SBracket& upper, bool& done);
+    bool FindLandmarks(std::uint32_t target, SBracket& lower, SBracket& upper) const;
+    bool NarrowBrackets(std::uint32_t target, SBracket lower, SBracket upper, bool exact);
+    void FetchAround(std::uint32_t target, std::int64_t estimate, const SBracket& lower,
+                     const SBracket& upper);
     EStep NarrowBracket(std::uint32_t target, std::int64_t estimate, SBracket& lower, SBracket& upper);
     bool MoveTo(std::int64_t position, std::int64_t previous);
     // What every read does once the packet has been read whole.
@@ -88,6 +96,11 @@ class CXpfChannel {
     CXpfFilePosition m_first;    // the channel's first packet
     CXpfFilePosition m_last;     // the greatest position at which a packet of the channel was seen
     CXpfFilePosition m_previous; // the packet that was read last, 0 after any seek
+    // The brackets of the last search by number and what it found between them, in any order; position 0 is
+    // none. The next target often lies on one side of what was found, as in every bisection.
+    std::array<SBracket, 3> m_landmarks;
+    std::uint32_t m_lowestExpected = 0;
+    std::uint32_t m_highestExpected = UINT32_MAX;
 };
 
 // A channel whose packets are all of class T.

@@ -1,8 +1,11 @@
 // The jump to a packet by its running number: interpolation over the byte range between two packets of the
 // channel.
 
+#include "xpf/block_reader.h"
 #include "xpf/channel.h"
 #include "xpf/file.h"
+
+#include <algorithm>
 
 namespace Persistance_Xpf {
 
@@ -13,6 +16,10 @@ namespace {
 constexpr int kInterpolations = 64;
 // Every second halving halves the bytes between the brackets.
 constexpr int kHalvings = 2 * 64;
+
+// An estimate is missed by a few packets either way: what is read around it holds them too.
+constexpr std::int64_t kBeforeEstimate = 1024;
+constexpr std::int64_t kSmallestProbe = 4096;
 
 // Where packet `target` should begin. The neighbours of the brackets are kept out, where another step would
 // not come nearer. The count of packets between the brackets is at least 2.
@@ -34,20 +41,72 @@ std::int64_t Interpolate(std::uint32_t target, std::uint32_t lowerNumber, std::i
 bool CXpfChannel::SeekPacketNumber(std::uint32_t target) {
     if (target == 0) return SeekFirstPacket(nullptr);
     SBracket lower, upper;
+    // What was found before spares the looks at both ends. It may mislead, when the file was written anew
+    // under its reader or its numbers jump: then the search begins without it.
+    SPacketHeader header;
+    for (const SBracket& known : m_landmarks)
+        if (known.position != 0 && known.number == target && m_file.ReadHeaderAt(known.position, header) &&
+            header.Check() && header.channel == m_number && header.number == target)
+            return MoveTo(known.position, 0);
+    if (FindLandmarks(target, lower, upper)) {
+        // A walk that stands on damage has no place to search from.
+        if (m_file.m_reader->Holds(m_current.Get(), kPacketHeaderSize) &&
+            m_file.ReadHeaderAt(m_current.Get(), header)) {
+            if (!header.Check()) return false;
+            const SBracket here{header.number, m_current.Get(), header};
+            if (header.channel == m_number && here.number >= lower.number && here.number < target)
+                lower = here;
+        }
+        if (NarrowBrackets(target, lower, upper, true)) return true;
+    }
+    m_landmarks = {};
     bool done = false;
     if (!FindBrackets(target, lower, upper, done)) return false;
-    if (done) return true;
+    return done || NarrowBrackets(target, lower, upper, false);
+}
 
+void CXpfChannel::ExpectNumbers(std::uint32_t lowest, std::uint32_t highest) {
+    m_lowestExpected = lowest;
+    m_highestExpected = highest;
+}
+
+// The closest on either side; false when there is none on one side. The first packet needs no look at it.
+bool CXpfChannel::FindLandmarks(std::uint32_t target, SBracket& lower, SBracket& upper) const {
+    if (m_first.IsKnown()) lower.position = m_first.Get();
+    for (const SBracket& known : m_landmarks) {
+        if (known.position == 0) continue;
+        if (known.number < target && known.number >= lower.number && known.position >= lower.position)
+            lower = known;
+        if (known.number > target && (upper.position == 0 || known.number < upper.number)) upper = known;
+    }
+    return lower.position != 0 && upper.position != 0;
+}
+
+// `exact` interpolates without the truncation of the usual rule, which in a long file misses by many packets
+// and costs a further step. Which packet a search in damage ends on depends on the rule, so that a first
+// search keeps to it.
+bool CXpfChannel::NarrowBrackets(std::uint32_t target, SBracket lower, SBracket upper, bool exact) {
+    m_landmarks = {lower, {}, upper};
     for (int step = 0; step < kInterpolations + kHalvings; ++step) {
         if (target <= lower.number || target >= upper.number || lower.position >= upper.position)
             return false;
-        const std::int64_t estimate =
-            step < kInterpolations
-                ? Interpolate(target, lower.number, lower.position, lower.header.forwardLink, upper.number,
-                              upper.position, upper.header.backLink)
-                : lower.position + (upper.position - lower.position) / 2;
+        std::int64_t estimate = lower.position + (upper.position - lower.position) / 2;
+        if (step < kInterpolations)
+            estimate = Interpolate(target, lower.number, lower.position, lower.header.forwardLink,
+                                   upper.number, upper.position, upper.header.backLink);
+        if (exact && step < kInterpolations) {
+            const auto count = static_cast<std::uint64_t>(upper.number - lower.number);
+            const auto rest = static_cast<std::uint64_t>(upper.position - lower.position) % count;
+            estimate += static_cast<std::int64_t>(rest * (target - lower.number) / count);
+            estimate = std::min(estimate, upper.position - std::int64_t{kPacketOverhead});
+        }
         const EStep result = NarrowBracket(target, estimate, lower, upper);
-        if (result != EStep::narrowed) return result == EStep::found;
+        if (result == EStep::narrowed) continue;
+        if (result == EStep::failed) return false;
+        SBracket& found = m_landmarks[1] = {target, m_current.Get(), {}};
+        if (m_file.m_reader->Holds(found.position, kPacketHeaderSize))
+            m_file.ReadHeaderAt(found.position, found.header);
+        return true;
     }
     return false;
 }
@@ -79,8 +138,33 @@ bool CXpfChannel::FindBrackets(std::uint32_t target, SBracket& lower, SBracket& 
     return true;
 }
 
+// One read for what a step looks at and, as far as it is little, for the steps to come.
+void CXpfChannel::FetchAround(std::uint32_t target, std::int64_t estimate, const SBracket& lower,
+                              const SBracket& upper) {
+    constexpr std::int64_t largest = CBlockReader::kLargestFetch;
+    CBlockReader& reader = *m_file.m_reader;
+    const std::int64_t span = upper.position + kPacketOverhead - lower.position;
+    if (span <= largest) {
+        reader.Fetch(lower.position, static_cast<std::size_t>(span));
+        return;
+    }
+    if (reader.Holds(estimate, kPacketHeaderSize)) return;
+    const std::int64_t distance = std::max<std::int64_t>(span / (upper.number - lower.number), 1);
+    std::int64_t before = kBeforeEstimate;
+    std::int64_t after = std::clamp(2 * distance, kSmallestProbe, largest - before);
+    // Products of a distance up to the file's size and a count that is small here.
+    const std::int64_t expected = std::int64_t{m_highestExpected} - m_lowestExpected;
+    if (target >= m_lowestExpected && target <= m_highestExpected && expected < largest / distance) {
+        before += (target - m_lowestExpected) * distance;
+        after += (m_highestExpected - target) * distance;
+    }
+    before = std::min(before, estimate);
+    reader.Fetch(estimate - before, static_cast<std::size_t>(before + after));
+}
+
 CXpfChannel::EStep CXpfChannel::NarrowBracket(std::uint32_t target, std::int64_t estimate, SBracket& lower,
                                               SBracket& upper) {
+    FetchAround(target, estimate, lower, upper);
     SPacketHeader header;
     if (!m_file.Seek(estimate) || !m_file.SearchPacketForward(header)) return EStep::failed;
     std::int64_t position = m_file.GetPosition();

@@ -148,6 +148,56 @@ TEST_F(Search, TakesAGiantSizeInASmallFileForTorn) {
     }
 }
 
+// What a search keeps for the next one must not show: numbers in any order, in channels whose packets lie
+// near and far by turns, and in a file that is written anew under its reader.
+TEST_F(Search, FindsNumbersWhateverWasSoughtBefore) {
+    std::mt19937 random(7);
+    const auto build = [&random](std::uint32_t run) {
+        auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
+        for (std::uint32_t i = 0; i < 6000; ++i) {
+            builder.Add(kImu, Bytes(40 + random() % 40, '$'));
+            if (i / run % 2 && random() % 3 == 0) builder.Add(kUtc, Bytes(31, '.'));
+        }
+        return builder;
+    };
+    auto builder = build(1500);
+    Save(builder.bytes);
+    const auto file = Open();
+    for (int round = 0; round < 2; ++round) {
+        for (const std::uint16_t number : {kImu, kUtc}) {
+            CXpfChannel& channel = *file->FindChannelByNumber(number);
+            const auto& packets = builder.packets[number];
+            const auto count = static_cast<std::uint32_t>(packets.size());
+            std::uint32_t low = 0, high = count - 1;
+            for (int i = 0; i < 400; ++i) {
+                if (i % 16 == 0) low = 0, high = count - 1;
+                const std::uint32_t target = i % 16 < 12 ? low + (high - low) / 2 : random() % count;
+                (random() % 2 ? low : high) = target;
+                channel.ExpectNumbers(std::min(low, high), std::max(low, high));
+                ASSERT_TRUE(channel.SeekPacketNumber(target)) << target;
+                ASSERT_EQ(channel.GetCurrent(), packets[target].position) << target;
+                SPacketHeader header;
+                std::uint8_t buffer[80];
+                std::uint32_t size = 0;
+                if (i % 3 == 0) {
+                    ASSERT_TRUE(channel.ReadNextPacket(size, &header, buffer, sizeof buffer));
+                    ASSERT_EQ(header.number, target);
+                }
+            }
+            EXPECT_FALSE(channel.SeekPacketNumber(count));
+            channel.SetFirst(0);
+            channel.SetLast(0);
+        }
+        builder = build(400);
+        Save(builder.bytes);
+        // As a reader does that comes back to the file.
+        for (const std::uint16_t number : {kImu, kUtc}) {
+            ASSERT_TRUE(file->FindChannelByNumber(number)->SeekFirstPacket(nullptr));
+            ASSERT_TRUE(file->FindChannelByNumber(number)->SeekLastPacket(nullptr));
+        }
+    }
+}
+
 // Everything that a reader can do with a file, whatever is in it.
 void UseEverything(CXpfFile& file, std::mt19937& random) {
     SPacketHeader header;
