@@ -50,15 +50,20 @@ bool CTrvDocument::OnOpenDocument(const std::filesystem::path& path) {
     for (CTrvDataFile* file : GetDataFiles()) StartAnalysis(*file);
     WatchFiles();
     ReadRecordingFacts();
+    // The monitor tells of changes alone. A result that is not there was not computed yet.
+    for (const CTrvDataFile* file : GetDataFiles())
+        if (!IsResultFile(*file)) TellFault(*file);
     return true;
 }
 
 bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
+    bool renamed = false;
     if (m_pProject && !m_bSavingNewBatchProject) {
         // The result file always follows the project file's name.
         CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
         const auto result = Outils_Fichiers::WithExtension(path, GetText(textOutputExtension));
-        if (output.path != result) {
+        renamed = output.path != result;
+        if (renamed) {
             output.path = result;
             UpdateAllViews(nullptr, hintOutputFileNameChanged);
             StopAnalysis(output, true);
@@ -68,9 +73,17 @@ bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
             }
         }
     }
-    if (!CDocumentEx::OnSaveDocument(path)) return false;
-    m_bParametersChanged = false;
-    return true;
+    const bool saved = CDocumentEx::OnSaveDocument(path);
+    if (renamed) {
+        // Nothing of the former result is in the one of the new name. Should that exist, the monitor is about
+        // to report it.
+        CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
+        DropFromCache(output);
+        RefreshDataLayers(output);
+        UpdateAllViews(nullptr, hintDataFileContentChanged, &output);
+    }
+    if (saved) m_bParametersChanged = false;
+    return saved;
 }
 
 void CTrvDocument::DeleteContents() {
@@ -78,6 +91,7 @@ void CTrvDocument::DeleteContents() {
     m_autoAddedKeys.clear();
     m_bAutoAddSensors = false;
     StopThreads();
+    m_fileStates.clear();
     m_pProject.reset();
     for (const auto& file : m_temporaryFiles) {
         std::error_code ignored;

@@ -8,6 +8,7 @@
 #include "dataaccess/data_file_monitor.h"
 #include "dataaccess/view_queries.h"
 #include "document/document_base.h"
+#include "document/file_state.h"
 #include "model/project.h"
 #include "processing/child_processes.h"
 
@@ -65,6 +66,9 @@ class CTrvDocument final : public CDocumentEx {
     // What the analysis of an input file finds of its UTC origin and position within the time that the
     // settings allow; the only wait of the UI thread.
     SFirstData WaitForFirstData(const CTrvDataFile& file);
+    // For views whose query on a file of the project failed: if the file is the reason, the output panel says
+    // so, once until the file is whole again.
+    void OnQueryFailed(const CTrvDataFile& file);
     using CDocumentEx::GetHost;
     // The project changed since the last save or load.
     bool AreParametersChanged() const { return m_bParametersChanged; }
@@ -88,8 +92,8 @@ class CTrvDocument final : public CDocumentEx {
     bool CommandOpen(const std::filesystem::path& path);
     bool CommandSaveAs();
 
-    // Each empties the document and sets up the project that the user makes in the dialog. False when it could
-    // not be saved, or the command file not be read.
+    // Each empties the document and sets up the project that the user makes in the dialog. False when it
+    // could not be saved, or the command file not be read.
     bool OnNewDocument() override;
     bool OnNewBatchDocument(const std::filesystem::path& commandFile);
     bool OnNewEmptyDocument();
@@ -126,6 +130,7 @@ class CTrvDocument final : public CDocumentEx {
     bool IsResultFile(const CTrvDataFile& file) const;
     void RebuildDataModel();
     void RefreshDataLayers(CTrvDataFile& file);
+    bool HasLayers(const CTrvDataFile& file) const;
     void StartAnalysis(CTrvDataFile& file);
     // With `reset` the thread is forgotten: the next analysis starts from the beginning of the file.
     void StopAnalysis(const CTrvDataFile& file, bool reset);
@@ -139,6 +144,12 @@ class CTrvDocument final : public CDocumentEx {
     void OnChannelFound(const void* key, std::uint16_t channel);
     void AddSensorAutomatically(CTrvDataFile& file, std::uint16_t channel);
     void OnFileChanged(EFileChange change, const void* key);
+    void OnDamageFound(const void* key, std::int64_t position);
+    // The running engine owns the result: nothing that happens to it is a fault.
+    bool IsBeingWritten(const CTrvDataFile& file) const { return m_bSimulationRunning && IsResultFile(file); }
+    // Tells why the file cannot be read, unless that was told before. False when it can be read.
+    bool TellFault(const CTrvDataFile& file);
+    void Tell(int text, const CTrvDataFile& file);
 
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
     // The door for the messages of analysers and monitor; a new one for each project, so that what threads of
@@ -158,6 +169,7 @@ class CTrvDocument final : public CDocumentEx {
     std::set<std::string> m_autoAddedKeys; // the channels for which that was done
 
     std::map<const CTrvDataFile*, std::unique_ptr<CTrvDataFileAnalyzerThread>> m_analyzers;
+    std::map<const CTrvDataFile*, SFileState> m_fileStates;
     std::unique_ptr<CTrvDataFileMonitorThread> m_fileMonitor; // one for each project
     CXpfFileCache m_fileCache;                                // outlives the queries of the manager below
     CAsyncQueryManager m_queryManager;

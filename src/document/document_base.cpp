@@ -102,9 +102,11 @@ bool CDocumentEx::OnOpenDocument(const std::filesystem::path& path) {
     SetModifiedFlag(true);
     try {
         LoadFrom(path);
-    } catch (const Outils_Objets::CArchiveException&) {
+    } catch (const Outils_Objets::CArchiveException& exception) {
         DeleteContents();
-        m_host.ShowMessage(FormatText(textFailedToLoad, {ToText(path)}), EButtons::ok, EIcon::exclamation);
+        const bool tooNew = exception.GetCause() == Outils_Objets::CArchiveException::badSchema;
+        m_host.ShowMessage(FormatText(tooNew ? textProjectTooNew : textFailedToLoad, {ToText(path)}),
+                           EButtons::ok, EIcon::exclamation);
         return false;
     }
     SetModifiedFlag(false);
@@ -113,6 +115,7 @@ bool CDocumentEx::OnOpenDocument(const std::filesystem::path& path) {
 
 bool CDocumentEx::OnSaveDocument(const std::filesystem::path& path) {
     if (!StoreTo(path)) {
+        m_host.AppendOutputText(FormatText(textProjectNotSaved, {ToText(path)}));
         m_host.ShowMessage(FormatText(textFailedToSave, {ToText(path)}), EButtons::ok, EIcon::exclamation);
         return false;
     }

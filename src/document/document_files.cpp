@@ -17,6 +17,55 @@ using Outils_Configuration::Cnf;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
+namespace {
+
+// An analyser that also tells where the stream of packets breaks off. A file that merely ends inside a packet
+// is not damaged: its writer is at work, or was killed.
+template <class Analyzer>
+class CReportingAnalyzer final : public Analyzer {
+  public:
+    using OnDamage = std::function<void(std::int64_t position)>;
+
+    CReportingAnalyzer(std::filesystem::path path, Outils::CMessagePort& port,
+                       typename Analyzer::OnChannel onChannel, OnDamage onDamage)
+        : Analyzer(path, port, std::move(onChannel)),
+          m_path(std::move(path)),
+          m_port(port),
+          m_onDamage(std::move(onDamage)) {}
+    ~CReportingAnalyzer() override { this->Kill(); }
+
+    bool Start() override {
+        m_stopped = false;
+        return Analyzer::Start();
+    }
+
+  protected:
+    void Run() override {
+        Analyzer::Run();
+        CXpfFile file;
+        if (m_stopped || !file.Open(m_path)) return;
+        const CXpfFilePosition end =
+            this->GetResumePosition().IsKnown() ? this->GetResumePosition() : file.GetDataStart();
+        SPacketHeader header;
+        std::span<const std::uint8_t> payload;
+        if (!end.IsKnown() || !file.Seek(end.Get())) return;
+        if (file.ReadPacket(header, payload) == EPacketRead::damaged)
+            m_port.Post([report = m_onDamage, position = end.Get()] { report(position); });
+    }
+    void RequestStop() override {
+        m_stopped = true;
+        Analyzer::RequestStop();
+    }
+
+  private:
+    std::filesystem::path m_path;
+    Outils::CMessagePort& m_port;
+    OnDamage m_onDamage;
+    std::atomic<bool> m_stopped{false};
+};
+
+} // namespace
+
 std::vector<CTrvDataFile*> CTrvDocument::GetDataFiles() const {
     if (!m_pProject) return {};
     return m_pProject->simulationParameters->GetDataFiles();
@@ -41,14 +90,23 @@ void CTrvDocument::RefreshDataLayers(CTrvDataFile& file) {
         UpdateAllViews(nullptr, hintDataLayersRebuilt, &file);
 }
 
+bool CTrvDocument::HasLayers(const CTrvDataFile& file) const {
+    const auto& layers = m_pProject->dataModel->m_layers;
+    return std::any_of(layers.begin(), layers.end(),
+                       [&file](const auto& layer) { return layer->m_dataFile == &file; });
+}
+
 void CTrvDocument::StartAnalysis(CTrvDataFile& file) {
     auto& analyzer = m_analyzers[&file];
     if (!analyzer) {
         const auto report = [this, key = &file](std::uint16_t channel) { OnChannelFound(key, channel); };
+        const auto damage = [this, key = &file](std::int64_t position) { OnDamageFound(key, position); };
         if (IsResultFile(file))
-            analyzer = std::make_unique<CTrvDataFileAnalyzerThread>(file.path, *m_messageWnd, report);
+            analyzer = std::make_unique<CReportingAnalyzer<CTrvDataFileAnalyzerThread>>(
+                file.path, *m_messageWnd, report, damage);
         else
-            analyzer = std::make_unique<CTrvTarinDataFileAnalyzerThread>(file.path, *m_messageWnd, report);
+            analyzer = std::make_unique<CReportingAnalyzer<CTrvTarinDataFileAnalyzerThread>>(
+                file.path, *m_messageWnd, report, damage);
     }
     analyzer->Start();
 }
@@ -96,6 +154,7 @@ void CTrvDocument::ForgetDataFile(const CTrvDataFile& file) {
     StopAnalysis(file, true);
     if (m_fileMonitor) m_fileMonitor->Unwatch(&file);
     DropFromCache(file);
+    m_fileStates.erase(&file);
 }
 
 SFirstData CTrvDocument::WaitForFirstData(const CTrvDataFile& file) {
@@ -193,6 +252,10 @@ void CTrvDocument::AddSensorAutomatically(CTrvDataFile& file, std::uint16_t numb
 void CTrvDocument::OnFileChanged(EFileChange change, const void* key) {
     CTrvDataFile* file = FindDataFile(key);
     if (!file) return;
+    SFileState& state = m_fileStates[file];
+    const SFileIdentity identity = IdentifyFile(file->path), former = std::exchange(state.identity, identity);
+    // A file that took the place of another one is no growth of it, however long it is.
+    if (change == EFileChange::grew && former.IsKnown() && former != identity) change = EFileChange::shrank;
     switch (change) {
     case EFileChange::appeared:
         StopAnalysis(*file, false);
@@ -201,17 +264,47 @@ void CTrvDocument::OnFileChanged(EFileChange change, const void* key) {
         break;
     case EFileChange::grew:
         m_fileCache.InvalidateLast(file->path);
+        // A file seen before its header was whole, or written anew between two looks, has no layers yet.
+        if (!HasLayers(*file)) RefreshDataLayers(*file);
         StartAnalysis(*file);
         break;
     case EFileChange::shrank:
     case EFileChange::disappeared:
+        state.damage = -1;
         StopAnalysis(*file, true);
         RefreshDataLayers(*file);
         DropFromCache(*file);
         if (change == EFileChange::shrank) StartAnalysis(*file);
         break;
     }
+    if (!IsBeingWritten(*file) && !TellFault(*file) && change == EFileChange::shrank)
+        Tell(textFileReplaced, *file);
     UpdateAllViews(nullptr, hintDataFileContentChanged, file);
+}
+
+void CTrvDocument::OnDamageFound(const void* key, std::int64_t position) {
+    const CTrvDataFile* file = FindDataFile(key);
+    if (!file || IsBeingWritten(*file) || std::exchange(m_fileStates[file].damage, position) == position)
+        return;
+    GetHost().AppendOutputText(
+        FormatText(textFileDamaged, {Outils_Fichiers::ToText(file->path), std::to_string(position)}));
+}
+
+void CTrvDocument::OnQueryFailed(const CTrvDataFile& file) {
+    // The monitor tells of a file that goes away; and saved graphs may show a result yet to be computed.
+    std::error_code error;
+    if (std::filesystem::exists(file.path, error) && !IsBeingWritten(file)) TellFault(file);
+}
+
+bool CTrvDocument::TellFault(const CTrvDataFile& file) {
+    const EFileKind kind = IsResultFile(file) ? EFileKind::tarout : EFileKind::tarin;
+    const int fault = FindFileFault(file.path, kind);
+    if (std::exchange(m_fileStates[&file].fault, fault) != fault && fault != 0) Tell(fault, file);
+    return fault != 0;
+}
+
+void CTrvDocument::Tell(int text, const CTrvDataFile& file) {
+    GetHost().AppendOutputText(FormatText(text, {Outils_Fichiers::ToText(file.path)}));
 }
 
 } // namespace Application_Tarvel

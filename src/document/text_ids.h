@@ -82,7 +82,16 @@ enum ETextId : int {
     textFileNameColumn = 10248,
     textFolderColumn = 10249,
     textChannelColumn = 10250,
-    textFileColumn = 10251
+    textFileColumn = 10251,
+    textFileVanished = 10260,
+    textFileIsFolder = 10261,
+    textFileIsNoFile = 10262,
+    textFileNotReadable = 10263,
+    textFileNoHeader = 10264,
+    textFileReplaced = 10265,
+    textFileDamaged = 10266,
+    textProjectNotSaved = 10267,
+    textProjectTooNew = 10268
 };
 
 } // namespace Application_Tarvel

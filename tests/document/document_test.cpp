@@ -52,6 +52,7 @@ class Document : public testing::Test {
         imu.SetUInt8(2, 14);
         for (int i = 0; i < 300; ++i) {
             imu.SetDate(0, test::Seconds(i * 0.01));
+            imu.SetUInt16(1, static_cast<std::uint16_t>(i));
             EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
             if (i % 100 == 50) recording.Gps(i * 0.01, 48.5, -4.5, 10);
             if (i == 20) recording.Utc(0.2, 2024, 10, 0, 0.2f);
@@ -102,6 +103,7 @@ TEST_F(Document, ANewProjectKnowsItsRecording) {
     EXPECT_EQ(parameters.heaveAlgorithm, Metier_Tarvel::heaveKelvar);
     EXPECT_EQ(Metier_Tarvel::ToSpan(parameters.end), test::Seconds(2.99));
     EXPECT_EQ(parameters.outputFile->path, m_folder / "p.tarout");
+    EXPECT_EQ(parameters.imuFrequency, 100);
     EXPECT_EQ(parameters.referencePosition.latitude, 48.5);
     Outils_Temps::CDateTime origin;
     origin.SetDateTime(2024, 3, 14, 10, 0, 0, 0);
@@ -149,10 +151,22 @@ TEST_F(Document, WhatCannotBeOpenedLeavesAnEmptyDocumentAndAMessage) {
     auto bytes = BytesOf(m_project);
     bytes.resize(bytes.size() / 2);
     ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(m_folder / "half.tarprj", bytes));
-    for (const char* name : {"half.tarprj", "gone.tarprj", ""}) {
-        EXPECT_FALSE(m_document.CommandOpen(m_folder / name)) << name;
+    bytes = BytesOf(m_project);
+    bytes[17] = 99; // the version of the project
+    ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(m_folder / "future.tarprj", bytes));
+    const struct {
+        const char* name;
+        int text;
+    } rows[] = {{"half.tarprj", textFailedToLoad},
+                {"gone.tarprj", textFailedToLoad},
+                {"", textFailedToLoad},
+                {"future.tarprj", textProjectTooNew}};
+    for (const auto& [name, text] : rows) {
+        const auto path = m_folder / name;
+        EXPECT_FALSE(m_document.CommandOpen(path)) << name;
         EXPECT_FALSE(m_document.GetProject());
-        EXPECT_EQ(m_host.TakeMessages().size(), 1u);
+        EXPECT_THAT(m_host.TakeMessages(),
+                    ElementsAre(Outils_Texte::FormatText(text, {Outils_Fichiers::ToText(path)})));
     }
     EXPECT_TRUE(m_document.CommandNew());
     EXPECT_THAT(m_host.m_messages, IsEmpty());
@@ -177,6 +191,8 @@ TEST_F(Document, ChangesAreNeverLostWithoutAQuestion) {
     m_host.m_answers = {EAnswer::yes, EAnswer::ok};
     EXPECT_FALSE(m_document.CommandOpen(m_folder / "other.tarprj"));
     EXPECT_TRUE(m_document.IsModified() && m_document.GetProject());
+    EXPECT_THAT(m_host.m_output, Contains(Outils_Texte::FormatText(textProjectNotSaved,
+                                                                   {Outils_Fichiers::ToText(m_project)})));
     std::filesystem::remove_all(m_project);
     m_host.m_answers = {EAnswer::yes};
     EXPECT_TRUE(m_document.CloseDocument());

@@ -6,7 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <string_view>
 
 using namespace test;
@@ -211,16 +214,39 @@ TEST_F(LoaderTest, FileTimeBecomesSimulationTime) {
     EXPECT_NEAR(LastTime(0, kResult), 120, 1e-6);
 }
 
-TEST_F(LoaderTest, VanishedResultLeavesItsCurvesInTheLegend) {
+TEST_F(LoaderTest, TheLastGoodCurvesOfABrokenFileStayUntilANewRun) {
     Open();
     Load();
     EXPECT_TRUE(m_result.Close());
-    std::filesystem::remove(m_folder / "dive.tarout");
-    m_document->UpdateAllViews(nullptr, hintDataFileContentChanged, &Result());
-    Load();
-    EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 2u);
-    EXPECT_EQ(Source(0, kResult).GetCount(), 0u);
-    EXPECT_GT(Source(0, kRecording).GetCount(), 0u);
+    const auto file = m_folder / "dive.tarout";
+    const std::function<void()> breakages[] = {
+        [&] { std::filesystem::remove(file); },
+        [&] { std::filesystem::create_directory(file); },
+        [&] { std::filesystem::remove(file), std::ofstream(file) << "no longer a result"; },
+    };
+    const auto expectTheCurve = [&] {
+        m_loader->ZoomHorizontal();
+        m_loader->ViewAll();
+        Load();
+        EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 2u);
+        EXPECT_NEAR(LastTime(0, kResult), 120, 1e-6);
+    };
+    for (const auto& breakFile : breakages) {
+        breakFile();
+        m_document->UpdateAllViews(nullptr, hintDataFileContentChanged, &Result());
+        expectTheCurve();
+    }
+    // Nor is it the monitor, by whom the result loses its place in the dictionary, that takes it away.
+    const auto hasLayers = [this] {
+        const auto& layers = m_document->GetProject()->dataModel->m_layers;
+        return std::any_of(layers.begin(), layers.end(),
+                           [this](const auto& layer) { return layer->m_dataFile == &Result(); });
+    };
+    ASSERT_TRUE(m_host.m_queue.RunUntil([&] { return !hasLayers(); }, std::chrono::seconds(60)));
+    expectTheCurve();
+    EXPECT_EQ(m_host.m_output.size(), 2u); // a folder, no data file: each once
+    m_document->UpdateAllViews(nullptr, hintRunStarted);
+    EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 1u);
 }
 
 // The whole way: the monitor sees the file, the dictionary gets its layer, the graphs a curve.
@@ -230,6 +256,11 @@ TEST_F(LoaderTest, ResultThatAppearsLaterJoinsTheGraphs) {
     Open();
     Load();
     EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 1u);
+    const auto first = Source(0, kRecording).GetDataset();
+    // The monitor's first look tells of every file, and what it tells of is read again.
+    ASSERT_TRUE(m_host.m_queue.RunUntil(
+        [&] { return Source(0, kRecording).GetDataset() != first && !m_loader->IsLoading(); },
+        std::chrono::seconds(60)));
     const auto recorded = Source(0, kRecording).GetDataset();
     std::filesystem::rename(m_folder / "kept", m_folder / "dive.tarout");
     const auto isShown = [this] {

@@ -144,13 +144,19 @@ void CTrv1DGraphLoader::OnUpdate(EHint hint, const Outils_Objets::CObject* objec
     case hintDataFileRemoved:
     case hintDataFileTimeOffsetChanged:
     case hintOutputFileNameChanged:
-    case hintDataLayersRebuilt:
     case hintGraphAdded:
     case hintGraphRemoved:
     case hintCurveAdded:
     case hintCurveRemoved:
     case hintCurveChanged: Rebuild(false); break;
-    case hintRunStarted: m_running = true; break;
+    case hintDataLayersRebuilt:
+        // A file that cannot be read has no layers: what is shown of it stays.
+        if (HasLayers(object)) Rebuild(false);
+        break;
+    case hintRunStarted:
+        m_running = true;
+        ForgetResult();
+        break;
     case hintRunEnded:
         m_running = false;
         Refresh(nullptr, false);
@@ -166,6 +172,24 @@ void CTrv1DGraphLoader::OnUpdate(EHint hint, const Outils_Objets::CObject* objec
         break;
     default: break;
     }
+}
+
+bool CTrv1DGraphLoader::HasLayers(const Outils_Objets::CObject* file) const {
+    const auto* project = m_document.GetProject();
+    return project && std::any_of(project->dataModel->m_layers.begin(), project->dataModel->m_layers.end(),
+                                  [file](const auto& layer) { return layer->m_dataFile == file; });
+}
+
+// The result of a run that was started anew must not be taken for that of the run.
+void CTrv1DGraphLoader::ForgetResult() {
+    const auto* project = m_document.GetProject();
+    if (!project) return;
+    for (auto& [key, channel] : m_channels)
+        if (key.file == project->simulationParameters->outputFile.get()) {
+            Withdraw(channel);
+            channel = {};
+        }
+    Rebuild(false);
 }
 
 SSimulationTimeText CTrv1DGraphLoader::MakeTimeText() const {

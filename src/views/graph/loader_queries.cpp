@@ -19,6 +19,12 @@ namespace {
 // Until the size of the picture is known.
 constexpr double kDefaultWidth = 1000;
 
+// The file is the reason of the failure, and not that it holds nothing to show.
+bool IsFault(const CTrvDataQuery& query) {
+    return query.GetError() == CTrvDataQuery::EError::noFile ||
+           query.GetError() == CTrvDataQuery::EError::damaged;
+}
+
 } // namespace
 
 // A window query that also tells when it was cancelled: the document cancels queries too.
@@ -147,6 +153,15 @@ void CTrv1DGraphLoader::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
     channel.extentQuery.reset();
     if (cancelled) return;
 
+    if (!success && IsFault(query)) {
+        m_document.OnQueryFailed(*key.file);
+        // What was read of the file, and where it began and ended, is all that is left of it.
+        if (channel.dataset) {
+            channel.answered = true;
+            StartRefreshes();
+            return Changed(false);
+        }
+    }
     const SPeriod& period = m_stack.GetPeriod();
     const bool hadData = std::exchange(channel.hasData, success);
     const bool sameStart = hadData && success && channel.first == query.GetFirst();
@@ -157,8 +172,7 @@ void CTrv1DGraphLoader::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
     channel.first = query.GetFirst();
     channel.last = query.GetLast();
     if (!success) {
-        // The file or the channel is gone, and its curves with it; a data set that merely failed to load
-        // would stay.
+        // The file is whole and has no such channel, or no packet of it yet: its curves are no longer true.
         Withdraw(channel);
         channel.dataset.reset();
         m_stack.SetDataset(key, nullptr);
@@ -176,6 +190,7 @@ void CTrv1DGraphLoader::OnWindow(const SChannelKey& key, CWindowQuery& query, bo
     if (place == m_channels.end() || place->second.windowQuery.get() != &query) return;
     SChannel& channel = place->second;
     channel.windowQuery.reset();
+    if (!success && !cancelled && IsFault(query)) m_document.OnQueryFailed(*key.file);
     if (success && !cancelled) {
         channel.dataset =
             std::make_shared<CTrv1DGraphDataset>(query.TakeSeries(), query.GetWindow().slice, channel.origin);

@@ -1,0 +1,281 @@
+// Projects that are opened, replaced and closed while the threads of the document are at work on their files.
+#include "config/config_file.h"
+#include "dataaccess/test_recording.h"
+#include "document/document.h"
+#include "document/project_creation.h"
+#include "document/scripted_host.h"
+#include "document/text_ids.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <fstream>
+#include <random>
+#include <sys/stat.h>
+#include <thread>
+
+using namespace Application_Tarvel;
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr std::uint16_t kImuNumber = 0;
+
+class CCountingQuery final : public CTrvView1DDataQuery {
+  public:
+    using CTrvView1DDataQuery::CTrvView1DDataQuery;
+    void OnFinished(bool) override { ++m_answers; }
+    void OnCancelled() override { ++m_answers; }
+    int m_answers = 0;
+};
+
+// What a loader does whose file does not answer: nothing, until it is asked to give up.
+class CStalledQuery final : public CAsyncQuery {
+  public:
+    bool Execute(bool& wasCancelled) override {
+        m_running.Set();
+        wasCancelled = m_cancel.Wait(60s);
+        return false;
+    }
+    void RequestCancel() override { m_cancel.Set(); }
+    void OnFinished(bool) override {}
+    void OnCancelled() override { m_cancelled = true; }
+    Outils::CEvent m_running, m_cancel;
+    bool m_cancelled = false;
+};
+
+class DocumentThreads : public testing::Test, private IDocumentView {
+  protected:
+    DocumentThreads() { m_document.AddView(this); }
+
+    std::unique_ptr<CTrvProject> Make(const std::filesystem::path& recording) {
+        std::string message;
+        auto project = CreateProject({recording, m_folder / "p.tarprj"}, message);
+        EXPECT_TRUE(project) << message;
+        return project;
+    }
+    void Record(test::CTestRecording& recording, int from, int to) {
+        Persistance_Xpf::CXpfTarinImuPacketV2 imu;
+        imu.SetUInt8(2, 14);
+        for (int i = from; i < to; ++i) {
+            imu.SetDate(0, test::Seconds(i * 0.01));
+            EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
+            if (i % 100 == 50) recording.Gps(i * 0.01, 48.5, -4.5, 10);
+            if (i == 20) recording.Utc(0.2, 2024, 10, 0, 0.2f);
+        }
+        recording.Flush();
+    }
+    static std::size_t LastPacket(const std::filesystem::path& path) {
+        Persistance_Xpf::CXpfFile file;
+        EXPECT_TRUE(file.Open(path) && file.Seek(file.GetFileSize()));
+        Persistance_Xpf::SPacketHeader header;
+        EXPECT_TRUE(file.SearchPacketBackward(header));
+        return static_cast<std::size_t>(file.GetPosition());
+    }
+    void WriteResult(const std::filesystem::path& path) {
+        constexpr std::string_view channels[] = {"MORVEX_STD"};
+        Enregistrement::CRecordingWriter writer;
+        ASSERT_TRUE(writer.Create(path, channels));
+        ASSERT_TRUE(writer.Write("MORVEX_STD", Persistance_Xpf::CXpfTaroutMorvexStdPacketV2()));
+        ASSERT_TRUE(writer.Close());
+    }
+    CTrvDataFile& Output() { return *m_document.GetProject()->simulationParameters->outputFile; }
+    bool HasResultLayer() {
+        const auto& layers = m_document.GetProject()->dataModel->m_layers;
+        return std::any_of(layers.begin(), layers.end(),
+                           [this](const auto& layer) { return layer->m_dataFile == &Output(); });
+    }
+    bool Saw(EHint hint) const { return std::find(m_hints.begin(), m_hints.end(), hint) != m_hints.end(); }
+    bool PumpUntil(const std::function<bool()>& done) { return m_host.m_queue.RunUntil(done, 30s); }
+
+    // What a thread reports of a file is never heard after the file's project has gone.
+    void OnUpdate(EHint hint, const Outils_Objets::CObject* object) override {
+        m_hints.push_back(hint);
+        if (hint != hintChannelFound && hint != hintDataFileContentChanged) return;
+        ASSERT_TRUE(m_document.GetProject());
+        const auto files = m_document.GetProject()->simulationParameters->GetDataFiles();
+        EXPECT_NE(std::find(files.begin(), files.end(), object), files.end()) << "of another project";
+    }
+
+    test::CTemporaryFolder m_folder;
+    test::CScriptedHost m_host;
+    Outils_Configuration::CTrvCnfConfigFile m_configuration;
+    std::vector<EHint> m_hints;
+    CTrvDocument m_document{m_host, m_host.m_queue, m_configuration};
+};
+
+TEST_F(DocumentThreads, ProjectsComeAndGoWhileTheirFilesAreRead) {
+    test::CTestRecording growing(m_folder / "growing.tarin"), still(m_folder / "still.tarin");
+    Record(growing, 0, 3000);
+    Record(still, 0, 3000);
+    std::atomic<int> rounds{0};
+    constexpr int kRounds = 60;
+    std::thread writer([&] {
+        for (int i = 3000; rounds < kRounds;) {
+            if (i > 3000 + 500 * rounds) {
+                std::this_thread::yield();
+                continue;
+            }
+            Record(growing, i, i + 50);
+            i += 50;
+        }
+    });
+
+    std::mt19937 random(4);
+    std::vector<std::shared_ptr<CCountingQuery>> queries;
+    const auto ask = [&] {
+        const CTrvDataFile& file = *m_document.GetProject()->simulationParameters->mainInputFile;
+        const auto start = test::Seconds(random() % 20);
+        const SWindow window{start, start + test::Seconds(10), test::Seconds(0.05)};
+        const std::uint16_t channel = random() % 3 ? kImuNumber : test::kGpsNumber;
+        queries.push_back(
+            std::make_shared<CCountingQuery>(m_document.GetAddress(file, channel), window, nullptr));
+        m_document.GetQueryManager().Submit(queries.back());
+    };
+    for (; rounds < kRounds; ++rounds) {
+        switch (random() % 4) {
+        case 0: EXPECT_TRUE(m_document.NewFromProject(Make(still.GetPath()), m_folder / "s.tarprj")); break;
+        case 1: EXPECT_TRUE(m_document.NewFromProject(Make(growing.GetPath()), m_folder / "g.tarprj")); break;
+        case 2:
+            if (std::filesystem::exists(m_folder / "g.tarprj")) {
+                EXPECT_TRUE(m_document.CommandOpen(m_folder / "g.tarprj"));
+            }
+            break;
+        default: EXPECT_TRUE(m_document.CloseDocument());
+        }
+        for (int i = 0; m_document.GetProject() && i < 4; ++i) ask();
+        if (!queries.empty() && random() % 2)
+            m_document.GetQueryManager().Cancel(
+                queries[queries.size() - 1 - random() % std::min<std::size_t>(4, queries.size())]);
+        // Sometimes much of what the threads have posted is heard late.
+        if (random() % 3 == 0) m_host.m_queue.RunPending();
+    }
+    writer.join();
+    EXPECT_TRUE(m_document.NewFromProject(Make(still.GetPath()), m_folder / "s.tarprj"));
+    ask();
+    EXPECT_TRUE(PumpUntil([&] {
+        return std::all_of(queries.begin(), queries.end(),
+                           [](const auto& query) { return query->m_answers > 0; });
+    }));
+    for (const auto& query : queries) EXPECT_EQ(query->m_answers, 1);
+    EXPECT_TRUE(Saw(hintChannelFound));
+}
+
+TEST_F(DocumentThreads, AResultSeenBeforeItsHeaderIsWholeIsFollowedAllTheSame) {
+    test::CTestRecording recording(m_folder / "r.tarin");
+    Record(recording, 0, 300);
+    ASSERT_TRUE(m_document.NewFromProject(Make(recording.GetPath()), m_folder / "p.tarprj"));
+    std::ofstream(m_folder / "p.tarout") << "XP";
+    const auto changes = [this] {
+        return std::count(m_hints.begin(), m_hints.end(), hintDataFileContentChanged);
+    };
+    ASSERT_TRUE(PumpUntil([&] { return changes() == 2; })); // that of the recording, too
+    EXPECT_FALSE(HasResultLayer());
+    WriteResult(m_folder / "p.tarout");
+    EXPECT_TRUE(PumpUntil([this] { return HasResultLayer(); }));
+}
+
+TEST_F(DocumentThreads, UnderANewNameTheFormerResultIsNoLongerShown) {
+    test::CTestRecording recording(m_folder / "r.tarin");
+    Record(recording, 0, 300);
+    WriteResult(m_folder / "p.tarout");
+    ASSERT_TRUE(m_document.NewFromProject(Make(recording.GetPath()), m_folder / "p.tarprj"));
+    ASSERT_TRUE(HasResultLayer());
+    m_host.m_paths.push_back(m_folder / "q.tarprj");
+    ASSERT_TRUE(m_document.CommandSaveAs());
+    EXPECT_FALSE(HasResultLayer());
+    EXPECT_TRUE(Saw(hintDataLayersRebuilt) && Saw(hintDataFileContentChanged));
+}
+
+// Many recordings are broken at once, each in its own way. The output panel tells each event once, however
+// often the files are looked at after it.
+TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
+    struct SRow {
+        const char* name;
+        std::function<void(const std::filesystem::path&)> breakFile;
+        int text; // 0 for none
+    };
+    using namespace std::filesystem;
+    const SRow rows[] = {
+        {"vanished", [](const path& file) { remove(file); }, textFileVanished},
+        {"folder", [](const path& file) { remove(file), create_directory(file); }, textFileIsFolder},
+        {"fifo", [](const path& file) { remove(file), ::mkfifo(file.c_str(), 0600); }, textFileIsNoFile},
+        {"shrunk", [](const path& file) { resize_file(file, file_size(file) / 2); }, textFileReplaced},
+        {"cut", [](const path& file) { resize_file(file, 50); }, textFileNoHeader},
+        {"overtaken",
+         [this](const path& file) {
+             test::CTestRecording other(m_folder / "other");
+             Record(other, 0, 500);
+             rename(m_folder / "other", file);
+         },
+         textFileReplaced},
+        {"damaged", [](const path& file) { std::ofstream(file, std::ios::app) << std::string(4000, 'x'); },
+         textFileDamaged},
+        {"torn", // as a writer leaves it that is killed in the middle of a packet
+         [](const path& file) {
+             std::ifstream in(file, std::ios::binary);
+             std::string bytes(static_cast<std::size_t>(file_size(file)), '\0');
+             in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+             std::ofstream(file, std::ios::app).write(bytes.data() + LastPacket(file), 30);
+         },
+         0},
+    };
+    test::CTestRecording main(m_folder / "main.tarin");
+    Record(main, 0, 300);
+    ASSERT_TRUE(m_document.NewFromProject(Make(main.GetPath()), m_folder / "p.tarprj"));
+    auto& parameters = *m_document.GetProject()->simulationParameters;
+    for (const SRow& row : rows) {
+        test::CTestRecording recording(m_folder / row.name);
+        Record(recording, 0, 300);
+        CTrvDataFile* file = m_document.GetProject()->AddDataFile(recording.GetPath(), false);
+        ASSERT_TRUE(file);
+        m_document.FollowDataFile(*file);
+    }
+    const auto seen = [&] { return std::count(m_hints.begin(), m_hints.end(), hintDataFileContentChanged); };
+    ASSERT_TRUE(PumpUntil([&] { return seen() == 1 + std::ssize(rows); })); // all have appeared
+    EXPECT_TRUE(m_host.m_output.empty());
+
+    std::vector<std::string> expected;
+    for (const SRow& row : rows) {
+        row.breakFile(m_folder / row.name);
+        std::string position = "";
+        if (row.text == textFileDamaged) position = std::to_string(file_size(m_folder / row.name) - 4000);
+        const std::string file = Outils_Fichiers::ToText(m_folder / row.name);
+        if (row.text) expected.push_back(Outils_Texte::FormatText(row.text, {file, position}));
+    }
+    ASSERT_TRUE(PumpUntil(
+        [&] { return m_host.m_output.size() >= expected.size() && seen() == 1 + 2 * std::ssize(rows); }));
+    // Later looks, at the file that goes on growing among them, find no news.
+    std::ofstream(m_folder / "damaged", std::ios::app) << std::string(4000, 'x');
+    for (const auto& file : parameters.GetDataFiles()) m_document.OnQueryFailed(*file);
+    ASSERT_TRUE(PumpUntil([&] { return seen() > 1 + 2 * std::ssize(rows) && !m_document.IsAnalysing(); }));
+    m_host.m_queue.RunPending();
+    EXPECT_THAT(m_host.m_output, testing::UnorderedElementsAreArray(expected));
+
+    // A project opens over all of it, and tells what is missing.
+    ASSERT_TRUE(m_document.Save());
+    m_host.m_output.clear();
+    ASSERT_TRUE(m_document.CommandOpen(m_folder / "p.tarprj"));
+    EXPECT_EQ(m_host.m_output.size(), 4u); // vanished, folder, fifo, cut
+}
+
+TEST_F(DocumentThreads, AQueryThatHangsHoldsUpNeitherClosingNorReplacing) {
+    test::CTestRecording recording(m_folder / "r.tarin");
+    Record(recording, 0, 300);
+    for (const bool replace : {false, true}) {
+        ASSERT_TRUE(m_document.NewFromProject(Make(recording.GetPath()), m_folder / "p.tarprj"));
+        const auto query = std::make_shared<CStalledQuery>();
+        m_document.GetQueryManager().Submit(query);
+        ASSERT_TRUE(query->m_running.Wait(30s));
+        if (replace) {
+            EXPECT_TRUE(m_document.CommandOpen(m_folder / "p.tarprj"));
+        } else {
+            EXPECT_TRUE(m_document.CloseDocument());
+        }
+        EXPECT_TRUE(PumpUntil([&] { return query->m_cancelled; }));
+    }
+}
+
+} // namespace
