@@ -10,7 +10,7 @@ namespace Metier_Tarvel {
 
 namespace {
 
-constexpr std::uint64_t kLargestFile = 4u << 20;
+constexpr std::uint64_t kLargestFile = 1u << 20;
 
 std::string Decode(const std::vector<std::uint8_t>& bytes) {
     if (bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE) {
