@@ -152,7 +152,7 @@ TEST_F(Settings, TextsAreReadByTheRulesOfTheirTypes) {
         {"1.5x", false, 0.5, 3, 0xFF000000, u'1'},
         {".0", false, 0.5, 3, 0xFF000000, u'.'},
         {"-0", false, 0.0, 0, 0, u'-'},
-        {"1e999", false, 0.5, 3, 0xFF000000, u'1'},
+        {"1e999", false, 0.5, 3, 0x1E999, u'1'},
         {"nan", false, 0.5, 3, 0xFF000000, u'n'},
         {"99999999999", false, 99999999999.0, 2147483647, 0xFFFFFFFF, u'9'},
         {"FfFf0000", false, 0.5, 3, 0xFFFF0000, u'F'},
