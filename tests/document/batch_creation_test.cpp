@@ -3,6 +3,7 @@
 #include "config/config_file.h"
 #include "dataaccess/test_recording.h"
 #include "document/document.h"
+#include "document/project_dialogs.h"
 #include "document/scripted_host.h"
 #include "document/text_ids.h"
 #include "foundation/paths.h"
@@ -144,4 +145,48 @@ TEST_F(BatchCreation, EveryFailureHasItsMessage) {
     EXPECT_EQ(message, GetText(textBatchFileCorrupted));
     EXPECT_FALSE(creation.Create(kPackets, message));
     EXPECT_EQ(message, GetText(textBatchFileCorrupted));
+}
+
+namespace {
+
+// Chooses a command file and changes nothing in the dialog.
+class CBatchHost : public test::CScriptedHost {
+  public:
+    std::optional<std::filesystem::path> AskCommandFile(const std::string&) override { return m_commandFile; }
+    bool ShowNewFromBatch(Dialogue_Tarvel::CNewFromBatchParametersDlg& dialog) override {
+        if (!m_accepts) return false;
+        for (const auto& row : dialog.GetRows())
+            EXPECT_EQ(row.path.extension(), std::string(".") + dialog.GetExtension(row));
+        Dialogue_Tarvel::EProjectField focus{};
+        return dialog.OnOK(focus);
+    }
+    bool m_accepts = true;
+};
+
+} // namespace
+
+TEST_F(BatchCreation, TheCommandSetsUpTheProjectOfTheDialog) {
+    CBatchHost host;
+    Outils_Configuration::CTrvCnfConfigFile configuration;
+    CTrvDocument document(host, host.m_queue, configuration);
+    EXPECT_FALSE(document.CommandNewBatch()); // no file chosen
+    host.m_commandFile = m_file;
+    ASSERT_TRUE(document.CommandNewBatch());
+    ASSERT_TRUE(document.GetProject());
+    EXPECT_EQ(document.GetPathName(), m_folder / "p-parameters.tarprj");
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "p-parameters.tarprj"));
+    // The result keeps the name that the command file gives.
+    EXPECT_EQ(document.GetProject()->simulationParameters->outputFile->path, m_folder / "result.tarout");
+
+    host.m_answers = {EAnswer::cancel}; // the project exists already
+    EXPECT_TRUE(document.CommandNewBatch());
+    EXPECT_FALSE(document.GetProject());
+    EXPECT_EQ(host.TakeMessages(), std::vector{std::string(GetText(textOverwriteProject))});
+    host.m_accepts = false;
+    EXPECT_TRUE(document.CommandNewBatch());
+    EXPECT_FALSE(document.GetProject());
+    Edit("outputFile", "output");
+    EXPECT_FALSE(document.CommandNewBatch());
+    EXPECT_EQ(host.TakeMessages(), std::vector{std::string(GetText(textBatchFileCorrupted))});
+    EXPECT_EQ(host.m_waitCursors, 0);
 }

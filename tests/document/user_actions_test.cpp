@@ -3,6 +3,7 @@
 #include "document/project_creation.h"
 #include "document/scripted_host.h"
 #include "document/text_ids.h"
+#include "foundation/archive.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -120,6 +121,26 @@ class UserActions : public testing::Test {
         m_host.m_dataFile = m_folder / name;
         return m_edits.AddDataFile() ? Parameters().externalFiles.back().get() : nullptr;
     }
+    std::vector<std::uint8_t> Bytes() {
+        Outils_Objets::CMemoryStream stream;
+        Outils_Objets::CArchive archive(stream, Outils_Objets::CArchive::store, nullptr, m_folder / "copy");
+        archive.WriteObject(m_document.GetProject());
+        archive.Close();
+        return {stream.GetBytes().begin(), stream.GetBytes().end()};
+    }
+    // Takes a change back, and makes it once more: each time the whole project is what it was.
+    template <class Values, class Edit>
+    void CheckThereAndBack(const std::string& name, const Values& former, const Values& present,
+                           const std::vector<std::uint8_t>& before, Edit edit) {
+        const auto after = Bytes();
+        EXPECT_NE(after, before) << name;
+        EXPECT_TRUE(edit(former));
+        EXPECT_EQ(Bytes(), before) << name;
+        EXPECT_TRUE(edit(present));
+        EXPECT_EQ(Bytes(), after) << name;
+        m_view.Take();
+        ASSERT_TRUE(m_document.Save());
+    }
     // An edit that must leave document and model as they were, with this message.
     void ExpectRefused(bool done, int message) {
         EXPECT_FALSE(done) << message;
@@ -156,24 +177,41 @@ TEST_F(UserActions, EveryActionTellsTheViewsByItsHint) {
         expect("CTrvActAdd" + std::string(kind.className.substr(4)), 3, added, p.sensors.back().get());
     }
     const auto change = [&](const char* name, int hint, auto edit, auto& target, auto values) {
-        expect(std::string("CTrvActChange") + name, hint, (m_edits.*edit)(target, values), &target);
+        using CValues = decltype(values);
+        const auto run = [&](const CValues& given) { return (m_edits.*edit)(target, given); };
+        if constexpr (requires { CValues::Of(target); }) {
+            const auto before = Bytes();
+            const CValues former = CValues::Of(target);
+            expect(std::string("CTrvActChange") + name, hint, run(values), &target);
+            CheckThereAndBack(name, former, CValues::Of(target), before, run);
+        } else {
+            expect(std::string("CTrvActChange") + name, hint, run(values), &target);
+        }
     };
     using E = CTrvDocumentEdits;
     auto& gps = Get<CTrvSensorGps>();
     auto& dvl = Get<CTrvSensorDvl>();
     auto& usbl = Get<CTrvSensorUsbl>();
     auto& odometer = Get<CTrvSensorOdometer>();
-    change("SensorGps", 12, &E::ChangeSensorGps, gps, SGpsValues::Of(gps));
-    change("SensorDvl", 12, &E::ChangeSensorDvl, dvl, SDvlValues::Of(dvl));
-    change("SensorEMLog", 12, &E::ChangeSensorEMLog, Get<CTrvSensorEMLog>(), SLeverArmValues{});
-    change("SensorDepth", 12, &E::ChangeSensorDepth, Get<CTrvSensorDepth>(), SLeverArmValues{});
-    change("SensorUsbl", 12, &E::ChangeSensorUsbl, usbl, SUsblValues::Of(usbl));
-    change("SensorLbl", 12, &E::ChangeSensorLbl, Get<CTrvSensorLbl>(), SLeverArmValues{});
-    change("SensorOdometer", 12, &E::ChangeSensorOdometer, odometer, SOdometerValues::Of(odometer));
+    change("SensorGps", 12, &E::ChangeSensorGps, gps, SGpsValues{{1, 2, 3}, 1});
+    auto dvlValues = SDvlValues::Of(dvl);
+    dvlValues.leverArm = {1, 2, 3};
+    dvlValues.misalignment = {4, 5, 6};
+    dvlValues.scaleFactor = 0.5;
+    dvlValues.currentModeling.sigma = 7;
+    dvlValues.speedBias.x = 8;
+    change("SensorDvl", 12, &E::ChangeSensorDvl, dvl, dvlValues);
+    change("SensorEMLog", 12, &E::ChangeSensorEMLog, Get<CTrvSensorEMLog>(), SLeverArmValues{{1, 2, 3}});
+    change("SensorDepth", 12, &E::ChangeSensorDepth, Get<CTrvSensorDepth>(), SLeverArmValues{{1, 2, 3}});
+    change("SensorUsbl", 12, &E::ChangeSensorUsbl, usbl, SUsblValues{{1, 2, 3}, "B7"});
+    change("SensorLbl", 12, &E::ChangeSensorLbl, Get<CTrvSensorLbl>(), SLeverArmValues{{1, 2, 3}});
+    change("SensorOdometer", 12, &E::ChangeSensorOdometer, odometer,
+           SOdometerValues{{1, 2, 3}, {4, 5, 6}, 0.5});
     change("SensorEventMarker", 12, &E::ChangeSensorEventMarker, Get<CTrvSensorEventMarker>(),
            SEventMarkerValues{"2"});
     change("SensorPlatformOrientation", 12, &E::ChangeSensorPlatformOrientation,
-           Get<CTrvSensorPlatformOrientation>(), SPlatformOrientationValues{});
+           Get<CTrvSensorPlatformOrientation>(),
+           SPlatformOrientationValues{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}, {3, 2, 1}});
     CTrvSensor& sensor = gps;
     change("SensorTimeOffset", 9, &E::ChangeSensorTimeOffset, sensor, test::Seconds(-2));
     EXPECT_EQ(ToSpan(gps.timeOffset), test::Seconds(-2));
@@ -183,12 +221,23 @@ TEST_F(UserActions, EveryActionTellsTheViewsByItsHint) {
            m_edits.ChangeSensorDataFileChannel(gps, *p.mainInputFile->channels[1]), &gps);
     EXPECT_EQ(gps.channel, p.mainInputFile->channels[1].get());
     change("DataFileTimeOffset", 8, &E::ChangeDataFileTimeOffset, *p.mainInputFile, test::Seconds(1));
-    auto simulation = SSimulationValues::Of(p);
-    expect("CTrvActChangeSimulationParameters", 6, m_edits.ChangeSimulationParameters(simulation), &p);
-    expect("CTrvActChangeNelixConfiguration", 7, m_edits.ChangeNelixConfiguration({}),
-           p.nelixConfiguration.get());
+    const auto formerSimulation = SSimulationValues::Of(p);
+    auto before = Bytes();
+    const auto simulate = [&](const SSimulationValues& v) { return m_edits.ChangeSimulationParameters(v); };
+    const SSimulationValues simulation{1, 1, 3, {10, 20, 30}, 5.0, CDateTime(7), CDateTime(9)};
+    expect("CTrvActChangeSimulationParameters", 6, simulate(simulation), &p);
+    CheckThereAndBack("simulation", formerSimulation, SSimulationValues::Of(p), before, simulate);
+    auto& nelix = *p.nelixConfiguration;
+    const auto formerNelix = SNelixValues::Of(nelix);
+    before = Bytes();
+    const auto configure = [&](const SNelixValues& v) { return m_edits.ChangeNelixConfiguration(v); };
+    const SNelixValues configuration{{1, 2, 3}, 4,         {5, 6, 7}, {8, 9, 1}, {2, 4, 6},
+                                     {1, 3, 5}, {7, 9, 2}, {9, 8, 7}, {6, 5, 4}};
+    expect("CTrvActChangeNelixConfiguration", 7, configure(configuration), &nelix);
+    CheckThereAndBack("configuration", formerNelix, SNelixValues::Of(nelix), before, configure);
 
     const SModePeriodValues period{3, CDateTime(20), CDateTime(10)}; // a broken rule does not block an edit
+    before = Bytes();                                                // each addition below is removed again
     auto& group = *dvl.rejectionGroups[1];
     bool added = m_edits.AddRejectionInstruction(group);
     auto* rejection = group.instructions.back().get();
@@ -221,6 +270,7 @@ TEST_F(UserActions, EveryActionTellsTheViewsByItsHint) {
     EXPECT_EQ(filtering->threshold, 2.5f);
     expect("CTrvActRemoveHorizontalFilteringInstruction", 48,
            m_edits.RemoveHorizontalFilteringInstruction(*filtering), filtering);
+    EXPECT_EQ(Bytes(), before);
 
     // By the kind of the instruction, and a value for each of its fields.
     const std::pair<const char*, int> stdDevs[] = {{"Gps", 37},  {"Dvl", 36}, {"EMLog", 41},   {"Depth", 39},
@@ -236,6 +286,7 @@ TEST_F(UserActions, EveryActionTellsTheViewsByItsHint) {
     change("GpsStdDevThreshold", 37, &E::ChangeGpsStdDevThreshold, *gps.stdDevThreshold,
            SGpsThresholdValues{1, 2, 3});
 
+    before = Bytes();
     auto& graphs = project.graphSettings->graphs;
     added = m_edits.Add1DGraphMeasure(Measure("GPS_1", "Altitude"));
     auto* graph = static_cast<CTrv1DGraphMeasure*>(graphs.back().get());
@@ -265,16 +316,26 @@ TEST_F(UserActions, EveryActionTellsTheViewsByItsHint) {
     auto* enumeration = values.enums.back().get();
     expect("CTrvActAddInstantValuesEnum", 33, added, enumeration);
     expect("CTrvActRemoveInstantValuesEnum", 35, m_edits.RemoveInstantValuesEnum(*enumeration), enumeration);
-
-    expect("CTrvActRemoveSensor", 13, m_edits.RemoveSensor(gps), &sensor);
     CTrvDataFile* file = AddFile("e.tarin");
     expect("CTrvActAddDataFile", 1, file != nullptr, file);
     expect("CTrvActRemoveDataFile", 2, m_edits.RemoveDataFile(*file), file);
+    EXPECT_EQ(Bytes(), before);
+    expect("CTrvActRemoveSensor", 13, m_edits.RemoveSensor(gps), &sensor);
     EXPECT_THAT(m_host.m_messages, IsEmpty());
 
+    // The messages of failures, by the beginning of the name; the others stay silent.
+    constexpr std::pair<std::string_view, int> failures[] = {
+        {"AddDataFile", 303},   {"RemoveDataFile", 326},          {"AddSensor", 301},
+        {"ChangeNelix", 348},   {"AddRejectionInstruction", 309}, {"AddZupt", 336},
+        {"AddOutputRate", 337}, {"AddAltitudeMode", 751},         {"AddHorizontalFilteringInstruction", 359},
+        {"Add1DGraph", 765},    {"Remove1DGraph", 800},           {"Add1DCurve", 766},
+        {"Remove1DCurve", 818}, {"AddInstantValuesMeasure", 802}, {"AddInstantValuesEnum", 803}};
     for (const SActionRow& row : GetActionRows()) {
         EXPECT_EQ(tried.erase(std::string(row.className)), 1u) << row.className;
-        EXPECT_TRUE(row.failureText == 0 || GetText(row.failureText) != "?") << row.className;
+        const auto* failure = std::ranges::find_if(failures, [&](const auto& known) {
+            return row.className.substr(std::string_view("CTrvAct").size()).starts_with(known.first);
+        });
+        EXPECT_EQ(row.failureText, failure == std::end(failures) ? 0 : failure->second) << row.className;
     }
     EXPECT_THAT(tried, IsEmpty());
 }
@@ -512,6 +573,15 @@ TEST_F(UserActions, ADataFileGoesOnlyWhenNobodyNeedsIt) {
     EXPECT_THAT(Parameters().externalFiles, IsEmpty());
     EXPECT_EQ(mixed->curves.size(), 1u);
     m_host.m_queue.RunPending(); // whatever the threads had still to say of the file
+
+    // A file that only a damaged archive brings in is no part of the project: nobody is asked to remove it.
+    CTrvDataFile foreign;
+    foreign.owner = &Parameters();
+    foreign.AddChannel(main.id, "GPS_1", main.sensorClass);
+    gps.channel = foreign.channels[0].get();
+    EXPECT_TRUE(m_edits.ChangeSensorDataFileChannel(gps, main));
+    EXPECT_THAT(m_view.Take(), ElementsAre(Update(11, &gps)));
+    EXPECT_THAT(m_host.m_messages, ElementsAre(question)); // of the removal above
 }
 
 } // namespace
