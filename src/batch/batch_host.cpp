@@ -10,8 +10,19 @@ namespace Batch {
 
 using namespace Application_Tarvel;
 
+std::string ToLine(std::string_view text) {
+    std::string line;
+    for (const char c : text) {
+        if (c != '\n')
+            line += c;
+        else if (!line.empty() && line.back() != ' ')
+            line += ' ';
+    }
+    return line;
+}
+
 EAnswer CBatchHost::ShowMessage(const std::string& text, EButtons buttons, EIcon icon) {
-    m_streams.error << text << std::endl;
+    m_streams.error << ToLine(text) << std::endl;
     if (icon != EIcon::question) m_failed = true;
     return buttons == EButtons::yesNo || buttons == EButtons::yesNoCancel ? EAnswer::yes : EAnswer::ok;
 }

@@ -8,6 +8,9 @@
 
 namespace Batch {
 
+// A text of several paragraphs as one line.
+std::string ToLine(std::string_view text);
+
 class CBatchHost final : public Application_Tarvel::IDocumentHost,
                          private Communication_Processus::INotificationWindow {
   public:

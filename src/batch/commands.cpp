@@ -1,9 +1,14 @@
 #include "batch/commands.h"
 
+#include "foundation/texts.h"
+
 #include <algorithm>
 #include <ostream>
 
 namespace Batch {
+
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
 
 namespace {
 
@@ -17,55 +22,32 @@ constexpr SOption kPacketsOptions[] = {{"--from"}, {"--to"}, {"--limit"}};
 constexpr SOption kReduceOptions[] = {{"--from"}, {"--to"}, {"--slices"}};
 constexpr SOption kPictureOptions[] = {{"--size"}};
 
+// Summaries have consecutive numbers.
 constexpr SCommand kCommands[] = {
-    {"create", "RECORDING.tarin PROJECT.tarprj [--add all|KIND,...] [--ins-configuration FILE]",
-     "makes a project over a recording, with a sensor for every channel of the named kinds", 2,
+    {"create", "RECORDING.tarin PROJECT.tarprj [--add all|KIND,...] [--ins-configuration FILE]", 10511, 2,
      kCreateOptions, CreateCommand},
-    {"run", "PROJECT", "processes a project; progress and messages as lines", 1, {}, RunCommand},
-    {"check",
-     "PROJECT",
-     "lists the rules that a project breaks; exit status 1 if there are any",
-     1,
-     {},
-     CheckCommand},
-    {"describe", "PROJECT", "prints the whole project as text", 1, {}, DescribeCommand},
-    {"copy",
-     "PROJECT OUT.tarprj",
-     "saves a project under a new name, in the present form",
-     2,
-     {},
-     CopyCommand},
-    {"parameters",
-     "PROJECT OUT.xml",
-     "writes the processing as a batch command file",
-     2,
-     {},
-     ParametersCommand},
-    {"create-from-parameters", "IN.xml PROJECT.tarprj [--file ID=PATH]...",
-     "makes a project from a batch command file", 2, kFromParametersOptions, CreateFromParametersCommand},
-    {"dictionary", "PROJECT [--expert]", "lists what a project's files offer: layers, measures, enumerations",
-     1, kDictionaryOptions, DictionaryCommand},
-    {"analyse", "FILE", "scans a packet file: channels, dates, origin, damage", 1, {}, AnalyseCommand},
-    {"detect", "FILE", "tells the format of a recording", 1, {}, DetectCommand},
-    {"channels", "FILE", "lists the channels of a packet file", 1, {}, ChannelsCommand},
-    {"packets", "FILE CHANNEL [--from S] [--to S] [--limit N]", "prints the packets of a channel", 2,
-     kPacketsOptions, PacketsCommand},
-    {"at", "FILE CHANNEL SECONDS", "prints the packet nearest to a moment", 3, {}, AtCommand},
-    {"reduce", "FILE CHANNEL --from S --to S --slices N",
-     "prints representative, minimum and maximum packet of each slice of a window", 2, kReduceOptions,
-     ReduceCommand},
-    {"picture", "PROJECT OUT.png|.svg|.pdf [--size WxH]", "draws the graphs of a project", 2, kPictureOptions,
-     PictureCommand},
+    {"run", "PROJECT", 10512, 1, {}, RunCommand},
+    {"check", "PROJECT", 10513, 1, {}, CheckCommand},
+    {"describe", "PROJECT", 10514, 1, {}, DescribeCommand},
+    {"copy", "PROJECT OUT.tarprj", 10515, 2, {}, CopyCommand},
+    {"parameters", "PROJECT OUT.xml", 10516, 2, {}, ParametersCommand},
+    {"create-from-parameters", "IN.xml PROJECT.tarprj [--file ID=PATH]...", 10517, 2, kFromParametersOptions,
+     CreateFromParametersCommand},
+    {"dictionary", "PROJECT [--expert]", 10518, 1, kDictionaryOptions, DictionaryCommand},
+    {"analyse", "FILE", 10519, 1, {}, AnalyseCommand},
+    {"detect", "FILE", 10520, 1, {}, DetectCommand},
+    {"channels", "FILE", 10521, 1, {}, ChannelsCommand},
+    {"packets", "FILE CHANNEL [--from S] [--to S] [--limit N]", 10522, 2, kPacketsOptions, PacketsCommand},
+    {"at", "FILE CHANNEL SECONDS", 10523, 3, {}, AtCommand},
+    {"reduce", "FILE CHANNEL --from S --to S --slices N", 10524, 2, kReduceOptions, ReduceCommand},
+    {"picture", "PROJECT OUT.png|.svg|.pdf [--size WxH]", 10525, 2, kPictureOptions, PictureCommand},
 };
 
 void PrintHelp(std::ostream& out) {
-    out << "usage: " << kProgram << " COMMAND ...\n\n";
+    out << FormatText(textUsage, {kProgram, "COMMAND", "..."}) << "\n\n";
     for (const SCommand& command : kCommands)
-        out << "  " << command.name << ' ' << command.usage << "\n      " << command.summary << '\n';
-    out << "\n  --help      this text\n  --version   the version of the program\n\n"
-           "Kinds of sensor: gps, dvl, emlog, depth, usbl, lbl, odometer, eventmarker, mount.\n"
-           "Times are seconds on the recording's own clock.\n"
-           "Exit status: 0 success, 1 failure, 2 wrong usage.\n";
+        out << "  " << command.name << ' ' << command.usage << "\n      " << GetText(command.summary) << '\n';
+    out << GetText(textHelpTail);
 }
 
 } // namespace
@@ -88,20 +70,19 @@ int Run(std::span<const std::string> words, SStreams streams) {
     const auto command = std::find_if(std::begin(kCommands), std::end(kCommands),
                                       [&](const SCommand& row) { return row.name == words[0]; });
     if (command == std::end(kCommands)) {
-        streams.error << kProgram << ": unknown command \"" << words[0] << "\"; see --help\n";
+        streams.error << kProgram << ": " << FormatText(textUnknownCommand, {words[0]}) << '\n';
         return exitUsage;
     }
     try {
         const COptions options(words.subspan(1), command->options);
-        if (options.GetArguments().size() != command->arguments)
-            throw CUsageError("wrong number of arguments");
+        if (options.GetArguments().size() != command->arguments) throw CUsageError(textWrongArguments);
         const int status = command->run(options, streams);
         streams.out.flush();
         // A full disk or a closed pipe behind standard output must not pass for success.
         return status == exitSuccess && !streams.out ? exitFailure : status;
     } catch (const CUsageError& fault) {
-        streams.error << kProgram << ": " << fault.what() << "\nusage: " << kProgram << ' ' << command->name
-                      << ' ' << command->usage << '\n';
+        streams.error << kProgram << ": " << fault.what() << '\n'
+                      << FormatText(textUsage, {kProgram, command->name, command->usage}) << '\n';
         return exitUsage;
     }
 }

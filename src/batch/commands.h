@@ -19,9 +19,9 @@ enum EExit { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
 
 struct SCommand {
     std::string_view name;
-    std::string_view usage;   // the words behind the name
-    std::string_view summary; // one line of what it does
-    std::size_t arguments;    // words that are no options
+    std::string_view usage; // the words behind the name
+    int summary;            // number of the text that says in one line what it does
+    std::size_t arguments;  // words that are no options
     std::span<const SOption> options;
     int (*run)(const COptions& options, SStreams streams);
 };

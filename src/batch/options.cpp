@@ -1,11 +1,15 @@
 #include "batch/options.h"
 
 #include "foundation/numbers.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace Batch {
+
+CUsageError::CUsageError(ETextId text, std::initializer_list<std::string_view> arguments)
+    : std::runtime_error(Outils_Texte::FormatText(text, arguments)) {}
 
 COptions::COptions(std::span<const std::string> words, std::span<const SOption> known) {
     bool optionsEnded = false;
@@ -21,11 +25,10 @@ COptions::COptions(std::span<const std::string> words, std::span<const SOption> 
         }
         const auto option =
             std::find_if(known.begin(), known.end(), [&](const SOption& row) { return row.name == word; });
-        if (option == known.end()) throw CUsageError("unknown option " + word);
-        if (option->takesValue && i + 1 == words.size())
-            throw CUsageError("option " + word + " needs a value");
+        if (option == known.end()) throw CUsageError(textUnknownOption, {word});
+        if (option->takesValue && i + 1 == words.size()) throw CUsageError(textOptionValue, {word});
         auto& values = m_values[word];
-        if (!values.empty() && !option->repeats) throw CUsageError("option " + word + " is given twice");
+        if (!values.empty() && !option->repeats) throw CUsageError(textOptionTwice, {word});
         values.push_back(option->takesValue ? words[++i] : std::string());
     }
 }
@@ -40,7 +43,7 @@ std::vector<std::string> COptions::GetAll(std::string_view option) const {
     return place == m_values.end() ? std::vector<std::string>() : place->second;
 }
 
-std::optional<double> COptions::GetNumber(std::string_view option) const {
+std::optional<Outils_Temps::CDateTimeSpan> COptions::GetSeconds(std::string_view option) const {
     const auto text = Get(option);
     return text ? std::optional(ParseSeconds(*text)) : std::nullopt;
 }
@@ -49,16 +52,16 @@ std::optional<long long> COptions::GetPositive(std::string_view option) const {
     const auto text = Get(option);
     if (!text) return std::nullopt;
     const auto number = Outils_Texte::ParseInt(*text);
-    if (!number || *number <= 0)
-        throw CUsageError(std::string(option) + " needs a whole number above zero, not \"" + *text + '"');
+    if (!number || *number <= 0) throw CUsageError(textPositiveNumber, {option, *text});
     return *number;
 }
 
-double ParseSeconds(std::string_view text) {
+Outils_Temps::CDateTimeSpan ParseSeconds(std::string_view text) {
     const auto number = Outils_Texte::ParseDouble(text);
-    if (!number || !std::isfinite(*number))
-        throw CUsageError('"' + std::string(text) + "\" is no number of seconds");
-    return *number;
+    auto span = Outils_Temps::CDateTimeSpan::Invalid();
+    if (number && std::isfinite(*number)) span = Outils_Temps::CDateTimeSpan::FromSeconds(*number);
+    if (!span.IsValid()) throw CUsageError(textNoSeconds, {text});
+    return span;
 }
 
 } // namespace Batch

@@ -1,6 +1,10 @@
 // The words of a command line: options "--name value" and "--flag", and what stands between them.
 #pragma once
 
+#include "batch/text_ids.h"
+#include "foundation/date_time.h"
+
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <span>
@@ -14,7 +18,7 @@ namespace Batch {
 // What the user typed makes no sense; the text says why. Caught in Run, which answers with exit status 2.
 class CUsageError : public std::runtime_error {
   public:
-    using std::runtime_error::runtime_error;
+    explicit CUsageError(ETextId text, std::initializer_list<std::string_view> arguments = {});
 };
 
 // The options that a command knows.
@@ -35,8 +39,8 @@ class COptions {
     std::optional<std::string> Get(std::string_view option) const;
     // Every value of an option that repeats, in order.
     std::vector<std::string> GetAll(std::string_view option) const;
-    // Throws CUsageError for a value that is no number, or none above zero.
-    std::optional<double> GetNumber(std::string_view option) const;
+    // Throws CUsageError for a value that is no number of seconds, or no whole number above zero.
+    std::optional<Outils_Temps::CDateTimeSpan> GetSeconds(std::string_view option) const;
     std::optional<long long> GetPositive(std::string_view option) const;
 
   private:
@@ -44,7 +48,7 @@ class COptions {
     std::map<std::string, std::vector<std::string>, std::less<>> m_values;
 };
 
-// A number of seconds, or CUsageError.
-double ParseSeconds(std::string_view text);
+// A number of seconds as a span that the clock of a recording can hold, or CUsageError.
+Outils_Temps::CDateTimeSpan ParseSeconds(std::string_view text);
 
 } // namespace Batch

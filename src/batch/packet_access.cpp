@@ -1,5 +1,6 @@
 #include "batch/packet_access.h"
 
+#include "batch/batch_host.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
@@ -12,6 +13,11 @@ using namespace Persistance_Xpf;
 
 int Fail(const std::string& what, ETextId text, SStreams streams, std::string_view argument) {
     streams.error << what << ": " << Outils_Texte::FormatText(text, {argument}) << '\n';
+    return exitFailure;
+}
+
+int FailWith(std::string_view message, SStreams streams) {
+    streams.error << ToLine(message) << '\n';
     return exitFailure;
 }
 

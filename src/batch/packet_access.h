@@ -14,6 +14,9 @@ namespace Batch {
 // Writes "WHAT: text" on the error stream; `argument` takes the place of %1. Always exitFailure.
 int Fail(const std::string& what, ETextId text, SStreams streams, std::string_view argument = {});
 
+// Writes a message of the application; one that is made for a box becomes a line. Always exitFailure.
+int FailWith(std::string_view message, SStreams streams);
+
 struct SOpenFile {
     std::unique_ptr<Persistance_Xpf::CXpfFile> file; // null when it could not be opened
     Persistance_Xpf::EFileKind kind = Persistance_Xpf::EFileKind::tarin;

@@ -3,6 +3,7 @@
 #include "batch/packet_access.h"
 #include "dataaccess/view_queries.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "xpf/file.h"
 #include "xpf/packet.h"
 
@@ -18,12 +19,6 @@ namespace {
 
 constexpr std::string_view kSeparator = ";";
 
-CDateTimeSpan ToSpan(double seconds) {
-    const auto span = CDateTimeSpan::FromSeconds(seconds);
-    if (!span.IsValid()) throw CUsageError("a time beyond the range of the clock");
-    return span;
-}
-
 CDateTimeSpan DateOf(const CXpfPacket& packet) {
     CDateTimeSpan date;
     return packet.GetDate(0, date) ? date : CDateTimeSpan::Invalid();
@@ -35,7 +30,7 @@ int ChannelsCommand(const COptions& options, SStreams streams) {
     const std::string& path = options.GetArguments()[0];
     const SOpenFile open = OpenFile(path, streams);
     if (!open.file) return exitFailure;
-    streams.out << "number;name;type;packets;first;last;description\n";
+    streams.out << Outils_Texte::GetText(textChannelColumns) << '\n';
     for (const auto& channel : open.file->GetChannels()) {
         streams.out << channel->GetNumber() << kSeparator << channel->GetName() << kSeparator
                     << channel->GetPacketType() << kSeparator;
@@ -57,11 +52,10 @@ int ChannelsCommand(const COptions& options, SStreams streams) {
 }
 
 int PacketsCommand(const COptions& options, SStreams streams) {
-    const auto from = options.GetNumber("--from");
-    const auto to = options.GetNumber("--to");
-    const CDateTimeSpan first =
-        from ? ToSpan(*from) : CDateTimeSpan(std::numeric_limits<std::int64_t>::min());
-    const CDateTimeSpan last = to ? ToSpan(*to) : CDateTimeSpan(std::numeric_limits<std::int64_t>::max());
+    const auto from = options.GetSeconds("--from");
+    const auto to = options.GetSeconds("--to");
+    const CDateTimeSpan first = from.value_or(CDateTimeSpan(std::numeric_limits<std::int64_t>::min()));
+    const CDateTimeSpan last = to.value_or(CDateTimeSpan(std::numeric_limits<std::int64_t>::max()));
     long long left = options.GetPositive("--limit").value_or(std::numeric_limits<long long>::max());
 
     const auto& arguments = options.GetArguments();
@@ -94,7 +88,7 @@ int PacketsCommand(const COptions& options, SStreams streams) {
 
 int AtCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
-    const CDateTimeSpan time = ToSpan(ParseSeconds(arguments[2]));
+    const CDateTimeSpan time = ParseSeconds(arguments[2]);
     const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
     if (!open.packet) return exitFailure;
     CTrvViewValueDataQuery query(
@@ -108,19 +102,17 @@ int AtCommand(const COptions& options, SStreams streams) {
 }
 
 int ReduceCommand(const COptions& options, SStreams streams) {
-    const auto from = options.GetNumber("--from");
-    const auto to = options.GetNumber("--to");
+    const auto from = options.GetSeconds("--from");
+    const auto to = options.GetSeconds("--to");
     const auto slices = options.GetPositive("--slices");
-    if (!from || !to || !slices) throw CUsageError("--from, --to and --slices are needed");
-    const CDateTimeSpan start = ToSpan(*from), end = ToSpan(*to);
-    if (!(start < end)) throw CUsageError("--to must lie behind --from");
-    const CDateTimeSpan slice(std::max<std::int64_t>(1, (end - start).GetTicks() / *slices));
+    if (!from || !to || !slices || !(*from < *to)) throw CUsageError(textWindowNeeded);
+    const CDateTimeSpan slice(std::max<std::int64_t>(1, (*to - *from).GetTicks() / *slices));
 
     const auto& arguments = options.GetArguments();
     const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
     if (!open.packet) return exitFailure;
     CTrvView1DDataQuery query({Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber()},
-                              {start, end, slice, true}, nullptr);
+                              {*from, *to, slice, true}, nullptr);
     bool cancelled = false;
     if (!query.Execute(cancelled)) return Fail(arguments[0], textChannelEmpty, streams);
     const SReducedSeries series = query.TakeSeries();

@@ -54,27 +54,21 @@ int CreateFromParametersCommand(const COptions& options, SStreams streams) {
 
     CBatchCreation creation;
     std::string message;
-    if (!creation.Load(source, message)) {
-        streams.error << message << '\n';
-        return exitFailure;
-    }
+    if (!creation.Load(source, message)) return FailWith(message, streams);
     for (const std::string& choice : options.GetAll("--file")) {
         const std::size_t sign = choice.find('=');
         const bool known =
             sign != std::string::npos && sign + 1 < choice.size() &&
             creation.ChooseFile(choice.substr(0, sign),
                                 std::filesystem::absolute(FromText(choice.substr(sign + 1)), error));
-        if (!known) throw CUsageError("--file needs ID=PATH with the id of a file in " + arguments[0]);
+        if (!known) throw CUsageError(textFileChoice, {arguments[0]});
     }
 
     CSession session(streams);
     using namespace Outils_Configuration;
     auto made =
         creation.Create(session.GetConfiguration().Get(Cnf<"general/utcSearch/maxPacketCount">), message);
-    if (!made) {
-        streams.error << message << '\n';
-        return exitFailure;
-    }
+    if (!made) return FailWith(message, streams);
     const bool saved =
         session.GetDocument().NewFromProject(std::move(made), project, CTrvDocument::EResultName::kept);
     return saved ? exitSuccess : exitFailure;

@@ -35,8 +35,7 @@ QSize ParseSize(const COptions& options) {
     const bool read = std::sscanf(text->c_str(), "%5dx%5d%n", &width, &height, &used) == 2 &&
                       static_cast<std::size_t>(used) == text->size();
     const auto fits = [](int side) { return side >= kSmallestSide && side <= kGreatestSide; };
-    if (!read || !fits(width) || !fits(height))
-        throw CUsageError("--size needs WIDTHxHEIGHT, each from 100 to 16000");
+    if (!read || !fits(width) || !fits(height)) throw CUsageError(textPictureSize);
     return {width, height};
 }
 
@@ -79,7 +78,7 @@ const SFormat& FindFormat(const std::filesystem::path& path) {
     const std::string extension = Outils_Fichiers::ToText(path.extension());
     const auto format = std::find_if(std::begin(kFormats), std::end(kFormats),
                                      [&](const SFormat& row) { return row.extension == extension; });
-    if (format == std::end(kFormats)) throw CUsageError("the picture's name must end in .png, .svg or .pdf");
+    if (format == std::end(kFormats)) throw CUsageError(textPictureName);
     return *format;
 }
 

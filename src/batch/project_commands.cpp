@@ -43,8 +43,7 @@ std::vector<ESensorKind> ParseKinds(std::string_view text) {
         const auto word = text.substr(start, end - start);
         const auto row = std::find_if(std::begin(kKindWords), std::end(kKindWords),
                                       [&](const SKindWord& k) { return k.word == word; });
-        if (row == std::end(kKindWords))
-            throw CUsageError("unknown kind of sensor \"" + std::string(word) + '"');
+        if (row == std::end(kKindWords)) throw CUsageError(textUnknownKind, {word});
         if (std::find(kinds.begin(), kinds.end(), row->kind) == kinds.end()) kinds.push_back(row->kind);
         start = end + 1;
     }
@@ -104,10 +103,7 @@ int CreateCommand(const COptions& options, SStreams streams) {
         session.GetConfiguration().Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
     std::string message;
     auto made = CreateProject({recording, project, configuration, ellipsoidal}, message);
-    if (!made) {
-        streams.error << message << '\n';
-        return exitFailure;
-    }
+    if (!made) return FailWith(message, streams);
     for (const ESensorKind kind : kinds) AddSensors(*made->simulationParameters, kind);
     return session.GetDocument().NewFromProject(std::move(made), project) ? exitSuccess : exitFailure;
 }

@@ -3,28 +3,43 @@
 
 #include "batch/commands.h"
 
+#include "support/temporary_folder.h"
+
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <functional>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace test {
 
+// A text that tells when a line of it is done, so that a test can act in the middle of a command.
+class CWatchedText : public std::stringbuf {
+  public:
+    explicit CWatchedText(std::function<void()> onLine) : m_onLine(std::move(onLine)) {}
+
+  protected:
+    int sync() override {
+        if (m_onLine) m_onLine();
+        return 0;
+    }
+
+  private:
+    std::function<void()> m_onLine;
+};
+
 class Batch : public testing::Test {
   protected:
-    Batch() {
-        std::string name = (std::filesystem::temp_directory_path() / "varne-batch-XXXXXX").string();
-        m_folder = ::mkdtemp(name.data());
-    }
-    ~Batch() override { std::filesystem::remove_all(m_folder); }
-
-    // The exit status; the streams' texts are in m_out and m_error.
-    int Run(std::vector<std::string> words) {
-        std::ostringstream out, error;
+    // The exit status; the streams' texts are in m_out and m_error. `onLine` runs behind every line that the
+    // command writes while it works, a progress line say.
+    int Run(std::vector<std::string> words, std::function<void()> onLine = {}) {
+        CWatchedText outText(std::move(onLine));
+        std::ostream out(&outText);
+        std::ostringstream error;
         const int status = ::Batch::Run(words, {out, error});
-        m_out = out.str();
+        m_out = outText.str();
         m_error = error.str();
         return status;
     }
@@ -42,7 +57,7 @@ class Batch : public testing::Test {
         return cells;
     }
 
-    std::filesystem::path m_folder;
+    CTemporaryFolder m_folder;
     std::string m_out;
     std::string m_error;
 };

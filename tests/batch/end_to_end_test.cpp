@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 #include <fstream>
+#include <unistd.h>
 
 using namespace Simulation;
 using testing::ElementsAre;
@@ -15,6 +17,17 @@ using testing::HasSubstr;
 using testing::Not;
 
 namespace {
+
+// Kills the engine that this process has started, if there is one.
+void KillEngine() {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        std::ifstream stat(entry.path() / "stat");
+        pid_t id = 0, parent = 0;
+        std::string name, state;
+        if (stat >> id >> name >> state >> parent && parent == ::getpid() && name == "(Morvex.exe)")
+            ::kill(id, SIGKILL);
+    }
+}
 
 constexpr double kMetresPerDegree = 111132.0; // of latitude, near enough for an error of metres
 
@@ -106,6 +119,73 @@ TEST_F(EndToEnd, ARecordingBecomesABetterNavigation) {
         EXPECT_THAT(bytes, HasSubstr(content)) << name;
         EXPECT_GT(bytes.size(), 10'000u) << name;
     }
+}
+
+// Whatever ends the engine in the middle of its work leaves a result that opens, with whole packets to its
+// end.
+TEST_F(EndToEnd, AnEngineStoppedOrKilledLeavesAResultThatOpens) {
+    SMissionOptions options;
+    options.vehicle = EVehicle::car;
+    options.duration = 600;
+    options.alignmentDuration = 60;
+    options.channels = {"IMU", "GPS_1", "UTC"};
+    Record(options);
+    ASSERT_EQ(Run({"create", Path("m.tarin"), Path("m.tarprj"), "--add", "gps"}), 0) << m_error;
+
+    struct SEnding {
+        const char* name;
+        void (*end)();
+        const char* told;
+    };
+    const SEnding endings[] = {
+        {"stopped", [] { ::raise(SIGTERM); }, "The processing was stopped."},
+        {"killed", KillEngine, "the processing ended before its end"},
+    };
+    for (const auto& [name, end, told] : endings) {
+        std::filesystem::remove(Path("m.tarout"));
+        bool ended = false;
+        const auto endOnceThereIsAResult = [&] {
+            std::error_code error;
+            const auto size = std::filesystem::file_size(Path("m.tarout"), error);
+            if (ended || error || size < 40'000) return;
+            ended = true;
+            end();
+        };
+        EXPECT_EQ(Run({"run", Path("m.tarprj")}, endOnceThereIsAResult), 1) << name;
+        EXPECT_TRUE(ended) << name << m_out;
+        EXPECT_THAT(m_out + m_error, HasSubstr(told)) << name;
+        EXPECT_THAT(m_out, Not(HasSubstr("progress 100\n"))) << name;
+
+        ASSERT_EQ(Run({"analyse", Path("m.tarout")}), 0) << name << m_error;
+        EXPECT_THAT(m_out, Not(HasSubstr("damaged"))) << name;
+        ASSERT_EQ(Run({"packets", Path("m.tarout"), "MORVEX_STD"}), 0) << name;
+        const auto lines = Lines();
+        EXPECT_GT(lines.size(), 20u) << name;
+        EXPECT_EQ(Cells(lines.back()).size(), Cells(lines.front()).size()) << name;
+        EXPECT_EQ(Run({"picture", Path("m.tarprj"), Path("p.svg"), "--size", "400x300"}), 0) << name;
+    }
+}
+
+// The engine navigates by itself: what the unit thought during the mission is none of its inputs.
+TEST_F(EndToEnd, TheResultIsNoCopyOfTheRealTimeNavigation) {
+    std::vector<std::string> results[2];
+    for (const bool realTime : {false, true}) {
+        SMissionOptions options;
+        options.vehicle = EVehicle::car;
+        options.duration = 150;
+        options.alignmentDuration = 60;
+        options.imuRate = 50;
+        options.channels = {"IMU", "GPS_1", "UTC"};
+        if (realTime) options.channels.push_back("NELIX_NAV");
+        Record(options);
+        std::filesystem::remove(Path("m.tarprj"));
+        ASSERT_EQ(Run({"create", Path("m.tarin"), Path("m.tarprj"), "--add", "gps"}), 0) << m_error;
+        ASSERT_EQ(Run({"run", Path("m.tarprj")}), 0) << m_out << m_error;
+        ASSERT_EQ(Run({"packets", Path("m.tarout"), "MORVEX_STD"}), 0) << m_error;
+        results[realTime] = Lines();
+    }
+    EXPECT_GT(results[0].size(), 100u);
+    EXPECT_EQ(results[0], results[1]);
 }
 
 TEST_F(EndToEnd, ABrokenRecordingIsAnError) {

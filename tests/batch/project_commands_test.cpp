@@ -1,6 +1,7 @@
 // The commands that look at projects and turn them into other files.
 #include "batch/batch_fixture.h"
 
+#include "batch/session.h"
 #include "simulator/mission_writer.h"
 
 #include <gmock/gmock.h>
@@ -11,6 +12,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::Not;
+using testing::UnorderedElementsAre;
 
 namespace {
 
@@ -26,20 +28,81 @@ class ProjectCommands : public test::Batch {
         options.vehicle = Simulation::EVehicle::auv;
         options.duration = 20;
         options.alignmentDuration = 5;
-        options.channels = {"IMU", "GPS_1", "GPS_2", "DVL_BT", "DEPTH", "UTC", "SYNCHRO_1"};
+        options.channels = {"IMU",      "GPS_1",    "GPS_2",     "GPS_3",     "DVL_BT",         "DVL_WT",
+                            "DEPTH",    "USBL_1",   "USBL_2",    "LBL",       "ODOMETER",       "UTC",
+                            "EM_LOG_1", "EM_LOG_2", "SYNCHRO_1", "SYNCHRO_2", "PLATFORM_ORIENT"};
         std::string error;
         EXPECT_TRUE(WriteMission(options, Path("m.tarin"), {}, error)) << error;
         EXPECT_EQ(Run({"create", Path("m.tarin"), Path("m.tarprj"), "--add", "all"}), 0) << m_error;
     }
+
+    // Changes the project behind the program's back.
+    void Edit(void (*change)(Metier_Tarvel::CTrvProject& project)) {
+        std::ostringstream out, error;
+        ::Batch::CSession session({out, error});
+        ASSERT_TRUE(session.Open(Path("m.tarprj"))) << error.str();
+        change(*session.GetDocument().GetProject());
+        ASSERT_TRUE(session.GetDocument().DoSave(Path("m.tarprj"), true)) << error.str();
+    }
 };
 
+// Every kind of sensor takes each of its channels once, up to its maximum, and further kinds of the one
+// recording leave the rest.
+TEST_F(ProjectCommands, AddsSensorsOnTheirOwnChannels) {
+    ASSERT_EQ(Run({"describe", Path("m.tarprj")}), 0) << m_error;
+    std::vector<std::string> sensors;
+    std::string title;
+    for (const std::string& line : Lines()) {
+        if (line.starts_with("  Input file")) break;
+        if (line.find(':') == line.npos) title = line;
+        if (line.starts_with("    Channel: ")) sensors.push_back(title.substr(2) + line.substr(12));
+    }
+    EXPECT_THAT(sensors, ElementsAre("Gps GPS_1", "Gps GPS_2", "Gps GPS_3", "Dvl DVL_BT", "EM Log EM_LOG_1",
+                                     "Depth DEPTH", "Usbl USBL_1", "Usbl USBL_2", "Lbl LBL",
+                                     "Odometer ODOMETER", "Event marker SYNCHRO_1", "Event marker SYNCHRO_2",
+                                     "Gyro stabilized mount PLATFORM_ORIENT"));
+    ASSERT_EQ(Run({"create", Path("m.tarin"), Path("few.tarprj"), "--add", "usbl,gps,usbl"}), 0) << m_error;
+    ASSERT_EQ(Run({"describe", Path("few.tarprj")}), 0);
+    EXPECT_THAT(m_out, AllOf(HasSubstr("  Usbl\n"), HasSubstr("  Gps\n"), Not(HasSubstr("  Dvl\n"))));
+}
+
 TEST_F(ProjectCommands, DescribesAndCopies) {
+    Edit([](Metier_Tarvel::CTrvProject& project) {
+        auto& parameters = *project.simulationParameters;
+        parameters.AddOutputRate()->value = 12.5;
+        parameters.AddZupt()->mode = 4;
+        parameters.AddAltitudeMode()->mode = 4;
+        parameters.mainInputFile->timeOffset =
+            Metier_Tarvel::ToStoredTime(Outils_Temps::CDateTimeSpan::FromSeconds(-1.5));
+        for (const auto& sensor : parameters.sensors) {
+            for (auto* stdDev : sensor->GetStdDevInstructions())
+                for (int i = 0; stdDev && i < stdDev->GetValueCount(); ++i) stdDev->Value(i) = 2.25 + i;
+            if (!sensor->rejectionGroups.empty()) sensor->rejectionGroups[0]->AddInstruction()->mode = 3;
+            if (auto* arm = sensor->GetLeverArm()) *arm = Metier_Tarvel::CLeverArm(1, -2, 3);
+            if (auto* usbl = dynamic_cast<Metier_Tarvel::CTrvSensorUsbl*>(sensor.get()))
+                usbl->AddFilteringInstruction()->threshold = 7.5f;
+        }
+        auto* graph = project.graphSettings->AddMeasureGraph("Depths");
+        graph->AddCurve(parameters.mainInputFile.get(), 8, 3, "Immersion")->factor = -2;
+        project.graphSettings->AddEnumGraph("Modes", nullptr, 77, 2, "Mode");
+        project.instantValuesSettings->AddMeasure(parameters.mainInputFile.get(), 5, 4, "Fix")->secondField =
+            9;
+    });
     ASSERT_EQ(Run({"describe", Path("m.tarprj")}), 0) << m_error;
     const std::string described = m_out;
-    for (const char* line : {"  algorithm: Standard\n", "  CTrvSensorGps\n", "    channel: GPS_2\n",
-                             "    leverArm: 0.000 m, 0.000 m, 0.000 m\n", "  hasUtcReference: true\n",
-                             "  utcReference: 14/05/2024 08:00:00.000\n", "    eventId: \n"})
+    for (const char* line :
+         {"  Algorithm: Standard\n", "    Channel: GPS_2\n", "    Lever arm: 1.000 m, -2.000 m, 3.000 m\n",
+          "  UTC reference: 14/05/2024 08:00:00.000\n", "    Event Id: \n", "    Value: 12.500 Hz\n",
+          "    Mode: Autostatic\n", "    Mode: Hydro\n", "    Time offset: -00:00:01.500\n",
+          "        Mode: Automatic reacquisition\n", "      Threshold: 7.50 m\n",
+          "      Longitude: 3.25 m\n      Crossvariance: 4.25 m²\n      Altitude: 5.250 m\n",
+          "      X: 2.25 m/s\n      Y: 3.25 m/s\n      Z: 4.25 m/s\n", "      Value X: 2.25 m/s\n",
+          "    Channel: 16 SYNCHRO_2 Event marker\n",
+          "  Graph\n    Title: Depths\n    Curve\n      Label: Immersion\n",
+          "      Channel: DEPTH\n      Field: 3\n      Color: #FF000000\n      Factor: -2.000\n",
+          "    Data file: none\n    Channel: 77\n", "    Second field: 9\n"})
         EXPECT_THAT(described, HasSubstr(line));
+    EXPECT_THAT(described, Not(HasSubstr("?")));
     ASSERT_EQ(Run({"copy", Path("m.tarprj"), Path("copy.tarprj")}), 0) << m_error;
     EXPECT_EQ(Run({"copy", Path("m.tarprj"), Path("copy.tarprj")}), 1);
     ASSERT_EQ(Run({"describe", Path("copy.tarprj")}), 0);
@@ -67,10 +130,27 @@ TEST_F(ProjectCommands, ChecksAndTurnsIntoABatchFileAndBack) {
               0)
         << m_error;
     ASSERT_EQ(Run({"describe", Path("other.tarprj")}), 0);
-    EXPECT_THAT(m_out, HasSubstr("path: " + Path("other.tarin")));
-    EXPECT_THAT(m_out, HasSubstr("path: " + Path("o.tarout")));
+    EXPECT_THAT(m_out, HasSubstr("Path: " + Path("other.tarin")));
+    EXPECT_THAT(m_out, HasSubstr("Path: " + Path("o.tarout")));
     EXPECT_EQ(Run({"create-from-parameters", Path("c.xml"), Path("x.tarprj"), "--file", "nobody=x"}), 2);
     EXPECT_EQ(Run({"create-from-parameters", Path("m.tarin"), Path("x.tarprj")}), 1);
+}
+
+TEST_F(ProjectCommands, BrokenRulesAreToldAndKeepAProjectFromWork) {
+    Edit([](Metier_Tarvel::CTrvProject& project) {
+        project.simulationParameters->AddZupt(); // its period is empty
+        project.simulationParameters->AddOutputRate()->value = 0;
+    });
+    EXPECT_EQ(Run({"check", Path("m.tarprj")}), 1);
+    EXPECT_THAT(Lines(),
+                UnorderedElementsAre("ZUPT end time should be strictly greater than begin time",
+                                     "Output rate end time should be strictly greater than begin time",
+                                     "Output rate value should be strictly positive"));
+    EXPECT_EQ(Run({"parameters", Path("m.tarprj"), Path("broken.xml")}), 1);
+    EXPECT_THAT(m_error, HasSubstr("ZUPT end time"));
+    EXPECT_FALSE(std::filesystem::exists(Path("broken.xml")));
+    EXPECT_EQ(Run({"run", Path("m.tarprj")}), 1);
+    EXPECT_FALSE(std::filesystem::exists(Path("m.tarout")));
 }
 
 TEST_F(ProjectCommands, ImportsTheConfigurationOfTheIns) {
@@ -79,7 +159,7 @@ TEST_F(ProjectCommands, ImportsTheConfigurationOfTheIns) {
     ASSERT_EQ(Run({"create", Path("m.tarin"), Path("i.tarprj"), "--ins-configuration", Path("ins.txt")}), 0)
         << m_error;
     ASSERT_EQ(Run({"describe", Path("i.tarprj")}), 0);
-    EXPECT_THAT(m_out, HasSubstr("roughMisalignment: 4\n"));
+    EXPECT_THAT(m_out, HasSubstr("Rough misalignment: 4\n"));
     // Sensors that the configuration brought keep their channels for themselves.
     std::ofstream(Path("ins.txt"), std::ios::app) << "[Gps]\nPort=1\n";
     ASSERT_EQ(Run({"create", Path("m.tarin"), Path("g.tarprj"), "--add", "gps", "--ins-configuration",
@@ -94,7 +174,7 @@ TEST_F(ProjectCommands, ImportsTheConfigurationOfTheIns) {
 
 TEST_F(ProjectCommands, TellsWhatFilesHold) {
     ASSERT_EQ(Run({"dictionary", Path("m.tarprj")}), 0);
-    EXPECT_THAT(m_out, HasSubstr("m.tarin;GPS_1;GPS receiver;data\n  measure;5;Latitude;Latitude\n"));
+    EXPECT_THAT(m_out, HasSubstr("m.tarin;GPS_1;GPS receiver;Has data\n  Measure;5;Latitude;Latitude\n"));
     EXPECT_THAT(m_out, HasSubstr(";Off;On;Auto\n"));
     ASSERT_EQ(Run({"detect", Path("m.tarin")}), 0);
     EXPECT_TRUE(m_out.starts_with("1;")) << m_out;
@@ -106,6 +186,8 @@ TEST_F(ProjectCommands, TellsWhatFilesHold) {
     EXPECT_THAT(m_out, HasSubstr("first position;43"));
     EXPECT_THAT(m_out, Not(HasSubstr("damaged")));
 
+    EXPECT_THAT(m_error, AllOf(HasSubstr("progress 10\n"), HasSubstr("progress 100\n")));
+
     // A hole of foreign bytes and a torn end are told with their places, and what lies around them is
     // counted.
     std::string bytes = TextOf(Path("m.tarin"));
@@ -115,6 +197,16 @@ TEST_F(ProjectCommands, TellsWhatFilesHold) {
     ASSERT_EQ(Run({"analyse", Path("damaged.tarin")}), 0);
     EXPECT_THAT(m_out, HasSubstr("damaged at byte "));
     EXPECT_THAT(m_out, HasSubstr("torn at byte "));
+
+    // Damage without end is counted, not kept.
+    std::ofstream wreck(Path("damaged.tarin"), std::ios::binary | std::ios::app);
+    const std::string packet(std::string("$$\x09\0\x1C\0\0\0", 8) + std::string(12, '\0') +
+                             std::string("!!\x09\0\x1C\0\0\0", 8));
+    for (int i = 0; i < 300; ++i) wreck << packet << "between";
+    wreck.close();
+    ASSERT_EQ(Run({"analyse", Path("damaged.tarin")}), 0);
+    EXPECT_THAT(m_out, HasSubstr("\n9;USBL_1;310;"));
+    EXPECT_THAT(m_out, HasSubstr("and 202 more damaged places, 1414 bytes\n"));
 }
 
 } // namespace

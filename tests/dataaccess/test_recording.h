@@ -3,6 +3,7 @@
 
 #include "foundation/date_time.h"
 #include "recording/recording_writer.h"
+#include "support/temporary_folder.h"
 #include "xpf/packets.h"
 
 #include <gtest/gtest.h>
@@ -17,20 +18,6 @@ namespace test {
 using Outils_Temps::CDateTimeSpan;
 
 inline CDateTimeSpan Seconds(double seconds) { return CDateTimeSpan::FromSeconds(seconds); }
-
-// A folder of its own for one test, removed with it.
-class CTemporaryFolder {
-  public:
-    CTemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "varne-test-XXXXXX").string();
-        m_path = ::mkdtemp(name.data());
-    }
-    ~CTemporaryFolder() { std::filesystem::remove_all(m_path); }
-    std::filesystem::path operator/(std::string_view name) const { return m_path / name; }
-
-  private:
-    std::filesystem::path m_path;
-};
 
 constexpr std::uint16_t kDepthNumber = 8; // rows of the channel table
 constexpr std::uint16_t kGpsNumber = 5;

@@ -1,0 +1,155 @@
+#include "batch/file_scan.h"
+
+#include "foundation/message_target.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+namespace Batch {
+
+using namespace Application_Tarvel;
+using namespace Persistance_Xpf;
+
+namespace {
+
+constexpr std::size_t kChannelNumbers = 65536;
+
+// Where the first date of a packet stands in its payload, by the file's own description of the packet.
+std::optional<std::uint32_t> FindDateOffset(const CXpfFile& file, std::uint32_t packetType) {
+    for (const auto& definition : file.GetDefinitions()) {
+        if (definition->type != packetType) continue;
+        std::uint64_t offset = 0;
+        for (const CXpfFieldDefinition& field : definition->fields) {
+            const auto type = static_cast<EFieldType>(field.typeCode);
+            if (type == EFieldType::date) {
+                if (offset > UINT32_MAX) return std::nullopt;
+                return static_cast<std::uint32_t>(offset);
+            }
+            const std::uint32_t width = GetWidth(type);
+            if (width == 0) return std::nullopt; // nothing is known of what stands behind it
+            offset += std::uint64_t{width} * field.count;
+        }
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+// The application's analysis of an input file, fed with the packets of this scan instead of its own. It ends
+// where that one ends: at the first damage, or at a packet that is too short for its type.
+class CFileScan::CFirstDataFinder : private CTrvTarinDataFileAnalyzerThread {
+  public:
+    explicit CFirstDataFinder(const std::filesystem::path& path)
+        : CTrvTarinDataFileAnalyzerThread(path, m_port, [](std::uint16_t) {}) {
+        m_searching = OpenDataFile(path) != nullptr;
+    }
+
+    void Take(CXpfFile& file, const SPacketHeader& header, std::span<const std::uint8_t> payload) {
+        m_searching = m_searching && ProcessPacket(file, header, payload);
+    }
+    void End() { m_searching = false; }
+    SFirstData Get() { return WaitForFirstData(std::chrono::milliseconds(0)); }
+
+  private:
+    Outils::CMessageQueue m_queue;
+    Outils::CMessagePort m_port{m_queue};
+    bool m_searching = false;
+};
+
+double SChannelScan::GetRate() const {
+    const double length = dates > 1 ? (last - first).GetTotalSeconds() : 0;
+    return length > 0 ? static_cast<double>(dates - 1) / length : 0;
+}
+
+CFileScan::CFileScan(const SOpenFile& open, const std::filesystem::path& path)
+    : m_file(*open.file), m_channels(kChannelNumbers), m_dateOffsets(kChannelNumbers) {
+    for (const auto& channel : m_file.GetChannels())
+        m_dateOffsets[channel->GetNumber()] = FindDateOffset(m_file, channel->GetPacketType());
+    if (open.kind == EFileKind::tarin) m_firstData = std::make_unique<CFirstDataFinder>(path);
+}
+
+CFileScan::~CFileScan() = default;
+
+void CFileScan::Run(const std::function<void(int percent)>& progress) {
+    const std::int64_t size = m_file.GetFileSize();
+    std::int64_t step = 1;
+    m_file.Seek(m_file.GetDataStart().Get());
+    SPacketHeader header;
+    std::span<const std::uint8_t> payload;
+    for (std::int64_t position = m_file.GetPosition(); position < size; position = m_file.GetPosition()) {
+        const EPacketRead read = m_file.ReadPacket(header, payload);
+        if (read == EPacketRead::whole) {
+            Take(header, payload);
+        } else {
+            if (m_firstData) m_firstData->End();
+            // A damaged size may reach beyond the end, too: the file is torn when no packet follows.
+            const bool found = FindNextPacket(position + 1);
+            const std::int64_t end = found ? m_file.GetPosition() : size;
+            AddDamage({position, end - position, !found && read == EPacketRead::torn});
+            if (!found) break;
+        }
+        for (; step <= 9 && m_file.GetPosition() >= size / 10 * step; ++step)
+            progress(static_cast<int>(step) * 10);
+    }
+    progress(100);
+}
+
+// The file's own forward search gives up behind a place that only looks like a packet; here every place
+// counts where one could begin.
+bool CFileScan::FindNextPacket(std::int64_t from) {
+    std::vector<char> bytes(1 << 16);
+    const std::int64_t size = m_file.GetFileSize();
+    for (;;) {
+        if (!m_file.Seek(from)) return false;
+        const std::size_t count = m_file.Read(bytes.data(), bytes.size());
+        if (count < kPacketOverhead) return false;
+        const std::string_view view(bytes.data(), count);
+        for (std::size_t i = view.find("$$"); i != view.npos; i = view.find("$$", i + 1)) {
+            const std::int64_t place = from + static_cast<std::int64_t>(i);
+            SPacketHeader header;
+            SPacketTrailer trailer;
+            // Only the frame is read: the sizes of chance places would have megabytes read for each.
+            if (m_file.Seek(place) && m_file.Read(&header, sizeof header) == sizeof header &&
+                header.Check() && place + header.size <= size &&
+                m_file.Seek(place + header.size - kPacketTrailerSize) &&
+                m_file.Read(&trailer, sizeof trailer) == sizeof trailer && trailer.Matches(header))
+                return m_file.Seek(place);
+        }
+        from += static_cast<std::int64_t>(count) - 1;
+    }
+}
+
+void CFileScan::AddDamage(const SDamage& damage) {
+    if (m_damage.size() < kDamageKept) {
+        m_damage.push_back(damage);
+        return;
+    }
+    ++m_morePlaces;
+    m_moreBytes += damage.size;
+}
+
+void CFileScan::Take(const SPacketHeader& header, std::span<const std::uint8_t> payload) {
+    auto& entry = m_channels[header.channel];
+    if (!entry) entry = std::make_unique<SChannelScan>();
+    SChannelScan& seen = *entry;
+    if (seen.packets++ > 0) seen.numberJumps += header.number != seen.lastNumber + 1;
+    seen.lastNumber = header.number;
+    const auto offset = m_dateOffsets[header.channel];
+    std::int64_t ticks;
+    if (offset && *offset + sizeof ticks <= payload.size()) {
+        std::memcpy(&ticks, payload.data() + *offset, sizeof ticks);
+        const CDateTimeSpan date(ticks);
+        if (seen.dates++ == 0)
+            seen.first = date;
+        else
+            seen.timeJumps += date < seen.last;
+        seen.last = date;
+    }
+    if (m_firstData) m_firstData->Take(m_file, header, payload);
+}
+
+SFirstData CFileScan::GetFirstData() { return m_firstData ? m_firstData->Get() : SFirstData(); }
+
+} // namespace Batch
