@@ -67,10 +67,7 @@ bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
             output.path = result;
             UpdateAllViews(nullptr, hintOutputFileNameChanged);
             StopAnalysis(output, true);
-            if (m_fileMonitor) {
-                m_fileMonitor->Unwatch(&output);
-                m_fileMonitor->Watch(&output, output.path);
-            }
+            WatchAnew(output);
         }
     }
     const bool saved = CDocumentEx::OnSaveDocument(path);

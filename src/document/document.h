@@ -135,6 +135,8 @@ class CTrvDocument final : public CDocumentEx {
     // With `reset` the thread is forgotten: the next analysis starts from the beginning of the file.
     void StopAnalysis(const CTrvDataFile& file, bool reset);
     void WatchFiles();
+    // Has the monitor look at the file as at one that it has never seen.
+    void WatchAnew(const CTrvDataFile& file);
     void StopThreads();
     // Forgets all that was learned of a file that is no longer the same.
     void DropFromCache(const CTrvDataFile& file);

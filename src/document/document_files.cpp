@@ -8,6 +8,10 @@
 #include "xpf/file.h"
 
 #include <algorithm>
+#include <atomic>
+#include <functional>
+#include <span>
+#include <utility>
 
 namespace Application_Tarvel {
 
@@ -133,6 +137,13 @@ void CTrvDocument::WatchFiles() {
     m_fileMonitor = std::make_unique<CTrvDataFileMonitorThread>(
         *m_messageWnd, [this](EFileChange change, const void* key) { OnFileChanged(change, key); });
     for (CTrvDataFile* file : GetDataFiles()) m_fileMonitor->Watch(file, file->path);
+}
+
+void CTrvDocument::WatchAnew(const CTrvDataFile& file) {
+    m_fileStates.erase(&file);
+    if (!m_fileMonitor) return;
+    m_fileMonitor->Unwatch(&file);
+    m_fileMonitor->Watch(&file, file.path);
 }
 
 void CTrvDocument::StopThreads() {

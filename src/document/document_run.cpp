@@ -40,10 +40,8 @@ void CTrvDocument::EndRun() {
     // What the engine wrote last is on its way to the receiver: the run's last messages belong to the run.
     m_process.WaitForReceivers();
     UpdateAllViews(nullptr, hintRunEnded);
-    // A result that was begun must be one, however the engine ended.
-    const CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
-    std::error_code error;
-    if (std::filesystem::exists(output.path, error)) TellFault(output);
+    // What the monitor saw of the result while it was written was no fault. Now it may be one.
+    if (m_pProject) WatchAnew(*m_pProject->simulationParameters->outputFile);
     GetHost().SetProgress(0);
     GetHost().ShowProgress(false);
 }
@@ -138,13 +136,9 @@ void CTrvDocument::RemoveResult() {
     if (std::filesystem::exists(output.path, error)) {
         std::filesystem::remove(output.path, error);
         StopAnalysis(output, true);
-        // The monitor forgets it: the removal is no news, and what the engine writes is a new file, even if
-        // it is longer than this one at the next look.
-        if (m_fileMonitor) {
-            m_fileMonitor->Unwatch(&output);
-            m_fileMonitor->Watch(&output, output.path);
-        }
-        m_fileStates.erase(&output);
+        // The removal is no news, and what the engine writes is a new file, even if it is longer than this
+        // one at the next look.
+        WatchAnew(output);
         DropFromCache(output);
         RefreshDataLayers(output);
     }

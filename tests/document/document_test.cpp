@@ -317,6 +317,45 @@ TEST_F(Document, AnEngineThatDiesOrIsMissingIsNoDisaster) {
     EXPECT_FALSE(m_document.IsSimulationRunning());
 }
 
+// The engine is killed at any byte: the whole packets of its result are there, and what is no result yet is
+// told once the run is over.
+TEST_F(Document, AResultThatWasCutByTheEndOfItsEngineGivesWhatWasWhole) {
+    UseEngine("wait");
+    Create();
+    const auto result = m_folder / "p.tarout";
+    {
+        constexpr std::string_view channels[] = {"MORVEX_STD", "MORVEX_MSG"};
+        Enregistrement::CRecordingWriter writer;
+        ASSERT_TRUE(writer.Create(m_folder / "whole", channels));
+        ASSERT_TRUE(writer.Write("MORVEX_STD", Persistance_Xpf::CXpfTaroutMorvexStdPacketV2()));
+        ASSERT_TRUE(writer.Write("MORVEX_MSG", Persistance_Xpf::CXpfTaroutMorvexMsgPacketV1()));
+        ASSERT_TRUE(writer.Close());
+    }
+    const auto whole = BytesOf(m_folder / "whole");
+    const auto hasData = [&](std::string_view name) {
+        const auto& layers = m_document.GetProject()->dataModel->m_layers;
+        return std::any_of(layers.begin(), layers.end(),
+                           [name](const auto& layer) { return layer->m_name == name && layer->m_hasData; });
+    };
+    const auto runAndCutAt = [&](std::size_t size) {
+        ASSERT_TRUE(m_document.StartSimulation());
+        ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(result, std::span(whole).first(size)));
+        EXPECT_TRUE(m_document.StopSimulation());
+        PumpRunToItsEnd();
+        m_host.m_output.clear();
+    };
+    runAndCutAt(whole.size() - 5);
+    EXPECT_TRUE(PumpUntil([&] { return hasData("MORVEX_STD"); }));
+    while (m_document.IsAnalysing()) m_host.m_queue.RunOne(10ms);
+    m_host.m_queue.RunPending();
+    EXPECT_THAT(m_host.m_output, IsEmpty());
+    runAndCutAt(60);
+    EXPECT_TRUE(PumpUntil([&] { return !m_host.m_output.empty(); }));
+    EXPECT_THAT(m_host.m_output,
+                ElementsAre(Outils_Texte::FormatText(textFileNoHeader, {Outils_Fichiers::ToText(result)})));
+    EXPECT_FALSE(hasData("MORVEX_STD"));
+}
+
 TEST_F(Document, SensorsWithoutAChoiceAreAddedWhileANewProjectIsOpen) {
     constexpr std::string_view channels[] = {"IMU", "SYNCHRO_2", "PLATFORM_ORIENT"};
     Enregistrement::CRecordingWriter writer;
