@@ -43,17 +43,16 @@ class CRecording {
         std::ofstream(path, std::ios::binary)
             .write(m_bytes.data(), static_cast<std::streamsize>(m_bytes.size()));
         m_bytes = {};
-        // A file just written reads slower than one read from the disk: evict it and read it back.
-        handle = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-        fsync(handle);
-        posix_fadvise(handle, 0, 0, POSIX_FADV_DONTNEED);
-        buffer.reset(static_cast<char*>(std::aligned_alloc(4096, kPlainBlock)));
-        for (off_t at = 0; pread(handle, buffer.get(), kPlainBlock, at) > 0;)
-            at += static_cast<off_t>(kPlainBlock);
+        Prepare();
+    }
+    // A file that is there already, and stays.
+    explicit CRecording(const char* existing) : path(existing), m_own(false) {
+        Prepare();
+        dataStart = Open()->GetDataStart().Get();
     }
     ~CRecording() {
         close(handle);
-        std::filesystem::remove(path);
+        if (m_own) std::filesystem::remove(path);
     }
     CRecording(const CRecording&) = delete;
     CRecording& operator=(const CRecording&) = delete;
@@ -61,6 +60,17 @@ class CRecording {
     std::unique_ptr<CXpfFile> Open() const {
         bool outdated = false;
         return OpenXpfFile(path, EFileKind::tarin, outdated);
+    }
+
+    void Evict() const {
+        fsync(handle);
+        posix_fadvise(handle, 0, 0, POSIX_FADV_DONTNEED);
+    }
+    std::uint64_t ReadPlainly() const {
+        std::uint64_t sum = 0;
+        for (off_t at = 0; pread(handle, buffer.get(), kPlainBlock, at) > 0; ++sum)
+            at += static_cast<off_t>(kPlainBlock);
+        return sum;
     }
 
     struct SFree {
@@ -78,6 +88,16 @@ class CRecording {
         std::uint32_t payload = 0, count = 0;
         std::size_t last = 0;
     };
+
+    // A file just written reads slower than one read from the disk: evict it and read it back.
+    void Prepare() {
+        handle = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+        if (handle < 0) std::abort();
+        posix_fadvise(handle, 0, 0, POSIX_FADV_SEQUENTIAL);
+        Evict();
+        buffer.reset(static_cast<char*>(std::aligned_alloc(4096, kPlainBlock)));
+        ReadPlainly();
+    }
 
     template <class T>
     void Put(const T& value) {
@@ -117,12 +137,21 @@ class CRecording {
         state.last = position;
     }
 
+    bool m_own = true;
     std::vector<char> m_bytes;
     std::map<std::string_view, SState> m_states;
 };
 
 CRecording& Recording() {
     static CRecording recording;
+    return recording;
+}
+
+// The recording that VARNE_BENCH_FILE names, for a measurement at full size; without it the one made here.
+CRecording& LargeRecording() {
+    static const char* const existing = std::getenv("VARNE_BENCH_FILE");
+    if (!existing) return Recording();
+    static CRecording recording(existing);
     return recording;
 }
 
@@ -170,7 +199,24 @@ std::uint64_t WalkChannel(const CRecording& recording, const char* name) {
     return packets;
 }
 
-// Along the links with one read a packet: the better way for a channel that is sparse enough.
+// The packets of a channel from here to the end.
+std::uint64_t WalkOnPlainly(const CRecording& file, std::int64_t at, std::uint16_t channel) {
+    std::uint64_t packets = 0;
+    for (;;) {
+        const std::int64_t begin = at & ~std::int64_t{4095};
+        const std::int64_t end = begin + pread(file.handle, file.buffer.get(), kPlainBlock, begin);
+        if (at + kPacketHeaderSize > end) return packets;
+        while (at + kPacketHeaderSize <= end) {
+            SPacketHeader header;
+            std::memcpy(&header, file.buffer.get() + (at - begin), sizeof header);
+            packets += header.channel == channel;
+            at += header.size;
+        }
+    }
+}
+
+// Along the links with one read a packet: the better way for a channel that is sparse enough. Behind the last
+// packet the rest of the stream has to be looked through, since a writer may have appended before its link.
 std::uint64_t FollowLinksPlainly(const CRecording& file, const char* name) {
     const auto opened = file.Open();
     CXpfChannel* channel = opened->FindChannelByName(name);
@@ -181,15 +227,15 @@ std::uint64_t FollowLinksPlainly(const CRecording& file, const char* name) {
         const ssize_t got = pread(file.handle, file.buffer.get(), 100, at);
         if (got < static_cast<ssize_t>(sizeof header)) return packets;
         std::memcpy(&header, file.buffer.get(), sizeof header);
-        if (header.forwardLink == 0) return packets;
+        if (header.forwardLink == 0) return packets + WalkOnPlainly(file, at + header.size, header.channel);
         at += header.forwardLink;
     }
 }
 
 // Of the processor, so that a busy machine does not count; the file is in memory and nothing waits.
-double Now() {
+double Now(clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
     timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    clock_gettime(clock, &time);
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
@@ -228,7 +274,33 @@ void Compare(benchmark::State& state, Own own, Plain... plain) {
 
 void SequentialScan(benchmark::State& state) {
     Compare(
-        state, [] { return ScanStream(Recording()); }, [] { return ScanPlainly(Recording()); });
+        state, [] { return ScanStream(LargeRecording()); }, [] { return ScanPlainly(LargeRecording()); });
+}
+
+void ScanAgainstRawRead(benchmark::State& state) {
+    Compare(
+        state, [] { return ScanStream(LargeRecording()); }, [] { return LargeRecording().ReadPlainly(); });
+}
+
+// From the disk, by the clock on the wall: each run evicts the file first.
+void ColdScan(benchmark::State& state) {
+    const CRecording& file = LargeRecording();
+    const auto time = [&file](auto&& work) {
+        file.Evict();
+        const double start = Now(CLOCK_MONOTONIC);
+        benchmark::DoNotOptimize(work());
+        return Now(CLOCK_MONOTONIC) - start;
+    };
+    for (auto _ : state) {
+        std::vector<double> own, raw;
+        for (int run = 0; run < kRuns; ++run) {
+            raw.push_back(time([&file] { return file.ReadPlainly(); }));
+            own.push_back(time([&file] { return ScanStream(file); }));
+        }
+        state.SetIterationTime(Median(own));
+        state.counters["raw_ms"] = Median(raw) * 1e3;
+        state.counters["ratio"] = Median(own) / Median(raw);
+    }
 }
 
 void ChannelWalk(benchmark::State& state, const char* name) {
@@ -266,6 +338,8 @@ void SeekPacketNumber(benchmark::State& state) {
 }
 
 BENCHMARK(SequentialScan)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(ScanAgainstRawRead)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(ColdScan)->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ChannelWalk, dense, "IMU")->UseManualTime()->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(ChannelWalk, medium, "NELIX_NAV")
     ->UseManualTime()

@@ -53,7 +53,23 @@ bool CXpfFile::Seek(std::int64_t offset) { return m_reader->Seek(offset); }
 
 std::size_t CXpfFile::Read(void* buffer, std::size_t size) { return m_reader->Read(buffer, size); }
 
+// The way of nearly every packet, kept so short that it needs no registers saved.
 EPacketRead CXpfFile::ReadPacket(SPacketHeader& header, std::span<const std::uint8_t>& payload) {
+    CBlockReader& reader = *m_reader;
+    const std::int64_t position = reader.GetPosition();
+    if (!reader.Holds(position, kPacketHeaderSize)) return ReadPacketAnew(header, payload);
+    const std::uint8_t* packet = reader.GetHeld(position);
+    const std::uint32_t size = LoadPacketSize(packet);
+    if (!CheckHeaderBytes(packet) || !reader.Holds(position, size) ||
+        !TrailerBytesMatch(packet, packet + size - kPacketTrailerSize))
+        return ReadPacketAnew(header, payload);
+    std::memcpy(&header, packet, sizeof header);
+    payload = {packet + kPacketHeaderSize, size - kPacketOverhead};
+    reader.Advance(size);
+    return EPacketRead::whole;
+}
+
+EPacketRead CXpfFile::ReadPacketAnew(SPacketHeader& header, std::span<const std::uint8_t>& payload) {
     CBlockReader& reader = *m_reader;
     const std::int64_t position = reader.GetPosition();
     const std::uint8_t* packet = reader.View(position, kPacketHeaderSize);

@@ -112,6 +112,7 @@ class CXpfFile {
     // The packet check against the trailer in the file. `fileSize` spares the look for a trailer that would
     // lie beyond: what a search meets in damaged bytes mostly does.
     bool IsPacket(std::int64_t position, const SPacketHeader& header, std::int64_t fileSize);
+    EPacketRead ReadPacketAnew(SPacketHeader& header, std::span<const std::uint8_t>& payload);
     EPacketRead ReadHugePacket(const SPacketHeader& header, std::span<const std::uint8_t>& payload);
 
     CXpfFilePosition m_dataStart;
