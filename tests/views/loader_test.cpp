@@ -129,6 +129,11 @@ TEST_F(LoaderTest, DefaultStackShowsTheResultBesideTheRecording) {
     // One question for each channel: all curves of it share one answer.
     EXPECT_EQ(Source(0, kResult).GetDataset(), Source(5, kResult).GetDataset());
     EXPECT_GT(m_changes, 0);
+    // Under another name there is no result yet.
+    m_host.m_paths.push_back(m_folder / "other.tarprj");
+    ASSERT_TRUE(m_document->CommandSaveAs());
+    Load();
+    EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 1u);
 }
 
 TEST_F(LoaderTest, LastOfManyPeriodsWinsAndTheOldDataStaysMeanwhile) {

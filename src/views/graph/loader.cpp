@@ -151,7 +151,7 @@ void CTrv1DGraphLoader::OnUpdate(EHint hint, const Outils_Objets::CObject* objec
     case hintCurveChanged: Rebuild(false); break;
     case hintDataLayersRebuilt:
         // A file that cannot be read has no layers: what is shown of it stays.
-        if (HasLayers(object)) Rebuild(false);
+        if (HasLayers(object) || !ShowsDataOf(object)) Rebuild(false);
         break;
     case hintRunStarted:
         m_running = true;
@@ -178,6 +178,12 @@ bool CTrv1DGraphLoader::HasLayers(const Outils_Objets::CObject* file) const {
     const auto* project = m_document.GetProject();
     return project && std::any_of(project->dataModel->m_layers.begin(), project->dataModel->m_layers.end(),
                                   [file](const auto& layer) { return layer->m_dataFile == file; });
+}
+
+bool CTrv1DGraphLoader::ShowsDataOf(const Outils_Objets::CObject* file) const {
+    return std::any_of(m_channels.begin(), m_channels.end(), [file](const auto& entry) {
+        return entry.first.file == file && entry.second.dataset;
+    });
 }
 
 // The result of a run that was started anew must not be taken for that of the run.

@@ -84,6 +84,7 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
 
     void Rebuild(bool forget);
     bool HasLayers(const Outils_Objets::CObject* file) const;
+    bool ShowsDataOf(const Outils_Objets::CObject* file) const;
     void ForgetResult();
     SSimulationTimeText MakeTimeText() const;
     void AddPortlets();
