@@ -69,17 +69,18 @@ std::string ToText(double value, ENumberText form = ENumberText::shortest) {
 }
 
 // A text that would come back as another one must not be written: bytes that are no UTF-8, or halves of
-// characters, which have no place in XML.
+// characters and control characters, which have no place in XML.
 const std::string& CheckText(const std::string& text) {
     const std::u16string units = Outils_Texte::Utf8ToUtf16(text);
     for (std::size_t i = 0; i < units.size(); ++i) {
+        if (units[i] < u' ' && units[i] != u'\t' && units[i] != u'\n' && units[i] != u'\r')
+            CParameterExchange::Fail();
         if ((units[i] & 0xF800) != 0xD800) continue;
         if (units[i] >= 0xDC00 || i + 1 == units.size() || (units[i + 1] & 0xFC00) != 0xDC00)
             CParameterExchange::Fail();
         ++i;
     }
-    if (text.find('\0') != std::string::npos || Outils_Texte::Utf16ToUtf8(units) != text)
-        CParameterExchange::Fail();
+    if (Outils_Texte::Utf16ToUtf8(units) != text) CParameterExchange::Fail();
     return text;
 }
 
