@@ -5,11 +5,7 @@
 namespace Outils_Valeurs {
 
 void CGeographicPositionAdaptor::Serialize(CArchive& archive) {
-    Outils_Objets::CSchema schema(archive, 1);
-    CObjetMetier::Serialize(archive);
-    schema.InPlace(latitude);
-    schema.InPlace(longitude);
-    schema.InPlace(altitude);
+    Outils_Objets::SerializeUnchanged<CObjetMetier>(archive, *this, latitude, longitude, altitude);
 }
 
 void CTripleAdaptor::Serialize(CArchive& archive) {

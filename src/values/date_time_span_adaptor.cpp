@@ -105,13 +105,8 @@ bool CDateTimeSpanAdaptor::TextToValue(std::string_view text, CDateTimeSpan& val
 }
 
 void CDateTimeSpanAdaptor::Serialize(CArchive& archive) {
-    Outils_Objets::CSchema schema(archive, 1);
-    CObjetMetier::Serialize(archive);
-    schema.Field(notation);
-    schema.Field(precision);
-    schema.Field(hourSeparator);
-    schema.Field(decimalSeparator);
-    schema.InPlace(total);
+    Outils_Objets::SerializeUnchanged<CObjetMetier>(archive, *this, notation, precision, hourSeparator,
+                                                    decimalSeparator, total);
 }
 
 } // namespace Outils_Valeurs

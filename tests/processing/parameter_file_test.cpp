@@ -333,8 +333,6 @@ TEST_F(ParameterFile, DamagedTextGivesNoParameters) {
     } rows[] = {
         {"morvexParameters", "parameters"},
         {"<morvexParameters>", "<!DOCTYPE morvexParameters><morvexParameters>"},
-        {"outputFile", "result"},
-        {"id=\"main\"", "name=\"main\""},
         {"id=\"file02\"", "id=\"main\""},
         {".\\ext.tarin", ".\\MAIN.tarin"},
         {".\\ext.tarin", ".\\none.tarin"},
@@ -344,17 +342,12 @@ TEST_F(ParameterFile, DamagedTextGivesNoParameters) {
         {"EM_LOG_1\" timeOffset=\"", "EM_LOG_1\" timeOffset=\"1e300"},
         {">7<", ">7.5<"},
         {">7<", ">99999999999<"},
-        {"heading", "course"},
         {"secondary-b", "secondary-d"},
-        {"latitude", "breadth"},
-        {"cogLeverArm", "cog"},
-        {"from=", "since="},
         {"from=\"", "from=\"yesterday "},
         {"to=\"", "to=\"2024-01-01T00:00:00 "},
         {"defaultRate=\"", "defaultRate=\"1e999"},
         {"defaultRate=\"", "defaultRate=\"nan"},
         {"synchronizeOutput=\"true\"", "synchronizeOutput=\"maybe\""},
-        {"eventId", "event"},
         {"<filter value=\"", "<filter value=\"1e40\" x=\""},
     };
     for (const auto& row : rows)
@@ -370,6 +363,32 @@ TEST_F(ParameterFile, DamagedTextGivesNoParameters) {
     const std::string dated = Write(*MakeFull(heaveRealTime, true));
     EXPECT_TRUE(ReadText(dated, kReference));
     EXPECT_FALSE(ReadText(dated));
+}
+
+// Each element and each attribute under another name, one after the other.
+TEST_F(ParameterFile, OnlyTheseMayBeMissing) {
+    const std::string optional =
+        " timeOffset synchronizeOutput rejection userSd filter factoryMisalignment zupt"
+        " altitudeMode rate bottomTrack waterTrack heaveCalculation currentModeling"
+        " gps dvl emLog depthSensor usbl lbl odometer eventMarker gyroStabilizedMount ";
+    Write(*MakeFull(heaveRealTime, false));
+    pugi::xml_document document;
+    ASSERT_TRUE(document.load_file(m_path.c_str()));
+    const auto tryWithout = [&](auto item) {
+        const std::string name = item.name();
+        item.set_name("other");
+        ASSERT_TRUE(document.save_file(m_path.c_str()));
+        EXPECT_EQ(Read() != nullptr, optional.find(" " + name + " ") != std::string::npos) << name;
+        item.set_name(name.c_str());
+    };
+    const auto visit = [&](const auto& self, pugi::xml_node element) -> void {
+        // A file that no sensor uses may go.
+        if (element.attribute("id").value() != std::string("file02")) tryWithout(element);
+        for (const pugi::xml_attribute attribute : element.attributes()) tryWithout(attribute);
+        for (const pugi::xml_node child : element.children())
+            if (child.type() == pugi::node_element) self(self, child);
+    };
+    visit(visit, document.document_element());
 }
 
 TEST_F(ParameterFile, TakesWhatOthersHaveWritten) {
@@ -425,6 +444,7 @@ TEST_F(ParameterFile, WhatItCannotHoldLeavesTheOldFile) {
              p.end = CDateTime(std::numeric_limits<std::int64_t>::max());
          }},
         {"no text", [](auto& p) { p.outputFile->path = "/tmp/\xFF.tarout"; }},
+        {"no character", [](auto& p) { p.outputFile->path = "/tmp/\x01.tarout"; }},
     };
     for (const auto& [what, spoil] : rows) {
         const auto parameters = MakeEmpty();
