@@ -109,8 +109,8 @@ void ReduceWholeChannel(benchmark::State& state) {
     const auto& path = GetRecording().GetPath();
     std::vector<double> plain, query;
     for (auto _ : state) {
-        plain.push_back(SecondsOf([&] { benchmark::DoNotOptimize(PlainReduction(path)); }));
-        query.push_back(SecondsOf([&] { benchmark::DoNotOptimize(QueryReduction(path)); }));
+        plain.push_back(ProcessorSecondsOf([&] { benchmark::DoNotOptimize(PlainReduction(path)); }));
+        query.push_back(ProcessorSecondsOf([&] { benchmark::DoNotOptimize(QueryReduction(path)); }));
     }
     state.counters["plain_ms"] = Median(plain) * 1e3;
     state.counters["query_ms"] = Median(query) * 1e3;

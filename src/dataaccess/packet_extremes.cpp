@@ -144,13 +144,13 @@ struct TExtremes {
             std::memcpy(high[i].bytes, payload + kChunks<Layout>.rows[i].start, kVector);
         }
     }
-    static void Include(const std::uint8_t* payload, SVector* low, SVector* high) {
-        IncludeAll(payload, low, high, Indexes());
+    static void Include(const std::uint8_t* const* payloads, std::size_t count, SVector* low, SVector* high) {
+        IncludeAll(payloads, count, low, high, Indexes());
     }
 #ifdef VARNE_HAS_AVX2_FORM
-    [[gnu::target("avx2")]] static void IncludeByAvx2(const std::uint8_t* payload, SVector* low,
-                                                      SVector* high) {
-        IncludeAll(payload, low, high, Indexes());
+    [[gnu::target("avx2")]] static void IncludeByAvx2(const std::uint8_t* const* payloads, std::size_t count,
+                                                      SVector* low, SVector* high) {
+        IncludeAll(payloads, count, low, high, Indexes());
     }
 #endif
     static void Finish(const SVector* extremes, std::uint8_t* payload) {
@@ -163,11 +163,16 @@ struct TExtremes {
 
   private:
     template <std::size_t... I>
-    [[gnu::always_inline]] static inline void IncludeAll(const std::uint8_t* payload, SVector* low,
-                                                         SVector* high, std::index_sequence<I...>) {
-        (IncludeVector<kChunks<Layout>.rows[I].type>(payload + kChunks<Layout>.rows[I].start, low[I],
-                                                     high[I]),
-         ...);
+    [[gnu::always_inline]] static inline void IncludeAll(const std::uint8_t* const* payloads,
+                                                         std::size_t count, SVector* low, SVector* high,
+                                                         std::index_sequence<I...>) {
+        // Copies that nothing else can reach, and that therefore live in registers.
+        std::array<SVector, sizeof...(I)> least{low[I]...}, greatest{high[I]...};
+        for (std::size_t i = 0; i < count; ++i)
+            (IncludeVector<kChunks<Layout>.rows[I].type>(payloads[i] + kChunks<Layout>.rows[I].start,
+                                                         least[I], greatest[I]),
+             ...);
+        ((low[I] = least[I], high[I] = greatest[I]), ...);
     }
 };
 

@@ -3,6 +3,7 @@
 #include "dataaccess/packet_extremes.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <limits>
 
@@ -96,6 +97,7 @@ class CSliceCollector {
     void Settle() {
         if (m_candidate) std::memcpy(m_representative->GetPayload(), m_candidate, m_size);
         m_candidate = nullptr;
+        if (m_collects) m_extremes.Settle();
     }
 
     // Appends the slice at hand.
@@ -178,7 +180,11 @@ class CPayloadWalk {
     // Null at the end of the walk. Valid until `beforeMove` is called, which happens within a later call.
     template <class BeforeMove>
     const std::uint8_t* Next(BeforeMove&& beforeMove) {
-        if (const std::uint8_t* payload = m_channel.ViewHeldPacket(m_size)) return payload;
+        if (m_next == m_count) {
+            m_next = 0;
+            m_count = m_channel.ViewHeldPackets(m_size, m_run);
+        }
+        if (m_next < m_count) return m_run[m_next++];
         beforeMove();
         if (const std::uint8_t* payload = m_channel.ViewNextPacket(m_size)) return payload;
         std::uint32_t sizeRead = 0;
@@ -190,7 +196,9 @@ class CPayloadWalk {
   private:
     CXpfChannel& m_channel;
     std::uint32_t m_size;
-    std::vector<std::uint8_t> m_copy; // room for header and trailer around the payload
+    std::vector<std::uint8_t> m_copy;          // room for header and trailer around the payload
+    std::array<const std::uint8_t*, 32> m_run; // in the reader's block, not yet given out from m_next on
+    std::size_t m_next = 0, m_count = 0;
 };
 
 } // namespace

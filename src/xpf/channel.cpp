@@ -99,27 +99,44 @@ const std::uint8_t* CXpfChannel::ViewNextPacket(std::uint32_t payloadSize) {
     return reader.Seek(m_current.Get()) ? packet + kPacketHeaderSize : nullptr;
 }
 
-const std::uint8_t* CXpfChannel::ViewHeldPacket(std::uint32_t payloadSize) {
+std::size_t CXpfChannel::ViewHeldPackets(std::uint32_t payloadSize, std::span<const std::uint8_t*> payloads) {
     CBlockReader& reader = *m_file.m_reader;
     const std::uint32_t size = payloadSize + kPacketOverhead;
-    std::int64_t position = m_current.Get();
-    if (position == 0) return nullptr;
-    for (;;) {
-        if (!reader.Holds(position, size)) return nullptr;
+    const std::uint16_t number = m_number;
+    std::int64_t next = m_current.Get(), last = 0;
+    std::uint32_t usual = size;
+    std::size_t count = 0;
+    if (next == 0) return 0;
+    for (std::int64_t position = next; count < payloads.size() && reader.Holds(position, size);) {
         const std::uint8_t* packet = reader.GetHeld(position);
         const std::uint32_t found = LoadPacketSize(packet);
-        if (LoadWord(packet) >> 16 == m_number) {
-            if (found != size) return nullptr;
-            const std::uint32_t link = LoadWord(packet + offsetof(SPacketHeader, forwardLink));
-            m_last = std::max(m_last, CXpfFilePosition(position));
-            m_previous = position;
-            m_current = position + (link != 0 ? link : size);
-            reader.MoveTo(m_current.Get());
-            return packet + kPacketHeaderSize;
+        if (LoadWord(packet) >> 16 != number) {
+            if (found < kPacketOverhead) break;
+            position += found;
+            continue;
         }
-        if (found < kPacketOverhead) return nullptr;
-        position += found;
+        if (found != size) break;
+        payloads[count++] = packet + kPacketHeaderSize;
+        last = position;
+        const std::uint32_t link = LoadWord(packet + offsetof(SPacketHeader, forwardLink));
+        // Mostly the step is that of the packet before. Taken as such by the branch prediction, it lets the
+        // next packet come from memory without waiting for this one's link.
+        if (link == usual) {
+            std::int64_t step = usual;
+            asm("" : "+r"(step)); // else the compiler would add the link after all
+            position += step;
+        } else {
+            position += link != 0 ? link : size;
+            usual = link != 0 ? link : usual;
+        }
+        next = position;
     }
+    if (count == 0) return 0;
+    m_last = std::max(m_last, CXpfFilePosition(last));
+    m_previous = last;
+    m_current = next;
+    reader.MoveTo(next);
+    return count;
 }
 
 bool CXpfChannel::ReadNextPacket(CXpfPacket& packet, SPacketHeader* header) {

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 
 namespace Persistance_Xpf {
@@ -44,9 +45,10 @@ class CXpfChannel {
     // or a payload of another size.
     const std::uint8_t* ViewNextPacket(std::uint32_t payloadSize);
 
-    // ViewNextPacket as far as it needs no read from the file: the views given before stay valid. Null, with
-    // nothing changed, when it would have to read, and in all its own cases.
-    const std::uint8_t* ViewHeldPacket(std::uint32_t payloadSize);
+    // ViewNextPacket for a run of packets, as far as it needs no read from the file: the views given before
+    // stay valid. The count of payloads put into `payloads`; 0, with nothing changed, when the next packet
+    // would have to be read, and in all cases in which ViewNextPacket gives none.
+    std::size_t ViewHeldPackets(std::uint32_t payloadSize, std::span<const std::uint8_t*> payloads);
 
     // Positions on the first or last packet, or on the packet with this running number. `header` may be null.
     bool SeekFirstPacket(SPacketHeader* header);
