@@ -5,6 +5,8 @@
 #include "xpf/file.h"
 #include "xpf/packet.h"
 
+#include <array>
+
 using namespace Persistance_Xpf;
 
 namespace {
@@ -44,6 +46,22 @@ void WalkStream(CXpfFile& file) {
     }
 }
 
+// The reduction's walk over runs of packets; header and trailer around each payload are its to read.
+void WalkHeldPackets(CXpfFile& file, CXpfChannel& channel, std::uint32_t payloadSize) {
+    if (!channel.SeekFirstPacket(nullptr)) return;
+    const std::int64_t size = file.GetFileSize();
+    std::array<const std::uint8_t*, 8> run;
+    std::uint64_t sum = 0;
+    for (int step = 0; step < kMostSteps && channel.ViewNextPacket(payloadSize); ++step) {
+        const std::size_t count = channel.ViewHeldPackets(payloadSize, run);
+        for (std::size_t i = 0; i < count; ++i)
+            sum += run[i][-static_cast<std::ptrdiff_t>(kPacketHeaderSize)] +
+                   run[i][payloadSize + kPacketTrailerSize - 1];
+        Fuzz::Require(count == 0 || channel.GetPrevious().Get() < size, "a packet begins in its file");
+    }
+    Fuzz::Require(sum <= std::uint64_t{kMostSteps} * run.size() * 2 * 255, "bytes are bytes");
+}
+
 void WalkChannel(CXpfFile& file, CXpfChannel& channel, Application_Tarvel::CXpfFileCache& cache,
                  const std::filesystem::path& path) {
     SPacketHeader header;
@@ -57,6 +75,7 @@ void WalkChannel(CXpfFile& file, CXpfChannel& channel, Application_Tarvel::CXpfF
                 break;
             if (step < 4) ReadEveryField(*packet);
         }
+        WalkHeldPackets(file, channel, packet->GetPayloadSize());
     } else {
         std::uint8_t buffer[64];
         std::uint32_t sizeRead = 0;

@@ -55,7 +55,8 @@ BENCHMARK(TenMinuteWindow)->Unit(benchmark::kMillisecond);
 
 // The packet at a moment. "reads" counts the read calls of one search in an open file, both ends of the
 // channel and the packet itself among them; "worst" is the most that one took, "limit" what it may take: a
-// bisection over the packets and two more, or four beside a cache that knows the neighbourhood.
+// bisection over the packets and two more, or four beside a cache that knows the neighbourhood; "over" is the
+// share of the searches that took more.
 enum ECacheState { cold, scattered, near };
 
 void Moment(benchmark::State& state) {
@@ -67,7 +68,9 @@ void Moment(benchmark::State& state) {
     const Outils::CEvent cancel;
     const long first = ReadCalls();
     const long own = ReadCalls() - first; // of the counting itself
-    long reads = 0, worst = 0;
+    const double packets = sparse ? kPackets / 40 : kPackets;
+    const double limit = cacheState == near ? 4 : std::ceil(std::log2(packets)) + 2;
+    long reads = 0, worst = 0, over = 0;
     std::int64_t searches = 0;
     const auto search = [&](std::int64_t ticks, bool feeds) {
         bool outdated = false;
@@ -88,6 +91,7 @@ void Moment(benchmark::State& state) {
         if (feeds) return;
         reads += taken;
         worst = std::max(worst, taken);
+        over += static_cast<double>(taken) > limit;
         ++searches;
     };
     const auto pick = [&] {
@@ -105,10 +109,10 @@ void Moment(benchmark::State& state) {
         search(cacheState == near ? std::min(date + Outils_Temps::kTicksPerSecond, kLength - kGpsStep) : date,
                false);
     }
-    const double packets = sparse ? kPackets / 40 : kPackets;
     state.counters["reads"] = static_cast<double>(reads) / static_cast<double>(searches);
     state.counters["worst"] = static_cast<double>(worst);
-    state.counters["limit"] = cacheState == near ? 4 : std::ceil(std::log2(packets)) + 2;
+    state.counters["limit"] = limit;
+    state.counters["over"] = static_cast<double>(over) / static_cast<double>(searches);
 }
 BENCHMARK(Moment)
     ->ArgsProduct({{0, 1}, {cold, scattered, near}})
