@@ -50,7 +50,7 @@ bool CXpfChannel::SeekPacketNumber(std::uint32_t target) {
             return MoveTo(known.position, 0);
     if (FindLandmarks(target, lower, upper)) {
         // A walk that stands on damage has no place to search from.
-        if (m_file.m_reader->Holds(m_current.Get(), kPacketHeaderSize) &&
+        if (m_current.IsKnown() && m_file.m_reader->Holds(m_current.Get(), kPacketHeaderSize) &&
             m_file.ReadHeaderAt(m_current.Get(), header)) {
             if (!header.Check()) return false;
             const SBracket here{header.number, m_current.Get(), header};
