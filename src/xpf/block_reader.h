@@ -20,8 +20,8 @@ namespace Persistance_Xpf {
 
 class CBlockReader {
   public:
-    // The most that one View can give.
-    static constexpr std::size_t kLargestView = std::size_t{64} << 20;
+    // The most that one View can give: whatever sizes a file states, a reader stays far below 64 MiB.
+    static constexpr std::size_t kLargestView = std::size_t{16} << 20;
     // No file is longer; keeps every sum of an offset and a 32-bit length within 64 bits.
     static constexpr std::int64_t kLargestOffset = std::int64_t{1} << 62;
 

@@ -73,7 +73,7 @@ class CXpfFile {
 
     // Reads the packet at the file pointer with its packet check and moves behind it; on any other result the
     // file pointer stays, and the next call reads anew. At the end of the file the result is `torn`.
-    // `payload` is valid until the next operation on this file; one above 64 MiB is cut, far beyond anything
+    // `payload` is valid until the next operation on this file; one above 16 MiB is cut, far beyond anything
     // that is decoded, so that no size in a file can exhaust the memory. For walking a whole stream: no
     // system call and no copy per packet.
     EPacketRead ReadPacket(SPacketHeader& header, std::span<const std::uint8_t>& payload);
