@@ -51,15 +51,14 @@ void WalkHeldPackets(CXpfFile& file, CXpfChannel& channel, std::uint32_t payload
     if (!channel.SeekFirstPacket(nullptr)) return;
     const std::int64_t size = file.GetFileSize();
     std::array<const std::uint8_t*, 8> run;
-    std::uint64_t sum = 0;
+    [[maybe_unused]] volatile std::uint8_t seen = 0; // the bytes are read, not only pointed at
     for (int step = 0; step < kMostSteps && channel.ViewNextPacket(payloadSize); ++step) {
         const std::size_t count = channel.ViewHeldPackets(payloadSize, run);
         for (std::size_t i = 0; i < count; ++i)
-            sum += run[i][-static_cast<std::ptrdiff_t>(kPacketHeaderSize)] +
+            seen = run[i][-static_cast<std::ptrdiff_t>(kPacketHeaderSize)] ^
                    run[i][payloadSize + kPacketTrailerSize - 1];
         Fuzz::Require(count == 0 || channel.GetPrevious().Get() < size, "a packet begins in its file");
     }
-    Fuzz::Require(sum <= std::uint64_t{kMostSteps} * run.size() * 2 * 255, "bytes are bytes");
 }
 
 void WalkChannel(CXpfFile& file, CXpfChannel& channel, Application_Tarvel::CXpfFileCache& cache,

@@ -96,12 +96,11 @@ int DictionaryCommand(const COptions& options, SStreams streams) {
         streams.out << Outils_Fichiers::ToText(layer->m_dataFile->path.filename()) << ';' << layer->m_name
                     << ';' << layer->m_description << ';'
                     << GetText(layer->m_hasData ? textHasData : textNoData) << '\n';
-        for (const auto& measure : layer->m_measures)
+        for (const auto& measure : layer->m_measures) {
+            const std::uint32_t nature = measure->m_nature < natureCount ? measure->m_nature : +natureUnknown;
             streams.out << "  " << GetText(labelMeasure) << ';' << measure->m_index << ';' << measure->m_name
-                        << ';'
-                        << GetText(kNatureLabels +
-                                   static_cast<int>(std::min<std::uint32_t>(measure->m_nature, natureCount)))
-                        << '\n';
+                        << ';' << GetText(kNatureLabels + static_cast<int>(nature)) << '\n';
+        }
         for (const auto& enumeration : layer->m_enums) {
             streams.out << "  " << GetText(labelEnumeration) << ';' << enumeration->m_index << ';'
                         << enumeration->m_name;

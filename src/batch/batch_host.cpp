@@ -1,6 +1,8 @@
 #include "batch/batch_host.h"
 
+#include "batch/packet_access.h"
 #include "foundation/files.h"
+#include "foundation/paths.h"
 #include "processing/message_line.h"
 
 #include <ostream>
@@ -25,6 +27,12 @@ EAnswer CBatchHost::ShowMessage(const std::string& text, EButtons buttons, EIcon
     m_streams.error << ToLine(text) << std::endl;
     if (icon != EIcon::question) m_failed = true;
     return buttons == EButtons::yesNo || buttons == EButtons::yesNoCancel ? EAnswer::yes : EAnswer::ok;
+}
+
+bool CBatchHost::UpdateDataFile(const std::filesystem::path& path) {
+    Fail(Outils_Fichiers::ToText(path), textOlderLayout, m_streams);
+    m_failed = true;
+    return false;
 }
 
 void CBatchHost::AppendOutputText(const std::string& line) { m_streams.out << line << std::endl; }

@@ -27,6 +27,7 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
     std::optional<std::filesystem::path> AskProjectPath(const std::filesystem::path&) override {
         return std::nullopt;
     }
+    bool UpdateDataFile(const std::filesystem::path& path) override;
     void AppendOutputText(const std::string& line) override;
     void SetProgress(int percent) override;
     void ShowProgress(bool visible) override;

@@ -15,7 +15,8 @@ using Outils_Valeurs::EQuantity;
 struct SWord {
     EWordList list;
     std::string operator()(const CDescription&, std::int32_t value) const {
-        return std::string(GetWord(list, value));
+        const bool known = value >= 0 && value < GetWordList(list).count;
+        return known ? std::string(GetWord(list, value)) : std::to_string(value);
     }
 };
 
@@ -41,7 +42,12 @@ constexpr SNumber kHertz{" Hz"};
 
 inline std::string Whole(const CDescription&, std::int64_t value) { return std::to_string(value); }
 
-inline std::string Text(const CDescription&, const std::string& value) { return value; }
+// A text of the project must not pass for a line of the description, nor for a command to the terminal.
+inline std::string Text(const CDescription&, std::string value) {
+    for (char& c : value)
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
+    return value;
+}
 
 inline std::string Flag(const CDescription&, bool value) {
     return std::string(GetText(value ? labelYes : labelNo));
@@ -71,21 +77,26 @@ inline std::string Path(const CDescription&, const std::filesystem::path& path) 
     return Outils_Fichiers::ToText(path);
 }
 
-inline std::string ThreeAxes(const Outils_Valeurs::CTripleAdaptor& adaptor,
+// `label` names the first of the three.
+inline std::string ThreeAxes(int label, const Outils_Valeurs::CTripleAdaptor& adaptor,
                              std::initializer_list<double> values) {
     std::string line, text;
     std::size_t axis = 0;
     for (const double value : values) {
         adaptor.GetAxis(axis).ValueToText(value, text);
-        line += (axis++ ? ", " : "") + text;
+        line.append(axis ? ", " : "")
+            .append(GetText(label + static_cast<int>(axis)))
+            .append(" ")
+            .append(text);
+        ++axis;
     }
     return line;
 }
 inline std::string LeverArm(const CDescription& description, const std::unique_ptr<CLeverArm>& arm) {
-    return ThreeAxes(description.m_adaptors.GetLeverArm(), {arm->xv1, arm->xv2, arm->xv3});
+    return ThreeAxes(labelXv1, description.m_adaptors.GetLeverArm(), {arm->xv1, arm->xv2, arm->xv3});
 }
 inline std::string Angles(const CDescription& description, const std::unique_ptr<CMisalignment>& angles) {
-    return ThreeAxes(description.m_adaptors.GetMisalignment(),
+    return ThreeAxes(labelHeading, description.m_adaptors.GetMisalignment(),
                      {angles->heading, angles->roll, angles->pitch});
 }
 

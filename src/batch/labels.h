@@ -107,7 +107,9 @@ enum ELabel : int {
     labelMeasure = 10588,
     labelYes = 10589,
     labelNo = 10590,
-    labelNone = 10591
+    labelNone = 10591,
+    labelXv1 = 10270,    // and the two other lengths of a lever arm
+    labelHeading = 10303 // and roll, pitch
 };
 
 } // namespace Batch

@@ -1,6 +1,7 @@
 #include "batch/packet_access.h"
 
 #include "batch/batch_host.h"
+#include "dataaccess/format_detection.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
@@ -29,6 +30,10 @@ SOpenFile OpenFile(const std::string& text, SStreams streams) {
         if (auto file = OpenXpfFile(path, kind, older)) return {std::move(file), kind};
         outdated = outdated || older;
     }
+    int format = Application_Tarvel::formatUnknown;
+    outdated = outdated &&
+               Application_Tarvel::DetectFileFormat(path, format, Outils_Valeurs::CDateTimeAdaptor()) &&
+               format == Application_Tarvel::formatXpf;
     std::error_code error;
     const bool exists = std::filesystem::exists(path, error);
     Fail(text, !exists ? textNoSuchFile : outdated ? textOlderLayout : textNoPacketFile, streams);

@@ -97,7 +97,7 @@ int AtCommand(const COptions& options, SStreams streams) {
     if (!query.Execute(cancelled)) return Fail(arguments[0], textChannelEmpty, streams);
     const auto packet = query.TakePacket();
     if (!packet) return Fail(arguments[0], textTimeOutside, streams);
-    streams.out << packet->ToText(kSeparator) << '\n';
+    streams.out << packet->GetHeaderText(kSeparator) << '\n' << packet->ToText(kSeparator) << '\n';
     return exitSuccess;
 }
 

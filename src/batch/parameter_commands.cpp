@@ -40,6 +40,9 @@ int ParametersCommand(const COptions& options, SStreams streams) {
     std::error_code error;
     const auto target = std::filesystem::absolute(FromText(arguments[1]), error);
     const auto& parameters = *session.GetDocument().GetProject()->simulationParameters;
+    // A slip of the keyboard must not cost a project or a recording.
+    if (std::filesystem::exists(target, error) && target.extension() != ".xml")
+        return Fail(arguments[1], textExistsAlready, streams);
     if (!Check(parameters, streams.error)) return exitFailure;
     if (Persistance_Parametres::WriteParameterFile(target, parameters)) return exitSuccess;
     return Fail(arguments[1], textNotWritten, streams);

@@ -22,6 +22,7 @@ bool CTrvDataQuery::Execute(bool& wasCancelled) {
     auto packet = channel->CreatePacket();
     if (!packet || !packet->HasDate()) return false;
 
+    m_error = EError::damaged; // also when no memory is left for what is found
     // One read may have to search the whole file; it is to end with the query.
     file->SetInterrupt(&m_cancel);
     const bool success =

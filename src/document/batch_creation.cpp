@@ -82,6 +82,10 @@ std::unique_ptr<CTrvProject> CBatchCreation::Create(int maxPacketCount, std::str
         message = FormatText(textBatchFileNotRead, {ToText(m_commandFile)});
         return nullptr;
     }
+    if (Outils_Fichiers::SamePath(parameters->mainInputFile->path, parameters->outputFile->path)) {
+        message = std::string(GetText(textDataFileReferenced));
+        return nullptr;
+    }
     auto project = std::make_unique<CTrvProject>(std::move(parameters));
     std::int32_t equipment = 0;
     if (!project->simulationParameters->ReadEquipmentCode(equipment)) {

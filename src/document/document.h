@@ -120,6 +120,8 @@ class CTrvDocument final : public CDocumentEx {
     bool ValidateProject(int line, int message);
     bool SaveBeforeRun();
     bool WriteParameterFile(std::filesystem::path& path);
+    // True, and told, when the result would take the place of a file of the project.
+    bool RefuseResultOverInput();
     void RemoveResult();
     bool LaunchEngine(const std::filesystem::path& parameterFile);
 
@@ -170,7 +172,13 @@ class CTrvDocument final : public CDocumentEx {
     bool m_bAutoAddSensors = false; // a new project is being filled: sensors are added as channels are met
     std::set<std::string> m_autoAddedKeys; // the channels for which that was done
 
-    std::map<const CTrvDataFile*, std::unique_ptr<CTrvDataFileAnalyzerThread>> m_analyzers;
+    // Each with a door of its own: what an analysis that was given up has posted is not taken for news of the
+    // file that stands there now.
+    struct SAnalysis {
+        std::unique_ptr<Outils::CMessagePort> port;
+        std::unique_ptr<CTrvDataFileAnalyzerThread> thread;
+    };
+    std::map<const CTrvDataFile*, SAnalysis> m_analyzers;
     std::map<const CTrvDataFile*, SFileState> m_fileStates;
     std::unique_ptr<CTrvDataFileMonitorThread> m_fileMonitor; // one for each project
     CXpfFileCache m_fileCache;                                // outlives the queries of the manager below

@@ -2,6 +2,7 @@
 #include "document/document.h"
 
 #include "config/config_file.h"
+#include "dataaccess/format_detection.h"
 #include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -46,14 +47,15 @@ class CReportingAnalyzer final : public Analyzer {
   protected:
     void Run() override {
         Analyzer::Run();
-        CXpfFile file;
-        if (m_stopped || !file.Open(m_path)) return;
+        if (m_stopped) return;
+        const auto file = this->OpenDataFile(m_path);
+        if (!file) return;
         const CXpfFilePosition end =
-            this->GetResumePosition().IsKnown() ? this->GetResumePosition() : file.GetDataStart();
+            this->GetResumePosition().IsKnown() ? this->GetResumePosition() : file->GetDataStart();
         SPacketHeader header;
         std::span<const std::uint8_t> payload;
-        if (!end.IsKnown() || !file.Seek(end.Get())) return;
-        if (file.ReadPacket(header, payload) == EPacketRead::damaged)
+        if (!end.IsKnown() || !file->Seek(end.Get())) return;
+        if (file->ReadPacket(header, payload) == EPacketRead::damaged)
             m_port.Post([report = m_onDamage, position = end.Get()] { report(position); });
     }
     void RequestStop() override {
@@ -101,29 +103,30 @@ bool CTrvDocument::HasLayers(const CTrvDataFile& file) const {
 }
 
 void CTrvDocument::StartAnalysis(CTrvDataFile& file) {
-    auto& analyzer = m_analyzers[&file];
+    auto& [port, analyzer] = m_analyzers[&file];
     if (!analyzer) {
+        port = std::make_unique<Outils::CMessagePort>(m_target);
         const auto report = [this, key = &file](std::uint16_t channel) { OnChannelFound(key, channel); };
         const auto damage = [this, key = &file](std::int64_t position) { OnDamageFound(key, position); };
         if (IsResultFile(file))
-            analyzer = std::make_unique<CReportingAnalyzer<CTrvDataFileAnalyzerThread>>(
-                file.path, *m_messageWnd, report, damage);
+            analyzer = std::make_unique<CReportingAnalyzer<CTrvDataFileAnalyzerThread>>(file.path, *port,
+                                                                                        report, damage);
         else
-            analyzer = std::make_unique<CReportingAnalyzer<CTrvTarinDataFileAnalyzerThread>>(
-                file.path, *m_messageWnd, report, damage);
+            analyzer = std::make_unique<CReportingAnalyzer<CTrvTarinDataFileAnalyzerThread>>(file.path, *port,
+                                                                                             report, damage);
     }
     analyzer->Start();
 }
 
 bool CTrvDocument::IsAnalysing() const {
     return std::any_of(m_analyzers.begin(), m_analyzers.end(),
-                       [](const auto& entry) { return entry.second->IsAlive(); });
+                       [](const auto& entry) { return entry.second.thread->IsAlive(); });
 }
 
 void CTrvDocument::StopAnalysis(const CTrvDataFile& file, bool reset) {
     const auto place = m_analyzers.find(&file);
     if (place == m_analyzers.end()) return;
-    place->second->Kill();
+    place->second.thread->Kill();
     if (reset) m_analyzers.erase(place);
 }
 
@@ -149,7 +152,7 @@ void CTrvDocument::WatchAnew(const CTrvDataFile& file) {
 void CTrvDocument::StopThreads() {
     // All are asked before the first is waited for, so that they wind down side by side.
     if (m_fileMonitor) m_fileMonitor->Stop();
-    for (auto& [file, analyzer] : m_analyzers) analyzer->Stop();
+    for (auto& [file, analysis] : m_analyzers) analysis.thread->Stop();
     m_queryManager.Stop();
     m_fileMonitor.reset();
     m_analyzers.clear();
@@ -172,7 +175,7 @@ SFirstData CTrvDocument::WaitForFirstData(const CTrvDataFile& file) {
     const auto place = m_analyzers.find(&file);
     auto* analyzer = place == m_analyzers.end()
                          ? nullptr
-                         : dynamic_cast<CTrvTarinDataFileAnalyzerThread*>(place->second.get());
+                         : dynamic_cast<CTrvTarinDataFileAnalyzerThread*>(place->second.thread.get());
     if (!analyzer) return {};
     return analyzer->WaitForFirstData(
         std::chrono::milliseconds(std::max(0, m_configuration.Get(Cnf<"general/utcSearch/timeout">))));
@@ -203,7 +206,9 @@ void CTrvDocument::CheckDataFileVersions() {
         bool outdated = false;
         const EFileKind kind = IsResultFile(*file) ? EFileKind::tarout : EFileKind::tarin;
         if (OpenXpfFile(file->path, kind, outdated)) continue;
-        if (outdated)
+        int format = formatUnknown;
+        if (outdated && DetectFileFormat(file->path, format, Outils_Valeurs::CDateTimeAdaptor()) &&
+            format == formatXpf)
             upgradable.push_back(file->path);
         else
             GetHost().ShowMessage(FormatText(textFailedToLoad, {Outils_Fichiers::ToText(file->path)}),

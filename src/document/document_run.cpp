@@ -41,7 +41,13 @@ void CTrvDocument::EndRun() {
     m_process.WaitForReceivers();
     UpdateAllViews(nullptr, hintRunEnded);
     // What the monitor saw of the result while it was written was no fault. Now it may be one.
-    if (m_pProject) WatchAnew(*m_pProject->simulationParameters->outputFile);
+    // It is then a new file in all respects: the engine may have begun it anew since the last look.
+    if (m_pProject) {
+        CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
+        StopAnalysis(output, true);
+        DropFromCache(output);
+        WatchAnew(output);
+    }
     GetHost().SetProgress(0);
     GetHost().ShowProgress(false);
 }
@@ -51,7 +57,7 @@ bool CTrvDocument::StartSimulation() {
     if (!m_pProject || IsSimulationRunning()) return false;
     m_process.SetNotification(GetHost().GetReceiver());
     if (!ValidateProject(textParametersWrongLine, textParametersWrongRun)) return false;
-    if (!SaveBeforeRun()) return false;
+    if (!SaveBeforeRun() || RefuseResultOverInput()) return false;
     if (m_process.ProcessId() != 0) {
         m_process.WaitForReceivers();
         m_process.Close();
@@ -60,6 +66,22 @@ bool CTrvDocument::StartSimulation() {
     if (!WriteParameterFile(parameterFile)) return false;
     RemoveResult();
     return LaunchEngine(parameterFile);
+}
+
+// The engine's result takes the place of the file of its name. A project from elsewhere may name a recording
+// there, or a link to one.
+bool CTrvDocument::RefuseResultOverInput() {
+    const CTrvDataFile* output = m_pProject->simulationParameters->outputFile.get();
+    for (const CTrvDataFile* file : GetDataFiles()) {
+        std::error_code error;
+        if (file == output || !(Outils_Fichiers::SamePath(file->path, output->path) ||
+                                std::filesystem::equivalent(file->path, output->path, error)))
+            continue;
+        GetHost().ShowMessage(Outils_Texte::FormatText(textResultIsInput, {ToText(file->path)}), EButtons::ok,
+                              EIcon::exclamation);
+        return true;
+    }
+    return false;
 }
 
 bool CTrvDocument::ValidateProject(int line, int message) {

@@ -57,6 +57,10 @@ std::unique_ptr<CTrvProject> CreateProject(const SNewProject& wanted, std::strin
 
 std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failure) {
     const auto result = Outils_Fichiers::WithExtension(wanted.project, GetText(textOutputExtension));
+    if (Outils_Fichiers::SamePath(wanted.recording, result)) {
+        failure = textDataFileReferenced;
+        return nullptr;
+    }
     auto project = std::make_unique<CTrvProject>(wanted.recording, result);
     auto& parameters = *project->simulationParameters;
 

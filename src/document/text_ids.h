@@ -91,7 +91,8 @@ enum ETextId : int {
     textFileReplaced = 10265,
     textFileDamaged = 10266,
     textProjectNotSaved = 10267,
-    textProjectTooNew = 10268
+    textProjectTooNew = 10268,
+    textResultIsInput = 10269
 };
 
 } // namespace Application_Tarvel

@@ -76,7 +76,7 @@ bool CBlockReader::IsAt(const std::filesystem::path& path) const {
 }
 
 std::size_t CBlockReader::Read(void* buffer, std::size_t size) {
-    if (m_handle < 0 || size == 0) return 0;
+    if (m_handle < 0 || size == 0 || (size > kLargestCopy && IsInterrupted())) return 0;
     std::size_t count = size;
     if (size > kLargestCopy) {
         count = ReadAt(m_handle, m_position, static_cast<std::uint8_t*>(buffer), size, size);

@@ -1,12 +1,12 @@
 // The file pointer of a packet file over blocks read ahead, so that a walk costs no system call per packet.
 //
 // One window of the file is held. It is replaced whenever bytes outside it are wanted, and then read anew
-// from the page of the first wanted byte on: what a writer has appended since is seen, and the two halves of
-// a packet never come from two moments. Bytes inside the window are as old as the window: Forget() before a
-// look at what a writer may have changed. Windows start at multiples of a page and grow while the walk is a
-// sequential one, so that scattered accesses cost a few pages and long walks run at memory speed. Read with
-// pread and not mapped, because a file that shrinks then gives a short count instead of a signal. Not
-// thread-safe.
+// from the page of the first wanted byte on (of a lone access, from the 256 bytes that hold it): what a
+// writer has appended since is seen, and the two halves of a packet never come from two moments. Bytes inside
+// the window are as old as the window: Forget() before a look at what a writer may have changed. Windows grow
+// while the walk is a sequential one, so that scattered accesses cost a few pages and long walks run at
+// memory speed. Read with pread and not mapped, because a file that shrinks then gives a short count instead
+// of a signal. Not thread-safe.
 #pragma once
 
 #include "foundation/thread.h"

@@ -25,7 +25,7 @@ class CEvent;
 
 namespace Persistance_Xpf {
 
-class CBlockReader; // block_reader.h: page-aligned blocks under the file pointer
+class CBlockReader; // block_reader.h: blocks read ahead under the file pointer
 
 // How reading one packet from the running stream ended.
 enum class EPacketRead {

@@ -91,7 +91,8 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
     ASSERT_EQ(Run({"describe", Path("m.tarprj")}), 0) << m_error;
     const std::string described = m_out;
     for (const char* line :
-         {"  Algorithm: Standard\n", "    Channel: GPS_2\n", "    Lever arm: 1.000 m, -2.000 m, 3.000 m\n",
+         {"  Algorithm: Standard\n", "    Channel: GPS_2\n",
+          "    Lever arm: XV1 1.000 m, XV2 -2.000 m, XV3 3.000 m\n",
           "  UTC reference: 14/05/2024 08:00:00.000\n", "    Event Id: \n", "    Value: 12.500 Hz\n",
           "    Mode: Autostatic\n", "    Mode: Hydro\n", "    Time offset: -00:00:01.500\n",
           "        Mode: Automatic reacquisition\n", "      Threshold: 7.50 m\n",
@@ -151,6 +152,30 @@ TEST_F(ProjectCommands, BrokenRulesAreToldAndKeepAProjectFromWork) {
     EXPECT_FALSE(std::filesystem::exists(Path("broken.xml")));
     EXPECT_EQ(Run({"run", Path("m.tarprj")}), 1);
     EXPECT_FALSE(std::filesystem::exists(Path("m.tarout")));
+}
+
+// The result and a batch command file take the place of files, but never of what the user cannot have meant.
+TEST_F(ProjectCommands, NothingIsWrittenOverARecordingOrAProject) {
+    const std::string recording = TextOf(Path("m.tarin")), project = TextOf(Path("m.tarprj"));
+    for (const char* target : {"m.tarin", "m.tarprj"})
+        EXPECT_EQ(Run({"parameters", Path("m.tarprj"), Path(target)}), 1);
+    ASSERT_EQ(Run({"parameters", Path("m.tarprj"), Path("p.xml")}), 0);
+    EXPECT_EQ(Run({"create-from-parameters", Path("p.xml"), Path("x.tarprj"), "--file",
+                   "output=" + Path("m.tarin")}),
+              1);
+    std::filesystem::copy_file(Path("m.tarin"), Path("n.tarout"));
+    EXPECT_EQ(Run({"create", Path("n.tarout"), Path("n.tarprj")}), 1);
+    EXPECT_EQ(TextOf(Path("m.tarprj")), project);
+
+    // A link leads there all the same.
+    std::filesystem::create_symlink(Path("m.tarin"), Path("link.tarout"));
+    ASSERT_EQ(Run({"create-from-parameters", Path("p.xml"), Path("x.tarprj"), "--file",
+                   "output=" + Path("link.tarout")}),
+              0)
+        << m_error;
+    EXPECT_EQ(Run({"run", Path("x.tarprj")}), 1);
+    EXPECT_THAT(m_error, HasSubstr("would take the place of a file"));
+    EXPECT_EQ(TextOf(Path("m.tarin")), recording);
 }
 
 TEST_F(ProjectCommands, ImportsTheConfigurationOfTheIns) {
