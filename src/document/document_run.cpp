@@ -40,8 +40,8 @@ void CTrvDocument::EndRun() {
     // What the engine wrote last is on its way to the receiver: the run's last messages belong to the run.
     m_process.WaitForReceivers();
     UpdateAllViews(nullptr, hintRunEnded);
-    // What the monitor saw of the result while it was written was no fault. Now it may be one.
-    // It is then a new file in all respects: the engine may have begun it anew since the last look.
+    // What the monitor saw of the result while it was written was no fault. Now it may be one. It is a new
+    // file in all respects: the engine may have begun it anew since the last look.
     if (m_pProject) {
         CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
         StopAnalysis(output, true);

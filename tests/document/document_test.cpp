@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdlib>
+#include <algorithm>
 #include <fstream>
 
 using namespace Application_Tarvel;
@@ -214,7 +215,8 @@ TEST_F(Document, ARunReportsAndEnds) {
     EXPECT_FALSE(m_host.m_progressShows);
     EXPECT_THAT(m_host.m_output, ElementsAre("INFO : parameters \"read\"", "????? : odd"));
     EXPECT_THAT(m_host.m_progress, Contains(100));
-    EXPECT_EQ(m_host.m_progress.back(), 0);
+    // Set back at the start and at the end; what the engine said last may come behind that, to a hidden bar.
+    EXPECT_GE(std::count(m_host.m_progress.begin(), m_host.m_progress.end(), 0), 2);
 
     // The parameter file stays until the document closes, so that the engine reads it at its own pace.
     ASSERT_EQ(ParameterFiles().size(), 1u);
