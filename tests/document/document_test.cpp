@@ -11,8 +11,8 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 
 using namespace Application_Tarvel;
