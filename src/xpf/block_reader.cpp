@@ -15,7 +15,7 @@ constexpr std::int64_t kPage = 4096;
 // A lone access takes less than a page: what it costs is the memory that it touches, and most packets fit.
 constexpr std::int64_t kSector = 256;
 constexpr std::size_t kSmallestBlock = 2 * kSector;
-constexpr std::size_t kLargestBlock = std::size_t{1} << 20;
+constexpr std::size_t kLargestBlock = std::size_t{2} << 20;
 // A jump up to this far costs less as a read through than as a read of its own: a system call takes about the
 // time in which this much is copied.
 constexpr std::int64_t kNear = 2 * kPage;
