@@ -22,6 +22,14 @@ int FailWith(std::string_view message, SStreams streams) {
     return exitFailure;
 }
 
+std::optional<std::filesystem::path> FindFreePath(const std::string& path, SStreams streams) {
+    const auto full = Outils_Fichiers::ToAbsolute(Outils_Fichiers::FromText(path));
+    std::error_code error;
+    if (!std::filesystem::exists(full, error)) return full;
+    Fail(path, textExistsAlready, streams);
+    return std::nullopt;
+}
+
 SOpenFile OpenFile(const std::string& text, SStreams streams) {
     const auto path = Outils_Fichiers::FromText(text);
     bool outdated = false;
@@ -30,10 +38,7 @@ SOpenFile OpenFile(const std::string& text, SStreams streams) {
         if (auto file = OpenXpfFile(path, kind, older)) return {std::move(file), kind};
         outdated = outdated || older;
     }
-    int format = Application_Tarvel::formatUnknown;
-    outdated = outdated &&
-               Application_Tarvel::DetectFileFormat(path, format, Outils_Valeurs::CDateTimeAdaptor()) &&
-               format == Application_Tarvel::formatXpf;
+    outdated = outdated && Application_Tarvel::IsXpfFile(path);
     std::error_code error;
     const bool exists = std::filesystem::exists(path, error);
     Fail(text, !exists ? textNoSuchFile : outdated ? textOlderLayout : textNoPacketFile, streams);

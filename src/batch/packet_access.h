@@ -6,7 +6,9 @@
 #include "xpf/file.h"
 #include "xpf/packet.h"
 
+#include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Batch {
@@ -16,6 +18,9 @@ int Fail(const std::string& what, ETextId text, SStreams streams, std::string_vi
 
 // Writes a message of the application; one that is made for a box becomes a line. Always exitFailure.
 int FailWith(std::string_view message, SStreams streams);
+
+// The full path at which a command is to make a file; empty, with the reason told, when there is one already.
+std::optional<std::filesystem::path> FindFreePath(const std::string& path, SStreams streams);
 
 struct SOpenFile {
     std::unique_ptr<Persistance_Xpf::CXpfFile> file; // null when it could not be opened

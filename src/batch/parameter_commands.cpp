@@ -13,6 +13,7 @@ namespace Batch {
 
 using namespace Application_Tarvel;
 using Outils_Fichiers::FromText;
+using Outils_Fichiers::ToAbsolute;
 
 namespace {
 
@@ -37,12 +38,10 @@ int ParametersCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     CSession session(streams);
     if (!session.Open(arguments[0])) return exitFailure;
-    std::error_code error;
-    const auto target = std::filesystem::absolute(FromText(arguments[1]), error);
+    const auto target = ToAbsolute(FromText(arguments[1]));
     const auto& parameters = *session.GetDocument().GetProject()->simulationParameters;
     // A slip of the keyboard must not cost a project or a recording.
-    if (std::filesystem::exists(target, error) && target.extension() != ".xml")
-        return Fail(arguments[1], textExistsAlready, streams);
+    if (target.extension() != ".xml" && !FindFreePath(arguments[1], streams)) return exitFailure;
     if (!Check(parameters, streams.error)) return exitFailure;
     if (Persistance_Parametres::WriteParameterFile(target, parameters)) return exitSuccess;
     return Fail(arguments[1], textNotWritten, streams);
@@ -50,20 +49,17 @@ int ParametersCommand(const COptions& options, SStreams streams) {
 
 int CreateFromParametersCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
-    std::error_code error;
-    const auto source = std::filesystem::absolute(FromText(arguments[0]), error);
-    const auto project = std::filesystem::absolute(FromText(arguments[1]), error);
-    if (std::filesystem::exists(project, error)) return Fail(arguments[1], textExistsAlready, streams);
+    const auto source = ToAbsolute(FromText(arguments[0]));
+    const auto project = FindFreePath(arguments[1], streams);
+    if (!project) return exitFailure;
 
     CBatchCreation creation;
     std::string message;
     if (!creation.Load(source, message)) return FailWith(message, streams);
     for (const std::string& choice : options.GetAll("--file")) {
         const std::size_t sign = choice.find('=');
-        const bool known =
-            sign != std::string::npos && sign + 1 < choice.size() &&
-            creation.ChooseFile(choice.substr(0, sign),
-                                std::filesystem::absolute(FromText(choice.substr(sign + 1)), error));
+        const bool known = sign != std::string::npos && sign + 1 < choice.size() &&
+                           creation.ChooseFile(choice.substr(0, sign), FromText(choice.substr(sign + 1)));
         if (!known) throw CUsageError(textFileChoice, {arguments[0]});
     }
 
@@ -73,7 +69,7 @@ int CreateFromParametersCommand(const COptions& options, SStreams streams) {
         creation.Create(session.GetConfiguration().Get(Cnf<"general/utcSearch/maxPacketCount">), message);
     if (!made) return FailWith(message, streams);
     const bool saved =
-        session.GetDocument().NewFromProject(std::move(made), project, CTrvDocument::EResultName::kept);
+        session.GetDocument().NewFromProject(std::move(made), *project, CTrvDocument::EResultName::kept);
     return saved ? exitSuccess : exitFailure;
 }
 

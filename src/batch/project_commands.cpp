@@ -89,12 +89,12 @@ class CEndSignals {
 int CreateCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     const auto kinds = options.Has("--add") ? ParseKinds(*options.Get("--add")) : std::vector<ESensorKind>();
-    std::error_code error;
-    const auto recording = std::filesystem::absolute(Outils_Fichiers::FromText(arguments[0]), error);
-    const auto project = std::filesystem::absolute(Outils_Fichiers::FromText(arguments[1]), error);
-    if (std::filesystem::exists(project, error)) return Fail(arguments[1], textExistsAlready, streams);
+    const auto recording = Outils_Fichiers::ToAbsolute(Outils_Fichiers::FromText(arguments[0]));
+    const auto project = FindFreePath(arguments[1], streams);
+    if (!project) return exitFailure;
 
     const auto configuration = Outils_Fichiers::FromText(options.Get("--ins-configuration").value_or(""));
+    std::error_code error;
     if (!configuration.empty() && !std::filesystem::exists(configuration, error))
         return Fail(*options.Get("--ins-configuration"), textNoSuchFile, streams);
     CSession session(streams);
@@ -102,20 +102,18 @@ int CreateCommand(const COptions& options, SStreams streams) {
     const bool ellipsoidal =
         session.GetConfiguration().Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
     std::string message;
-    auto made = CreateProject({recording, project, configuration, ellipsoidal}, message);
+    auto made = CreateProject({recording, *project, configuration, ellipsoidal}, message);
     if (!made) return FailWith(message, streams);
     for (const ESensorKind kind : kinds) AddSensors(*made->simulationParameters, kind);
-    return session.GetDocument().NewFromProject(std::move(made), project) ? exitSuccess : exitFailure;
+    return session.GetDocument().NewFromProject(std::move(made), *project) ? exitSuccess : exitFailure;
 }
 
 int CopyCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     CSession session(streams);
     if (!session.Open(arguments[0])) return exitFailure;
-    std::error_code error;
-    const auto target = std::filesystem::absolute(Outils_Fichiers::FromText(arguments[1]), error);
-    if (std::filesystem::exists(target, error)) return Fail(arguments[1], textExistsAlready, streams);
-    return session.GetDocument().DoSave(target, true) ? exitSuccess : exitFailure;
+    const auto target = FindFreePath(arguments[1], streams);
+    return target && session.GetDocument().DoSave(*target, true) ? exitSuccess : exitFailure;
 }
 
 int RunCommand(const COptions& options, SStreams streams) {

@@ -81,10 +81,21 @@ void CTrvDataFileAnalyzerThread::Scan() {
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
     while (!m_stop.IsSet()) {
-        if (file->ReadPacket(header, payload) != EPacketRead::whole) return LookAtUnchecked(*file);
+        if (file->ReadPacket(header, payload) != EPacketRead::whole) return EndScan(*file);
         if (!ProcessPacket(*file, header, payload)) return;
         m_resume = file->GetPosition();
     }
+}
+
+// Where no whole packet follows. What is there is looked at twice: it may be in the making.
+void CTrvDataFileAnalyzerThread::EndScan(CXpfFile& file) {
+    const std::int64_t position = file.GetPosition();
+    LookAtUnchecked(file);
+    SPacketHeader header;
+    std::span<const std::uint8_t> payload;
+    if (m_onDamage && !m_stop.IsSet() && file.Seek(position) &&
+        file.ReadPacket(header, payload) == EPacketRead::damaged)
+        m_port.Post([report = m_onDamage, position] { report(position); });
 }
 
 // What a packet says counts as soon as its payload is there. Its trailer only decides whether the scan goes

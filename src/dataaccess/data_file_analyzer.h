@@ -26,10 +26,17 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
   public:
     // Runs on the UI thread at the first packet of each channel.
     using OnChannel = std::function<void(std::uint16_t channel)>;
+    // Runs on the UI thread when a scan has met what is no packet; the position is in bytes. A file that
+    // merely ends inside a packet is not damaged: its writer is at work, or was killed.
+    using OnDamage = std::function<void(std::int64_t position)>;
 
-    // `port` must outlive the thread.
-    CTrvDataFileAnalyzerThread(std::filesystem::path path, Outils::CMessagePort& port, OnChannel onChannel)
-        : m_path(std::move(path)), m_port(port), m_onChannel(std::move(onChannel)) {}
+    // `port` must outlive the thread. No `onDamage` for an owner who does not want to know.
+    CTrvDataFileAnalyzerThread(std::filesystem::path path, Outils::CMessagePort& port, OnChannel onChannel,
+                               OnDamage onDamage = {})
+        : m_path(std::move(path)),
+          m_port(port),
+          m_onChannel(std::move(onChannel)),
+          m_onDamage(std::move(onDamage)) {}
     ~CTrvDataFileAnalyzerThread() override { Kill(); }
 
     // True when a scan begins. While one is on it is told to go on behind what it takes for the end of the
@@ -54,11 +61,13 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
 
   private:
     void Scan();
+    void EndScan(Persistance_Xpf::CXpfFile& file);
     void LookAtUnchecked(Persistance_Xpf::CXpfFile& file);
 
     std::filesystem::path m_path;
     Outils::CMessagePort& m_port;
     OnChannel m_onChannel;
+    OnDamage m_onDamage;
     Outils::CEvent m_stop;
     std::bitset<65536> m_reported;
     Persistance_Xpf::CXpfFilePosition m_resume;

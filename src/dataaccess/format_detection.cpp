@@ -74,6 +74,11 @@ bool DetectFileFormat(const std::filesystem::path& path, int& code, const CDateT
     return true;
 }
 
+bool IsXpfFile(const std::filesystem::path& path) {
+    int code = formatUnknown;
+    return DetectFileFormat(path, code, CDateTimeAdaptor()) && code == formatXpf;
+}
+
 EFileFormat DetectFormat(std::string_view head, const CDateTimeAdaptor& dates) {
     for (const SSniffer& sniffer : kSniffers)
         if (sniffer.test(head, sniffer, dates)) return sniffer.format;

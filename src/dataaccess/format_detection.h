@@ -32,7 +32,10 @@ enum EFileFormat : int {
 bool DetectFileFormat(const std::filesystem::path& path, int& code,
                       const Outils_Valeurs::CDateTimeAdaptor& dates);
 
-// The same for the first bytes of a file that are in memory already.
+// Whether the file begins as a packet file of any age does. Any thread.
+bool IsXpfFile(const std::filesystem::path& path);
+
+// The format by the first bytes of a file that are in memory already.
 EFileFormat DetectFormat(std::string_view head, const Outils_Valeurs::CDateTimeAdaptor& dates);
 
 // The number of the text that names a format; that of "unknown" for any other code.

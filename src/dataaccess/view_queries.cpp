@@ -40,10 +40,7 @@ bool CTrvDataQuery::Execute(bool& wasCancelled) {
 // A file that was replaced while it was read has left things in the cache that are not true of the new one,
 // perhaps after the owner of the cache had them removed.
 void CTrvDataQuery::ForgetReplaced(const CXpfFile& file) const {
-    if (!m_address.cache || file.IsAt(m_address.path)) return;
-    m_address.cache->InvalidateFirst(m_address.path);
-    m_address.cache->InvalidateLast(m_address.path);
-    m_address.cache->InvalidateDates(m_address.path);
+    if (m_address.cache && !file.IsAt(m_address.path)) m_address.cache->InvalidateFile(m_address.path);
 }
 
 bool CTrvViewValueDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet,

@@ -12,6 +12,7 @@
 namespace Application_Tarvel {
 
 using namespace Metier_Tarvel;
+using Outils_Fichiers::ToAbsolute;
 using Outils_Fichiers::ToText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;

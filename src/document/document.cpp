@@ -75,7 +75,7 @@ bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
         // Nothing of the former result is in the one of the new name. Should that exist, the monitor is about
         // to report it.
         CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
-        DropFromCache(output);
+        m_fileCache.InvalidateFile(output.path);
         RefreshDataLayers(output);
         UpdateAllViews(nullptr, hintDataFileContentChanged, &output);
     }

@@ -132,7 +132,6 @@ class CTrvDocument final : public CDocumentEx {
     bool IsResultFile(const CTrvDataFile& file) const;
     void RebuildDataModel();
     void RefreshDataLayers(CTrvDataFile& file);
-    bool HasLayers(const CTrvDataFile& file) const;
     void StartAnalysis(CTrvDataFile& file);
     // With `reset` the thread is forgotten: the next analysis starts from the beginning of the file.
     void StopAnalysis(const CTrvDataFile& file, bool reset);
@@ -141,7 +140,6 @@ class CTrvDocument final : public CDocumentEx {
     void WatchAnew(const CTrvDataFile& file);
     void StopThreads();
     // Forgets all that was learned of a file that is no longer the same.
-    void DropFromCache(const CTrvDataFile& file);
     void SearchFirstData();
     void ReadRecordingFacts();
     void CheckDataFileVersions();

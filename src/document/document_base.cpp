@@ -40,10 +40,9 @@ bool CDocumentEx::NewDocument() {
 
 bool CDocumentEx::OpenDocument(const std::filesystem::path& path) {
     if (!SaveModified()) return false;
-    std::error_code error;
-    const auto absolute = std::filesystem::absolute(path, error);
-    const bool opened = OnOpenDocument(error ? path : absolute);
-    SetPathName(opened ? (error ? path : absolute) : std::filesystem::path());
+    const auto absolute = Outils_Fichiers::ToAbsolute(path);
+    const bool opened = OnOpenDocument(absolute);
+    SetPathName(opened ? absolute : std::filesystem::path());
     // A document that could not be opened is empty: there is nothing that a later question could save.
     if (!opened) SetModifiedFlag(false);
     UpdateAllViews(nullptr, hintRefresh);

@@ -9,9 +9,6 @@
 #include "xpf/file.h"
 
 #include <algorithm>
-#include <atomic>
-#include <functional>
-#include <span>
 #include <utility>
 
 namespace Application_Tarvel {
@@ -21,56 +18,6 @@ using namespace Persistance_Xpf;
 using Outils_Configuration::Cnf;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
-
-namespace {
-
-// An analyser that also tells where the stream of packets breaks off. A file that merely ends inside a packet
-// is not damaged: its writer is at work, or was killed.
-template <class Analyzer>
-class CReportingAnalyzer final : public Analyzer {
-  public:
-    using OnDamage = std::function<void(std::int64_t position)>;
-
-    CReportingAnalyzer(std::filesystem::path path, Outils::CMessagePort& port,
-                       typename Analyzer::OnChannel onChannel, OnDamage onDamage)
-        : Analyzer(path, port, std::move(onChannel)),
-          m_path(std::move(path)),
-          m_port(port),
-          m_onDamage(std::move(onDamage)) {}
-    ~CReportingAnalyzer() override { this->Kill(); }
-
-    bool Start() override {
-        m_stopped = false;
-        return Analyzer::Start();
-    }
-
-  protected:
-    void Run() override {
-        Analyzer::Run();
-        if (m_stopped) return;
-        const auto file = this->OpenDataFile(m_path);
-        if (!file) return;
-        const CXpfFilePosition end =
-            this->GetResumePosition().IsKnown() ? this->GetResumePosition() : file->GetDataStart();
-        SPacketHeader header;
-        std::span<const std::uint8_t> payload;
-        if (!end.IsKnown() || !file->Seek(end.Get())) return;
-        if (file->ReadPacket(header, payload) == EPacketRead::damaged)
-            m_port.Post([report = m_onDamage, position = end.Get()] { report(position); });
-    }
-    void RequestStop() override {
-        m_stopped = true;
-        Analyzer::RequestStop();
-    }
-
-  private:
-    std::filesystem::path m_path;
-    Outils::CMessagePort& m_port;
-    OnDamage m_onDamage;
-    std::atomic<bool> m_stopped{false};
-};
-
-} // namespace
 
 std::vector<CTrvDataFile*> CTrvDocument::GetDataFiles() const {
     if (!m_pProject) return {};
@@ -96,12 +43,6 @@ void CTrvDocument::RefreshDataLayers(CTrvDataFile& file) {
         UpdateAllViews(nullptr, hintDataLayersRebuilt, &file);
 }
 
-bool CTrvDocument::HasLayers(const CTrvDataFile& file) const {
-    const auto& layers = m_pProject->dataModel->m_layers;
-    return std::any_of(layers.begin(), layers.end(),
-                       [&file](const auto& layer) { return layer->m_dataFile == &file; });
-}
-
 void CTrvDocument::StartAnalysis(CTrvDataFile& file) {
     auto& [port, analyzer] = m_analyzers[&file];
     if (!analyzer) {
@@ -109,11 +50,9 @@ void CTrvDocument::StartAnalysis(CTrvDataFile& file) {
         const auto report = [this, key = &file](std::uint16_t channel) { OnChannelFound(key, channel); };
         const auto damage = [this, key = &file](std::int64_t position) { OnDamageFound(key, position); };
         if (IsResultFile(file))
-            analyzer = std::make_unique<CReportingAnalyzer<CTrvDataFileAnalyzerThread>>(file.path, *port,
-                                                                                        report, damage);
+            analyzer = std::make_unique<CTrvDataFileAnalyzerThread>(file.path, *port, report, damage);
         else
-            analyzer = std::make_unique<CReportingAnalyzer<CTrvTarinDataFileAnalyzerThread>>(file.path, *port,
-                                                                                             report, damage);
+            analyzer = std::make_unique<CTrvTarinDataFileAnalyzerThread>(file.path, *port, report, damage);
     }
     analyzer->Start();
 }
@@ -128,12 +67,6 @@ void CTrvDocument::StopAnalysis(const CTrvDataFile& file, bool reset) {
     if (place == m_analyzers.end()) return;
     place->second.thread->Kill();
     if (reset) m_analyzers.erase(place);
-}
-
-void CTrvDocument::DropFromCache(const CTrvDataFile& file) {
-    m_fileCache.InvalidateFirst(file.path);
-    m_fileCache.InvalidateLast(file.path);
-    m_fileCache.InvalidateDates(file.path);
 }
 
 void CTrvDocument::WatchFiles() {
@@ -167,7 +100,7 @@ void CTrvDocument::FollowDataFile(CTrvDataFile& file) {
 void CTrvDocument::ForgetDataFile(const CTrvDataFile& file) {
     StopAnalysis(file, true);
     if (m_fileMonitor) m_fileMonitor->Unwatch(&file);
-    DropFromCache(file);
+    m_fileCache.InvalidateFile(file.path);
     m_fileStates.erase(&file);
 }
 
@@ -206,9 +139,7 @@ void CTrvDocument::CheckDataFileVersions() {
         bool outdated = false;
         const EFileKind kind = IsResultFile(*file) ? EFileKind::tarout : EFileKind::tarin;
         if (OpenXpfFile(file->path, kind, outdated)) continue;
-        int format = formatUnknown;
-        if (outdated && DetectFileFormat(file->path, format, Outils_Valeurs::CDateTimeAdaptor()) &&
-            format == formatXpf)
+        if (outdated && IsXpfFile(file->path))
             upgradable.push_back(file->path);
         else
             GetHost().ShowMessage(FormatText(textFailedToLoad, {Outils_Fichiers::ToText(file->path)}),
@@ -281,7 +212,7 @@ void CTrvDocument::OnFileChanged(EFileChange change, const void* key) {
     case EFileChange::grew:
         m_fileCache.InvalidateLast(file->path);
         // A file seen before its header was whole, or written anew between two looks, has no layers yet.
-        if (!HasLayers(*file)) RefreshDataLayers(*file);
+        if (!m_pProject->dataModel->HasLayers(file)) RefreshDataLayers(*file);
         StartAnalysis(*file);
         break;
     case EFileChange::shrank:
@@ -289,7 +220,7 @@ void CTrvDocument::OnFileChanged(EFileChange change, const void* key) {
         state.damage = -1;
         StopAnalysis(*file, true);
         RefreshDataLayers(*file);
-        DropFromCache(*file);
+        m_fileCache.InvalidateFile(file->path);
         if (change == EFileChange::shrank) StartAnalysis(*file);
         break;
     }

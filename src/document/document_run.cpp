@@ -45,7 +45,7 @@ void CTrvDocument::EndRun() {
     if (m_pProject) {
         CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
         StopAnalysis(output, true);
-        DropFromCache(output);
+        m_fileCache.InvalidateFile(output.path);
         WatchAnew(output);
     }
     GetHost().SetProgress(0);
@@ -161,7 +161,7 @@ void CTrvDocument::RemoveResult() {
         // The removal is no news, and what the engine writes is a new file, even if it is longer than this
         // one at the next look.
         WatchAnew(output);
-        DropFromCache(output);
+        m_fileCache.InvalidateFile(output.path);
         RefreshDataLayers(output);
     }
     UpdateAllViews(nullptr, hintDataFileContentChanged, &output);

@@ -23,9 +23,9 @@ int FindFileFault(const std::filesystem::path& path, Persistance_Xpf::EFileKind 
     case std::filesystem::file_type::regular: break;
     default: return textFileIsNoFile;
     }
-    if (!Persistance_Xpf::CXpfFile().Open(path)) return textFileNotReadable;
     bool outdated = false;
-    return Persistance_Xpf::OpenXpfFile(path, kind, outdated) || outdated ? 0 : textFileNoHeader;
+    if (Persistance_Xpf::OpenXpfFile(path, kind, outdated) || outdated) return 0;
+    return Persistance_Xpf::CXpfFile().Open(path) ? textFileNoHeader : textFileNotReadable;
 }
 
 } // namespace Application_Tarvel

@@ -28,8 +28,7 @@ bool CheckRecording(const std::filesystem::path& path, std::string& message) {
         message = FormatText(textRecordingNotFound, {ToText(path)});
         return false;
     }
-    int format = formatUnknown;
-    if (!DetectFileFormat(path, format, Outils_Valeurs::CDateTimeAdaptor()) || format != formatXpf) {
+    if (!IsXpfFile(path)) {
         message = FormatText(textUnknownFileType, {ToText(path)});
         return false;
     }
@@ -83,12 +82,6 @@ std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failur
         parameters.end = ToStoredTime(last);
     }
     return project;
-}
-
-std::filesystem::path ToAbsolute(const std::filesystem::path& path) {
-    std::error_code error;
-    auto absolute = std::filesystem::absolute(path, error);
-    return error ? path : absolute;
 }
 
 } // namespace Application_Tarvel

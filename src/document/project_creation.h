@@ -25,7 +25,4 @@ std::unique_ptr<Metier_Tarvel::CTrvProject> CreateProject(const SNewProject& wan
 // data. `failure` is the number of the message.
 std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted, int& failure);
 
-// The path as a project needs it: one that was typed is completed with the current folder.
-std::filesystem::path ToAbsolute(const std::filesystem::path& path);
-
 } // namespace Application_Tarvel

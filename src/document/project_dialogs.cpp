@@ -11,6 +11,7 @@
 namespace Dialogue_Tarvel {
 
 using Outils_Configuration::Cnf;
+using Outils_Fichiers::ToAbsolute;
 using Outils_Fichiers::ToText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;

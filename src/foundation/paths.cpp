@@ -63,6 +63,12 @@ fs::path Combine(const fs::path& folder, std::string_view relative) {
     return Normal(folder / FromText(text));
 }
 
+fs::path ToAbsolute(const fs::path& path) {
+    std::error_code error;
+    fs::path absolute = fs::absolute(path, error);
+    return error ? path : absolute;
+}
+
 std::string ToText(const fs::path& path) {
     const std::u8string text = path.u8string();
     return std::string(text.begin(), text.end());

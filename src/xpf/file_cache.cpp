@@ -90,6 +90,12 @@ void CXpfFileCache::InvalidateLast(const std::filesystem::path& path) { Invalida
 
 void CXpfFileCache::InvalidateDates(const std::filesystem::path& path) { Invalidate(m_dates, path); }
 
+void CXpfFileCache::InvalidateFile(const std::filesystem::path& path) {
+    InvalidateFirst(path);
+    InvalidateLast(path);
+    InvalidateDates(path);
+}
+
 bool SeekFirstCached(Persistance_Xpf::CXpfChannel& channel, const std::filesystem::path& path,
                      CXpfFileCache* cache) {
     CXpfFilePosition known;

@@ -52,6 +52,8 @@ class CXpfFileCache {
     void InvalidateFirst(const std::filesystem::path& path);
     void InvalidateLast(const std::filesystem::path& path);
     void InvalidateDates(const std::filesystem::path& path);
+    // All three.
+    void InvalidateFile(const std::filesystem::path& path);
 
   private:
     using CIndex = Outils_Collection::CAVLTree<CDateTimeSpan, std::uint32_t>;

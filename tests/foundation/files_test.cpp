@@ -1,6 +1,8 @@
 #include "foundation/files.h"
 #include "foundation/paths.h"
 
+#include "support/temporary_folder.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -58,18 +60,15 @@ TEST(Paths, ComparedWithoutCase) {
 class Files : public testing::Test {
   protected:
     Files() {
-        std::string name = (fs::temp_directory_path() / "foundation-XXXXXX").string();
-        m_folder = ::mkdtemp(name.data());
         m_file = m_folder / "project.tarprj";
         WriteWholeFile(m_file, m_old);
     }
-    ~Files() override { fs::remove_all(m_folder); }
 
     std::ptrdiff_t CountEntries() const {
-        return std::distance(fs::directory_iterator(m_folder), fs::directory_iterator());
+        return std::distance(fs::directory_iterator(m_folder.GetPath()), fs::directory_iterator());
     }
 
-    fs::path m_folder;
+    test::CTemporaryFolder m_folder;
     fs::path m_file;
     const Bytes m_old = Bytes(100, 1);
     const Bytes m_new = Bytes(5000, 2);
@@ -112,14 +111,14 @@ TEST_F(Files, FailedSaveKeepsTheOldFileAndLeavesNothingBehind) {
     EXPECT_EQ(ReadWholeFile(m_file, 5000), m_old);
 
     EXPECT_FALSE(SaveAtomically(m_folder / "none" / "x", m_new));
-    EXPECT_FALSE(SaveAtomically(m_folder, m_new));
+    EXPECT_FALSE(SaveAtomically(m_folder.GetPath(), m_new));
     EXPECT_EQ(CountEntries(), 1);
 }
 
 TEST_F(Files, OnlyRegularFilesWithinTheLimitAreRead) {
     EXPECT_EQ(ReadWholeFile(m_file, 100), m_old);
     EXPECT_FALSE(ReadWholeFile(m_file, 99));
-    EXPECT_FALSE(ReadWholeFile(m_folder, 1000));
+    EXPECT_FALSE(ReadWholeFile(m_folder.GetPath(), 1000));
     EXPECT_FALSE(ReadWholeFile(m_folder / "none", 1000));
     const fs::path pipe = m_folder / "pipe";
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);

@@ -1,7 +1,7 @@
 #include "model/ini_file.h"
 #include "model/ins_web_configuration_file.h"
 #include "model/simulation_parameters.h"
-#include "recording_folder.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -52,7 +52,7 @@ class ConfigurationImportTest : public testing::Test {
         "Version Loader CINT 3\r\nVersion Firmware CINT 4\r\n";
     const std::string kSystem = "[System]\nbias=1,2,3\nAxisor=5\n";
 
-    CRecordingFolder folder;
+    test::CTemporaryFolder folder;
     CTrvSimulationParameters parameters;
 };
 

@@ -1,7 +1,7 @@
 #include "model/dictionary/visibility.h"
 #include "model/project.h"
 #include "recording/recording_writer.h"
-#include "recording_folder.h"
+#include "support/temporary_folder.h"
 #include "xpf/packets.h"
 
 #include <gtest/gtest.h>
@@ -49,7 +49,7 @@ class DataModelTest : public testing::Test {
     static constexpr std::streamoff kDefinitions = 123 + 84; // of a file with one channel
     static constexpr std::streamoff kFields = kDefinitions + 8;
 
-    CRecordingFolder folder;
+    test::CTemporaryFolder folder;
     CTrvDataModel model;
 };
 

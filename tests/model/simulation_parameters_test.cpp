@@ -2,7 +2,7 @@
 
 #include "foundation/files.h"
 #include "recording/recording_writer.h"
-#include "recording_folder.h"
+#include "support/temporary_folder.h"
 #include "xpf/packets.h"
 #include "xpf/records.h"
 
@@ -37,7 +37,7 @@ class SimulationParametersTest : public testing::Test {
         return folder / "main.tarin";
     }
 
-    CRecordingFolder folder;
+    test::CTemporaryFolder folder;
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "config/config_file.h"
 #include "document/scripted_host.h"
 #include "recording/recording_writer.h"
+#include "support/temporary_folder.h"
 #include "views/fabricated.h"
 #include "views/graph/loader.h"
 
@@ -26,8 +27,6 @@ constexpr std::size_t kRecording = 0, kResult = 1;
 class LoaderTest : public testing::Test {
   protected:
     LoaderTest() {
-        std::string name = (std::filesystem::temp_directory_path() / "varne-test-XXXXXX").string();
-        m_folder = ::mkdtemp(name.data());
         constexpr std::string_view recorded[] = {"NELIX_NAV", "DEPTH"};
         Enregistrement::CRecordingWriter recording;
         EXPECT_TRUE(recording.Create(m_folder / "dive.tarin", recorded));
@@ -51,7 +50,6 @@ class LoaderTest : public testing::Test {
     ~LoaderTest() override {
         m_loader.reset();
         m_document.reset();
-        std::filesystem::remove_all(m_folder);
     }
 
     void Compute(int from, int to) {
@@ -95,7 +93,7 @@ class LoaderTest : public testing::Test {
         return start + x / 100 * (end - start);
     }
 
-    std::filesystem::path m_folder;
+    test::CTemporaryFolder m_folder;
     Enregistrement::CRecordingWriter m_result;
     Outils_Configuration::CTrvCnfConfigFile m_config;
     Outils_Valeurs::CTrvAdaptors m_adaptors;

@@ -118,6 +118,11 @@ void CTrvDataModel::RemoveLayers(const CTrvDataFile* dataFile) {
     std::erase_if(m_layers, [dataFile](const auto& layer) { return layer->m_dataFile == dataFile; });
 }
 
+bool CTrvDataModel::HasLayers(const CTrvDataFile* dataFile) const {
+    return std::any_of(m_layers.begin(), m_layers.end(),
+                       [dataFile](const auto& layer) { return layer->m_dataFile == dataFile; });
+}
+
 CTrvDataLayer* CTrvDataModel::FindLayer(const CTrvDataFile* dataFile, std::uint16_t channelNumber) const {
     const auto found = std::find_if(m_layers.begin(), m_layers.end(), [=](const auto& layer) {
         return layer->m_dataFile == dataFile && layer->m_channelNumber == channelNumber;

@@ -93,6 +93,7 @@ class CTrvDataModel : public TRuntimeClass<CTrvDataModel, CTrvObject> {
     void RemoveLayers(const CTrvDataFile* dataFile);
     // Marks the layer of a channel; false when there is no such layer.
     bool SetLayerHasData(const CTrvDataFile* dataFile, std::uint16_t channelNumber);
+    bool HasLayers(const CTrvDataFile* dataFile) const;
     CTrvDataLayer* FindLayer(const CTrvDataFile* dataFile, std::uint16_t channelNumber) const;
 
     // The entry with this m_index; null if there is none.

@@ -22,6 +22,11 @@ double Factor(double value, double otherwise) {
     return std::isfinite(value) && value > 0 ? value : otherwise;
 }
 
+bool HasLayers(const CTrvDocument& document, const Outils_Objets::CObject* file) {
+    const auto* project = document.GetProject();
+    return project && project->dataModel->HasLayers(dynamic_cast<const Metier_Tarvel::CTrvDataFile*>(file));
+}
+
 } // namespace
 
 CTrv1DGraphLoader::CTrv1DGraphLoader(CTrvDocument& document, const Outils_Valeurs::CTrvAdaptors& adaptors,
@@ -151,7 +156,7 @@ void CTrv1DGraphLoader::OnUpdate(EHint hint, const Outils_Objets::CObject* objec
     case hintCurveChanged: Rebuild(false); break;
     case hintDataLayersRebuilt:
         // A file that cannot be read has no layers: what is shown of it stays.
-        if (HasLayers(object) || !ShowsDataOf(object)) Rebuild(false);
+        if (!ShowsDataOf(object) || HasLayers(m_document, object)) Rebuild(false);
         break;
     case hintRunStarted:
         m_running = true;
@@ -172,12 +177,6 @@ void CTrv1DGraphLoader::OnUpdate(EHint hint, const Outils_Objets::CObject* objec
         break;
     default: break;
     }
-}
-
-bool CTrv1DGraphLoader::HasLayers(const Outils_Objets::CObject* file) const {
-    const auto* project = m_document.GetProject();
-    return project && std::any_of(project->dataModel->m_layers.begin(), project->dataModel->m_layers.end(),
-                                  [file](const auto& layer) { return layer->m_dataFile == file; });
 }
 
 bool CTrv1DGraphLoader::ShowsDataOf(const Outils_Objets::CObject* file) const {

@@ -83,7 +83,6 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     using Channels = std::map<SChannelKey, SChannel>;
 
     void Rebuild(bool forget);
-    bool HasLayers(const Outils_Objets::CObject* file) const;
     bool ShowsDataOf(const Outils_Objets::CObject* file) const;
     void ForgetResult();
     SSimulationTimeText MakeTimeText() const;
