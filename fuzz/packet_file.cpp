@@ -25,7 +25,29 @@ void ReadEveryField(const CXpfPacket& packet) {
     }
 }
 
+// Several packets at once are those that come one by one.
+void WalkRuns(CXpfFile& file) {
+    file.Seek(file.GetDataStart().Get());
+    std::array<const std::uint8_t*, 8> run;
+    for (int step = 0; step < kMostSteps; ++step) {
+        const std::int64_t start = file.GetPosition();
+        const std::size_t count = file.ReadPackets(run);
+        if (count == 0) break;
+        std::array<std::uint32_t, run.size()> sizes{};
+        for (std::size_t i = 0; i < count; ++i) sizes[i] = LoadPacketSize(run[i]);
+        const std::int64_t end = file.GetPosition();
+        SPacketHeader header;
+        std::span<const std::uint8_t> payload;
+        file.Seek(start);
+        for (std::size_t i = 0; i < count; ++i)
+            Fuzz::Require(file.ReadPacket(header, payload) == EPacketRead::whole && header.size == sizes[i],
+                          "a run holds whole packets only");
+        Fuzz::Require(file.GetPosition() == end, "a run ends behind its last packet");
+    }
+}
+
 void WalkStream(CXpfFile& file) {
+    WalkRuns(file);
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
     std::int64_t last = file.GetDataStart().Get();

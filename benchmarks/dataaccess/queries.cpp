@@ -8,7 +8,6 @@
 #include <cmath>
 #include <fstream>
 #include <random>
-#include <thread>
 
 using namespace Application_Tarvel;
 using namespace Persistance_Xpf;
@@ -119,31 +118,5 @@ BENCHMARK(Moment)
     ->ArgNames({"sparse", "cache"})
     ->Iterations(1000)
     ->Unit(benchmark::kMicrosecond);
-
-// From the request to the end of a query that was reducing the whole recording; the counter "worst_ms" is the
-// goal's figure.
-void Cancel(benchmark::State& state) {
-    std::mt19937 random(3);
-    std::vector<double> times;
-    for (auto _ : state) {
-        CTrvView1DDataQuery query(
-            Address(), {CDateTimeSpan(1), CDateTimeSpan(kLength), CDateTimeSpan(kLength / kSlices)}, nullptr);
-        std::atomic<bool> running{false};
-        std::thread loader([&] {
-            bool cancelled = false;
-            running = true;
-            query.Execute(cancelled);
-        });
-        while (!running) std::this_thread::yield();
-        std::this_thread::sleep_for(std::chrono::microseconds(random() % 20'000));
-        times.push_back(SecondsOf([&] {
-            query.RequestCancel();
-            loader.join();
-        }));
-        state.SetIterationTime(times.back());
-    }
-    state.counters["worst_ms"] = *std::max_element(times.begin(), times.end()) * 1e3;
-}
-BENCHMARK(Cancel)->Iterations(100)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace

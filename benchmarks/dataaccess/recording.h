@@ -71,6 +71,12 @@ inline const CRecording& GetRecording() {
     return recording;
 }
 
+// The recording that VARNE_BENCH_FILE names, for measurements at full size; without it the one made here.
+inline std::filesystem::path GetLargeFile() {
+    const char* existing = std::getenv("VARNE_BENCH_FILE");
+    return existing ? std::filesystem::path(existing) : GetRecording().GetPath();
+}
+
 template <class Work>
 double SecondsOf(Work&& work) {
     const auto start = std::chrono::steady_clock::now();

@@ -183,10 +183,9 @@ std::uint64_t ScanPlainly(const CRecording& file) {
 std::uint64_t ScanStream(const CRecording& recording) {
     const auto file = recording.Open();
     file->Seek(file->GetDataStart().Get());
-    SPacketHeader header;
-    std::span<const std::uint8_t> payload;
+    std::array<const std::uint8_t*, 64> run;
     std::uint64_t packets = 0;
-    while (file->ReadPacket(header, payload) == EPacketRead::whole) ++packets;
+    while (const std::size_t count = file->ReadPackets(run)) packets += count;
     return packets;
 }
 

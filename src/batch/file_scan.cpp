@@ -21,14 +21,14 @@ std::optional<std::uint32_t> FindDateOffset(const CXpfFile& file, std::uint32_t 
         if (definition->type != packetType) continue;
         std::uint64_t offset = 0;
         for (const CXpfFieldDefinition& field : definition->fields) {
-            const auto type = static_cast<EFieldType>(field.typeCode);
+            const auto type = static_cast<EFieldType>(field.GetTypeCode());
             if (type == EFieldType::date) {
                 if (offset > UINT32_MAX) return std::nullopt;
                 return static_cast<std::uint32_t>(offset);
             }
             const std::uint32_t width = GetWidth(type);
             if (width == 0) return std::nullopt; // nothing is known of what stands behind it
-            offset += std::uint64_t{width} * field.count;
+            offset += std::uint64_t{width} * field.GetCount();
         }
         return std::nullopt;
     }

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <span>
 
 namespace Application_Tarvel {
 
@@ -19,23 +20,13 @@ class CPacketExtremes {
 
     // Starts a run with its first packet. `payload` must be a payload of the type that stands in its packet,
     // with the header before it and the trailer behind it: vectors at the ends reach that far.
-    void Begin(const std::uint8_t* payload) {
-        m_pendingCount = 0;
-        m_functions.begin(payload, m_low.data(), m_high.data());
-    }
-    // Takes in a further packet, in the end: its bytes have to stay until Settle.
-    void Include(const std::uint8_t* payload) {
-        if (m_pendingCount == m_pending.size()) Settle();
-        m_pending[m_pendingCount++] = payload;
-    }
-    // Compares what was included so far, many packets at once so that the extremes stay in registers.
-    void Settle() {
-        m_functions.include(m_pending.data(), m_pendingCount, m_low.data(), m_high.data());
-        m_pendingCount = 0;
+    void Begin(const std::uint8_t* payload) { m_functions.begin(payload, m_low.data(), m_high.data()); }
+    // Takes in further packets; many at once, so that the extremes stay in registers.
+    void Include(std::span<const std::uint8_t* const> payloads) {
+        m_functions.include(payloads.data(), payloads.size(), m_low.data(), m_high.data());
     }
     // Overwrites the numeric fields of two payloads by the run's minima and maxima.
-    void Finish(std::uint8_t* minimum, std::uint8_t* maximum) {
-        Settle();
+    void Finish(std::uint8_t* minimum, std::uint8_t* maximum) const {
         m_functions.finish(m_low.data(), minimum);
         m_functions.finish(m_high.data(), maximum);
     }
@@ -57,8 +48,6 @@ class CPacketExtremes {
     static SFunctions FunctionsFor(bool wide);
 
     SFunctions m_functions{};
-    std::array<const std::uint8_t*, 64> m_pending;
-    std::size_t m_pendingCount = 0;
     std::array<SVector, kMaximumVectors> m_low;
     std::array<SVector, kMaximumVectors> m_high;
 };

@@ -65,6 +65,7 @@ class CTrvDataQuery : public CAsyncQuery {
     Outils::CEvent m_cancel;
 
   private:
+    bool SearchIn(Persistance_Xpf::CXpfFile& file, bool& wasCancelled);
     void ForgetReplaced(const Persistance_Xpf::CXpfFile& file) const;
 
     SChannelAddress m_address;

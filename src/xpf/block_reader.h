@@ -54,6 +54,8 @@ class CBlockReader {
     }
     // Bytes that Holds has answered for.
     const std::uint8_t* GetHeld(std::int64_t offset) const { return m_buffer.get() + (offset - m_begin); }
+    // Behind the last byte at hand.
+    std::int64_t GetHeldEnd() const { return m_end; }
     // Seek to a place within or behind held bytes, which needs no test.
     void MoveTo(std::int64_t offset) { m_position = offset; }
     // Moves the pointer on within or behind a view.
@@ -74,7 +76,7 @@ class CBlockReader {
     // Moves the window over these bytes, as far as the file has them, unless it holds them already: one read
     // for a place that is going to be looked at from all sides. Takes at most kLargestFetch of them.
     void Fetch(std::int64_t offset, std::size_t size);
-    static constexpr std::size_t kLargestFetch = std::size_t{64} << 10;
+    static constexpr std::size_t kLargestFetch = std::size_t{1} << 20;
 
     void Forget();
 

@@ -3,6 +3,7 @@
 #include "xpf/block_reader.h"
 #include "xpf/file.h"
 #include "xpf/packet.h"
+#include "xpf/stride.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -104,7 +105,7 @@ std::size_t CXpfChannel::ViewHeldPackets(std::uint32_t payloadSize, std::span<co
     const std::uint32_t size = payloadSize + kPacketOverhead;
     const std::uint16_t number = m_number;
     std::int64_t next = m_current.Get(), last = 0;
-    std::uint32_t usual = size;
+    CStride stride;
     std::size_t count = 0;
     if (next == 0) return 0;
     for (std::int64_t position = next; count < payloads.size() && reader.Holds(position, size);) {
@@ -119,16 +120,7 @@ std::size_t CXpfChannel::ViewHeldPackets(std::uint32_t payloadSize, std::span<co
         payloads[count++] = packet + kPacketHeaderSize;
         last = position;
         const std::uint32_t link = LoadWord(packet + offsetof(SPacketHeader, forwardLink));
-        // Mostly the step is that of the packet before. Taken as such by the branch prediction, it lets the
-        // next packet come from memory without waiting for this one's link.
-        if (link == usual) {
-            std::int64_t step = usual;
-            asm("" : "+r"(step)); // else the compiler would add the link after all
-            position += step;
-        } else {
-            position += link != 0 ? link : size;
-            usual = link != 0 ? link : usual;
-        }
+        position += stride.Take(link != 0 ? link : size);
         next = position;
     }
     if (count == 0) return 0;

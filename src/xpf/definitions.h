@@ -2,20 +2,34 @@
 #pragma once
 
 #include "xpf/layout.h"
+#include "xpf/records.h"
 
+#include <array>
 #include <cstdint>
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace Persistance_Xpf {
 
+// A field record kept whole, so that a header of very many fields is read and let go of in no time.
 class CXpfFieldDefinition {
   public:
-    std::string name;        // up to 30 bytes
-    std::uint8_t typeCode;   // EFieldType, or a code that this system does not know
-    std::uint32_t count;     // elements
-    std::string description; // up to 64 bytes
-    std::uint8_t nature;
+    using Record = std::array<std::uint8_t, kFieldRecordSize>;
+
+    explicit CXpfFieldDefinition(const Record& record) : m_record(record) {}
+
+    std::string_view GetName() const { return LoadPaddedText(m_record.data(), kFieldNameSize); }
+    // EFieldType, or a code that this system does not know.
+    std::uint8_t GetTypeCode() const { return m_record[kFieldNameSize]; }
+    // Elements.
+    std::uint32_t GetCount() const { return LoadWord(&m_record[kFieldNameSize + 1]); }
+    std::string_view GetDescription() const {
+        return LoadPaddedText(&m_record[kFieldNameSize + 5], kFieldDescriptionSize);
+    }
+    std::uint8_t GetNature() const { return m_record.back(); }
+
+  private:
+    Record m_record;
 };
 
 class CXpfPacketDefinition {

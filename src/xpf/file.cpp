@@ -1,6 +1,7 @@
 #include "xpf/file.h"
 
 #include "xpf/block_reader.h"
+#include "xpf/stride.h"
 #include "xpf/table_file.h"
 
 #include <cstring>
@@ -67,6 +68,28 @@ EPacketRead CXpfFile::ReadPacket(SPacketHeader& header, std::span<const std::uin
     payload = {packet + kPacketHeaderSize, size - kPacketOverhead};
     reader.Advance(size);
     return EPacketRead::whole;
+}
+
+std::size_t CXpfFile::ReadPackets(std::span<const std::uint8_t*> packets) {
+    CBlockReader& reader = *m_reader;
+    const std::int64_t position = reader.GetPosition();
+    const std::uint8_t* first = reader.View(position, kPacketHeaderSize);
+    if (!first || !CheckHeaderBytes(first) || !reader.View(position, LoadPacketSize(first))) return 0;
+    const std::uint8_t* const begin = reader.GetHeld(position);
+    const std::uint8_t* const end = begin + (reader.GetHeldEnd() - position);
+    const std::uint8_t* packet = begin;
+    CStride stride;
+    std::size_t count = 0;
+    while (count < packets.size() && end - packet >= std::int64_t{kPacketOverhead}) {
+        const std::uint32_t size = LoadPacketSize(packet);
+        if (!CheckHeaderBytes(packet) || size > end - packet ||
+            !TrailerBytesMatch(packet, packet + size - kPacketTrailerSize))
+            break;
+        packets[count++] = packet;
+        packet += stride.Take(size);
+    }
+    reader.Advance(packet - begin);
+    return count;
 }
 
 EPacketRead CXpfFile::ReadPacketAnew(SPacketHeader& header, std::span<const std::uint8_t>& payload) {
@@ -157,13 +180,15 @@ bool CXpfFile::GetStatusLiteral(std::uint16_t, std::uint32_t, std::uint32_t, std
     return false;
 }
 
-std::unique_ptr<CXpfFile> OpenXpfFile(const std::filesystem::path& path, EFileKind kind, bool& outdated) {
+std::unique_ptr<CXpfFile> OpenXpfFile(const std::filesystem::path& path, EFileKind kind, bool& outdated,
+                                      const Outils::CEvent* interrupt) {
     outdated = false;
     std::unique_ptr<CXpfFile> file;
     if (kind == EFileKind::tarin)
         file = std::make_unique<CXpfTarinFileV3>();
     else
         file = std::make_unique<CXpfTaroutFileV2>();
+    file->SetInterrupt(interrupt);
     CXpfFile::HeaderBuffer header;
     if (!file->Open(path) || !file->ReadFileHeader(outdated, header)) return nullptr;
     return file;

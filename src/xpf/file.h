@@ -77,6 +77,12 @@ class CXpfFile {
     // that is decoded, so that no size in a file can exhaust the memory. For walking a whole stream: no
     // system call and no copy per packet.
     EPacketRead ReadPacket(SPacketHeader& header, std::span<const std::uint8_t>& payload);
+    // Reads on as ReadPacket does, but several packets at once: those that lie in the block at hand, which is
+    // replaced first when it does not hold the next one. Each is given as the place of its header, with its
+    // payload and trailer behind it, valid until the next operation on this file. The count, or 0 when
+    // ReadPacket has to be asked: no whole packet stands here, or one that is too big for this. A third of
+    // the time of ReadPacket, for scans that look into few packets.
+    std::size_t ReadPackets(std::span<const std::uint8_t*> packets);
 
     // The nearest valid packet before, or the first one at or after, the file pointer. On success the pointer
     // stands on it and its header is copied; a failed backward search restores the pointer.
@@ -119,7 +125,9 @@ class CXpfFile {
 };
 
 // The file object that fits a file of the project: input layout or result layout. Opened, with its header
-// read; null when that fails, and then `outdated` tells that the file is of an older layout.
-std::unique_ptr<CXpfFile> OpenXpfFile(const std::filesystem::path& path, EFileKind kind, bool& outdated);
+// read; null when that fails, and then `outdated` tells that the file is of an older layout. `interrupt` is
+// set for the file before its header is read.
+std::unique_ptr<CXpfFile> OpenXpfFile(const std::filesystem::path& path, EFileKind kind, bool& outdated,
+                                      const Outils::CEvent* interrupt = nullptr);
 
 } // namespace Persistance_Xpf

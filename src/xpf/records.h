@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 namespace Persistance_Xpf {
 
@@ -62,14 +63,24 @@ inline std::uint32_t LoadWord(const std::uint8_t* bytes) {
     std::memcpy(&word, bytes, sizeof word);
     return word;
 }
+inline std::uint64_t LoadLongWord(const std::uint8_t* bytes) {
+    std::uint64_t word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
 inline std::uint32_t LoadPacketSize(const std::uint8_t* header) { return LoadWord(header + 4); }
 inline bool CheckHeaderBytes(const std::uint8_t* header) {
     return (LoadWord(header) & 0xFFFF) == 0x2424 && LoadPacketSize(header) >= kPacketOverhead;
 }
-// Given that the header check has passed: "$$" and channel against "!!" and channel, and the sizes.
+// Given that the header check has passed: "$$", channel and size against "!!", channel and size.
 inline bool TrailerBytesMatch(const std::uint8_t* header, const std::uint8_t* trailer) {
-    return (LoadWord(header) ^ LoadWord(trailer)) == (0x2424 ^ 0x2121) &&
-           LoadWord(trailer + 4) == LoadPacketSize(header);
+    return (LoadLongWord(header) ^ LoadLongWord(trailer)) == (0x2424 ^ 0x2121);
+}
+
+// A text padded with zeros to its size, which need not end with one.
+inline std::string_view LoadPaddedText(const std::uint8_t* bytes, std::size_t size) {
+    const auto* text = reinterpret_cast<const char*>(bytes);
+    return {text, strnlen(text, size)};
 }
 
 static_assert(sizeof(SPacketHeader) == kPacketHeaderSize);

@@ -22,31 +22,14 @@ T Load(const std::uint8_t* bytes) {
     return value;
 }
 
-// A text padded with zeros that need not end with one.
-std::string_view PaddedText(const std::uint8_t* bytes, std::size_t size) {
-    const auto* text = reinterpret_cast<const char*>(bytes);
-    return {text, strnlen(text, size)};
-}
-
 // Compared over all 16 bytes: what stands behind a terminator counts too.
 const SChannelLayout* FindChannelOfRecord(const std::uint8_t* name, EFileKind kind) {
-    const SChannelLayout* row = FindChannelLayout(PaddedText(name, kChannelNameSize));
+    const SChannelLayout* row = FindChannelLayout(LoadPaddedText(name, kChannelNameSize));
     if (!row || row->kind != kind) return nullptr;
     const auto* padding = name + row->name.size();
     return std::all_of(padding, name + kChannelNameSize, [](std::uint8_t byte) { return byte == 0; })
                ? row
                : nullptr;
-}
-
-CXpfFieldDefinition ReadField(const std::uint8_t* record) {
-    CXpfFieldDefinition field;
-    field.name = PaddedText(record, kFieldNameSize);
-    record += kFieldNameSize;
-    field.typeCode = record[0];
-    field.count = Load<std::uint32_t>(record + 1);
-    field.description = PaddedText(record + 5, kFieldDescriptionSize);
-    field.nature = record[5 + kFieldDescriptionSize];
-    return field;
 }
 
 } // namespace
@@ -83,7 +66,7 @@ bool CXpfTableFile::ReadChannelRecord() {
     if (std::ranges::any_of(m_channels, isRow)) return false;
 
     const auto number = Load<std::uint16_t>(record);
-    const std::string description(PaddedText(record + 2 + kChannelNameSize, kChannelDescriptionSize));
+    const std::string description(LoadPaddedText(record + 2 + kChannelNameSize, kChannelDescriptionSize));
     const SPacketClass* packetClass = FindPacketClass(row->packetType);
     // What has no packet class are the internal states, whose size varies.
     m_channels.push_back(packetClass
@@ -106,9 +89,9 @@ bool CXpfTableFile::ReadDefinitions(std::uint32_t count) {
         fieldTotal += fieldCount;
         if (fieldTotal > kLargestFieldTotal) return false;
         for (std::uint32_t field = 0; field < fieldCount; ++field) {
-            std::uint8_t fieldRecord[kFieldRecordSize];
-            if (Read(fieldRecord, sizeof fieldRecord) != sizeof fieldRecord) return false;
-            definition->fields.push_back(ReadField(fieldRecord));
+            CXpfFieldDefinition::Record fieldRecord;
+            if (Read(fieldRecord.data(), fieldRecord.size()) != fieldRecord.size()) return false;
+            definition->fields.emplace_back(fieldRecord);
         }
         m_definitions.push_back(std::move(definition));
     }

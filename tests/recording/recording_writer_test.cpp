@@ -130,18 +130,18 @@ TEST_F(RecordingTest, DefinitionsSayWhatTheLayoutsSay) {
         if (!layout) {
             ASSERT_EQ(definition->type, typeMorvexSta);
             ASSERT_EQ(definition->fields.size(), 5u);
-            EXPECT_EQ(definition->fields[3].name, "Matrix size");
+            EXPECT_EQ(definition->fields[3].GetName(), "Matrix size");
             continue;
         }
         EXPECT_EQ(definition->version, layout->version);
         ASSERT_EQ(definition->fields.size(), layout->fields.size());
         for (std::size_t i = 0; i < layout->fields.size(); ++i) {
             const CXpfFieldDefinition& field = definition->fields[i];
-            EXPECT_EQ(field.name, layout->fields[i].name);
-            EXPECT_EQ(field.description, layout->fields[i].name);
-            EXPECT_EQ(field.typeCode, static_cast<std::uint8_t>(layout->fields[i].type));
-            EXPECT_EQ(field.count, layout->fields[i].count);
-            EXPECT_EQ(field.nature, layout->fields[i].nature);
+            EXPECT_EQ(field.GetName(), layout->fields[i].name);
+            EXPECT_EQ(field.GetDescription(), layout->fields[i].name);
+            EXPECT_EQ(field.GetTypeCode(), static_cast<std::uint8_t>(layout->fields[i].type));
+            EXPECT_EQ(field.GetCount(), layout->fields[i].count);
+            EXPECT_EQ(field.GetNature(), layout->fields[i].nature);
         }
     }
 }

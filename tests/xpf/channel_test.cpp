@@ -2,6 +2,7 @@
 #include "packet_file_builder.h"
 #include "xpf/table_file.h"
 
+#include <array>
 #include <random>
 
 namespace Persistance_Xpf {
@@ -131,6 +132,7 @@ TEST_F(Channel, FollowsAGrowingFileByteByByte) {
     std::uint32_t size = 0;
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
+    std::array<const std::uint8_t*, 3> run;
     std::size_t walked = 0;
     std::int64_t scanned = builder.dataStart;
     ASSERT_TRUE(file->Seek(scanned));
@@ -147,6 +149,8 @@ TEST_F(Channel, FollowsAGrowingFileByteByByte) {
         ASSERT_TRUE(file->Seek(scanned));
         const EPacketRead read = file->ReadPacket(header, payload);
         ASSERT_NE(read, EPacketRead::damaged) << end;
+        ASSERT_TRUE(file->Seek(scanned));
+        ASSERT_EQ(file->ReadPackets(run), read == EPacketRead::whole ? 1u : 0u) << end;
         if (read == EPacketRead::whole) {
             scanned = file->GetPosition();
             ASSERT_EQ(scanned, static_cast<std::int64_t>(end)) << "late, or torn";
@@ -155,6 +159,13 @@ TEST_F(Channel, FollowsAGrowingFileByteByByte) {
     }
     EXPECT_EQ(walked, packets.size());
     EXPECT_EQ(scanned, static_cast<std::int64_t>(builder.bytes.size()));
+    // Once more in one go, and the run must have the bytes of the file.
+    ASSERT_TRUE(file->Seek(builder.dataStart));
+    for (auto at = start; const std::size_t count = file->ReadPackets(run);)
+        for (std::size_t i = 0; i < count; at += LoadPacketSize(run[i++]))
+            ASSERT_EQ(Bytes(run[i], run[i] + LoadPacketSize(run[i])),
+                      Bytes(&builder.bytes[at], &builder.bytes[at] + LoadPacketSize(run[i])));
+    EXPECT_EQ(file->GetPosition(), scanned);
 }
 
 TEST_F(Channel, SeesWhatAWriterMakesOfADamagedPlace) {
@@ -168,7 +179,9 @@ TEST_F(Channel, SeesWhatAWriterMakesOfADamagedPlace) {
     std::span<const std::uint8_t> payload;
     std::uint32_t size = 0;
     file->Seek(position);
+    std::array<const std::uint8_t*, 3> run;
     EXPECT_EQ(file->ReadPacket(header, payload), EPacketRead::damaged);
+    EXPECT_EQ(file->ReadPackets(run), 0u);
     EXPECT_FALSE(file->GetChannels()[0]->ReadNextPacket(size, nullptr, nullptr, 0)) << "a size of 0";
     WriteAt(0, builder.bytes.data(), builder.bytes.size());
     EXPECT_TRUE(file->GetChannels()[0]->ReadNextPacket(size, nullptr, nullptr, 0));

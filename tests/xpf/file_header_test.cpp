@@ -32,10 +32,10 @@ TEST_F(FileHeader, GivesChannelsAndDefinitionsInFileOrder) {
     EXPECT_EQ(file->FindChannelByNumber(0), nullptr);
     ASSERT_EQ(file->GetDefinitions().size(), 2u);
     const CXpfFieldDefinition& field = file->GetDefinitions()[0]->fields.at(9);
-    EXPECT_EQ(field.name, "Realtime drift");
-    EXPECT_EQ(field.typeCode, static_cast<std::uint8_t>(EFieldType::f64));
-    EXPECT_EQ(field.count, 1u);
-    EXPECT_EQ(field.description, "about it");
+    EXPECT_EQ(field.GetName(), "Realtime drift");
+    EXPECT_EQ(field.GetTypeCode(), static_cast<std::uint8_t>(EFieldType::f64));
+    EXPECT_EQ(field.GetCount(), 1u);
+    EXPECT_EQ(field.GetDescription(), "about it");
 }
 
 TEST_F(FileHeader, DecodesNoInternalStates) {

@@ -2,6 +2,7 @@
 #include "packet_file_builder.h"
 #include "xpf/table_file.h"
 
+#include <array>
 #include <gmock/gmock.h>
 #include <random>
 
@@ -140,6 +141,8 @@ TEST_F(Search, TakesAGiantSizeInASmallFileForTorn) {
         SPacketHeader header;
         std::span<const std::uint8_t> payload;
         file->Seek(builder.dataStart);
+        std::array<const std::uint8_t*, 3> run;
+        EXPECT_EQ(file->ReadPackets(run), 0u) << size;
         EXPECT_EQ(file->ReadPacket(header, payload), EPacketRead::torn) << size;
         EXPECT_EQ(file->GetPosition(), builder.dataStart);
         std::uint8_t buffer[40];
