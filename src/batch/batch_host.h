@@ -37,6 +37,8 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
     std::filesystem::path GetProgramFolder() override;
     Outils_Temps::CDateTime GetTime() override { return Outils_Temps::CDateTime::Now(); }
     void Sleep(std::chrono::milliseconds time) override;
+    // A command has nothing else to do.
+    std::chrono::milliseconds GetPatience() override { return std::chrono::hours(24); }
 
   private:
     void OnProgressChanged() override { SetProgress(static_cast<int>(m_receiver.LastProgress())); }

@@ -65,8 +65,8 @@ int CreateFromParametersCommand(const COptions& options, SStreams streams) {
 
     CSession session(streams);
     using namespace Outils_Configuration;
-    auto made =
-        creation.Create(session.GetConfiguration().Get(Cnf<"general/utcSearch/maxPacketCount">), message);
+    const int most = session.GetConfiguration().Get(Cnf<"general/utcSearch/maxPacketCount">);
+    auto made = creation.Create(CBatchCreation::LookInto(creation.GetFiles(), most), message);
     if (!made) return FailWith(message, streams);
     const bool saved =
         session.GetDocument().NewFromProject(std::move(made), *project, CTrvDocument::EResultName::kept);

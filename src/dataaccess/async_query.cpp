@@ -65,32 +65,45 @@ void CAsyncQueryLoaderThread::RequestStop() {
     if (m_current) m_current->RequestCancel();
 }
 
+// A loader that was told to end may be held by a read that the system does not answer: another one takes its
+// queue over.
+void CAsyncQueryManager::ReplaceStoppedLoader() {
+    auto fresh = std::make_unique<CAsyncQueryLoaderThread>(m_port);
+    {
+        const std::lock_guard lock(m_loader->m_mutex);
+        if (!m_loader->m_stop || !m_loader->m_serving) return;
+        fresh->m_queue.swap(m_loader->m_queue);
+    }
+    m_stopped.Take(std::exchange(m_loader, std::move(fresh)));
+}
+
 void CAsyncQueryManager::Submit(const std::shared_ptr<CAsyncQuery>& query) {
+    ReplaceStoppedLoader();
     bool start = false;
     {
-        const std::lock_guard lock(m_loader.m_mutex);
-        auto& queue = m_loader.m_queue;
-        if (m_loader.m_current != query && std::find(queue.begin(), queue.end(), query) == queue.end()) {
+        const std::lock_guard lock(m_loader->m_mutex);
+        auto& queue = m_loader->m_queue;
+        if (m_loader->m_current != query && std::find(queue.begin(), queue.end(), query) == queue.end()) {
             query->m_state = CAsyncQuery::queued;
             queue.push_back(query);
         }
-        m_loader.m_stop = false;
-        start = !m_loader.m_serving && !queue.empty();
-        if (start) m_loader.m_serving = true;
+        m_loader->m_stop = false;
+        start = !m_loader->m_serving && !queue.empty();
+        if (start) m_loader->m_serving = true;
     }
     if (!start) return;
     // A former run of the thread has left its loop for good and is at most on its last instructions.
-    m_loader.Join();
-    if (!m_loader.Start()) m_loader.FailQueued();
+    m_loader->Join();
+    if (!m_loader->Start()) m_loader->FailQueued();
 }
 
 bool CAsyncQueryManager::Cancel(const std::shared_ptr<CAsyncQuery>& query) {
-    const std::lock_guard lock(m_loader.m_mutex);
-    if (m_loader.m_current == query) {
+    const std::lock_guard lock(m_loader->m_mutex);
+    if (m_loader->m_current == query) {
         query->RequestCancel();
         return true;
     }
-    auto& queue = m_loader.m_queue;
+    auto& queue = m_loader->m_queue;
     const auto place = std::find(queue.begin(), queue.end(), query);
     if (place == queue.end()) return false;
     queue.erase(place);
@@ -100,8 +113,8 @@ bool CAsyncQueryManager::Cancel(const std::shared_ptr<CAsyncQuery>& query) {
 }
 
 bool CAsyncQueryManager::Stop() {
-    if (!m_loader.IsAlive()) return true;
-    return m_loader.Stop();
+    if (!m_loader->IsAlive()) return true;
+    return m_loader->Stop();
 }
 
 } // namespace Application_Tarvel

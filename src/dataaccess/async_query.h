@@ -63,12 +63,13 @@ class CAsyncQueryLoaderThread : public Outils::CThread {
     bool m_serving = false; // Run will look at the queue again
 };
 
-// All operations on the UI thread. Destroying the manager stops the loader; callbacks that are still queued
-// never run.
+// All operations on the UI thread; none waits for a query. Destroying the manager does; callbacks that are
+// still queued then never run.
 class CAsyncQueryManager {
   public:
     // `target` must outlive the manager.
-    explicit CAsyncQueryManager(Outils::IMessageTarget& target) : m_port(target), m_loader(m_port) {}
+    explicit CAsyncQueryManager(Outils::IMessageTarget& target)
+        : m_port(target), m_loader(std::make_unique<CAsyncQueryLoaderThread>(m_port)) {}
 
     // Appends the query unless it is queued or running, and starts the loader if it is not at work.
     void Submit(const std::shared_ptr<CAsyncQuery>& query);
@@ -76,12 +77,16 @@ class CAsyncQueryManager {
     // was nothing to do: the query has finished or was never submitted.
     bool Cancel(const std::shared_ptr<CAsyncQuery>& query);
     // Asks the loader to end after its current query, which is asked to stop; true once the loader has ended.
-    // What is still queued stays queued and runs after the next Submit.
+    // What is still queued stays queued and runs after the next Submit, which does not wait for a loader that
+    // has not ended yet.
     bool Stop();
 
   private:
+    void ReplaceStoppedLoader();
+
     Outils::CMessagePort m_port;
-    CAsyncQueryLoaderThread m_loader;
+    Outils::CEndingThreads m_stopped; // loaders that were told to end
+    std::unique_ptr<CAsyncQueryLoaderThread> m_loader;
 };
 
 } // namespace Application_Tarvel

@@ -4,6 +4,7 @@
 #include "xpf/tarin_layouts.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -53,8 +54,8 @@ bool CTrvDataFileAnalyzerThread::Start() {
         }
         m_scanning = true;
         m_scanAgain = false;
+        m_stop.Reset();
     }
-    m_stop.Reset();
     Join(); // a former run is at most on its last instructions
     if (CThread::Start()) return true;
     const std::lock_guard lock(m_startMutex);
@@ -66,11 +67,18 @@ void CTrvDataFileAnalyzerThread::Run() {
     for (;;) {
         Scan();
         const std::lock_guard lock(m_startMutex);
-        if (!std::exchange(m_scanAgain, false) || m_stop.IsSet()) {
+        if (!std::exchange(m_scanAgain, false)) {
             m_scanning = false;
             return;
         }
+        m_stop.Reset();
     }
+}
+
+void CTrvDataFileAnalyzerThread::RequestStop() {
+    const std::lock_guard lock(m_startMutex);
+    m_scanAgain = false;
+    m_stop.Set();
 }
 
 void CTrvDataFileAnalyzerThread::Scan() {
@@ -78,13 +86,45 @@ void CTrvDataFileAnalyzerThread::Scan() {
     if (!file) return;
     const CXpfFilePosition start = m_resume.IsKnown() ? m_resume : file->GetDataStart();
     if (!start.IsKnown() || !file->Seek(start.Get())) return;
+    m_passed.reset(); // the file may have been written anew
+    std::array<const std::uint8_t*, 64> run;
+    while (!m_stop.IsSet()) {
+        const std::int64_t position = file->GetPosition();
+        const std::size_t count = file->ReadPackets(run);
+        if (count == 0) {
+            if (!ScanOne(*file)) return;
+        } else if (!ProcessRun(*file, position, {run.data(), count})) {
+            return;
+        }
+    }
+}
+
+// The packets of a run lie one behind the other, the first at `position`.
+bool CTrvDataFileAnalyzerThread::ProcessRun(CXpfFile& file, std::int64_t position,
+                                            std::span<const std::uint8_t* const> packets) {
+    for (const std::uint8_t* packet : packets) {
+        SPacketHeader header;
+        std::memcpy(&header, packet, sizeof header);
+        if (m_passed.test(header.channel)) continue;
+        if (!ProcessPacket(file, header, {packet + kPacketHeaderSize, header.GetPayloadSize()})) {
+            m_resume = position + (packet - packets.front());
+            return false;
+        }
+    }
+    m_resume = file.GetPosition();
+    return true;
+}
+
+bool CTrvDataFileAnalyzerThread::ScanOne(CXpfFile& file) {
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
-    while (!m_stop.IsSet()) {
-        if (file->ReadPacket(header, payload) != EPacketRead::whole) return EndScan(*file);
-        if (!ProcessPacket(*file, header, payload)) return;
-        m_resume = file->GetPosition();
+    if (file.ReadPacket(header, payload) != EPacketRead::whole) {
+        EndScan(file);
+        return false;
     }
+    if (!ProcessPacket(file, header, payload)) return false;
+    m_resume = file.GetPosition();
+    return true;
 }
 
 // Where no whole packet follows. What is there is looked at twice: it may be in the making.
@@ -117,11 +157,13 @@ bool CTrvDataFileAnalyzerThread::IsScanning() {
 
 std::unique_ptr<CXpfFile> CTrvDataFileAnalyzerThread::OpenDataFile(const std::filesystem::path& path) {
     auto file = std::make_unique<CXpfFile>();
+    file->SetInterrupt(&GetStopEvent());
     return file->Open(path) ? std::move(file) : nullptr;
 }
 
 bool CTrvDataFileAnalyzerThread::ProcessPacket(CXpfFile&, const SPacketHeader& header,
                                                std::span<const std::uint8_t>) {
+    m_passed.set(header.channel, !Watches(header.channel));
     if (m_reported.test(header.channel)) return true;
     m_reported.set(header.channel);
     m_port.Post([report = m_onChannel, channel = header.channel] { report(channel); });
@@ -144,12 +186,16 @@ void CTrvTarinDataFileAnalyzerThread::Run() {
 
 std::unique_ptr<CXpfFile> CTrvTarinDataFileAnalyzerThread::OpenDataFile(const std::filesystem::path& path) {
     bool outdated = false;
-    auto file = OpenXpfFile(path, EFileKind::tarin, outdated);
+    auto file = OpenXpfFile(path, EFileKind::tarin, outdated, &GetStopEvent());
     if (!file) return nullptr;
     m_types.assign(65536, kNoChannel);
     for (const auto& channel : file->GetChannels())
         m_types[channel->GetNumber()] = static_cast<std::uint16_t>(channel->GetPacketType());
     return file;
+}
+
+bool CTrvTarinDataFileAnalyzerThread::Watches(std::uint16_t channel) const {
+    return m_types[channel] == typeGps || m_types[channel] == typeUtc;
 }
 
 bool CTrvTarinDataFileAnalyzerThread::ProcessPacket(CXpfFile& file, const SPacketHeader& header,
@@ -196,9 +242,10 @@ bool CTrvTarinDataFileAnalyzerThread::ProcessUtc(const SPacketHeader& header,
     return true;
 }
 
-CDateTime FindUtcOrigin(const std::filesystem::path& path, int maxPacketCount) {
+CDateTime FindUtcOrigin(const std::filesystem::path& path, int maxPacketCount,
+                        const Outils::CEvent* interrupt) {
     bool outdated = false;
-    const auto file = OpenXpfFile(path, EFileKind::tarin, outdated);
+    const auto file = OpenXpfFile(path, EFileKind::tarin, outdated, interrupt);
     const CXpfChannel* channel = file ? file->FindChannelByName("UTC") : nullptr;
     const CXpfFilePosition start = channel ? file->GetDataStart() : CXpfFilePosition();
     if (!start.IsKnown()) return CDateTime::Invalid();

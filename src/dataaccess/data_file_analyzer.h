@@ -21,7 +21,7 @@ using Outils_Temps::CDateTime;
 
 // Walks the whole packet stream of one file once and remembers how far it came: started again over a file
 // that has grown, it goes on from there and reports only channels not yet seen. Start, Stop and the rest on
-// the UI thread.
+// the UI thread, which neither makes wait.
 class CTrvDataFileAnalyzerThread : public Outils::CThread {
   public:
     // Runs on the UI thread at the first packet of each channel.
@@ -39,8 +39,8 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
           m_onDamage(std::move(onDamage)) {}
     ~CTrvDataFileAnalyzerThread() override { Kill(); }
 
-    // True when a scan begins. While one is on it is told to go on behind what it takes for the end of the
-    // file, so that no growth is missed.
+    // True when a scan begins. While one is on, another follows it on the same thread, so that no growth is
+    // missed; also while one that was told to stop has not ended yet.
     bool Start() override;
     // Where the next run begins: behind the last packet that passed the packet check. Only while no run is
     // on.
@@ -48,19 +48,25 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
 
   protected:
     void Run() override;
-    void RequestStop() override { m_stop.Set(); }
+    void RequestStop() override;
+    const Outils::CEvent& GetStopEvent() const { return m_stop; }
 
     // Any thread: from Start on until nothing more will come.
     bool IsScanning();
 
     // The opened file, or null to end the run.
     virtual std::unique_ptr<Persistance_Xpf::CXpfFile> OpenDataFile(const std::filesystem::path& path);
+    // Whether every packet of this channel is to be processed, not only its first.
+    virtual bool Watches(std::uint16_t) const { return false; }
     // False ends the scan. The payload is whole, or its first bytes as far as any decoded packet reaches.
     virtual bool ProcessPacket(Persistance_Xpf::CXpfFile& file, const Persistance_Xpf::SPacketHeader& header,
                                std::span<const std::uint8_t> payload);
 
   private:
     void Scan();
+    bool ProcessRun(Persistance_Xpf::CXpfFile& file, std::int64_t position,
+                    std::span<const std::uint8_t* const> packets);
+    bool ScanOne(Persistance_Xpf::CXpfFile& file);
     void EndScan(Persistance_Xpf::CXpfFile& file);
     void LookAtUnchecked(Persistance_Xpf::CXpfFile& file);
 
@@ -70,6 +76,7 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
     OnDamage m_onDamage;
     Outils::CEvent m_stop;
     std::bitset<65536> m_reported;
+    std::bitset<65536> m_passed; // channels of which this scan needs no more
     Persistance_Xpf::CXpfFilePosition m_resume;
 
     std::mutex m_startMutex; // guards what follows
@@ -97,6 +104,7 @@ class CTrvTarinDataFileAnalyzerThread : public CTrvDataFileAnalyzerThread {
   protected:
     void Run() override;
     std::unique_ptr<Persistance_Xpf::CXpfFile> OpenDataFile(const std::filesystem::path& path) override;
+    bool Watches(std::uint16_t channel) const override;
     bool ProcessPacket(Persistance_Xpf::CXpfFile& file, const Persistance_Xpf::SPacketHeader& header,
                        std::span<const std::uint8_t> payload) override;
 
@@ -117,7 +125,9 @@ class CTrvTarinDataFileAnalyzerThread : public CTrvDataFileAnalyzerThread {
 };
 
 // The UTC origin of a recording, searched in its first `maxPacketCount` packets on the caller's thread;
-// invalid when there is none. The search goes by packet headers and reads one payload.
-CDateTime FindUtcOrigin(const std::filesystem::path& path, int maxPacketCount);
+// invalid when there is none, or once the event is set. The search goes by packet headers and reads one
+// payload.
+CDateTime FindUtcOrigin(const std::filesystem::path& path, int maxPacketCount,
+                        const Outils::CEvent* interrupt = nullptr);
 
 } // namespace Application_Tarvel

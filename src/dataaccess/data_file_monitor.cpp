@@ -1,31 +1,28 @@
 #include "dataaccess/data_file_monitor.h"
 
+#include <sys/stat.h>
 #include <utility>
 
 namespace Application_Tarvel {
 
 namespace {
 
-std::optional<std::uint64_t> GetSize(const std::filesystem::path& path) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;
-    const auto size = std::filesystem::file_size(path, error);
-    return error ? std::nullopt : std::optional<std::uint64_t>(size);
+std::optional<SFileEntry> FindFile(const std::filesystem::path& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    return SFileEntry{static_cast<std::uint64_t>(status.st_size), static_cast<std::uint64_t>(status.st_dev),
+                      static_cast<std::uint64_t>(status.st_ino)};
 }
 
 } // namespace
 
-std::optional<EFileChange> CWatchedFile::Update(std::optional<std::uint64_t> size) {
-    if (!size) {
-        const bool existed = std::exchange(m_exists, false);
-        m_size = 0;
-        return existed ? std::optional(EFileChange::disappeared) : std::nullopt;
-    }
-    const std::uint64_t former = std::exchange(m_size, *size);
-    if (!std::exchange(m_exists, true)) return EFileChange::appeared;
-    if (*size < former) return EFileChange::shrank;
-    if (*size > former) return EFileChange::grew;
-    return std::nullopt;
+std::optional<EFileChange> CWatchedFile::Update(const std::optional<SFileEntry>& found) {
+    if (m_last && found && m_last->size == found->size) return std::nullopt;
+    const auto former = std::exchange(m_last, found);
+    if (!found) return former ? std::optional(EFileChange::disappeared) : std::nullopt;
+    if (!former) return EFileChange::appeared;
+    const bool same = found->device == former->device && found->number == former->number;
+    return same && found->size > former->size ? EFileChange::grew : EFileChange::shrank;
 }
 
 void CTrvDataFileMonitorThread::Watch(FileKey file, std::filesystem::path path) {
@@ -76,7 +73,7 @@ void CTrvDataFileMonitorThread::Run() {
 
 void CTrvDataFileMonitorThread::Poll() {
     for (auto& [file, entry] : m_watched) {
-        const auto change = entry.state.Update(GetSize(entry.path));
+        const auto change = entry.state.Update(FindFile(entry.path));
         if (change) m_port.Post([report = m_onChange, change = *change, key = file] { report(change, key); });
     }
 }

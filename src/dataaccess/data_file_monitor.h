@@ -19,16 +19,23 @@ namespace Application_Tarvel {
 // What happened to a file. The codes are those of the document's messages.
 enum class EFileChange { appeared = 0, grew = 1, shrank = 2, disappeared = 3 };
 
+// What the directory says of a file.
+struct SFileEntry {
+    std::uint64_t size = 0;
+    std::uint64_t device = 0; // with the number, which file it is
+    std::uint64_t number = 0;
+};
+
 // The state of one watched file between two looks at its size.
 class CWatchedFile {
   public:
-    // Takes in the size found now, or nothing when there is no such file; tells what changed. A file
+    // Takes in what is found now, or nothing when there is no such file; tells what changed. A file that took
+    // the place of another one is no growth of it, however long it is: it counts as one that shrank. A file
     // rewritten to exactly the same size goes unnoticed.
-    std::optional<EFileChange> Update(std::optional<std::uint64_t> size);
+    std::optional<EFileChange> Update(const std::optional<SFileEntry>& found);
 
   private:
-    bool m_exists = false;
-    std::uint64_t m_size = 0;
+    std::optional<SFileEntry> m_last; // at the last change
 };
 
 class CTrvDataFileMonitorThread : public Outils::CThread {

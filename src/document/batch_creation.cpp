@@ -5,6 +5,7 @@
 #include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
+#include "model/imu_channel.h"
 #include "xpf/file.h"
 
 #include <algorithm>
@@ -19,23 +20,6 @@ using Outils_Texte::GetText;
 using Persistance_Parametres::SParameterFileRow;
 
 namespace {
-
-// The UTC date of the start of every input file, in the order of the rows; invalid for one that does not
-// tell. Empty when there is none, or one is no recording: then also the message.
-std::vector<CDateTime> FindDates(const std::vector<SParameterFileRow>& files, int maxPacketCount,
-                                 std::string& message) {
-    std::vector<CDateTime> dates;
-    for (const SParameterFileRow& file : files) {
-        if (file.isOutput) continue;
-        bool outdated = false;
-        if (!Persistance_Xpf::OpenXpfFile(file.path, Persistance_Xpf::EFileKind::tarin, outdated)) {
-            message = FormatText(textNoSynchronization, {ToText(file.path)});
-            return {};
-        }
-        dates.push_back(FindUtcOrigin(file.path, maxPacketCount));
-    }
-    return dates;
-}
 
 // Shifts the external files whose UTC is known onto the clock of the main input file, the first of `dates`.
 // False when that leaves the range of times.
@@ -71,10 +55,32 @@ bool CBatchCreation::ChooseFile(std::string_view id, const std::filesystem::path
     return true;
 }
 
-std::unique_ptr<CTrvProject> CBatchCreation::Create(int maxPacketCount, std::string& message) const {
+CBatchCreation::SRecordings CBatchCreation::LookInto(const std::vector<SParameterFileRow>& files,
+                                                     int maxPacketCount, const Outils::CEvent* interrupt) {
+    SRecordings recordings;
+    for (const SParameterFileRow& file : files) {
+        if (file.isOutput) continue;
+        bool outdated = false;
+        if (!Persistance_Xpf::OpenXpfFile(file.path, Persistance_Xpf::EFileKind::tarin, outdated,
+                                          interrupt)) {
+            recordings.unreadable = file.path;
+            break;
+        }
+        std::int32_t equipment = 0;
+        if (recordings.origins.empty() && Metier_Tarvel::ReadImuEquipment(file.path, equipment, interrupt))
+            recordings.equipment = equipment;
+        recordings.origins.push_back(FindUtcOrigin(file.path, maxPacketCount, interrupt));
+    }
+    return recordings;
+}
+
+std::unique_ptr<CTrvProject> CBatchCreation::Create(const SRecordings& recordings,
+                                                    std::string& message) const {
     message = std::string(GetText(textBatchFileCorrupted)); // when nothing is loaded
-    const std::vector<CDateTime> dates = FindDates(m_files, maxPacketCount, message);
-    if (dates.empty()) return nullptr;
+    if (!recordings.unreadable.empty())
+        message = FormatText(textNoSynchronization, {ToText(recordings.unreadable)});
+    const std::vector<CDateTime>& dates = recordings.origins;
+    if (dates.empty() || !recordings.unreadable.empty()) return nullptr;
     Persistance_Parametres::CChosenPaths chosen;
     for (const SParameterFileRow& file : m_files) chosen[file.id] = file.path;
 
@@ -88,12 +94,11 @@ std::unique_ptr<CTrvProject> CBatchCreation::Create(int maxPacketCount, std::str
         return nullptr;
     }
     auto project = std::make_unique<CTrvProject>(std::move(parameters));
-    std::int32_t equipment = 0;
-    if (!project->simulationParameters->ReadEquipmentCode(equipment)) {
+    if (!recordings.equipment) {
         message = std::string(GetText(textNoEquipment));
         return nullptr;
     }
-    project->simulationParameters->nelixConfiguration->type->SetFromEquipment(equipment);
+    project->simulationParameters->nelixConfiguration->type->SetFromEquipment(*recordings.equipment);
     return project;
 }
 

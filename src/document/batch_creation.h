@@ -1,11 +1,13 @@
 // How a project comes into being from a batch command file (a processing parameter file), without dialogs.
 #pragma once
 
+#include "foundation/thread.h"
 #include "model/project.h"
 #include "processing/parameter_file.h"
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,10 +29,20 @@ class CBatchCreation {
     const std::string& GetProposedName() const { return m_name; }
     const std::filesystem::path& GetProposedFolder() const { return m_folder; }
 
-    // The project over the chosen files. The UTC reference is searched in the first `maxPacketCount` packets
-    // of the main input file; external files whose UTC is known are shifted onto its clock. Null on failure,
-    // and then nothing is left behind.
-    std::unique_ptr<Metier_Tarvel::CTrvProject> Create(int maxPacketCount, std::string& message) const;
+    // What the input files tell, in the order of their rows.
+    struct SRecordings {
+        std::vector<Outils_Temps::CDateTime>
+            origins;                      // UTC instant of date zero; invalid for a file that does not tell
+        std::filesystem::path unreadable; // the first that is no recording, empty for none
+        std::optional<std::int32_t> equipment; // of the first
+    };
+    // Searches the UTC dates in the first `maxPacketCount` packets of each. Any thread.
+    static SRecordings LookInto(const std::vector<Persistance_Parametres::SParameterFileRow>& files,
+                                int maxPacketCount, const Outils::CEvent* interrupt = nullptr);
+    // The project over the chosen files, by what they tell; external files whose UTC is known are shifted
+    // onto the clock of the main input file. Null on failure, and then nothing is left behind.
+    std::unique_ptr<Metier_Tarvel::CTrvProject> Create(const SRecordings& recordings,
+                                                       std::string& message) const;
 
   private:
     Persistance_Parametres::CParameterFileReader m_reader;

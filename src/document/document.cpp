@@ -26,8 +26,9 @@ CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
                            const Outils_Configuration::CTrvCnfConfigFile& configuration)
     : CDocumentEx(host),
       m_configuration(configuration),
-      m_messageWnd(std::make_unique<Outils::CMessagePort>(target)),
+      m_messageWnd(std::make_shared<Outils::CMessagePort>(target)),
       m_target(target),
+      m_fileLooks(target),
       m_queryManager(target) {}
 
 CTrvDocument::~CTrvDocument() { DeleteContents(); }
@@ -45,14 +46,14 @@ bool CTrvDocument::OnOpenDocument(const std::filesystem::path& path) {
         return false;
     }
     if (!m_pProject) return true;
-    CheckDataFileVersions();
-    RebuildDataModel();
+    m_bSettingUp = true;
+    LookAtFiles(true);
+    CheckDataFileVersions(m_firstLooks);
+    FollowFirstLooks();
     for (CTrvDataFile* file : GetDataFiles()) StartAnalysis(*file);
     WatchFiles();
-    ReadRecordingFacts();
-    // The monitor tells of changes alone. A result that is not there was not computed yet.
-    for (const CTrvDataFile* file : GetDataFiles())
-        if (!IsResultFile(*file)) TellFault(*file);
+    m_bSettingUp = false;
+    GetHost().UpdateMenuForEquipment(m_pProject->simulationParameters->nelixConfiguration->type->equipment);
     return true;
 }
 
@@ -66,19 +67,15 @@ bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
         if (renamed) {
             output.path = result;
             UpdateAllViews(nullptr, hintOutputFileNameChanged);
-            StopAnalysis(output, true);
-            WatchAnew(output);
+            // Nothing of the former result is in the one of the new name. Should that exist, the monitor is
+            // about to report it.
+            ForgetContent(output);
         }
     }
     const bool saved = CDocumentEx::OnSaveDocument(path);
-    if (renamed) {
-        // Nothing of the former result is in the one of the new name. Should that exist, the monitor is about
-        // to report it.
-        CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
-        m_fileCache.InvalidateFile(output.path);
-        RefreshDataLayers(output);
-        UpdateAllViews(nullptr, hintDataFileContentChanged, &output);
-    }
+    if (renamed)
+        UpdateAllViews(nullptr, hintDataFileContentChanged,
+                       m_pProject->simulationParameters->outputFile.get());
     if (saved) m_bParametersChanged = false;
     return saved;
 }

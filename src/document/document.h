@@ -8,6 +8,7 @@
 #include "dataaccess/data_file_monitor.h"
 #include "dataaccess/view_queries.h"
 #include "document/document_base.h"
+#include "document/file_looks.h"
 #include "document/file_state.h"
 #include "model/project.h"
 #include "processing/child_processes.h"
@@ -41,8 +42,10 @@ class CTrvDocument final : public CDocumentEx {
     CAsyncQueryManager& GetQueryManager() { return m_queryManager; }
     CXpfFileCache& GetFileCache() { return m_fileCache; }
     const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
-    // Whether a data file is being scanned.
+    // Whether a data file is being scanned or looked at.
     bool IsAnalysing() const;
+    // For work on files for which the UI thread must not wait.
+    CFileLooks& GetFileLooks() { return m_fileLooks; }
     // Where a query finds a channel of a file of the project.
     SChannelAddress GetAddress(const CTrvDataFile& file, std::uint16_t channel);
 
@@ -130,33 +133,43 @@ class CTrvDocument final : public CDocumentEx {
     // The file of this identity, or null if the project has none (any more).
     CTrvDataFile* FindDataFile(const void* key) const;
     bool IsResultFile(const CTrvDataFile& file) const;
-    void RebuildDataModel();
-    void RefreshDataLayers(CTrvDataFile& file);
+    // Brings the file's layers in line with what its head says; an empty description leaves it none.
+    void RefreshDataLayers(CTrvDataFile& file, const Metier_Tarvel_DataModel::SFileDescription& description);
+    // Forgets the file as it was: it is not there, or about to be written anew.
+    void ForgetContent(CTrvDataFile& file);
     void StartAnalysis(CTrvDataFile& file);
-    // With `reset` the thread is forgotten: the next analysis starts from the beginning of the file.
+    // Does not wait for the end. With `reset` the thread is forgotten: the next analysis starts from the
+    // beginning of the file.
     void StopAnalysis(const CTrvDataFile& file, bool reset);
     void WatchFiles();
     // Has the monitor look at the file as at one that it has never seen.
     void WatchAnew(const CTrvDataFile& file);
     void StopThreads();
-    // Forgets all that was learned of a file that is no longer the same.
     void SearchFirstData();
-    void ReadRecordingFacts();
-    void CheckDataFileVersions();
+
+    // Has the files of a project that was just opened or made looked at, and takes the answers that come in
+    // time. The others come as those to later looks do.
+    void LookAtFiles(bool checkVersions);
+    void LookAtFile(CTrvDataFile& file);
+    void LookAtRecording();
+    void OnLooked(CTrvDataFile& file, SFileLook look);
+    void FollowFirstLooks();
+    void FollowLook(CTrvDataFile& file, const SFileLook& look);
+    // Tells which of the files are none, and offers to bring those of an older layout up to date; these are
+    // then looked at anew.
+    void CheckDataFileVersions(const std::map<CTrvDataFile*, SFileLook>& looks);
     void OnChannelFound(const void* key, std::uint16_t channel);
     void AddSensorAutomatically(CTrvDataFile& file, std::uint16_t channel);
     void OnFileChanged(EFileChange change, const void* key);
     void OnDamageFound(const void* key, std::int64_t position);
     // The running engine owns the result: nothing that happens to it is a fault.
     bool IsBeingWritten(const CTrvDataFile& file) const { return m_bSimulationRunning && IsResultFile(file); }
-    // Tells why the file cannot be read, unless that was told before. False when it can be read.
-    bool TellFault(const CTrvDataFile& file);
     void Tell(int text, const CTrvDataFile& file);
 
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
     // The door for the messages of analysers and monitor; a new one for each project, so that what threads of
     // a former project have posted never reaches this one.
-    std::unique_ptr<Outils::CMessagePort> m_messageWnd;
+    std::shared_ptr<Outils::CMessagePort> m_messageWnd;
     Outils::IMessageTarget& m_target;
 
     std::unique_ptr<CTrvProject> m_pProject;
@@ -173,13 +186,21 @@ class CTrvDocument final : public CDocumentEx {
     // Each with a door of its own: what an analysis that was given up has posted is not taken for news of the
     // file that stands there now.
     struct SAnalysis {
-        std::unique_ptr<Outils::CMessagePort> port;
+        std::shared_ptr<Outils::CMessagePort> port;
         std::unique_ptr<CTrvDataFileAnalyzerThread> thread;
     };
+    // Has its thread end by itself, unheard.
+    void Retire(SAnalysis& analysis);
     std::map<const CTrvDataFile*, SAnalysis> m_analyzers;
     std::map<const CTrvDataFile*, SFileState> m_fileStates;
     std::unique_ptr<CTrvDataFileMonitorThread> m_fileMonitor; // one for each project
-    CXpfFileCache m_fileCache;                                // outlives the queries of the manager below
+    Outils::CEndingThreads m_endingThreads;                   // former ones of both kinds
+    CFileLooks m_fileLooks;
+    // While a project is opened or made, the answers to the first looks: the views, which do not know the
+    // project yet, are told nothing.
+    bool m_bSettingUp = false;
+    std::map<CTrvDataFile*, SFileLook> m_firstLooks;
+    CXpfFileCache m_fileCache; // outlives the queries of the manager below
     CAsyncQueryManager m_queryManager;
 };
 

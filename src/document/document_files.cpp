@@ -2,7 +2,6 @@
 #include "document/document.h"
 
 #include "config/config_file.h"
-#include "dataaccess/format_detection.h"
 #include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -34,19 +33,18 @@ bool CTrvDocument::IsResultFile(const CTrvDataFile& file) const {
     return m_pProject && &file == m_pProject->simulationParameters->outputFile.get();
 }
 
-void CTrvDocument::RebuildDataModel() {
-    m_pProject->RebuildDataModel(m_configuration.Get(Cnf<"general/expertMode">));
-}
-
-void CTrvDocument::RefreshDataLayers(CTrvDataFile& file) {
-    if (m_pProject->dataModel->RefreshFromFile(file, m_configuration.Get(Cnf<"general/expertMode">)))
-        UpdateAllViews(nullptr, hintDataLayersRebuilt, &file);
+void CTrvDocument::RefreshDataLayers(CTrvDataFile& file,
+                                     const Metier_Tarvel_DataModel::SFileDescription& description) {
+    auto& model = *m_pProject->dataModel;
+    const bool changed = model.Refresh(file, description, m_configuration.Get(Cnf<"general/expertMode">));
+    for (const std::uint16_t channel : m_fileStates[&file].channels) model.SetLayerHasData(&file, channel);
+    if (changed && !m_bSettingUp) UpdateAllViews(nullptr, hintDataLayersRebuilt, &file);
 }
 
 void CTrvDocument::StartAnalysis(CTrvDataFile& file) {
     auto& [port, analyzer] = m_analyzers[&file];
     if (!analyzer) {
-        port = std::make_unique<Outils::CMessagePort>(m_target);
+        port = std::make_shared<Outils::CMessagePort>(m_target);
         const auto report = [this, key = &file](std::uint16_t channel) { OnChannelFound(key, channel); };
         const auto damage = [this, key = &file](std::int64_t position) { OnDamageFound(key, position); };
         if (IsResultFile(file))
@@ -58,15 +56,33 @@ void CTrvDocument::StartAnalysis(CTrvDataFile& file) {
 }
 
 bool CTrvDocument::IsAnalysing() const {
-    return std::any_of(m_analyzers.begin(), m_analyzers.end(),
-                       [](const auto& entry) { return entry.second.thread->IsAlive(); });
+    return m_fileLooks.IsBusy() || std::any_of(m_analyzers.begin(), m_analyzers.end(), [](const auto& entry) {
+               return entry.second.thread->IsAlive();
+           });
 }
 
 void CTrvDocument::StopAnalysis(const CTrvDataFile& file, bool reset) {
     const auto place = m_analyzers.find(&file);
     if (place == m_analyzers.end()) return;
-    place->second.thread->Kill();
-    if (reset) m_analyzers.erase(place);
+    if (!reset) {
+        place->second.thread->Stop();
+        return;
+    }
+    Retire(place->second);
+    m_analyzers.erase(place);
+    m_fileStates[&file].channels.clear();
+}
+
+void CTrvDocument::Retire(SAnalysis& analysis) {
+    analysis.port->Close();
+    m_endingThreads.Take(std::move(analysis.thread), std::move(analysis.port));
+}
+
+void CTrvDocument::ForgetContent(CTrvDataFile& file) {
+    StopAnalysis(file, true);
+    WatchAnew(file);
+    m_fileCache.InvalidateFile(file.path);
+    RefreshDataLayers(file, {});
 }
 
 void CTrvDocument::WatchFiles() {
@@ -77,19 +93,22 @@ void CTrvDocument::WatchFiles() {
 
 void CTrvDocument::WatchAnew(const CTrvDataFile& file) {
     m_fileStates.erase(&file);
+    m_fileLooks.Forget(&file);
     if (!m_fileMonitor) return;
     m_fileMonitor->Unwatch(&file);
     m_fileMonitor->Watch(&file, file.path);
 }
 
 void CTrvDocument::StopThreads() {
-    // All are asked before the first is waited for, so that they wind down side by side.
-    if (m_fileMonitor) m_fileMonitor->Stop();
-    for (auto& [file, analysis] : m_analyzers) analysis.thread->Stop();
-    m_queryManager.Stop();
-    m_fileMonitor.reset();
+    // All are asked to end, and none is waited for: a disk that does not answer may hold any of them. From
+    // here on they are not heard, and they use nothing that goes with the project.
+    m_messageWnd->Close();
+    m_endingThreads.Take(std::move(m_fileMonitor), m_messageWnd);
+    for (auto& [file, analysis] : m_analyzers) Retire(analysis);
     m_analyzers.clear();
-    m_messageWnd = std::make_unique<Outils::CMessagePort>(m_target);
+    m_fileLooks.ForgetAll();
+    m_queryManager.Stop();
+    m_messageWnd = std::make_shared<Outils::CMessagePort>(m_target);
 }
 
 void CTrvDocument::FollowDataFile(CTrvDataFile& file) {
@@ -100,6 +119,7 @@ void CTrvDocument::FollowDataFile(CTrvDataFile& file) {
 void CTrvDocument::ForgetDataFile(const CTrvDataFile& file) {
     StopAnalysis(file, true);
     if (m_fileMonitor) m_fileMonitor->Unwatch(&file);
+    m_fileLooks.Forget(&file);
     m_fileCache.InvalidateFile(file.path);
     m_fileStates.erase(&file);
 }
@@ -124,36 +144,10 @@ void CTrvDocument::SearchFirstData() {
         reference = data.position;
 }
 
-void CTrvDocument::ReadRecordingFacts() {
-    auto& parameters = *m_pProject->simulationParameters;
-    parameters.ReadImuFrequency();
-    parameters.nelixConfiguration->ReadCipherMode();
-    GetHost().UpdateMenuForEquipment(parameters.nelixConfiguration->type->equipment);
-}
-
-void CTrvDocument::CheckDataFileVersions() {
-    std::vector<std::filesystem::path> upgradable;
-    for (const CTrvDataFile* file : GetDataFiles()) {
-        std::error_code error;
-        if (!std::filesystem::exists(file->path, error)) continue;
-        bool outdated = false;
-        const EFileKind kind = IsResultFile(*file) ? EFileKind::tarout : EFileKind::tarin;
-        if (OpenXpfFile(file->path, kind, outdated)) continue;
-        if (outdated && IsXpfFile(file->path))
-            upgradable.push_back(file->path);
-        else
-            GetHost().ShowMessage(FormatText(textFailedToLoad, {Outils_Fichiers::ToText(file->path)}),
-                                  EButtons::ok, EIcon::exclamation);
-    }
-    if (upgradable.empty()) return;
-    const std::string question(GetText(textUpgradeDataFiles));
-    if (GetHost().ShowMessage(question, EButtons::yesNo, EIcon::question) != EAnswer::yes) return;
-    for (const auto& path : upgradable) GetHost().UpdateDataFile(path);
-}
-
 void CTrvDocument::OnChannelFound(const void* key, std::uint16_t channel) {
     CTrvDataFile* file = FindDataFile(key);
     if (!file) return;
+    m_fileStates[file].channels.insert(channel);
     m_pProject->dataModel->SetLayerHasData(file, channel);
     UpdateAllViews(nullptr, hintChannelFound, file);
     if (m_bAutoAddSensors) AddSensorAutomatically(*file, channel);
@@ -200,33 +194,26 @@ void CTrvDocument::OnFileChanged(EFileChange change, const void* key) {
     CTrvDataFile* file = FindDataFile(key);
     if (!file) return;
     SFileState& state = m_fileStates[file];
-    const SFileIdentity identity = IdentifyFile(file->path), former = std::exchange(state.identity, identity);
-    // A file that took the place of another one is no growth of it, however long it is.
-    if (change == EFileChange::grew && former.IsKnown() && former != identity) change = EFileChange::shrank;
-    switch (change) {
-    case EFileChange::appeared:
-        StopAnalysis(*file, false);
-        RefreshDataLayers(*file);
-        StartAnalysis(*file);
-        break;
-    case EFileChange::grew:
+    if (change == EFileChange::grew) {
         m_fileCache.InvalidateLast(file->path);
-        // A file seen before its header was whole, or written anew between two looks, has no layers yet.
-        if (!m_pProject->dataModel->HasLayers(file)) RefreshDataLayers(*file);
         StartAnalysis(*file);
-        break;
-    case EFileChange::shrank:
-    case EFileChange::disappeared:
+        // A file seen before its header was whole, or written anew between two looks, has no layers yet.
+        if (m_pProject->dataModel->HasLayers(file) && state.fault == 0) {
+            UpdateAllViews(nullptr, hintDataFileContentChanged, file);
+            return;
+        }
+    } else if (change == EFileChange::appeared) {
+        StopAnalysis(*file, false);
+        StartAnalysis(*file);
+    } else {
         state.damage = -1;
         StopAnalysis(*file, true);
-        RefreshDataLayers(*file);
         m_fileCache.InvalidateFile(file->path);
+        state.tellReplaced = change == EFileChange::shrank;
         if (change == EFileChange::shrank) StartAnalysis(*file);
-        break;
     }
-    if (!IsBeingWritten(*file) && !TellFault(*file) && change == EFileChange::shrank)
-        Tell(textFileReplaced, *file);
-    UpdateAllViews(nullptr, hintDataFileContentChanged, file);
+    state.followFile = state.tellMissing = true;
+    LookAtFile(*file);
 }
 
 void CTrvDocument::OnDamageFound(const void* key, std::int64_t position) {
@@ -235,23 +222,6 @@ void CTrvDocument::OnDamageFound(const void* key, std::int64_t position) {
         return;
     GetHost().AppendOutputText(
         FormatText(textFileDamaged, {Outils_Fichiers::ToText(file->path), std::to_string(position)}));
-}
-
-void CTrvDocument::OnQueryFailed(const CTrvDataFile& file) {
-    // The monitor tells of a file that goes away; and saved graphs may show a result yet to be computed.
-    std::error_code error;
-    if (std::filesystem::exists(file.path, error) && !IsBeingWritten(file)) TellFault(file);
-}
-
-bool CTrvDocument::TellFault(const CTrvDataFile& file) {
-    const EFileKind kind = IsResultFile(file) ? EFileKind::tarout : EFileKind::tarin;
-    const int fault = FindFileFault(file.path, kind);
-    if (std::exchange(m_fileStates[&file].fault, fault) != fault && fault != 0) Tell(fault, file);
-    return fault != 0;
-}
-
-void CTrvDocument::Tell(int text, const CTrvDataFile& file) {
-    GetHost().AppendOutputText(FormatText(text, {Outils_Fichiers::ToText(file.path)}));
 }
 
 } // namespace Application_Tarvel

@@ -78,6 +78,9 @@ class IDocumentHost {
 
     virtual Outils_Temps::CDateTime GetTime() = 0;
     virtual void Sleep(std::chrono::milliseconds time) = 0;
+    // How long a command waits for what the files of a project tell of themselves. It goes on without those
+    // that do not answer in time; what they tell comes later.
+    virtual std::chrono::milliseconds GetPatience() { return std::chrono::milliseconds(100); }
 };
 
 // The wait cursor as long as the object lives.

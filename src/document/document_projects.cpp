@@ -37,14 +37,14 @@ bool CTrvDocument::OnNewEmptyDocument() {
 
 bool CTrvDocument::OnNewDocument() {
     if (!Clear()) return false;
-    CNewProjectWizard wizard(GetHost(), m_configuration);
+    CNewProjectWizard wizard(GetHost(), m_configuration, m_fileLooks);
     if (!GetHost().ShowNewProjectWizard(wizard)) return true;
     return SetUpProject(wizard.TakeProject(), wizard.GetProjectPath(), EResultName::ofProject);
 }
 
 bool CTrvDocument::OnNewBatchDocument(const std::filesystem::path& commandFile) {
     if (!Clear()) return false;
-    CNewFromBatchParametersDlg dialog(GetHost(), m_configuration);
+    CNewFromBatchParametersDlg dialog(GetHost(), m_configuration, m_fileLooks);
     if (!dialog.Load(commandFile)) return false;
     if (!GetHost().ShowNewFromBatch(dialog)) return true;
     return SetUpProject(dialog.TakeProject(), dialog.GetProjectPath(), EResultName::kept);
@@ -62,12 +62,15 @@ bool CTrvDocument::SetUpProject(std::unique_ptr<CTrvProject> project, const std:
     const CWaitCursor wait(GetHost());
     m_pProject = std::move(project);
     if (!m_pProject) return false;
-    RebuildDataModel();
+    m_bSettingUp = true;
+    LookAtFiles(false);
+    FollowFirstLooks();
     m_bAutoAddSensors = true;
     StartAnalysis(*m_pProject->simulationParameters->mainInputFile);
     SearchFirstData();
     WatchFiles();
-    ReadRecordingFacts();
+    m_bSettingUp = false;
+    GetHost().UpdateMenuForEquipment(m_pProject->simulationParameters->nelixConfiguration->type->equipment);
     m_bSavingNewBatchProject = resultName == EResultName::kept;
     const bool saved = DoSave(path, true);
     m_bSavingNewBatchProject = false;

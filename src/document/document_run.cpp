@@ -157,12 +157,9 @@ void CTrvDocument::RemoveResult() {
     std::error_code error;
     if (std::filesystem::exists(output.path, error)) {
         std::filesystem::remove(output.path, error);
-        StopAnalysis(output, true);
         // The removal is no news, and what the engine writes is a new file, even if it is longer than this
         // one at the next look.
-        WatchAnew(output);
-        m_fileCache.InvalidateFile(output.path);
-        RefreshDataLayers(output);
+        ForgetContent(output);
     }
     UpdateAllViews(nullptr, hintDataFileContentChanged, &output);
 }

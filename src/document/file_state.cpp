@@ -1,31 +1,49 @@
 #include "document/file_state.h"
 
+#include "dataaccess/format_detection.h"
 #include "document/text_ids.h"
 #include "xpf/file.h"
 
-#include <sys/stat.h>
+#include <algorithm>
 
 namespace Application_Tarvel {
 
-SFileIdentity IdentifyFile(const std::filesystem::path& path) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) != 0) return {};
-    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
-}
+namespace {
 
-int FindFileFault(const std::filesystem::path& path, Persistance_Xpf::EFileKind kind) {
+int FindFault(const std::filesystem::path& path) {
     std::error_code error;
-    const auto status = std::filesystem::status(path, error);
-    switch (status.type()) {
+    switch (std::filesystem::status(path, error).type()) {
     case std::filesystem::file_type::not_found: return textFileVanished;
     case std::filesystem::file_type::directory: return textFileIsFolder;
     case std::filesystem::file_type::none: return textFileNotReadable;
-    case std::filesystem::file_type::regular: break;
+    case std::filesystem::file_type::regular: return 0;
     default: return textFileIsNoFile;
     }
+}
+
+// Whether the disk gives what the file has of a header.
+bool CanReadHead(const std::filesystem::path& path) {
+    Persistance_Xpf::CXpfFile file;
+    Persistance_Xpf::CXpfFile::HeaderBuffer header;
+    if (!file.Open(path)) return false;
+    const auto size = std::min<std::int64_t>(header.size(), file.GetFileSize());
+    return file.Read(header.data(), header.size()) >= static_cast<std::size_t>(size);
+}
+
+} // namespace
+
+SFileLook LookInto(const std::filesystem::path& path, Persistance_Xpf::EFileKind kind,
+                   const Outils::CEvent& cancel) {
+    SFileLook look;
+    look.fault = FindFault(path);
+    if (look.fault != 0) return look;
     bool outdated = false;
-    if (Persistance_Xpf::OpenXpfFile(path, kind, outdated) || outdated) return 0;
-    return Persistance_Xpf::CXpfFile().Open(path) ? textFileNoHeader : textFileNotReadable;
+    const bool current = Persistance_Xpf::OpenXpfFile(path, kind, outdated, &cancel) != nullptr;
+    Metier_Tarvel_DataModel::ReadFileDescription(path, look.description);
+    if (current) return look;
+    look.outdated = outdated && IsXpfFile(path);
+    if (!look.outdated) look.fault = CanReadHead(path) ? textFileNoHeader : textFileNotReadable;
+    return look;
 }
 
 } // namespace Application_Tarvel

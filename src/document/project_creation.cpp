@@ -54,7 +54,8 @@ std::unique_ptr<CTrvProject> CreateProject(const SNewProject& wanted, std::strin
     return project;
 }
 
-std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failure) {
+std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failure,
+                                          const Outils::CEvent* interrupt) {
     const auto result = Outils_Fichiers::WithExtension(wanted.project, GetText(textOutputExtension));
     if (Outils_Fichiers::SamePath(wanted.recording, result)) {
         failure = textDataFileReferenced;
@@ -68,7 +69,7 @@ std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failur
         return nullptr;
     }
     std::int32_t equipment = 0;
-    if (!parameters.ReadEquipmentCode(equipment)) {
+    if (!parameters.ReadEquipmentCode(equipment, interrupt)) {
         failure = textNoEquipment;
         return nullptr;
     }
@@ -77,7 +78,7 @@ std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failur
     parameters.algorithm = IsBackwardEquipment(equipment) ? algorithmBackward : algorithmStandard;
     parameters.heaveAlgorithm = heaveKelvar;
     Outils_Temps::CDateTimeSpan first, last;
-    if (parameters.ReadTimeSpan(first, last)) {
+    if (parameters.ReadTimeSpan(first, last, interrupt)) {
         parameters.begin = ToStoredTime(first);
         parameters.end = ToStoredTime(last);
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/date_time.h"
+#include "foundation/thread.h"
 #include "model/project.h"
 
 #include <filesystem>
@@ -22,7 +23,8 @@ struct SNewProject {
 // show in `message`.
 std::unique_ptr<Metier_Tarvel::CTrvProject> CreateProject(const SNewProject& wanted, std::string& message);
 // The same for a recording whose format was looked at before: one that is none fails for want of inertial
-// data. `failure` is the number of the message.
-std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted, int& failure);
+// data, as every one does once the event is set. `failure` is the number of the message. Any thread.
+std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted, int& failure,
+                                                         const Outils::CEvent* interrupt = nullptr);
 
 } // namespace Application_Tarvel

@@ -93,11 +93,14 @@ bool CNewProjectWizard::CheckFiles(EProjectField& focus) {
 }
 
 bool CNewProjectWizard::PrepareFiles() {
-    Outils_Valeurs::CTrvAdaptors adaptors;
-    adaptors.Configure(m_configuration);
+    const auto adaptors = std::make_shared<Outils_Valeurs::CTrvAdaptors>();
+    adaptors->Configure(m_configuration);
     std::vector<SDataFileKind> kinds;
     for (const auto& file : m_inputFiles) {
-        kinds.push_back(ClassifyDataFile(file, adaptors.GetDateTime()));
+        const auto kind = LookInto([file, adaptors](const Outils::CEvent&) {
+            return ClassifyDataFile(file, adaptors->GetDateTime());
+        });
+        kinds.push_back(kind.value_or(SDataFileKind()));
         if (kinds.back().kind == EDataFileKind::unreadable)
             return Refuse(FormatText(textUnknownFileType, {ToText(file)}));
     }
@@ -129,15 +132,22 @@ std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus
     using Outils_Configuration::EGpsAltitudeMode;
     const bool ellipsoidal =
         m_configuration.Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
-    int failure = 0;
-    auto project =
-        BuildProject({m_inputFiles[0], GetProjectPath(), insConfigurationFile, ellipsoidal}, failure);
-    if (!project) {
-        focus =
-            failure == textInsConfigurationFailed ? EProjectField::configurationFile : EProjectField::files;
-        Refuse(failure);
+    struct SMade {
+        std::unique_ptr<CTrvProject> project;
+        int failure = textNoEquipment;
+    };
+    const SNewProject wanted{m_inputFiles[0], GetProjectPath(), insConfigurationFile, ellipsoidal};
+    SMade made = LookInto([wanted](const Outils::CEvent& cancel) {
+                     SMade built;
+                     built.project = BuildProject(wanted, built.failure, &cancel);
+                     return built;
+                 }).value_or(SMade());
+    if (!made.project) {
+        focus = made.failure == textInsConfigurationFailed ? EProjectField::configurationFile
+                                                           : EProjectField::files;
+        Refuse(made.failure);
     }
-    return project;
+    return std::move(made.project);
 }
 
 bool CNewFromBatchParametersDlg::Load(const std::filesystem::path& commandFile) {
@@ -150,8 +160,11 @@ bool CNewFromBatchParametersDlg::Load(const std::filesystem::path& commandFile) 
 
 std::unique_ptr<CTrvProject> CNewFromBatchParametersDlg::MakeProject(EProjectField& focus) {
     focus = EProjectField::files;
-    std::string message;
-    auto project = m_creation.Create(m_configuration.Get(Cnf<"general/utcSearch/maxPacketCount">), message);
+    const auto recordings = LookInto(
+        [files = m_creation.GetFiles(), most = m_configuration.Get(Cnf<"general/utcSearch/maxPacketCount">)](
+            const Outils::CEvent& cancel) { return CBatchCreation::LookInto(files, most, &cancel); });
+    std::string message(GetText(textNoEquipment));
+    auto project = recordings ? m_creation.Create(*recordings, message) : nullptr;
     if (!project) Refuse(message);
     return project;
 }

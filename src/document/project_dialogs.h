@@ -4,6 +4,7 @@
 
 #include "document/batch_creation.h"
 #include "document/document_host.h"
+#include "document/file_looks.h"
 #include "document/text_ids.h"
 
 #include <filesystem>
@@ -26,9 +27,10 @@ enum class EProjectField { files, configurationFile, name, folder };
 // What both dialogs share: the place of the project, and the project as the result.
 class CProjectDialog {
   public:
-    // Both must outlive the dialog.
-    CProjectDialog(IDocumentHost& host, const Outils_Configuration::CTrvCnfConfigFile& configuration)
-        : m_host(host), m_configuration(configuration) {}
+    // All must outlive the dialog.
+    CProjectDialog(IDocumentHost& host, const Outils_Configuration::CTrvCnfConfigFile& configuration,
+                   CFileLooks& looks)
+        : m_host(host), m_configuration(configuration), m_looks(looks) {}
     virtual ~CProjectDialog() = default;
     CProjectDialog(const CProjectDialog&) = delete;
     CProjectDialog& operator=(const CProjectDialog&) = delete;
@@ -54,6 +56,11 @@ class CProjectDialog {
     bool Refuse(std::string message); // tells the reason; false
     bool Refuse(int text);
     bool Ask(int question);
+    // What `look` finds in the files, if they answer in time.
+    template <class Look>
+    auto LookInto(Look look) {
+        return m_looks.Call(std::move(look), GetTimeForChosenFile(m_configuration));
+    }
 
     IDocumentHost& m_host;
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
@@ -62,6 +69,7 @@ class CProjectDialog {
     bool CheckPlace(EProjectField& focus);
     bool AgreeToOverwrite();
 
+    CFileLooks& m_looks;
     std::unique_ptr<CTrvProject> m_project;
 };
 

@@ -39,15 +39,18 @@ class CMessageQueue : public IMessageTarget {
     std::deque<std::function<void()>> m_messages;
 };
 
-// One receiver's door to the queue: what is still queued when the door is destroyed, on the UI thread, never
-// runs.
+// One receiver's door to the queue: what is still queued when the door is closed or destroyed, on the UI
+// thread, never runs.
 class CMessagePort {
   public:
     // `target` must outlive the port.
     explicit CMessagePort(IMessageTarget& target) : m_target(target), m_open(std::make_shared<bool>(true)) {}
-    ~CMessagePort() { *m_open = false; }
+    ~CMessagePort() { Close(); }
     CMessagePort(const CMessagePort&) = delete;
     CMessagePort& operator=(const CMessagePort&) = delete;
+
+    // For a receiver that goes before its senders do: they may go on posting.
+    void Close() { *m_open = false; }
 
     // Thread-safe while the port lives. The flag is read and written on the UI thread only.
     void Post(std::function<void()> message) {

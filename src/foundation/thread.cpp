@@ -67,4 +67,9 @@ void CThread::Join() {
     if (m_thread.joinable()) m_thread.join();
 }
 
+void CEndingThreads::Take(std::unique_ptr<CThread> thread, std::shared_ptr<void> uses) {
+    m_threads.remove_if([](const SEntry& entry) { return !entry.thread->IsAlive(); });
+    if (thread && !thread->Stop()) m_threads.push_back({std::move(uses), std::move(thread)});
+}
+
 } // namespace Outils

@@ -4,8 +4,12 @@
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <functional>
+#include <list>
+#include <memory>
 #include <mutex>
 #include <thread>
+#include <utility>
 
 namespace Outils {
 
@@ -43,7 +47,8 @@ class CThread {
     // True from Start until Run has returned.
     bool IsAlive() const { return m_alive.load(std::memory_order_acquire); }
 
-    // Asks the body to end and waits until it has: the forced end. The body polls, so this returns soon.
+    // Asks the body to end and waits until it has: the forced end. The body polls, so this returns soon,
+    // unless the system holds it in a read: an owner that may not wait hands it to CEndingThreads instead.
     void Kill();
     // False when the thread is running already, or the system has no thread left to give.
     virtual bool Start();
@@ -62,6 +67,37 @@ class CThread {
   private:
     std::thread m_thread;
     std::atomic<bool> m_alive{false};
+};
+
+// Runs one function, which is given the event that tells it to give up.
+class CTask final : public CThread {
+  public:
+    explicit CTask(std::function<void(const CEvent& cancel)> work) : m_work(std::move(work)) {}
+    ~CTask() override { Kill(); }
+
+  protected:
+    void Run() override { m_work(m_cancel); }
+    void RequestStop() override { m_cancel.Set(); }
+
+  private:
+    std::function<void(const CEvent&)> m_work;
+    CEvent m_cancel;
+};
+
+// Threads whose owner goes on without waiting for their end: one may be held by a read that the system does
+// not answer, of a disk that is gone, say. They are joined here, with this object at the latest. One thread
+// uses it, that of the owners.
+class CEndingThreads {
+  public:
+    // Asks the thread to end and takes it over, with what it uses.
+    void Take(std::unique_ptr<CThread> thread, std::shared_ptr<void> uses = nullptr);
+
+  private:
+    struct SEntry {
+        std::shared_ptr<void> uses;
+        std::unique_ptr<CThread> thread; // goes first
+    };
+    std::list<SEntry> m_threads;
 };
 
 } // namespace Outils

@@ -1,9 +1,7 @@
 #include "model/nelix_configuration.h"
 
 #include "foundation/texts.h"
-#include "model/imu_channel.h"
 #include "model/loading.h"
-#include "model/simulation_parameters.h"
 
 #include <cstdio>
 
@@ -89,14 +87,6 @@ void CTrvNelixConfiguration::CreateMembers() {
     roughMisalignment = 0;
     currentModeling = std::make_unique<CTrvCurrentModeling>();
     type = std::make_unique<CTrvNelixType>();
-}
-
-void CTrvNelixConfiguration::ReadCipherMode() {
-    std::uint8_t dataType = 0;
-    CImuChannel imu;
-    const bool known =
-        owner && imu.Open(owner->mainInputFile->path) && imu.ReadFirst() && imu.GetDataType(dataType);
-    imuCipherMode = known && (dataType == 1 || dataType == 2) ? dataType : 0;
 }
 
 void CTrvNelixConfiguration::Serialize(CArchive& archive) {

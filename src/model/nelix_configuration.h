@@ -58,7 +58,7 @@ class CTrvNelixConfiguration : public TRuntimeClass<CTrvNelixConfiguration, CTrv
     std::unique_ptr<CLeverArm> secondaryLeverArmC;
     std::unique_ptr<CTrvCurrentModeling> currentModeling;
     std::unique_ptr<CTrvNelixType> type;
-    std::int32_t imuCipherMode = 0; // 0 plain, 1 or 2 ciphered; not archived
+    std::int32_t imuCipherMode = 0; // as ReadImuCipherMode gave it for the main input file; not archived
     std::unique_ptr<CLeverArm> cogLeverArm;
 
     explicit CTrvNelixConfiguration(CTrvSimulationParameters* parameters = nullptr);
@@ -67,8 +67,6 @@ class CTrvNelixConfiguration : public TRuntimeClass<CTrvNelixConfiguration, CTrv
     // value that is missing and required or does not convert; what was read before stays.
     bool ReadIni(const CIniFile& file);
     bool ReadWebConfiguration(const CInsWebConfigurationFile& file);
-    // imuCipherMode from the first IMU packet of the main input file; 0 when there is none.
-    void ReadCipherMode();
 
     void Serialize(CArchive& archive) override;
 

@@ -8,6 +8,10 @@
 
 #include <list>
 
+namespace Outils {
+class CEvent;
+}
+
 namespace Metier_Tarvel_Regles {
 class CTrvRule;
 class CTrvRuleReport;
@@ -39,7 +43,7 @@ class CTrvSimulationParameters : public TRuntimeClass<CTrvSimulationParameters, 
     std::vector<std::unique_ptr<Metier_Tarvel_Regles::CTrvRule>> rules; // always the 18, not archived
     bool hasUtcReference = false;
     CDateTime utcReference;        // the UTC date of tick 0 of the simulation time
-    std::int32_t imuFrequency = 0; // hertz, as ReadImuFrequency measured it; not archived
+    std::int32_t imuFrequency = 0; // hertz, as MeasureImuFrequency gave it; not archived
 
     // What an archive starts from.
     CTrvSimulationParameters();
@@ -96,13 +100,12 @@ class CTrvSimulationParameters : public TRuntimeClass<CTrvSimulationParameters, 
     bool ImportIniConfiguration(const std::filesystem::path& path);
     bool ImportWebConfiguration(const CInsWebConfigurationFile& file);
 
-    // imuFrequency from the main input file: measured over at most 100 packets behind its first. True only
-    // for 200, 100, 50, 25 and 20; any other measured value is kept too, and 0 when there is none.
-    bool ReadImuFrequency();
-    // Dates of the first and last IMU packets of the main input file; false when it has none.
-    bool ReadTimeSpan(CDateTimeSpan& first, CDateTimeSpan& last) const;
-    // Equipment code in the first IMU packet of the main input file; false when it has none.
-    bool ReadEquipmentCode(std::int32_t& code) const;
+    // Dates of the first and last IMU packets of the main input file; false when it has none, or once the
+    // event is set.
+    bool ReadTimeSpan(CDateTimeSpan& first, CDateTimeSpan& last,
+                      const Outils::CEvent* interrupt = nullptr) const;
+    // Equipment code in the first IMU packet of the main input file; false as above.
+    bool ReadEquipmentCode(std::int32_t& code, const Outils::CEvent* interrupt = nullptr) const;
 
     void Serialize(CArchive& archive) override;
 

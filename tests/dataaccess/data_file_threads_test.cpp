@@ -98,20 +98,24 @@ TEST_F(DataFileThreads, DatesThatNameNoInstantAreInvalid) {
 
 TEST(WatchedFile, TellsWhatChanged) {
     struct SStep {
-        std::optional<std::uint64_t> size;
+        std::optional<SFileEntry> found;
         std::optional<EFileChange> change;
     };
     const SStep steps[] = {{{}, {}},
-                           {10, EFileChange::appeared},
-                           {10, {}},
-                           {12, EFileChange::grew},
-                           {3, EFileChange::shrank},
+                           {{{10, 1, 7}}, EFileChange::appeared},
+                           {{{10, 1, 7}}, {}},
+                           {{{12, 1, 7}}, EFileChange::grew},
+                           {{{3, 1, 7}}, EFileChange::shrank},
+                           {{{20, 1, 8}}, EFileChange::shrank}, // another one, however long
+                           {{{20, 2, 8}}, {}},
+                           {{{21, 2, 8}}, EFileChange::shrank},
+                           {{{22, 2, 8}}, EFileChange::grew},
                            {{}, EFileChange::disappeared},
                            {{}, {}},
-                           {0, EFileChange::appeared},
-                           {1, EFileChange::grew}};
+                           {{{0, 1, 9}}, EFileChange::appeared},
+                           {{{1, 1, 9}}, EFileChange::grew}};
     CWatchedFile file;
-    for (const auto& [size, change] : steps) EXPECT_EQ(file.Update(size), change) << size.value_or(999);
+    for (const SStep& step : steps) EXPECT_EQ(file.Update(step.found), step.change) << &step - steps;
 }
 
 TEST_F(DataFileThreads, MonitorFollowsAFile) {

@@ -67,7 +67,7 @@ class BatchCreation : public testing::Test {
         std::string message;
         EXPECT_TRUE(creation.Load(m_file, message)) << message;
         EXPECT_TRUE(creation.ChooseFile(id, m_folder / name));
-        EXPECT_FALSE(creation.Create(maxPacketCount, message));
+        EXPECT_FALSE(creation.Create(CBatchCreation::LookInto(creation.GetFiles(), maxPacketCount), message));
         return message;
     }
 
@@ -89,7 +89,7 @@ TEST_F(BatchCreation, ProjectComesBackFromItsCommandFile) {
     std::filesystem::rename(m_folder / "main.tarin", m_folder / "moved.tarin");
     EXPECT_TRUE(creation.ChooseFile("main", m_folder / "moved.tarin"));
     EXPECT_FALSE(creation.ChooseFile("file03", m_folder / "moved.tarin"));
-    auto project = creation.Create(kPackets, message);
+    auto project = creation.Create(CBatchCreation::LookInto(creation.GetFiles(), kPackets), message);
     ASSERT_TRUE(project) << message;
     const auto check = [&](const CTrvSimulationParameters& parameters) {
         CDateTime start;
@@ -117,7 +117,7 @@ TEST_F(BatchCreation, ProjectComesBackFromItsCommandFile) {
     // A file that does not tell its UTC keeps its offset.
     Record("silent.tarin", -1);
     EXPECT_TRUE(creation.ChooseFile("file02", m_folder / "silent.tarin"));
-    project = creation.Create(kPackets, message);
+    project = creation.Create(CBatchCreation::LookInto(creation.GetFiles(), kPackets), message);
     ASSERT_TRUE(project) << message;
     EXPECT_EQ(project->simulationParameters->externalFiles.at(0)->timeOffset,
               ToStoredTime(test::Seconds(2.5)));
@@ -143,7 +143,7 @@ TEST_F(BatchCreation, EveryFailureHasItsMessage) {
     Edit("outputFile", "output");
     EXPECT_FALSE(creation.Load(m_file, message));
     EXPECT_EQ(message, GetText(textBatchFileCorrupted));
-    EXPECT_FALSE(creation.Create(kPackets, message));
+    EXPECT_FALSE(creation.Create(CBatchCreation::LookInto(creation.GetFiles(), kPackets), message));
     EXPECT_EQ(message, GetText(textBatchFileCorrupted));
 }
 

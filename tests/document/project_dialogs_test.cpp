@@ -86,6 +86,7 @@ class ProjectDialogs : public testing::Test {
     test::CTemporaryFolder m_folder;
     CDialogHost m_host;
     CTrvCnfConfigFile m_configuration;
+    CFileLooks m_looks{m_host.m_queue};
 };
 
 TEST_F(ProjectDialogs, TheWizardChecksInItsOrderAndSaysWhere) {
@@ -136,7 +137,7 @@ TEST_F(ProjectDialogs, TheWizardChecksInItsOrderAndSaysWhere) {
     };
     for (std::size_t i = 0; i < std::size(cases); ++i) {
         const SCase& c = cases[i];
-        CNewProjectWizard wizard(m_host, m_configuration);
+        CNewProjectWizard wizard(m_host, m_configuration, m_looks);
         wizard.ChooseInputFiles(c.files);
         if (*c.configuration) wizard.insConfigurationFile = m_folder / c.configuration;
         wizard.projectName = c.name;
@@ -157,7 +158,7 @@ TEST_F(ProjectDialogs, TheWizardChecksInItsOrderAndSaysWhere) {
 
 TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
     const auto run = [&](std::initializer_list<const char*> names) {
-        CNewProjectWizard wizard(m_host, m_configuration);
+        CNewProjectWizard wizard(m_host, m_configuration, m_looks);
         wizard.ChooseInputFiles(InFolder(names));
         EProjectField focus{};
         EXPECT_TRUE(wizard.OnOK(focus));
@@ -175,7 +176,7 @@ TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
                             CConversion(InFolder({"decoded.txt"}), ERawFormat::decodedIns),
                             CConversion(InFolder({"other.bin"}), ERawFormat::rawIns)));
 
-    CNewProjectWizard wizard(m_host, m_configuration);
+    CNewProjectWizard wizard(m_host, m_configuration, m_looks);
     wizard.ChooseInputFiles({"/d/raw1.log", "/d/raw 2.log"});
     EXPECT_EQ(wizard.GetInputLine(), "/d/raw1.log \"/d/raw 2.log\"");
 }

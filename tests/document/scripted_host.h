@@ -65,7 +65,9 @@ class CScriptedHost : public IDocumentHost, private Communication_Processus::INo
     void Sleep(std::chrono::milliseconds time) override {
         m_time += Outils_Temps::CDateTimeSpan(time.count() * Outils_Temps::kTicksPerSecond / 1000);
     }
+    std::chrono::milliseconds GetPatience() override { return m_patience; }
     std::int32_t m_equipment = 0;
+    std::chrono::milliseconds m_patience = std::chrono::seconds(30);
 
   private:
     void OnProgressChanged() override { SetProgress(static_cast<int>(m_receiver.LastProgress())); }

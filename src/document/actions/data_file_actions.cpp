@@ -58,16 +58,20 @@ bool CTrvActAddDataFile::Ask(int question) {
 
 std::optional<std::filesystem::path> CTrvActAddDataFile::Prepare(const std::filesystem::path& chosen) {
     IDocumentHost& host = m_document.GetHost();
-    Outils_Valeurs::CTrvAdaptors adaptors;
-    adaptors.Configure(m_document.GetConfiguration());
-    const SDataFileKind kind = ClassifyDataFile(chosen, adaptors.GetDateTime());
-    switch (kind.kind) {
+    const auto adaptors = std::make_shared<Outils_Valeurs::CTrvAdaptors>();
+    adaptors->Configure(m_document.GetConfiguration());
+    const auto classify = [chosen, adaptors](const Outils::CEvent&) {
+        return ClassifyDataFile(chosen, adaptors->GetDateTime());
+    };
+    const auto kind =
+        m_document.GetFileLooks().Call(classify, GetTimeForChosenFile(m_document.GetConfiguration()));
+    switch (kind ? kind->kind : EDataFileKind::unreadable) {
     case EDataFileKind::packets: return chosen;
     case EDataFileKind::outdatedPackets:
         if (Ask(textUpgradeDataFile) && host.UpdateDataFile(chosen)) return chosen;
         return std::nullopt;
     case EDataFileKind::raw:
-        if (Ask(textConvertDataFile)) return host.ConvertRawFiles({chosen}, kind.format);
+        if (Ask(textConvertDataFile)) return host.ConvertRawFiles({chosen}, kind->format);
         return std::nullopt;
     case EDataFileKind::unknown:
         if (Ask(textUnrecognizedDataFile)) return host.ConvertRawFiles({chosen}, ERawFormat::rawIns);

@@ -1,5 +1,6 @@
 #include "model/dictionary/data_model.h"
 
+#include "model/dictionary/file_description.h"
 #include "model/dictionary/layer_builder.h"
 #include "model/loading.h"
 #include "model/project.h"
@@ -83,12 +84,20 @@ void CTrvDataModel::Serialize(CArchive& archive) {
 
 bool CTrvDataModel::BuildFromFile(CTrvDataFile& dataFile, bool expertMode) {
     RemoveLayers(&dataFile);
-    return BuildLayers(dataFile, expertMode, m_layers);
+    SFileDescription description;
+    const bool whole = ReadFileDescription(dataFile.path, description);
+    return BuildLayers(dataFile, description, expertMode, m_layers) && whole;
 }
 
 bool CTrvDataModel::RefreshFromFile(CTrvDataFile& dataFile, bool expertMode) {
+    SFileDescription description;
+    ReadFileDescription(dataFile.path, description);
+    return Refresh(dataFile, description, expertMode);
+}
+
+bool CTrvDataModel::Refresh(CTrvDataFile& dataFile, const SFileDescription& description, bool expertMode) {
     std::vector<std::unique_ptr<CTrvDataLayer>> fresh;
-    BuildLayers(dataFile, expertMode, fresh);
+    BuildLayers(dataFile, description, expertMode, fresh);
 
     // The layers that the file had, by name and in order: those still unclaimed at the end are gone from it.
     std::multimap<std::string, const CTrvDataLayer*> present;

@@ -16,6 +16,7 @@ using Outils_Objets::CTrvObject;
 using Outils_Objets::TRuntimeClass;
 
 class CTrvDataLayer;
+struct SFileDescription;
 
 class CTrvFieldDef : public TRuntimeClass<CTrvFieldDef, CTrvObject> {
   public:
@@ -89,6 +90,8 @@ class CTrvDataModel : public TRuntimeClass<CTrvDataModel, CTrvObject> {
     // The same without touching layers that the file still has: they keep their identity. True when a layer
     // was added or removed. A file that cannot be read has no layers.
     bool RefreshFromFile(CTrvDataFile& dataFile, bool expertMode);
+    // The same by what was read of the file before.
+    bool Refresh(CTrvDataFile& dataFile, const SFileDescription& description, bool expertMode);
     // `dataFile` is only compared.
     void RemoveLayers(const CTrvDataFile* dataFile);
     // Marks the layer of a channel; false when there is no such layer.

@@ -71,10 +71,8 @@ class CLayerBuilder {
 
 } // namespace
 
-bool BuildLayers(CTrvDataFile& dataFile, bool expertMode,
+bool BuildLayers(CTrvDataFile& dataFile, const SFileDescription& file, bool expertMode,
                  std::vector<std::unique_ptr<CTrvDataLayer>>& layers) {
-    SFileDescription file;
-    const bool whole = ReadFileDescription(dataFile.path, file);
     std::unordered_map<std::uint16_t, std::vector<const SDefinitionDescription*>> definitions;
     for (const SDefinitionDescription& definition : file.definitions)
         definitions[definition.packetType].push_back(&definition);
@@ -97,7 +95,7 @@ bool BuildLayers(CTrvDataFile& dataFile, bool expertMode,
         }
         layers.push_back(std::move(layer));
     }
-    return whole;
+    return true;
 }
 
 } // namespace Metier_Tarvel_DataModel

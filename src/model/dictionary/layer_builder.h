@@ -5,10 +5,11 @@
 
 namespace Metier_Tarvel_DataModel {
 
-// Appends one layer for each channel that has a definition. False when the file's description cannot be read
-// whole, or when its channels and definitions multiply beyond any real file; `layers` then has what was built
-// before.
-bool BuildLayers(CTrvDataFile& dataFile, bool expertMode,
+struct SFileDescription;
+
+// Appends one layer for each channel that has a definition. False when the channels and definitions multiply
+// beyond any real file; `layers` then has what was built before.
+bool BuildLayers(CTrvDataFile& dataFile, const SFileDescription& file, bool expertMode,
                  std::vector<std::unique_ptr<CTrvDataLayer>>& layers);
 
 } // namespace Metier_Tarvel_DataModel

@@ -1,0 +1,135 @@
+// What the document learns of the data files by looks into their heads, each on a thread of its own: their
+// layers, versions and faults, and the facts of the recording.
+#include "config/config_file.h"
+#include "document/document.h"
+#include "document/text_ids.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+#include "model/imu_channel.h"
+
+#include <utility>
+
+namespace Application_Tarvel {
+
+using namespace Persistance_Xpf;
+using Outils_Fichiers::ToText;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
+
+void CTrvDocument::LookAtFiles(bool checkVersions) {
+    m_pProject->dataModel = std::make_unique<Metier_Tarvel_DataModel::CTrvDataModel>();
+    for (CTrvDataFile* file : GetDataFiles()) {
+        SFileState& state = m_fileStates[file];
+        state.checkVersion = checkVersions;
+        state.followFile = true;
+        // A result that is not there was not computed yet.
+        state.tellMissing = !IsResultFile(*file);
+        LookAtFile(*file);
+    }
+    LookAtRecording();
+    m_fileLooks.Wait(GetHost().GetPatience());
+}
+
+void CTrvDocument::LookAtFile(CTrvDataFile& file) {
+    if (m_fileLooks.IsAsked(&file)) {
+        m_fileStates[&file].lookAgain = true;
+        return;
+    }
+    const EFileKind kind = IsResultFile(file) ? EFileKind::tarout : EFileKind::tarin;
+    m_fileLooks.Ask(
+        &file,
+        [path = file.path, kind](const Outils::CEvent& cancel) { return LookInto(path, kind, cancel); },
+        [this, &file](SFileLook look) { OnLooked(file, std::move(look)); });
+}
+
+// The cipher mode comes from the first packet, the frequency from a hundred behind it: a recording that has
+// none is walked to its end.
+void CTrvDocument::LookAtRecording() {
+    struct SFacts {
+        std::int32_t cipherMode = 0;
+        std::int32_t imuFrequency = 0;
+    };
+    const auto& parameters = *m_pProject->simulationParameters;
+    m_fileLooks.Ask(
+        &parameters,
+        [path = parameters.mainInputFile->path](const Outils::CEvent& cancel) {
+            SFacts facts;
+            facts.cipherMode = Metier_Tarvel::ReadImuCipherMode(path, &cancel);
+            Metier_Tarvel::MeasureImuFrequency(path, facts.imuFrequency, &cancel);
+            return facts;
+        },
+        [this](const SFacts& facts) {
+            m_pProject->simulationParameters->imuFrequency = facts.imuFrequency;
+            m_pProject->simulationParameters->nelixConfiguration->imuCipherMode = facts.cipherMode;
+        });
+}
+
+void CTrvDocument::OnLooked(CTrvDataFile& file, SFileLook look) {
+    SFileState& state = m_fileStates[&file];
+    if (std::exchange(state.lookAgain, false)) {
+        LookAtFile(file);
+    } else if (m_bSettingUp) {
+        m_firstLooks[&file] = std::move(look);
+    } else {
+        if (state.checkVersion) CheckDataFileVersions({{&file, look}});
+        FollowLook(file, look);
+    }
+}
+
+void CTrvDocument::FollowFirstLooks() {
+    for (CTrvDataFile* file : GetDataFiles()) {
+        const auto look = m_firstLooks.find(file);
+        if (look == m_firstLooks.end()) continue;
+        // One that came while the user was asked about the others has its own turn.
+        if (m_fileStates[file].checkVersion)
+            LookAtFile(*file);
+        else
+            FollowLook(*file, look->second);
+    }
+    m_firstLooks.clear();
+}
+
+void CTrvDocument::FollowLook(CTrvDataFile& file, const SFileLook& look) {
+    SFileState& state = m_fileStates[&file];
+    const bool follows = std::exchange(state.followFile, false);
+    const bool missing = std::exchange(state.tellMissing, false);
+    const bool replaced = std::exchange(state.tellReplaced, false);
+    if (follows) RefreshDataLayers(file, look.description);
+    if (!IsBeingWritten(file) && (look.fault != textFileVanished || missing)) {
+        if (std::exchange(state.fault, look.fault) != look.fault && look.fault != 0) Tell(look.fault, file);
+        if (replaced && look.fault == 0) Tell(textFileReplaced, file);
+    }
+    if (follows && !m_bSettingUp) UpdateAllViews(nullptr, hintDataFileContentChanged, &file);
+}
+
+void CTrvDocument::OnQueryFailed(const CTrvDataFile& file) {
+    // The monitor tells of a file that goes away; and saved graphs may show a result yet to be computed.
+    CTrvDataFile* own = FindDataFile(&file);
+    if (own && !IsBeingWritten(file) && !m_fileLooks.IsAsked(&file)) LookAtFile(*own);
+}
+
+void CTrvDocument::CheckDataFileVersions(const std::map<CTrvDataFile*, SFileLook>& looks) {
+    std::vector<CTrvDataFile*> upgradable;
+    for (CTrvDataFile* file : GetDataFiles()) {
+        const auto look = looks.find(file);
+        if (look == looks.end() || !std::exchange(m_fileStates[file].checkVersion, false)) continue;
+        const int fault = look->second.fault;
+        if (look->second.outdated)
+            upgradable.push_back(file);
+        else if (fault != 0 && fault != textFileVanished)
+            GetHost().ShowMessage(FormatText(textFailedToLoad, {ToText(file->path)}), EButtons::ok,
+                                  EIcon::exclamation);
+    }
+    if (upgradable.empty()) return;
+    const std::string question(GetText(textUpgradeDataFiles));
+    if (GetHost().ShowMessage(question, EButtons::yesNo, EIcon::question) != EAnswer::yes) return;
+    for (CTrvDataFile* file : upgradable)
+        if (GetHost().UpdateDataFile(file->path)) LookAtFile(*file);
+    if (m_bSettingUp) m_fileLooks.Wait(GetHost().GetPatience());
+}
+
+void CTrvDocument::Tell(int text, const CTrvDataFile& file) {
+    GetHost().AppendOutputText(FormatText(text, {ToText(file.path)}));
+}
+
+} // namespace Application_Tarvel
