@@ -238,11 +238,15 @@ double Now(clockid_t clock = CLOCK_THREAD_CPUTIME_ID) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
 }
 
+// Seconds of one run; short work is repeated until the clock tells.
 template <class F>
 double Time(F work) {
+    constexpr double enough = 0.02;
+    int runs = 0;
     const double start = Now();
-    benchmark::DoNotOptimize(work());
-    return Now() - start;
+    double end = start;
+    for (; end - start < enough; end = Now(), ++runs) benchmark::DoNotOptimize(work());
+    return (end - start) / runs;
 }
 
 double Median(std::vector<double>& values) {

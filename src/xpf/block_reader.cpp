@@ -16,6 +16,9 @@ constexpr std::int64_t kPage = 4096;
 constexpr std::int64_t kSector = 256;
 constexpr std::size_t kSmallestBlock = 2 * kSector;
 constexpr std::size_t kLargestBlock = std::size_t{2} << 20;
+// Walks shorter than the largest block stay with blocks up to this one: memory that has not been used before
+// costs more than a few system calls.
+constexpr std::size_t kUsualBlock = std::size_t{64} << 10;
 // A jump up to this far costs less as a read through than as a read of its own: a system call takes about the
 // time in which this much is copied.
 constexpr std::int64_t kNear = 2 * kPage;
@@ -143,22 +146,29 @@ void CBlockReader::Fill(std::int64_t begin, std::size_t length, std::size_t need
     m_end = begin + static_cast<std::int64_t>(ReadAt(m_handle, begin, m_buffer.get(), length, needed));
 }
 
-// Doubles the block while the walk goes on where the last block ended, and starts small elsewhere.
+// Grows the block with the length of the walk that goes on where the last block ended, and starts small
+// elsewhere.
 void CBlockReader::ChooseBlock(bool goesOn) {
-    m_block = goesOn ? std::clamp<std::size_t>(m_block * 2, kPage, kLargestBlock) : kSmallestBlock;
+    m_walked = goesOn ? m_walked + m_block : 0;
+    if (!goesOn)
+        m_block = kSmallestBlock;
+    else if (m_walked < kLargestBlock)
+        m_block = std::clamp<std::size_t>(m_block * 2, kPage, kUsualBlock);
+    else
+        m_block = kLargestBlock;
     const bool sequential = m_block == kLargestBlock || (m_adviseSequential && m_block != kSmallestBlock);
     if (sequential == m_adviseSequential) return;
     m_adviseSequential = sequential;
     posix_fadvise(m_handle, 0, 0, sequential ? POSIX_FADV_SEQUENTIAL : POSIX_FADV_RANDOM);
 }
 
-// Memory for `length` bytes. Beyond the usual block only if the file reaches as far as `end`: a size that a
+// Memory for `length` bytes. Beyond the largest block only if the file reaches as far as `end`: a size that a
 // damaged packet states costs no memory.
 bool CBlockReader::Reserve(std::size_t length, std::int64_t end) {
     if (length <= m_capacity) return true;
-    const std::size_t usual = kLargestBlock + kPage;
-    if (length > usual && GetFileSize() < end) return false;
-    const std::size_t capacity = std::max(length, usual);
+    const std::size_t usual = kUsualBlock + kPage, largest = kLargestBlock + kPage;
+    if (length > largest && GetFileSize() < end) return false;
+    const std::size_t capacity = length <= usual ? usual : std::max(length, largest);
     m_begin = m_end = 0;
     m_buffer.reset();
     m_buffer.reset(static_cast<std::uint8_t*>(std::aligned_alloc(kPage, capacity)));

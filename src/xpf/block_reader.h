@@ -104,6 +104,7 @@ class CBlockReader {
     std::unique_ptr<std::uint8_t, SFree> m_buffer;
     std::size_t m_capacity = 0;
     std::size_t m_block = 0;         // size of the last block
+    std::size_t m_walked = 0;        // bytes before it that were read one block behind the other
     bool m_adviseSequential = false; // what the system was told
 };
 
