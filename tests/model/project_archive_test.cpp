@@ -1,4 +1,3 @@
-#include "field_writer.h"
 #include "foundation/archive.h"
 #include "model/project.h"
 #include "model/registration.h"
@@ -96,29 +95,6 @@ TEST(ProjectArchive, VersionsThatNobodyKnowsAreRefused) {
     EXPECT_EQ(classes, 40u) << "a class of project files that the sample lacks";
 }
 
-TEST(ProjectArchive, LoadTiesTheTreeTogether) {
-    const auto project = Load(Sample());
-    CTrvSimulationParameters& parameters = *project->simulationParameters;
-    EXPECT_EQ(parameters.nelixConfiguration->owner, &parameters);
-    EXPECT_EQ(parameters.rules.size(), 18u);
-    EXPECT_EQ(parameters.referencePosition.altitudeKind, 7);
-    ASSERT_EQ(parameters.mainInputFile->channels.size(), 9u);
-    for (std::size_t i = 0; i < parameters.sensors.size(); ++i) {
-        const CTrvSensor& sensor = *parameters.sensors[i];
-        EXPECT_EQ(sensor.owner, &parameters);
-        EXPECT_EQ(sensor.channel, parameters.mainInputFile->channels[i].get());
-        EXPECT_EQ(sensor.channel->file, parameters.mainInputFile.get());
-        EXPECT_EQ(parameters.mainInputFile->FindChannelForSensor(sensor), sensor.channel);
-        EXPECT_EQ(ToSpan(sensor.timeOffset).GetTicks(), -1000 - static_cast<std::int64_t>(i));
-    }
-    EXPECT_EQ(project->graphSettings->project, project.get());
-    EXPECT_EQ(project->instantValuesSettings->project, project.get());
-    EXPECT_EQ(project->instantValuesSettings->measures.at(0)->settings, project->instantValuesSettings.get());
-    const auto& graph =
-        static_cast<const Metier_Tarvel_Graphics::CTrv1DGraphMeasure&>(*project->graphSettings->graphs[1]);
-    EXPECT_EQ(graph.curves.at(0)->dataFile, parameters.externalFiles.at(0).get());
-}
-
 TEST(ProjectArchive, HoldersAreSetWhateverTheFileNames) {
     const auto project =
         Load(WriteSampleProject(CurrentVersions(), CurrentVersions(), {.nullHolders = true}));
@@ -136,81 +112,49 @@ TEST(ProjectArchive, ReferencesToOthersMayBeNull) {
     EXPECT_EQ(Store(Load(stored).get()), stored);
 }
 
-// The engine's parameter file has the parameters as its root, and sensors before the files of their channels.
-TEST(ProjectArchive, ParametersAloneRoundTrip) {
-    const auto project = Load(Sample());
-    const Bytes stored = Store(project->simulationParameters.get());
-    CClassRegistry registry;
-    RegisterModelClasses(registry);
-    CMemoryStream stream(stored);
-    CArchive archive(stream, CArchive::load, &registry);
-    const auto parameters = CTrvSimulationParameters::Load(archive);
-    ASSERT_TRUE(parameters);
-    EXPECT_EQ(Store(parameters.get()), stored);
-}
-
-TEST(ProjectArchive, NullIsNoProject) { EXPECT_FALSE(Load({0, 0})); }
-
-TEST(ProjectArchive, EveryTruncationIsAnEndOfFile) {
+TEST(ProjectArchive, EveryTruncationIsAnEndOfFileAndNullIsNoProject) {
+    EXPECT_FALSE(Load({0, 0}));
     for (std::size_t size = 0; size < Sample().size(); ++size) {
-        const int cause =
-            CauseOf(Bytes(Sample().begin(), Sample().begin() + static_cast<std::ptrdiff_t>(size)));
-        ASSERT_EQ(cause, CArchiveException::endOfFile) << size;
+        Bytes bytes = Sample();
+        bytes.resize(size);
+        ASSERT_EQ(CauseOf(std::move(bytes)), CArchiveException::endOfFile) << size;
     }
-}
-
-// Whatever loads can be checked, stored and destroyed.
-TEST(ProjectArchive, DamagedBytesNeverCrash) {
-    for (std::size_t at = 0; at < Sample().size(); ++at)
-        for (const std::uint8_t flip : {0x01, 0xFF}) {
-            Bytes bytes = Sample();
-            bytes[at] ^= flip;
-            try {
-                const auto project = Load(std::move(bytes));
-                if (!project) continue;
-                Metier_Tarvel_Regles::CTrvRuleReport report;
-                project->simulationParameters->Validate(report);
-                for (const CTrvDataFile* file : project->simulationParameters->GetDataFiles())
-                    file->IsReferenced();
-                Store(project.get());
-            } catch (const CArchiveException&) {
-            }
-        }
 }
 
 namespace {
 
-// Replaces the last `old` in the sample: the tags of objects are 16-bit words.
-Bytes WithReference(std::uint16_t from, std::uint16_t to, std::size_t occurrence) {
-    Bytes bytes = Sample();
-    for (std::size_t at = 0; at + 1 < bytes.size(); ++at)
-        if (bytes[at] == (from & 0xFF) && bytes[at + 1] == from >> 8 && occurrence-- == 0) {
-            bytes[at] = to & 0xFF;
-            bytes[at + 1] = static_cast<std::uint8_t>(to >> 8);
-            return bytes;
-        }
-    return bytes;
+// Whatever loads can be checked, stored and destroyed: the sanitizers are the judges. Whether the bytes load.
+bool Exercise(Bytes bytes) {
+    try {
+        const auto project = Load(std::move(bytes));
+        if (!project) return false;
+        Metier_Tarvel_Regles::CTrvRuleReport report;
+        project->simulationParameters->Validate(report);
+        for (const CTrvDataFile* file : project->simulationParameters->GetDataFiles()) file->IsReferenced();
+        Store(project.get());
+        return true;
+    } catch (const CArchiveException&) {
+        return false;
+    }
 }
 
 } // namespace
 
-// Every word that may be a reference is turned to every object in turn: owners of another kind, elements that
-// two lists claim, members that are null.
-TEST(ProjectArchive, MisledReferencesNeverCrash) {
+// Every word that may be a reference is also turned to others: owners of another kind, elements that two
+// lists claim, members that are null.
+TEST(ProjectArchive, DamagedBytesNeverCrash) {
     int loaded = 0;
-    for (std::uint16_t to = 0; to < 60; to += 3)
-        for (std::uint16_t from = 1; from < 100; from += 2)
-            for (std::size_t occurrence = 0; occurrence < 2; ++occurrence) {
-                try {
-                    const auto project = Load(WithReference(from, to, occurrence));
-                    if (!project) continue;
-                    ++loaded;
-                    Metier_Tarvel_Regles::CTrvRuleReport report;
-                    project->simulationParameters->Validate(report);
-                    Store(project.get());
-                } catch (const CArchiveException&) {
-                }
-            }
+    for (std::size_t at = 0; at < Sample().size(); ++at) {
+        const std::uint8_t byte = Sample()[at];
+        std::vector<int> values{byte ^ 0x01, byte ^ 0xFF};
+        if (byte % 2 == 1 && byte < 100 && at + 1 < Sample().size() && Sample()[at + 1] == 0)
+            for (int to = 0; to < 60; to += 7) values.push_back(to);
+        for (const int value : values) {
+            Bytes bytes = Sample();
+            bytes[at] = static_cast<std::uint8_t>(value);
+            loaded += Exercise(std::move(bytes));
+        }
+    }
     EXPECT_GT(loaded, 0);
 }
 
@@ -249,23 +193,9 @@ TEST(ProjectArchive, ChannelOfAFileInNoListStaysUsable) {
     EXPECT_EQ(CauseOf(Store(&project)), CArchiveException::badIndex);
 }
 
-TEST(ProjectArchive, DataFilesMoveWithTheProjectFolder) {
-    CTrvProject project("/tmp/mission/data/a.tarin", "/tmp/mission/a.tarout");
-    const Bytes stored = Store(&project, "/tmp/mission/a.tarprj");
-    const auto moved = Load(stored, "/tmp/elsewhere/deep/a.tarprj");
-    EXPECT_EQ(moved->simulationParameters->mainInputFile->path, "/tmp/elsewhere/deep/data/a.tarin");
-    EXPECT_EQ(moved->simulationParameters->outputFile->path, "/tmp/elsewhere/deep/a.tarout");
-    EXPECT_EQ(Store(moved.get(), "/tmp/elsewhere/deep/a.tarprj"), stored);
-}
-
 TEST(ProjectArchive, PathsOfTheOriginalPlatformFindTheirFileOrStayAsTheyAre) {
     const std::filesystem::path file = "/m/projects/a.tarprj";
-    const struct {
-        int version;
-        std::string text; // Latin-1
-        const char* path; // once loaded
-        const char* saved;
-    } rows[] = {
+    const std::tuple<int, std::string, const char*, const char*> rows[] = {
         {3, "..\\data\\x.tarin", "/m/data/x.tarin", "..\\data\\x.tarin"},
         {3, "../data/x.tarin", "/m/data/x.tarin", "..\\data\\x.tarin"},
         {3, ".\\a\\.\\b\\..\\x.tarin", "/m/projects/a/x.tarin", ".\\a\\x.tarin"},
@@ -285,16 +215,17 @@ TEST(ProjectArchive, PathsOfTheOriginalPlatformFindTheirFileOrStayAsTheyAre) {
     const auto pathOf = [](const std::unique_ptr<CTrvProject>& project) {
         return project->simulationParameters->mainInputFile->path;
     };
-    for (const auto& row : rows)
+    for (const auto& [version, text, path, saved] : rows)
         for (const bool narrow : {false, true}) {
             Versions versions = CurrentVersions();
-            versions["CTrvDataFile"] = row.version;
-            const auto project = Load(
-                WriteSampleProject(versions, versions, {.narrowText = narrow, .mainFile = row.text}), file);
-            EXPECT_EQ(pathOf(project), row.path) << row.text;
+            versions["CTrvDataFile"] = version;
+            const auto project =
+                Load(WriteSampleProject(versions, versions, {.narrowText = narrow, .mainFile = text}), file);
+            EXPECT_EQ(pathOf(project), path) << text;
             const Bytes stored = Store(project.get(), file);
-            EXPECT_EQ(pathOf(Load(stored)), row.saved) << row.text; // as it stands without a folder
+            EXPECT_EQ(pathOf(Load(stored)), saved) << text; // as it stands without a folder
             const Bytes again = Store(Load(stored, file).get(), file);
-            EXPECT_EQ(again, Store(Load(again, file).get(), file)) << row.text;
+            for (const char* folder : {"/m/projects/a.tarprj", "/elsewhere/deep/a.tarprj"})
+                EXPECT_EQ(Store(Load(again, folder).get(), folder), again) << text;
         }
 }

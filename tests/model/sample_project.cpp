@@ -1,339 +1,224 @@
 #include "sample_project.h"
 
-#include "field_writer.h"
+#include <cstring>
+#include <sstream>
 
 namespace {
 
+// Writes archives word by word, without the classes under test: what a file of any version holds, byte by
+// byte.
+//   CName  CName=label         a new object of the class
+//   @label  ^label             a reference to it, the second where it is the holder of the present object
+//   12  1.5  f1.5  q12  h12  b1  xFF   32 bits, double, float, 64 bits, 16 bits, 8 bits, 32 bits in
+//   hexadecimal 'text'                     Latin-1, shorter than 255 characters v  v:CName the version of the
+//   class that begins the line, or of that one [3 words | others]         since version 3 of that class; the
+//   others where the content is older [CName.3 words]            the same of another class; what an older
+//   content has is no different
 class CSampleWriter {
   public:
     CSampleWriter(const Versions& layout, const Versions& content, const SSampleForm& form)
-        : w(form.narrowText), m_layout(layout), m_content(content), m_form(form) {}
+        : m_layout(layout), m_content(content), m_form(form) {}
 
-    std::vector<std::uint8_t> Write() {
-        m_project = w.Object("CTrvProject");
-        w.Version(m_layout.at("CTrvProject"));
-        Parameters();
-        Graphs();
-        if (Has("CTrvProject", 3)) InstantValues();
-        return w.GetBytes();
+    std::vector<std::uint8_t> Write(const std::string& script) {
+        std::istringstream lines(script);
+        for (std::string line; std::getline(lines, line);) {
+            m_class = line.substr(0, line.find_first_of("= "));
+            WriteWords(line);
+        }
+        return m_bytes;
     }
 
   private:
-    // Whether the layout holds what the class has since `since`, and whether the content gives it a value of
-    // its own.
-    bool Has(const std::string& name, int since) const { return m_layout.at(name) >= since; }
-    bool Filled(const std::string& name, int since) const { return m_content.at(name) >= since; }
-
-    // To the object that holds the present one.
-    void Holder(int index) { m_form.nullHolders ? w.Null() : w.Reference(index); }
-
-    void Triple(const char* name, double first, double second, double third) {
-        w.Object(name);
-        w.Put<std::int32_t>(1, 1);
-        w.Put<double>(first, second, third);
-    }
-    void LeverArm(double first = 1.5) { Triple("CLeverArm", first, -2.5, 3.5); }
-    void Misalignment(double first = 10) { Triple("CMisalignment", first, 20, 30); }
-    void Zero(const char* name) { Triple(name, 0, 0, 0); }
-
-    void Period(std::int64_t begin, std::int64_t end) {
-        w.Version(1);
-        w.Ticks(begin);
-        w.Ticks(end);
-    }
-
-    void StdDev(const char* name, std::vector<double> values, bool filled, int version = 1) {
-        w.Object(name);
-        w.Int(version);
-        Period(filled ? 100 : 0, filled ? 200 : 0);
-        w.Put<std::uint8_t>(filled ? 0 : 1);
-        w.Int(filled ? 1 : 0);
-        for (const double value : values) w.Real(filled ? value : 0.0);
-    }
-
-    void Parameters() {
-        const std::string name = "CTrvSimulationParameters";
-        m_parameters = w.Object(name);
-        w.Version(m_layout.at(name));
-        w.Int(1);
-        if (Has(name, 4)) w.Put<std::int32_t>(Filled(name, 4) ? 2 : 0, Filled(name, 4) ? 3 : 1);
-        if (Has(name, 3)) w.Int(Filled(name, 3) ? 1 : 0);
-        w.Put<std::int32_t>(1, 1); // the position in place
-        w.Put<double>(-4.25, 48.5, 12);
-        w.Int(7);
-        w.Real(2.5);
-        w.Put<std::int64_t>(1000, 2000);
-        w.Int(1);
-        w.Object("CTrvOutputRate");
-        w.Int(1);
-        Period(10, 20);
-        w.Real(25);
-        w.Int(1);
-        w.Object("CTrvZupt");
-        w.Int(1);
-        Period(30, 40);
-        w.Int(4);
-        if (Has(name, 2)) {
-            w.Int(Filled(name, 2) ? 1 : 0);
-            if (Filled(name, 2)) {
-                w.Object("CTrvAltitudeMode");
-                w.Int(1);
-                Period(50, 60);
-                w.Int(2);
-            }
+    // The next word from `at` on, which moves behind it; empty at the end.
+    static std::string_view Next(std::string_view text, std::size_t& at) {
+        const std::size_t start = std::min(text.find_first_not_of(' ', at), text.size());
+        at = start;
+        int depth = 0;
+        bool quoted = false;
+        for (; at < text.size() && (depth > 0 || quoted || text[at] != ' '); ++at) {
+            quoted ^= text[at] == '\'';
+            depth += (text[at] == '[') - (text[at] == ']');
         }
-        w.Int(9);
-        Sensors();
-        Configuration();
-        w.Reference(m_mainFile);
-        DataFile("D:\\data\\a.tarout", 0);
-        w.Int(1);
-        m_external = DataFile("D:\\donn\351es\\b.tarin", 0);
-        w.Put<std::uint8_t>(1);
-        w.Ticks(130000000000000000);
+        return text.substr(start, at - start);
     }
-
-    // A data file with `count` channels; the channel around it is its first one.
-    int DataFile(const std::string& path, int count) {
-        const std::string name = "CTrvDataFile";
-        const int file = w.Object(name);
-        w.Version(m_layout.at(name));
-        Holder(m_parameters);
-        w.Text(path);
-        w.Int(count);
-        if (count > 0) w.Reference(m_channels.front());
-        for (int i = 1; i < count; ++i) Channel(i, file);
-        if (Has(name, 2)) w.Ticks(Filled(name, 2) ? -5000 : 0);
-        return file;
+    void WriteWords(std::string_view text) {
+        std::size_t at = 0;
+        for (std::string_view word; !(word = Next(text, at)).empty();) WriteWord(word);
     }
-
-    void Channel(int number, int file) {
-        static const char* const classes[] = {
-            "CTrvSensorGps",      "CTrvSensorDvl",         "CTrvSensorEMLog",
-            "CTrvSensorDepth",    "CTrvSensorUsbl",        "CTrvSensorLbl",
-            "CTrvSensorOdometer", "CTrvSensorEventMarker", "CTrvSensorPlatformOrientation"};
-        m_channels.push_back(w.Object("CTrvDataFileChannel"));
-        w.Version(1);
-        if (number == 0)
-            m_mainFile = DataFile(m_form.mainFile, 9);
-        else
-            Holder(file);
-        w.Put<std::uint16_t>(number + 10);
-        w.Text("CHANNEL_" + std::to_string(number));
-        w.Text(classes[number]);
-    }
-
-    // What every sensor begins with; `groups` are its rejection groups, each with one instruction.
-    int Sensor(const std::string& name, int number, const std::vector<std::string>& groups) {
-        const int sensor = w.Object(name);
-        w.Int(m_layout.contains(name) ? m_layout.at(name) : 1);
-        w.Version(m_layout.at("CTrvSensor"));
-        Holder(m_parameters);
-        if (number == 0)
-            Channel(0, 0);
-        else
-            w.Reference(m_channels[static_cast<std::size_t>(number)]);
-        w.Ticks(-1000 - number);
-        w.Int(static_cast<int>(groups.size()));
-        for (const std::string& group : groups) {
-            const int index = w.Object("CTrvRejectionGroup");
-            w.Version(1);
-            Holder(sensor);
-            w.Text(group);
-            w.Int(1);
-            w.Object("CTrvRejectionInstruction");
-            w.Int(1);
-            Period(70, 80);
-            Holder(index);
-            w.Int(2);
-        }
-        if (Has("CTrvSensor", 2)) w.Put<std::uint8_t>(Filled("CTrvSensor", 2) ? 1 : 0);
-        return sensor;
-    }
-
-    void ScalarSensor(const std::string& name, int number, const char* stdDev) {
-        Sensor(name, number, {"Rejections"});
-        LeverArm();
-        if (Has(name, 2)) StdDev(stdDev, {0.25}, Filled(name, 2));
-    }
-
-    void Dvl() {
-        const std::string name = "CTrvSensorDvl";
-        const int sensor = Sensor(name, 1, {"Bottom speed rejections", "Watermass speed rejections"});
-        LeverArm();
-        Misalignment();
-        w.Real(0.0125);
-        CurrentModeling();
-        if (Has(name, 2)) Triple("CTrvSpeedBias", Filled(name, 2) ? 0.5 : 0, 0, Filled(name, 2) ? -0.5 : 0);
-        if (Has(name, 3)) {
-            for (int i = 0; i < 2; ++i) {
-                const int version = m_layout.at("CTrvDvlStdDevInstruction");
-                StdDev("CTrvDvlStdDevInstruction", {1, 2, 3}, Filled(name, 3), version);
-                if (version >= 2) Holder(sensor);
-            }
+    void WriteWord(std::string_view word) {
+        const std::string rest(word.substr(1));
+        switch (word[0]) {
+        case 'C': WriteObject(std::string(word)); break;
+        case '@': Put<std::uint16_t>(m_objects.at(rest)); break;
+        case '^': Put<std::uint16_t>(m_form.nullHolders ? 0 : m_objects.at(rest)); break;
+        case '[': WriteChoice(word.substr(1, word.size() - 2)); break;
+        case '\'': WriteText(rest.substr(0, rest.size() - 1)); break;
+        case 'v': Put<std::int32_t>(VersionOf(rest.empty() ? m_class : rest.substr(1))); break;
+        case 'f': Put<float>(std::stof(rest)); break;
+        case 'q': Put<std::int64_t>(std::stoll(rest)); break;
+        case 'h': Put<std::uint16_t>(std::stoi(rest)); break;
+        case 'b': Put<std::uint8_t>(std::stoi(rest)); break;
+        case 'x': Put<std::uint32_t>(std::stoul(rest, nullptr, 16)); break;
+        default:
+            word.find('.') == word.npos ? Put<std::int32_t>(std::stoi(std::string(word)))
+                                        : Put<double>(std::stod(std::string(word)));
         }
     }
-
-    void Usbl() {
-        const std::string name = "CTrvSensorUsbl";
-        const int sensor = Sensor(name, 4, {"Rejections"});
-        w.Int(77);
-        LeverArm();
-        w.Text("TP-7");
-        if (Has(name, 2)) StdDev("CTrvUsblStdDevInstruction", {1, 2, 3, 4}, Filled(name, 2));
-        if (!Has(name, 3)) return;
-        w.Int(Filled(name, 3) ? 1 : 0);
-        if (!Filled(name, 3)) return;
-        w.Object("CTrvHorizontalFilteringInstruction");
-        w.Int(1);
-        Period(90, 95);
-        Holder(sensor);
-        w.Put<float>(1.5f);
-    }
-
-    void Sensors() {
-        const std::string gps = "CTrvSensorGps";
-        Sensor(gps, 0, {"Horizontal rejections"});
-        LeverArm(4);
-        if (Has(gps, 2)) StdDev("CTrvGpsStdDevInstruction", {1, 2, 3, 4}, Filled(gps, 2));
-        if (Has(gps, 3)) {
-            w.Object("CTrvGpsStdDevThreshold");
-            w.Version(1);
-            const bool filled = Filled(gps, 3);
-            w.Put<double>(filled ? 0.1 : 0.03, filled ? 0.2 : 0.03, filled ? 0.3 : 0.03);
+    void WriteObject(const std::string& word) {
+        const std::string name = word.substr(0, word.find('='));
+        const auto [known, isNew] = m_classes.emplace(name, m_lastIndex + 1);
+        if (isNew) {
+            ++m_lastIndex;
+            Put<std::uint16_t>(0xFFFF);
+            Put<std::uint16_t>(1);
+            Put<std::uint16_t>(name.size());
+            m_bytes.insert(m_bytes.end(), name.begin(), name.end());
+        } else {
+            Put<std::uint16_t>(0x8000 | known->second);
         }
-        Dvl();
-        ScalarSensor("CTrvSensorEMLog", 2, "CTrvEMLogStdDevInstruction");
-        ScalarSensor("CTrvSensorDepth", 3, "CTrvDepthStdDevInstruction");
-        Usbl();
-        ScalarSensor("CTrvSensorLbl", 5, "CTrvLblStdDevInstruction");
-        Sensor("CTrvSensorOdometer", 6, {"Rejections"});
-        LeverArm();
-        Misalignment();
-        w.Real(0.02);
-        StdDev("CTrvOdometerStdDevInstruction", {5, 6, 7}, true);
-        Sensor("CTrvSensorEventMarker", 7, {});
-        w.Text("3");
-        Sensor("CTrvSensorPlatformOrientation", 8, {});
-        LeverArm(5);
-        Misalignment(6);
-        LeverArm(7);
-        Misalignment(8);
+        m_objects[word.substr(std::min(name.size() + 1, word.size()))] = ++m_lastIndex;
+    }
+    void WriteChoice(std::string_view text) {
+        std::size_t at = 0;
+        const std::string since(Next(text, at));
+        const std::size_t point = since.find('.');
+        const std::string name = point == since.npos ? m_class : since.substr(0, point);
+        const int version = std::stoi(since.substr(point + 1));
+        if (VersionOf(name) < version) return;
+        const std::size_t start = at;
+        std::string_view word = Next(text, at);
+        while (!word.empty() && word != "|") word = Next(text, at);
+        const bool isOlder = word == "|" && m_content.at(name) < version;
+        WriteWords(isOlder ? text.substr(at) : text.substr(start, at - start - word.size()));
+    }
+    void WriteText(std::string_view text) {
+        if (!m_form.narrowText)
+            for (const int byte : {0xFF, 0xFE, 0xFF}) Put<std::uint8_t>(byte);
+        Put<std::uint8_t>(text.size());
+        for (const unsigned char c : text) m_form.narrowText ? Put<std::uint8_t>(c) : Put<std::uint16_t>(c);
+    }
+    int VersionOf(const std::string& name) const { return m_layout.contains(name) ? m_layout.at(name) : 1; }
+
+    template <class T, class Value>
+    void Put(Value value) {
+        const T typed = static_cast<T>(value);
+        m_bytes.resize(m_bytes.size() + sizeof typed);
+        std::memcpy(&m_bytes[m_bytes.size() - sizeof typed], &typed, sizeof typed);
     }
 
-    void CurrentModeling() {
-        w.Object("CTrvCurrentModeling");
-        w.Version(1);
-        w.Put<double>(1800, 0.25);
-    }
-
-    void Configuration() {
-        const std::string name = "CTrvNelixConfiguration";
-        w.Object(name);
-        w.Version(m_layout.at(name));
-        Misalignment(1);
-        if (Has(name, 2)) w.Int(Filled(name, 2) ? 23 : 0);
-        Misalignment(2);
-        if (Has(name, 4)) Filled(name, 4) ? Misalignment(3) : Zero("CMisalignment");
-        for (int i = 0; i < 4; ++i) LeverArm(i);
-        CurrentModeling();
-        w.Object("CTrvNelixType");
-        w.Version(1);
-        w.Put<std::int32_t>(14, 6, 2, 1, 3, 1);
-        if (Has(name, 3)) Filled(name, 3) ? LeverArm(9) : Zero("CLeverArm");
-    }
-
-    void GraphBase(int graphVersionOfClass, int settings, const char* title) {
-        w.Int(graphVersionOfClass);
-        w.Version(m_layout.at("CTrv1DGraph"));
-        if (Has("CTrv1DGraph", 2)) Holder(settings);
-        w.Text(title);
-    }
-
-    void Graphs() {
-        const int settings = w.Object("CTrv1DSettings");
-        w.Version(m_layout.at("CTrv1DSettings"));
-        if (Has("CTrv1DSettings", 2)) Holder(m_project);
-        w.Int(2);
-        w.Object("CTrv1DGraphEnum");
-        GraphBase(m_layout.at("CTrv1DGraphEnum"), settings, "States");
-        FieldOf(m_mainFile);
-        if (Has("CTrv1DGraphEnum", 2)) w.Text(Filled("CTrv1DGraphEnum", 2) ? "Mode" : "Unknown");
-
-        const std::string name = "CTrv1DCurve";
-        const int graph = w.Object("CTrv1DGraphMeasure");
-        GraphBase(1, settings, "Depths");
-        w.Int(1);
-        w.Object(name);
-        w.Version(m_layout.at(name));
-        Holder(graph);
-        FieldOf(m_external);
-        if (Has(name, 2)) w.Text(Filled(name, 2) ? "Depth" : "unknown");
-        if (Has(name, 3)) w.Put<std::uint32_t>(Filled(name, 3) ? 0x80123456 : 0xFF000000);
-        if (Has(name, 4)) w.Real(Filled(name, 4) ? -1 : 1);
-    }
-
-    void FieldOf(int file) {
-        w.Reference(file);
-        w.Put<std::uint16_t>(11);
-        w.Int(5);
-    }
-
-    void InstantValues() {
-        const int settings = w.Object("CTrvInstantValuesSettings");
-        w.Version(1);
-        Holder(m_project);
-        const bool filled = Filled("CTrvProject", 3);
-        for (const std::string name : {"CTrvInstantValuesMeasure", "CTrvInstantValuesEnum"}) {
-            w.Int(filled ? 1 : 0);
-            if (!filled) continue;
-            const bool hasSecond = name == "CTrvInstantValuesMeasure";
-            w.Object(name);
-            w.Version(hasSecond ? m_layout.at(name) : 1);
-            Holder(settings);
-            w.Text("Row");
-            FieldOf(m_mainFile);
-            if (hasSecond && Has(name, 2)) w.Int(Filled(name, 2) ? 6 : 0);
-        }
-    }
-
-    CFieldWriter w;
     const Versions& m_layout;
     const Versions& m_content;
     const SSampleForm& m_form;
-    int m_project = 0;
-    int m_parameters = 0;
-    int m_mainFile = 0;
-    int m_external = 0;
-    std::vector<int> m_channels;
+    std::vector<std::uint8_t> m_bytes;
+    std::map<std::string, int> m_classes;
+    std::map<std::string, int> m_objects;
+    std::string m_class; // of the present line
+    int m_lastIndex = 0;
 };
+
+std::string Arm(double first = 1.5) { return " CLeverArm 1 1 " + std::to_string(first) + " -2.5 3.5"; }
+std::string Angles(double first = 10) { return " CMisalignment 1 1 " + std::to_string(first) + " 20.0 30.0"; }
+const std::string kCurrent = " CTrvCurrentModeling 1 1 1 1800.0 0.25";
+
+// In a layout since `since`: the user's deviations, or none. `end` stands behind its values.
+std::string StdDev(int since, const std::string& name, const std::string& values, const std::string& zeros,
+                   const std::string& end = "") {
+    return " [" + std::to_string(since) + " " + name + " v:" + name + " 1 1 1 q100 q200 b0 1 " + values +
+           end + " | " + name + " v:" + name + " 1 1 1 q0 q0 b1 0 " + zeros + end + "]";
+}
+
+std::string Sensor(const std::string& name, int number, const std::string& channel,
+                   std::initializer_list<std::string> groups) {
+    const std::string label = "s" + std::to_string(number);
+    std::string text = "\n" + name + "=" + label + " v v:CTrvSensor 1 1 ^parameters " + channel + " q" +
+                       std::to_string(-1000 - number) + " " + std::to_string(groups.size());
+    for (const std::string& group : groups)
+        text += " CTrvRejectionGroup=group 1 1 1 ^" + label + " '" + group +
+                "' 1 CTrvRejectionInstruction 1 1 1 1 q70 q80 ^group 2";
+    return text + " [CTrvSensor.2 b1 | b0]";
+}
+std::string ScalarSensor(const std::string& kind, int number) {
+    return Sensor("CTrvSensor" + kind, number, "@c" + std::to_string(number), {"Rejections"}) + Arm() +
+           StdDev(2, "CTrv" + kind + "StdDevInstruction", "0.25", "0.0");
+}
+std::string DataFile(const std::string& label, const std::string& path, const std::string& channels = "0") {
+    return " CTrvDataFile=" + label + " v:CTrvDataFile 1 1 ^parameters '" + path + "' " + channels +
+           " [CTrvDataFile.2 q-5000 | q0]";
+}
+
+std::string Script(const std::string& mainFile) {
+    std::string channels = "9 @c0";
+    const char* const kinds[] = {"Dvl", "EMLog",    "Depth",       "Usbl",
+                                 "Lbl", "Odometer", "EventMarker", "PlatformOrientation"};
+    for (int i = 1; i < 9; ++i) {
+        const std::string number = std::to_string(i);
+        channels += " CTrvDataFileChannel=c" + number + " 1 1 1 ^main h1" + number + " 'CHANNEL_" + number +
+                    "' 'CTrvSensor" + kinds[i - 1] + "'";
+    }
+    const std::string firstChannel = "CTrvDataFileChannel=c0 1 1 1" + DataFile("main", mainFile, channels) +
+                                     " h10 'CHANNEL_0' 'CTrvSensorGps'";
+    const std::string four = "1.0 2.0 3.0 4.0", noFour = "0.0 0.0 0.0 0.0", noThree = "0.0 0.0 0.0";
+    const std::string dvlStdDev =
+        StdDev(3, "CTrvDvlStdDevInstruction", "1.0 2.0 3.0", noThree, " [CTrvDvlStdDevInstruction.2 ^s1]");
+    return "CTrvProject=project v 1 1"
+           "\nCTrvSimulationParameters=parameters v 1 1 1 [4 2 3 | 0 1] [3 1 | 0] 1 1 -4.25 48.5 12.0 7 2.5"
+           " q1000 q2000 1 CTrvOutputRate 1 1 1 1 q10 q20 25.0 1 CTrvZupt 1 1 1 1 q30 q40 4"
+           " [2 1 CTrvAltitudeMode 1 1 1 1 q50 q60 2 | 0] 9" +
+           Sensor("CTrvSensorGps", 0, firstChannel, {"Horizontal rejections"}) + Arm(4) +
+           StdDev(2, "CTrvGpsStdDevInstruction", four, noFour) +
+           " [3 CTrvGpsStdDevThreshold 1 1 1 0.1 0.2 0.3 | CTrvGpsStdDevThreshold 1 1 1 0.03 0.03 0.03]" +
+           Sensor("CTrvSensorDvl", 1, "@c1", {"Bottom speed rejections", "Watermass speed rejections"}) +
+           Arm() + Angles() + " 0.0125" + kCurrent +
+           " [2 CTrvSpeedBias 1 1 0.5 0.0 -0.5 | CTrvSpeedBias 1 1 0.0 0.0 0.0]" + dvlStdDev + dvlStdDev +
+           ScalarSensor("EMLog", 2) + ScalarSensor("Depth", 3) +
+           Sensor("CTrvSensorUsbl", 4, "@c4", {"Rejections"}) + " 77" + Arm() + " 'TP-7'" +
+           StdDev(2, "CTrvUsblStdDevInstruction", four, noFour) +
+           " [3 1 CTrvHorizontalFilteringInstruction 1 1 1 1 q90 q95 ^s4 f1.5 | 0]" + ScalarSensor("Lbl", 5) +
+           Sensor("CTrvSensorOdometer", 6, "@c6", {"Rejections"}) + Arm() + Angles() + " 0.02" +
+           " CTrvOdometerStdDevInstruction 1 1 1 1 q100 q200 b0 1 5.0 6.0 7.0" +
+           Sensor("CTrvSensorEventMarker", 7, "@c7", {}) + " '3'" +
+           Sensor("CTrvSensorPlatformOrientation", 8, "@c8", {}) + Arm(5) + Angles(6) + Arm(7) + Angles(8) +
+           "\nCTrvNelixConfiguration v 1 1" + Angles(1) + " [2 23 | 0]" + Angles(2) + " [4" + Angles(3) +
+           " | CMisalignment 1 1 0.0 0.0 0.0]" + Arm(0) + Arm(1) + Arm(2) + Arm(3) + kCurrent +
+           " CTrvNelixType 1 1 1 14 6 2 1 3 1 [3" + Arm(9) + " | CLeverArm 1 1 0.0 0.0 0.0] @main" +
+           DataFile("result", "D:\\data\\a.tarout") + " 1" + DataFile("external", "D:\\donn\351es\\b.tarin") +
+           " b1 q130000000000000000"
+           "\nCTrv1DSettings=graphs v 1 1 [2 ^project] 2"
+           "\nCTrv1DGraphEnum v v:CTrv1DGraph 1 1 [CTrv1DGraph.2 ^graphs] 'States' @main h11 5"
+           " [2 'Mode' | 'Unknown']"
+           "\nCTrv1DGraphMeasure=graph v v:CTrv1DGraph 1 1 [CTrv1DGraph.2 ^graphs] 'Depths' 1"
+           "\nCTrv1DCurve v 1 1 ^graph @external h11 5 [2 'Depth' | 'unknown'] [3 x80123456 | xFF000000]"
+           " [4 -1.0 | 1.0]"
+           "\n[CTrvProject.3 CTrvInstantValuesSettings=values 1 1 1 ^project [CTrvProject.3"
+           " 1 CTrvInstantValuesMeasure v:CTrvInstantValuesMeasure 1 1 ^values 'Row' @main h11 5"
+           " [CTrvInstantValuesMeasure.2 6 | 0]"
+           " 1 CTrvInstantValuesEnum 1 1 1 ^values 'Row' @main h11 5 | 0 0]]";
+}
 
 } // namespace
 
 const Versions& CurrentVersions() {
-    static const Versions versions{
-        {"CTrvProject", 3},
-        {"CTrvSimulationParameters", 4},
-        {"CTrvDataFile", 3},
-        {"CTrvSensor", 2},
-        {"CTrvSensorGps", 3},
-        {"CTrvSensorDvl", 3},
-        {"CTrvSensorUsbl", 3},
-        {"CTrvSensorEMLog", 2},
-        {"CTrvSensorDepth", 2},
-        {"CTrvSensorLbl", 2},
-        {"CTrvDvlStdDevInstruction", 2},
-        {"CTrvNelixConfiguration", 4},
-        {"CTrv1DSettings", 2},
-        {"CTrv1DGraph", 2},
-        {"CTrv1DGraphEnum", 2},
-        {"CTrv1DCurve", 4},
-        {"CTrvInstantValuesMeasure", 2},
-    };
+    static const Versions versions{{"CTrvProject", 3},
+                                   {"CTrvSimulationParameters", 4},
+                                   {"CTrvDataFile", 3},
+                                   {"CTrvSensor", 2},
+                                   {"CTrvSensorGps", 3},
+                                   {"CTrvSensorDvl", 3},
+                                   {"CTrvSensorUsbl", 3},
+                                   {"CTrvSensorEMLog", 2},
+                                   {"CTrvSensorDepth", 2},
+                                   {"CTrvSensorLbl", 2},
+                                   {"CTrvDvlStdDevInstruction", 2},
+                                   {"CTrvNelixConfiguration", 4},
+                                   {"CTrv1DSettings", 2},
+                                   {"CTrv1DGraph", 2},
+                                   {"CTrv1DGraphEnum", 2},
+                                   {"CTrv1DCurve", 4},
+                                   {"CTrvInstantValuesMeasure", 2}};
     return versions;
 }
 
 std::vector<std::uint8_t> WriteSampleProject(const Versions& layout, const Versions& content,
                                              const SSampleForm& form) {
-    return CSampleWriter(layout, content, form).Write();
+    return CSampleWriter(layout, content, form).Write(Script(form.mainFile));
 }
