@@ -44,18 +44,19 @@ std::string Repeated(std::string_view piece, int count) {
 
 } // namespace
 
-TEST(Schema, RowsAreUniqueAndTheirDefaultsParse) {
-    std::set<std::string> paths;
+TEST(Schema, DefaultsReadAsTheirTextsSay) {
     CTrvCnfConfigFile settings;
+    std::set<std::string> paths;
     for (std::size_t i = 0; i < std::size(kSchema); ++i) {
         const SSchemaRow& row = kSchema[i];
         SCOPED_TRACE(std::string(row.section) + "/" + std::string(row.key));
         EXPECT_TRUE(paths.insert(std::string(row.section) + "/" + std::string(row.key)).second);
         // A default that parses reads the same through a present text that does not.
         CXmlConfigValue& value = settings.GetValue(SKey{i});
+        const std::string text(row.defaultText);
         if (!WordsOf(row.kind).empty()) {
             auto& words = static_cast<CXmlConfigEnumeration&>(value);
-            EXPECT_EQ(WordsOf(row.kind)[static_cast<std::size_t>(words.Get())], row.defaultText);
+            EXPECT_EQ(WordsOf(row.kind)[static_cast<std::size_t>(words.Get())], text);
             for (int number = 0; number < static_cast<int>(WordsOf(row.kind).size()); ++number) {
                 words.Set(number);
                 EXPECT_EQ(words.Get(), number);
@@ -63,15 +64,11 @@ TEST(Schema, RowsAreUniqueAndTheirDefaultsParse) {
         }
         value.SetString("?!");
         switch (row.kind) {
-        case EKind::integer: EXPECT_EQ(std::to_string(value.GetInt()), row.defaultText); break;
-        case EKind::real: EXPECT_EQ(value.GetDouble(), std::stod(std::string(row.defaultText))); break;
-        case EKind::boolean:
-            EXPECT_EQ(value.GetBool(), row.defaultText == "true" || row.defaultText == "yes");
-            break;
-        case EKind::color:
-            EXPECT_EQ(value.GetColor(), std::stoul(std::string(row.defaultText), nullptr, 16));
-            break;
-        case EKind::character: EXPECT_FALSE(row.defaultText.empty()); break;
+        case EKind::integer: EXPECT_EQ(std::to_string(value.GetInt()), text); break;
+        case EKind::real: EXPECT_EQ(value.GetDouble(), std::stod(text)); break;
+        case EKind::boolean: EXPECT_EQ(value.GetBool(), text == "true" || text == "yes"); break;
+        case EKind::color: EXPECT_EQ(value.GetColor(), std::stoul(text, nullptr, 16)); break;
+        case EKind::character: EXPECT_FALSE(text.empty()); break;
         default: break;
         }
     }
@@ -86,7 +83,7 @@ TEST_F(Settings, FileOfDefaultsHoldsEveryKeyInItsForm) {
 
     pugi::xml_document document;
     ASSERT_TRUE(document.load_file(m_path.c_str()));
-    std::size_t keys = 0;
+    EXPECT_EQ(std::size(kSchema), 176u);
     for (const SSchemaRow& row : kSchema) {
         const pugi::xml_node section =
             document.document_element().first_element_by_path(std::string(row.section).c_str());
@@ -97,9 +94,7 @@ TEST_F(Settings, FileOfDefaultsHoldsEveryKeyInItsForm) {
                   row.defaultText)
             << row.section << "/" << key;
         EXPECT_EQ(attribute, !section.attribute(key.c_str()).empty());
-        ++keys;
     }
-    EXPECT_EQ(keys, 176u);
     std::string sections;
     for (const pugi::xml_node section : document.document_element().children())
         sections += std::string(section.name()) + " ";
@@ -109,43 +104,29 @@ TEST_F(Settings, FileOfDefaultsHoldsEveryKeyInItsForm) {
 }
 
 TEST_F(Settings, TypedKeysKeepTheirValuesThroughAFile) {
-    settings.Set(Cnf<"general/startMode">, EStartMode::openLast);
-    settings.Set(Cnf<"general/expertMode">, true);
-    settings.Set(Cnf<"simpleExporter/general/targetFolder">,
-                 "d\xC3\xA9p\xC3\xB4t/\xCE\xB1<&>\"/\xF0\x9F\x9B\xB0");
-    settings.Set(Cnf<"simpleImporter/postproNelix/skip">, -7);
-    settings.Set(Cnf<"view1D/echo/size">, 2.5);
-    settings.Set(Cnf<"view1D/cursor/color">, SColor{0x80FFAB01});
-    settings.Set(Cnf<"adaptors/dateTime/dateSeparator">, u' ');
-    settings.Set(Cnf<"adaptors/decimalSeparator">, u'\u00B7');
-    settings.Set(Cnf<"adaptors/distance/unit">, "nm");
-    const std::string text = Saved();
-    EXPECT_NE(text.find("<size>2.500000</size>"), std::string::npos);
-    EXPECT_NE(text.find("<color>80ffab01</color>"), std::string::npos);
-
     CTrvCnfConfigFile other;
-    ASSERT_TRUE(other.Load(m_path));
-    EXPECT_EQ(other.Get(Cnf<"general/startMode">), EStartMode::openLast);
-    EXPECT_TRUE(other.Get(Cnf<"general/expertMode">));
-    EXPECT_EQ(other.Get(Cnf<"simpleExporter/general/targetFolder">),
-              "d\xC3\xA9p\xC3\xB4t/\xCE\xB1<&>\"/\xF0\x9F\x9B\xB0");
-    EXPECT_EQ(other.Get(Cnf<"simpleImporter/postproNelix/skip">), -7);
-    EXPECT_EQ(other.Get(Cnf<"view1D/echo/size">), 2.5);
-    EXPECT_EQ(other.Get(Cnf<"view1D/cursor/color">), SColor{0x80FFAB01});
-    EXPECT_EQ(other.Get(Cnf<"adaptors/dateTime/dateSeparator">), u' ');
-    EXPECT_EQ(other.Get(Cnf<"adaptors/decimalSeparator">), u'\u00B7');
-    EXPECT_EQ(other.Get(Cnf<"adaptors/distance/unit">), "nm");
+    const auto expectKept = [&](auto key, auto value) {
+        settings.Set(key, value);
+        const std::string text = Saved();
+        EXPECT_TRUE(other.Load(m_path));
+        EXPECT_TRUE(other.Get(key) == value);
+        return text;
+    };
+    expectKept(Cnf<"general/startMode">, EStartMode::openLast);
+    expectKept(Cnf<"general/expertMode">, true);
+    expectKept(Cnf<"simpleExporter/general/targetFolder">,
+               "d\xC3\xA9p\xC3\xB4t/\xCE\xB1<&>\"/\xF0\x9F\x9B\xB0");
+    expectKept(Cnf<"simpleImporter/postproNelix/skip">, -7);
+    EXPECT_NE(expectKept(Cnf<"view1D/echo/size">, 2.5).find("<size>2.500000</size>"), std::string::npos);
+    EXPECT_NE(expectKept(Cnf<"view1D/cursor/color">, SColor{0x80FFAB01}).find("<color>80ffab01</color>"),
+              std::string::npos);
+    expectKept(Cnf<"adaptors/dateTime/dateSeparator">, u' ');
+    expectKept(Cnf<"adaptors/decimalSeparator">, u'\u00B7');
+    expectKept(Cnf<"adaptors/distance/unit">, "nm");
 }
 
 TEST_F(Settings, TextsAreReadByTheRulesOfTheirTypes) {
-    const struct {
-        std::string_view text;
-        bool boolean;
-        double real;
-        std::int32_t integer;
-        std::uint32_t color;
-        char16_t character;
-    } rows[] = {
+    const std::tuple<std::string_view, bool, double, std::int32_t, std::uint32_t, char16_t> rows[] = {
         {"OUI", true, 0.5, 3, 0xFF000000, u'O'},
         {"maybe", false, 0.5, 3, 0xFF000000, u'm'},
         {" 1.5 \t", false, 1.5, 3, 0xFF000000, u' '},
@@ -158,21 +139,21 @@ TEST_F(Settings, TextsAreReadByTheRulesOfTheirTypes) {
         {"FfFf0000", false, 0.5, 3, 0xFFFF0000, u'F'},
         {"", false, 0.5, 3, 0xFF000000, u'd'},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.text);
+    for (const auto& [text, boolean, real, integer, color, character] : rows) {
+        SCOPED_TRACE(text);
         pugi::xml_document document;
         const auto value = [&](std::string defaultText) {
             auto made = std::make_unique<CXmlConfigValue>("key", std::move(defaultText), EForm::element);
             made->Bind(document.append_child("section"));
-            made->SetString(std::string(row.text));
+            made->SetString(std::string(text));
             return made;
         };
-        EXPECT_EQ(value("false")->GetBool(), row.boolean);
-        EXPECT_EQ(value("0.5")->GetDouble(), row.real);
-        EXPECT_EQ(value("3")->GetInt(), row.integer);
-        EXPECT_EQ(value("no colour")->GetColor(), row.color);
-        EXPECT_EQ(value("d")->GetChar(), row.character);
-        EXPECT_EQ(value("")->GetChar(), row.text.size() == 1 ? row.character : u'?');
+        EXPECT_EQ(value("false")->GetBool(), boolean);
+        EXPECT_EQ(value("0.5")->GetDouble(), real);
+        EXPECT_EQ(value("3")->GetInt(), integer);
+        EXPECT_EQ(value("no colour")->GetColor(), color);
+        EXPECT_EQ(value("d")->GetChar(), character);
+        EXPECT_EQ(value("")->GetChar(), text.size() == 1 ? character : u'?');
     }
 }
 

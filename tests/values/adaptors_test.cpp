@@ -53,11 +53,7 @@ TEST(Units, RowsAreSoundAndTheRosterIsSetUpFromTheFile) {
     CTrvCnfConfigFile configuration;
     CTrvAdaptors adaptors;
     adaptors.Configure(configuration);
-    const struct {
-        EQuantity quantity;
-        double value;
-        std::string_view text;
-    } rows[] = {
+    const std::tuple<EQuantity, double, std::string_view> rows[] = {
         {EQuantity::rate, 0.1, "0.100 s"},
         {EQuantity::altitude, -12.0625, "-12.062 m"},
         {EQuantity::misalignment, 90.0, "90.000 °"},
@@ -76,7 +72,7 @@ TEST(Units, RowsAreSoundAndTheRosterIsSetUpFromTheFile) {
         {EQuantity::rawAccMeasurement, 10000.0, "1.000 mm/s"},
     };
     ASSERT_EQ(std::size(rows), static_cast<std::size_t>(EQuantity::count));
-    for (const auto& row : rows) EXPECT_EQ(Shown(adaptors.Get(row.quantity), row.value), row.text);
+    for (const auto& [quantity, value, text] : rows) EXPECT_EQ(Shown(adaptors.Get(quantity), value), text);
     EXPECT_EQ(Shown(adaptors.GetLeverArm().GetAxis(2), 1.0), "1.000 m");
     EXPECT_EQ(Shown(adaptors.GetGeographicPosition().latitude, -48.5), "48°30.000'S");
     EXPECT_EQ(Shown(adaptors.GetGeographicPosition().longitude, 4.25), "004°15.000'E");
@@ -104,11 +100,7 @@ TEST(Units, RowsAreSoundAndTheRosterIsSetUpFromTheFile) {
 TEST(PhysicalValueAdaptor, ReadsNumbersWithTheUnitsOfItsTable) {
     const CTrvAdaptors adaptors;
     constexpr double degree = 180 / std::numbers::pi;
-    const struct {
-        EQuantity quantity;
-        const char* text;
-        double value;
-    } typed[] = {
+    const std::tuple<EQuantity, const char*, double> typed[] = {
         {EQuantity::distance, "12 ft", 3.6576},
         {EQuantity::distance, "1 in", 0.0254},
         {EQuantity::distance, "1 yd", 0.9144},
@@ -131,10 +123,10 @@ TEST(PhysicalValueAdaptor, ReadsNumbersWithTheUnitsOfItsTable) {
         {EQuantity::rawAccMeasurement, "1 m/s", 1e7},
         {EQuantity::rawAccMeasurement, "1 µm/s", 10},
     };
-    for (const auto& row : typed) {
-        const double read = Read(adaptors.Get(row.quantity), row.text);
-        EXPECT_TRUE(std::isnan(read) == std::isnan(row.value) && !(std::fabs(read / row.value - 1) > 1e-15))
-            << row.text << " " << read;
+    for (const auto& [quantity, text, value] : typed) {
+        const double read = Read(adaptors.Get(quantity), text);
+        EXPECT_TRUE(std::isnan(read) == std::isnan(value) && !(std::fabs(read / value - 1) > 1e-15))
+            << text << " " << read;
     }
     CPhysicalValueAdaptor metres = adaptors.Get(EQuantity::distance);
     EXPECT_EQ(Read(metres, "\t12ft "), Read(metres, "12 ft"));
@@ -180,11 +172,7 @@ TEST(NumericValueAdaptor, GivesWhatFollowsTheNumber) {
 TEST(LatitudeLongitudeAdaptor, ShowsEveryNotationAndCarriesAtSixty) {
     const double minute = 1.0 / 60.0;
     const double second = minute / 60.0;
-    const struct {
-        EAngleNotation notation;
-        double value;
-        std::string_view text;
-    } rows[] = {
+    const std::tuple<EAngleNotation, double, std::string_view> rows[] = {
         {EAngleNotation::degrees, -48.5, "48.500°S"},
         {EAngleNotation::degreesMinutes, -0.5, "00°30.000'S"},
         {EAngleNotation::degreesMinutes, 59.9999 * minute, "01°00.000'N"},
@@ -196,9 +184,9 @@ TEST(LatitudeLongitudeAdaptor, ShowsEveryNotationAndCarriesAtSixty) {
     };
     CLatitudeLongitudeAdaptor adaptor(true);
     adaptor.hideSeparators = false;
-    for (const auto& row : rows) {
-        adaptor.notation = row.notation;
-        EXPECT_EQ(Shown(adaptor, row.value), row.text);
+    for (const auto& [notation, value, text] : rows) {
+        adaptor.notation = notation;
+        EXPECT_EQ(Shown(adaptor, value), text);
     }
     CLatitudeLongitudeAdaptor longitude(false);
     EXPECT_EQ(Shown(longitude, -4.5), "004°30.000 W") << "separators hidden";
@@ -223,11 +211,7 @@ TEST(LatitudeLongitudeAdaptor, ReadsTheUsualFormsAndRefusesTheRest) {
 
 TEST(DateTimeAdaptor, ShowsAndReadsEveryNotation) {
     const CDateTime date = Date(2024, 2, 29, 23, 59, 59, 9996000); // a Thursday
-    const struct {
-        EDateNotation notation;
-        std::string_view text;
-        std::vector<const char*> bad;
-    } rows[] = {
+    const std::tuple<EDateNotation, std::string_view, std::vector<const char*>> rows[] = {
         {EDateNotation::dayMonthYear,
          "01/03/2024 00:00:00.000",
          {"01/03", "31/02/2024 00:00:00", "01/03/2024 24:00:00", "01/03/2024 00:00:60",
@@ -240,13 +224,13 @@ TEST(DateTimeAdaptor, ShowsAndReadsEveryNotation) {
         {EDateNotation::secondsOfWeek, "432000.000", {"604800.001"}},
     };
     CDateTimeAdaptor adaptor;
-    for (const auto& row : rows) {
-        adaptor.notation = row.notation;
-        EXPECT_EQ(Shown(adaptor, date), row.text);
+    for (const auto& [notation, text, badOnes] : rows) {
+        adaptor.notation = notation;
+        EXPECT_EQ(Shown(adaptor, date), text);
         EXPECT_EQ(Shown(adaptor, CDateTime::Invalid()), "invalid date");
         EXPECT_EQ(Shown(adaptor, CDateTime(UINT64_MAX)), "invalid date");
         CDateTime read = date;
-        for (const char* bad : row.bad) EXPECT_FALSE(adaptor.TextToValue(bad, read)) << bad;
+        for (const char* bad : badOnes) EXPECT_FALSE(adaptor.TextToValue(bad, read)) << bad;
         for (const char* bad : {"", "x", "."}) EXPECT_FALSE(adaptor.TextToValue(bad, read)) << bad;
         EXPECT_EQ(read, date);
     }
@@ -289,23 +273,35 @@ TEST(DateTimeSpanAdaptor, ShowsAndReadsClockAndTotal) {
 }
 
 TEST(Adaptors, TakeAnyNumberAndAnySetting) {
+    CNumericValueAdaptor number;
+    number.width = INT32_MAX;
+    CPhysicalValueAdaptor length = CTrvAdaptors().Get(EQuantity::distance);
+    length.SetCurrentUnit("cm");
+    CLatitudeLongitudeAdaptor angle;
     for (const double value : {1e308, -1e308, 5e-324, HUGE_VAL, -HUGE_VAL, std::nan(""), -0.0, 1e15 + 0.5})
-        for (const std::int32_t precision : {INT32_MIN, -1, 0, 15, INT32_MAX}) {
-            CNumericValueAdaptor number;
-            number.precision = precision;
-            number.width = INT32_MAX;
-            EXPECT_LE(Shown(number, value).size(), 450u);
-            CPhysicalValueAdaptor length = CTrvAdaptors().Get(EQuantity::distance);
-            length.precision = precision;
-            length.SetCurrentUnit("cm");
-            EXPECT_LE(Shown(length, value).size(), 450u);
+        for (const std::int32_t precision : {INT32_MIN, -1, 0, 15, INT32_MAX})
             for (int notation = -1; notation < 5; ++notation) {
-                CLatitudeLongitudeAdaptor angle;
-                angle.precision = precision;
+                number.precision = length.precision = angle.precision = precision;
                 angle.notation = static_cast<EAngleNotation>(notation);
-                EXPECT_LE(Shown(angle, value).size(), 450u);
+                for (const std::string& text :
+                     {Shown(number, value), Shown(length, value), Shown(angle, value)})
+                    EXPECT_LE(text.size(), 450u);
             }
-        }
+}
+
+// What an adaptor has become behind an archive.
+template <class Adaptor>
+Adaptor Archived(Adaptor adaptor) {
+    using Outils_Objets::CArchive;
+    Outils_Objets::CMemoryStream stream;
+    CArchive store(stream, CArchive::store, nullptr);
+    adaptor.Serialize(store);
+    store.Close();
+    Outils_Objets::CMemoryStream stored(stream.GetBytes());
+    CArchive load(stored, CArchive::load, nullptr);
+    Adaptor read;
+    read.Serialize(load);
+    return read;
 }
 
 TEST(Adaptors, ArchiveTheirFields) {
@@ -314,35 +310,14 @@ TEST(Adaptors, ArchiveTheirFields) {
     configuration.Set(Cnf<"adaptors/geographicPosition/notation">, EAngleNotation::nmea);
     CTrvAdaptors adaptors;
     adaptors.Configure(configuration);
-    CLeverArmAdaptor leverArm = adaptors.GetLeverArm();
-    CGeographicPositionAdaptor position = adaptors.GetGeographicPosition();
+    const auto leverArm = Archived(adaptors.GetLeverArm());
+    EXPECT_EQ(Shown(leverArm.GetAxis(2), 0.9144), "1.000 yd");
+    EXPECT_EQ(Read(leverArm.GetAxis(0), "1 km"), 1000.0);
+    EXPECT_EQ(Shown(Archived(adaptors.GetGeographicPosition()).longitude, 1.5), "00130.000,E");
     CDateTimeAdaptor date;
     date.precision = 5;
+    EXPECT_EQ(Archived(date).precision, 5);
     CDateTimeSpanAdaptor span;
     span.total.SetCurrentUnit("h");
-
-    Outils_Objets::CMemoryStream stream;
-    {
-        Outils_Objets::CArchive archive(stream, Outils_Objets::CArchive::store, nullptr);
-        leverArm.Serialize(archive);
-        position.Serialize(archive);
-        date.Serialize(archive);
-        span.Serialize(archive);
-        archive.Close();
-    }
-    Outils_Objets::CMemoryStream stored(stream.GetBytes());
-    CLeverArmAdaptor leverArmRead;
-    CGeographicPositionAdaptor positionRead;
-    CDateTimeAdaptor dateRead;
-    CDateTimeSpanAdaptor spanRead;
-    Outils_Objets::CArchive archive(stored, Outils_Objets::CArchive::load, nullptr);
-    leverArmRead.Serialize(archive);
-    positionRead.Serialize(archive);
-    dateRead.Serialize(archive);
-    spanRead.Serialize(archive);
-    EXPECT_EQ(Shown(leverArmRead.GetAxis(2), 0.9144), "1.000 yd");
-    EXPECT_EQ(Read(leverArmRead.GetAxis(0), "1 km"), 1000.0);
-    EXPECT_EQ(Shown(positionRead.longitude, 1.5), "00130.000,E");
-    EXPECT_EQ(dateRead.precision, 5);
-    EXPECT_EQ(spanRead.total.GetCurrentUnit().name, "hour");
+    EXPECT_EQ(Archived(span).total.GetCurrentUnit().name, "hour");
 }

@@ -32,6 +32,15 @@ class RoundTrip : public testing::Test {
     std::mt19937 m_random{20240117};
 };
 
+// What is shown reads back, into `read` and from there.
+template <class Adaptor, class Value>
+std::string ShowAndRead(const Adaptor& adaptor, const Value& value, Value& read) {
+    std::string text;
+    EXPECT_TRUE(adaptor.ValueToText(value, text));
+    EXPECT_TRUE(adaptor.TextToValue(text, read)) << text;
+    return text;
+}
+
 // Half a unit of the last decimal of a number shown as `shown`, and what doubles of its size cannot tell
 // apart.
 double Tolerance(double shown, int precision) {
@@ -53,10 +62,8 @@ TEST_F(RoundTrip, PhysicalValues) {
                     adaptor.showPlusSign = m_random() % 4 == 0;
                     adaptor.width = m_random() % 4 == 0 ? 12 : -1;
                     const double value = Number(1000.0) * unit.A / unit.B;
-                    std::string text;
                     double read = NAN;
-                    ASSERT_TRUE(adaptor.ValueToText(value, text));
-                    ASSERT_TRUE(adaptor.TextToValue(text, read)) << text;
+                    const std::string text = ShowAndRead(adaptor, value, read);
                     const double shown = unit.FromInternal(value);
                     ASSERT_NEAR(unit.FromInternal(read), shown, Tolerance(shown, adaptor.precision)) << text;
                 }
@@ -88,10 +95,8 @@ TEST_F(RoundTrip, Angles) {
         double value = std::uniform_real_distribution(-180.0, 180.0)(m_random);
         if (m_random() % 4 == 0)
             value = std::round(value) - std::pow(10.0, -static_cast<int>(m_random() % 14));
-        std::string text;
         double read = NAN;
-        ASSERT_TRUE(adaptor.ValueToText(value, text));
-        ASSERT_TRUE(adaptor.TextToValue(text, read)) << text;
+        const std::string text = ShowAndRead(adaptor, value, read);
         const double unit = unitOfLast[static_cast<int>(adaptor.notation)];
         ASSERT_NEAR(read * unit, value * unit, Tolerance(200 * unit, adaptor.precision)) << text;
     }
@@ -110,10 +115,8 @@ TEST_F(RoundTrip, Spans) {
         auto ticks = static_cast<std::int64_t>(m_random()) << (m_random() % 20);
         if (m_random() % 3 == 0) ticks = ticks / kTicksPerMinute * kTicksPerMinute - 1;
         const CDateTimeSpan value(m_random() % 2 ? ticks : -ticks);
-        std::string text;
         CDateTimeSpan read;
-        ASSERT_TRUE(adaptor.ValueToText(value, text));
-        ASSERT_TRUE(adaptor.TextToValue(text, read)) << text;
+        const std::string text = ShowAndRead(adaptor, value, read);
         const double ofUnit = unit.A / unit.B * kTicksPerSecond; // ticks
         ASSERT_NEAR(static_cast<double>(read.GetTicks()), static_cast<double>(value.GetTicks()),
                     Tolerance(0.0, adaptor.precision) * ofUnit + 2.0 + 4e-16 * static_cast<double>(ticks))
@@ -138,10 +141,8 @@ TEST_F(RoundTrip, Dates) {
                                     static_cast<std::int64_t>(m_random() * 201ULL % kTicksPerDay);
         CDateTime value(116700000000000000ULL + static_cast<std::uint64_t>(offset));
         if (m_random() % 8 == 0) value = newYear;
-        std::string text;
         CDateTime read = value; // tells the day to the notations without one
-        ASSERT_TRUE(adaptor.ValueToText(value, text));
-        ASSERT_TRUE(adaptor.TextToValue(text, read)) << text;
+        const std::string text = ShowAndRead(adaptor, value, read);
         const double half =
             adaptor.notation == EDateNotation::compact ? 1e7 : 0.5 * std::pow(10.0, 7 - adaptor.precision);
         ASSERT_LE(std::fabs(static_cast<double>((read - value).GetTicks())), half) << text;
