@@ -1,6 +1,7 @@
 #include "recording/recording_writer.h"
 
 #include "recording/recording_header.h"
+#include "support/temporary_folder.h"
 #include "xpf/packets.h"
 #include "xpf/table_file.h"
 
@@ -11,7 +12,6 @@
 #include <map>
 #include <random>
 #include <sys/resource.h>
-#include <unistd.h>
 
 namespace Enregistrement {
 namespace {
@@ -19,8 +19,10 @@ namespace {
 using namespace Persistance_Xpf;
 namespace fs = std::filesystem;
 
-std::vector<std::string_view> GetNames(EFileKind kind) {
-    std::vector<std::string_view> names;
+using Names = std::vector<std::string_view>;
+
+Names GetNames(EFileKind kind) {
+    Names names;
     for (const SChannelLayout& row : GetChannelLayouts())
         if (row.kind == kind) names.push_back(row.name);
     return names;
@@ -33,9 +35,6 @@ std::unique_ptr<CXpfFile> OpenFile(const fs::path& path, EFileKind kind) {
 
 class RecordingTest : public testing::Test {
   protected:
-    RecordingTest() { fs::create_directories(m_folder); }
-    ~RecordingTest() override { fs::remove_all(m_folder); }
-
     // Packets of all channels of a kind in a random order, remembered by channel.
     void Record(CRecordingWriter& writer, EFileKind kind, int count, unsigned seed) {
         std::mt19937 random(seed);
@@ -55,34 +54,33 @@ class RecordingTest : public testing::Test {
     // Walks the stream and holds every packet against what was written: content, numbers and links of all
     // channels.
     void ExpectWritten(CXpfFile& file) {
-        std::map<std::uint16_t, std::pair<std::int64_t, SPacketHeader>> last;
-        std::map<std::string, std::size_t> counts;
+        struct SLast {
+            std::size_t count = 0;
+            std::int64_t position = 0;
+            std::uint32_t forwardLink = 0;
+        };
+        std::map<std::string, SLast> channels;
         ASSERT_TRUE(file.Seek(file.GetDataStart().Get()));
-        for (;;) {
-            const std::int64_t position = file.GetPosition();
-            SPacketHeader header;
-            std::span<const std::uint8_t> payload;
-            if (file.ReadPacket(header, payload) != EPacketRead::whole) break;
+        SPacketHeader header;
+        std::span<const std::uint8_t> payload;
+        for (std::int64_t position = file.GetPosition();
+             file.ReadPacket(header, payload) == EPacketRead::whole; position = file.GetPosition()) {
             const std::string& name = file.FindChannelByNumber(header.channel)->GetName();
-            std::size_t& count = counts[name];
-            ASSERT_EQ(header.number, count);
-            const auto& expected = m_written[name][count++];
-            ASSERT_TRUE(std::ranges::equal(payload, expected)) << name;
-            const auto previous = last.find(header.channel);
-            if (previous == last.end()) {
-                EXPECT_EQ(header.backLink, 0u);
-            } else {
-                EXPECT_EQ(header.backLink, position - previous->second.first);
-                EXPECT_EQ(previous->second.second.forwardLink, header.backLink);
-            }
-            last[header.channel] = {position, header};
+            SLast& last = channels[name];
+            ASSERT_EQ(header.number, last.count);
+            ASSERT_TRUE(std::ranges::equal(payload, m_written[name][last.count])) << name;
+            EXPECT_EQ(header.backLink, last.count == 0 ? 0 : position - last.position);
+            EXPECT_EQ(header.backLink, last.forwardLink);
+            last = {last.count + 1, position, header.forwardLink};
         }
         EXPECT_EQ(file.GetPosition(), file.GetFileSize());
-        for (const auto& [name, packets] : m_written) EXPECT_EQ(counts[name], packets.size()) << name;
-        for (const auto& [number, packet] : last) EXPECT_EQ(packet.second.forwardLink, 0u) << number;
+        for (const auto& [name, packets] : m_written) {
+            EXPECT_EQ(channels[name].count, packets.size()) << name;
+            EXPECT_EQ(channels[name].forwardLink, 0u) << name;
+        }
     }
 
-    fs::path m_folder = fs::temp_directory_path() / ("recording_test_" + std::to_string(::getpid()));
+    test::CTemporaryFolder m_folder;
     fs::path m_path = m_folder / "a.xpf";
     std::map<std::string, std::vector<std::vector<std::uint8_t>>> m_written;
 };
@@ -118,36 +116,8 @@ TEST_F(RecordingTest, EveryChannelComesBackLinkedAndNumbered) {
     }
 }
 
-TEST_F(RecordingTest, DefinitionsSayWhatTheLayoutsSay) {
-    CRecordingWriter writer;
-    ASSERT_TRUE(writer.Create(m_path, GetNames(EFileKind::tarout)));
-    ASSERT_TRUE(writer.Close());
-    const auto file = OpenFile(m_path, EFileKind::tarout);
-    ASSERT_TRUE(file);
-    ASSERT_EQ(file->GetDefinitions().size(), 4u);
-    for (const auto& definition : file->GetDefinitions()) {
-        const SPacketLayout* layout = FindPacketLayout(definition->type);
-        if (!layout) {
-            ASSERT_EQ(definition->type, typeMorvexSta);
-            ASSERT_EQ(definition->fields.size(), 5u);
-            EXPECT_EQ(definition->fields[3].GetName(), "Matrix size");
-            continue;
-        }
-        EXPECT_EQ(definition->version, layout->version);
-        ASSERT_EQ(definition->fields.size(), layout->fields.size());
-        for (std::size_t i = 0; i < layout->fields.size(); ++i) {
-            const CXpfFieldDefinition& field = definition->fields[i];
-            EXPECT_EQ(field.GetName(), layout->fields[i].name);
-            EXPECT_EQ(field.GetDescription(), layout->fields[i].name);
-            EXPECT_EQ(field.GetTypeCode(), static_cast<std::uint8_t>(layout->fields[i].type));
-            EXPECT_EQ(field.GetCount(), layout->fields[i].count);
-            EXPECT_EQ(field.GetNature(), layout->fields[i].nature);
-        }
-    }
-}
-
 TEST_F(RecordingTest, RefusesChannelsThatMakeNoFile) {
-    const std::vector<std::vector<std::string_view>> refused = {
+    const std::vector<Names> refused = {
         {}, {"IMU", "NO_SUCH"}, {"GPS_1", "IMU", "GPS_1"}, {"IMU", "MORVEX_STD"}, {"imu"}};
     for (const auto& names : refused) {
         CRecordingWriter writer;
@@ -155,9 +125,9 @@ TEST_F(RecordingTest, RefusesChannelsThatMakeNoFile) {
         EXPECT_FALSE(fs::exists(m_path));
     }
     CRecordingWriter writer;
-    EXPECT_FALSE(writer.Create(m_folder, std::vector<std::string_view>{"IMU"}));
-    EXPECT_FALSE(writer.Create(m_folder / "none" / "a", std::vector<std::string_view>{"IMU"}));
-    ASSERT_TRUE(writer.Create(m_path, std::vector<std::string_view>{"IMU", "UTC"}));
+    EXPECT_FALSE(writer.Create(m_folder.GetPath(), Names{"IMU"}));
+    EXPECT_FALSE(writer.Create(m_folder / "none/a", Names{"IMU"}));
+    ASSERT_TRUE(writer.Create(m_path, Names{"IMU", "UTC"}));
     EXPECT_FALSE(writer.Write("GPS_1", CXpfTarinGpsPacketV2()));
     EXPECT_FALSE(writer.Write("UTC", CXpfTarinGpsPacketV2()));
     EXPECT_FALSE(writer.WriteRaw(2, {}));
@@ -196,7 +166,7 @@ TEST_F(RecordingTest, AnyCutShowsWholePacketsAndATornTail) {
 // A link leads to its packet only once that is in the file, also for packets that left the memory long ago.
 TEST_F(RecordingTest, FollowsAGrowingFileThroughItsLinks) {
     CRecordingWriter writer;
-    ASSERT_TRUE(writer.Create(m_path, std::vector<std::string_view>{"IMU", "UTC"}));
+    ASSERT_TRUE(writer.Create(m_path, Names{"IMU", "UTC"}));
     const auto file = OpenFile(m_path, EFileKind::tarin);
     ASSERT_TRUE(file);
     CXpfChannel* channel = file->FindChannelByName("UTC");
@@ -222,7 +192,7 @@ TEST_F(RecordingTest, AFullDiskLeavesWholePackets) {
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
 
     CRecordingWriter writer;
-    EXPECT_TRUE(writer.Create(m_path, std::vector<std::string_view>{"IMU"}));
+    EXPECT_TRUE(writer.Create(m_path, Names{"IMU"}));
     const CXpfTarinImuPacketV2 packet;
     int count = 0;
     while (count < 200'000 && writer.Write(0, packet)) ++count;
