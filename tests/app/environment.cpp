@@ -1,4 +1,4 @@
-// The one application object of all tests of windows, without a screen.
+// The one application object of all tests of a room that draws, without a screen.
 #include <QApplication>
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 
 namespace {
 
-class CWindows final : public testing::Environment {
+class CApplication final : public testing::Environment {
   public:
     void SetUp() override {
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -17,12 +17,12 @@ class CWindows final : public testing::Environment {
     void TearDown() override { m_application.reset(); }
 
   private:
-    char m_name[9] = "test_app";
+    char m_name[5] = "test";
     char* m_words[2] = {m_name, nullptr};
     int m_count = 1;
     std::unique_ptr<QApplication> m_application;
 };
 
-[[maybe_unused]] const auto* const kWindows = testing::AddGlobalTestEnvironment(new CWindows);
+[[maybe_unused]] const auto* const kApplication = testing::AddGlobalTestEnvironment(new CApplication);
 
 } // namespace

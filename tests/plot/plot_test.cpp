@@ -29,12 +29,10 @@ struct SAxesOfTest : SPlotOfTest {
 } // namespace
 
 TEST(Axis, LabelsThatCrossAnEndHaveAGridLineOnlyAndAnEmptyPlotHasNoVerticalLabels) {
-    SAxesOfTest test;
-    CRecordingDevice device;
-    device.Record([&](auto& graphics) { test.plot.Draw(graphics); });
-    EXPECT_THAT(Labels(device.Find(SOperation::Text)), ElementsAre("20.00", "40.00", "60.00", "80.00"));
-    EXPECT_EQ(device.Find(SOperation::Line, kGrid).size(), 6u);
-    const auto lines = device.Find(SOperation::Line, kAxis); // axis, four ticks, and the vertical axis
+    const SPainting painting = SAxesOfTest().Paint();
+    EXPECT_THAT(Labels(painting.Find(SOperation::Text)), ElementsAre("20.00", "40.00", "60.00", "80.00"));
+    EXPECT_EQ(painting.Find(SOperation::Line, kGrid).size(), 6u);
+    const auto lines = painting.Find(SOperation::Line, kAxis); // axis, four ticks, and the vertical axis
     ASSERT_EQ(lines.size(), 6u);
     EXPECT_THAT(lines[0].points, ElementsAre(QPointF(60, 420), QPointF(460, 420)));
     EXPECT_THAT(lines[1].points, ElementsAre(QPointF(140, 423), QPointF(140, 418)));
@@ -45,24 +43,29 @@ TEST(Axis, VerticalLabelsStayBelowTheTopAndMayStandOutAtTheBottom) {
     SAxesOfTest test;
     test.plot.GetHorizontalAxis().SetScale(nullptr);
     test.plot.AddCurve(nullptr, "");
-    CRecordingDevice device;
-    device.Record([&](auto& graphics) { test.plot.Draw(graphics); });
-    EXPECT_THAT(Labels(device.Find(SOperation::Text)),
+    const SPainting painting = test.Paint();
+    EXPECT_THAT(Labels(painting.Find(SOperation::Text)),
                 ElementsAre("0.00", "20.00", "40.00", "60.00", "80.00"));
-    const auto lines = device.Find(SOperation::Line, kAxis);
+    const auto lines = painting.Find(SOperation::Line, kAxis);
     ASSERT_EQ(lines.size(), 7u);
     EXPECT_THAT(lines[2].points, ElementsAre(QPointF(57, 420), QPointF(62, 420)));
 }
 
 TEST(Axis, LabelsAreMeasuredWithoutAWindow) {
     SAxesOfTest test;
-    const CGraphics scratch;
-    const SSize size = test.plot.GetVerticalAxis().MeasureLabels(scratch);
-    const SRect widest = scratch.MeasureString("100.00", test.plot.GetVerticalAxis().GetFont(), SPoint{}, {});
-    EXPECT_EQ(size.width, widest.width);
-    EXPECT_EQ(size.height, scratch.GetFontHeight(test.plot.GetVerticalAxis().GetFont()));
-    test.plot.GetVerticalAxis().SetFormater(nullptr);
-    EXPECT_EQ(test.plot.GetVerticalAxis().MeasureLabels(scratch).width, 0);
+    CGraphics scratch;
+    CPlot2DAxis& axis = test.plot.GetVerticalAxis();
+    EXPECT_EQ(axis.MeasureLabels(scratch).width,
+              scratch.MeasureString("100.00", axis.GetFont(), SPoint{}, {}).width);
+    EXPECT_EQ(axis.MeasureLabels(scratch).height, scratch.GetFontHeight(axis.GetFont()));
+    axis.SetFormater(nullptr);
+    EXPECT_EQ(axis.MeasureLabels(scratch).width, 0);
+    scratch.DrawLine(QPen(), {0, 0}, {1, 1});
+    EXPECT_EQ(scratch.GetLastStatus(), CGraphics::GenericError);
+    const SRect centred = scratch.MeasureString("abc", DefaultFont(), SPoint{50, 50},
+                                                {StringAlignment::Center, StringAlignment::Far});
+    EXPECT_FLOAT_EQ(centred.x + centred.width / 2, 50);
+    EXPECT_FLOAT_EQ(centred.Bottom(), 50);
 }
 
 TEST(Plot, HitTestTellsTheParts) {
@@ -100,33 +103,21 @@ TEST(Legend, EveryMarkerIsHitAsTheSerieThatItShows) {
     test.plot.AddCurve(nullptr, "a name much too long for one line of this legend and for two lines as well");
     test.plot.AddChronogram(nullptr, "").SetColor(0xFF010203);
     test.plot.SetHoveredSerie(test.plot.GetSeries()[1].get());
-    CRecordingDevice device;
-    device.Record([&](auto& graphics) { test.plot.Draw(graphics); });
-
+    const SPainting painting = test.Paint();
     std::size_t markers = 0;
-    for (const SOperation& operation : device.Find(SOperation::Rectangle, 0)) {
-        const float x = static_cast<float>(operation.points[0].x()),
-                    y = static_cast<float>(operation.points[0].y());
-        if (x != 10 + 5 + 5) continue;
+    for (const SOperation& operation : painting.Find(SOperation::Rectangle, 0)) {
+        const SPoint corner{static_cast<float>(operation.points[0].x()),
+                            static_cast<float>(operation.points[0].y())};
+        if (corner.x != 10 + 5 + 5) continue;
         ASSERT_LT(markers, 3u);
         const CPlot2DSerie* serie = test.plot.GetSeries()[markers++].get();
         EXPECT_EQ(operation.brush, serie->GetColor());
-        EXPECT_EQ(test.plot.GetLegend().SerieAt({x, y}), serie);
-        EXPECT_EQ(test.plot.GetLegend().SerieAt({x - 1, y}), nullptr);
-        EXPECT_EQ(test.plot.GetLegend().SerieAt({x, y - 1}), nullptr);
+        EXPECT_EQ(test.plot.GetLegend().SerieAt(corner), serie);
+        EXPECT_EQ(test.plot.GetLegend().SerieAt({corner.x - 1, corner.y}), nullptr);
+        EXPECT_EQ(test.plot.GetLegend().SerieAt({corner.x, corner.y - 1}), nullptr);
     }
     EXPECT_EQ(markers, 3u);
     // The long name takes two lines at most, and one row is framed.
-    EXPECT_EQ(device.Find(SOperation::Text).size(), 3u);
-    EXPECT_EQ(device.Find(SOperation::Rectangle, 0xFF99DEFE).size(), 1u);
-}
-
-TEST(Graphics, AScratchSurfaceDrawsNothingAndSaysSo) {
-    CGraphics scratch;
-    scratch.DrawLine(QPen(), {0, 0}, {1, 1});
-    EXPECT_EQ(scratch.GetLastStatus(), CGraphics::GenericError);
-    const SRect centred = scratch.MeasureString("abc", DefaultFont(), SPoint{50, 50},
-                                                {StringAlignment::Center, StringAlignment::Far});
-    EXPECT_FLOAT_EQ(centred.x + centred.width / 2, 50);
-    EXPECT_FLOAT_EQ(centred.Bottom(), 50);
+    EXPECT_EQ(painting.Find(SOperation::Text).size(), 3u);
+    EXPECT_EQ(painting.Find(SOperation::Rectangle, 0xFF99DEFE).size(), 1u);
 }

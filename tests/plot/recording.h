@@ -61,24 +61,27 @@ class CRecordingEngine : public QPaintEngine {
     }
 };
 
-class CRecordingDevice : public QPaintDevice {
-  public:
-    QPaintEngine* paintEngine() const override { return &m_engine; }
-    std::vector<SOperation>& GetOperations() { return m_engine.operations; }
-
+// What was painted, in its order.
+struct SPainting : std::vector<SOperation> {
     std::vector<SOperation> Find(SOperation::Kind kind, std::optional<QRgb> pen = {}) const {
         std::vector<SOperation> found;
-        for (const SOperation& operation : m_engine.operations)
+        for (const SOperation& operation : *this)
             if (operation.kind == kind && (!pen || operation.pen == *pen)) found.push_back(operation);
         return found;
     }
+};
+
+class CRecordingDevice : public QPaintDevice {
+  public:
+    QPaintEngine* paintEngine() const override { return &m_engine; }
 
     // What `paint` does with a surface on this device.
     template <class Paint>
-    void Record(Paint&& paint) {
+    SPainting Record(Paint&& paint) {
         QPainter painter(this);
         Outils_Plot2D::CGraphics graphics(painter);
         paint(graphics);
+        return {m_engine.operations};
     }
 
   protected:
@@ -86,14 +89,9 @@ class CRecordingDevice : public QPaintDevice {
         switch (metric) {
         case PdmWidth:
         case PdmHeight: return 1000;
-        case PdmDpiX:
-        case PdmDpiY:
-        case PdmPhysicalDpiX:
-        case PdmPhysicalDpiY: return 96;
-        case PdmDepth: return 32;
         case PdmDevicePixelRatio: return 1;
         case PdmDevicePixelRatioScaled: return static_cast<int>(devicePixelRatioFScale());
-        default: return 0;
+        default: return 96; // dots per inch
         }
     }
 
@@ -112,25 +110,22 @@ class CTestSource : public Outils_Plot2D::CPlot2DDataSource {
     CTestSource(double period, bool extrema, std::vector<SBucketOfTest> buckets)
         : m_period(period), m_extrema(extrema), m_buckets(std::move(buckets)) {}
 
+    using u32 = std::uint32_t;
     bool HasExtremum() const override { return m_extrema; }
     double GetPeriod() const override { return m_period; }
-    std::uint32_t GetCount() const override { return static_cast<std::uint32_t>(m_buckets.size()); }
-    bool GetPoint(std::uint32_t i, double& x, double& y) const override {
-        return Get(i, m_buckets[i].y, x, y);
+    u32 GetCount() const override { return static_cast<u32>(m_buckets.size()); }
+    bool GetPoint(u32 i, double& x, double& y) const override { return Get(i, &SBucketOfTest::y, x, y); }
+    bool GetMinimum(u32 i, double& x, double& y) const override {
+        return Get(i, &SBucketOfTest::minimum, x, y);
     }
-    bool GetMinimum(std::uint32_t i, double& x, double& y) const override {
-        return Get(i, m_buckets[i].minimum, x, y);
-    }
-    bool GetMaximum(std::uint32_t i, double& x, double& y) const override {
-        return Get(i, m_buckets[i].maximum, x, y);
+    bool GetMaximum(u32 i, double& x, double& y) const override {
+        return Get(i, &SBucketOfTest::maximum, x, y);
     }
 
   private:
-    bool Get(std::uint32_t i, double value, double& x, double& y) const {
-        if (!m_buckets[i].known) return false;
-        x = m_buckets[i].x;
-        y = value;
-        return true;
+    bool Get(u32 i, double SBucketOfTest::*value, double& x, double& y) const {
+        if (m_buckets[i].known) x = m_buckets[i].x, y = m_buckets[i].*value;
+        return m_buckets[i].known;
     }
     double m_period;
     bool m_extrema;
@@ -155,9 +150,7 @@ struct SPlotOfTest {
     // A value of the scales on the device.
     static QPointF At(double x, double y) { return {60 + x, 120 - y}; }
 
-    std::vector<SOperation> Paint(SOperation::Kind kind) {
-        CRecordingDevice device;
-        device.Record([&](auto& graphics) { plot.Draw(graphics); });
-        return device.Find(kind);
+    SPainting Paint() {
+        return CRecordingDevice().Record([&](auto& graphics) { plot.Draw(graphics); });
     }
 };

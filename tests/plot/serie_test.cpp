@@ -29,17 +29,13 @@ std::vector<std::vector<QPointF>> Points(const std::vector<SOperation>& operatio
 
 } // namespace
 
-TEST(Curve, TheTwelfthHasTheColourOfTheFirstWhereverItIs) {
-    CPlot2DSettings settings;
-    CPlot2D plot(settings), other(settings);
-    for (int i = 0; i < 11; ++i) plot.AddCurve(nullptr, "");
-    EXPECT_EQ(other.AddCurve(nullptr, "").GetColor(), plot.GetSeries()[0]->GetColor());
-    EXPECT_NE(other.AddCurve(nullptr, "").GetColor(), plot.GetSeries()[0]->GetColor());
-}
-
-TEST(Curve, TheBandTakesItsColourWithTheTransparencyOfTheSettings) {
-    SPlotOfTest test;
+TEST(Curve, TheTwelfthHasTheColourOfTheFirstWhereverItIsAndTheBandIsTransparent) {
+    SPlotOfTest test, other;
     test.settings.extremumTransparency = 0x40;
+    for (int i = 0; i < 11; ++i) test.plot.AddCurve(nullptr, "");
+    auto& first = *test.plot.GetSeries()[0];
+    EXPECT_EQ(other.plot.AddCurve(nullptr, "").GetColor(), first.GetColor());
+    EXPECT_NE(other.plot.AddCurve(nullptr, "").GetColor(), first.GetColor());
     auto& curve = test.plot.AddCurve(nullptr, "");
     curve.SetColor(0xFF102030);
     EXPECT_EQ(curve.GetPen().GetColor(), 0xFF102030u);
@@ -49,20 +45,18 @@ TEST(Curve, TheBandTakesItsColourWithTheTransparencyOfTheSettings) {
 TEST(Curve, TheBandIsAStaircaseAboveTheLine) {
     SPlotOfTest test;
     test.plot.AddCurve(Source(10, true, {{20, 50, 40, 60}, {30, 55, 45, 70}}), "");
-    CRecordingDevice device;
-    device.Record([&](auto& graphics) {
+    const SPainting painting = CRecordingDevice().Record([&](auto& graphics) {
         test.plot.Draw(graphics);
         graphics.DrawLine(QPen(), {0, 0}, {900, 0}); // shows that the clip is off again
     });
-    const auto& operations = device.GetOperations();
-    ASSERT_EQ(operations.size(), 3u);
-    EXPECT_EQ(operations[0].kind, SOperation::Polyline);
-    EXPECT_THAT(operations[0].points, ElementsAre(At(20, 50), At(30, 55)));
-    EXPECT_EQ(operations[0].clip, QRectF(60, 20, 100, 100));
-    EXPECT_EQ(operations[1].kind, SOperation::Polygon);
-    EXPECT_THAT(operations[1].points, ElementsAre(At(15, 40), At(25, 40), At(25, 45), At(35, 45), At(35, 70),
-                                                  At(25, 70), At(25, 60), At(15, 60)));
-    EXPECT_TRUE(operations[2].clip.isNull());
+    ASSERT_EQ(painting.size(), 3u);
+    EXPECT_EQ(painting[0].kind, SOperation::Polyline);
+    EXPECT_THAT(painting[0].points, ElementsAre(At(20, 50), At(30, 55)));
+    EXPECT_EQ(painting[0].clip, QRectF(60, 20, 100, 100));
+    EXPECT_EQ(painting[1].kind, SOperation::Polygon);
+    EXPECT_THAT(painting[1].points, ElementsAre(At(15, 40), At(25, 40), At(25, 45), At(35, 45), At(35, 70),
+                                                At(25, 70), At(25, 60), At(15, 60)));
+    EXPECT_TRUE(painting[2].clip.isNull());
 }
 
 TEST(Curve, UnknownBucketsArePassedOverAndPlacelessOnesBreakIt) {
@@ -76,9 +70,9 @@ TEST(Curve, UnknownBucketsArePassedOverAndPlacelessOnesBreakIt) {
                                {60, 6, 5, INFINITY},
                                {70, 7, 6, 8}}),
                        "");
-    EXPECT_THAT(Points(test.Paint(SOperation::Polyline)),
+    EXPECT_THAT(Points(test.Paint().Find(SOperation::Polyline)),
                 ElementsAre(ElementsAre(At(10, 1), At(30, 3)), ElementsAre(At(50, 5), At(60, 6), At(70, 7))));
-    const auto bands = test.Paint(SOperation::Polygon);
+    const auto bands = test.Paint().Find(SOperation::Polygon);
     ASSERT_EQ(bands.size(), 2u);
     EXPECT_EQ(bands[0].points.size(), 12u); // 10, 30 and 40
     EXPECT_EQ(bands[1].points.size(), 4u);  // 70
@@ -87,16 +81,15 @@ TEST(Curve, UnknownBucketsArePassedOverAndPlacelessOnesBreakIt) {
 TEST(Curve, AnEmptyOrUnscaledOneDrawsNothing) {
     SPlotOfTest test;
     auto& curve = test.plot.AddCurve(Source(10, true, {}), "");
-    EXPECT_THAT(test.Paint(SOperation::Polyline), IsEmpty());
-    EXPECT_THAT(test.Paint(SOperation::Polygon), IsEmpty());
+    EXPECT_THAT(test.Paint(), IsEmpty());
     auto previous = curve.SetDataSource(Source(10, false, {{0, 0, 0, 0}, {9, 9, 0, 0}}), false);
     ASSERT_NE(previous, nullptr);
     EXPECT_EQ(previous->GetCount(), 0u);
-    EXPECT_EQ(test.Paint(SOperation::Polyline).size(), 1u);
+    EXPECT_EQ(test.Paint().Find(SOperation::Polyline).size(), 1u);
     test.plot.GetVerticalAxis().GetScale()->SetRange(5, 5);
-    EXPECT_THAT(test.Paint(SOperation::Polyline), IsEmpty());
+    EXPECT_THAT(test.Paint(), IsEmpty());
     test.plot.GetVerticalAxis().SetScale(nullptr);
-    EXPECT_THAT(test.Paint(SOperation::Polyline), IsEmpty());
+    EXPECT_THAT(test.Paint(), IsEmpty());
 }
 
 TEST(Curve, FarPointsAreCutWhereTheyCannotBeSeenAndKeepTheSlope) {
@@ -107,14 +100,14 @@ TEST(Curve, FarPointsAreCutWhereTheyCannotBeSeenAndKeepTheSlope) {
                                {1e7, 2e7, 0, 0},
                                {2e7, 2e7, 0, 0}}),
                        "");
-    const auto lines = test.Paint(SOperation::Polyline);
+    const auto lines = test.Paint().Find(SOperation::Polyline);
     ASSERT_EQ(lines.size(), 1u);
     ASSERT_EQ(lines[0].points.size(), 2u);
     for (const QPointF point : lines[0].points) {
         EXPECT_NEAR(point.x() - 60, 120 - point.y(), 2) << "no longer on the diagonal";
         EXPECT_LT(std::fabs(point.x()), 1000);
     }
-    for (const SOperation& band : test.Paint(SOperation::Polygon))
+    for (const SOperation& band : test.Paint().Find(SOperation::Polygon))
         for (const QPointF point : band.points) EXPECT_LT(std::hypot(point.x(), point.y()), 10000);
 }
 
@@ -122,9 +115,9 @@ TEST(Curve, SplinesJoinThePointsWhereAsked) {
     SPlotOfTest test;
     test.settings.drawCurve = true;
     test.plot.AddCurve(Source(10, true, {{20, 50, 40, 60}, {30, 70, 45, 70}, {40, 20, 1, 30}}), "");
-    EXPECT_EQ(test.Paint(SOperation::Path).size(), 1u);
-    EXPECT_THAT(test.Paint(SOperation::Polyline), IsEmpty());
-    EXPECT_EQ(test.Paint(SOperation::Polygon).size(), 1u);
+    EXPECT_EQ(test.Paint().Find(SOperation::Path).size(), 1u);
+    EXPECT_THAT(test.Paint().Find(SOperation::Polyline), IsEmpty());
+    EXPECT_EQ(test.Paint().Find(SOperation::Polygon).size(), 1u);
 }
 
 // On a screen the band is made of columns: they must cover what the polygon covers, at any resolution.
@@ -164,12 +157,10 @@ namespace {
 
 struct SChronogramOfTest : SPlotOfTest {
     // Five rows of 20 pixels: state s lies at 20 s + 10.
-    std::vector<SOperation> Record(double period, std::vector<SBucketOfTest> buckets) {
+    SPainting Paint(double period, std::vector<SBucketOfTest> buckets) {
         plot.GetVerticalAxis().SetScale(std::make_unique<CPlot2DChronogramScale>(0, 4));
         plot.AddChronogram(Source(period, true, std::move(buckets)), "");
-        CRecordingDevice device;
-        device.Record([&](auto& graphics) { plot.Draw(graphics); });
-        return device.GetOperations();
+        return SPlotOfTest::Paint();
     }
 };
 
@@ -178,16 +169,16 @@ struct SChronogramOfTest : SPlotOfTest {
 TEST(Chronogram, StepsAreAtTheEdgesOfWideBucketsAndAtThePointsOfNarrowOnes) {
     const std::vector<SBucketOfTest> buckets = {
         {10, 1, 1, 1}, {20, 1, 1, 1}, {30, 3, 3, 3}, {40, 0, 0, 0, false}};
-    const auto wide = SChronogramOfTest().Record(10, buckets);
+    const auto wide = SChronogramOfTest().Paint(10, buckets);
     ASSERT_EQ(wide.size(), 1u);
     EXPECT_THAT(wide[0].points, ElementsAre(At(5, 30), At(25, 30), At(25, 70), At(35, 70)));
-    const auto narrow = SChronogramOfTest().Record(0.9, buckets);
+    const auto narrow = SChronogramOfTest().Paint(0.9, buckets);
     ASSERT_EQ(narrow.size(), 1u);
     EXPECT_THAT(narrow[0].points, ElementsAre(At(10, 30), At(30, 30), At(30, 70), At(30, 70)));
 }
 
 TEST(Chronogram, ARunOfMixedBucketsIsOneBlock) {
-    const auto operations = SChronogramOfTest().Record(
+    const auto operations = SChronogramOfTest().Paint(
         10, {{10, 1, 1, 1}, {20, 2, 0, 4}, {30, 1, 0, 2}, {40, 1, 1, 2}, {50, 3, 3, 3}, {60, 1, 0, 3}});
     std::vector<SOperation::Kind> kinds;
     for (const SOperation& operation : operations) kinds.push_back(operation.kind);

@@ -13,6 +13,10 @@ struct SPointOf {
     double x = -1, y = -1;
 };
 
+std::shared_ptr<CTrv1DGraphDataset> DatasetOf(Application_Tarvel::SReducedSeries series) {
+    return std::make_shared<CTrv1DGraphDataset>(std::move(series), Seconds(1), CDateTimeSpan());
+}
+
 TEST(DataSource, ValuesAndDatesAreMappedToTheDisplay) {
     CTrv1DGraphDataSource source({nullptr, 0}, kLatitude, -2.0);
     EXPECT_EQ(source.GetCount(), 0u);
@@ -47,7 +51,7 @@ TEST(DataSource, WhatIsNotThereIsNoPoint) {
     series.representatives.push_back(MakeResult(0, 5));
     series.representatives.push_back(nullptr);
     series.minima.push_back(MakeResult(0, 5));
-    const auto dataset = std::make_shared<CTrv1DGraphDataset>(std::move(series), Seconds(1), CDateTimeSpan());
+    const auto dataset = DatasetOf(std::move(series));
     SPointOf point;
     for (const std::uint32_t field : {kLatitude, 500u}) {
         CTrv1DGraphDataSource source({nullptr, 0}, field, 1);
@@ -74,21 +78,19 @@ TEST(DataSource, StatesAreReadFromStatusFields) {
     auto packet = std::make_unique<Persistance_Xpf::CXpfTarinDepthPacketV1>();
     packet->SetDate(0, Seconds(1));
     packet->SetUInt8(2, 1); // rejected
+    std::uint32_t literal = 9;
+    ASSERT_TRUE(packet->GetStatusValue(0, literal));
     Application_Tarvel::SReducedSeries series;
     series.representatives.push_back(std::move(packet));
-    const auto dataset = std::make_shared<CTrv1DGraphDataset>(std::move(series), Seconds(1), CDateTimeSpan());
-    SPointOf point;
-    CTrv1DGraphDataSourceEnum source({nullptr, 0}, 0);
-    source.SetDisplay(Seconds(0), Seconds(10));
-    source.SetDataset(dataset);
-    std::uint32_t literal = 9;
-    ASSERT_TRUE(dataset->GetRepresentatives()[0]->GetStatusValue(0, literal));
-    ASSERT_TRUE(source.GetPoint(0, point.x, point.y));
-    EXPECT_EQ(point.y, literal);
-    CTrv1DGraphDataSourceEnum none({nullptr, 0}, 77);
-    none.SetDisplay(Seconds(0), Seconds(10));
-    none.SetDataset(dataset);
-    EXPECT_FALSE(none.GetPoint(0, point.x, point.y));
+    const auto dataset = DatasetOf(std::move(series));
+    for (const std::uint32_t field : {0u, 77u}) {
+        CTrv1DGraphDataSourceEnum source({nullptr, 0}, field);
+        source.SetDisplay(Seconds(0), Seconds(10));
+        source.SetDataset(dataset);
+        SPointOf point;
+        ASSERT_EQ(source.GetPoint(0, point.x, point.y), field == 0);
+        EXPECT_EQ(point.y, field == 0 ? static_cast<double>(literal) : -1.0);
+    }
 }
 
 TEST(DataSource, NearestPointIsWithinABucketAndAHalf) {

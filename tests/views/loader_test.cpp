@@ -30,20 +30,17 @@ class LoaderTest : public testing::Test {
         constexpr std::string_view recorded[] = {"NELIX_NAV", "DEPTH"};
         Enregistrement::CRecordingWriter recording;
         EXPECT_TRUE(recording.Create(m_folder / "dive.tarin", recorded));
-        for (int second = 0; second <= 300; ++second) {
-            CXpfTarinNelixNavPacketV2 packet;
-            packet.SetDate(0, Seconds(second));
-            packet.SetDouble(4, 43 + second * 1e-4);
-            EXPECT_TRUE(recording.Write("NELIX_NAV", packet));
-        }
+        CXpfTarinNelixNavPacketV2 navigation;
         CXpfTarinDepthPacketV1 depth;
-        for (int second = 0; second <= 300; second += 100) {
+        for (int second = 0; second <= 300; ++second) {
+            navigation.SetDate(0, Seconds(second));
+            navigation.SetDouble(4, 43 + second * 1e-4);
+            EXPECT_TRUE(recording.Write("NELIX_NAV", navigation));
             depth.SetDate(0, Seconds(second));
-            EXPECT_TRUE(recording.Write("DEPTH", depth));
+            EXPECT_TRUE(second % 100 != 0 || recording.Write("DEPTH", depth));
         }
         EXPECT_TRUE(recording.Close());
-        constexpr std::string_view computed[] = {"MORVEX_STD"};
-        EXPECT_TRUE(m_result.Create(m_folder / "dive.tarout", computed));
+        BeginResult();
         Compute(0, 120);
         m_adaptors.Configure(m_config);
     }
@@ -52,9 +49,13 @@ class LoaderTest : public testing::Test {
         m_document.reset();
     }
 
-    void Compute(int from, int to) {
+    void BeginResult() {
+        constexpr std::string_view computed[] = {"MORVEX_STD"};
+        EXPECT_TRUE(m_result.Create(m_folder / "dive.tarout", computed));
+    }
+    void Compute(int from, int to, double value = 43.5) {
         for (int second = from; second <= to; ++second)
-            EXPECT_TRUE(m_result.Write("MORVEX_STD", *MakeResult(second, 43.5)));
+            EXPECT_TRUE(m_result.Write("MORVEX_STD", *MakeResult(second, value)));
         EXPECT_TRUE(m_result.Flush());
     }
     void Open() {
@@ -66,9 +67,18 @@ class LoaderTest : public testing::Test {
         m_loader->SetOnChanged([this](bool) { ++m_changes; });
         m_loader->SetViewSize({1000, 700}, 1);
     }
+    void OpenAndLoad() {
+        Open();
+        Load();
+    }
+    bool RunUntil(const std::function<bool()>& done) {
+        return m_host.m_queue.RunUntil(done, std::chrono::seconds(60));
+    }
     void Load() {
-        EXPECT_TRUE(
-            m_host.m_queue.RunUntil([this] { return !m_loader->IsLoading(); }, std::chrono::seconds(60)));
+        EXPECT_TRUE(RunUntil([this] { return !m_loader->IsLoading(); }));
+    }
+    void Tell(EHint hint, Metier_Tarvel::CTrvDataFile* file = nullptr) {
+        m_document->UpdateAllViews(nullptr, hint, file);
     }
     Metier_Tarvel::CTrvSimulationParameters& Parameters() {
         return *m_document->GetProject()->simulationParameters;
@@ -84,10 +94,11 @@ class LoaderTest : public testing::Test {
         Stack().GetPortlets()[portlet]->ForEachSource([&](auto& source) { sources.push_back(&source); });
         return *sources.at(curve);
     }
-    // The time of the last point of a curve.
-    double LastTime(std::size_t portlet, std::size_t curve) {
+    std::size_t CurveCount() { return Stack().GetPortlets()[0]->GetPlot().GetSeries().size(); }
+    // The time of the last point of a curve of the first graph.
+    double LastTime(std::size_t curve) {
         double x = 0, y = 0;
-        auto& source = Source(portlet, curve);
+        auto& source = Source(0, curve);
         if (source.GetCount() == 0 || !source.GetPoint(source.GetCount() - 1, x, y)) return -1;
         const auto [start, end] = Shown();
         return start + x / 100 * (end - start);
@@ -119,8 +130,8 @@ TEST_F(LoaderTest, DefaultStackShowsTheResultBesideTheRecording) {
     Load();
     EXPECT_EQ(Shown(), Period(0, 300));
     EXPECT_TRUE(Stack().ShowsFullExtent());
-    EXPECT_NEAR(LastTime(0, kResult), 120, 1e-6);
-    EXPECT_NEAR(LastTime(0, kRecording), 300, 1e-6);
+    EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
+    EXPECT_NEAR(LastTime(kRecording), 300, 1e-6);
     double x = 0, y = 0;
     ASSERT_TRUE(Source(0, kRecording).GetMaximum(100, x, y));
     EXPECT_NEAR(y, 43.01, 1e-9);
@@ -131,12 +142,11 @@ TEST_F(LoaderTest, DefaultStackShowsTheResultBesideTheRecording) {
     m_host.m_paths.push_back(m_folder / "other.tarprj");
     ASSERT_TRUE(m_document->CommandSaveAs());
     Load();
-    EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 1u);
+    EXPECT_EQ(CurveCount(), 1u);
 }
 
 TEST_F(LoaderTest, LastOfManyPeriodsWinsAndTheOldDataStaysMeanwhile) {
-    Open();
-    Load();
+    OpenAndLoad();
     const auto old = Source(0, kRecording).GetDataset();
     m_loader->ZoomHorizontal();
     m_loader->ZoomHorizontal();
@@ -161,19 +171,18 @@ TEST_F(LoaderTest, LastOfManyPeriodsWinsAndTheOldDataStaysMeanwhile) {
 }
 
 TEST_F(LoaderTest, GrowingResultIsFollowed) {
-    Open();
-    Load();
-    m_document->UpdateAllViews(nullptr, hintRunStarted);
+    OpenAndLoad();
+    Tell(hintRunStarted);
     Compute(121, 400);
-    for (int i = 0; i < 5; ++i) m_document->UpdateAllViews(nullptr, hintDataFileContentChanged, &Result());
+    for (int i = 0; i < 5; ++i) Tell(hintDataFileContentChanged, &Result());
     Load();
     EXPECT_EQ(Shown(), Period(0, 400)) << "a view of everything stays one";
-    EXPECT_NEAR(LastTime(0, kResult), 400, 1e-6);
+    EXPECT_NEAR(LastTime(kResult), 400, 1e-6);
 
     m_loader->ZoomHorizontal();
     Load();
     Compute(401, 500);
-    m_document->UpdateAllViews(nullptr, hintChannelFound, &Result());
+    Tell(hintChannelFound, &Result());
     Load();
     EXPECT_EQ(Shown(), Period(100, 300)) << "the user's period is left alone";
     EXPECT_EQ(Stack().GetFullExtent().end, Seconds(500));
@@ -182,24 +191,20 @@ TEST_F(LoaderTest, GrowingResultIsFollowed) {
     Load();
     m_config.Set(Cnf<"view1D/displayAutoRefresh">, false);
     Compute(501, 600);
-    m_document->UpdateAllViews(nullptr, hintDataFileContentChanged, &Result());
+    Tell(hintDataFileContentChanged, &Result());
     EXPECT_FALSE(m_loader->IsLoading());
-    m_document->UpdateAllViews(nullptr, hintRunEnded);
+    Tell(hintRunEnded);
     Load();
     EXPECT_EQ(Shown(), Period(0, 600));
-    EXPECT_NEAR(LastTime(0, kResult), 600, 1e-6);
+    EXPECT_NEAR(LastTime(kResult), 600, 1e-6);
 }
 
 TEST_F(LoaderTest, NewResultOfTheSameLengthIsReadAgain) {
-    Open();
-    Load();
+    OpenAndLoad();
     EXPECT_TRUE(m_result.Close());
-    constexpr std::string_view computed[] = {"MORVEX_STD"};
-    EXPECT_TRUE(m_result.Create(m_folder / "dive.tarout", computed));
-    for (int second = 0; second <= 120; ++second)
-        EXPECT_TRUE(m_result.Write("MORVEX_STD", *MakeResult(second, 44.0)));
-    EXPECT_TRUE(m_result.Flush());
-    m_document->UpdateAllViews(nullptr, hintRunEnded);
+    BeginResult();
+    Compute(0, 120, 44.0);
+    Tell(hintRunEnded);
     Load();
     double x = 0, y = 0;
     ASSERT_TRUE(Source(0, kResult).GetPoint(10, x, y));
@@ -207,86 +212,74 @@ TEST_F(LoaderTest, NewResultOfTheSameLengthIsReadAgain) {
 }
 
 TEST_F(LoaderTest, FileTimeBecomesSimulationTime) {
-    Open();
-    Load();
+    OpenAndLoad();
     Recording().timeOffset = Metier_Tarvel::ToStoredTime(Seconds(-50));
-    m_document->UpdateAllViews(nullptr, hintDataFileTimeOffsetChanged, &Recording());
+    Tell(hintDataFileTimeOffsetChanged, &Recording());
     Load();
     EXPECT_EQ(Shown(), Period(-50, 250));
-    EXPECT_NEAR(LastTime(0, kRecording), 250, 1e-6);
-    EXPECT_NEAR(LastTime(0, kResult), 120, 1e-6);
+    EXPECT_NEAR(LastTime(kRecording), 250, 1e-6);
+    EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
 }
 
 TEST_F(LoaderTest, TheLastGoodCurvesOfABrokenFileStayUntilANewRun) {
-    Open();
-    Load();
+    OpenAndLoad();
     EXPECT_TRUE(m_result.Close());
     const auto file = m_folder / "dive.tarout";
     const std::function<void()> breakages[] = {
-        [&] { std::filesystem::remove(file); },
-        [&] { std::filesystem::create_directory(file); },
-        [&] { std::filesystem::remove(file), std::ofstream(file) << "no longer a result"; },
-    };
+        [&] { std::filesystem::remove(file); }, [&] { std::filesystem::create_directory(file); },
+        [&] { std::filesystem::remove(file), std::ofstream(file) << "no longer a result"; }};
     const auto expectTheCurve = [&] {
         m_loader->ZoomHorizontal();
         m_loader->ViewAll();
         Load();
-        EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 2u);
-        EXPECT_NEAR(LastTime(0, kResult), 120, 1e-6);
+        EXPECT_EQ(CurveCount(), 2u);
+        EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
     };
     for (const auto& breakFile : breakages) {
         breakFile();
-        m_document->UpdateAllViews(nullptr, hintDataFileContentChanged, &Result());
+        Tell(hintDataFileContentChanged, &Result());
         expectTheCurve();
     }
     // Nor is it the monitor, by whom the result loses its place in the dictionary, that takes it away.
     const auto hasLayers = [this] {
         const auto& layers = m_document->GetProject()->dataModel->m_layers;
-        return std::any_of(layers.begin(), layers.end(),
-                           [this](const auto& layer) { return layer->m_dataFile == &Result(); });
+        return std::ranges::any_of(layers,
+                                   [this](const auto& layer) { return layer->m_dataFile == &Result(); });
     };
-    ASSERT_TRUE(m_host.m_queue.RunUntil([&] { return !hasLayers(); }, std::chrono::seconds(60)));
+    ASSERT_TRUE(RunUntil([&] { return !hasLayers(); }));
     expectTheCurve();
     EXPECT_EQ(m_host.m_output.size(), 2u); // a folder, no data file: each once
-    m_document->UpdateAllViews(nullptr, hintRunStarted);
-    EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 1u);
+    Tell(hintRunStarted);
+    EXPECT_EQ(CurveCount(), 1u);
 }
 
 // The whole way: the monitor sees the file, the dictionary gets its layer, the graphs a curve.
 TEST_F(LoaderTest, ResultThatAppearsLaterJoinsTheGraphs) {
     EXPECT_TRUE(m_result.Close());
     std::filesystem::rename(m_folder / "dive.tarout", m_folder / "kept");
-    Open();
-    Load();
-    EXPECT_EQ(Stack().GetPortlets()[0]->GetPlot().GetSeries().size(), 1u);
+    OpenAndLoad();
+    EXPECT_EQ(CurveCount(), 1u);
     const auto first = Source(0, kRecording).GetDataset();
     // The monitor's first look tells of every file, and what it tells of is read again.
-    ASSERT_TRUE(m_host.m_queue.RunUntil(
-        [&] { return Source(0, kRecording).GetDataset() != first && !m_loader->IsLoading(); },
-        std::chrono::seconds(60)));
+    ASSERT_TRUE(
+        RunUntil([&] { return Source(0, kRecording).GetDataset() != first && !m_loader->IsLoading(); }));
     const auto recorded = Source(0, kRecording).GetDataset();
     std::filesystem::rename(m_folder / "kept", m_folder / "dive.tarout");
-    const auto isShown = [this] {
-        return Stack().GetPortlets()[0]->GetPlot().GetSeries().size() == 2 && !m_loader->IsLoading() &&
-               LastTime(0, kResult) > 0;
-    };
-    ASSERT_TRUE(m_host.m_queue.RunUntil(isShown, std::chrono::seconds(60)));
-    EXPECT_NEAR(LastTime(0, kResult), 120, 1e-6);
+    ASSERT_TRUE(
+        RunUntil([this] { return CurveCount() == 2 && !m_loader->IsLoading() && LastTime(kResult) > 0; }));
+    EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
     EXPECT_EQ(Source(0, kRecording).GetDataset(), recorded) << "what was known is not read again";
 }
 
 TEST_F(LoaderTest, SavedGraphsReplaceTheDefaultOnes) {
-    Open();
-    Load();
+    OpenAndLoad();
     auto& graphs = *m_document->GetProject()->graphSettings;
-    const std::uint16_t depth = Recording().FindChannel("DEPTH")->id,
-                        nav = Recording().FindChannel("NELIX_NAV")->id;
     auto* mirrored = graphs.AddMeasureGraph("mirrored");
-    auto* curve = mirrored->AddCurve(&Recording(), nav, 4, "north");
+    auto* curve = mirrored->AddCurve(&Recording(), Recording().FindChannel("NELIX_NAV")->id, 4, "north");
     curve->factor = -1;
     curve->color = 0xFF123456;
     mirrored->AddCurve(nullptr, 1, 1, "gone");
-    graphs.AddEnumGraph("states", &Recording(), depth, 0, "rejected?");
+    graphs.AddEnumGraph("states", &Recording(), Recording().FindChannel("DEPTH")->id, 0, "rejected?");
     m_document->UpdateAllViews(nullptr, hintGraphAdded, mirrored);
     Load();
     ASSERT_EQ(Stack().GetPortlets().size(), 2u);
@@ -316,7 +309,7 @@ TEST_F(LoaderTest, AnswersFindNobodyAfterTheEnd) {
     m_loader->ZoomHorizontal();
     m_loader.reset();
     m_document->DeleteContents();
-    m_document->UpdateAllViews(nullptr, hintRefresh);
+    Tell(hintRefresh);
     m_host.m_queue.RunPending();
     m_loader.emplace(*m_document, m_adaptors, m_settings);
     EXPECT_FALSE(m_loader->HasProject() && m_loader->IsLoading());

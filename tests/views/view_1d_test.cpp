@@ -30,13 +30,11 @@ class View1DTest : public testing::Test {
         auto& parameters = *project->simulationParameters;
         parameters.begin = Metier_Tarvel::ToStoredTime(Seconds(0));
         parameters.end = Metier_Tarvel::ToStoredTime(Seconds(1000));
-        auto* graph = project->graphSettings->AddMeasureGraph("first");
-        graph->AddCurve(parameters.outputFile.get(), 1, kLatitude, "north");
-        graph->AddCurve(parameters.outputFile.get(), 1, kLatitude, "north again");
-        project->graphSettings->AddMeasureGraph("second")->AddCurve(parameters.outputFile.get(), 1, kAltitude,
-                                                                    "up");
-        for (int i = 0; i < 6; ++i) project->graphSettings->AddMeasureGraph("empty");
         m_file = parameters.outputFile.get();
+        auto* graph = project->graphSettings->AddMeasureGraph("first");
+        for (const char* label : {"north", "north again"}) graph->AddCurve(m_file, 1, kLatitude, label);
+        project->graphSettings->AddMeasureGraph("second")->AddCurve(m_file, 1, kAltitude, "up");
+        for (int i = 0; i < 6; ++i) project->graphSettings->AddMeasureGraph("empty");
         m_document->NewFromProject(std::move(project), "/nowhere/dive.tarprj");
 
         m_view.emplace(*m_document, m_adaptors, m_settings);
@@ -48,8 +46,10 @@ class View1DTest : public testing::Test {
         QApplication::processEvents();
     }
 
-    void Key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        QKeyEvent event(QEvent::KeyPress, key, modifiers);
+    // By its name, as "Ctrl+Down".
+    void Key(const char* name) {
+        const QKeyCombination key = QKeySequence(name)[0];
+        QKeyEvent event(QEvent::KeyPress, key.key(), key.keyboardModifiers());
         QApplication::sendEvent(&*m_view, &event);
     }
     void Mouse(QEvent::Type type, QPointF position) {
@@ -84,7 +84,7 @@ class View1DTest : public testing::Test {
     Outils_Plot2D::CPlot2DSettings m_settings;
     CScriptedHost m_host;
     std::optional<CTrvDocument> m_document;
-    const Metier_Tarvel::CTrvDataFile* m_file = nullptr;
+    Metier_Tarvel::CTrvDataFile* m_file = nullptr;
     std::optional<CTrvView1D> m_view;
 };
 
@@ -92,54 +92,46 @@ using Period = std::pair<double, double>;
 
 TEST_F(View1DTest, KeyboardReachesEverything) {
     EXPECT_EQ(Shown(), Period(0, 1000));
-    Key(Qt::Key_Plus);
-    EXPECT_EQ(Shown(), Period(250, 750));
-    Key(Qt::Key_Right);
-    EXPECT_EQ(Shown(), Period(375, 875));
-    Key(Qt::Key_Left);
-    Key(Qt::Key_Minus);
-    EXPECT_EQ(Shown(), Period(0, 1000));
-    Key(Qt::Key_Left);
-    EXPECT_EQ(Shown(), Period(-250, 750));
-    Key(Qt::Key_Home);
-    EXPECT_EQ(Shown(), Period(0, 1000));
-
-    const double width = First().GetMaximum() - First().GetMinimum(), low = First().GetMinimum();
-    Key(Qt::Key_Plus, Qt::ControlModifier);
-    EXPECT_NEAR(First().GetMaximum() - First().GetMinimum(), width / 2, 1e-9);
-    Key(Qt::Key_Minus, Qt::ControlModifier);
-    Key(Qt::Key_Up, Qt::ControlModifier);
-    EXPECT_NEAR(First().GetMinimum(), low + width / 4, 1e-9);
-    Key(Qt::Key_Down, Qt::ControlModifier);
-    EXPECT_NEAR(First().GetMinimum(), low, 1e-9);
-
+    const double low = First().GetMinimum(), width = First().GetMaximum() - low;
+    const struct {
+        const char* key;
+        Period shown;
+        double low, width; // in parts of the first width
+    } rows[] = {{"+", {250, 750}, 0, 1},          {"Right", {375, 875}, 0, 1},
+                {"Left", {250, 750}, 0, 1},       {"-", {0, 1000}, 0, 1},
+                {"Left", {-250, 750}, 0, 1},      {"Home", {0, 1000}, 0, 1},
+                {"Ctrl++", {0, 1000}, 0.25, 0.5}, {"Ctrl+-", {0, 1000}, 0, 1},
+                {"Ctrl+Up", {0, 1000}, 0.25, 1},  {"Ctrl+Down", {0, 1000}, 0, 1}};
+    for (const auto& row : rows) {
+        Key(row.key);
+        EXPECT_EQ(Shown(), row.shown) << row.key;
+        EXPECT_NEAR(First().GetMinimum(), low + row.low * width, 1e-9) << row.key;
+        EXPECT_NEAR(First().GetMaximum() - First().GetMinimum(), row.width * width, 1e-9) << row.key;
+    }
     const float height = First().GetRect().height;
-    Key(Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
+    Key("Ctrl+Shift+Down");
     EXPECT_GT(First().GetRect().height, height);
-    Key(Qt::Key_Right, Qt::ShiftModifier);
-    ASSERT_TRUE(m_view->GetCursorTime());
-    EXPECT_EQ(*m_view->GetCursorTime(), Seconds(500));
-    Key(Qt::Key_Right, Qt::ShiftModifier);
-    EXPECT_GT(*m_view->GetCursorTime(), Seconds(500));
+    Key("Shift+Right");
+    EXPECT_EQ(m_view->GetCursorTime(), Seconds(500));
+    Key("Shift+Right");
+    EXPECT_GT(m_view->GetCursorTime().value(), Seconds(500));
 
-    for (int i = 0; i < 20; ++i) Key(Qt::Key_Down);
+    const QScrollBar& bar = *m_view->verticalScrollBar();
+    for (int i = 0; i < 20; ++i) Key("Down");
     EXPECT_EQ(m_view->GetStack().GetSelectedIndex(), 7);
-    EXPECT_NEAR(m_view->verticalScrollBar()->value(), m_view->verticalScrollBar()->maximum(), 4)
-        << "in sight";
-    for (int i = 0; i < 20; ++i) Key(Qt::Key_Up);
-    EXPECT_EQ(m_view->verticalScrollBar()->value(), 0);
-    Key(Qt::Key_PageDown);
-    EXPECT_GT(m_view->verticalScrollBar()->value(), 0);
+    EXPECT_NEAR(bar.value(), bar.maximum(), 4) << "in sight";
+    for (int i = 0; i < 20; ++i) Key("Up");
+    EXPECT_EQ(bar.value(), 0);
+    Key("PgDown");
+    EXPECT_GT(bar.value(), 0);
 
-    const auto& graphs = m_document->GetProject()->graphSettings->graphs;
-    const auto curves = [&] {
-        return static_cast<Metier_Tarvel_Graphics::CTrv1DGraphMeasure&>(*graphs[0]).curves.size();
-    };
-    Key(Qt::Key_Delete);
-    EXPECT_EQ(curves(), 2u) << "no curve is selected";
-    Key(Qt::Key_Space);
-    Key(Qt::Key_Delete);
-    EXPECT_EQ(curves(), 1u);
+    const auto& graph = dynamic_cast<Metier_Tarvel_Graphics::CTrv1DGraphMeasure&>(
+        *m_document->GetProject()->graphSettings->graphs[0]);
+    Key("Del");
+    EXPECT_EQ(graph.curves.size(), 2u) << "no curve is selected";
+    Key("Space");
+    Key("Del");
+    EXPECT_EQ(graph.curves.size(), 1u);
     EXPECT_EQ(First().GetPlot().GetSeries().size(), 1u);
 
     QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
@@ -160,7 +152,7 @@ TEST_F(View1DTest, RubberBandZoomsTheTime) {
     Drag(At(0.5, 0.5), At(0.9, 0.5)); // flat
     Mouse(QEvent::MouseButtonPress, At(0.1, 0.1));
     Mouse(QEvent::MouseMove, At(0.4, 0.4));
-    Key(Qt::Key_Escape);
+    Key("Esc");
     Mouse(QEvent::MouseButtonRelease, At(0.4, 0.4));
     EXPECT_EQ(m_view->GetStack().GetPeriod(), before);
     Drag(At(0.5, 0.5), At(3, 4)); // far out: kept to the plotting area
@@ -206,14 +198,13 @@ TEST_F(View1DTest, SelectTakesBordersLegendsAndTheCursor) {
 TEST_F(View1DTest, FieldsAreDroppedWhereTheyFit) {
     using namespace Metier_Tarvel_DataModel;
     auto& project = *m_document->GetProject();
-    auto layer = std::make_unique<CTrvDataLayer>();
-    layer->m_name = "MORVEX_STD";
-    layer->m_dataFile = project.simulationParameters->outputFile.get();
-    layer->m_channelNumber = 1;
-    const auto* latitude = CTrvDataModel::AddMeasure(*layer, "Latitude0", "", kLatitude, 1);
-    const auto* altitude = CTrvDataModel::AddMeasure(*layer, "Altitude0", "", kAltitude, 13);
-    const auto* state = CTrvDataModel::AddEnum(*layer, "State", "", 0);
-    project.dataModel->m_layers.push_back(std::move(layer));
+    CTrvDataLayer& layer = *project.dataModel->m_layers.emplace_back(std::make_unique<CTrvDataLayer>());
+    layer.m_name = "MORVEX_STD";
+    layer.m_dataFile = m_file;
+    layer.m_channelNumber = 1;
+    const auto* latitude = CTrvDataModel::AddMeasure(layer, "Latitude0", "", kLatitude, 1);
+    const auto* altitude = CTrvDataModel::AddMeasure(layer, "Altitude0", "", kAltitude, 13);
+    const auto* state = CTrvDataModel::AddEnum(layer, "State", "", 0);
 
     const auto& graphs = project.graphSettings->graphs;
     const QPointF below(5, 1e5);
@@ -240,9 +231,7 @@ TEST_F(View1DTest, ProjectMayGoDuringAGesture) {
     m_document->UpdateAllViews(nullptr, hintRefresh);
     Mouse(QEvent::MouseMove, QPointF(300, 80));
     Mouse(QEvent::MouseButtonRelease, QPointF(300, 80));
-    for (const int key :
-         {Qt::Key_Plus, Qt::Key_Left, Qt::Key_Home, Qt::Key_Down, Qt::Key_Space, Qt::Key_Delete})
-        Key(key);
+    for (const char* key : {"+", "Left", "Home", "Down", "Space", "Del"}) Key(key);
     EXPECT_FALSE(m_view->grab().isNull());
 }
 
