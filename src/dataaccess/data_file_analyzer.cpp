@@ -131,11 +131,21 @@ bool CTrvDataFileAnalyzerThread::ScanOne(CXpfFile& file) {
 void CTrvDataFileAnalyzerThread::EndScan(CXpfFile& file) {
     const std::int64_t position = file.GetPosition();
     LookAtUnchecked(file);
+    if (m_onDamage && IsDamaged(file, position) && !m_stop.IsSet())
+        m_port.Post([report = m_onDamage, position] { report(position); });
+}
+
+// Whether no packet stands here, or one that the file has whole and that the disk does not give.
+bool CTrvDataFileAnalyzerThread::IsDamaged(CXpfFile& file, std::int64_t position) {
+    const std::int64_t size = file.GetFileSize();
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
-    if (m_onDamage && !m_stop.IsSet() && file.Seek(position) &&
-        file.ReadPacket(header, payload) == EPacketRead::damaged)
-        m_port.Post([report = m_onDamage, position] { report(position); });
+    if (!file.Seek(position)) return false;
+    const EPacketRead read = file.ReadPacket(header, payload);
+    if (read != EPacketRead::torn) return read == EPacketRead::damaged;
+    const bool hasHeader = file.Read(&header, sizeof header) == sizeof header;
+    const std::int64_t end = position + (hasHeader ? header.size : kPacketHeaderSize);
+    return end <= size && end <= file.GetFileSize();
 }
 
 // What a packet says counts as soon as its payload is there. Its trailer only decides whether the scan goes

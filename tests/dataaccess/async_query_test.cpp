@@ -29,7 +29,7 @@ class CScriptedQuery : public CAsyncQuery {
     }
     void RequestCancel() override {
         m_cancel.Set();
-        m_go.Set();
+        if (!m_isHeld) m_go.Set();
     }
     void OnFinished(bool success) override { m_log.push_back(m_name + (success ? " done" : " failed")); }
     void OnCancelled() override { m_log.push_back(m_name + " cancelled"); }
@@ -38,6 +38,7 @@ class CScriptedQuery : public CAsyncQuery {
     void Release() { m_go.Set(); }
     bool m_succeeds = true;
     bool m_needsTooMuch = false;
+    bool m_isHeld = false; // by a read that does not return: asking it to end does not help
 
   private:
     std::string m_name;
@@ -111,6 +112,20 @@ TEST_F(AsyncQueries, StopCancelsTheRunningAndKeepsTheQueued) {
     m_manager.Submit(Make("later"));
     RunUntil(3);
     EXPECT_EQ(m_log, (std::vector<std::string>{"running cancelled", "queued done", "later done"}));
+}
+
+TEST_F(AsyncQueries, ALoaderThatDoesNotEndIsLeftBehind) {
+    const auto held = Make("held", true), queued = Make("queued");
+    held->m_isHeld = true;
+    m_manager.Submit(held);
+    m_manager.Submit(queued);
+    held->WaitUntilStarted();
+    EXPECT_FALSE(m_manager.Stop());
+    m_manager.Submit(Make("later"));
+    RunUntil(2);
+    held->Release();
+    RunUntil(3);
+    EXPECT_EQ(m_log, (std::vector<std::string>{"queued done", "later done", "held cancelled"}));
 }
 
 TEST_F(AsyncQueries, CallbacksOfADestroyedManagerNeverRun) {

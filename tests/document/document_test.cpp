@@ -8,6 +8,7 @@
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
+#include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>
 
@@ -187,14 +188,15 @@ TEST_F(Document, ChangesAreNeverLostWithoutAQuestion) {
 
     // A save that fails keeps file, mark and project.
     const auto bytes = BytesOf(m_project);
-    std::filesystem::remove(m_project);
-    std::filesystem::create_directories(m_project / "in the way");
     m_host.m_answers = {EAnswer::yes, EAnswer::ok};
-    EXPECT_FALSE(m_document.CommandOpen(m_folder / "other.tarprj"));
+    {
+        const test::CFaultyDisk disk(m_folder.GetPath(), test::CFaultyDisk::isFull);
+        EXPECT_FALSE(m_document.CommandOpen(m_folder / "other.tarprj"));
+    }
     EXPECT_TRUE(m_document.IsModified() && m_document.GetProject());
-    EXPECT_THAT(m_host.m_output, Contains(Outils_Texte::FormatText(textProjectNotSaved,
-                                                                   {Outils_Fichiers::ToText(m_project)})));
-    std::filesystem::remove_all(m_project);
+    EXPECT_EQ(BytesOf(m_project), bytes);
+    EXPECT_THAT(m_host.m_output, ElementsAre(Outils_Texte::FormatText(textProjectNotSaved,
+                                                                      {Outils_Fichiers::ToText(m_project)})));
     m_host.m_answers = {EAnswer::yes};
     EXPECT_TRUE(m_document.CloseDocument());
     EXPECT_EQ(BytesOf(m_project), bytes);
@@ -315,6 +317,9 @@ TEST_F(Document, AnEngineThatDiesOrIsMissingIsNoDisaster) {
     m_host.m_programFolder = m_folder / "nowhere";
     EXPECT_FALSE(m_document.StartSimulation());
     EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textNoProcess)));
+    const test::CFaultyDisk disk(m_temporary, test::CFaultyDisk::isFull);
+    EXPECT_FALSE(m_document.StartSimulation());
+    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textNoParameterFile)));
     EXPECT_EQ(ParameterFiles().size(), 1u); // that of the first run
     EXPECT_FALSE(m_document.IsSimulationRunning());
 }

@@ -3,21 +3,27 @@
 #include "dataaccess/test_recording.h"
 #include "document/document.h"
 #include "document/project_creation.h"
+#include "document/project_dialogs.h"
 #include "document/scripted_host.h"
 #include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
+#include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <fstream>
+#include <list>
+#include <optional>
 #include <random>
 #include <sys/stat.h>
 #include <thread>
 
 using namespace Application_Tarvel;
 using namespace std::chrono_literals;
+using Dialogue_Tarvel::CNewProjectWizard;
+using Dialogue_Tarvel::EProjectField;
 
 namespace {
 
@@ -29,21 +35,6 @@ class CCountingQuery final : public CTrvView1DDataQuery {
     void OnFinished(bool) override { ++m_answers; }
     void OnCancelled() override { ++m_answers; }
     int m_answers = 0;
-};
-
-// What a loader does whose file does not answer: nothing, until it is asked to give up.
-class CStalledQuery final : public CAsyncQuery {
-  public:
-    bool Execute(bool& wasCancelled) override {
-        m_running.Set();
-        wasCancelled = m_cancel.Wait(60s);
-        return false;
-    }
-    void RequestCancel() override { m_cancel.Set(); }
-    void OnFinished(bool) override {}
-    void OnCancelled() override { m_cancelled = true; }
-    Outils::CEvent m_running, m_cancel;
-    bool m_cancelled = false;
 };
 
 class DocumentThreads : public testing::Test, private IDocumentView {
@@ -61,6 +52,7 @@ class DocumentThreads : public testing::Test, private IDocumentView {
         imu.SetUInt8(2, 14);
         for (int i = from; i < to; ++i) {
             imu.SetDate(0, test::Seconds(i * 0.01));
+            imu.SetUInt16(1, static_cast<std::uint16_t>(i % 6000));
             EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
             if (i % 100 == 50) recording.Gps(i * 0.01, 48.5, -4.5, 10);
             if (i == 20) recording.Utc(0.2, 2024, 10, 0, 0.2f);
@@ -135,6 +127,7 @@ TEST_F(DocumentThreads, ProjectsComeAndGoWhileTheirFilesAreRead) {
         m_document.GetQueryManager().Submit(queries.back());
     };
     for (; rounds < kRounds; ++rounds) {
+        m_host.m_patience = random() % 2 ? 30s : 0s;
         switch (random() % 4) {
         case 0: EXPECT_TRUE(m_document.NewFromProject(Make(still.GetPath()), m_folder / "s.tarprj")); break;
         case 1: EXPECT_TRUE(m_document.NewFromProject(Make(growing.GetPath()), m_folder / "g.tarprj")); break;
@@ -197,6 +190,7 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
         std::function<void(const std::filesystem::path&)> breakFile;
         int text; // 0 for none
     };
+    std::list<test::CFaultyDisk> disks;
     using namespace std::filesystem;
     const SRow rows[] = {
         {"vanished", [](const path& file) { remove(file); }, textFileVanished},
@@ -221,6 +215,19 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
              std::ofstream(file, std::ios::app).write(bytes.data() + LastPacket(file), 30);
          },
          0},
+        {"locked", [](const path& file) { permissions(file, perms::none); }, textFileNotReadable},
+        {"unplugged",
+         [&](const path& file) {
+             disks.emplace_back(file, test::CFaultyDisk::fails);
+             resize_file(file, file_size(file) - 1);
+         },
+         textFileNotReadable},
+        {"scratched", // where the file has grown
+         [&](const path& file) {
+             disks.emplace_back(file, test::CFaultyDisk::fails, file_size(file));
+             resize_file(file, file_size(file) + 4000);
+         },
+         textFileDamaged},
     };
     test::CTestRecording main(m_folder / "main.tarin");
     Record(main, 0, 300);
@@ -245,38 +252,88 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
         const std::string file = Outils_Fichiers::ToText(m_folder / row.name);
         if (row.text) expected.push_back(Outils_Texte::FormatText(row.text, {file, position}));
     }
+    // What has lost its rights is as large as before: the next query tells.
+    for (const auto& file : {m_folder.GetPath(), m_folder / "damaged"}) permissions(file, perms::all);
+    auto withoutRights = std::make_optional<test::CWithoutRights>();
+    for (const auto& file : parameters.GetDataFiles()) m_document.OnQueryFailed(*file);
     ASSERT_TRUE(PumpUntil(
-        [&] { return m_host.m_output.size() >= expected.size() && seen() == 1 + 2 * std::ssize(rows); }));
+        [&] { return m_host.m_output.size() >= expected.size() && seen() == 2 * std::ssize(rows); }));
     // Later looks, at the file that goes on growing among them, find no news.
     std::ofstream(m_folder / "damaged", std::ios::app) << std::string(4000, 'x');
     for (const auto& file : parameters.GetDataFiles()) m_document.OnQueryFailed(*file);
-    ASSERT_TRUE(PumpUntil([&] { return seen() > 1 + 2 * std::ssize(rows); }));
+    ASSERT_TRUE(PumpUntil([&] { return seen() > 2 * std::ssize(rows); }));
     while (m_document.IsAnalysing()) m_host.m_queue.RunOne(10ms);
     m_host.m_queue.RunPending();
     EXPECT_THAT(m_host.m_output, testing::UnorderedElementsAreArray(expected));
 
     // A project opens over all of it, and tells what is missing.
+    withoutRights.reset();
     ASSERT_TRUE(m_document.Save());
     m_host.m_output.clear();
+    withoutRights.emplace();
     ASSERT_TRUE(m_document.CommandOpen(m_folder / "p.tarprj"));
-    EXPECT_EQ(m_host.m_output.size(), 4u); // vanished, folder, fifo, cut
+    EXPECT_EQ(m_host.m_output.size(), 6u); // vanished, folder, fifo, cut, locked, unplugged
 }
 
-TEST_F(DocumentThreads, AQueryThatHangsHoldsUpNeitherClosingNorReplacing) {
-    test::CTestRecording recording(m_folder / "r.tarin");
-    Record(recording, 0, 300);
+// The reads of a recording are held: what the UI thread does returns all the same, for no read goes on before
+// the disk object goes. Then what was forgotten is not heard, and what was not is made up for.
+TEST_F(DocumentThreads, ADiskThatDoesNotAnswerHoldsUpNothing) {
+    test::CTestRecording bad(m_folder / "bad.tarin"), good(m_folder / "good.tarin");
+    Record(bad, 0, 300);
+    Record(good, 0, 300);
+    ASSERT_TRUE(m_document.NewFromProject(Make(good.GetPath()), m_folder / "good.tarprj"));
+    ASSERT_TRUE(m_document.NewFromProject(Make(bad.GetPath()), m_folder / "bad.tarprj"));
+    const auto hasLayers = [this] { return !m_document.GetProject()->dataModel->m_layers.empty(); };
+    const auto frequency = [this] { return m_document.GetProject()->simulationParameters->imuFrequency; };
+    std::vector<std::shared_ptr<CCountingQuery>> queries;
+    const auto ask = [&] {
+        const CTrvDataFile& file = *m_document.GetProject()->simulationParameters->mainInputFile;
+        const SWindow window{test::Seconds(0), test::Seconds(3), test::Seconds(0.05)};
+        queries.push_back(
+            std::make_shared<CCountingQuery>(m_document.GetAddress(file, kImuNumber), window, nullptr));
+        m_document.GetQueryManager().Submit(queries.back());
+    };
+    const auto answered = [&] { return queries.back()->m_answers == 1; };
+    m_configuration.Set(Outils_Configuration::Cnf<"general/utcSearch/timeout">, 1);
+
     for (const bool replace : {false, true}) {
-        ASSERT_TRUE(m_document.NewFromProject(Make(recording.GetPath()), m_folder / "p.tarprj"));
-        const auto query = std::make_shared<CStalledQuery>();
-        m_document.GetQueryManager().Submit(query);
-        ASSERT_TRUE(query->m_running.Wait(30s));
+        const test::CFaultyDisk disk(bad.GetPath(), test::CFaultyDisk::stalls);
+        m_host.m_patience = 0ms;
+        ASSERT_TRUE(m_document.CommandOpen(m_folder / "bad.tarprj"));
+        ask();
+        disk.WaitForHeld(4); // the look, the measurement, the analyser and the query
+        EXPECT_FALSE(hasLayers());
+        m_document.OnQueryFailed(*m_document.GetProject()->simulationParameters->mainInputFile);
+        CNewProjectWizard wizard(m_host, m_configuration, m_document.GetFileLooks());
+        wizard.ChooseInputFiles({bad.GetPath()});
+        EProjectField focus{};
+        EXPECT_TRUE(replace || !wizard.OnOK(focus));
         if (replace) {
-            EXPECT_TRUE(m_document.CommandOpen(m_folder / "p.tarprj"));
+            m_host.m_patience = 30s;
+            ASSERT_TRUE(m_document.CommandOpen(m_folder / "good.tarprj"));
+            EXPECT_TRUE(hasLayers());
+            EXPECT_EQ(frequency(), 100);
+            ask(); // not behind the one that is held
+            EXPECT_TRUE(PumpUntil(answered));
         } else {
             EXPECT_TRUE(m_document.CloseDocument());
         }
-        EXPECT_TRUE(PumpUntil([&] { return query->m_cancelled; }));
     }
+    EXPECT_TRUE(PumpUntil([&] { return queries[0]->m_answers == 1 && queries[1]->m_answers == 1; }));
+
+    m_host.m_patience = 0ms;
+    {
+        const test::CFaultyDisk disk(bad.GetPath(), test::CFaultyDisk::stalls);
+        ASSERT_TRUE(m_document.CommandOpen(m_folder / "bad.tarprj"));
+        m_hints.clear();
+    }
+    EXPECT_TRUE(PumpUntil([&] { return hasLayers() && frequency() == 100; }));
+    EXPECT_TRUE(Saw(hintDataLayersRebuilt) && Saw(hintDataFileContentChanged));
+    const auto& layers = m_document.GetProject()->dataModel->m_layers;
+    EXPECT_TRUE(PumpUntil([&] {
+        return std::all_of(layers.begin(), layers.end(),
+                           [](const auto& layer) { return layer->m_hasData == (layer->m_name != "DEPTH"); });
+    }));
 }
 
 } // namespace

@@ -1,0 +1,36 @@
+// A disk that misbehaves: the reads and writes of a test program pass through here on their way to the
+// system.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+
+namespace test {
+
+// As long as the object lives, one file, or all in one folder, are on a bad disk.
+class CFaultyDisk {
+  public:
+    enum EFault {
+        stalls, // a read does not return before the object goes
+        fails,  // a read of what lies behind `offset` ends there, or fails if it begins there
+        isFull  // a write fails
+    };
+    CFaultyDisk(std::filesystem::path path, EFault fault, std::int64_t offset = 0);
+    ~CFaultyDisk(); // held reads go on
+    CFaultyDisk(const CFaultyDisk&) = delete;
+    CFaultyDisk& operator=(const CFaultyDisk&) = delete;
+
+    // Returns once so many reads are held.
+    void WaitForHeld(int count) const;
+};
+
+// Takes from the calling thread, and from those that it starts, the rights of the superuser to files.
+class CWithoutRights {
+  public:
+    CWithoutRights();
+    ~CWithoutRights();
+    CWithoutRights(const CWithoutRights&) = delete;
+    CWithoutRights& operator=(const CWithoutRights&) = delete;
+};
+
+} // namespace test
