@@ -54,7 +54,8 @@ class CBlockReader {
     }
     // Bytes that Holds has answered for.
     const std::uint8_t* GetHeld(std::int64_t offset) const { return m_buffer.get() + (offset - m_begin); }
-    // Behind the last byte at hand.
+    // The window: its first byte, and behind its last.
+    std::int64_t GetHeldBegin() const { return m_begin; }
     std::int64_t GetHeldEnd() const { return m_end; }
     // Seek to a place within or behind held bytes, which needs no test.
     void MoveTo(std::int64_t offset) { m_position = offset; }

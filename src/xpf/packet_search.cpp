@@ -12,6 +12,28 @@ namespace {
 
 constexpr std::int64_t kChunkSize = 128;
 
+constexpr std::int64_t WholeChunks(std::int64_t size) { return size / kChunkSize * kChunkSize; }
+
+// How much of the block at hand before or behind `offset` is chunks without a dollar sign: what a hole of
+// gigabytes consists of is passed a block at a time.
+std::int64_t PassBackward(const CBlockReader& reader, std::int64_t offset) {
+    const std::int64_t begin = reader.GetHeldBegin();
+    if (begin >= offset || !reader.Holds(begin, static_cast<std::size_t>(offset - begin))) return 0;
+    const std::uint8_t* bytes = reader.GetHeld(begin);
+    const auto* last =
+        static_cast<const std::uint8_t*>(memrchr(bytes, '$', static_cast<std::size_t>(offset - begin)));
+    return WholeChunks(offset - begin - (last ? last + 1 - bytes : 0));
+}
+
+std::int64_t PassForward(const CBlockReader& reader, std::int64_t offset) {
+    const std::int64_t size = reader.GetHeldEnd() - offset;
+    if (size <= 0 || !reader.Holds(offset, static_cast<std::size_t>(size))) return 0;
+    const std::uint8_t* bytes = reader.GetHeld(offset);
+    const auto* first =
+        static_cast<const std::uint8_t*>(std::memchr(bytes, '$', static_cast<std::size_t>(size)));
+    return WholeChunks(first ? first - bytes : size);
+}
+
 } // namespace
 
 bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
@@ -29,7 +51,7 @@ bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
         if (count < length) afterDollar = false;
         if (!std::memchr(chunk, '$', static_cast<std::size_t>(count))) {
             afterDollar = false;
-            chunkEnd = chunkStart;
+            chunkEnd = chunkStart - PassBackward(*m_reader, chunkStart);
             continue;
         }
         for (std::int64_t i = count - 1; i >= 0; --i) {
@@ -61,7 +83,9 @@ bool CXpfFile::SearchPacketForward(SPacketHeader& header) {
     while (const std::size_t count = m_reader->Read(chunk, kChunkSize)) {
         if (!std::memchr(chunk, '$', count)) {
             afterDollar = false;
-            chunkOffset += static_cast<std::int64_t>(count);
+            const std::int64_t passed = PassForward(*m_reader, m_reader->GetPosition());
+            m_reader->Advance(passed);
+            chunkOffset += static_cast<std::int64_t>(count) + passed;
             continue;
         }
         for (std::size_t i = 0; i < count; ++i) {

@@ -11,7 +11,7 @@ TEST(FileCache, PositionsBelongToOneChannelOfOneFile) {
     CXpfFilePosition position;
     EXPECT_FALSE(cache.GetFirstPosition("/a", 1, position));
     cache.SetFirstPosition("/a", 1, 100);
-    cache.SetFirstPosition("/a", 2, 200);
+    cache.SetFirstPosition("/a", 0x101, 200);
     cache.SetFirstPosition("/A", 1, 300);
     cache.SetFirstPosition("/b/a", 1, 400); // a path that ends with the other's text
     cache.SetLastPosition("/a", 1, 900);
@@ -21,7 +21,7 @@ TEST(FileCache, PositionsBelongToOneChannelOfOneFile) {
 
     cache.InvalidateFirst("/a");
     EXPECT_FALSE(cache.GetFirstPosition("/a", 1, position));
-    EXPECT_FALSE(cache.GetFirstPosition("/a", 2, position));
+    EXPECT_FALSE(cache.GetFirstPosition("/a", 0x101, position));
     EXPECT_TRUE(cache.GetFirstPosition("/A", 1, position));
     EXPECT_TRUE(cache.GetFirstPosition("/b/a", 1, position));
     EXPECT_TRUE(cache.GetLastPosition("/a", 1, position));
