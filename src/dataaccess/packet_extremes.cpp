@@ -79,9 +79,13 @@ constexpr SChunks MakeChunks(const SPacketLayout& layout) {
         const EFieldType type = layout.fields[i].type;
         const int from = layout.offsets[i];
         int to = from;
-        for (; i < layout.fields.size() && layout.fields[i].type == type; ++i)
-            to += static_cast<int>(GetWidth(type) * layout.fields[i].count);
-        if (type == EFieldType::date) continue;
+        // A date and what has several elements, a text say, are no numbers.
+        if (type == EFieldType::date || layout.fields[i].count > 1) {
+            ++i;
+            continue;
+        }
+        for (; i < layout.fields.size() && layout.fields[i].type == type && layout.fields[i].count == 1; ++i)
+            to += static_cast<int>(GetWidth(type));
         const int width = static_cast<int>(GetWidth(type));
         for (int at = from; at < to; at += static_cast<int>(kVector)) {
             int start = at;

@@ -2,6 +2,7 @@
 
 #include "dataaccess/plain_pass.h"
 #include "dataaccess/test_recording.h"
+#include "xpf/packet_classes.h"
 
 #include <gtest/gtest.h>
 
@@ -22,6 +23,8 @@ namespace {
 // A depth channel with a pause and an uneven rate beside a second channel, and the plain truth of it.
 class ViewQueries : public testing::Test {
   protected:
+    static constexpr std::int64_t kWalk = 30'000'000, kWalkSlice = 1'000'000; // ticks
+
     ViewQueries() : m_recording(m_folder / "r.tarin") {
         std::mt19937 random(11);
         std::uniform_real_distribution<double> step(0.005, 0.02);
@@ -49,8 +52,24 @@ class ViewQueries : public testing::Test {
         return packet ? std::optional(SampleOf(*packet)) : std::nullopt;
     }
 
-    const SSample* NearestInTruth(std::int64_t ticks) const {
-        if (ticks < m_truth.front().ticks || ticks > m_truth.back().ticks) return nullptr;
+    // Dates of the slices of a short window, whose search leaves its samples in the cache.
+    std::vector<std::int64_t> Walk(std::int64_t start) {
+        const SWindow window{CDateTimeSpan(start), CDateTimeSpan(start + kWalk), CDateTimeSpan(kWalkSlice)};
+        CTrvView1DDataQuery query(Address(), window, nullptr);
+        bool cancelled = false;
+        EXPECT_TRUE(query.Execute(cancelled));
+        std::vector<std::int64_t> ticks;
+        for (const auto& packet : query.TakeSeries().representatives)
+            ticks.push_back(SampleOf(*packet).ticks);
+        return ticks;
+    }
+
+    // The answer for a moment. One that the cache knows to the tick is answered by the nearer end.
+    const SSample* NearestInTruth(std::int64_t ticks) {
+        const SSample &first = m_truth.front(), &last = m_truth.back();
+        if (ticks < first.ticks || ticks > last.ticks) return nullptr;
+        if (FirstOfPass(ticks) == test::EPassFrom::firstSample)
+            return ticks - first.ticks <= last.ticks - ticks ? &first : &last;
         return &*std::min_element(m_truth.begin(), m_truth.end(),
                                   [ticks](const SSample& a, const SSample& b) {
                                       return std::abs(a.ticks - ticks) < std::abs(b.ticks - ticks);
@@ -59,8 +78,10 @@ class ViewQueries : public testing::Test {
 
     // A window whose start the cache knows to the tick is walked from the first packet on.
     test::EPassFrom FirstOfPass(std::int64_t start) {
-        return m_usesCache && IsInCache(start) && start > m_truth.front().ticks ? test::EPassFrom::firstSample
-                                                                                : test::EPassFrom::start;
+        return m_usesCache && IsInCache(start) && start > m_truth.front().ticks &&
+                       start < m_truth.back().ticks
+                   ? test::EPassFrom::firstSample
+                   : test::EPassFrom::start;
     }
     bool IsInCache(std::int64_t ticks) {
         std::uint32_t number = 0;
@@ -79,15 +100,21 @@ class ViewQueries : public testing::Test {
 TEST_F(ViewQueries, ValueIsTheNearestPacketTheEarlierOnATie) {
     std::mt19937_64 random(3);
     const std::int64_t from = m_truth.front().ticks - 10'000'000, to = m_truth.back().ticks + 10'000'000;
-    for (int i = 0; i < 300; ++i) {
-        m_usesCache = i % 2 == 0;
-        const auto ticks = from + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(to - from));
+    const auto check = [this](std::int64_t ticks) {
         const auto value = ValueAt(ticks);
         const SSample* truth = NearestInTruth(ticks);
         ASSERT_EQ(value.has_value(), truth != nullptr) << ticks;
         if (truth) {
             ASSERT_EQ(value->ticks, truth->ticks) << ticks;
         }
+    };
+    for (int i = 0; i < 300; ++i) {
+        m_usesCache = i % 2 == 0; // ever warmer
+        const auto ticks = from + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(to - from));
+        check(ticks);
+        if (m_usesCache) Walk(ticks);
+        check(m_truth[random() % m_truth.size()].ticks);
+        if (HasFatalFailure()) return;
     }
     for (std::size_t i : {std::size_t{0}, std::size_t{1}, m_truth.size() / 2, m_truth.size() - 1})
         EXPECT_EQ(ValueAt(m_truth[i].ticks)->ticks, m_truth[i].ticks);
@@ -161,34 +188,103 @@ TEST_F(ViewQueries, OddRequests) {
     EXPECT_TRUE(given.TakeSeries().representatives.empty());
 }
 
-// A moment that the cache knows to the tick is answered by the nearer end of the data, and a window that
-// starts there is walked from the first packet on.
-TEST_F(ViewQueries, ExactHitsInTheCacheLeadToTheEnds) {
+// A window that starts at a date that the cache knows to the tick is walked from the first packet on.
+TEST_F(ViewQueries, ExactHitsInTheCacheLeadToTheFirstPacket) {
     m_usesCache = true;
-    const auto window = [this](std::int64_t start) {
-        const SWindow asked{CDateTimeSpan(start), CDateTimeSpan(start + 30'000'000),
-                            CDateTimeSpan(1'000'000)};
-        CTrvView1DDataQuery query(Address(), asked, nullptr);
-        bool cancelled = false;
-        EXPECT_TRUE(query.Execute(cancelled));
-        std::vector<std::int64_t> ticks;
-        for (const auto& packet : query.TakeSeries().representatives)
-            ticks.push_back(SampleOf(*packet).ticks);
-        return ticks;
-    };
-    for (std::size_t i = 1; i < m_truth.size(); i += 150) window(m_truth[i].ticks + 1);
-    const std::int64_t first = m_truth.front().ticks, last = m_truth.back().ticks;
+    for (std::size_t i = 1; i < m_truth.size(); i += 150) Walk(m_truth[i].ticks + 1);
     int hits = 0;
     for (const SSample& sample : m_truth) {
         if (!IsInCache(sample.ticks) || ++hits > 60) continue;
-        EXPECT_EQ(ValueAt(sample.ticks)->ticks, sample.ticks - first <= last - sample.ticks ? first : last);
         std::vector<std::int64_t> truth;
-        for (const auto& slice : test::ReducePlainly(m_truth, sample.ticks, sample.ticks + 30'000'000,
-                                                     1'000'000, test::EPassFrom::firstSample))
+        for (const auto& slice : test::ReducePlainly(m_truth, sample.ticks, sample.ticks + kWalk, kWalkSlice,
+                                                     test::EPassFrom::firstSample))
             truth.push_back(slice[0].ticks);
-        EXPECT_EQ(window(sample.ticks), truth);
+        EXPECT_EQ(Walk(sample.ticks), truth);
     }
     EXPECT_GT(hits, 60);
+}
+
+// Draws one field of two extremes out to a packet, in the field's own type.
+template <class T>
+void Extend(bool (CXpfPacket::*get)(std::uint32_t, T&) const, bool (CXpfPacket::*set)(std::uint32_t, T),
+            std::uint32_t field, const CXpfPacket& packet, CXpfPacket& low, CXpfPacket& high) {
+    T value, least, greatest;
+    if (!(packet.*get)(field, value)) return;
+    ASSERT_TRUE((low.*get)(field, least) && (high.*get)(field, greatest));
+    if (value < least || std::isnan(least)) (low.*set)(field, value);
+    if (value > greatest || std::isnan(greatest)) (high.*set)(field, value);
+}
+
+std::vector<std::uint8_t> BytesOf(const CXpfPacket& packet) {
+    return {packet.GetPayload(), packet.GetPayload() + packet.GetPayloadSize()};
+}
+
+// With bytes at random. What has several elements is no number: it stays as in the first packet of the slice.
+TEST_F(ViewQueries, ExtremesOfEveryPacketType) {
+    constexpr int kPerSlice = 20, kSlices = 15;
+    std::mt19937 random(23);
+    for (std::uint16_t number = 0; number < GetChannelLayouts().size(); ++number) {
+        const SChannelLayout& row = GetChannelLayouts()[number];
+        if (!FindPacketLayout(row.packetType)) continue;
+        SCOPED_TRACE(row.name);
+        const auto path = m_folder / row.name;
+        Enregistrement::CRecordingWriter writer;
+        ASSERT_TRUE(writer.Create(path, std::span(&row.name, 1)));
+        const auto create = FindPacketClass(row.packetType)->createPacket;
+        PacketList lows, highs;
+        for (int i = 0; i < kPerSlice * kSlices; ++i) {
+            const auto packet = create();
+            std::generate_n(packet->GetPayload(), packet->GetPayloadSize(), random);
+            packet->SetDate(0, CDateTimeSpan(i));
+            ASSERT_TRUE(writer.Write(row.name, *packet));
+            for (auto* list : {&lows, &highs}) {
+                if (i % kPerSlice) continue;
+                list->push_back(create());
+                std::copy_n(packet->GetPayload(), packet->GetPayloadSize(), list->back()->GetPayload());
+            }
+            for (std::uint32_t field = 1; field < packet->GetFieldCount(); ++field) {
+                const auto extend = [&](auto get, auto set) {
+                    Extend(get, set, field, *packet, *lows.back(), *highs.back());
+                };
+                extend(&CXpfPacket::GetDouble, &CXpfPacket::SetDouble);
+                extend(&CXpfPacket::GetFloat, &CXpfPacket::SetFloat);
+                extend(&CXpfPacket::GetInt32, &CXpfPacket::SetInt32);
+                extend(&CXpfPacket::GetInt16, &CXpfPacket::SetInt16);
+                extend(&CXpfPacket::GetInt8, &CXpfPacket::SetInt8);
+                extend(&CXpfPacket::GetUInt32, &CXpfPacket::SetUInt32);
+                extend(&CXpfPacket::GetUInt16, &CXpfPacket::SetUInt16);
+                extend(&CXpfPacket::GetUInt8, &CXpfPacket::SetUInt8);
+            }
+        }
+        ASSERT_TRUE(writer.Flush());
+        CTrvView1DDataQuery query({path, row.kind, number},
+                                  {CDateTimeSpan(0), Seconds(1), CDateTimeSpan(kPerSlice)}, nullptr);
+        bool cancelled = false;
+        ASSERT_TRUE(query.Execute(cancelled));
+        const SReducedSeries series = query.TakeSeries();
+        ASSERT_EQ(series.minima.size(), lows.size());
+        for (std::size_t k = 0; k < lows.size(); ++k) {
+            EXPECT_EQ(BytesOf(*series.minima[k]), BytesOf(*lows[k]));
+            EXPECT_EQ(BytesOf(*series.maxima[k]), BytesOf(*highs[k]));
+        }
+    }
+}
+
+TEST_F(ViewQueries, TheCacheTellsWhereAChannelBeginsAndLearnsWhereItEndsNow) {
+    m_usesCache = true;
+    const auto lastKnown = [this] {
+        ValueAt(m_truth.front().ticks);
+        CXpfFilePosition position;
+        EXPECT_TRUE(m_cache.GetLastPosition(m_recording.GetPath(), test::kDepthNumber, position));
+        return position;
+    };
+    const CXpfFilePosition before = lastKnown();
+    m_recording.Depth(1000, 1);
+    m_recording.Flush();
+    EXPECT_GT(lastKnown().Get(), before.Get());
+    m_cache.SetFirstPosition(m_recording.GetPath(), test::kDepthNumber, before);
+    EXPECT_FALSE(ValueAt(m_truth.front().ticks));
+    EXPECT_EQ(ValueAt(m_truth.back().ticks)->ticks, m_truth.back().ticks);
 }
 
 // Short and long packets are taken as far as they go, and what one does not fill is zero.

@@ -88,6 +88,15 @@ TEST(IntervalIndex, AgreesWithAPlainMapAndUseList) {
     EXPECT_EQ(Find(tree, 1).code, Tree::empty);
 }
 
+TEST(IntervalIndex, AValueReplacedEvictsToo) {
+    Tree tree;
+    for (int key = 0; key < 9; ++key) tree.Insert(CDateTimeSpan(key), 1);
+    tree.SetEviction(true, 9, 4);
+    tree.Insert(CDateTimeSpan(8), 2);
+    EXPECT_EQ(tree.GetCount(), 5u);
+    EXPECT_EQ(Find(tree, 3).code, Tree::below);
+}
+
 TEST(IntervalIndex, InvalidKeyReplacesTheValueReached) {
     Tree tree;
     tree.Insert(CDateTimeSpan(5), 1);
