@@ -15,26 +15,23 @@ constexpr std::int64_t kMin = std::numeric_limits<std::int64_t>::min();
 constexpr std::uint64_t kUnsignedMax = std::numeric_limits<std::uint64_t>::max();
 
 TEST(DateTime, CalendarFieldsGiveTicksAndBack) {
-    const struct {
-        std::uint16_t year, month, day, hour, minute, second;
-        std::int64_t ticks;
-        std::uint64_t expected;
-        int dayOfWeek;
-    } rows[] = {{1601, 1, 1, 0, 0, 0, 0, 0, 1},
-                {1970, 1, 1, 0, 0, 0, 0, 116444736000000000, 4},
-                {2000, 2, 29, 23, 59, 59, 9999999, 125963423999999999, 2},
-                {2026, 7, 14, 6, 30, 0, 5, 134284842000000005, 2},
-                {9999, 12, 31, 0, 0, 0, 0, 2650466880000000000, 5}};
-    for (const auto& row : rows) {
+    const std::tuple<std::uint16_t, std::uint16_t, std::uint16_t, std::uint16_t, std::uint16_t, std::uint16_t,
+                     std::int64_t, std::uint64_t, int>
+        rows[] = {{1601, 1, 1, 0, 0, 0, 0, 0, 1},
+                  {1970, 1, 1, 0, 0, 0, 0, 116444736000000000, 4},
+                  {2000, 2, 29, 23, 59, 59, 9999999, 125963423999999999, 2},
+                  {2026, 7, 14, 6, 30, 0, 5, 134284842000000005, 2},
+                  {9999, 12, 31, 0, 0, 0, 0, 2650466880000000000, 5}};
+    for (const auto& [year, month, day, hour, minute, second, ticks, expected, dayOfWeek] : rows) {
         CDateTime date = CDateTime::Invalid();
-        date.SetDateTime(row.year, row.month, row.day, row.hour, row.minute, row.second, row.ticks);
-        EXPECT_EQ(date, CDateTime(row.expected)) << row.year;
+        date.SetDateTime(year, month, day, hour, minute, second, ticks);
+        EXPECT_EQ(date, CDateTime(expected)) << year;
         CalendarFields back;
         ASSERT_TRUE(date.GetCalendar(back));
-        EXPECT_EQ(back.dayOfWeek, row.dayOfWeek) << row.year;
+        EXPECT_EQ(back.dayOfWeek, dayOfWeek) << year;
         CDateTime again;
         again.SetDateTime(back.year, back.month, back.day, back.hour, back.minute, back.second, back.ticks);
-        EXPECT_EQ(again, date) << row.year;
+        EXPECT_EQ(again, date) << year;
     }
 }
 
@@ -54,22 +51,19 @@ TEST(DateTime, RefusedCalendarFieldsLeaveTheTicks) {
 }
 
 TEST(DateTime, ArithmeticMarksOverflowAndSpreadsInvalidity) {
-    const struct {
-        CDateTime date;
-        CDateTimeSpan span;
-        bool sumValid, differenceValid;
-    } rows[] = {{CDateTime(5), CDateTimeSpan(0), true, true},
-                {CDateTime(5), CDateTimeSpan(5), true, true},
-                {CDateTime(5), CDateTimeSpan(6), true, false},
-                {CDateTime(5), CDateTimeSpan(-6), false, true},
-                {CDateTime(kUnsignedMax), CDateTimeSpan(1), false, true},
-                {CDateTime(kUnsignedMax), CDateTimeSpan(-1), true, false},
-                {CDateTime(0), CDateTimeSpan(kMin), false, true},
-                {CDateTime(5), CDateTimeSpan::Invalid(), false, false},
-                {CDateTime(5, kStatusInvalid), CDateTimeSpan(1), false, false}};
-    for (const auto& row : rows) {
-        EXPECT_EQ((row.date + row.span).IsValid(), row.sumValid) << row.span.GetTicks();
-        EXPECT_EQ((row.date - row.span).IsValid(), row.differenceValid) << row.span.GetTicks();
+    const std::tuple<CDateTime, CDateTimeSpan, bool, bool> rows[] = {
+        {CDateTime(5), CDateTimeSpan(0), true, true},
+        {CDateTime(5), CDateTimeSpan(5), true, true},
+        {CDateTime(5), CDateTimeSpan(6), true, false},
+        {CDateTime(5), CDateTimeSpan(-6), false, true},
+        {CDateTime(kUnsignedMax), CDateTimeSpan(1), false, true},
+        {CDateTime(kUnsignedMax), CDateTimeSpan(-1), true, false},
+        {CDateTime(0), CDateTimeSpan(kMin), false, true},
+        {CDateTime(5), CDateTimeSpan::Invalid(), false, false},
+        {CDateTime(5, kStatusInvalid), CDateTimeSpan(1), false, false}};
+    for (const auto& [date, span, sumValid, differenceValid] : rows) {
+        EXPECT_EQ((date + span).IsValid(), sumValid) << span.GetTicks();
+        EXPECT_EQ((date - span).IsValid(), differenceValid) << span.GetTicks();
     }
     EXPECT_EQ(CDateTime(5, kStatusInvalid) + CDateTimeSpan(9), CDateTime(5, kStatusInvalid));
     EXPECT_EQ(CDateTime(5) + CDateTimeSpan(7), CDateTime(12));
@@ -83,17 +77,13 @@ TEST(DateTime, ArithmeticMarksOverflowAndSpreadsInvalidity) {
 }
 
 TEST(DateTimeSpan, SumsAndDifferencesMarkOverflow) {
-    const struct {
-        std::int64_t left, right;
-        bool sumValid, differenceValid;
-    } rows[] = {{3, 4, true, true},      {kMax, 1, false, true}, {kMax, -1, true, false},
-                {kMin, -1, false, true}, {kMin, 1, true, false}, {kMin, kMin, false, true},
-                {0, kMin, true, false},  {kMax, 0, true, true}};
-    for (const auto& row : rows) {
-        const CDateTimeSpan left(row.left);
-        const CDateTimeSpan right(row.right);
-        EXPECT_EQ((left + right).IsValid(), row.sumValid) << row.left << " + " << row.right;
-        EXPECT_EQ((left - right).IsValid(), row.differenceValid) << row.left << " - " << row.right;
+    const std::tuple<std::int64_t, std::int64_t, bool, bool> rows[] = {
+        {3, 4, true, true},     {kMax, 1, false, true},    {kMax, -1, true, false}, {kMin, -1, false, true},
+        {kMin, 1, true, false}, {kMin, kMin, false, true}, {0, kMin, true, false},  {kMax, 0, true, true}};
+    for (const auto& [left, right, sumValid, differenceValid] : rows) {
+        const CDateTimeSpan a(left), b(right);
+        EXPECT_EQ((a + b).IsValid(), sumValid) << left << " + " << right;
+        EXPECT_EQ((a - b).IsValid(), differenceValid) << left << " - " << right;
     }
     EXPECT_FALSE((CDateTimeSpan(1) - CDateTimeSpan::Invalid()).IsValid());
 }

@@ -41,21 +41,18 @@ TEST(Text, CodePage1252) {
 }
 
 TEST(Text, ComparesWithoutCase) {
-    const struct {
-        const char *a, *b;
-        bool equal;
-    } rows[] = {{"Data.TARIN", "dATA.tarin", true},
-                {"a", "ab", false},
-                {"", "", true},
-                {"[", "{", false},
-                {"ÀÉÞ", "àéþ", true},
-                {"×", "÷", false},
-                {"ŒŸŽĹŇ", "œÿžĺň", true},
-                {"ĸ", "Ĺ", false},
-                {"ΆΩΣ", "άως", true},
-                {"ЁЖҐ", "ёжґ", true},
-                {"é", "e", false}};
-    for (const auto& row : rows) EXPECT_EQ(EqualsNoCase(row.a, row.b), row.equal) << row.a << ' ' << row.b;
+    const std::tuple<const char*, const char*, bool> rows[] = {{"Data.TARIN", "dATA.tarin", true},
+                                                               {"a", "ab", false},
+                                                               {"", "", true},
+                                                               {"[", "{", false},
+                                                               {"ÀÉÞ", "àéþ", true},
+                                                               {"×", "÷", false},
+                                                               {"ŒŸŽĹŇ", "œÿžĺň", true},
+                                                               {"ĸ", "Ĺ", false},
+                                                               {"ΆΩΣ", "άως", true},
+                                                               {"ЁЖҐ", "ёжґ", true},
+                                                               {"é", "e", false}};
+    for (const auto& [a, b, equal] : rows) EXPECT_EQ(EqualsNoCase(a, b), equal) << a << ' ' << b;
 }
 
 TEST(Numbers, ParseDouble) {
