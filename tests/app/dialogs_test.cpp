@@ -29,31 +29,27 @@ void OnNext(Act act) {
 
 TEST(Dialogs, EveryButtonIsAnAnswerAndEscapeChangesNothing) {
     constexpr auto escape = QMessageBox::NoButton;
-    struct {
-        EButtons buttons;
-        QMessageBox::StandardButton pressed;
-        EAnswer answer;
-    } const rows[] = {
-        {EButtons::ok, QMessageBox::Ok, EAnswer::ok},
+    using enum QMessageBox::StandardButton;
+    const std::tuple<EButtons, QMessageBox::StandardButton, EAnswer> rows[] = {
+        {EButtons::ok, Ok, EAnswer::ok},
         {EButtons::ok, escape, EAnswer::ok},
-        {EButtons::okCancel, QMessageBox::Ok, EAnswer::ok},
+        {EButtons::okCancel, Ok, EAnswer::ok},
         {EButtons::okCancel, escape, EAnswer::cancel},
-        {EButtons::yesNo, QMessageBox::Yes, EAnswer::yes},
-        {EButtons::yesNo, QMessageBox::No, EAnswer::no},
-        {EButtons::yesNoCancel, QMessageBox::Yes, EAnswer::yes},
-        {EButtons::yesNoCancel, QMessageBox::No, EAnswer::no},
-        {EButtons::yesNoCancel, QMessageBox::Cancel, EAnswer::cancel},
-        {EButtons::yesNoCancel, escape, EAnswer::cancel},
-    };
+        {EButtons::yesNo, Yes, EAnswer::yes},
+        {EButtons::yesNo, No, EAnswer::no},
+        {EButtons::yesNoCancel, Yes, EAnswer::yes},
+        {EButtons::yesNoCancel, No, EAnswer::no},
+        {EButtons::yesNoCancel, Cancel, EAnswer::cancel},
+        {EButtons::yesNoCancel, escape, EAnswer::cancel}};
     CWindowDialogs dialogs;
     const std::string text = "Save changes to <b>p</b> & q?\n\nSecond line";
-    for (const auto& row : rows) {
+    for (const auto& [buttons, pressed, answer] : rows) {
         OnNext<QMessageBox>([&](QMessageBox& box) {
             EXPECT_EQ(box.text(), ToQString(text));
             EXPECT_EQ(box.textFormat(), Qt::PlainText);
-            row.pressed == escape ? QTest::keyClick(&box, Qt::Key_Escape) : box.button(row.pressed)->click();
+            pressed == escape ? QTest::keyClick(&box, Qt::Key_Escape) : box.button(pressed)->click();
         });
-        EXPECT_EQ(dialogs.ShowMessage(nullptr, text, row.buttons, EIcon::question), row.answer);
+        EXPECT_EQ(dialogs.ShowMessage(nullptr, text, buttons, EIcon::question), answer);
     }
 }
 

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <algorithm>
 #include <thread>
 #include <vector>
 
@@ -15,22 +15,17 @@ using Application_Tarvel::CEventLoopTarget;
 namespace {
 
 TEST(EventLoopTarget, KeepsTheOrderOfEveryThread) {
-    constexpr int kThreads = 4, kMessages = 2000;
     CEventLoopTarget target;
-    std::map<int, std::vector<int>> seen; // by thread
-    int count = 0;
+    std::vector<int> seen[4];
+    std::size_t count = 0;
     std::vector<std::thread> threads;
-    for (int id = 0; id < kThreads; ++id)
-        threads.emplace_back([&, id] {
-            for (int i = 0; i < kMessages; ++i)
-                target.Post([&, id, i] {
-                    seen[id].push_back(i);
-                    ++count;
-                });
+    for (auto& order : seen)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 2000; ++i) target.Post([&, i] { order.push_back(i), ++count; });
         });
-    EXPECT_TRUE(QTest::qWaitFor([&] { return count == kThreads * kMessages; }, 30'000));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return count == 2000 * std::size(seen); }, 30'000));
     for (auto& thread : threads) thread.join();
-    for (const auto& [id, order] : seen) EXPECT_TRUE(std::is_sorted(order.begin(), order.end())) << id;
+    for (const auto& order : seen) EXPECT_TRUE(std::ranges::is_sorted(order));
 }
 
 TEST(EventLoopTarget, ADialogOpenedByAMessageDoesNotHoldUpTheRest) {

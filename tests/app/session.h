@@ -32,14 +32,11 @@ class CScriptedDialogs final : public IDialogs {
     EAnswer ShowMessage(QWidget*, const std::string& text, EButtons, EIcon) override {
         m_messages.push_back(text);
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr); // no question under a wait cursor
-        return m_answers.empty() ? EAnswer::ok : Take(m_answers);
+        return Take(m_answers, EAnswer::ok);
     }
-    std::optional<std::filesystem::path> AskOpenPath(QWidget*, const std::filesystem::path&) override {
-        return m_paths.empty() ? std::nullopt : Take(m_paths);
-    }
-    std::optional<std::filesystem::path> AskSavePath(QWidget*, const std::filesystem::path&) override {
-        return m_paths.empty() ? std::nullopt : Take(m_paths);
-    }
+    using Path = std::optional<std::filesystem::path>;
+    Path AskOpenPath(QWidget*, const std::filesystem::path&) override { return Take(m_paths, {}); }
+    Path AskSavePath(QWidget*, const std::filesystem::path&) override { return Take(m_paths, {}); }
     void ShowAbout(QWidget*, const CVersionInfo&) override { ++m_abouts; }
     bool OpenLink(const QUrl& link) override {
         m_links.push_back(link);
@@ -49,8 +46,9 @@ class CScriptedDialogs final : public IDialogs {
 
   private:
     template <class T>
-    static T Take(std::deque<T>& values) {
-        T value = std::move(values.front());
+    static T Take(std::deque<T>& values, T value) {
+        if (values.empty()) return value;
+        value = std::move(values.front());
         values.pop_front();
         return value;
     }
@@ -92,8 +90,9 @@ class Session : public testing::Test {
         std::string message;
         auto project = CreateProject({m_folder / (name + ".tarin"), path}, message);
         EXPECT_TRUE(project) << message;
-        CMessageQueueHost host(*this);
-        EXPECT_TRUE(host.m_document.NewFromProject(std::move(project), path));
+        Outils::CMessageQueue queue;
+        CTrvDocument document(*m_frame, queue, m_application.GetConfiguration()); // beside the frame's
+        EXPECT_TRUE(document.NewFromProject(std::move(project), path));
         return path;
     }
     bool PumpUntil(const std::function<bool()>& done) { return QTest::qWaitFor(done, 30'000); }
@@ -111,15 +110,6 @@ class Session : public testing::Test {
     CScriptedDialogs m_dialogs;
     QSettings m_settings{QString::fromStdString((m_folder / "settings.ini").string()), QSettings::IniFormat};
     std::unique_ptr<CTrvProjectMainFrame> m_frame;
-
-  private:
-    // Makes projects beside the frame's document.
-    struct CMessageQueueHost {
-        explicit CMessageQueueHost(Session& session)
-            : m_document(*session.m_frame, m_queue, session.m_application.GetConfiguration()) {}
-        Outils::CMessageQueue m_queue;
-        CTrvDocument m_document;
-    };
 };
 
 } // namespace test
