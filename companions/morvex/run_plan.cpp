@@ -4,6 +4,7 @@
 
 #include "foundation/files.h"
 #include "foundation/texts.h"
+#include "model/imu_channel.h"
 #include "model/registration.h"
 #include "model/simulation_parameters.h"
 
@@ -89,7 +90,9 @@ std::unique_ptr<CTrvSimulationParameters> LoadParameters(const std::filesystem::
         CArchive archive(stream, CArchive::load, &registry, path);
         auto parameters = CTrvSimulationParameters::Load(archive);
         // Not in the file: the recording itself says whether its inertial data is ciphered.
-        if (parameters && parameters->nelixConfiguration) parameters->nelixConfiguration->ReadCipherMode();
+        if (parameters && parameters->nelixConfiguration)
+            parameters->nelixConfiguration->imuCipherMode =
+                ReadImuCipherMode(parameters->mainInputFile->path);
         return parameters;
     } catch (const Outils_Objets::CArchiveException&) {
         return nullptr;
