@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 #include <sstream>
 #include <string>
@@ -32,9 +33,16 @@ class CWatchedText : public std::stringbuf {
 
 class Batch : public testing::Test {
   protected:
-    // The exit status; the streams' texts are in m_out and m_error. `onLine` runs behind every line that the
-    // command writes while it works, a progress line say.
-    int Run(std::vector<std::string> words, std::function<void()> onLine = {}) {
+    // Runs a command line of words without blanks; '/' begins the name of a file in the test's folder, and ''
+    // is a word of no letters. The exit status; the streams' texts are in m_out and m_error. `onLine` runs
+    // behind every line that the command writes while it works, a progress line say.
+    int Run(const std::string& line, std::function<void()> onLine = {}) {
+        std::vector<std::string> words;
+        std::istringstream text(line);
+        for (std::string word; text >> word;) {
+            if (const auto slash = word.find('/'); slash != word.npos) word.replace(slash, 1, Path(""));
+            words.push_back(word == "''" ? std::string() : word);
+        }
         CWatchedText outText(std::move(onLine));
         std::ostream out(&outText);
         std::ostringstream error;
@@ -43,7 +51,12 @@ class Batch : public testing::Test {
         m_error = error.str();
         return status;
     }
+    void Succeed(const std::string& line) { ASSERT_EQ(Run(line), 0) << line << '\n' << m_out << m_error; }
     std::string Path(std::string_view name) const { return (m_folder / name).string(); }
+    std::string TextOf(std::string_view name) const {
+        std::ifstream file(Path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
     std::vector<std::string> Lines() const {
         std::vector<std::string> lines;
         std::istringstream text(m_out);

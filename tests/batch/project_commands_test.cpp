@@ -16,11 +16,6 @@ using testing::UnorderedElementsAre;
 
 namespace {
 
-std::string TextOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class ProjectCommands : public test::Batch {
   protected:
     ProjectCommands() {
@@ -33,7 +28,7 @@ class ProjectCommands : public test::Batch {
                             "EM_LOG_1", "EM_LOG_2", "SYNCHRO_1", "SYNCHRO_2", "PLATFORM_ORIENT"};
         std::string error;
         EXPECT_TRUE(WriteMission(options, Path("m.tarin"), {}, error)) << error;
-        EXPECT_EQ(Run({"create", Path("m.tarin"), Path("m.tarprj"), "--add", "all"}), 0) << m_error;
+        Succeed("create /m.tarin /m.tarprj --add all");
     }
 
     // Changes the project behind the program's back.
@@ -49,7 +44,7 @@ class ProjectCommands : public test::Batch {
 // Every kind of sensor takes each of its channels once, up to its maximum, and further kinds of the one
 // recording leave the rest.
 TEST_F(ProjectCommands, AddsSensorsOnTheirOwnChannels) {
-    ASSERT_EQ(Run({"describe", Path("m.tarprj")}), 0) << m_error;
+    Succeed("describe /m.tarprj");
     std::vector<std::string> sensors;
     std::string title;
     for (const std::string& line : Lines()) {
@@ -61,8 +56,8 @@ TEST_F(ProjectCommands, AddsSensorsOnTheirOwnChannels) {
                                      "Depth DEPTH", "Usbl USBL_1", "Usbl USBL_2", "Lbl LBL",
                                      "Odometer ODOMETER", "Event marker SYNCHRO_1", "Event marker SYNCHRO_2",
                                      "Gyro stabilized mount PLATFORM_ORIENT"));
-    ASSERT_EQ(Run({"create", Path("m.tarin"), Path("few.tarprj"), "--add", "usbl,gps,usbl"}), 0) << m_error;
-    ASSERT_EQ(Run({"describe", Path("few.tarprj")}), 0);
+    Succeed("create /m.tarin /few.tarprj --add usbl,gps,usbl");
+    Succeed("describe /few.tarprj");
     EXPECT_THAT(m_out, AllOf(HasSubstr("  Usbl\n"), HasSubstr("  Gps\n"), Not(HasSubstr("  Dvl\n"))));
 }
 
@@ -88,7 +83,7 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
         project.instantValuesSettings->AddMeasure(parameters.mainInputFile.get(), 5, 4, "Fix")->secondField =
             9;
     });
-    ASSERT_EQ(Run({"describe", Path("m.tarprj")}), 0) << m_error;
+    Succeed("describe /m.tarprj");
     const std::string described = m_out;
     for (const char* line :
          {"  Algorithm: Standard\n", "    Channel: GPS_2\n",
@@ -104,9 +99,9 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
           "    Data file: none\n    Channel: 77\n", "    Second field: 9\n"})
         EXPECT_THAT(described, HasSubstr(line));
     EXPECT_THAT(described, Not(HasSubstr("?")));
-    ASSERT_EQ(Run({"copy", Path("m.tarprj"), Path("copy.tarprj")}), 0) << m_error;
-    EXPECT_EQ(Run({"copy", Path("m.tarprj"), Path("copy.tarprj")}), 1);
-    ASSERT_EQ(Run({"describe", Path("copy.tarprj")}), 0);
+    Succeed("copy /m.tarprj /copy.tarprj");
+    EXPECT_EQ(Run("copy /m.tarprj /copy.tarprj"), 1);
+    Succeed("describe /copy.tarprj");
     // Only the result follows the new name.
     std::string expected = described;
     for (std::size_t at; (at = expected.find("m.tarout")) != std::string::npos;)
@@ -115,26 +110,26 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
 }
 
 TEST_F(ProjectCommands, ChecksAndTurnsIntoABatchFileAndBack) {
-    EXPECT_EQ(Run({"check", Path("m.tarprj")}), 0);
+    Succeed("check /m.tarprj");
     EXPECT_THAT(m_out, IsEmpty());
-    ASSERT_EQ(Run({"parameters", Path("m.tarprj"), Path("c.xml")}), 0) << m_error;
-    EXPECT_THAT(TextOf(Path("c.xml")), HasSubstr("<morvexParameters>"));
-    ASSERT_EQ(Run({"create-from-parameters", Path("c.xml"), Path("back.tarprj")}), 0) << m_error;
-    ASSERT_EQ(Run({"describe", Path("m.tarprj")}), 0);
+    Succeed("parameters /m.tarprj /c.xml");
+    EXPECT_THAT(TextOf("c.xml"), HasSubstr("<morvexParameters>"));
+    Succeed("create-from-parameters /c.xml /back.tarprj");
+    Succeed("describe /m.tarprj");
     const std::string described = m_out;
-    ASSERT_EQ(Run({"describe", Path("back.tarprj")}), 0);
+    Succeed("describe /back.tarprj");
     EXPECT_EQ(m_out, described); // the result's name is that of the command file
 
     std::filesystem::copy_file(Path("m.tarin"), Path("other.tarin"));
-    ASSERT_EQ(Run({"create-from-parameters", Path("c.xml"), Path("other.tarprj"), "--file",
-                   "main=" + Path("other.tarin"), "--file", "output=" + Path("o.tarout")}),
-              0)
+    ASSERT_EQ(
+        Run("create-from-parameters /c.xml /other.tarprj --file main=/other.tarin --file output=/o.tarout"),
+        0)
         << m_error;
-    ASSERT_EQ(Run({"describe", Path("other.tarprj")}), 0);
+    Succeed("describe /other.tarprj");
     EXPECT_THAT(m_out, HasSubstr("Path: " + Path("other.tarin")));
     EXPECT_THAT(m_out, HasSubstr("Path: " + Path("o.tarout")));
-    EXPECT_EQ(Run({"create-from-parameters", Path("c.xml"), Path("x.tarprj"), "--file", "nobody=x"}), 2);
-    EXPECT_EQ(Run({"create-from-parameters", Path("m.tarin"), Path("x.tarprj")}), 1);
+    EXPECT_EQ(Run("create-from-parameters /c.xml /x.tarprj --file nobody=x"), 2);
+    EXPECT_EQ(Run("create-from-parameters /m.tarin /x.tarprj"), 1);
 }
 
 TEST_F(ProjectCommands, BrokenRulesAreToldAndKeepAProjectFromWork) {
@@ -142,70 +137,62 @@ TEST_F(ProjectCommands, BrokenRulesAreToldAndKeepAProjectFromWork) {
         project.simulationParameters->AddZupt(); // its period is empty
         project.simulationParameters->AddOutputRate()->value = 0;
     });
-    EXPECT_EQ(Run({"check", Path("m.tarprj")}), 1);
+    EXPECT_EQ(Run("check /m.tarprj"), 1);
     EXPECT_THAT(Lines(),
                 UnorderedElementsAre("ZUPT end time should be strictly greater than begin time",
                                      "Output rate end time should be strictly greater than begin time",
                                      "Output rate value should be strictly positive"));
-    EXPECT_EQ(Run({"parameters", Path("m.tarprj"), Path("broken.xml")}), 1);
+    EXPECT_EQ(Run("parameters /m.tarprj /broken.xml"), 1);
     EXPECT_THAT(m_error, HasSubstr("ZUPT end time"));
     EXPECT_FALSE(std::filesystem::exists(Path("broken.xml")));
-    EXPECT_EQ(Run({"run", Path("m.tarprj")}), 1);
+    EXPECT_EQ(Run("run /m.tarprj"), 1);
     EXPECT_FALSE(std::filesystem::exists(Path("m.tarout")));
 }
 
 // The result and a batch command file take the place of files, but never of what the user cannot have meant.
 TEST_F(ProjectCommands, NothingIsWrittenOverARecordingOrAProject) {
-    const std::string recording = TextOf(Path("m.tarin")), project = TextOf(Path("m.tarprj"));
+    const std::string recording = TextOf("m.tarin"), project = TextOf("m.tarprj");
     for (const char* target : {"m.tarin", "m.tarprj"})
-        EXPECT_EQ(Run({"parameters", Path("m.tarprj"), Path(target)}), 1);
-    ASSERT_EQ(Run({"parameters", Path("m.tarprj"), Path("p.xml")}), 0);
-    EXPECT_EQ(Run({"create-from-parameters", Path("p.xml"), Path("x.tarprj"), "--file",
-                   "output=" + Path("m.tarin")}),
-              1);
+        EXPECT_EQ(Run(std::string("parameters /m.tarprj /") + target), 1);
+    Succeed("parameters /m.tarprj /p.xml");
+    EXPECT_EQ(Run("create-from-parameters /p.xml /x.tarprj --file output=/m.tarin"), 1);
     std::filesystem::copy_file(Path("m.tarin"), Path("n.tarout"));
-    EXPECT_EQ(Run({"create", Path("n.tarout"), Path("n.tarprj")}), 1);
-    EXPECT_EQ(TextOf(Path("m.tarprj")), project);
+    EXPECT_EQ(Run("create /n.tarout /n.tarprj"), 1);
+    EXPECT_EQ(TextOf("m.tarprj"), project);
 
     // A link leads there all the same.
     std::filesystem::create_symlink(Path("m.tarin"), Path("link.tarout"));
-    ASSERT_EQ(Run({"create-from-parameters", Path("p.xml"), Path("x.tarprj"), "--file",
-                   "output=" + Path("link.tarout")}),
-              0)
-        << m_error;
-    EXPECT_EQ(Run({"run", Path("x.tarprj")}), 1);
+    Succeed("create-from-parameters /p.xml /x.tarprj --file output=/link.tarout");
+    EXPECT_EQ(Run("run /x.tarprj"), 1);
     EXPECT_THAT(m_error, HasSubstr("would take the place of a file"));
-    EXPECT_EQ(TextOf(Path("m.tarin")), recording);
+    EXPECT_EQ(TextOf("m.tarin"), recording);
 }
 
 TEST_F(ProjectCommands, ImportsTheConfigurationOfTheIns) {
     std::ofstream(Path("ins.txt"))
         << "[System]\nPosition=43.5,7.25,12\nbias=1,2,3\nAxisor=4\n[Info]\nType=11\n";
-    ASSERT_EQ(Run({"create", Path("m.tarin"), Path("i.tarprj"), "--ins-configuration", Path("ins.txt")}), 0)
-        << m_error;
-    ASSERT_EQ(Run({"describe", Path("i.tarprj")}), 0);
+    Succeed("create /m.tarin /i.tarprj --ins-configuration /ins.txt");
+    Succeed("describe /i.tarprj");
     EXPECT_THAT(m_out, HasSubstr("Rough misalignment: 4\n"));
     // Sensors that the configuration brought keep their channels for themselves.
     std::ofstream(Path("ins.txt"), std::ios::app) << "[Gps]\nPort=1\n";
-    ASSERT_EQ(Run({"create", Path("m.tarin"), Path("g.tarprj"), "--add", "gps", "--ins-configuration",
-                   Path("ins.txt")}),
-              0);
-    EXPECT_EQ(Run({"check", Path("g.tarprj")}), 0) << m_out;
+    Succeed("create /m.tarin /g.tarprj --add gps --ins-configuration /ins.txt");
+    Succeed("check /g.tarprj");
     std::ofstream(Path("bad.txt")) << "[System]\nbias=none\n";
-    EXPECT_EQ(Run({"create", Path("m.tarin"), Path("b.tarprj"), "--ins-configuration", Path("bad.txt")}), 1);
-    EXPECT_EQ(Run({"create", Path("m.tarin"), Path("b.tarprj"), "--ins-configuration", Path("gone.txt")}), 1);
+    EXPECT_EQ(Run("create /m.tarin /b.tarprj --ins-configuration /bad.txt"), 1);
+    EXPECT_EQ(Run("create /m.tarin /b.tarprj --ins-configuration /gone.txt"), 1);
     EXPECT_FALSE(std::filesystem::exists(Path("b.tarprj")));
 }
 
 TEST_F(ProjectCommands, TellsWhatFilesHold) {
-    ASSERT_EQ(Run({"dictionary", Path("m.tarprj")}), 0);
+    Succeed("dictionary /m.tarprj");
     EXPECT_THAT(m_out, HasSubstr("m.tarin;GPS_1;GPS receiver;Has data\n  Measure;5;Latitude;Latitude\n"));
     EXPECT_THAT(m_out, HasSubstr(";Off;On;Auto\n"));
-    ASSERT_EQ(Run({"detect", Path("m.tarin")}), 0);
+    Succeed("detect /m.tarin");
     EXPECT_TRUE(m_out.starts_with("1;")) << m_out;
-    EXPECT_EQ(Run({"detect", Path("gone")}), 1);
+    EXPECT_EQ(Run("detect /gone"), 1);
 
-    ASSERT_EQ(Run({"analyse", Path("m.tarin")}), 0);
+    Succeed("analyse /m.tarin");
     EXPECT_THAT(m_out, HasSubstr("0;IMU;2000;0.0100000;20.0000000;100.000;0;0\n"));
     EXPECT_THAT(m_out, HasSubstr("UTC origin;14/05/2024 08:00:00.000\n"));
     EXPECT_THAT(m_out, HasSubstr("first position;43"));
@@ -215,11 +202,11 @@ TEST_F(ProjectCommands, TellsWhatFilesHold) {
 
     // A hole of foreign bytes and a torn end are told with their places, and what lies around them is
     // counted.
-    std::string bytes = TextOf(Path("m.tarin"));
+    std::string bytes = TextOf("m.tarin");
     bytes.replace(bytes.size() / 2, 300, 300, 'x');
     bytes.resize(bytes.size() - 5);
     std::ofstream(Path("damaged.tarin"), std::ios::binary) << bytes;
-    ASSERT_EQ(Run({"analyse", Path("damaged.tarin")}), 0);
+    Succeed("analyse /damaged.tarin");
     EXPECT_THAT(m_out, HasSubstr("damaged at byte "));
     EXPECT_THAT(m_out, HasSubstr("torn at byte "));
 
@@ -229,7 +216,7 @@ TEST_F(ProjectCommands, TellsWhatFilesHold) {
                              std::string("!!\x09\0\x1C\0\0\0", 8));
     for (int i = 0; i < 300; ++i) wreck << packet << "between";
     wreck.close();
-    ASSERT_EQ(Run({"analyse", Path("damaged.tarin")}), 0);
+    Succeed("analyse /damaged.tarin");
     EXPECT_THAT(m_out, HasSubstr("\n9;USBL_1;310;"));
     EXPECT_THAT(m_out, HasSubstr("and 202 more damaged places, 1414 bytes\n"));
 }
