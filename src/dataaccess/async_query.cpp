@@ -68,12 +68,14 @@ void CAsyncQueryLoaderThread::RequestStop() {
 // A loader that was told to end may be held by a read that the system does not answer: another one takes its
 // queue over.
 void CAsyncQueryManager::ReplaceStoppedLoader() {
-    auto fresh = std::make_unique<CAsyncQueryLoaderThread>(m_port);
+    std::deque<std::shared_ptr<CAsyncQuery>> queue;
     {
         const std::lock_guard lock(m_loader->m_mutex);
         if (!m_loader->m_stop || !m_loader->m_serving) return;
-        fresh->m_queue.swap(m_loader->m_queue);
+        queue.swap(m_loader->m_queue);
     }
+    auto fresh = std::make_unique<CAsyncQueryLoaderThread>(m_port);
+    fresh->m_queue = std::move(queue);
     m_stopped.Take(std::exchange(m_loader, std::move(fresh)));
 }
 

@@ -59,8 +59,10 @@ void CTrvDocument::LookAtRecording() {
             return facts;
         },
         [this](const SFacts& facts) {
-            m_pProject->simulationParameters->imuFrequency = facts.imuFrequency;
-            m_pProject->simulationParameters->nelixConfiguration->imuCipherMode = facts.cipherMode;
+            auto& own = *m_pProject->simulationParameters;
+            own.imuFrequency = facts.imuFrequency;
+            own.nelixConfiguration->imuCipherMode = facts.cipherMode;
+            if (!m_bSettingUp) UpdateAllViews(nullptr, hintSimulationParametersChanged, &own);
         });
 }
 

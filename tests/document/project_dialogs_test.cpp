@@ -4,6 +4,7 @@
 #include "dataaccess/test_recording.h"
 #include "document/choosers.h"
 #include "document/document.h"
+#include "document/project_creation.h"
 #include "document/rough_misalignment.h"
 #include "document/scripted_host.h"
 #include "foundation/files.h"
@@ -179,6 +180,33 @@ TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
     CNewProjectWizard wizard(m_host, m_configuration, m_looks);
     wizard.ChooseInputFiles({"/d/raw1.log", "/d/raw 2.log"});
     EXPECT_EQ(wizard.GetInputLine(), "/d/raw1.log \"/d/raw 2.log\"");
+}
+
+TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
+    CTrvDocument document(m_host, m_host.m_queue, m_configuration);
+    Record("second.tarin", 14);
+    Record("repaired.tarin", 14);
+    std::string message;
+    auto project = CreateProject({m_folder / "dive.tarin", m_folder / "p.tarprj"}, message);
+    ASSERT_TRUE(project && project->AddDataFile(m_folder / "second.tarin", false));
+    ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
+    for (const char* name : {"dive.tarin", "second.tarin"})
+        std::filesystem::copy_file(m_folder / "old.tarin", m_folder / name,
+                                   std::filesystem::copy_options::overwrite_existing);
+    m_host.m_repaired = m_folder / "repaired.tarin";
+    std::vector<std::string> names; // of the first channels, as the dictionary has them
+    for (const bool upgrade : {false, true}) {
+        m_host.m_answers = {upgrade ? EAnswer::yes : EAnswer::no};
+        ASSERT_TRUE(document.CommandOpen(m_folder / "p.tarprj"));
+        EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textUpgradeDataFiles)));
+        for (const CTrvDataFile* file : document.GetProject()->simulationParameters->GetDataFiles())
+            if (const auto* layer = document.GetProject()->dataModel->FindLayer(file, 0))
+                names.push_back(layer->m_name);
+    }
+    EXPECT_THAT(names, ElementsAre("XMU", "XMU", "IMU", "IMU"));
+    ASSERT_TRUE(document.CommandOpen(m_folder / "p.tarprj"));
+    EXPECT_THAT(m_host.m_messages, IsEmpty());
+    EXPECT_THAT(m_host.m_output, IsEmpty());
 }
 
 TEST_F(ProjectDialogs, NewBringsTheWizardsProjectIntoTheDocument) {
