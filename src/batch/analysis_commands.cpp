@@ -1,5 +1,6 @@
 // The commands that tell what is in files: the dictionary of a project, a scan of one packet file, the format
 // of a recording.
+#include "batch/batch_host.h"
 #include "batch/commands.h"
 #include "batch/file_scan.h"
 #include "batch/labels.h"
@@ -59,7 +60,7 @@ int AnalyseCommand(const COptions& options, SStreams streams) {
         streams.out << number << ';' << (channel ? channel->GetName() : std::string()) << ';' << seen->packets
                     << ';' << (dated ? seen->first.ToText() : "") << ';' << (dated ? seen->last.ToText() : "")
                     << ';' << Outils_Texte::FormatFixed(seen->GetRate(), 3) << ';' << seen->numberJumps << ';'
-                    << seen->timeJumps << '\n';
+                    << seen->timeJumps << ';' << seen->badLinks << '\n';
     }
     CTrvAdaptors adaptors;
     ConfigureAdaptors(adaptors);
@@ -80,8 +81,10 @@ int DetectCommand(const COptions& options, SStreams streams) {
     CTrvAdaptors adaptors;
     ConfigureAdaptors(adaptors);
     int code = formatUnknown;
+    std::error_code error;
     if (!DetectFileFormat(FromText(path), code, adaptors.GetDateTime()))
-        return Fail(path, textNoSuchFile, streams);
+        return Fail(path, std::filesystem::exists(FromText(path), error) ? textNoFile : textNoSuchFile,
+                    streams);
     streams.out << code << ';' << GetText(GetFormatTextId(code)) << '\n';
     return exitSuccess;
 }
@@ -94,12 +97,13 @@ int DictionaryCommand(const COptions& options, SStreams streams) {
     session.WaitForAnalysis();
     for (const auto& layer : project.dataModel->m_layers) {
         streams.out << Outils_Fichiers::ToText(layer->m_dataFile->path.filename()) << ';' << layer->m_name
-                    << ';' << layer->m_description << ';'
+                    << ';' << ToCell(layer->m_description) << ';'
                     << GetText(layer->m_hasData ? textHasData : textNoData) << '\n';
         for (const auto& measure : layer->m_measures) {
             const std::uint32_t nature = measure->m_nature < natureCount ? measure->m_nature : +natureUnknown;
-            streams.out << "  " << GetText(labelMeasure) << ';' << measure->m_index << ';' << measure->m_name
-                        << ';' << GetText(kNatureLabels + static_cast<int>(nature)) << '\n';
+            streams.out << "  " << GetText(labelMeasure) << ';' << measure->m_index << ';'
+                        << ToCell(measure->m_name) << ';' << GetText(kNatureLabels + static_cast<int>(nature))
+                        << '\n';
         }
         for (const auto& enumeration : layer->m_enums) {
             streams.out << "  " << GetText(labelEnumeration) << ';' << enumeration->m_index << ';'
@@ -108,7 +112,12 @@ int DictionaryCommand(const COptions& options, SStreams streams) {
             streams.out << '\n';
         }
     }
-    return exitSuccess;
+    // A file that could not be read has been told of; the result need not be there.
+    const auto files = project.simulationParameters->GetDataFiles();
+    const bool whole = std::all_of(files.begin(), files.end(), [&](const auto* file) {
+        return file == project.simulationParameters->outputFile.get() || project.dataModel->HasLayers(file);
+    });
+    return whole ? exitSuccess : exitFailure;
 }
 
 } // namespace Batch

@@ -23,6 +23,15 @@ std::string ToLine(std::string_view text) {
     return line;
 }
 
+std::string ToCell(std::string_view text) {
+    std::string cell(text);
+    for (char& c : cell) {
+        if (c == ';') c = ',';
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
+    }
+    return cell;
+}
+
 EAnswer CBatchHost::ShowMessage(const std::string& text, EButtons buttons, EIcon icon) {
     m_streams.error << ToLine(text) << std::endl;
     if (icon != EIcon::question) m_failed = true;
@@ -35,13 +44,13 @@ bool CBatchHost::UpdateDataFile(const std::filesystem::path& path) {
     return false;
 }
 
-void CBatchHost::AppendOutputText(const std::string& line) { m_streams.out << line << std::endl; }
+void CBatchHost::AppendOutputText(const std::string& line) { m_lines << line << std::endl; }
 
 void CBatchHost::SetProgress(int percent) {
     // A run sets the bar back to 0 at its end: lines only ever tell of progress made.
     if (!m_progressShows || percent <= m_lastPercent) return;
     m_lastPercent = percent;
-    m_streams.out << "progress " << percent << std::endl;
+    m_lines << "progress " << percent << std::endl;
 }
 
 void CBatchHost::ShowProgress(bool visible) {

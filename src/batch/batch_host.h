@@ -10,11 +10,15 @@ namespace Batch {
 
 // A text of several paragraphs as one line.
 std::string ToLine(std::string_view text);
+// A text of a file as one cell of a line: without separators and control characters.
+std::string ToCell(std::string_view text);
 
 class CBatchHost final : public Application_Tarvel::IDocumentHost,
                          private Communication_Processus::INotificationWindow {
   public:
-    explicit CBatchHost(SStreams streams) : m_streams(streams), m_receiver(m_queue, this) {}
+    // What the application shows in its output panel and as progress goes to `lines`.
+    CBatchHost(SStreams streams, std::ostream& lines)
+        : m_streams(streams), m_lines(lines), m_receiver(m_queue, this) {}
 
     Outils::CMessageQueue& GetQueue() { return m_queue; }
     // A message box was shown, or a child reported an error.
@@ -45,6 +49,7 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
     void OnMessageQueued() override;
 
     SStreams m_streams;
+    std::ostream& m_lines;
     Outils::CMessageQueue m_queue;
     Communication_Processus::CMorvexReceiver m_receiver;
     bool m_failed = false;

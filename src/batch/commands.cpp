@@ -74,12 +74,20 @@ int Run(std::span<const std::string> words, SStreams streams) {
         return exitUsage;
     }
     try {
+        const auto optionsEnd = std::find(words.begin(), words.end(), "--");
+        if (std::find(words.begin(), optionsEnd, "--help") != optionsEnd) {
+            streams.out << FormatText(textUsage, {kProgram, command->name, command->usage}) << '\n'
+                        << GetText(command->summary) << '\n';
+            return exitSuccess;
+        }
         const COptions options(words.subspan(1), command->options);
         if (options.GetArguments().size() != command->arguments) throw CUsageError(textWrongArguments);
         const int status = command->run(options, streams);
         streams.out.flush();
         // A full disk or a closed pipe behind standard output must not pass for success.
-        return status == exitSuccess && !streams.out ? exitFailure : status;
+        if (streams.out) return status;
+        streams.error << kProgram << ": " << GetText(textOutputNotWritten) << '\n';
+        return exitFailure;
     } catch (const CUsageError& fault) {
         streams.error << kProgram << ": " << fault.what() << '\n'
                       << FormatText(textUsage, {kProgram, command->name, command->usage}) << '\n';

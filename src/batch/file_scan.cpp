@@ -59,7 +59,8 @@ class CFileScan::CFirstDataFinder : private CTrvTarinDataFileAnalyzerThread {
 };
 
 double SChannelScan::GetRate() const {
-    const double length = dates > 1 ? (last - first).GetTotalSeconds() : 0;
+    // Damaged dates may lie farther apart than a span can tell.
+    const double length = last.GetTotalSeconds() - first.GetTotalSeconds();
     return length > 0 ? static_cast<double>(dates - 1) / length : 0;
 }
 
@@ -81,7 +82,7 @@ void CFileScan::Run(const std::function<void(int percent)>& progress) {
     for (std::int64_t position = m_file.GetPosition(); position < size; position = m_file.GetPosition()) {
         const EPacketRead read = m_file.ReadPacket(header, payload);
         if (read == EPacketRead::whole) {
-            Take(header, payload);
+            Take(position, header, payload);
         } else {
             if (m_firstData) m_firstData->End();
             // A damaged size may reach beyond the end, too: the file is torn when no packet follows.
@@ -130,12 +131,22 @@ void CFileScan::AddDamage(const SDamage& damage) {
     m_moreBytes += damage.size;
 }
 
-void CFileScan::Take(const SPacketHeader& header, std::span<const std::uint8_t> payload) {
+void CFileScan::Take(std::int64_t position, const SPacketHeader& header,
+                     std::span<const std::uint8_t> payload) {
     auto& entry = m_channels[header.channel];
     if (!entry) entry = std::make_unique<SChannelScan>();
     SChannelScan& seen = *entry;
-    if (seen.packets++ > 0) seen.numberJumps += header.number != seen.lastNumber + 1;
+    if (seen.packets++ > 0) {
+        const std::int64_t distance = position - seen.lastPosition;
+        if (header.number != seen.lastNumber + 1)
+            ++seen.numberJumps;
+        else // a writer that is at work may not have set the link forward yet
+            seen.badLinks += header.backLink != distance ||
+                             (seen.lastForwardLink != 0 && seen.lastForwardLink != distance);
+    }
     seen.lastNumber = header.number;
+    seen.lastForwardLink = header.forwardLink;
+    seen.lastPosition = position;
     const auto offset = m_dateOffsets[header.channel];
     std::int64_t ticks;
     if (offset && *offset + sizeof ticks <= payload.size()) {

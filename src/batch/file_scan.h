@@ -20,7 +20,10 @@ struct SChannelScan {
     CDateTimeSpan first, last;     // dates of the first and the last of them
     std::uint64_t numberJumps = 0; // packets whose number does not follow the one before
     std::uint64_t timeJumps = 0;   // packets dated before the one before
+    std::uint64_t badLinks = 0;    // between packets of following numbers, those that lead elsewhere
     std::uint32_t lastNumber = 0;
+    std::uint32_t lastForwardLink = 0;
+    std::int64_t lastPosition = 0;
 
     // Packets per second between the first and the last date; 0 when those tell none.
     double GetRate() const;
@@ -60,7 +63,8 @@ class CFileScan {
     // Moves to the first whole packet at or behind a place; false when there is none.
     bool FindNextPacket(std::int64_t from);
     void AddDamage(const SDamage& damage);
-    void Take(const Persistance_Xpf::SPacketHeader& header, std::span<const std::uint8_t> payload);
+    void Take(std::int64_t position, const Persistance_Xpf::SPacketHeader& header,
+              std::span<const std::uint8_t> payload);
 
     Persistance_Xpf::CXpfFile& m_file;
     // By channel number.

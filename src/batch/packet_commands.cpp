@@ -1,4 +1,5 @@
 // The commands that look into one packet file.
+#include "batch/batch_host.h"
 #include "batch/commands.h"
 #include "batch/packet_access.h"
 #include "dataaccess/view_queries.h"
@@ -18,6 +19,16 @@ using namespace Persistance_Xpf;
 namespace {
 
 constexpr std::string_view kSeparator = ";";
+
+using EError = CTrvDataQuery::EError;
+
+// Runs a query here and now; false, with the reason told, when it fails.
+bool Ask(CTrvDataQuery& query, const std::string& path, SStreams streams) {
+    bool cancelled = false;
+    if (query.Execute(cancelled)) return true;
+    Fail(path, query.GetError() == EError::noPackets ? textChannelEmpty : textNumbersContradict, streams);
+    return false;
+}
 
 CDateTimeSpan DateOf(const CXpfPacket& packet) {
     CDateTimeSpan date;
@@ -39,14 +50,15 @@ int ChannelsCommand(const COptions& options, SStreams streams) {
         const auto date = [&]() -> std::string {
             return packet && channel->ReadNextPacket(*packet) ? DateOf(*packet).ToText() : "";
         };
-        if (channel->SeekLastPacket(&header)) {
-            const std::string last = date();
-            const std::string first = channel->SeekFirstPacket(nullptr) ? date() : "";
-            streams.out << header.number + 1ull << kSeparator << first << kSeparator << last;
-        } else {
-            streams.out << 0 << kSeparator << kSeparator;
-        }
-        streams.out << kSeparator << channel->GetDescription() << '\n';
+        const bool hasLast = channel->SeekLastPacket(&header);
+        const std::string last = hasLast ? date() : "";
+        // Damage can hide the end of a channel, and with it the number of its packets.
+        const bool hasFirst = channel->SeekFirstPacket(nullptr);
+        streams.out << (hasLast    ? std::to_string(header.number + 1ull)
+                        : hasFirst ? ""
+                                   : "0")
+                    << kSeparator << (hasFirst ? date() : "") << kSeparator << last << kSeparator
+                    << ToCell(channel->GetDescription()) << '\n';
     }
     return exitSuccess;
 }
@@ -65,18 +77,22 @@ int PacketsCommand(const COptions& options, SStreams streams) {
     if (from) {
         Outils::CEvent never;
         SDateBracket bracket;
+        bool found = false;
         const auto path = Outils_Fichiers::FromText(arguments[0]);
         auto& dated = static_cast<CXpfDatedPacket&>(*open.packet);
         switch (SearchDate(*open.channel, dated, first, {path, nullptr, false, never}, bracket)) {
-        case EDateSearch::failed: return Fail(arguments[0], textNumbersContradict, streams);
+        case EDateSearch::found: found = open.channel->SeekPacketNumber(bracket.lowerNumber); break;
         case EDateSearch::outside:
             if (first > bracket.upperDate) return exitSuccess;
-            open.channel->SeekFirstPacket(nullptr);
             break;
-        default: open.channel->SeekPacketNumber(bracket.lowerNumber); break;
+        default: break;
         }
+        // Where damage defeats the search, the walk alone finds the packets.
+        if (!found) open.channel->SeekFirstPacket(nullptr);
     }
-    while (left > 0 && streams.out && open.channel->ReadNextPacket(*open.packet)) {
+    while (left > 0 && streams.out) {
+        open.packet->Clear(); // what a short packet does not fill is zero
+        if (!open.channel->ReadNextPacket(*open.packet)) break;
         const CDateTimeSpan date = DateOf(*open.packet);
         if (date < first) continue;
         if (date > last) break;
@@ -91,10 +107,11 @@ int AtCommand(const COptions& options, SStreams streams) {
     const CDateTimeSpan time = ParseSeconds(arguments[2]);
     const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
     if (!open.packet) return exitFailure;
+    CXpfFileCache cache;
     CTrvViewValueDataQuery query(
-        {Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber()}, time, nullptr);
-    bool cancelled = false;
-    if (!query.Execute(cancelled)) return Fail(arguments[0], textChannelEmpty, streams);
+        {Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber(), &cache}, time,
+        nullptr);
+    if (!Ask(query, arguments[0], streams)) return exitFailure;
     const auto packet = query.TakePacket();
     if (!packet) return Fail(arguments[0], textTimeOutside, streams);
     streams.out << packet->GetHeaderText(kSeparator) << '\n' << packet->ToText(kSeparator) << '\n';
@@ -111,10 +128,11 @@ int ReduceCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
     if (!open.packet) return exitFailure;
-    CTrvView1DDataQuery query({Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber()},
-                              {*from, *to, slice, true}, nullptr);
-    bool cancelled = false;
-    if (!query.Execute(cancelled)) return Fail(arguments[0], textChannelEmpty, streams);
+    CXpfFileCache cache;
+    CTrvView1DDataQuery query(
+        {Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber(), &cache},
+        {*from, *to, slice, true}, nullptr);
+    if (!Ask(query, arguments[0], streams)) return exitFailure;
     const SReducedSeries series = query.TakeSeries();
     const std::string header = open.packet->GetHeaderText(kSeparator);
     streams.out << header << kSeparator << header << kSeparator << header << '\n';

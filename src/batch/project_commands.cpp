@@ -118,7 +118,7 @@ int CopyCommand(const COptions& options, SStreams streams) {
 
 int RunCommand(const COptions& options, SStreams streams) {
     CEndSignals signals; // before any thread starts: a thread that lets a signal in would end the program
-    CSession session(streams);
+    CSession session(streams, streams.out);
     if (!session.Open(options.GetArguments()[0])) return exitFailure;
     CTrvDocument& document = session.GetDocument();
     CBatchHost& host = session.GetHost();

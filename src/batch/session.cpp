@@ -17,8 +17,8 @@ void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors) {
     adaptors.Configure(configuration);
 }
 
-CSession::CSession(SStreams streams)
-    : m_host(streams), m_document(m_host, m_host.GetQueue(), m_configuration) {
+CSession::CSession(SStreams streams, std::ostream& lines)
+    : m_host(streams, lines), m_document(m_host, m_host.GetQueue(), m_configuration) {
     LoadSettings(m_configuration);
 }
 

@@ -15,7 +15,9 @@ void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors);
 
 class CSession {
   public:
-    explicit CSession(SStreams streams);
+    // The application's own lines go to the error stream: a command's output is for the next program.
+    explicit CSession(SStreams streams) : CSession(streams, streams.error) {}
+    CSession(SStreams streams, std::ostream& lines);
 
     CBatchHost& GetHost() { return m_host; }
     Application_Tarvel::CTrvDocument& GetDocument() { return m_document; }

@@ -39,7 +39,9 @@ enum ETextId : int {
     textFirstPosition = 10596,
     textDamagedAt = 10597,
     textTornAt = 10598,
-    textMoreDamage = 10599
+    textMoreDamage = 10599,
+    textNoFile = 10614,
+    textOutputNotWritten = 10615
 };
 
 } // namespace Batch

@@ -193,16 +193,25 @@ TEST_F(ProjectCommands, TellsWhatFilesHold) {
     EXPECT_EQ(Run("detect /gone"), 1);
 
     Succeed("analyse /m.tarin");
-    EXPECT_THAT(m_out, HasSubstr("0;IMU;2000;0.0100000;20.0000000;100.000;0;0\n"));
+    EXPECT_THAT(m_out, HasSubstr("0;IMU;2000;0.0100000;20.0000000;100.000;0;0;0\n"));
     EXPECT_THAT(m_out, HasSubstr("UTC origin;14/05/2024 08:00:00.000\n"));
     EXPECT_THAT(m_out, HasSubstr("first position;43"));
     EXPECT_THAT(m_out, Not(HasSubstr("damaged")));
 
     EXPECT_THAT(m_error, AllOf(HasSubstr("progress 10\n"), HasSubstr("progress 100\n")));
 
+    // Dates and links that no writer writes.
+    std::string bytes = TextOf("m.tarin");
+    std::string odd = bytes;
+    odd.replace(odd.find(std::string("$$\5\0", 4)) + 20, 8, std::string("\0\0\0\0\0\0\0\x80", 8));
+    odd[odd.find(std::string("$$\0\0", 4)) + 16] ^= 1;
+    std::ofstream(Path("odd.tarin"), std::ios::binary) << odd;
+    Succeed("analyse /odd.tarin");
+    EXPECT_THAT(m_out, HasSubstr("\n0;IMU;2000;0.0100000;20.0000000;100.000;0;0;1\n"));
+    EXPECT_THAT(m_out, HasSubstr("\n5;GPS_1;20;-922337203685.4775808;20.0000000;0.000;0;0;0\n"));
+
     // A hole of foreign bytes and a torn end are told with their places, and what lies around them is
     // counted.
-    std::string bytes = TextOf("m.tarin");
     bytes.replace(bytes.size() / 2, 300, 300, 'x');
     bytes.resize(bytes.size() - 5);
     std::ofstream(Path("damaged.tarin"), std::ios::binary) << bytes;
