@@ -67,7 +67,7 @@ class CTrvDocument final : public CDocumentEx {
     void FollowDataFile(CTrvDataFile& file);
     void ForgetDataFile(const CTrvDataFile& file);
     // What the analysis of an input file finds of its UTC origin and position within the time that the
-    // settings allow; the only wait of the UI thread.
+    // settings allow.
     SFirstData WaitForFirstData(const CTrvDataFile& file);
     // For views whose query on a file of the project failed: if the file is the reason, the output panel says
     // so, once until the file is whole again.

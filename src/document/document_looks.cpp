@@ -74,7 +74,7 @@ void CTrvDocument::OnLooked(CTrvDataFile& file, SFileLook look) {
         m_firstLooks[&file] = std::move(look);
     } else {
         if (state.checkVersion) CheckDataFileVersions({{&file, look}});
-        FollowLook(file, look);
+        if (!m_fileLooks.IsAsked(&file)) FollowLook(file, look);
     }
 }
 
@@ -125,8 +125,13 @@ void CTrvDocument::CheckDataFileVersions(const std::map<CTrvDataFile*, SFileLook
     if (upgradable.empty()) return;
     const std::string question(GetText(textUpgradeDataFiles));
     if (GetHost().ShowMessage(question, EButtons::yesNo, EIcon::question) != EAnswer::yes) return;
-    for (CTrvDataFile* file : upgradable)
-        if (GetHost().UpdateDataFile(file->path)) LookAtFile(*file);
+    for (CTrvDataFile* file : upgradable) {
+        if (!GetHost().UpdateDataFile(file->path)) continue;
+        LookAtFile(*file);
+        if (m_bSettingUp) continue;
+        StopAnalysis(*file, true);
+        StartAnalysis(*file);
+    }
     if (m_bSettingUp) m_fileLooks.Wait(GetHost().GetPatience());
 }
 

@@ -71,17 +71,27 @@ bool CTrvDocument::StartSimulation() {
 // The engine's result takes the place of the file of its name. A project from elsewhere may name a recording
 // there, or a link to one.
 bool CTrvDocument::RefuseResultOverInput() {
-    const CTrvDataFile* output = m_pProject->simulationParameters->outputFile.get();
-    for (const CTrvDataFile* file : GetDataFiles()) {
-        std::error_code error;
-        if (file == output || !(Outils_Fichiers::SamePath(file->path, output->path) ||
-                                std::filesystem::equivalent(file->path, output->path, error)))
-            continue;
-        GetHost().ShowMessage(Outils_Texte::FormatText(textResultIsInput, {ToText(file->path)}), EButtons::ok,
-                              EIcon::exclamation);
-        return true;
-    }
-    return false;
+    std::vector<std::filesystem::path> inputs;
+    for (const CTrvDataFile* file : GetDataFiles())
+        if (!IsResultFile(*file)) inputs.push_back(file->path);
+    // The first of the inputs whose place the result would take.
+    const auto find = [inputs,
+                       output = m_pProject->simulationParameters->outputFile->path](const Outils::CEvent&) {
+        const auto isOutput = [&output](const std::filesystem::path& input) {
+            std::error_code error;
+            return Outils_Fichiers::SamePath(input, output) ||
+                   std::filesystem::equivalent(input, output, error);
+        };
+        const auto found = std::find_if(inputs.begin(), inputs.end(), isOutput);
+        return found == inputs.end() ? std::filesystem::path() : *found;
+    };
+    // Where a disk does not answer, none is said to be free of it.
+    const auto found = m_fileLooks.Call(find, GetTimeForChosenFile(m_configuration));
+    if (found && found->empty()) return false;
+    const int text = found ? textResultIsInput : textFileNotReadable;
+    GetHost().ShowMessage(Outils_Texte::FormatText(text, {ToText(found ? *found : inputs.front())}),
+                          EButtons::ok, EIcon::exclamation);
+    return true;
 }
 
 bool CTrvDocument::ValidateProject(int line, int message) {

@@ -32,15 +32,22 @@ void CFileLooks::TakeAnswer(SQuestion& question) {
     take(); // may ask anew
 }
 
-void CFileLooks::Wait(std::chrono::milliseconds patience) {
+void CFileLooks::Wait(std::chrono::milliseconds patience, Key only) {
     using Clock = std::chrono::steady_clock;
     const Clock::time_point end = Clock::now() + patience;
-    const auto asked = m_questions;
+    auto asked = m_questions;
+    asked.remove_if([only](const auto& question) { return only && question->key != only; });
     for (const auto& question : asked)
         question->answered.Wait(std::max(std::chrono::milliseconds(0),
                                          std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now())));
     for (const auto& question : asked)
         if (question->answered.IsSet() && question->task) TakeAnswer(*question);
+}
+
+void CFileLooks::EndEarly(Key key) {
+    for (const auto& question : m_questions)
+        if (question->key == key) question->task->Stop();
+    Wait(std::chrono::milliseconds(100), key); // ample for a walk, which ends at its next read
 }
 
 void CFileLooks::Forget(Key key) {

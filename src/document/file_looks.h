@@ -44,18 +44,19 @@ class CFileLooks {
             asked.take = [answer = std::move(answer), take] { take(std::move(*answer)); };
         });
     }
-    // The answer, if it comes within the time.
+    // The answer, if it comes within the time. A look that then gives up may still say what it has.
     template <class Look>
     auto Call(Look look, std::chrono::milliseconds patience) {
         std::optional<std::invoke_result_t<Look, const Outils::CEvent&>> result;
         Ask(&result, std::move(look), [&result](auto&& answer) { result = std::move(answer); });
-        Wait(patience);
+        Wait(patience, &result);
+        if (!result) EndEarly(&result);
         Forget(&result);
         return result;
     }
-    // Waits at most this long for all answers together, and has those that are there taken, in the order of
-    // the questions.
-    void Wait(std::chrono::milliseconds patience);
+    // Waits at most this long for all answers together, or for that to the question of the key, and has those
+    // that are there taken, in the order of the questions.
+    void Wait(std::chrono::milliseconds patience, Key only = nullptr);
     // The question's answer will not be taken.
     void Forget(Key key);
     void ForgetAll();
@@ -75,6 +76,7 @@ class CFileLooks {
 
     void Start(const std::shared_ptr<SQuestion>& question, CWork work);
     void TakeAnswer(SQuestion& question);
+    void EndEarly(Key key);
     void Retire(std::shared_ptr<SQuestion> question);
 
     Outils::IMessageTarget& m_target;

@@ -390,6 +390,8 @@ TEST_F(Document, SensorsWithoutAChoiceAreAddedWhileANewProjectIsOpen) {
 TEST_F(Document, AResultThatAppearsAndGrowsIsFollowed) {
     Create();
     const auto result = m_folder / "p.tarout";
+    std::ofstream(result) << "XP"; // seen before its header is whole
+    ASSERT_TRUE(PumpUntil([&] { return !m_host.m_output.empty(); }));
     constexpr std::string_view channels[] = {"MORVEX_STD", "MORVEX_MSG"};
     Enregistrement::CRecordingWriter writer;
     ASSERT_TRUE(writer.Create(result, channels));

@@ -10,6 +10,7 @@
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
+#include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>
 
@@ -190,10 +191,12 @@ TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
     auto project = CreateProject({m_folder / "dive.tarin", m_folder / "p.tarprj"}, message);
     ASSERT_TRUE(project && project->AddDataFile(m_folder / "second.tarin", false));
     ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
-    for (const char* name : {"dive.tarin", "second.tarin"})
-        std::filesystem::copy_file(m_folder / "old.tarin", m_folder / name,
-                                   std::filesystem::copy_options::overwrite_existing);
-    m_host.m_repaired = m_folder / "repaired.tarin";
+    const auto putBack = [this](std::initializer_list<const char*> names) {
+        m_host.m_repaired = m_folder / "old.tarin";
+        for (const auto& file : InFolder(names)) m_host.UpdateDataFile(file);
+        m_host.m_repaired = m_folder / "repaired.tarin";
+    };
+    putBack({"dive.tarin", "second.tarin"});
     std::vector<std::string> names; // of the first channels, as the dictionary has them
     for (const bool upgrade : {false, true}) {
         m_host.m_answers = {upgrade ? EAnswer::yes : EAnswer::no};
@@ -204,8 +207,23 @@ TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
                 names.push_back(layer->m_name);
     }
     EXPECT_THAT(names, ElementsAre("XMU", "XMU", "IMU", "IMU"));
-    ASSERT_TRUE(document.CommandOpen(m_folder / "p.tarprj"));
-    EXPECT_THAT(m_host.m_messages, IsEmpty());
+
+    // Of a file that answers late, behind the opening.
+    putBack({"dive.tarin"});
+    m_host.m_patience = {};
+    {
+        const test::CFaultyDisk disk(m_folder / "dive.tarin", test::CFaultyDisk::stalls);
+        ASSERT_TRUE(document.CommandOpen(m_folder / "p.tarprj"));
+        EXPECT_THAT(m_host.m_messages, IsEmpty());
+    }
+    const auto isFollowed = [&] {
+        const auto& main = *document.GetProject()->simulationParameters->mainInputFile;
+        const auto* layer = document.GetProject()->dataModel->FindLayer(&main, 0);
+        return layer && layer->m_name == "IMU" && layer->m_hasData;
+    };
+    m_host.m_answers = {EAnswer::yes};
+    EXPECT_TRUE(m_host.m_queue.RunUntil(isFollowed, std::chrono::seconds(30)));
+    EXPECT_THAT(m_host.m_messages, ElementsAre(Text(textUpgradeDataFiles)));
     EXPECT_THAT(m_host.m_output, IsEmpty());
 }
 

@@ -7,7 +7,6 @@
 #include <condition_variable>
 #include <list>
 #include <mutex>
-#include <sys/fsuid.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -91,10 +90,6 @@ void CFaultyDisk::WaitForHeld(int count) const {
                            [&](const SFault& fault) { return fault.owner == this && fault.held >= count; });
     });
 }
-
-CWithoutRights::CWithoutRights() { ::setfsuid(65534); }
-
-CWithoutRights::~CWithoutRights() { ::setfsuid(::geteuid()); }
 
 } // namespace test
 

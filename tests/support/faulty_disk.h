@@ -24,13 +24,4 @@ class CFaultyDisk {
     void WaitForHeld(int count) const;
 };
 
-// Takes from the calling thread, and from those that it starts, the rights of the superuser to files.
-class CWithoutRights {
-  public:
-    CWithoutRights();
-    ~CWithoutRights();
-    CWithoutRights(const CWithoutRights&) = delete;
-    CWithoutRights& operator=(const CWithoutRights&) = delete;
-};
-
 } // namespace test
