@@ -1,19 +1,20 @@
 #include "sample_project.h"
 
+#include <algorithm>
 #include <cstring>
 #include <sstream>
 
 namespace {
 
-// Writes archives word by word, without the classes under test: what a file of any version holds, byte by
-// byte.
-//   CName  CName=label         a new object of the class
-//   @label  ^label             a reference to it, the second where it is the holder of the present object
-//   12  1.5  f1.5  q12  h12  b1  xFF   32 bits, double, float, 64 bits, 16 bits, 8 bits, 32 bits in
-//   hexadecimal 'text'                     Latin-1, shorter than 255 characters v  v:CName the version of the
-//   class that begins the line, or of that one [3 words | others]         since version 3 of that class; the
-//   others where the content is older [CName.3 words]            the same of another class; what an older
-//   content has is no different
+// Writes archives from words, without the classes under test: what a file of any version holds, byte by byte.
+//   CName  CName=label      a new object of the class
+//   @label  ^label          a reference to it; the second is to the holder of the present object
+//   12  1.5  f1.5  q12      32-bit integer, double, float, 64-bit integer
+//   h12  b1  xFF            16 bits, 8 bits, 32 bits in hexadecimal
+//   'text'                  Latin-1, shorter than 255 characters
+//   v  v:CName              the version of the class that begins the line, or of that one
+//   [3 words | others]      since version 3 of the class; the others where the content is older
+//   [CName.3 words]         the same of another class, whatever the content
 class CSampleWriter {
   public:
     CSampleWriter(const Versions& layout, const Versions& content, const SSampleForm& form)
@@ -116,8 +117,13 @@ class CSampleWriter {
     int m_lastIndex = 0;
 };
 
-std::string Arm(double first = 1.5) { return " CLeverArm 1 1 " + std::to_string(first) + " -2.5 3.5"; }
-std::string Angles(double first = 10) { return " CMisalignment 1 1 " + std::to_string(first) + " 20.0 30.0"; }
+// Three values that no other call gives but one of the same number.
+std::string Triple(const std::string& name, double number) {
+    return " " + name + " 1 1 " + std::to_string(number + 0.125) + " " + std::to_string(-number - 0.25) +
+           " " + std::to_string(number + 0.5);
+}
+std::string Arm(double number) { return Triple("CLeverArm", number); }
+std::string Angles(double number) { return Triple("CMisalignment", number); }
 const std::string kCurrent = " CTrvCurrentModeling 1 1 1 1800.0 0.25";
 
 // In a layout since `since`: the user's deviations, or none. `end` stands behind its values.
@@ -132,14 +138,16 @@ std::string Sensor(const std::string& name, int number, const std::string& chann
     const std::string label = "s" + std::to_string(number);
     std::string text = "\n" + name + "=" + label + " v v:CTrvSensor 1 1 ^parameters " + channel + " q" +
                        std::to_string(-1000 - number) + " " + std::to_string(groups.size());
+    int end = 100 * (number + 1);
     for (const std::string& group : groups)
         text += " CTrvRejectionGroup=group 1 1 1 ^" + label + " '" + group +
-                "' 1 CTrvRejectionInstruction 1 1 1 1 q70 q80 ^group 2";
+                "' 1 CTrvRejectionInstruction 1 1 1 1 q70 q" + std::to_string(++end) + " ^group 2";
     return text + " [CTrvSensor.2 b1 | b0]";
 }
 std::string ScalarSensor(const std::string& kind, int number) {
-    return Sensor("CTrvSensor" + kind, number, "@c" + std::to_string(number), {"Rejections"}) + Arm() +
-           StdDev(2, "CTrv" + kind + "StdDevInstruction", "0.25", "0.0");
+    return Sensor("CTrvSensor" + kind, number, "@c" + std::to_string(number), {"Rejections"}) +
+           Arm(10 + number) +
+           StdDev(2, "CTrv" + kind + "StdDevInstruction", std::to_string(0.25 + number), "0.0");
 }
 std::string DataFile(const std::string& label, const std::string& path, const std::string& channels = "0") {
     return " CTrvDataFile=" + label + " v:CTrvDataFile 1 1 ^parameters '" + path + "' " + channels +
@@ -157,25 +165,26 @@ std::string Script(const std::string& mainFile) {
     }
     const std::string firstChannel = "CTrvDataFileChannel=c0 1 1 1" + DataFile("main", mainFile, channels) +
                                      " h10 'CHANNEL_0' 'CTrvSensorGps'";
-    const std::string four = "1.0 2.0 3.0 4.0", noFour = "0.0 0.0 0.0 0.0", noThree = "0.0 0.0 0.0";
-    const std::string dvlStdDev =
-        StdDev(3, "CTrvDvlStdDevInstruction", "1.0 2.0 3.0", noThree, " [CTrvDvlStdDevInstruction.2 ^s1]");
+    const std::string noFour = "0.0 0.0 0.0 0.0", noThree = "0.0 0.0 0.0";
+    const auto dvlStdDev = [&](const std::string& values) {
+        return StdDev(3, "CTrvDvlStdDevInstruction", values, noThree, " [CTrvDvlStdDevInstruction.2 ^s1]");
+    };
     return "CTrvProject=project v 1 1"
            "\nCTrvSimulationParameters=parameters v 1 1 1 [4 2 3 | 0 1] [3 1 | 0] 1 1 -4.25 48.5 12.0 7 2.5"
            " q1000 q2000 1 CTrvOutputRate 1 1 1 1 q10 q20 25.0 1 CTrvZupt 1 1 1 1 q30 q40 4"
            " [2 1 CTrvAltitudeMode 1 1 1 1 q50 q60 2 | 0] 9" +
            Sensor("CTrvSensorGps", 0, firstChannel, {"Horizontal rejections"}) + Arm(4) +
-           StdDev(2, "CTrvGpsStdDevInstruction", four, noFour) +
+           StdDev(2, "CTrvGpsStdDevInstruction", "1.5 2.5 3.5 4.5", noFour) +
            " [3 CTrvGpsStdDevThreshold 1 1 1 0.1 0.2 0.3 | CTrvGpsStdDevThreshold 1 1 1 0.03 0.03 0.03]" +
            Sensor("CTrvSensorDvl", 1, "@c1", {"Bottom speed rejections", "Watermass speed rejections"}) +
-           Arm() + Angles() + " 0.0125" + kCurrent +
-           " [2 CTrvSpeedBias 1 1 0.5 0.0 -0.5 | CTrvSpeedBias 1 1 0.0 0.0 0.0]" + dvlStdDev + dvlStdDev +
-           ScalarSensor("EMLog", 2) + ScalarSensor("Depth", 3) +
-           Sensor("CTrvSensorUsbl", 4, "@c4", {"Rejections"}) + " 77" + Arm() + " 'TP-7'" +
-           StdDev(2, "CTrvUsblStdDevInstruction", four, noFour) +
+           Arm(11) + Angles(11) + " 0.0125" + kCurrent +
+           " [2 CTrvSpeedBias 1 1 0.5 0.75 -0.5 | CTrvSpeedBias 1 1 0.0 0.0 0.0]" + dvlStdDev("1.0 2.0 3.0") +
+           dvlStdDev("4.0 5.0 6.0") + ScalarSensor("EMLog", 2) + ScalarSensor("Depth", 3) +
+           Sensor("CTrvSensorUsbl", 4, "@c4", {"Rejections"}) + " 77" + Arm(14) + " 'TP-7'" +
+           StdDev(2, "CTrvUsblStdDevInstruction", "5.5 6.5 7.5 8.5", noFour) +
            " [3 1 CTrvHorizontalFilteringInstruction 1 1 1 1 q90 q95 ^s4 f1.5 | 0]" + ScalarSensor("Lbl", 5) +
-           Sensor("CTrvSensorOdometer", 6, "@c6", {"Rejections"}) + Arm() + Angles() + " 0.02" +
-           " CTrvOdometerStdDevInstruction 1 1 1 1 q100 q200 b0 1 5.0 6.0 7.0" +
+           Sensor("CTrvSensorOdometer", 6, "@c6", {"Rejections"}) + Arm(16) + Angles(16) + " 0.02" +
+           " CTrvOdometerStdDevInstruction 1 1 1 1 q100 q200 b0 1 5.25 6.25 7.25" +
            Sensor("CTrvSensorEventMarker", 7, "@c7", {}) + " '3'" +
            Sensor("CTrvSensorPlatformOrientation", 8, "@c8", {}) + Arm(5) + Angles(6) + Arm(7) + Angles(8) +
            "\nCTrvNelixConfiguration v 1 1" + Angles(1) + " [2 23 | 0]" + Angles(2) + " [4" + Angles(3) +

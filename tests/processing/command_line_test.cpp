@@ -8,10 +8,7 @@ using namespace Communication_Processus;
 using testing::ElementsAreArray;
 
 TEST(CommandLine, IsSplitByTheOriginalPlatformsRules) {
-    const struct {
-        const char* line;
-        std::vector<std::string> arguments;
-    } rows[] = {
+    const std::tuple<const char*, std::vector<std::string>> rows[] = {
         {"", {""}},
         {" /remote", {"", "/remote"}},
         {"tool", {"tool"}},
@@ -26,8 +23,8 @@ TEST(CommandLine, IsSplitByTheOriginalPlatformsRules) {
         {R"(t "a""b c" """")", {"t", "a\"b c", "\""}},
         {R"(t "open end)", {"t", "open end"}},
     };
-    for (const auto& row : rows)
-        EXPECT_THAT(SplitCommandLine(row.line), ElementsAreArray(row.arguments)) << row.line;
+    for (const auto& [line, arguments] : rows)
+        EXPECT_THAT(SplitCommandLine(line), ElementsAreArray(arguments)) << line;
     EXPECT_THAT(SplitCommandLine(std::string_view("t a\0b", 5)), ElementsAreArray({"t", "a"}));
 }
 

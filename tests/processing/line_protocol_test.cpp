@@ -12,16 +12,12 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-// Writes down what reaches the sink.
-struct SMorvexSink : IMorvexNotification {
+// Writes down what reaches the sink of an engine or of a tool.
+struct SSink : IMorvexNotification, ISimpleImporterNotification {
     void OnProgress(float percent) override { calls.push_back(testing::PrintToString(percent)); }
     void OnMessage(int level, int code, std::string_view text) override {
-        calls.push_back(std::to_string(level) + "/" + std::to_string(code) + "/" + std::string(text));
+        OnMessage(level, std::to_string(code) + "/" + std::string(text));
     }
-    Calls calls;
-};
-struct SToolSink : ISimpleImporterNotification {
-    void OnProgress(float percent) override { calls.push_back(testing::PrintToString(percent)); }
     void OnMessage(int level, std::string_view text) override {
         calls.push_back(std::to_string(level) + "/" + std::string(text));
     }
@@ -44,10 +40,7 @@ Calls LinesOf(std::string_view bytes, std::size_t split) {
 } // namespace
 
 TEST(LineProtocol, TokensFollowTheQuotingRules) {
-    const struct {
-        const char* line;
-        Calls tokens;
-    } rows[] = {
+    const std::tuple<const char*, Calls> rows[] = {
         {"", {}},
         {" \t ", {}},
         {"progress  50.5", {"progress", "50.5"}},
@@ -64,7 +57,7 @@ TEST(LineProtocol, TokensFollowTheQuotingRules) {
         {R"(a b"c d" "e" )", {"a", "b\"c", "d\"", "e"}},
         {R"(a ")", {"a"}},
     };
-    for (const auto& row : rows) EXPECT_EQ(SplitTokens(row.line), row.tokens) << row.line;
+    for (const auto& [line, tokens] : rows) EXPECT_EQ(SplitTokens(line), tokens) << line;
 }
 
 TEST(LineProtocol, LinesAreTheSameHoweverTheBytesArrive) {
@@ -108,7 +101,7 @@ TEST(LineProtocol, PercentagesAreWholeNumbersInRange) {
 TEST(LineProtocol, SinksGetOnlyWellFormedLines) {
     SMorvex morvex;
     morvex.Give("progress 1"); // without a sink
-    SMorvexSink sink;
+    SSink sink;
     morvex.SetNotification(&sink);
     for (const char* line :
          {"progress 50.5", "progress 1 2", "progress", "progress x", "message 2 -7 \"a b\"", "message 9 0 t",
@@ -117,7 +110,7 @@ TEST(LineProtocol, SinksGetOnlyWellFormedLines) {
         morvex.Give(line);
     EXPECT_THAT(sink.calls, ElementsAre("50.5", "2/-7/a b", "9/0/t", "1/2/t", "1/2147483647/t"));
 
-    SToolSink tool;
+    SSink tool;
     for (const char* line : {"progress 0", "progress 101", "message info i", "message warning w",
                              "message error \"e e\"", "message fatal f", "message info", "message 1 2 t"})
         NotifyToolLine(SplitTokens(line), &tool);

@@ -12,8 +12,7 @@ namespace {
 struct SWindow : INotificationWindow {
     void OnProgressChanged() override { shown.push_back(std::to_string(receiver->LastProgress())); }
     void OnMessageQueued() override {
-        int level = 0;
-        int code = 0;
+        int level = 0, code = 0;
         std::string text;
         if (receiver->TakeMessage(level, code, text)) shown.push_back(FormatMessageLine(level, text));
     }
@@ -77,8 +76,7 @@ TEST(NotificationQueue, KeepsTheNewestMessagesWhenNobodyTakesThem) {
     receiver.OnProgress(4.0f);
     EXPECT_FALSE(receiver.IsFull());
     EXPECT_EQ(ui.RunPending(), 0u);
-    int level = 0;
-    int code = 0;
+    int level = 0, code = 0;
     std::string text;
     EXPECT_TRUE(receiver.TakeMessage(level, code, text));
     EXPECT_EQ(code, 3);

@@ -3,6 +3,9 @@
 #include "dataaccess/test_recording.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
+#include "model/project.h"
+#include "model/registration.h"
+#include "model/sample_project.h"
 #include "recording/recording_header.h"
 
 #include <pugixml.hpp>
@@ -22,91 +25,6 @@ constexpr std::string_view kChannels[] = {"IMU",      "LBL",       "DVL_BT",    
                                           "ODOMETER", "SYNCHRO_1", "SYNCHRO_2", "PLATFORM_ORIENT"};
 const CDateTime kReference(133'000'000'000'000'000);
 
-// Gives every field that a parameter file holds, and every one that it does not, a value of its own.
-class CFiller {
-  public:
-    void FillAll(CTrvSimulationParameters& parameters) {
-        parameters.algorithm = parameters.gpsAltitudeReference = 1;
-        parameters.heaveSeaState = 3;
-        parameters.referencePosition = CPosition(48.123456789012, -4.5, 12.0625);
-        Fill(parameters.defaultOutputRate, parameters.begin, parameters.end);
-        for (int i = 0; i < 2; ++i) {
-            CTrvOutputRate& rate = *parameters.AddOutputRate();
-            Fill(rate.value, rate.begin, rate.end);
-            FillMode(*parameters.AddZupt());
-            FillMode(*parameters.AddAltitudeMode());
-        }
-        CTrvNelixConfiguration& ins = *parameters.nelixConfiguration;
-        ins.roughMisalignment = 7;
-        ins.type->SetFromEquipment(17);
-        Fill(*ins.primaryLeverArm, *ins.secondaryLeverArmA, *ins.secondaryLeverArmB, *ins.secondaryLeverArmC);
-        Fill(*ins.cogLeverArm, *ins.factoryMisalignment, *ins.fineMisalignment, *ins.userMisalignment);
-        Fill(ins.currentModeling->sigma, parameters.mainInputFile->timeOffset);
-        for (const auto& file : parameters.externalFiles) Fill(file->timeOffset);
-        for (const SSensorKind& kind : GetSensorKinds()) FillSensor(*parameters.AddSensor(kind.kind));
-    }
-
-  private:
-    template <class... Values>
-    void Fill(Values&... values) {
-        (Set(values), ...);
-    }
-    void Set(double& value) { value = ++m_count * 0.1; }
-    void Set(CDateTime& time) {
-        ++m_count;
-        time = ToStoredTime(CDateTimeSpan(m_count * (m_count % 2 ? 15'000'001LL : -1LL)));
-    }
-    void Set(CLeverArm& leverArm) { Fill(leverArm.xv1, leverArm.xv2, leverArm.xv3); }
-    void Set(CMisalignment& angles) { Fill(angles.heading, angles.roll, angles.pitch); }
-    template <class Instruction>
-    void FillMode(Instruction& instruction) {
-        Fill(instruction.begin, instruction.end);
-        instruction.mode = ++m_count;
-    }
-
-    void FillSensor(CTrvSensor& sensor) {
-        Fill(sensor.timeOffset);
-        sensor.synchronizedOutput = sensor.GetLeverArm() != nullptr;
-        for (const auto& group : sensor.rejectionGroups)
-            for (int i = 0; i < 2; ++i) FillMode(*group->AddInstruction());
-        if (CLeverArm* leverArm = sensor.GetLeverArm()) Fill(*leverArm);
-        if (CMisalignment* angles = sensor.GetMisalignment()) Fill(*angles);
-        if (double* scale = sensor.GetScaleFactor()) *scale = 1.0 / 7;
-        for (CTrvStdDevInstruction* stdDev : sensor.GetStdDevInstructions()) {
-            if (!stdDev) continue;
-            stdDev->isDefault = false;
-            FillMode(*stdDev);
-            stdDev->mode = stdDevUserDefined;
-            for (int i = 0; i < stdDev->GetValueCount(); ++i) Fill(stdDev->Value(i));
-        }
-        if (auto* gps = dynamic_cast<CTrvSensorGps*>(&sensor)) {
-            // A channel of an external file, and the data's own standard deviation.
-            gps->channel = gps->owner->externalFiles.at(1)->FindChannel("GPS_2");
-            gps->stdDevInstruction->mode = stdDevLive;
-            CTrvGpsStdDevThreshold& minimum = *gps->stdDevThreshold;
-            Fill(minimum.latitude, minimum.longitude, minimum.altitude);
-        } else if (auto* dvl = dynamic_cast<CTrvSensorDvl*>(&sensor)) {
-            // Six digits are all that the file keeps of these.
-            dvl->currentModeling->sigma = 0.125;
-            dvl->currentModeling->time = 1234.5;
-            Fill(dvl->speedBias->x, dvl->speedBias->y, dvl->speedBias->z);
-        } else if (auto* usbl = dynamic_cast<CTrvSensorUsbl*>(&sensor)) {
-            usbl->transponderCode = "T42";
-            usbl->reserved = 5;
-            CTrvHorizontalFilteringInstruction& filter = *usbl->AddFilteringInstruction();
-            Fill(filter.begin, filter.end);
-            filter.threshold = 0.3f;
-        } else if (auto* mount = dynamic_cast<CTrvSensorPlatformOrientation*>(&sensor)) {
-            Fill(*mount->insLeverArm, *mount->vehicleLeverArm);
-            Fill(*mount->insMisalignment, *mount->vehicleMisalignment);
-        } else if (auto* marker = dynamic_cast<CTrvSensorEventMarker*>(&sensor)) {
-            marker->eventId = "<1> & \"\xC3\xA9\xE2\x82\xAC\"";
-        }
-    }
-
-    int m_count = 0;
-};
-
 // Everything that a parameter file does not hold, and nothing else, becomes what a reader starts from.
 void Forget(CTrvSimulationParameters& parameters) {
     CTrvNelixConfiguration& ins = *parameters.nelixConfiguration;
@@ -116,7 +34,7 @@ void Forget(CTrvSimulationParameters& parameters) {
         parameters.heaveSeaState = 0;
         *ins.cogLeverArm = CLeverArm();
     }
-    parameters.mainInputFile->timeOffset = CDateTime();
+    parameters.mainInputFile->timeOffset = parameters.outputFile->timeOffset = CDateTime();
     for (const auto& file : parameters.externalFiles) file->timeOffset = CDateTime();
     for (const auto& sensor : parameters.sensors) {
         for (CTrvStdDevInstruction* stdDev : sensor->GetStdDevInstructions()) {
@@ -152,16 +70,36 @@ class ParameterFile : public testing::Test {
         const std::string_view name = "LBL", dotted = "L.L";
         const auto found = std::search(header.begin(), header.end(), name.begin(), name.end());
         std::copy(dotted.begin(), dotted.end(), found);
-        for (const char* file : {"main.tarin", "ext.tarin", "second.tarin"})
+        for (const char* file : {"main.tarin", "ext.tarin"})
             EXPECT_TRUE(Outils_Fichiers::WriteWholeFile(m_folder / file, header));
     }
 
+    // One of everything, each with a value of its own, over the recordings here.
     Parameters MakeFull(std::int32_t heaveAlgorithm, bool hasUtc) {
-        auto parameters = MakeEmpty();
+        Outils_Objets::CClassRegistry registry;
+        RegisterModelClasses(registry);
+        Outils_Objets::CMemoryStream stream(WriteSampleProject(CurrentVersions(), CurrentVersions()));
+        Outils_Objets::CArchive archive(stream, Outils_Objets::CArchive::load, &registry);
+        Parameters parameters = std::move(CTrvProject::Load(archive)->simulationParameters);
+        const auto moveTo = [](CTrvDataFile& file, std::filesystem::path path) {
+            file.path = std::move(path);
+            file.channels.clear();
+            file.ReadChannels();
+        };
+        moveTo(*parameters->mainInputFile, m_folder / "main.tarin");
+        moveTo(*parameters->outputFile, m_folder / "main.tarout");
+        moveTo(*parameters->externalFiles.at(0), m_folder / "ext.tarin");
+        for (const auto& sensor : parameters->sensors) {
+            sensor->channel = parameters->mainInputFile->FindChannelForSensor(*sensor);
+            sensor->synchronizedOutput = sensor->GetLeverArm() != nullptr;
+        }
+        auto& gps = dynamic_cast<CTrvSensorGps&>(*parameters->sensors[0]);
+        gps.channel = parameters->externalFiles[0]->FindChannel("GPS_2");
+        gps.stdDevInstruction->mode = stdDevLive;
+        parameters->referencePosition = CPosition(48.123456789012, -4.5, 12.0625);
         parameters->heaveAlgorithm = heaveAlgorithm;
-        EXPECT_TRUE(parameters->AddDataFile(m_folder / "ext.tarin"));
-        EXPECT_TRUE(parameters->AddDataFile(m_folder / "second.tarin"));
-        CFiller().FillAll(*parameters);
+        parameters->hasUtcReference = false;
+        parameters->utcReference = CDateTime();
         if (hasUtc) parameters->SetUtcReference(kReference, {});
         return parameters;
     }
@@ -241,6 +179,7 @@ TEST_F(ParameterFile, HasThisText) {
     dvl.scaleFactor = 0.0125;
     dvl.currentModeling->sigma = 1.0 / 3;
     dvl.synchronizedOutput = true;
+    dvl.rejectionGroups[0]->AddInstruction()->end = CDateTime(25'000'000);
     dvl.timeOffset = ToStoredTime(CDateTimeSpan(-2'500'000));
     const std::string expected = R"(<?xml version="1.0" encoding="iso-8859-1"?>
 <morvexParameters>
@@ -265,7 +204,9 @@ TEST_F(ParameterFile, HasThisText) {
 		<misalignment heading="0" roll="0" pitch="0" />
 		<scaleFactor>0.0125</scaleFactor>
 		<bias x="0" y="0" z="0" />
-		<bottomTrack />
+		<bottomTrack>
+			<rejection mode="0" from="0" to="2.5" />
+		</bottomTrack>
 		<waterTrack />
 	</dvl>
 	<processing algorithm="0" gpsAltitudeReference="0" from="0" to="1.5000001">
@@ -307,7 +248,7 @@ TEST_F(ParameterFile, SensorsHaveTheseElementsInThisOrder) {
         if (element.child("dataSource")) outlines.push_back(Outline(element));
     const std::string arm = "(xv1 xv2 xv3)", angles = "(heading roll pitch)", vector = "(x y z)";
     const std::string common = "(dataSource(path timeOffset synchronizeOutput) leverArm" + arm;
-    const std::string rejections = " rejection(mode from to) rejection(mode from to)";
+    const std::string rejections = " rejection(mode from to)";
     const std::string scalar = common + rejections + " userSd(value))";
     const std::string track = "(userSd" + vector + rejections + ")";
     const std::string fixed = " misalignment" + angles + " scaleFactor";
@@ -328,9 +269,7 @@ TEST_F(ParameterFile, SensorsHaveTheseElementsInThisOrder) {
 TEST_F(ParameterFile, DamagedTextGivesNoParameters) {
     const std::string good = Write(*MakeFull(heaveRealTime, false));
     ASSERT_TRUE(ReadText(good));
-    const struct {
-        std::string_view from, to;
-    } rows[] = {
+    const std::tuple<std::string_view, std::string_view> rows[] = {
         {"morvexParameters", "parameters"},
         {"<morvexParameters>", "<!DOCTYPE morvexParameters><morvexParameters>"},
         {"id=\"file02\"", "id=\"main\""},
@@ -340,8 +279,8 @@ TEST_F(ParameterFile, DamagedTextGivesNoParameters) {
         {"main.DEPTH", "DEPTH"},
         {"emLog", "depthSensor"}, // two depth sensors
         {"EM_LOG_1\" timeOffset=\"", "EM_LOG_1\" timeOffset=\"1e300"},
-        {">7<", ">7.5<"},
-        {">7<", ">99999999999<"},
+        {">23<", ">23.5<"},
+        {">23<", ">99999999999<"},
         {"secondary-b", "secondary-d"},
         {"from=\"", "from=\"yesterday "},
         {"to=\"", "to=\"2024-01-01T00:00:00 "},
@@ -350,8 +289,8 @@ TEST_F(ParameterFile, DamagedTextGivesNoParameters) {
         {"synchronizeOutput=\"true\"", "synchronizeOutput=\"maybe\""},
         {"<filter value=\"", "<filter value=\"1e40\" x=\""},
     };
-    for (const auto& row : rows)
-        EXPECT_FALSE(ReadText(Replaced(good, row.from, row.to))) << row.from << " -> " << row.to;
+    for (const auto& [from, to] : rows)
+        EXPECT_FALSE(ReadText(Replaced(good, from, to))) << from << " -> " << to;
     for (const std::string_view text : {std::string_view(), std::string_view("<morvexParameters/>")})
         EXPECT_FALSE(ReadText(text));
     std::string deep = "<morvexParameters>";
@@ -382,8 +321,7 @@ TEST_F(ParameterFile, OnlyTheseMayBeMissing) {
         item.set_name(name.c_str());
     };
     const auto visit = [&](const auto& self, pugi::xml_node element) -> void {
-        // A file that no sensor uses may go.
-        if (element.attribute("id").value() != std::string("file02")) tryWithout(element);
+        tryWithout(element);
         for (const pugi::xml_attribute attribute : element.attributes()) tryWithout(attribute);
         for (const pugi::xml_node child : element.children())
             if (child.type() == pugi::node_element) self(self, child);
@@ -400,7 +338,7 @@ TEST_F(ParameterFile, TakesWhatOthersHaveWritten) {
     text = Replaced(text, "path=\".\\ext.tarin\"", "path=\"./x/../ext.tarin\" timeOffset=\"-2.5\"");
     text = Replaced(text, "<usbl>", "<usbl transponderCode=\"B7\">");
     text = Replaced(text, "synchronizeOutput=\"true\"", "synchronizeOutput=\"on\"");
-    text = Replaced(text, ">7<", ">\n\t<!-- as mounted --> 7\n<");
+    text = Replaced(text, ">23<", ">\n\t<!-- as mounted --> 23\n<");
     text = Replaced(Replaced(text, "heaveCalculation", "heave"), "currentModeling", "current");
     text = Replaced(text, "factoryMisalignment", "factory");
     const auto parameters = ReadText(text, kReference);
@@ -408,7 +346,7 @@ TEST_F(ParameterFile, TakesWhatOthersHaveWritten) {
     EXPECT_EQ(parameters->sensors.front()->GetKind().kind, ESensorKind::depth);
     EXPECT_TRUE(parameters->sensors.front()->synchronizedOutput);
     EXPECT_EQ(parameters->externalFiles.at(0)->timeOffset, ToStoredTime(CDateTimeSpan(-25'000'000)));
-    EXPECT_EQ(parameters->nelixConfiguration->roughMisalignment, 7);
+    EXPECT_EQ(parameters->nelixConfiguration->roughMisalignment, 23);
     EXPECT_EQ(parameters->nelixConfiguration->factoryMisalignment->heading, 0);
     EXPECT_EQ(parameters->heaveAlgorithm, heaveNone);
     EXPECT_EQ(parameters->utcReference, kReference);
