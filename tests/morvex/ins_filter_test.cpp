@@ -89,50 +89,40 @@ TEST(InsFilter, CovarianceFollowsTheMechanisation) {
     }
 }
 
+// A tilt by a known angle moves an antenna on its arm, and precise fixes find the tilt.
 TEST(InsFilter, LeverArmTurnsWithTheAttitude) {
     const SFilterState state = MakeState();
-    const Vector3d arm(3.0, -2.0, 10.0);
-    SPositionFix fix = FixAt(state, state.navigation.attitude * arm, 1.0);
-    fix.leverArm = arm;
-    CInsFilter filter(state, kSensorGrades[0]);
-    EXPECT_LT(filter.Update(fix).innovation.norm(), 1e-4);
+    SPositionFix fix = FixAt(state, state.navigation.attitude * Vector3d(3.0, -2.0, 10.0), 1e-4);
+    fix.leverArm = {3.0, -2.0, 10.0};
+    EXPECT_LT(CInsFilter(state, kSensorGrades[0]).Update(fix).innovation.norm(), 1e-4);
 
-    // A tilt by a known angle moves the antenna, and precise fixes find the tilt.
-    const Vector3d tilt(0.004, -0.003, 0.0);
-    SFilterState tilted = Displaced(state, [&] {
-        StateVector x = StateVector::Zero();
-        x.segment<3>(stateAttitude) = tilt;
-        return x;
-    }());
+    StateVector tilt = StateVector::Zero();
+    tilt.segment<3>(stateAttitude) = Vector3d(0.004, -0.003, 0.0);
+    SFilterState tilted = Displaced(state, tilt);
     tilted.covariance.block<6, 6>(0, 0).setZero();
     tilted.covariance(8, 8) = 1e-14;
     CInsFilter corrected(tilted, kSensorGrades[0]);
-    fix.varianceNorth = fix.varianceEast = fix.varianceUp = 1e-8;
     corrected.Update(fix);
     EXPECT_LT(corrected.GetNavigation().attitude.angularDistance(state.navigation.attitude), 2e-4);
 }
 
 TEST(InsFilter, OutliersAreLeftOutAndALastingContradictionIsGivenInTo) {
-    struct SCase {
-        EUse use;
-        std::size_t grade;
-        double longest; // s, until a contradiction is over
-    };
-    for (const SCase& c :
-         {SCase{EUse::tested, 0, 130.0}, SCase{EUse::reacquired, 0, 30.0}, SCase{EUse::tested, 3, 10.0}}) {
+    // The use, the grade, and the seconds until a contradiction is over.
+    for (const auto& [use, grade, longest] :
+         {std::tuple{EUse::tested, 0, 130.0}, {EUse::reacquired, 0, 30.0}, {EUse::tested, 3, 10.0}}) {
         SFilterState start = MakeState();
         start.navigation.velocity.setZero();
         start.navigation.attitude.setIdentity();
-        CInsFilter filter(start, kSensorGrades[c.grade]);
+        CInsFilter filter(start, kSensorGrades[grade]);
         const SEarth earth(start.navigation.position[0], 30.0, Vector3d::Zero());
-        auto second = [&](double time, double off) {
+        auto second = [&, use = use](double time, double off) {
             for (int i = 1; i <= 20; ++i)
                 filter.Advance(
                     {time - 1.0 + 0.05 * i, 0.05, earth.earthRate * 0.05, {0, 0, earth.gravity * 0.05}});
             SFilterState here = start;
             here.navigation.time = time;
             SPositionFix fix = FixAt(here, {off, 0.0, 0.0}, 1.0);
-            fix.horizontal = c.use;
+            fix.horizontal = use;
             return filter.Update(fix);
         };
         double time = 0.0;
@@ -146,7 +136,7 @@ TEST(InsFilter, OutliersAreLeftOutAndALastingContradictionIsGivenInTo) {
         const double began = time;
         while (second(time += 1.0, 80.0).innovation.head<2>().norm() > 5.0 && time - began < 1000.0) {
         }
-        EXPECT_LT(time - began, c.longest);
+        EXPECT_LT(time - began, longest);
         EXPECT_GT(time - began, 1.0);
     }
 }
@@ -171,15 +161,12 @@ TEST(InsFilter, CovarianceStaysPositiveThroughExtremes) {
 
 // White noise under waves is told by its level; waves, rounding and a slow drift are not taken for it.
 TEST(NoiseProbe, FindsTheGradeUnderWaves) {
-    struct SCase {
-        double noise; // degrees per root of an hour
-        std::string_view grade;
-    };
-    for (const SCase& c :
-         {SCase{0.002, "navigation"}, SCase{0.1, "tactical"}, SCase{0.3, "industrial"}, SCase{5.0, "MEMS"}}) {
+    // The noise in degrees per root of an hour.
+    for (const auto& [noise, grade] :
+         {std::pair{0.002, "navigation"}, {0.1, "tactical"}, {0.3, "industrial"}, {5.0, "MEMS"}}) {
         CNoiseProbe probe;
         std::mt19937 random(3);
-        std::normal_distribution<double> normal(0.0, c.noise * Units::kDegreePerRootHour * 0.1);
+        std::normal_distribution<double> normal(0.0, noise * Units::kDegreePerRootHour * 0.1);
         for (int i = 1; i <= 12000; ++i) {
             const double t = 0.01 * i;
             const double wave = 0.08 * std::cos(0.8 * t) * 0.01;
@@ -188,6 +175,6 @@ TEST(NoiseProbe, FindsTheGradeUnderWaves) {
                        {wave + normal(random), 0.7 * wave + normal(random), 0.5 * wave + normal(random)},
                        {}});
         }
-        EXPECT_EQ(kSensorGrades[probe.GetFinestGrade()].name, c.grade);
+        EXPECT_EQ(kSensorGrades[probe.GetFinestGrade()].name, grade);
     }
 }

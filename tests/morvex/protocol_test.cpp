@@ -29,21 +29,18 @@ TEST(Protocol, CommandLinesAreCutAtLineFeedsOnly) {
     EXPECT_EQ(words, (std::vector<std::string>{"start", "pause", "", "stop", "resume"}));
 }
 
-TEST(Protocol, ProgressNeverFallsAndEndsWithAHundred) {
+TEST(Protocol, ProgressNeverFallsAndAClosedOutputStopsTheRun) {
     CRunControl control;
     std::string text;
+    bool open = true;
     CLineMonitor monitor(control, true, [&](std::string_view line) {
         text += line;
-        return true;
+        return open;
     });
     for (const double percent : {0.0, 0.0, -5.0, 100.0, 100.0, 50.0}) monitor.Progress(percent);
     EXPECT_EQ(text, "progress 0.0\nprogress 100.0\n");
-}
-
-TEST(Protocol, AClosedOutputStopsTheRun) {
-    CRunControl control;
-    CLineMonitor monitor(control, true, [](std::string_view) { return false; });
     EXPECT_TRUE(monitor.GoOn());
+    open = false;
     monitor.Message(ELevel::information, messageFinished, "x");
     EXPECT_FALSE(monitor.GoOn());
 }
@@ -69,12 +66,11 @@ TEST(Protocol, WordsFromAPipeDriveTheControl) {
 }
 
 TEST(Protocol, APausedRunWaitsForResumeOrStop) {
-    for (const char* word : {"resume", "stop"}) {
+    for (const std::string_view word : {"resume", "stop"}) {
         CRunControl control;
         control.Command("start");
         control.Command("pause");
-        std::atomic<bool> passed{false};
-        bool goesOn = false;
+        std::atomic<bool> passed = false, goesOn = false;
         std::thread run([&] {
             goesOn = control.GoOn();
             passed = true;
@@ -82,26 +78,20 @@ TEST(Protocol, APausedRunWaitsForResumeOrStop) {
         EXPECT_FALSE(passed);
         control.Command(word);
         run.join();
-        EXPECT_EQ(goesOn, std::string_view(word) == "resume");
+        EXPECT_EQ(goesOn, word == "resume");
     }
 }
 
 TEST(Protocol, CommandLineTakesSwitchesInAnyCase) {
     const auto remote = ParseArguments({"/REMOTE", "/autostart", "Off", "/tmp/a b.dat"});
-    ASSERT_TRUE(remote);
-    EXPECT_TRUE(remote->remote);
-    EXPECT_FALSE(remote->autostart);
-    EXPECT_EQ(remote->parameters, "/tmp/a b.dat");
     const auto plain = ParseArguments({"x.dat"});
-    ASSERT_TRUE(plain);
-    EXPECT_FALSE(plain->remote);
-    EXPECT_TRUE(plain->autostart);
-    for (const std::vector<std::string>& wrong : {std::vector<std::string>{},
-                                                  {"/remote"},
-                                                  {"a", "b"},
-                                                  {"a", "/autostart"},
-                                                  {"a", "/autostart", "maybe"}})
-        EXPECT_FALSE(ParseArguments(wrong));
+    ASSERT_TRUE(remote && plain);
+    EXPECT_TRUE(remote->remote && !remote->autostart);
+    EXPECT_EQ(remote->parameters, "/tmp/a b.dat");
+    EXPECT_TRUE(!plain->remote && plain->autostart);
+    const std::vector<std::string> wrong[] = {
+        {}, {"/remote"}, {"a", "b"}, {"a", "/autostart"}, {"a", "/autostart", "maybe"}};
+    for (const auto& words : wrong) EXPECT_FALSE(ParseArguments(words)) << testing::PrintToString(words);
 }
 
 TEST(OutputSchedule, DatesAreMultiplesOfThePeriodInForce) {

@@ -6,17 +6,16 @@
 #include "model/simulation_parameters.h"
 #include "morvex/messages.h"
 #include "simulator/mission_writer.h"
+#include "support/temporary_folder.h"
 #include "xpf/packets.h"
 #include "xpf/table_file.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <vector>
-
-#include <unistd.h>
 
 namespace Morvex {
 
@@ -37,27 +36,16 @@ class CListeningMonitor : public IRunMonitor {
     }
     bool GoOn() override { return goOn(); }
     bool Has(EMessage code) const {
-        for (const SMessage& message : messages)
-            if (message.code == code) return true;
-        return false;
+        return std::ranges::any_of(messages,
+                                   [code](const SMessage& message) { return message.code == code; });
     }
 };
 
 class CRunFolder {
   public:
-    CRunFolder() {
-        static int count = 0;
-        m_path = std::filesystem::temp_directory_path() /
-                 ("morvex-" + std::to_string(getpid()) + "-" + std::to_string(count++));
-        std::filesystem::create_directories(m_path);
-    }
-    ~CRunFolder() {
-        std::error_code error;
-        std::filesystem::remove_all(m_path, error);
-    }
-    std::filesystem::path Input() const { return m_path / "in.tarin"; }
-    std::filesystem::path Output() const { return m_path / "out.tarout"; }
-    std::filesystem::path Parameters() const { return m_path / "run.dat"; }
+    std::filesystem::path Input() const { return m_folder / "in.tarin"; }
+    std::filesystem::path Output() const { return m_folder / "out.tarout"; }
+    std::filesystem::path Parameters() const { return m_folder / "run.dat"; }
 
     void Simulate(const Simulation::SMissionOptions& options) const {
         std::string error;
@@ -91,7 +79,7 @@ class CRunFolder {
     }
 
   private:
-    std::filesystem::path m_path;
+    test::CTemporaryFolder m_folder;
 };
 
 } // namespace Morvex
