@@ -38,7 +38,7 @@ CDateTime Date(std::uint16_t year, std::uint16_t month, std::uint16_t day, std::
 
 } // namespace
 
-TEST(Units, RowsAreSoundAndTheRosterIsSetUpFromTheFile) {
+TEST(Units, RowsAreSound) {
     const std::span<const SUnitRow> tables[] = {
         Units::kDistance,     Units::kTime,         Units::kAngle,         Units::kSpeed,
         Units::kAcceleration, Units::kAngularSpeed, Units::kCrossvariance, Units::kScaleFactor,
@@ -50,29 +50,54 @@ TEST(Units, RowsAreSoundAndTheRosterIsSetUpFromTheFile) {
             EXPECT_TRUE(row.A > 0 && row.B > 0 && !row.symbol.empty()) << row.name;
         }
     }
+}
+
+// Of each quantity a value as the default settings show it, then what may be typed in its other units.
+TEST(Adaptors, AreSetUpFromTheFile) {
     CTrvCnfConfigFile configuration;
     CTrvAdaptors adaptors;
     adaptors.Configure(configuration);
-    const std::tuple<EQuantity, double, std::string_view> rows[] = {
-        {EQuantity::rate, 0.1, "0.100 s"},
-        {EQuantity::altitude, -12.0625, "-12.062 m"},
-        {EQuantity::misalignment, 90.0, "90.000 °"},
-        {EQuantity::leverArm, 1.5, "1.500 m"},
-        {EQuantity::scaleFactor, 0.0125, "1.25 %"},
-        {EQuantity::currentSpeed, 0.5, "0.50 m/s"},
-        {EQuantity::currentTime, 3600.0, "3600 s"},
-        {EQuantity::linearSpeed, 2.0, "2.00 m/s"},
-        {EQuantity::linearAcceleration, 9.81, "9.81 m/s2"},
-        {EQuantity::angularSpeed, std::numbers::pi / 180 / 3600 * 15, "15.0 °/h"},
-        {EQuantity::distance, 1.0, "1.00 m"},
-        {EQuantity::attitude, 1.0, "1.000 °"},
-        {EQuantity::crossvariance, 4.0, "4.00 m²"},
-        {EQuantity::timeDrift, 0.0015, "1.500 ms"},
-        {EQuantity::rawFogMeasurement, 648.0, "3.142 µrad"},
-        {EQuantity::rawAccMeasurement, 10000.0, "1.000 mm/s"},
-    };
+    constexpr double degree = 180 / std::numbers::pi;
+    const std::tuple<EQuantity, double, std::string_view, std::vector<std::pair<const char*, double>>>
+        rows[] = {
+            {EQuantity::rate, 0.1, "0.100 s", {}},
+            {EQuantity::altitude, -12.0625, "-12.062 m", {{"1 nm", NAN}, {"2 km", 2000}}},
+            {EQuantity::misalignment, 90.0, "90.000 °", {{"1 rad", degree}}},
+            {EQuantity::leverArm, 1.5, "1.500 m", {{"-2 cm", -0.02}}},
+            {EQuantity::scaleFactor, 0.0125, "1.25 %", {{"50 %", 0.5}}},
+            {EQuantity::currentSpeed, 0.5, "0.50 m/s", {}},
+            {EQuantity::currentTime, 3600.0, "3600 s", {}},
+            {EQuantity::linearSpeed, 2.0, "2.00 m/s", {{"36 kt", 18.52}}},
+            {EQuantity::linearAcceleration, 9.81, "9.81 m/s2", {{"1 ft/s2", 0.3048}}},
+            {EQuantity::angularSpeed,
+             std::numbers::pi / 180 / 3600 * 15,
+             "15.0 °/h",
+             {{"3600 °/h", 1 / degree}}},
+            {EQuantity::distance,
+             1.0,
+             "1.00 m",
+             {{"12 ft", 3.6576}, {"1 in", 0.0254}, {"1 yd", 0.9144}, {"1 mi", 1609.344}, {"1 nm", 1852}}},
+            {EQuantity::attitude, 1.0, "1.000 °", {}},
+            {EQuantity::crossvariance, 4.0, "4.00 m²", {}},
+            {EQuantity::timeDrift, 0.0015, "1.500 ms", {{"1 µs", 1e-6}, {"1 s", 1}}},
+            {EQuantity::rawFogMeasurement,
+             648.0,
+             "3.142 µrad",
+             {{"1 °", 3600000},
+              {"1 rad", 3600000 * degree},
+              {"1 mrad", 3600 * degree},
+              {"1 µrad", 3.6 * degree}}},
+            {EQuantity::rawAccMeasurement, 10000.0, "1.000 mm/s", {{"1 m/s", 1e7}, {"1 µm/s", 10}}},
+        };
     ASSERT_EQ(std::size(rows), static_cast<std::size_t>(EQuantity::count));
-    for (const auto& [quantity, value, text] : rows) EXPECT_EQ(Shown(adaptors.Get(quantity), value), text);
+    for (const auto& [quantity, value, text, typed] : rows) {
+        EXPECT_EQ(Shown(adaptors.Get(quantity), value), text);
+        for (const auto& [entry, meant] : typed) {
+            const double read = Read(adaptors.Get(quantity), entry);
+            EXPECT_TRUE(std::isnan(read) == std::isnan(meant) && !(std::fabs(read / meant - 1) > 1e-15))
+                << entry << " " << read;
+        }
+    }
     EXPECT_EQ(Shown(adaptors.GetLeverArm().GetAxis(2), 1.0), "1.000 m");
     EXPECT_EQ(Shown(adaptors.GetGeographicPosition().latitude, -48.5), "48°30.000'S");
     EXPECT_EQ(Shown(adaptors.GetGeographicPosition().longitude, 4.25), "004°15.000'E");
@@ -98,37 +123,7 @@ TEST(Units, RowsAreSoundAndTheRosterIsSetUpFromTheFile) {
 }
 
 TEST(PhysicalValueAdaptor, ReadsNumbersWithTheUnitsOfItsTable) {
-    const CTrvAdaptors adaptors;
-    constexpr double degree = 180 / std::numbers::pi;
-    const std::tuple<EQuantity, const char*, double> typed[] = {
-        {EQuantity::distance, "12 ft", 3.6576},
-        {EQuantity::distance, "1 in", 0.0254},
-        {EQuantity::distance, "1 yd", 0.9144},
-        {EQuantity::distance, "1 mi", 1609.344},
-        {EQuantity::distance, "1 nm", 1852},
-        {EQuantity::altitude, "1 nm", NAN},
-        {EQuantity::leverArm, "-2 cm", -0.02},
-        {EQuantity::altitude, "2 km", 2000},
-        {EQuantity::misalignment, "1 rad", degree},
-        {EQuantity::scaleFactor, "50 %", 0.5},
-        {EQuantity::linearSpeed, "36 kt", 18.52},
-        {EQuantity::linearAcceleration, "1 ft/s2", 0.3048},
-        {EQuantity::angularSpeed, "3600 °/h", 1 / degree},
-        {EQuantity::timeDrift, "1 µs", 1e-6},
-        {EQuantity::timeDrift, "1 s", 1},
-        {EQuantity::rawFogMeasurement, "1 °", 3600000},
-        {EQuantity::rawFogMeasurement, "1 rad", 3600000 * degree},
-        {EQuantity::rawFogMeasurement, "1 mrad", 3600 * degree},
-        {EQuantity::rawFogMeasurement, "1 µrad", 3.6 * degree},
-        {EQuantity::rawAccMeasurement, "1 m/s", 1e7},
-        {EQuantity::rawAccMeasurement, "1 µm/s", 10},
-    };
-    for (const auto& [quantity, text, value] : typed) {
-        const double read = Read(adaptors.Get(quantity), text);
-        EXPECT_TRUE(std::isnan(read) == std::isnan(value) && !(std::fabs(read / value - 1) > 1e-15))
-            << text << " " << read;
-    }
-    CPhysicalValueAdaptor metres = adaptors.Get(EQuantity::distance);
+    CPhysicalValueAdaptor metres = CTrvAdaptors().Get(EQuantity::distance);
     EXPECT_EQ(Read(metres, "\t12ft "), Read(metres, "12 ft"));
     EXPECT_EQ(Read(metres, ".5"), 0.5);
     for (const char* bad :
