@@ -54,6 +54,7 @@ const SSample kSamples[] = {
     {"blocks with a tag alike", Repeat("IMU  :1\n", 9), formatUnknown},
     {"events", kEvent + "-\n24/11/2026 12:30:02\n" + kEvent + "24/11/2026 12:30:03\t2\t\tx\n", formatUnknown},
     {"events with a bad edge", Repeat("24/11/2026 12:30:02\t3\n", 9), formatUnknown},
+    {"events with the last edge", Repeat("24/11/2026 12:30:02\t2\n", 4), formatEvents},
     {"events with a fraction", Repeat("24/11/2026 12:30:02\t0\t1.5\n", 9), formatUnknown},
     {"events up to line 20", Repeat("-\n", 16) + Repeat(kEvent, 4), formatEvents},
     {"events beyond line 20", Repeat("-\n", 17) + Repeat(kEvent, 4), formatUnknown},

@@ -34,8 +34,11 @@ class CTestRecording {
     Enregistrement::CRecordingWriter& GetWriter() { return m_writer; }
 
     void Depth(double seconds, float depth, std::uint8_t rejection = 1) {
+        Depth(Seconds(seconds), depth, rejection);
+    }
+    void Depth(CDateTimeSpan date, float depth, std::uint8_t rejection) {
         Persistance_Xpf::CXpfTarinDepthPacketV1 packet;
-        packet.SetDate(0, Seconds(seconds));
+        packet.SetDate(0, date);
         packet.SetUInt8(2, rejection);
         packet.SetFloat(3, depth);
         EXPECT_TRUE(m_writer.Write("DEPTH", packet));

@@ -8,8 +8,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <random>
+#include <thread>
 #include <utility>
 
 using namespace Application_Tarvel;
@@ -40,8 +42,10 @@ class ViewQueries : public testing::Test {
         m_recording.Flush();
     }
 
+    void CheckWindows(std::int64_t beyond, std::int64_t longest);
+
     SChannelAddress Address(std::uint16_t channel = test::kDepthNumber) {
-        return {m_recording.GetPath(), EFileKind::tarin, channel, m_usesCache ? &m_cache : nullptr};
+        return {m_path, EFileKind::tarin, channel, m_usesCache ? &m_cache : nullptr};
     }
 
     std::optional<SSample> ValueAt(std::int64_t ticks) {
@@ -86,14 +90,14 @@ class ViewQueries : public testing::Test {
     bool IsInCache(std::int64_t ticks) {
         std::uint32_t number = 0;
         SDateSamples samples;
-        return m_cache.FindDate(m_recording.GetPath(), test::kDepthNumber, CDateTimeSpan(ticks), number,
-                                samples);
+        return m_cache.FindDate(m_path, test::kDepthNumber, CDateTimeSpan(ticks), number, samples);
     }
 
     CXpfFileCache m_cache;
     bool m_usesCache = false;
     test::CTemporaryFolder m_folder;
     test::CTestRecording m_recording;
+    std::filesystem::path m_path = m_recording.GetPath(); // of the truth
     std::vector<SSample> m_truth;
 };
 
@@ -128,14 +132,23 @@ TEST_F(ViewQueries, ValueIsTheNearestPacketTheEarlierOnATie) {
     EXPECT_EQ(SampleOf(*query.TakePacket()).depth, 1);
 }
 
-TEST_F(ViewQueries, WindowsAgreeWithAPlainPass) {
+// Random windows that reach as far as `beyond` ticks outside the data or end with it, in slices up to
+// `longest`.
+void ViewQueries::CheckWindows(std::int64_t beyond, std::int64_t longest) {
     std::mt19937_64 random(5);
-    const std::int64_t from = m_truth.front().ticks - 50'000'000, to = m_truth.back().ticks + 50'000'000;
+    const std::int64_t first = m_truth.front().ticks, last = m_truth.back().ticks;
+    const auto draw = [&]() -> std::int64_t {
+        const auto range = static_cast<std::uint64_t>(last - first + 2 * beyond);
+        switch (random() % 8) {
+        case 0: return first;
+        case 1: return last;
+        default: return first - beyond + static_cast<std::int64_t>(random() % range);
+        }
+    };
     for (int i = 0; i < 300; ++i) {
-        const auto a = from + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(to - from));
-        const auto b = from + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(to - from));
-        const auto [start, end] = std::minmax(a, b);
-        const std::int64_t slice = 1 + static_cast<std::int64_t>(random() % 5'000'000);
+        const auto [start, end] = std::minmax({draw(), draw()});
+        const std::int64_t slice =
+            1 + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(longest));
         m_usesCache = i % 2 == 0; // a warm one, from the first window on
         CTrvView1DDataQuery query(Address(), {CDateTimeSpan(start), CDateTimeSpan(end), CDateTimeSpan(slice)},
                                   nullptr);
@@ -154,6 +167,41 @@ TEST_F(ViewQueries, WindowsAgreeWithAPlainPass) {
             ASSERT_EQ(SampleOf(*series.maxima[k]).rejection, truth[k][2].rejection);
             ASSERT_EQ(SampleOf(*series.minima[k]).ticks, truth[k][1].ticks);
         }
+    }
+}
+
+TEST_F(ViewQueries, WindowsAgreeWithAPlainPass) { CheckWindows(50'000'000, 5'000'000); }
+
+// Dates a few ticks apart lie on the edges of windows and slices, and as far from a centre as others.
+TEST_F(ViewQueries, DatesOnEdgesAgreeWithAPlainPass) {
+    std::mt19937 random(29);
+    test::CTestRecording recording(m_folder / "edges.tarin");
+    m_path = recording.GetPath();
+    m_truth.clear();
+    for (std::int64_t i = 0, ticks = 100; i < 200; ++i, ticks += 1 + random() % 4) {
+        m_truth.push_back({ticks, static_cast<float>(random() % 100), static_cast<std::uint8_t>(random())});
+        recording.Depth(CDateTimeSpan(ticks), m_truth.back().depth, m_truth.back().rejection);
+    }
+    recording.Flush();
+    CheckWindows(200, 40);
+}
+
+// Wherever the cancellation meets the query, it ends whole or with nothing.
+TEST_F(ViewQueries, ACancelledQueryLeavesNoPart) {
+    std::size_t whole = 0;
+    for (int i = 0; i < 200; ++i) {
+        CTrvView1DDataQuery query(Address(), {Seconds(0), Seconds(1000), Seconds(0.001)}, nullptr);
+        std::thread other([&query, i] {
+            for (int turns = 0; turns < i; ++turns) std::this_thread::yield();
+            if (i > 0) query.RequestCancel();
+        });
+        bool cancelled = false;
+        const bool success = query.Execute(cancelled);
+        other.join();
+        EXPECT_EQ(success, !cancelled);
+        const std::size_t count = query.TakeSeries().representatives.size();
+        if (i == 0) whole = count;
+        EXPECT_EQ(count, cancelled ? 0 : whole);
     }
 }
 
@@ -234,7 +282,7 @@ TEST_F(ViewQueries, ExtremesOfEveryPacketType) {
         PacketList lows, highs;
         for (int i = 0; i < kPerSlice * kSlices; ++i) {
             const auto packet = create();
-            std::generate_n(packet->GetPayload(), packet->GetPayloadSize(), random);
+            std::generate_n(packet->GetPayload(), packet->GetPayloadSize(), std::ref(random));
             packet->SetDate(0, CDateTimeSpan(i));
             ASSERT_TRUE(writer.Write(row.name, *packet));
             for (auto* list : {&lows, &highs}) {
@@ -313,6 +361,8 @@ TEST_F(ViewQueries, PacketsOfOtherSizes) {
     std::vector<float> depths;
     for (const auto& found : series.representatives) depths.push_back(SampleOf(*found).depth);
     EXPECT_EQ(depths, (std::vector<float>{5, 6, 0, 8}));
+    m_path = recording.GetPath();
+    EXPECT_EQ(ValueAt(Seconds(3).GetTicks())->depth, 0);
 }
 
 // Dates that jump to and fro would make a slice of each packet.

@@ -147,7 +147,10 @@ TEST_F(DataModelTest, FieldsOutsideTheTablesAreForExperts) {
     const auto rename = [&](int field, std::string_view name) {
         Patch(path, kFields + field * 100, std::string(name) + '\0');
     };
-    Patch(path, kFields + 4 * 100 + 99, std::string_view("\0", 1)); // nature of "Fog 1"
+    // Natures of "Fog 1" to "Fog 3": none; none of a field of another type; a foreign one.
+    for (int field = 4; field < 7; ++field)
+        Patch(path, kFields + field * 100 + 99, field < 6 ? std::string_view("\0", 1) : "\3");
+    Patch(path, kFields + 5 * 100 + 30, "\2");
     rename(7, "Temperatures");
     rename(8, "Novelty");
     rename(9, "Novel list");
@@ -161,7 +164,12 @@ TEST_F(DataModelTest, FieldsOutsideTheTablesAreForExperts) {
         EXPECT_FALSE(HasMeasure(Layer("IMU"), "Novel list")) << "several elements are no measure";
         EXPECT_FALSE(HasMeasure(Layer("IMU"), "Former status word"));
         EXPECT_EQ(CTrvDataModel::FindMeasure(Layer("IMU"), 4)->m_nature, natureRawFog);
+        EXPECT_EQ(CTrvDataModel::FindMeasure(Layer("IMU"), 5)->m_nature, natureUnknown);
+        EXPECT_EQ(CTrvDataModel::FindMeasure(Layer("IMU"), 6)->m_nature, naturePositionStdDev);
     }
+    Patch(path, 123 + 2, "SUB"); // the name of the channel
+    model.BuildFromFile(*parameters.mainInputFile, true);
+    EXPECT_EQ(CTrvDataModel::FindMeasure(Layer("SUB"), 4)->m_nature, natureUnknown);
 }
 
 TEST_F(DataModelTest, RefreshKeepsTheLayersThatStay) {
@@ -169,10 +177,13 @@ TEST_F(DataModelTest, RefreshKeepsTheLayersThatStay) {
     CTrvDataFile& file = *parameters.mainInputFile;
     model.BuildFromFile(file, false);
     const CTrvDataLayer* gps = &Layer("GPS_1");
+    CTrvDataLayer& foreign = *model.m_layers.emplace_back(std::make_unique<CTrvDataLayer>());
+    foreign.m_name = "LBL";
+    foreign.m_dataFile = parameters.outputFile.get();
     EXPECT_FALSE(model.RefreshFromFile(file, false));
     Create("a.tarin", {"GPS_1", "DEPTH"});
     EXPECT_TRUE(model.RefreshFromFile(file, false));
-    EXPECT_EQ(Names(), (List{"GPS_1", "DEPTH"}));
+    EXPECT_EQ(Names(), (List{"GPS_1", "LBL", "DEPTH"}));
     EXPECT_EQ(&Layer("GPS_1"), gps);
 
     // Of layers with one name the first stays.
@@ -180,11 +191,11 @@ TEST_F(DataModelTest, RefreshKeepsTheLayersThatStay) {
     twin.m_name = "GPS_1";
     twin.m_dataFile = &file;
     EXPECT_TRUE(model.RefreshFromFile(file, false));
-    EXPECT_EQ(Names(), (List{"GPS_1", "DEPTH"}));
+    EXPECT_EQ(Names(), (List{"GPS_1", "LBL", "DEPTH"}));
     EXPECT_EQ(&Layer("GPS_1"), gps);
     std::filesystem::remove(file.path);
     EXPECT_TRUE(model.RefreshFromFile(file, false));
-    EXPECT_TRUE(model.m_layers.empty());
+    EXPECT_EQ(Names(), (List{"LBL"}));
 }
 
 TEST_F(DataModelTest, CutHeadersGiveWhatStandsBeforeTheCut) {
