@@ -99,7 +99,7 @@ class CTrvTarinDataFileAnalyzerThread : public CTrvDataFileAnalyzerThread {
     ~CTrvTarinDataFileAnalyzerThread() override { Kill(); }
 
     // Waits until origin and position are both known, the scan has ended, or the time is over; gives what is
-    // there then. The one wait of the UI thread: its caller sets a limit of a few seconds.
+    // there then. The UI thread waits here: its caller sets a limit of a few seconds.
     SFirstData WaitForFirstData(std::chrono::milliseconds timeout);
 
   protected:

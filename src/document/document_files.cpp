@@ -5,7 +5,6 @@
 #include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
-#include "xpf/file.h"
 
 #include <algorithm>
 #include <utility>
@@ -13,7 +12,6 @@
 namespace Application_Tarvel {
 
 using namespace Metier_Tarvel;
-using namespace Persistance_Xpf;
 using Outils_Configuration::Cnf;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
