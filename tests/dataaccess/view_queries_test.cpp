@@ -25,8 +25,6 @@ namespace {
 // A depth channel with a pause and an uneven rate beside a second channel, and the plain truth of it.
 class ViewQueries : public testing::Test {
   protected:
-    static constexpr std::int64_t kWalk = 30'000'000, kWalkSlice = 1'000'000; // ticks
-
     ViewQueries() : m_recording(m_folder / "r.tarin") {
         std::mt19937 random(11);
         std::uniform_real_distribution<double> step(0.005, 0.02);
@@ -56,19 +54,15 @@ class ViewQueries : public testing::Test {
         return packet ? std::optional(SampleOf(*packet)) : std::nullopt;
     }
 
-    // Dates of the slices of a short window, whose search leaves its samples in the cache.
-    std::vector<std::int64_t> Walk(std::int64_t start) {
-        const SWindow window{CDateTimeSpan(start), CDateTimeSpan(start + kWalk), CDateTimeSpan(kWalkSlice)};
-        CTrvView1DDataQuery query(Address(), window, nullptr);
+    // Leaves the samples of a search in the cache.
+    void WarmCache(std::int64_t start) {
+        const SWindow window{CDateTimeSpan(start), CDateTimeSpan(start + 1), CDateTimeSpan(1)};
         bool cancelled = false;
-        EXPECT_TRUE(query.Execute(cancelled));
-        std::vector<std::int64_t> ticks;
-        for (const auto& packet : query.TakeSeries().representatives)
-            ticks.push_back(SampleOf(*packet).ticks);
-        return ticks;
+        EXPECT_TRUE(CTrvView1DDataQuery(Address(), window, nullptr).Execute(cancelled));
     }
 
-    // The answer for a moment. One that the cache knows to the tick is answered by the nearer end.
+    // The answer for a moment, the earlier on a tie. One that the cache knows to the tick is answered by the
+    // nearer end.
     const SSample* NearestInTruth(std::int64_t ticks) {
         const SSample &first = m_truth.front(), &last = m_truth.back();
         if (ticks < first.ticks || ticks > last.ticks) return nullptr;
@@ -78,6 +72,15 @@ class ViewQueries : public testing::Test {
                                   [ticks](const SSample& a, const SSample& b) {
                                       return std::abs(a.ticks - ticks) < std::abs(b.ticks - ticks);
                                   });
+    }
+
+    void CheckValue(std::int64_t ticks) {
+        const auto value = ValueAt(ticks);
+        const SSample* truth = NearestInTruth(ticks);
+        ASSERT_EQ(value.has_value(), truth != nullptr) << ticks;
+        if (truth) {
+            ASSERT_EQ(value->ticks, truth->ticks) << ticks;
+        }
     }
 
     // A window whose start the cache knows to the tick is walked from the first packet on.
@@ -101,35 +104,16 @@ class ViewQueries : public testing::Test {
     std::vector<SSample> m_truth;
 };
 
-TEST_F(ViewQueries, ValueIsTheNearestPacketTheEarlierOnATie) {
+TEST_F(ViewQueries, ValueIsTheNearestPacket) {
     std::mt19937_64 random(3);
     const std::int64_t from = m_truth.front().ticks - 10'000'000, to = m_truth.back().ticks + 10'000'000;
-    const auto check = [this](std::int64_t ticks) {
-        const auto value = ValueAt(ticks);
-        const SSample* truth = NearestInTruth(ticks);
-        ASSERT_EQ(value.has_value(), truth != nullptr) << ticks;
-        if (truth) {
-            ASSERT_EQ(value->ticks, truth->ticks) << ticks;
-        }
-    };
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < 300 && !HasFatalFailure(); ++i) {
         m_usesCache = i % 2 == 0; // ever warmer
         const auto ticks = from + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(to - from));
-        check(ticks);
-        if (m_usesCache) Walk(ticks);
-        check(m_truth[random() % m_truth.size()].ticks);
-        if (HasFatalFailure()) return;
+        CheckValue(ticks);
+        if (m_usesCache) WarmCache(ticks);
+        CheckValue(m_truth[random() % m_truth.size()].ticks);
     }
-    for (std::size_t i : {std::size_t{0}, std::size_t{1}, m_truth.size() / 2, m_truth.size() - 1})
-        EXPECT_EQ(ValueAt(m_truth[i].ticks)->ticks, m_truth[i].ticks);
-    test::CTestRecording tie(m_folder / "tie.tarin");
-    tie.Depth(1, 1);
-    tie.Depth(3, 3);
-    tie.Flush();
-    CTrvViewValueDataQuery query({tie.GetPath(), EFileKind::tarin, test::kDepthNumber}, Seconds(2), nullptr);
-    bool cancelled = false;
-    ASSERT_TRUE(query.Execute(cancelled));
-    EXPECT_EQ(SampleOf(*query.TakePacket()).depth, 1);
 }
 
 // Random windows that reach as far as `beyond` ticks outside the data or end with it, in slices up to
@@ -184,6 +168,9 @@ TEST_F(ViewQueries, DatesOnEdgesAgreeWithAPlainPass) {
     }
     recording.Flush();
     CheckWindows(200, 40);
+    for (std::int64_t ticks = 90; ticks < m_truth.back().ticks + 10; ++ticks) CheckValue(ticks);
+    m_usesCache = false;
+    for (std::int64_t ticks = 90; ticks < m_truth.back().ticks + 10; ++ticks) CheckValue(ticks);
 }
 
 // Wherever the cancellation meets the query, it ends whole or with nothing.
@@ -229,27 +216,6 @@ TEST_F(ViewQueries, OddRequests) {
     silentChannel.RequestCancel();
     EXPECT_FALSE(silentChannel.Execute(cancelled));
     EXPECT_TRUE(std::exchange(cancelled, false));
-    CTrvView1DDataQuery given(Address(), whole, nullptr);
-    given.RequestCancel();
-    given.Execute(cancelled);
-    EXPECT_TRUE(cancelled);
-    EXPECT_TRUE(given.TakeSeries().representatives.empty());
-}
-
-// A window that starts at a date that the cache knows to the tick is walked from the first packet on.
-TEST_F(ViewQueries, ExactHitsInTheCacheLeadToTheFirstPacket) {
-    m_usesCache = true;
-    for (std::size_t i = 1; i < m_truth.size(); i += 150) Walk(m_truth[i].ticks + 1);
-    int hits = 0;
-    for (const SSample& sample : m_truth) {
-        if (!IsInCache(sample.ticks) || ++hits > 60) continue;
-        std::vector<std::int64_t> truth;
-        for (const auto& slice : test::ReducePlainly(m_truth, sample.ticks, sample.ticks + kWalk, kWalkSlice,
-                                                     test::EPassFrom::firstSample))
-            truth.push_back(slice[0].ticks);
-        EXPECT_EQ(Walk(sample.ticks), truth);
-    }
-    EXPECT_GT(hits, 60);
 }
 
 // Draws one field of two extremes out to a packet, in the field's own type.
