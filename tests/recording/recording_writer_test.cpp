@@ -116,6 +116,22 @@ TEST_F(RecordingTest, EveryChannelComesBackLinkedAndNumbered) {
     }
 }
 
+TEST_F(RecordingTest, DefinitionsSayWhatTheLayoutsSay) {
+    CRecordingWriter writer;
+    ASSERT_TRUE(writer.Create(m_path, GetNames(EFileKind::tarout)) && writer.Close());
+    const auto file = OpenFile(m_path, EFileKind::tarout);
+    ASSERT_TRUE(file);
+    for (const auto& definition : file->GetDefinitions())
+        if (const SPacketLayout* layout = FindPacketLayout(definition->type))
+            for (std::size_t i = 0; i < layout->fields.size(); ++i) {
+                const CXpfFieldDefinition& field = definition->fields.at(i);
+                const SFieldLayout& row = layout->fields[i];
+                EXPECT_EQ(field.GetName(), row.name);
+                EXPECT_EQ(field.GetDescription(), row.name);
+                EXPECT_EQ(field.GetCount(), row.count);
+            }
+}
+
 TEST_F(RecordingTest, RefusesChannelsThatMakeNoFile) {
     const std::vector<Names> refused = {
         {}, {"IMU", "NO_SUCH"}, {"GPS_1", "IMU", "GPS_1"}, {"IMU", "MORVEX_STD"}, {"imu"}};
