@@ -14,22 +14,15 @@ namespace {
 
 using Tree = Outils_Collection::CAVLTree<CDateTimeSpan, unsigned long>;
 
-struct SResult {
-    Tree::EFind code;
-    unsigned long exactValue = 0, lowerValue = 0, upperValue = 0;
-    std::int64_t lower = 0, upper = 0;
-    bool operator==(const SResult&) const = default;
-};
+// Code; the value of the exact key; key and value below, key and value above.
+using Result =
+    std::tuple<Tree::EFind, unsigned long, std::int64_t, unsigned long, std::int64_t, unsigned long>;
 
-SResult Find(Tree& tree, std::int64_t key) {
-    SResult result{};
-    CDateTimeSpan lower;
-    CDateTimeSpan upper;
-    result.code =
-        tree.Find(CDateTimeSpan(key), result.exactValue, lower, result.lowerValue, upper, result.upperValue);
-    result.lower = lower.GetTicks();
-    result.upper = upper.GetTicks();
-    return result;
+Result Find(Tree& tree, std::int64_t key) {
+    unsigned long exactValue = 0, lowerValue = 0, upperValue = 0;
+    CDateTimeSpan lower, upper;
+    const auto code = tree.Find(CDateTimeSpan(key), exactValue, lower, lowerValue, upper, upperValue);
+    return {code, exactValue, lower.GetTicks(), lowerValue, upper.GetTicks(), upperValue};
 }
 
 // The same duties on standard containers, without any balance.
@@ -45,22 +38,20 @@ class CModel {
         m_ages.remove(key);
         return m_values.erase(key) != 0;
     }
-    SResult Find(std::int64_t key) {
-        SResult result{};
+    Result Find(std::int64_t key) {
         if (m_values.contains(key)) {
             m_ages.remove(key);
             m_ages.push_front(key);
-            return {Tree::exact, m_values[key]};
+            return {Tree::exact, m_values[key], 0, 0, 0, 0};
         }
         const auto upper = m_values.upper_bound(key);
-        const bool hasLower = upper != m_values.begin();
-        const bool hasUpper = upper != m_values.end();
-        if (hasUpper) std::tie(result.upper, result.upperValue) = *upper;
-        if (hasLower) std::tie(result.lower, result.lowerValue) = *std::prev(upper);
-        result.code = hasLower   ? (hasUpper ? Tree::between : Tree::above)
-                      : hasUpper ? Tree::below
-                                 : Tree::empty;
-        return result;
+        const bool hasLower = upper != m_values.begin(), hasUpper = upper != m_values.end();
+        const auto none = std::pair<const std::int64_t, unsigned long>();
+        const auto below = hasLower ? *std::prev(upper) : none, above = hasUpper ? *upper : none;
+        const auto code = hasLower   ? (hasUpper ? Tree::between : Tree::above)
+                          : hasUpper ? Tree::below
+                                     : Tree::empty;
+        return {code, 0, below.first, below.second, above.first, above.second};
     }
     std::size_t GetCount() const { return m_values.size(); }
 
@@ -85,7 +76,7 @@ TEST(IntervalIndex, AgreesWithAPlainMapAndUseList) {
         ASSERT_LE(tree.GetHeight(), 1.45 * std::log2(tree.GetCount() + 2.0)) << step;
     }
     tree.Clear();
-    EXPECT_EQ(Find(tree, 1).code, Tree::empty);
+    EXPECT_EQ(Find(tree, 1), CModel().Find(1));
 }
 
 TEST(IntervalIndex, AValueReplacedEvictsToo) {
@@ -94,7 +85,7 @@ TEST(IntervalIndex, AValueReplacedEvictsToo) {
     tree.SetEviction(true, 9, 4);
     tree.Insert(CDateTimeSpan(8), 2);
     EXPECT_EQ(tree.GetCount(), 5u);
-    EXPECT_EQ(Find(tree, 3).code, Tree::below);
+    EXPECT_EQ(std::get<0>(Find(tree, 3)), Tree::below);
 }
 
 TEST(IntervalIndex, InvalidKeyReplacesTheValueReached) {
@@ -102,7 +93,7 @@ TEST(IntervalIndex, InvalidKeyReplacesTheValueReached) {
     tree.Insert(CDateTimeSpan(5), 1);
     tree.Insert(CDateTimeSpan::Invalid(), 2);
     EXPECT_EQ(tree.GetCount(), 1u);
-    EXPECT_EQ(Find(tree, 5).exactValue, 2ul);
+    EXPECT_EQ(std::get<1>(Find(tree, 5)), 2ul);
 }
 
 } // namespace
