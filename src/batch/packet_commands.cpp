@@ -10,11 +10,13 @@
 
 #include <limits>
 #include <ostream>
+#include <ranges>
 
 namespace Batch {
 
 using namespace Application_Tarvel;
 using namespace Persistance_Xpf;
+using Outils_Texte::FormatText;
 
 namespace {
 
@@ -28,6 +30,16 @@ bool Ask(CTrvDataQuery& query, const std::string& path, SStreams streams) {
     if (query.Execute(cancelled)) return true;
     Fail(path, query.GetError() == EError::noPackets ? textChannelEmpty : textNumbersContradict, streams);
     return false;
+}
+
+// The columns of a header once more, behind others, each named by a text about it.
+std::string NameColumns(std::string_view header, int text) {
+    std::string columns;
+    for (const auto column : std::views::split(header, kSeparator)) {
+        columns += kSeparator;
+        columns += FormatText(text, {std::string_view(column.begin(), column.end())});
+    }
+    return columns;
 }
 
 CDateTimeSpan DateOf(const CXpfPacket& packet) {
@@ -135,7 +147,7 @@ int ReduceCommand(const COptions& options, SStreams streams) {
     if (!Ask(query, arguments[0], streams)) return exitFailure;
     const SReducedSeries series = query.TakeSeries();
     const std::string header = open.packet->GetHeaderText(kSeparator);
-    streams.out << header << kSeparator << header << kSeparator << header << '\n';
+    streams.out << header << NameColumns(header, textMinimumOf) << NameColumns(header, textMaximumOf) << '\n';
     for (std::size_t i = 0; i < series.representatives.size(); ++i)
         streams.out << series.representatives[i]->ToText(kSeparator) << kSeparator
                     << series.minima[i]->ToText(kSeparator) << kSeparator

@@ -41,7 +41,9 @@ enum ETextId : int {
     textTornAt = 10598,
     textMoreDamage = 10599,
     textNoFile = 10614,
-    textOutputNotWritten = 10615
+    textOutputNotWritten = 10615,
+    textMinimumOf = 10616,
+    textMaximumOf = 10617
 };
 
 } // namespace Batch

@@ -56,6 +56,8 @@ TEST_F(PacketCommands, FindsAMomentAndReducesAWindow) {
     Succeed("reduce /r.tarin DEPTH --from 1 --to 5.5 --slices 3");
     const auto lines = Lines();
     ASSERT_THAT(lines, SizeIs(5)); // the packet at the very end opens a slice of its own
+    EXPECT_THAT(lines[0],
+                AllOf(StartsWith("Date;"), HasSubstr(";minimum of Date;"), HasSubstr(";maximum of Date;")));
     EXPECT_EQ(lines[1], "1.5000000;0;1;11.25;0;1.0000000;0;0;10.25;0;1.0000000;0;2;12.25;0");
 }
 
