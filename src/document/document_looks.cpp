@@ -12,6 +12,7 @@
 namespace Application_Tarvel {
 
 using namespace Persistance_Xpf;
+using Metier_Tarvel::CTrvSimulationParameters;
 using Outils_Fichiers::ToText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
@@ -42,27 +43,31 @@ void CTrvDocument::LookAtFile(CTrvDataFile& file) {
         [this, &file](SFileLook look) { OnLooked(file, std::move(look)); });
 }
 
-// The cipher mode comes from the first packet, the frequency from a hundred behind it: a recording that has
-// none is walked to its end.
+// Two questions: the first packet tells the cipher mode, but the frequency takes a hundred behind it, and a
+// recording that has fewer is walked to its end.
 void CTrvDocument::LookAtRecording() {
-    struct SFacts {
-        std::int32_t cipherMode = 0;
-        std::int32_t imuFrequency = 0;
+    CTrvSimulationParameters& parameters = *m_pProject->simulationParameters;
+    const auto follow = [this, &parameters] {
+        if (!m_bSettingUp) UpdateAllViews(nullptr, hintSimulationParametersChanged, &parameters);
     };
-    const auto& parameters = *m_pProject->simulationParameters;
+    const std::filesystem::path& path = parameters.mainInputFile->path;
+    m_fileLooks.Ask(
+        parameters.nelixConfiguration.get(),
+        [path](const Outils::CEvent& cancel) { return Metier_Tarvel::ReadImuCipherMode(path, &cancel); },
+        [&parameters, follow](std::int32_t mode) {
+            parameters.nelixConfiguration->imuCipherMode = mode;
+            follow();
+        });
     m_fileLooks.Ask(
         &parameters,
-        [path = parameters.mainInputFile->path](const Outils::CEvent& cancel) {
-            SFacts facts;
-            facts.cipherMode = Metier_Tarvel::ReadImuCipherMode(path, &cancel);
-            Metier_Tarvel::MeasureImuFrequency(path, facts.imuFrequency, &cancel);
-            return facts;
+        [path](const Outils::CEvent& cancel) {
+            std::int32_t frequency = 0;
+            Metier_Tarvel::MeasureImuFrequency(path, frequency, &cancel);
+            return frequency;
         },
-        [this](const SFacts& facts) {
-            auto& own = *m_pProject->simulationParameters;
-            own.imuFrequency = facts.imuFrequency;
-            own.nelixConfiguration->imuCipherMode = facts.cipherMode;
-            if (!m_bSettingUp) UpdateAllViews(nullptr, hintSimulationParametersChanged, &own);
+        [&parameters, follow](std::int32_t frequency) {
+            parameters.imuFrequency = frequency;
+            follow();
         });
 }
 

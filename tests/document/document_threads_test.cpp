@@ -295,7 +295,7 @@ TEST_F(DocumentThreads, ADiskThatDoesNotAnswerHoldsUpNothing) {
         m_host.m_patience = 0ms;
         ASSERT_TRUE(m_document.CommandOpen(m_folder / "bad.tarprj"));
         ask();
-        disk.WaitForHeld(4); // the look, the measurement, the analyser and the query
+        disk.WaitForHeld(5); // the look, the cipher mode, the frequency, the analyser and the query
         EXPECT_FALSE(hasLayers());
         m_document.OnQueryFailed(*m_document.GetProject()->simulationParameters->mainInputFile);
         CNewProjectWizard wizard(m_host, m_configuration, m_document.GetFileLooks());
