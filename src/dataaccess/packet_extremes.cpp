@@ -21,41 +21,6 @@ namespace {
 constexpr std::size_t kVector = CPacketExtremes::kVector;
 using SVector = CPacketExtremes::SVector;
 
-template <EFieldType Type>
-struct TElement;
-template <>
-struct TElement<EFieldType::u8> {
-    using Type = std::uint8_t;
-};
-template <>
-struct TElement<EFieldType::u16> {
-    using Type = std::uint16_t;
-};
-template <>
-struct TElement<EFieldType::u32> {
-    using Type = std::uint32_t;
-};
-template <>
-struct TElement<EFieldType::i8> {
-    using Type = std::int8_t;
-};
-template <>
-struct TElement<EFieldType::i16> {
-    using Type = std::int16_t;
-};
-template <>
-struct TElement<EFieldType::i32> {
-    using Type = std::int32_t;
-};
-template <>
-struct TElement<EFieldType::f32> {
-    using Type = float;
-};
-template <>
-struct TElement<EFieldType::f64> {
-    using Type = double;
-};
-
 // One vector's worth of neighbouring elements of one type. Only the bytes from `from` to `to` belong to
 // fields; what else the vector covers takes part without effect, since each vector has accumulators of its
 // own.
@@ -117,7 +82,7 @@ constexpr bool StaysInPacket() {
 // Inlined into both forms of Include, and compiled there with the instructions of each.
 template <EFieldType Type>
 [[gnu::always_inline]] inline void IncludeVector(const std::uint8_t* from, SVector& low, SVector& high) {
-    using Element = typename TElement<Type>::Type;
+    using Element = FieldElement<Type>;
     typedef Element Lanes __attribute__((vector_size(kVector)));
     Lanes value, least, greatest;
     std::memcpy(&value, from, kVector);

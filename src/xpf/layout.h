@@ -3,10 +3,13 @@
 // rows.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <tuple>
+#include <type_traits>
 
 namespace Persistance_Xpf {
 
@@ -23,11 +26,28 @@ enum class EFieldType : std::uint8_t {
     date = 8
 };
 
+// What one element is stored as, in the order of the codes; a date is its tick count.
+using FieldElements = std::tuple<std::uint8_t, std::uint16_t, std::uint32_t, std::int8_t, std::int16_t,
+                                 std::int32_t, float, double, std::int64_t>;
+template <EFieldType Type>
+using FieldElement = std::tuple_element_t<static_cast<std::size_t>(Type), FieldElements>;
+
+// The code of an element's type.
+template <class Element>
+constexpr EFieldType GetFieldType() {
+    return []<class... T>(std::tuple<T...>*) {
+        constexpr bool is[] = {std::is_same_v<T, Element>...};
+        return static_cast<EFieldType>(std::find(std::begin(is), std::end(is), true) - std::begin(is));
+    }(static_cast<FieldElements*>(nullptr));
+}
+
 // Bytes of one element; 0 for a code that no type has.
 constexpr std::uint32_t GetWidth(EFieldType type) {
-    constexpr std::uint8_t widths[] = {1, 2, 4, 1, 2, 4, 4, 8, 8};
+    constexpr auto widths = []<class... T>(std::tuple<T...>*) {
+        return std::array{static_cast<std::uint8_t>(sizeof(T))...};
+    }(static_cast<FieldElements*>(nullptr));
     const auto code = static_cast<std::size_t>(type);
-    return code < std::size(widths) ? widths[code] : 0;
+    return code < widths.size() ? widths[code] : 0;
 }
 
 // The physical kind of a field. The numbers stand in files; the labels are the numbered texts 771 + nature.

@@ -19,25 +19,6 @@ T Load(const std::uint8_t* bytes) {
     return value;
 }
 
-template <class T>
-constexpr EFieldType kTypeOf = EFieldType::date;
-template <>
-constexpr EFieldType kTypeOf<std::uint8_t> = EFieldType::u8;
-template <>
-constexpr EFieldType kTypeOf<std::uint16_t> = EFieldType::u16;
-template <>
-constexpr EFieldType kTypeOf<std::uint32_t> = EFieldType::u32;
-template <>
-constexpr EFieldType kTypeOf<std::int8_t> = EFieldType::i8;
-template <>
-constexpr EFieldType kTypeOf<std::int16_t> = EFieldType::i16;
-template <>
-constexpr EFieldType kTypeOf<std::int32_t> = EFieldType::i32;
-template <>
-constexpr EFieldType kTypeOf<float> = EFieldType::f32;
-template <>
-constexpr EFieldType kTypeOf<double> = EFieldType::f64;
-
 // Whether a field holds exactly this type, in one element or, for `several`, in more.
 bool IsField(const SPacketLayout& layout, std::uint32_t field, EFieldType type, bool several) {
     return field < layout.fields.size() && layout.fields[field].type == type &&
@@ -46,14 +27,14 @@ bool IsField(const SPacketLayout& layout, std::uint32_t field, EFieldType type, 
 
 template <class T>
 bool GetScalar(const CXpfTablePacket& packet, std::uint32_t field, T& value) {
-    if (!IsField(packet.GetLayout(), field, kTypeOf<T>, false)) return false;
+    if (!IsField(packet.GetLayout(), field, GetFieldType<T>(), false)) return false;
     value = Load<T>(packet.GetPayload() + packet.GetLayout().offsets[field]);
     return true;
 }
 
 template <class T>
 bool SetScalar(CXpfTablePacket& packet, std::uint32_t field, T value) {
-    if (!IsField(packet.GetLayout(), field, kTypeOf<T>, false)) return false;
+    if (!IsField(packet.GetLayout(), field, GetFieldType<T>(), false)) return false;
     std::memcpy(packet.GetPayload() + packet.GetLayout().offsets[field], &value, sizeof value);
     return true;
 }
@@ -61,7 +42,8 @@ bool SetScalar(CXpfTablePacket& packet, std::uint32_t field, T value) {
 template <class T>
 bool GetElement(const CXpfTablePacket& packet, std::uint32_t field, std::uint32_t element, T& value) {
     const SPacketLayout& layout = packet.GetLayout();
-    if (!IsField(layout, field, kTypeOf<T>, true) || element >= layout.fields[field].count) return false;
+    if (!IsField(layout, field, GetFieldType<T>(), true) || element >= layout.fields[field].count)
+        return false;
     value = Load<T>(packet.GetPayload() + layout.offsets[field] + element * sizeof(T));
     return true;
 }
