@@ -140,8 +140,8 @@ void CFileScan::Take(std::int64_t position, const SPacketHeader& header,
         const std::int64_t distance = position - seen.lastPosition;
         if (header.number != seen.lastNumber + 1)
             ++seen.numberJumps;
-        else // a writer that is at work may not have set the link forward yet
-            seen.badLinks += header.backLink != distance ||
+        else // one that is too long is none, and a writer at work may not have set the link forward yet
+            seen.badLinks += header.backLink != (distance <= UINT32_MAX ? distance : 0) ||
                              (seen.lastForwardLink != 0 && seen.lastForwardLink != distance);
     }
     seen.lastNumber = header.number;

@@ -60,6 +60,7 @@ int ChannelsCommand(const COptions& options, SStreams streams) {
         SPacketHeader header;
         const auto packet = channel->CreatePacket();
         const auto date = [&]() -> std::string {
+            if (packet) packet->Clear(); // what a short packet does not fill
             return packet && channel->ReadNextPacket(*packet) ? DateOf(*packet).ToText() : "";
         };
         const bool hasLast = channel->SeekLastPacket(&header);

@@ -15,9 +15,10 @@ constexpr std::int64_t kPage = 4096;
 // A lone access takes less than a page: what it costs is the memory that it touches, and most packets fit.
 constexpr std::int64_t kSector = 256;
 constexpr std::size_t kSmallestBlock = 2 * kSector;
-constexpr std::size_t kLargestBlock = std::size_t{2} << 20;
-// Walks shorter than the largest block stay with blocks up to this one: memory that has not been used before
-// costs more than a few system calls.
+constexpr std::size_t kLargestBlock = std::size_t{256} << 10;
+// Walks shorter than this stay with smaller blocks: memory that has not been used before costs more than a
+// few system calls.
+constexpr std::size_t kLongWalk = std::size_t{2} << 20;
 constexpr std::size_t kUsualBlock = std::size_t{64} << 10;
 // A jump up to this far costs less as a read through than as a read of its own: a system call takes about the
 // time in which this much is copied.
@@ -105,7 +106,7 @@ bool CBlockReader::Probe(std::int64_t offset, void* buffer, std::size_t size) co
 
 void CBlockReader::Forget() {
     m_begin = m_end = 0;
-    m_block = 0;
+    m_block = m_walked = 0;
 }
 
 bool CBlockReader::Load(std::int64_t offset, std::size_t size) {
@@ -152,7 +153,7 @@ void CBlockReader::ChooseBlock(bool goesOn) {
     m_walked = goesOn ? m_walked + m_block : 0;
     if (!goesOn)
         m_block = kSmallestBlock;
-    else if (m_walked < kLargestBlock)
+    else if (m_walked < kLongWalk)
         m_block = std::clamp<std::size_t>(m_block * 2, kPage, kUsualBlock);
     else
         m_block = kLargestBlock;
@@ -162,13 +163,13 @@ void CBlockReader::ChooseBlock(bool goesOn) {
     posix_fadvise(m_handle, 0, 0, sequential ? POSIX_FADV_SEQUENTIAL : POSIX_FADV_RANDOM);
 }
 
-// Memory for `length` bytes. Beyond the largest block only if the file reaches as far as `end`: a size that a
-// damaged packet states costs no memory.
+// Memory for `length` bytes. Beyond what a walk or a Fetch takes only if the file reaches as far as `end`: a
+// size that a damaged packet states costs no memory.
 bool CBlockReader::Reserve(std::size_t length, std::int64_t end) {
     if (length <= m_capacity) return true;
-    const std::size_t usual = kUsualBlock + kPage, largest = kLargestBlock + kPage;
-    if (length > largest && GetFileSize() < end) return false;
-    const std::size_t capacity = length <= usual ? usual : std::max(length, largest);
+    if (length > kLargestFetch + kPage && GetFileSize() < end) return false;
+    const std::size_t least = (length <= kUsualBlock + kPage ? kUsualBlock : kLargestBlock) + kPage;
+    const std::size_t capacity = std::max(length, least);
     m_begin = m_end = 0;
     m_buffer.reset();
     m_buffer.reset(static_cast<std::uint8_t*>(std::aligned_alloc(kPage, capacity)));
