@@ -61,15 +61,20 @@ CBatchCreation::SRecordings CBatchCreation::LookInto(const std::vector<SParamete
     for (const SParameterFileRow& file : files) {
         if (file.isOutput) continue;
         bool outdated = false;
-        if (!Persistance_Xpf::OpenXpfFile(file.path, Persistance_Xpf::EFileKind::tarin, outdated,
-                                          interrupt)) {
+        const bool opened = Persistance_Xpf::OpenXpfFile(file.path, Persistance_Xpf::EFileKind::tarin,
+                                                         outdated, interrupt) != nullptr;
+        if (opened) {
+            std::int32_t equipment = 0;
+            if (recordings.origins.empty() &&
+                Metier_Tarvel::ReadImuEquipment(file.path, equipment, interrupt))
+                recordings.equipment = equipment;
+            recordings.origins.push_back(FindUtcOrigin(file.path, maxPacketCount, interrupt));
+        }
+        // A search that had to give up has not found that the file tells nothing.
+        if (!opened || (interrupt && interrupt->IsSet())) {
             recordings.unreadable = file.path;
             break;
         }
-        std::int32_t equipment = 0;
-        if (recordings.origins.empty() && Metier_Tarvel::ReadImuEquipment(file.path, equipment, interrupt))
-            recordings.equipment = equipment;
-        recordings.origins.push_back(FindUtcOrigin(file.path, maxPacketCount, interrupt));
     }
     return recordings;
 }

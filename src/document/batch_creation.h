@@ -33,10 +33,11 @@ class CBatchCreation {
     struct SRecordings {
         std::vector<Outils_Temps::CDateTime>
             origins;                      // UTC instant of date zero; invalid for a file that does not tell
-        std::filesystem::path unreadable; // the first that is no recording, empty for none
+        std::filesystem::path unreadable; // the first that is no recording or was given up, empty for none
         std::optional<std::int32_t> equipment; // of the first
     };
-    // Searches the UTC dates in the first `maxPacketCount` packets of each. Any thread.
+    // Searches the UTC dates in the first `maxPacketCount` packets of each. Once the event is set, it gives up
+    // the file that it reads. Any thread.
     static SRecordings LookInto(const std::vector<Persistance_Parametres::SParameterFileRow>& files,
                                 int maxPacketCount, const Outils::CEvent* interrupt = nullptr);
     // The project over the chosen files, by what they tell; external files whose UTC is known are shifted

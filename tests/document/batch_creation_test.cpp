@@ -8,8 +8,10 @@
 #include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
+#include "support/faulty_disk.h"
 
 #include <fstream>
+#include <optional>
 
 using namespace Application_Tarvel;
 using namespace Metier_Tarvel;
@@ -145,6 +147,27 @@ TEST_F(BatchCreation, EveryFailureHasItsMessage) {
     EXPECT_EQ(message, GetText(textBatchFileCorrupted));
     EXPECT_FALSE(creation.Create(CBatchCreation::LookInto(creation.GetFiles(), kPackets), message));
     EXPECT_EQ(message, GetText(textBatchFileCorrupted));
+}
+
+// The look at the last file is told to give up in the middle of its search.
+TEST_F(BatchCreation, ASearchThatHadToGiveUpIsNoFileWithoutUtc) {
+    Record("ext.tarin", -1, 10 * kPackets);
+    CBatchCreation creation;
+    std::string message;
+    ASSERT_TRUE(creation.Load(m_file, message));
+    std::optional<test::CFaultyDisk> disk(std::in_place, m_folder / "ext.tarin", test::CFaultyDisk::stalls,
+                                          file_size(m_folder / "ext.tarin") / 2);
+    CBatchCreation::SRecordings recordings;
+    Outils::CTask look([&](const Outils::CEvent& cancel) {
+        recordings = CBatchCreation::LookInto(creation.GetFiles(), 10 * kPackets, &cancel);
+    });
+    ASSERT_TRUE(look.Start());
+    disk->WaitForHeld(1);
+    look.Stop();
+    disk.reset();
+    look.Join();
+    EXPECT_FALSE(creation.Create(recordings, message));
+    EXPECT_EQ(message, FormatText(textNoSynchronization, {ToText(m_folder / "ext.tarin")}));
 }
 
 namespace {

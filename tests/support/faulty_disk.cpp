@@ -53,7 +53,7 @@ std::int64_t Pass(int file, std::int64_t size, std::int64_t offset) {
     if (all.count == 0) return size;
     std::unique_lock lock(all.mutex);
     SFault* fault = all.Find(file, false);
-    if (!fault) return size;
+    if (!fault || offset + size <= fault->offset) return size;
     if (fault->fault == CFaultyDisk::stalls) {
         const void* owner = fault->owner;
         ++fault->held;
@@ -64,7 +64,6 @@ std::int64_t Pass(int file, std::int64_t size, std::int64_t offset) {
         });
         return size;
     }
-    if (offset + size <= fault->offset) return size;
     return offset < fault->offset ? fault->offset - offset : -1;
 }
 

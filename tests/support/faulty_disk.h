@@ -11,7 +11,7 @@ namespace test {
 class CFaultyDisk {
   public:
     enum EFault {
-        stalls, // a read does not return before the object goes
+        stalls, // a read that reaches behind `offset` does not return before the object goes
         fails,  // a read of what lies behind `offset` ends there, or fails if it begins there
         isFull  // a write fails
     };
