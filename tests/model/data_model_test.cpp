@@ -1,3 +1,4 @@
+#include "model/dictionary/file_description.h"
 #include "model/dictionary/visibility.h"
 #include "model/project.h"
 #include "recording/recording_writer.h"
@@ -175,14 +176,19 @@ TEST_F(DataModelTest, FieldsOutsideTheTablesAreForExperts) {
 TEST_F(DataModelTest, RefreshKeepsTheLayersThatStay) {
     CTrvSimulationParameters parameters(Create("a.tarin", {"IMU", "GPS_1"}), folder / "a.tarout");
     CTrvDataFile& file = *parameters.mainInputFile;
+    const auto refresh = [&] {
+        SFileDescription description;
+        ReadFileDescription(file.path, description);
+        return model.Refresh(file, description, false);
+    };
     model.BuildFromFile(file, false);
     const CTrvDataLayer* gps = &Layer("GPS_1");
     CTrvDataLayer& foreign = *model.m_layers.emplace_back(std::make_unique<CTrvDataLayer>());
     foreign.m_name = "LBL";
     foreign.m_dataFile = parameters.outputFile.get();
-    EXPECT_FALSE(model.RefreshFromFile(file, false));
+    EXPECT_FALSE(refresh());
     Create("a.tarin", {"GPS_1", "DEPTH"});
-    EXPECT_TRUE(model.RefreshFromFile(file, false));
+    EXPECT_TRUE(refresh());
     EXPECT_EQ(Names(), (List{"GPS_1", "LBL", "DEPTH"}));
     EXPECT_EQ(&Layer("GPS_1"), gps);
 
@@ -190,11 +196,11 @@ TEST_F(DataModelTest, RefreshKeepsTheLayersThatStay) {
     CTrvDataLayer& twin = *model.m_layers.emplace_back(std::make_unique<CTrvDataLayer>());
     twin.m_name = "GPS_1";
     twin.m_dataFile = &file;
-    EXPECT_TRUE(model.RefreshFromFile(file, false));
+    EXPECT_TRUE(refresh());
     EXPECT_EQ(Names(), (List{"GPS_1", "LBL", "DEPTH"}));
     EXPECT_EQ(&Layer("GPS_1"), gps);
     std::filesystem::remove(file.path);
-    EXPECT_TRUE(model.RefreshFromFile(file, false));
+    EXPECT_TRUE(refresh());
     EXPECT_EQ(Names(), (List{"LBL"}));
 }
 

@@ -89,12 +89,6 @@ bool CTrvDataModel::BuildFromFile(CTrvDataFile& dataFile, bool expertMode) {
     return BuildLayers(dataFile, description, expertMode, m_layers) && whole;
 }
 
-bool CTrvDataModel::RefreshFromFile(CTrvDataFile& dataFile, bool expertMode) {
-    SFileDescription description;
-    ReadFileDescription(dataFile.path, description);
-    return Refresh(dataFile, description, expertMode);
-}
-
 bool CTrvDataModel::Refresh(CTrvDataFile& dataFile, const SFileDescription& description, bool expertMode) {
     std::vector<std::unique_ptr<CTrvDataLayer>> fresh;
     BuildLayers(dataFile, description, expertMode, fresh);

@@ -87,10 +87,8 @@ class CTrvDataModel : public TRuntimeClass<CTrvDataModel, CTrvObject> {
     // experts and those that the system does not know. False when the file cannot be read; what was built so
     // far is kept.
     bool BuildFromFile(CTrvDataFile& dataFile, bool expertMode);
-    // The same without touching layers that the file still has: they keep their identity. True when a layer
-    // was added or removed. A file that cannot be read has no layers.
-    bool RefreshFromFile(CTrvDataFile& dataFile, bool expertMode);
-    // The same by what was read of the file before.
+    // The same by what was read of the file before, without touching layers that it still has: they keep
+    // their identity. True when a layer was added or removed. An empty description leaves the file none.
     bool Refresh(CTrvDataFile& dataFile, const SFileDescription& description, bool expertMode);
     // `dataFile` is only compared.
     void RemoveLayers(const CTrvDataFile* dataFile);
