@@ -74,7 +74,8 @@ class CAsyncQueryManager {
     // Appends the query unless it is queued or running, and starts the loader if it is not at work.
     void Submit(const std::shared_ptr<CAsyncQuery>& query);
     // Withdraws a queued query or asks the running one to stop; its OnCancelled comes later. False when there
-    // was nothing to do: the query has finished or was never submitted.
+    // was nothing to do: the query has finished, was never submitted, or has been asked to stop by Stop and
+    // runs on a loader that was replaced since; then its closing operation is still to come.
     bool Cancel(const std::shared_ptr<CAsyncQuery>& query);
     // Asks the loader to end after its current query, which is asked to stop; true once the loader has ended.
     // What is still queued stays queued and runs after the next Submit, which does not wait for a loader that

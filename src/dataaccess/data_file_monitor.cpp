@@ -26,20 +26,29 @@ std::optional<EFileChange> CWatchedFile::Update(const std::optional<SFileEntry>&
 }
 
 void CTrvDataFileMonitorThread::Watch(FileKey file, std::filesystem::path path) {
-    Ask({file, std::move(path)});
+    auto& watch = m_watches[file];
+    if (watch) return;
+    watch = std::make_shared<SWatch>(SWatch{file, std::move(path)});
+    Ask({watch, false});
 }
 
-void CTrvDataFileMonitorThread::Unwatch(FileKey file) { Ask({file, {}}); }
+void CTrvDataFileMonitorThread::Unwatch(FileKey file) {
+    const auto place = m_watches.find(file);
+    if (place == m_watches.end()) return;
+    place->second->isHeard = false;
+    Ask({std::move(place->second), true});
+    m_watches.erase(place);
+}
 
 void CTrvDataFileMonitorThread::Ask(SRequest request) {
-    const bool forget = request.path.empty();
+    const bool ends = request.ends;
     {
         const std::lock_guard lock(m_mutex);
         m_requests.push_back(std::move(request));
         m_stop = m_stop && IsAlive();
     }
     m_wake.notify_all();
-    if (!forget && !IsAlive()) Start();
+    if (!ends && !IsAlive()) Start();
 }
 
 void CTrvDataFileMonitorThread::RequestStop() {
@@ -58,10 +67,10 @@ void CTrvDataFileMonitorThread::Run() {
             m_wake.wait_until(lock, nextPoll, [this] { return m_stop || !m_requests.empty(); });
             if (m_stop) return;
             for (SRequest& request : m_requests) {
-                if (request.path.empty())
-                    m_watched.erase(request.file);
+                if (request.ends)
+                    m_polled.erase(request.watch);
                 else
-                    m_watched.try_emplace(request.file, SEntry{std::move(request.path), {}});
+                    m_polled.insert(std::move(request.watch));
             }
             m_requests.clear();
         }
@@ -72,9 +81,12 @@ void CTrvDataFileMonitorThread::Run() {
 }
 
 void CTrvDataFileMonitorThread::Poll() {
-    for (auto& [file, entry] : m_watched) {
-        const auto change = entry.state.Update(FindFile(entry.path));
-        if (change) m_port.Post([report = m_onChange, change = *change, key = file] { report(change, key); });
+    for (const auto& watch : m_polled) {
+        const auto change = watch->state.Update(FindFile(watch->path));
+        if (!change) continue;
+        m_port.Post([report = m_onChange, change = *change, watch] {
+            if (watch->isHeard) report(change, watch->file);
+        });
     }
 }
 

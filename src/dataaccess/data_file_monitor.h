@@ -10,8 +10,10 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace Application_Tarvel {
@@ -51,8 +53,9 @@ class CTrvDataFileMonitorThread : public Outils::CThread {
     ~CTrvDataFileMonitorThread() override { Kill(); }
 
     // Adds a file and starts the thread if need be; a file that is watched already changes nothing. One that
-    // exists is told as appeared by the next poll.
+    // exists is told as appeared by the next poll. On the UI thread.
     void Watch(FileKey file, std::filesystem::path path);
+    // From here on nothing is told of the file, not even what was posted already. On the UI thread.
     void Unwatch(FileKey file);
 
   protected:
@@ -60,13 +63,16 @@ class CTrvDataFileMonitorThread : public Outils::CThread {
     void RequestStop() override;
 
   private:
-    struct SRequest {
-        FileKey file;
-        std::filesystem::path path; // empty: forget the file
+    // A file from Watch to Unwatch. The next watch of the same file is another one.
+    struct SWatch {
+        const FileKey file;
+        const std::filesystem::path path;
+        CWatchedFile state{}; // of the thread alone
+        bool isHeard = true;  // of the UI thread alone
     };
-    struct SEntry {
-        std::filesystem::path path;
-        CWatchedFile state;
+    struct SRequest {
+        std::shared_ptr<SWatch> watch;
+        bool ends;
     };
 
     void Ask(SRequest request);
@@ -75,7 +81,8 @@ class CTrvDataFileMonitorThread : public Outils::CThread {
     Outils::CMessagePort& m_port;
     OnChange m_onChange;
     std::chrono::milliseconds m_period;
-    std::map<FileKey, SEntry> m_watched; // of the thread alone
+    std::map<FileKey, std::shared_ptr<SWatch>> m_watches; // of the UI thread alone
+    std::set<std::shared_ptr<SWatch>> m_polled;           // of the thread alone
 
     std::mutex m_mutex; // guards what follows
     std::condition_variable m_wake;

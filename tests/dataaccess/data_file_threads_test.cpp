@@ -147,4 +147,22 @@ TEST_F(DataFileThreads, MonitorFollowsAFile) {
     EXPECT_EQ(changes.back().first, EFileChange::appeared);
 }
 
+TEST_F(DataFileThreads, WhatWasPostedOfAFormerWatchIsNotHeard) {
+    const std::filesystem::path files[] = {m_folder / "a", m_folder / "b"};
+    std::vector<const void*> told;
+    CTrvDataFileMonitorThread monitor(
+        m_port, [&](EFileChange, const void* file) { told.push_back(file); }, 1ms);
+    for (const auto& file : files) std::ofstream(file) << "x";
+    for (const auto& file : files) monitor.Watch(&file, file);
+    ASSERT_TRUE(m_queue.RunUntil([&] { return !told.empty(); }, 30s));
+    // Of the other one the same poll told.
+    for (const auto& file : files) {
+        monitor.Unwatch(&file);
+        monitor.Watch(&file, m_folder / "gone");
+    }
+    monitor.Kill();
+    m_queue.RunPending();
+    EXPECT_EQ(told.size(), 1u);
+}
+
 } // namespace
