@@ -144,6 +144,8 @@ class CTrvDocument final : public CDocumentEx {
     void WatchFiles();
     // Has the monitor look at the file as at one that it has never seen.
     void WatchAnew(const CTrvDataFile& file);
+    // Forgets what was seen of the file, and hears no more of it.
+    void Unwatch(const CTrvDataFile& file);
     void StopThreads();
     void SearchFirstData();
 
@@ -153,11 +155,15 @@ class CTrvDocument final : public CDocumentEx {
     void LookAtFile(CTrvDataFile& file);
     void LookAtRecording();
     void OnLooked(CTrvDataFile& file, SFileLook look);
+    // Notes whether the head is whole, and brings the layers in line if they are to follow.
+    void TakeHead(CTrvDataFile& file, const SFileLook& look);
     void FollowFirstLooks();
     void FollowLook(CTrvDataFile& file, const SFileLook& look);
     // Tells which of the files are none, and offers to bring those of an older layout up to date; these are
     // then looked at anew.
-    void CheckDataFileVersions(const std::map<CTrvDataFile*, SFileLook>& looks);
+    void CheckDataFileVersions(const std::map<const CTrvDataFile*, SFileLook>& looks);
+    // Does so once all first looks that came late have their answers.
+    void CheckLateVersions();
     void OnChannelFound(const void* key, std::uint16_t channel);
     void AddSensorAutomatically(CTrvDataFile& file, std::uint16_t channel);
     void OnFileChanged(EFileChange change, const void* key);
@@ -196,11 +202,12 @@ class CTrvDocument final : public CDocumentEx {
     std::unique_ptr<CTrvDataFileMonitorThread> m_fileMonitor; // one for each project
     Outils::CEndingThreads m_endingThreads;                   // former ones of both kinds
     CFileLooks m_fileLooks;
-    // While a project is opened or made, the answers to the first looks: the views, which do not know the
-    // project yet, are told nothing.
+    // While a project is opened or made, the views, which do not know it yet, are told nothing.
     bool m_bSettingUp = false;
-    std::map<CTrvDataFile*, SFileLook> m_firstLooks;
-    CXpfFileCache m_fileCache; // outlives the queries of the manager below
+    // The answers to the first looks: meanwhile all, later those that wait for CheckLateVersions.
+    std::map<const CTrvDataFile*, SFileLook> m_firstLooks;
+    bool m_bCheckingVersions = false; // a question of CheckLateVersions may be open
+    CXpfFileCache m_fileCache;        // outlives the queries of the manager below
     CAsyncQueryManager m_queryManager;
 };
 

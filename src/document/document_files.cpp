@@ -90,11 +90,17 @@ void CTrvDocument::WatchFiles() {
 }
 
 void CTrvDocument::WatchAnew(const CTrvDataFile& file) {
-    m_fileStates.erase(&file);
+    Unwatch(file);
+    if (m_fileMonitor) m_fileMonitor->Watch(&file, file.path);
+}
+
+void CTrvDocument::Unwatch(const CTrvDataFile& file) {
+    if (m_fileMonitor) m_fileMonitor->Unwatch(&file);
     m_fileLooks.Forget(&file);
-    if (!m_fileMonitor) return;
-    m_fileMonitor->Unwatch(&file);
-    m_fileMonitor->Watch(&file, file.path);
+    m_firstLooks.erase(&file);
+    m_fileStates.erase(&file);
+    // It may have been the last one for which the question about the versions waited.
+    m_messageWnd->Post([this] { CheckLateVersions(); });
 }
 
 void CTrvDocument::StopThreads() {
@@ -105,6 +111,7 @@ void CTrvDocument::StopThreads() {
     for (auto& [file, analysis] : m_analyzers) Retire(analysis);
     m_analyzers.clear();
     m_fileLooks.ForgetAll();
+    m_firstLooks.clear();
     m_queryManager.Stop();
     m_messageWnd = std::make_shared<Outils::CMessagePort>(m_target);
 }
@@ -116,10 +123,8 @@ void CTrvDocument::FollowDataFile(CTrvDataFile& file) {
 
 void CTrvDocument::ForgetDataFile(const CTrvDataFile& file) {
     StopAnalysis(file, true);
-    if (m_fileMonitor) m_fileMonitor->Unwatch(&file);
-    m_fileLooks.Forget(&file);
+    Unwatch(file);
     m_fileCache.InvalidateFile(file.path);
-    m_fileStates.erase(&file);
 }
 
 SFirstData CTrvDocument::WaitForFirstData(const CTrvDataFile& file) {
@@ -195,8 +200,8 @@ void CTrvDocument::OnFileChanged(EFileChange change, const void* key) {
     if (change == EFileChange::grew) {
         m_fileCache.InvalidateLast(file->path);
         StartAnalysis(*file);
-        // A file seen before its header was whole, or written anew between two looks, has no layers yet.
-        if (m_pProject->dataModel->HasLayers(file) && state.fault == 0) {
+        // A file seen before its header was whole, or written anew between two looks, lacks layers yet.
+        if (m_pProject->dataModel->HasLayers(file) && state.headIsWhole) {
             UpdateAllViews(nullptr, hintDataFileContentChanged, file);
             return;
         }

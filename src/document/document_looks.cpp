@@ -7,6 +7,7 @@
 #include "foundation/texts.h"
 #include "model/imu_channel.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace Application_Tarvel {
@@ -74,13 +75,20 @@ void CTrvDocument::LookAtRecording() {
 void CTrvDocument::OnLooked(CTrvDataFile& file, SFileLook look) {
     SFileState& state = m_fileStates[&file];
     if (std::exchange(state.lookAgain, false)) {
+        // A file that grows faster than its disk answers would have none but such looks.
+        if (!m_bSettingUp) TakeHead(file, look);
         LookAtFile(file);
-    } else if (m_bSettingUp) {
-        m_firstLooks[&file] = std::move(look);
-    } else {
-        if (state.checkVersion) CheckDataFileVersions({{&file, look}});
-        if (!m_fileLooks.IsAsked(&file)) FollowLook(file, look);
+        return;
     }
+    if (!m_bSettingUp) FollowLook(file, look);
+    if (m_bSettingUp || state.checkVersion) m_firstLooks[&file] = std::move(look);
+    CheckLateVersions();
+}
+
+void CTrvDocument::TakeHead(CTrvDataFile& file, const SFileLook& look) {
+    SFileState& state = m_fileStates[&file];
+    state.headIsWhole = look.fault == 0;
+    if (state.followFile) RefreshDataLayers(file, look.description);
 }
 
 void CTrvDocument::FollowFirstLooks() {
@@ -98,10 +106,10 @@ void CTrvDocument::FollowFirstLooks() {
 
 void CTrvDocument::FollowLook(CTrvDataFile& file, const SFileLook& look) {
     SFileState& state = m_fileStates[&file];
+    TakeHead(file, look);
     const bool follows = std::exchange(state.followFile, false);
     const bool missing = std::exchange(state.tellMissing, false);
     const bool replaced = std::exchange(state.tellReplaced, false);
-    if (follows) RefreshDataLayers(file, look.description);
     if (!IsBeingWritten(file) && (look.fault != textFileVanished || missing)) {
         if (std::exchange(state.fault, look.fault) != look.fault && look.fault != 0) Tell(look.fault, file);
         if (replaced && look.fault == 0) Tell(textFileReplaced, file);
@@ -115,7 +123,7 @@ void CTrvDocument::OnQueryFailed(const CTrvDataFile& file) {
     if (own && !IsBeingWritten(file) && !m_fileLooks.IsAsked(&file)) LookAtFile(*own);
 }
 
-void CTrvDocument::CheckDataFileVersions(const std::map<CTrvDataFile*, SFileLook>& looks) {
+void CTrvDocument::CheckDataFileVersions(const std::map<const CTrvDataFile*, SFileLook>& looks) {
     std::vector<CTrvDataFile*> upgradable;
     for (CTrvDataFile* file : GetDataFiles()) {
         const auto look = looks.find(file);
@@ -131,13 +139,31 @@ void CTrvDocument::CheckDataFileVersions(const std::map<CTrvDataFile*, SFileLook
     const std::string question(GetText(textUpgradeDataFiles));
     if (GetHost().ShowMessage(question, EButtons::yesNo, EIcon::question) != EAnswer::yes) return;
     for (CTrvDataFile* file : upgradable) {
-        if (!GetHost().UpdateDataFile(file->path)) continue;
-        LookAtFile(*file);
-        if (m_bSettingUp) continue;
+        // What the updater does to it is no news, and what it leaves is a new file in all respects.
         StopAnalysis(*file, true);
-        StartAnalysis(*file);
+        Unwatch(*file);
+        GetHost().UpdateDataFile(file->path);
+        m_fileCache.InvalidateFile(file->path);
+        WatchAnew(*file);
+        m_fileStates[file].followFile = m_fileStates[file].tellMissing = true;
+        LookAtFile(*file);
+        if (!m_bSettingUp) StartAnalysis(*file);
     }
     if (m_bSettingUp) m_fileLooks.Wait(GetHost().GetPatience());
+}
+
+void CTrvDocument::CheckLateVersions() {
+    const auto isAwaited = [this](CTrvDataFile* file) {
+        return m_fileStates[file].checkVersion && m_fileLooks.IsAsked(file);
+    };
+    // The loop of an open box delivers further answers: they wait for its end.
+    if (m_bSettingUp || std::exchange(m_bCheckingVersions, true)) return;
+    while (!m_firstLooks.empty()) {
+        const auto files = GetDataFiles();
+        if (std::any_of(files.begin(), files.end(), isAwaited)) break;
+        CheckDataFileVersions(std::exchange(m_firstLooks, {}));
+    }
+    m_bCheckingVersions = false;
 }
 
 void CTrvDocument::Tell(int text, const CTrvDataFile& file) {

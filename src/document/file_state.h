@@ -13,6 +13,7 @@ namespace Application_Tarvel {
 
 struct SFileState {
     int fault = 0;                    // the text that was told last, 0 once the file is whole again
+    bool headIsWhole = false;         // at the last look, told or not
     std::int64_t damage = -1;         // the position that was told last
     std::set<std::uint16_t> channels; // found by the analysis: the file's layers may come after them
 

@@ -45,6 +45,25 @@ struct SWithoutRights {
     ~SWithoutRights() { ::setfsuid(::geteuid()); }
 };
 
+// Boxes and dialogs have a loop of their own, which delivers what is posted. The updater renames what it
+// makes into place.
+class CUpdatingHost final : public test::CScriptedHost {
+  public:
+    EAnswer ShowMessage(const std::string& text, EButtons buttons, EIcon icon) override {
+        const EAnswer answer = CScriptedHost::ShowMessage(text, buttons, icon);
+        m_queue.RunPending();
+        return answer;
+    }
+    bool UpdateDataFile(const std::filesystem::path& path) override {
+        const std::filesystem::path made = path.native() + ".new";
+        std::filesystem::copy_file(m_repaired, made);
+        std::filesystem::rename(made, path);
+        m_queue.RunPending();
+        return true;
+    }
+    std::filesystem::path m_repaired; // what the updater makes of any file
+};
+
 class DocumentThreads : public testing::Test, private IDocumentView {
   protected:
     DocumentThreads() { m_document.AddView(this); }
@@ -74,6 +93,13 @@ class DocumentThreads : public testing::Test, private IDocumentView {
         EXPECT_TRUE(file.SearchPacketBackward(header));
         return static_cast<std::size_t>(file.GetPosition());
     }
+    // As a writer leaves it that is killed in the middle of a packet.
+    static void Tear(const std::filesystem::path& file) {
+        std::ifstream in(file, std::ios::binary);
+        std::string bytes(static_cast<std::size_t>(file_size(file)), '\0');
+        in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        std::ofstream(file, std::ios::app).write(bytes.data() + LastPacket(file), 30);
+    }
     void WriteResult(const std::filesystem::path& path) {
         constexpr std::string_view channels[] = {"MORVEX_STD"};
         Enregistrement::CRecordingWriter writer;
@@ -100,7 +126,7 @@ class DocumentThreads : public testing::Test, private IDocumentView {
     }
 
     test::CTemporaryFolder m_folder;
-    test::CScriptedHost m_host;
+    CUpdatingHost m_host;
     Outils_Configuration::CTrvCnfConfigFile m_configuration;
     std::vector<EHint> m_hints;
     CTrvDocument m_document{m_host, m_host.m_queue, m_configuration};
@@ -201,14 +227,7 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
          textFileReplaced},
         {"damaged", [](const path& file) { std::ofstream(file, std::ios::app) << std::string(4000, 'x'); },
          textFileDamaged},
-        {"torn", // as a writer leaves it that is killed in the middle of a packet
-         [](const path& file) {
-             std::ifstream in(file, std::ios::binary);
-             std::string bytes(static_cast<std::size_t>(file_size(file)), '\0');
-             in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-             std::ofstream(file, std::ios::app).write(bytes.data() + LastPacket(file), 30);
-         },
-         0},
+        {"torn", Tear, 0},
         {"locked", [](const path& file) { permissions(file, perms::none); }, textFileNotReadable},
         {"unplugged",
          [&](const path& file) {
@@ -267,6 +286,48 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
     withoutRights.emplace();
     ASSERT_TRUE(m_document.CommandOpen(m_folder / "p.tarprj"));
     EXPECT_EQ(m_host.m_output.size(), 6u); // vanished, folder, fifo, cut, locked, unplugged
+}
+
+TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
+    const std::filesystem::path disk = m_folder / "disk";
+    std::filesystem::create_directory(disk);
+    const std::filesystem::path files[] = {disk / "a", disk / "b", disk / "c"};
+    for (const auto& file : files) {
+        test::CTestRecording recording(file);
+        Record(recording, 0, 300);
+    }
+    m_host.m_repaired = m_folder / "repaired";
+    std::filesystem::copy_file(files[0], m_host.m_repaired);
+    {
+        test::CScriptedHost host;
+        CTrvDocument document(host, host.m_queue, m_configuration);
+        auto project = Make(files[0]);
+        ASSERT_TRUE(project->AddDataFile(files[1], false) && project->AddDataFile(files[2], false));
+        ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
+    }
+    for (const auto& file : files) // a channel of a name that is known no more
+        std::fstream(file, std::ios::in | std::ios::out | std::ios::binary).seekp(123 + 2).put('X');
+    m_host.m_patience = 0ms;
+    m_host.m_answers = {EAnswer::yes};
+    {
+        const test::CFaultyDisk held(disk, test::CFaultyDisk::stalls);
+        ASSERT_TRUE(m_document.CommandOpen(m_folder / "p.tarprj"));
+        // The answer of the result, and what the monitor sees of the others.
+        for (int i = 0; i < 4; ++i) ASSERT_TRUE(m_host.m_queue.RunOne(30s));
+        EXPECT_TRUE(m_host.m_messages.empty());
+    }
+    const auto& layers = m_document.GetProject()->dataModel->m_layers;
+    const auto isKnown = [](const auto& layer) { return layer->m_name == "IMU"; };
+    ASSERT_TRUE(PumpUntil([&] { return std::count_if(layers.begin(), layers.end(), isKnown) == 3; }));
+    // The monitor's next look finds another file under each name, and that is no news.
+    while (m_document.IsAnalysing()) m_host.m_queue.RunOne(10ms);
+    m_hints.clear();
+    for (const auto& file : files) Tear(file);
+    ASSERT_TRUE(PumpUntil([&] { return Saw(hintDataFileContentChanged); }));
+    while (m_document.IsAnalysing()) m_host.m_queue.RunOne(10ms);
+    m_host.m_queue.RunPending();
+    EXPECT_THAT(m_host.m_messages, testing::ElementsAre(Outils_Texte::GetText(textUpgradeDataFiles)));
+    EXPECT_THAT(m_host.m_output, testing::IsEmpty());
 }
 
 // The reads of a recording are held: what the UI thread does returns all the same, for no read goes on before
