@@ -3,6 +3,7 @@
 #include "config/config_file.h"
 
 #include <algorithm>
+#include <new>
 
 namespace Application_Tarvel {
 
@@ -15,7 +16,10 @@ void CFileLooks::Start(const std::shared_ptr<SQuestion>& question, CWork work) {
     SQuestion& asked = *question; // outlives its task
     question->task =
         std::make_unique<Outils::CTask>([this, &asked, work = std::move(work)](const Outils::CEvent& cancel) {
-            work(asked, cancel);
+            try {
+                work(asked, cancel);
+            } catch (const std::bad_alloc&) { // of a file that states more than the memory holds: no answer
+            }
             asked.answered.Set();
             asked.port.Post([this, &asked] { TakeAnswer(asked); });
         });
@@ -29,7 +33,7 @@ void CFileLooks::TakeAnswer(SQuestion& question) {
     const auto take = std::exchange(question.take, nullptr);
     Retire(std::move(*place));
     m_questions.erase(place);
-    take(); // may ask anew
+    if (take) take(); // may ask anew
 }
 
 void CFileLooks::Wait(std::chrono::milliseconds patience, Key only) {

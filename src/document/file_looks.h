@@ -34,7 +34,8 @@ class CFileLooks {
 
     // Calls `look` on a thread, with the event that tells it to give up, and then `take` on the UI thread
     // with its answer: from within Wait, or by a message. A thread may outlive its question, so `look` holds
-    // copies of all that it needs. One question for each key at a time.
+    // copies of all that it needs. Of exceptions only std::bad_alloc may leave it, and then the question ends
+    // without an answer. One question for each key at a time.
     template <class Look, class Take>
     void Ask(Key key, Look look, Take take) {
         auto question = std::make_shared<SQuestion>(key, m_target);
