@@ -68,9 +68,10 @@ std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failur
         failure = textInsConfigurationFailed;
         return nullptr;
     }
+    const auto isGivenUp = [interrupt] { return interrupt && interrupt->IsSet(); };
     std::int32_t equipment = 0;
     if (!parameters.ReadEquipmentCode(equipment, interrupt)) {
-        failure = textNoEquipment;
+        failure = isGivenUp() ? textFileNotReadable : textNoEquipment;
         return nullptr;
     }
     parameters.gpsAltitudeReference = wanted.ellipsoidalGpsAltitude ? altitudeEllipsoid : altitudeGeoid;
@@ -81,6 +82,9 @@ std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failur
     if (parameters.ReadTimeSpan(first, last, interrupt)) {
         parameters.begin = ToStoredTime(first);
         parameters.end = ToStoredTime(last);
+    } else if (isGivenUp()) {
+        failure = textFileNotReadable; // it may well tell its period
+        return nullptr;
     }
     return project;
 }

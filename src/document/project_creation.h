@@ -23,7 +23,8 @@ struct SNewProject {
 // show in `message`.
 std::unique_ptr<Metier_Tarvel::CTrvProject> CreateProject(const SNewProject& wanted, std::string& message);
 // The same for a recording whose format was looked at before: one that is none fails for want of inertial
-// data, as every one does once the event is set. `failure` is the number of the message. Any thread.
+// data. One that has not told all when the event is set cannot be read. `failure` is the number of the
+// message, in which %1 stands for the recording. Any thread.
 std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted, int& failure,
                                                          const Outils::CEvent* interrupt = nullptr);
 

@@ -15,15 +15,11 @@ using Outils_Fichiers::ToAbsolute;
 using Outils_Fichiers::ToText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
+using std::filesystem::file_type;
 
 namespace {
 
 constexpr std::string_view kProjectExtension = ".tarprj";
-
-bool Exists(const std::filesystem::path& path) {
-    std::error_code error;
-    return std::filesystem::exists(path, error);
-}
 
 } // namespace
 
@@ -47,12 +43,33 @@ bool CProjectDialog::CheckPlace(EProjectField& focus) {
     focus = EProjectField::name;
     if (projectName.empty()) return Refuse(textEnterValue);
     focus = EProjectField::folder;
-    if (!Exists(projectFolder)) return Refuse(textFolderNotFound);
-    std::error_code error;
-    return std::filesystem::is_directory(projectFolder, error) || Refuse(textNotAFolder);
+    switch (FindType(projectFolder)) {
+    case file_type::directory: return true;
+    case file_type::none: return false;
+    case file_type::not_found: return Refuse(textFolderNotFound);
+    default: return Refuse(textNotAFolder);
+    }
 }
 
-bool CProjectDialog::AgreeToOverwrite() { return !Exists(GetProjectPath()) || Ask(textOverwriteProject); }
+bool CProjectDialog::AgreeToOverwrite() {
+    const file_type type = FindType(GetProjectPath());
+    return type == file_type::not_found || (type != file_type::none && Ask(textOverwriteProject));
+}
+
+file_type CProjectDialog::FindType(const std::filesystem::path& path) {
+    const auto type = LookInto([path](const Outils::CEvent&) {
+        std::error_code error;
+        return std::filesystem::status(path, error).type();
+    });
+    if (type.value_or(file_type::none) != file_type::none) return *type;
+    Refuse(FormatText(textFileNotReadable, {ToText(path)}));
+    return file_type::none;
+}
+
+bool CProjectDialog::CheckExists(const std::filesystem::path& path) {
+    const file_type type = FindType(path);
+    return type != file_type::none && (type != file_type::not_found || Refuse(textFileNotFound));
+}
 
 bool CProjectDialog::Refuse(std::string message) {
     m_host.ShowMessage(message, EButtons::ok, EIcon::exclamation);
@@ -87,9 +104,10 @@ std::string CNewProjectWizard::GetInputLine() const {
 bool CNewProjectWizard::CheckFiles(EProjectField& focus) {
     focus = EProjectField::files;
     if (m_inputFiles.empty()) return Refuse(textEnterValue);
-    if (!std::all_of(m_inputFiles.begin(), m_inputFiles.end(), Exists)) return Refuse(textFileNotFound);
+    for (const auto& file : m_inputFiles)
+        if (!CheckExists(file)) return false;
     focus = EProjectField::configurationFile;
-    return insConfigurationFile.empty() || Exists(insConfigurationFile) || Refuse(textFileNotFound);
+    return insConfigurationFile.empty() || CheckExists(insConfigurationFile);
 }
 
 bool CNewProjectWizard::PrepareFiles() {
@@ -125,7 +143,7 @@ bool CNewProjectWizard::Convert(ERawFormat format) {
     if (!converted) return false;
     m_inputFiles = {ToAbsolute(*converted)};
     // A converter that failed tells it in its output alone.
-    return Exists(m_inputFiles[0]) || Refuse(textFileNotFound);
+    return CheckExists(m_inputFiles[0]);
 }
 
 std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus) {
@@ -134,7 +152,7 @@ std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus
         m_configuration.Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
     struct SMade {
         std::unique_ptr<CTrvProject> project;
-        int failure = textNoEquipment;
+        int failure = textFileNotReadable;
     };
     const SNewProject wanted{m_inputFiles[0], GetProjectPath(), insConfigurationFile, ellipsoidal};
     SMade made = LookInto([wanted](const Outils::CEvent& cancel) {
@@ -145,7 +163,7 @@ std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus
     if (!made.project) {
         focus = made.failure == textInsConfigurationFailed ? EProjectField::configurationFile
                                                            : EProjectField::files;
-        Refuse(made.failure);
+        Refuse(FormatText(made.failure, {ToText(wanted.recording)}));
     }
     return std::move(made.project);
 }

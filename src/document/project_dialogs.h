@@ -56,9 +56,12 @@ class CProjectDialog {
     bool Refuse(std::string message); // tells the reason; false
     bool Refuse(int text);
     bool Ask(int question);
+    // False, and told, when there is nothing of this name or its disk does not answer.
+    bool CheckExists(const std::filesystem::path& path);
     // What `look` finds in the files, if they answer in time.
     template <class Look>
     auto LookInto(Look look) {
+        const CWaitCursor wait(m_host);
         return m_looks.Call(std::move(look), GetTimeForChosenFile(m_configuration));
     }
 
@@ -68,6 +71,8 @@ class CProjectDialog {
   private:
     bool CheckPlace(EProjectField& focus);
     bool AgreeToOverwrite();
+    // `none`, and told, when the disk does not answer in time or refuses to.
+    std::filesystem::file_type FindType(const std::filesystem::path& path);
 
     CFileLooks& m_looks;
     std::unique_ptr<CTrvProject> m_project;

@@ -158,6 +158,30 @@ TEST_F(ProjectDialogs, TheWizardChecksInItsOrderAndSaysWhere) {
     EXPECT_EQ(m_host.m_waitCursors, 0);
 }
 
+// The search for the last inertial packet is told to give up behind its first read, of external data alone.
+TEST_F(ProjectDialogs, ARecordingThatDidNotTellAllInTimeMakesNoProject) {
+    test::CTestRecording recording(m_folder / "dive.tarin");
+    Persistance_Xpf::CXpfTarinImuPacketV2 imu;
+    imu.SetDate(0, test::Seconds(1));
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
+    for (int i = 0; i < 20000; ++i) recording.Gps(i, 48.5, -4.5, 10);
+    recording.Flush();
+    std::optional<test::CFaultyDisk> disk(std::in_place, m_folder / "dive.tarin", test::CFaultyDisk::stalls,
+                                          file_size(m_folder / "dive.tarin") / 2);
+    std::unique_ptr<CTrvProject> project;
+    int failure = 0;
+    Outils::CTask look([&](const Outils::CEvent& cancel) {
+        project = BuildProject({m_folder / "dive.tarin", m_folder / "p.tarprj"}, failure, &cancel);
+    });
+    ASSERT_TRUE(look.Start());
+    disk->WaitForHeld(1);
+    look.Stop();
+    disk.reset();
+    look.Join();
+    EXPECT_FALSE(project);
+    EXPECT_EQ(failure, textFileNotReadable);
+}
+
 TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
     const auto run = [&](std::initializer_list<const char*> names) {
         CNewProjectWizard wizard(m_host, m_configuration, m_looks);
