@@ -12,6 +12,8 @@
 #include "processing/parameter_file.h"
 
 #include <algorithm>
+#include <atomic>
+#include <memory>
 
 namespace Application_Tarvel {
 
@@ -57,7 +59,8 @@ bool CTrvDocument::StartSimulation() {
     if (!m_pProject || IsSimulationRunning()) return false;
     m_process.SetNotification(GetHost().GetReceiver());
     if (!ValidateProject(textParametersWrongLine, textParametersWrongRun)) return false;
-    if (!SaveBeforeRun() || RefuseResultOverInput()) return false;
+    // Again behind the save, which may have given the result another name.
+    if (RefuseResultOverInput() || !SaveBeforeRun() || RefuseResultOverInput()) return false;
     if (m_process.ProcessId() != 0) {
         m_process.WaitForReceivers();
         m_process.Close();
@@ -71,26 +74,29 @@ bool CTrvDocument::StartSimulation() {
 // The engine's result takes the place of the file of its name. A project from elsewhere may name a recording
 // there, or a link to one.
 bool CTrvDocument::RefuseResultOverInput() {
-    std::vector<std::filesystem::path> inputs;
+    std::vector<std::filesystem::path> files{m_pProject->simulationParameters->outputFile->path};
     for (const CTrvDataFile* file : GetDataFiles())
-        if (!IsResultFile(*file)) inputs.push_back(file->path);
-    // The first of the inputs whose place the result would take.
-    const auto find = [inputs,
-                       output = m_pProject->simulationParameters->outputFile->path](const Outils::CEvent&) {
-        const auto isOutput = [&output](const std::filesystem::path& input) {
-            std::error_code error;
-            return Outils_Fichiers::SamePath(input, output) ||
-                   std::filesystem::equivalent(input, output, error);
-        };
-        const auto found = std::find_if(inputs.begin(), inputs.end(), isOutput);
-        return found == inputs.end() ? std::filesystem::path() : *found;
+        if (!IsResultFile(*file)) files.push_back(file->path);
+    // Goes through the files to the first of the inputs whose place the result would take. While there is no
+    // answer, the file that it is at owes it.
+    const auto at = std::make_shared<std::atomic<std::size_t>>(0);
+    const auto find = [files, at](const Outils::CEvent&) {
+        std::error_code error;
+        [[maybe_unused]] const auto status = std::filesystem::status(files[0], error);
+        while (++*at < files.size()) {
+            const std::filesystem::path& input = files[*at];
+            if (Outils_Fichiers::SamePath(input, files[0]) ||
+                std::filesystem::equivalent(input, files[0], error))
+                return true;
+        }
+        return false;
     };
     // Where a disk does not answer, none is said to be free of it.
     const auto found = m_fileLooks.Call(find, GetTimeForChosenFile(m_configuration));
-    if (found && found->empty()) return false;
+    if (found && !*found) return false;
+    const std::filesystem::path& named = files[std::min<std::size_t>(*at, files.size() - 1)];
     const int text = found ? textResultIsInput : textFileNotReadable;
-    GetHost().ShowMessage(Outils_Texte::FormatText(text, {ToText(found ? *found : inputs.front())}),
-                          EButtons::ok, EIcon::exclamation);
+    GetHost().ShowMessage(Outils_Texte::FormatText(text, {ToText(named)}), EButtons::ok, EIcon::exclamation);
     return true;
 }
 
@@ -111,6 +117,18 @@ bool CTrvDocument::PrepareBatchCommandFile() {
                  std::string(GetText(textParametersSuffix)) + std::string(GetText(textXmlExtension)));
     const auto path = GetHost().AskCommandFilePath(proposed, std::string(GetText(textXmlFilter)));
     if (!path) return false;
+    // The file hides the factory misalignment of a ciphered recording.
+    const CFileLooks::Key cipher = m_pProject->simulationParameters->nelixConfiguration.get();
+    {
+        const CWaitCursor wait(GetHost());
+        m_fileLooks.Wait(GetTimeForChosenFile(m_configuration), cipher);
+    }
+    if (m_fileLooks.IsAsked(cipher)) {
+        const std::string recording = ToText(m_pProject->simulationParameters->mainInputFile->path);
+        GetHost().ShowMessage(Outils_Texte::FormatText(textCipherUnknown, {recording}), EButtons::ok,
+                              EIcon::exclamation);
+        return false;
+    }
     if (Persistance_Parametres::WriteParameterFile(*path, *m_pProject->simulationParameters)) return true;
     GetHost().ShowMessage(std::string(GetText(textParametersNotWritten)), EButtons::ok, EIcon::exclamation);
     return false;

@@ -92,7 +92,8 @@ enum ETextId : int {
     textFileDamaged = 10266,
     textProjectNotSaved = 10267,
     textProjectTooNew = 10268,
-    textResultIsInput = 10269
+    textResultIsInput = 10269,
+    textCipherUnknown = 10273
 };
 
 } // namespace Application_Tarvel

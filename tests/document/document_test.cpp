@@ -307,6 +307,21 @@ TEST_F(Document, ABrokenRuleStopsRunAndBatchFileAlike) {
     EXPECT_TRUE(m_document.PrepareBatchCommandFile());
     EXPECT_EQ(m_host.m_proposedCommandFile, m_folder / "p-parameters.xml");
     EXPECT_TRUE(std::filesystem::exists(m_folder / "c.xml"));
+
+    // While the recording does not answer, nothing is written that a ciphered one would hide.
+    std::filesystem::remove(m_folder / "c.xml");
+    m_configuration.Set(Cnf<"general/utcSearch/timeout">, 1);
+    m_host.m_patience = 0ms;
+    {
+        const test::CFaultyDisk disk(m_recording, test::CFaultyDisk::stalls);
+        ASSERT_TRUE(m_document.CommandOpen(m_project));
+        EXPECT_FALSE(m_document.PrepareBatchCommandFile());
+    }
+    EXPECT_THAT(m_host.TakeMessages(),
+                ElementsAre(Outils_Texte::FormatText(textCipherUnknown, {m_recording.string()})));
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "c.xml"));
+    EXPECT_TRUE(m_document.PrepareBatchCommandFile()) << "a late answer is waited for";
+    EXPECT_FALSE(m_document.GetFileLooks().Call([](const auto&) -> int { throw std::bad_alloc(); }, 30s));
 }
 
 TEST_F(Document, AnEngineThatDiesOrIsMissingIsNoDisaster) {
