@@ -215,6 +215,7 @@ void CTrvDocument::OnFileChanged(EFileChange change, const void* key) {
         state.tellReplaced = change == EFileChange::shrank;
         if (change == EFileChange::shrank) StartAnalysis(*file);
     }
+    state.headIsWhole = false;
     state.followFile = state.tellMissing = true;
     LookAtFile(*file);
 }
