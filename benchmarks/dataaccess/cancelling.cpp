@@ -18,21 +18,6 @@ using namespace bench;
 
 namespace {
 
-// A file that is made for one work, and removed with it.
-class CMadeFile {
-  public:
-    CMadeFile() {
-        std::string name = (std::filesystem::temp_directory_path() / "varne-bench-XXXXXX").string();
-        ::close(::mkstemp(name.data()));
-        path = name;
-    }
-    ~CMadeFile() { std::filesystem::remove(path); }
-    CMadeFile(const CMadeFile&) = delete;
-    CMadeFile& operator=(const CMadeFile&) = delete;
-
-    std::filesystem::path path;
-};
-
 struct SWork {
     std::filesystem::path path;
     std::uint16_t channel;

@@ -25,17 +25,29 @@ inline constexpr std::size_t kPackets = 3'000'000; // of the IMU: 204 MB, beside
 inline constexpr int kSlices = 2000;
 inline constexpr std::int64_t kStep = 50'000; // ticks between two packets: 200 Hz
 
+// A file that is made for one purpose, and removed with it.
+class CMadeFile {
+  public:
+    CMadeFile() {
+        std::string name = (std::filesystem::temp_directory_path() / "varne-bench-XXXXXX").string();
+        ::close(::mkstemp(name.data()));
+        path = name;
+    }
+    ~CMadeFile() { std::filesystem::remove(path); }
+    CMadeFile(const CMadeFile&) = delete;
+    CMadeFile& operator=(const CMadeFile&) = delete;
+
+    std::filesystem::path path;
+};
+
 // The recording, made once and removed at the end. Evicted and read back, so that its pages are those of a
 // reader.
 class CRecording {
   public:
     CRecording() {
-        std::string name = (std::filesystem::temp_directory_path() / "varne-bench-XXXXXX").string();
-        ::close(::mkstemp(name.data()));
-        m_path = name;
         constexpr std::string_view channels[] = {"IMU", "GPS_1"};
         Enregistrement::CRecordingWriter writer;
-        writer.Create(m_path, channels);
+        writer.Create(GetPath(), channels);
         Persistance_Xpf::CXpfTarinImuPacketV2 imu;
         Persistance_Xpf::CXpfTarinGpsPacketV2 gps;
         std::uint32_t noise = 1;
@@ -51,7 +63,7 @@ class CRecording {
             }
         }
         writer.Close();
-        const int file = ::open(m_path.c_str(), O_RDONLY);
+        const int file = ::open(GetPath().c_str(), O_RDONLY);
         ::fsync(file);
         ::posix_fadvise(file, 0, 0, POSIX_FADV_DONTNEED);
         std::vector<char> block(1 << 20);
@@ -59,11 +71,10 @@ class CRecording {
         }
         ::close(file);
     }
-    ~CRecording() { std::filesystem::remove(m_path); }
-    const std::filesystem::path& GetPath() const { return m_path; }
+    const std::filesystem::path& GetPath() const { return m_file.path; }
 
   private:
-    std::filesystem::path m_path;
+    CMadeFile m_file;
 };
 
 inline const CRecording& GetRecording() {

@@ -80,8 +80,8 @@ class CXpfFile {
     // Reads on as ReadPacket does, but several packets at once: those that lie in the block at hand, which is
     // replaced first when it does not hold the next one. Each is given as the place of its header, with its
     // payload and trailer behind it, valid until the next operation on this file. The count, or 0 when
-    // ReadPacket has to be asked: no whole packet stands here, or one that is too big for this. A third of
-    // the time of ReadPacket, for scans that look into few packets.
+    // ReadPacket has to be asked: no whole packet stands here, or one that is too big for this. For scans
+    // that look into few packets, and need not wait for each one's size to find the next.
     std::size_t ReadPackets(std::span<const std::uint8_t*> packets);
 
     // The nearest valid packet before, or the first one at or after, the file pointer. On success the pointer
