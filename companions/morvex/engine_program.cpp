@@ -15,6 +15,8 @@
 #include <unistd.h>
 
 namespace Morvex {
+
+using Outils_Texte::EText;
 namespace {
 
 using Outils_Texte::EqualsNoCase;
@@ -33,8 +35,8 @@ ERunEnd RunParameters(const std::filesystem::path& path, IRunMonitor& monitor) {
     const auto parameters = LoadParameters(path);
     if (!parameters) {
         monitor.Message(
-            ELevel::error, messageParametersUnreadable,
-            Outils_Texte::FormatText(messageParametersUnreadable, {Outils_Fichiers::ToText(path)}));
+            ELevel::error, EText::parametersUnreadable,
+            Outils_Texte::FormatText(EText::parametersUnreadable, {Outils_Fichiers::ToText(path)}));
         return ERunEnd::failed;
     }
     const SRunPlan plan = MakeRunPlan(*parameters);
@@ -67,7 +69,7 @@ int RunEngine(const std::vector<std::string>& arguments, int input, int output) 
     const auto write = [output](std::string_view line) { return WriteAll(output, line); };
     const auto parsed = ParseArguments(arguments);
     if (!parsed) {
-        write(std::string(Outils_Texte::GetText(messageUsage)) + "\n");
+        write(std::string(Outils_Texte::GetText(EText::engineUsage)) + "\n");
         return static_cast<int>(ERunEnd::failed);
     }
     CRunControl control;
@@ -81,8 +83,8 @@ int RunEngine(const std::vector<std::string>& arguments, int input, int output) 
         const std::filesystem::path path = std::filesystem::absolute(parsed->parameters, error);
         return static_cast<int>(RunParameters(error ? parsed->parameters : path, monitor));
     } catch (const std::exception& exception) {
-        monitor.Message(ELevel::error, messageUnexpected,
-                        Outils_Texte::FormatText(messageUnexpected, {exception.what()}));
+        monitor.Message(ELevel::error, EText::unexpected,
+                        Outils_Texte::FormatText(EText::unexpected, {exception.what()}));
         return static_cast<int>(ERunEnd::failed);
     }
 }

@@ -1,11 +1,14 @@
 #include "morvex/line_monitor.h"
 
 #include "foundation/numbers.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace Morvex {
+
+using Outils_Texte::EText;
 
 std::string QuoteText(std::string_view text) {
     std::string quoted = "\"";
@@ -21,8 +24,8 @@ std::string MakeProgressLine(double percent) {
 }
 
 std::string MakeMessageLine(ELevel level, int code, std::string_view text) {
-    return "message " + std::to_string(static_cast<int>(level)) + " " + std::to_string(code) + " " +
-           QuoteText(text) + "\n";
+    return "message " + std::to_string(static_cast<int>(level)) + " " +
+           std::to_string(static_cast<int>(code)) + " " + QuoteText(text) + "\n";
 }
 
 CLineMonitor::CLineMonitor(CRunControl& control, bool remote, std::function<bool(std::string_view)> write)
@@ -43,9 +46,9 @@ void CLineMonitor::Progress(double percent) {
     Write(m_remote ? MakeProgressLine(percent) : Outils_Texte::FormatFixed(percent, 1) + " %\n");
 }
 
-void CLineMonitor::Message(ELevel level, EMessage code, std::string_view text) {
+void CLineMonitor::Message(ELevel level, EText code, std::string_view text) {
     if (m_remote) {
-        Write(MakeMessageLine(level, code, text));
+        Write(MakeMessageLine(level, static_cast<int>(code), text));
         return;
     }
     constexpr std::string_view words[] = {"INFO", "WARNING", "ERROR"};

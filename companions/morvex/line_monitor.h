@@ -1,6 +1,7 @@
 // What the engine says on its standard output: protocol lines for the application, or plain text.
 #pragma once
 
+#include "foundation/texts.h"
 #include "morvex/messages.h"
 #include "morvex/run_control.h"
 
@@ -10,6 +11,8 @@
 #include <string_view>
 
 namespace Morvex {
+
+using Outils_Texte::EText;
 
 // A text as one token of a protocol line: in double quotes, each one inside doubled, line ends as blanks.
 std::string QuoteText(std::string_view text);
@@ -25,7 +28,7 @@ class CLineMonitor : public IRunMonitor {
 
     // At most about ten lines in a second, and always 100.
     void Progress(double percent) override;
-    void Message(ELevel level, EMessage code, std::string_view text) override;
+    void Message(ELevel level, EText code, std::string_view text) override;
     bool GoOn() override { return m_control.GoOn(); }
 
   private:

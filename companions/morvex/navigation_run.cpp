@@ -9,6 +9,8 @@
 #include <utility>
 
 namespace Morvex {
+
+using Outils_Texte::EText;
 namespace {
 
 using Outils_Temps::CDateTime;
@@ -76,7 +78,7 @@ class CNavigationRun::CFixSource {
 CNavigationRun::CNavigationRun(const SRunPlan& plan, IRunMonitor& monitor)
     : m_plan(plan), m_monitor(monitor), m_schedule(plan), m_fixMonitor(plan.gps.size()) {}
 
-void CNavigationRun::Tell(ELevel level, EMessage code, std::initializer_list<std::string_view> arguments) {
+void CNavigationRun::Tell(ELevel level, EText code, std::initializer_list<std::string_view> arguments) {
     const std::string text = Outils_Texte::FormatText(code, arguments);
     m_monitor.Message(level, code, text);
     if (!m_result.WriteMessage(m_time, static_cast<int>(level), text)) m_writeFailed = true;
@@ -86,11 +88,11 @@ ERunEnd CNavigationRun::Execute() {
     m_monitor.Progress(0.0);
     if (!OpenInputs()) return ERunEnd::failed;
     if (WouldOverwriteInput(m_plan) || !m_result.Open(m_plan)) {
-        Tell(ELevel::error, messageOutputFailed, {m_plan.output.string()});
+        Tell(ELevel::error, EText::outputFailed, {m_plan.output.string()});
         return ERunEnd::failed;
     }
-    if (!m_plan.sensorsNotUsed.empty()) Tell(ELevel::warning, messageSensorsNotUsed, {m_plan.sensorsNotUsed});
-    if (m_plan.backwardAsked) Tell(ELevel::warning, messageForwardOnly);
+    if (!m_plan.sensorsNotUsed.empty()) Tell(ELevel::warning, EText::sensorsNotUsed, {m_plan.sensorsNotUsed});
+    if (m_plan.backwardAsked) Tell(ELevel::warning, EText::forwardOnly);
     FindUtcOrigin();
 
     do {
@@ -100,12 +102,12 @@ ERunEnd CNavigationRun::Execute() {
         if (alignment && !m_stopped && !NavigateSegment(stretch, *alignment)) break;
     } while (m_hasCarry && !m_stopped && !m_writeFailed);
 
-    if (m_stopped) Tell(ELevel::information, messageStopped);
+    if (m_stopped) Tell(ELevel::information, EText::stopped);
     if (!m_stopped && !m_writeFailed) Finish();
     if (!m_result.Close()) m_writeFailed = true;
     if (m_writeFailed) {
-        m_monitor.Message(ELevel::error, messageOutputFailed,
-                          Outils_Texte::FormatText(messageOutputFailed, {m_plan.output.string()}));
+        m_monitor.Message(ELevel::error, EText::outputFailed,
+                          Outils_Texte::FormatText(EText::outputFailed, {m_plan.output.string()}));
         return ERunEnd::failed;
     }
     if (m_stopped) return ERunEnd::stopped;
@@ -116,28 +118,28 @@ ERunEnd CNavigationRun::Execute() {
 
 bool CNavigationRun::OpenInputs() {
     if (m_plan.ciphered) {
-        Tell(ELevel::error, messageCiphered);
+        Tell(ELevel::error, EText::ciphered);
         return false;
     }
     if (!m_imu.Open(m_plan)) {
         std::error_code error;
         const bool exists = std::filesystem::is_regular_file(m_plan.imu.path, error);
-        Tell(ELevel::error, exists ? messageNoInertialData : messageNoMainFile, {m_plan.imu.path.string()});
+        Tell(ELevel::error, exists ? EText::noInertialData : EText::noMainFile, {m_plan.imu.path.string()});
         return false;
     }
     const std::vector<int> missing = m_fixes.Open(m_plan);
     for (const int number : missing)
-        Tell(ELevel::warning, messageGpsChannelMissing,
+        Tell(ELevel::warning, EText::gpsChannelMissing,
              {m_plan.gps[static_cast<std::size_t>(number)].source.channel,
               m_plan.gps[static_cast<std::size_t>(number)].source.path.string()});
     if (!m_fixes.HasSources()) {
-        Tell(ELevel::error, messageNoGps);
+        Tell(ELevel::error, EText::noGps);
         return false;
     }
     m_marks.Open(m_plan);
     SImuSample first;
     if (!NextSample(first)) {
-        Tell(ELevel::error, messageNoInertialData, {m_plan.imu.path.string()});
+        Tell(ELevel::error, EText::noInertialData, {m_plan.imu.path.string()});
         return false;
     }
     m_carry = first;
@@ -172,7 +174,7 @@ void CNavigationRun::FindUtcOrigin() {
         m_result.SetUtcOrigin(date);
         return;
     }
-    Tell(ELevel::warning, messageNoUtc);
+    Tell(ELevel::warning, EText::noUtc);
 }
 
 bool CNavigationRun::NextSample(SImuSample& sample) {
@@ -242,7 +244,7 @@ std::optional<SAlignment> CNavigationRun::Align(SStretch& stretch) {
         if (length < CAlignment::kLongestStretch) continue;
         if (!stretch.fixes.empty()) break;
         // Without a fix there is nothing to start from: what is so far behind is given up.
-        Tell(ELevel::warning, messageNoFix,
+        Tell(ELevel::warning, EText::noFix,
              {FormatFixed(m_time, 1), FormatFixed(stretch.samples.back().time, 1)});
         stretch = {};
     }
@@ -250,16 +252,16 @@ std::optional<SAlignment> CNavigationRun::Align(SStretch& stretch) {
     if (m_stopped) return std::nullopt;
     if (!result) {
         const bool noFix = stretch.fixes.empty();
-        Tell(ELevel::error, noFix ? messageNoFix : messageTooShort,
+        Tell(ELevel::error, noFix ? EText::noFix : EText::tooShort,
              {FormatFixed(m_time, 1), FormatFixed(stretch.samples.back().time, 1)});
         return result;
     }
-    Tell(ELevel::information, messageUnitGrade, {result->grade.name});
+    Tell(ELevel::information, EText::unitGrade, {result->grade.name});
     if (result->headingKnown)
-        Tell(ELevel::information, messageAligned,
+        Tell(ELevel::information, EText::aligned,
              {FormatFixed(result->duration, 0), Degrees(result->headingDeviation)});
     else
-        Tell(ELevel::warning, messageHeadingUnknown, {Degrees(result->headingDeviation)});
+        Tell(ELevel::warning, EText::headingUnknown, {Degrees(result->headingDeviation)});
     return result;
 }
 
@@ -279,7 +281,7 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
     SImuSample sample;
     while (NextSample(sample)) {
         if (sample.gap > kLongestGap) {
-            Tell(ELevel::warning, messageImuGap,
+            Tell(ELevel::warning, EText::imuGap,
                  {FormatFixed(sample.time - sample.gap, 1), FormatFixed(sample.time, 1)});
             m_carry = sample;
             m_hasCarry = true;
@@ -343,7 +345,7 @@ bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before)
 void CNavigationRun::TellGpsGap(double time) {
     const double last = std::exchange(m_lastFix, time);
     if (time - last < kGpsGap || ++m_gapsTold > kMostGapsTold) return;
-    Tell(ELevel::warning, messageGpsGap,
+    Tell(ELevel::warning, EText::gpsGap,
          {FormatFixed(last, 1), FormatFixed(time, 1), FormatFixed(time - last, 1)});
 }
 
@@ -359,11 +361,11 @@ void CNavigationRun::Finish() {
     if (!m_navigated) return;
     TellGpsGap(m_time);
     if (const int damages = m_imu.GetStream().GetDamageCount(); damages > 0)
-        Tell(ELevel::warning, messageDamaged, {std::to_string(damages)});
+        Tell(ELevel::warning, EText::damaged, {std::to_string(damages)});
     if (m_fixMonitor.GetRejectedCount() > 0)
-        Tell(ELevel::warning, messageRejectedFixes,
+        Tell(ELevel::warning, EText::rejectedFixes,
              {std::to_string(m_fixMonitor.GetRejectedCount()), std::to_string(m_fixMonitor.GetUsedCount())});
-    Tell(ELevel::information, messageFinished, {std::to_string(m_result.GetCount())});
+    Tell(ELevel::information, EText::finished, {std::to_string(m_result.GetCount())});
 }
 
 } // namespace Morvex

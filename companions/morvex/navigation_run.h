@@ -1,6 +1,7 @@
 // A whole run: from the files of a plan to the result file.
 #pragma once
 
+#include "foundation/texts.h"
 #include "morvex/alignment.h"
 #include "morvex/fix_monitor.h"
 #include "morvex/fix_reader.h"
@@ -15,6 +16,8 @@
 #include <string_view>
 
 namespace Morvex {
+
+using Outils_Texte::EText;
 
 // How a run ended; the values are the exit codes of the program.
 enum class ERunEnd : int { finished = 0, failed = 1, stopped = 2 };
@@ -44,7 +47,7 @@ class CNavigationRun {
     void TellGpsGap(double time);
     bool KeepAlive(double time);
     void Finish();
-    void Tell(ELevel level, EMessage code, std::initializer_list<std::string_view> arguments = {});
+    void Tell(ELevel level, EText code, std::initializer_list<std::string_view> arguments = {});
 
     const SRunPlan& m_plan;
     IRunMonitor& m_monitor;

@@ -1,6 +1,5 @@
 #include "app/app.h"
 
-#include "app/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
@@ -10,6 +9,7 @@
 namespace Application_Tarvel {
 
 using Outils_Configuration::Cnf;
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
 namespace {
@@ -48,13 +48,13 @@ std::filesystem::path CTrvApp::GetUserGuide() const {
 
 std::filesystem::path CTrvApp::GetSettingsPath() const {
     if (m_executable.empty()) return {};
-    return Outils_Fichiers::WithExtension(m_executable, GetText(textSettingsExtension));
+    return Outils_Fichiers::WithExtension(m_executable, GetText(EText::settingsExtension));
 }
 
 bool GetChannelLabel(std::string_view identifier, std::string& label) {
     const auto place = std::find(std::begin(kLabelledChannels), std::end(kLabelledChannels), identifier);
     if (place == std::end(kLabelledChannels)) return false;
-    label = GetText(textFirstChannelLabel + static_cast<int>(place - std::begin(kLabelledChannels)));
+    label = GetText(EText::channelImu + static_cast<int>(place - std::begin(kLabelledChannels)));
     return true;
 }
 

@@ -2,24 +2,25 @@
 
 #include "app/main_frame.h"
 #include "app/text.h"
-#include "app/text_ids.h"
-#include "views/text_ids.h"
+#include "foundation/texts.h"
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 namespace {
 
 using Frame = CTrvProjectMainFrame;
 
 constexpr SMenuRow kMenus[] = {
-    {EMenu::file, EMenu::file, textFileMenu, true},
-    {EMenu::simulation, EMenu::simulation, textSimulationMenu, false},
-    {EMenu::display, EMenu::display, textDisplayMenu, false},
-    {EMenu::horizontal, EMenu::display, textHorizontalScale, false},
-    {EMenu::vertical, EMenu::display, textVerticalScale, false},
-    {EMenu::mouse, EMenu::display, textMouseMenu, false},
-    {EMenu::tools, EMenu::tools, textToolsMenu, true},
-    {EMenu::help, EMenu::help, textHelpMenu, true},
+    {EMenu::file, EMenu::file, EText::fileMenu, true},
+    {EMenu::simulation, EMenu::simulation, EText::simulationMenu, false},
+    {EMenu::display, EMenu::display, EText::displayMenu, false},
+    {EMenu::horizontal, EMenu::display, EText::horizontalScale, false},
+    {EMenu::vertical, EMenu::display, EText::verticalScale, false},
+    {EMenu::mouse, EMenu::display, EText::mouseMenu, false},
+    {EMenu::tools, EMenu::tools, EText::toolsMenu, true},
+    {EMenu::help, EMenu::help, EText::helpMenu, true},
 };
 static_assert(std::size(kMenus) == static_cast<std::size_t>(EMenu::count));
 
@@ -28,8 +29,8 @@ bool HasProject(const Frame& frame) { return frame.HasProject(); }
 constexpr SCommandRow Recent(int index, void (*run)(Frame&), QString (*caption)(const Frame&)) {
     return {.id = commandFirstRecent + index,
             .menu = EMenu::file,
-            .text = textRecent,
-            .tip = textRecentTip,
+            .text = EText::recent,
+            .tip = EText::recentTip,
             .shortcut = "",
             .newGroup = index == 0,
             .run = run,
@@ -40,11 +41,11 @@ constexpr SCommandRow kRecent = Recent(
     index, [](Frame& f) { f.OpenRecent(index); }, [](const Frame& f) { return f.GetRecentCaption(index); });
 
 template <int id>
-constexpr SCommandRow Toggle(int text, const char* shortcut, bool newGroup = false) {
+constexpr SCommandRow Toggle(EText text, const char* shortcut, bool newGroup = false) {
     return {.id = id,
             .menu = EMenu::display,
             .text = text,
-            .tip = textShowTip,
+            .tip = EText::showTip,
             .shortcut = shortcut,
             .newGroup = newGroup,
             .run = [](Frame& f) { f.ToggleBar(id); },
@@ -57,7 +58,7 @@ void OnView(Frame& frame) {
 }
 
 template <EView1DMode mode>
-constexpr SCommandRow Mode(int id, int text, int tip, const char* shortcut, EGlyph glyph, bool newGroup) {
+constexpr SCommandRow Mode(int id, EText text, EText tip, const char* shortcut, EGlyph glyph, bool newGroup) {
     return {.id = id,
             .menu = EMenu::mouse,
             .text = text,
@@ -76,69 +77,69 @@ using View = CTrvView1D;
 
 // clang-format off
 const SCommandRow kCommands[] = {
-    {commandNew, EMenu::file, textNew, textNewTip, "Ctrl+N", newProject, EBar::standard, false,
+    {commandNew, EMenu::file, EText::newCommand, EText::newTip, "Ctrl+N", newProject, EBar::standard, false,
      [](Frame& f) { f.NewProject(); }},
-    {commandOpen, EMenu::file, textOpen, textOpenTip, "Ctrl+O", open, EBar::standard, false,
+    {commandOpen, EMenu::file, EText::open, EText::openTip, "Ctrl+O", open, EBar::standard, false,
      [](Frame& f) { f.AskAndOpen(); }},
-    {commandSave, EMenu::file, textSave, textSaveTip, "Ctrl+S", save, EBar::standard, true,
+    {commandSave, EMenu::file, EText::save, EText::saveTip, "Ctrl+S", save, EBar::standard, true,
      [](Frame& f) { f.GetDocument().Save(); }, HasProject},
-    {commandSaveAs, EMenu::file, textSaveAs, textSaveAsTip, "Ctrl+Shift+S", none, EBar::none, false,
+    {commandSaveAs, EMenu::file, EText::saveAs, EText::saveAsTip, "Ctrl+Shift+S", none, EBar::none, false,
      [](Frame& f) { f.GetDocument().CommandSaveAs(); }, HasProject},
-    {commandSaveCopyAs, EMenu::file, textSaveCopyAs, textSaveCopyAsTip, "", none, EBar::none, false,
+    {commandSaveCopyAs, EMenu::file, EText::saveCopyAs, EText::saveCopyAsTip, "", none, EBar::none, false,
      [](Frame& f) { f.GetDocument().SaveCopyAs(); }, HasProject},
     kRecent<0>, kRecent<1>, kRecent<2>, kRecent<3>,
-    {commandExit, EMenu::file, textExit, textExitTip, "Ctrl+Q", none, EBar::none, true,
+    {commandExit, EMenu::file, EText::exit, EText::exitTip, "Ctrl+Q", none, EBar::none, true,
      [](Frame& f) { f.close(); }},
 
-    {commandProcess, EMenu::simulation, textStart, textStartTip, "F5", process, EBar::standard, true,
+    {commandProcess, EMenu::simulation, EText::start, EText::startTip, "F5", process, EBar::standard, true,
      [](Frame& f) { f.GetProcessing().ToggleProcess(); }, HasProject, nullptr,
-     [](const Frame& f) { return Text(f.IsRunning() ? textStop : textStart); },
+     [](const Frame& f) { return Text(f.IsRunning() ? EText::stop : EText::start); },
      [](const Frame& f) { return f.IsRunning() ? stop : process; }},
 
-    Toggle<commandMenuBar>(textShowMenuBar, "Ctrl+M"),
-    Toggle<commandStandardBar>(textShowStandardBar, "Ctrl+Shift+T"),
-    Toggle<commandToolsBar>(textShowToolsBar, "Ctrl+Shift+L"),
-    Toggle<commandProcessingPanel>(textShowProcessing, "Ctrl+Shift+P", true),
-    Toggle<commandOutputPanel>(textShowOutput, "Ctrl+Shift+O"),
+    Toggle<commandMenuBar>(EText::showMenuBar, "Ctrl+M"),
+    Toggle<commandStandardBar>(EText::showStandardBar, "Ctrl+Shift+T"),
+    Toggle<commandToolsBar>(EText::showToolsBar, "Ctrl+Shift+L"),
+    Toggle<commandProcessingPanel>(EText::showProcessing, "Ctrl+Shift+P", true),
+    Toggle<commandOutputPanel>(EText::showOutput, "Ctrl+Shift+O"),
 
-    Mode<EView1DMode::select>(commandModeSelect, textModeSelect, textModeSelectTip, "Ctrl+1", select, true),
-    Mode<EView1DMode::pan>(commandModePan, textModePan, textModePanTip, "Ctrl+2", pan, false),
-    Mode<EView1DMode::zoom>(commandModeZoom, textModeZoom, textModeZoomTip, "Ctrl+3", zoomPeriod, false),
+    Mode<EView1DMode::select>(commandModeSelect, EText::modeSelect, EText::modeSelectTip, "Ctrl+1", select, true),
+    Mode<EView1DMode::pan>(commandModePan, EText::modePan, EText::modePanTip, "Ctrl+2", pan, false),
+    Mode<EView1DMode::zoom>(commandModeZoom, EText::modeZoom, EText::modeZoomTip, "Ctrl+3", zoomPeriod, false),
 
-    {commandZoomHorizontal, EMenu::horizontal, textZoom, textZoomHorizontalTip, "Alt++", zoomHorizontal,
+    {commandZoomHorizontal, EMenu::horizontal, EText::zoom, EText::zoomHorizontalTip, "Alt++", zoomHorizontal,
      EBar::tools, true, OnView<&View::ZoomHorizontal>, HasProject},
-    {commandUnzoomHorizontal, EMenu::horizontal, textUnzoom, textUnzoomHorizontalTip, "Alt+-", unzoomHorizontal,
+    {commandUnzoomHorizontal, EMenu::horizontal, EText::unzoom, EText::unzoomHorizontalTip, "Alt+-", unzoomHorizontal,
      EBar::tools, false, OnView<&View::UnzoomHorizontal>, HasProject},
-    {commandScrollLeft, EMenu::horizontal, textLeftScroll, textScrollLeftTip, "Alt+Left", scrollLeft,
+    {commandScrollLeft, EMenu::horizontal, EText::leftScroll, EText::scrollLeftTip, "Alt+Left", scrollLeft,
      EBar::tools, false, OnView<&View::ScrollLeft>, HasProject},
-    {commandScrollRight, EMenu::horizontal, textRightScroll, textScrollRightTip, "Alt+Right", scrollRight,
+    {commandScrollRight, EMenu::horizontal, EText::rightScroll, EText::scrollRightTip, "Alt+Right", scrollRight,
      EBar::tools, false, OnView<&View::ScrollRight>, HasProject},
-    {commandViewAll, EMenu::horizontal, textHorizontalViewAll, textViewAllTip, "Alt+Home", viewAll,
+    {commandViewAll, EMenu::horizontal, EText::horizontalViewAll, EText::viewAllTip, "Alt+Home", viewAll,
      EBar::tools, false, OnView<&View::ViewAll>, HasProject},
 
-    {commandZoomVertical, EMenu::vertical, textZoom, textZoomVerticalTip, "Ctrl++", zoomVertical,
+    {commandZoomVertical, EMenu::vertical, EText::zoom, EText::zoomVerticalTip, "Ctrl++", zoomVertical,
      EBar::tools, true, OnView<&View::ZoomVertical>, HasProject},
-    {commandUnzoomVertical, EMenu::vertical, textUnzoom, textUnzoomVerticalTip, "Ctrl+-", unzoomVertical,
+    {commandUnzoomVertical, EMenu::vertical, EText::unzoom, EText::unzoomVerticalTip, "Ctrl+-", unzoomVertical,
      EBar::tools, false, OnView<&View::UnzoomVertical>, HasProject},
-    {commandScrollUp, EMenu::vertical, textUpScroll, textScrollUpTip, "Ctrl+Up", scrollUp,
+    {commandScrollUp, EMenu::vertical, EText::upScroll, EText::scrollUpTip, "Ctrl+Up", scrollUp,
      EBar::tools, false, OnView<&View::ScrollUp>, HasProject},
-    {commandScrollDown, EMenu::vertical, textDownScroll, textScrollDownTip, "Ctrl+Down", scrollDown,
+    {commandScrollDown, EMenu::vertical, EText::downScroll, EText::scrollDownTip, "Ctrl+Down", scrollDown,
      EBar::tools, false, OnView<&View::ScrollDown>, HasProject},
 
-    {commandLegends, EMenu::display, textGraphLegends, textLegendsTip, "Ctrl+L", legends, EBar::tools, true,
+    {commandLegends, EMenu::display, EText::graphLegends, EText::legendsTip, "Ctrl+L", legends, EBar::tools, true,
      OnView<&View::ToggleLegends>, HasProject, [](const Frame& f) { return f.GetView().AreLegendsVisible(); }},
-    {commandEcho, EMenu::display, textEcho, textEchoTip, "Ctrl+E", none, EBar::none, false,
+    {commandEcho, EMenu::display, EText::echo, EText::echoTip, "Ctrl+E", none, EBar::none, false,
      [](Frame& f) { f.GetView().SetEcho(!f.GetView().HasEcho()); }, HasProject,
      [](const Frame& f) { return f.GetView().HasEcho(); }},
 
-    {commandClearOutput, EMenu::tools, textClearOutput, textClearOutputTip, "Ctrl+Shift+Del", clear,
+    {commandClearOutput, EMenu::tools, EText::clearOutput, EText::clearOutputTip, "Ctrl+Shift+Del", clear,
      EBar::standard, true, [](Frame& f) { f.GetOutput().clear(); }},
 
-    {commandUserGuide, EMenu::help, textUserGuide, textUserGuideTip, "F1", none, EBar::none, false,
+    {commandUserGuide, EMenu::help, EText::userGuide, EText::userGuideTip, "F1", none, EBar::none, false,
      [](Frame& f) { f.OpenUserGuide(); }, [](const Frame& f) { return f.HasUserGuide(); }},
-    {commandContactSupport, EMenu::help, textContactSupport, textContactSupportTip, "", none, EBar::none, false,
+    {commandContactSupport, EMenu::help, EText::contactSupport, EText::contactSupportTip, "", none, EBar::none, false,
      [](Frame& f) { f.ContactSupport(); }},
-    {commandAbout, EMenu::help, textAbout, textAboutTip, "", none, EBar::none, true,
+    {commandAbout, EMenu::help, EText::about, EText::aboutTip, "", none, EBar::none, true,
      [](Frame& f) { f.ShowAbout(); }},
 };
 // clang-format on

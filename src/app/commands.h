@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/icons.h"
+#include "foundation/texts.h"
 
 #include <QString>
 
@@ -52,15 +53,15 @@ enum ECommand : int {
 struct SMenuRow {
     EMenu menu;
     EMenu parent; // itself for a menu of the menu bar
-    int text;
+    Outils_Texte::EText text;
     bool alsoWithoutProject; // in the menu bar before the first project
 };
 
 struct SCommandRow {
     int id;
     EMenu menu;
-    int text;
-    int tip;
+    Outils_Texte::EText text;
+    Outils_Texte::EText tip;
     const char* shortcut; // in portable form; "" for none
     EGlyph glyph = EGlyph::none;
     EBar bar = EBar::none;

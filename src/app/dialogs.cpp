@@ -2,13 +2,15 @@
 
 #include "app/icons.h"
 #include "app/text.h"
-#include "app/text_ids.h"
+#include "foundation/texts.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QMessageBox>
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 namespace {
 
@@ -45,7 +47,7 @@ QMessageBox::Icon ToIcon(EIcon icon) {
 } // namespace
 
 EAnswer CWindowDialogs::ShowMessage(QWidget* parent, const std::string& text, EButtons buttons, EIcon icon) {
-    QMessageBox box(ToIcon(icon), Text(textProduct), ToQString(text), ToButtons(buttons), parent);
+    QMessageBox box(ToIcon(icon), Text(EText::product), ToQString(text), ToButtons(buttons), parent);
     box.setTextFormat(Qt::PlainText); // names of files are no markup
     box.setTextInteractionFlags(Qt::TextSelectableByMouse);
     const int chosen = box.exec();
@@ -57,19 +59,19 @@ EAnswer CWindowDialogs::ShowMessage(QWidget* parent, const std::string& text, EB
 
 std::optional<std::filesystem::path> CWindowDialogs::AskOpenPath(QWidget* parent,
                                                                  const std::filesystem::path& folder) {
-    const QString file =
-        QFileDialog::getOpenFileName(parent, Text(textOpenTitle), ToQString(folder), Text(textProjectFilter));
+    const QString file = QFileDialog::getOpenFileName(parent, Text(EText::openTitle), ToQString(folder),
+                                                      Text(EText::projectFilter));
     if (file.isEmpty()) return std::nullopt;
     return ToPath(file);
 }
 
 std::optional<std::filesystem::path> CWindowDialogs::AskSavePath(QWidget* parent,
                                                                  const std::filesystem::path& proposed) {
-    QFileDialog dialog(parent, Text(textSaveTitle), ToQString(proposed.parent_path()),
-                       Text(textProjectFilter));
+    QFileDialog dialog(parent, Text(EText::saveTitle), ToQString(proposed.parent_path()),
+                       Text(EText::projectFilter));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     // Given to the dialog, not added behind it: it asks about replacing the very file that will be written.
-    dialog.setDefaultSuffix(Text(textProjectExtension));
+    dialog.setDefaultSuffix(Text(EText::projectExtension));
     if (!proposed.empty()) dialog.selectFile(ToQString(proposed.filename()));
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
     return ToPath(dialog.selectedFiles().front());
@@ -77,11 +79,11 @@ std::optional<std::filesystem::path> CWindowDialogs::AskSavePath(QWidget* parent
 
 void CWindowDialogs::ShowAbout(QWidget* parent, const CVersionInfo& version) {
     QMessageBox box(parent);
-    box.setWindowTitle(Text(textAboutTitle));
+    box.setWindowTitle(Text(EText::aboutTitle));
     box.setIconPixmap(GetProductIcon().pixmap(QSize(64, 64), box.devicePixelRatio()));
     box.setText(QStringLiteral("<h3>%1</h3>").arg(ToQString(version.productName).toHtmlEscaped()));
     const std::string details = Outils_Texte::FormatText(
-        textAboutVersion, {version.productVersion, version.buildNumber, version.buildReleaseDate});
+        EText::aboutVersion, {version.productVersion, version.buildNumber, version.buildReleaseDate});
     box.setInformativeText(ToQString(version.fileDescription + "\n\n" + details));
     box.exec();
 }

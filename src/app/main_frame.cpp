@@ -2,7 +2,7 @@
 
 #include "app/status_bar.h"
 #include "app/text.h"
-#include "app/text_ids.h"
+#include "foundation/texts.h"
 #include "processing/message_line.h"
 
 #include <QApplication>
@@ -15,6 +15,8 @@
 
 namespace Application_Tarvel {
 
+using Outils_Texte::EText;
+
 namespace {
 
 // The project among what is dragged; empty when there is none or more than one file.
@@ -22,8 +24,8 @@ std::filesystem::path ProjectOf(const QMimeData& data) {
     const QList<QUrl> links = data.urls();
     if (links.size() != 1 || !links[0].isLocalFile()) return {};
     const QString file = links[0].toLocalFile();
-    return file.endsWith(Text(textProjectExtension), Qt::CaseInsensitive) ? ToPath(file)
-                                                                          : std::filesystem::path();
+    return file.endsWith(Text(EText::projectExtension), Qt::CaseInsensitive) ? ToPath(file)
+                                                                             : std::filesystem::path();
 }
 
 } // namespace
@@ -79,13 +81,13 @@ bool CTrvProjectMainFrame::HasUserGuide() const {
 
 void CTrvProjectMainFrame::OpenUserGuide() {
     if (!m_dialogs.OpenLink(QUrl::fromLocalFile(ToQString(m_application.GetUserGuide()))))
-        ShowMessage(std::string(Outils_Texte::GetText(textUserGuideFailed)), EButtons::ok,
+        ShowMessage(std::string(Outils_Texte::GetText(EText::userGuideFailed)), EButtons::ok,
                     EIcon::exclamation);
 }
 
 void CTrvProjectMainFrame::ContactSupport() {
     if (!m_dialogs.OpenLink(QUrl::fromEncoded(QByteArray::fromStdString(GetSupportLink(GetVersionInfo())))))
-        ShowMessage(std::string(Outils_Texte::GetText(textMailFailed)), EButtons::ok, EIcon::exclamation);
+        ShowMessage(std::string(Outils_Texte::GetText(EText::mailFailed)), EButtons::ok, EIcon::exclamation);
 }
 
 void CTrvProjectMainFrame::ShowAbout() { m_dialogs.ShowAbout(this, GetVersionInfo()); }

@@ -7,6 +7,7 @@
 #include "app/dialogs.h"
 #include "app/recent_files.h"
 #include "document/document.h"
+#include "foundation/texts.h"
 #include "processing/receivers.h"
 #include "views/output_wnd.h"
 #include "views/view_1d.h"
@@ -19,6 +20,8 @@
 class QSettings;
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 class CTrvStatusBar;
 
@@ -92,8 +95,8 @@ class CTrvProjectMainFrame final : public QMainWindow,
 
     void MakeActions();
     void MakeMenus();
-    QToolBar* MakeToolBar(EBar bar, const char* name, int title);
-    QDockWidget* MakePanel(int command, const char* name, int title, QWidget* content, QSize size,
+    QToolBar* MakeToolBar(EBar bar, const char* name, EText title);
+    QDockWidget* MakePanel(int command, const char* name, EText title, QWidget* content, QSize size,
                            Qt::DockWidgetArea area);
     void RegisterBar(int command, QWidget* bar);
     void RestoreWindow();

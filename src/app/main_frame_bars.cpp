@@ -3,8 +3,7 @@
 #include "app/main_frame.h"
 #include "app/status_bar.h"
 #include "app/text.h"
-#include "app/text_ids.h"
-#include "document/text_ids.h"
+#include "foundation/texts.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -20,6 +19,8 @@
 #include <algorithm>
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 using Outils_Configuration::Cnf;
 
@@ -86,11 +87,11 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, Outils::IMessag
 
     MakeActions();
     MakeMenus();
-    MakeToolBar(EBar::standard, "standardBar", textStandardBarTitle);
-    MakeToolBar(EBar::tools, "toolsBar", textToolsBarTitle);
-    MakePanel(commandProcessingPanel, "processingPanel", textProcessingTitle, m_processing, kProcessingSize,
-              Qt::LeftDockWidgetArea);
-    MakePanel(commandOutputPanel, "outputPanel", textOutputTitle, m_output, kOutputSize,
+    MakeToolBar(EBar::standard, "standardBar", EText::standardBarTitle);
+    MakeToolBar(EBar::tools, "toolsBar", EText::toolsBarTitle);
+    MakePanel(commandProcessingPanel, "processingPanel", EText::processingTitle, m_processing,
+              kProcessingSize, Qt::LeftDockWidgetArea);
+    MakePanel(commandOutputPanel, "outputPanel", EText::outputTitle, m_output, kOutputSize,
               Qt::BottomDockWidgetArea);
     m_output->addAction(&GetAction(commandClearOutput));
     resize(kFirstSize.boundedTo(screen()->availableSize()));
@@ -149,11 +150,11 @@ void CTrvProjectMainFrame::MakeMenus() {
         if (row.newGroup && !first) menu->addSeparator();
         menu->addAction(m_actions[row.id]);
     }
-    menuBar()->setAccessibleName(Text(textMenuBarTitle));
+    menuBar()->setAccessibleName(Text(EText::menuBarTitle));
     RegisterBar(commandMenuBar, menuBar());
 }
 
-QToolBar* CTrvProjectMainFrame::MakeToolBar(EBar bar, const char* name, int title) {
+QToolBar* CTrvProjectMainFrame::MakeToolBar(EBar bar, const char* name, EText title) {
     QToolBar* toolBar = addToolBar(Text(title));
     toolBar->setObjectName(QString::fromLatin1(name));
     toolBar->setAccessibleName(Text(title));
@@ -168,7 +169,7 @@ QToolBar* CTrvProjectMainFrame::MakeToolBar(EBar bar, const char* name, int titl
     return toolBar;
 }
 
-QDockWidget* CTrvProjectMainFrame::MakePanel(int command, const char* name, int title, QWidget* content,
+QDockWidget* CTrvProjectMainFrame::MakePanel(int command, const char* name, EText title, QWidget* content,
                                              QSize size, Qt::DockWidgetArea area) {
     auto* panel = new QDockWidget(Text(title), this);
     panel->setObjectName(QString::fromLatin1(name));
@@ -222,11 +223,11 @@ void CTrvProjectMainFrame::UpdateFrame() {
         m_knownPath = path;
         if (!path.empty()) m_recentFiles.Add(path);
     }
-    QString name = path.empty() ? Text(textUntitled) : ToQString(path.stem());
+    QString name = path.empty() ? Text(EText::untitled) : ToQString(path.stem());
     name.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")); // no mark, but a name
-    setWindowTitle(QStringLiteral("%1[*] - %2").arg(name, Text(textProduct)));
+    setWindowTitle(QStringLiteral("%1[*] - %2").arg(name, Text(EText::product)));
     setWindowModified(m_document.IsModified());
-    m_statusBar->SetMessage(Text(m_running ? textRunning : textReady));
+    m_statusBar->SetMessage(Text(m_running ? EText::running : EText::ready));
 
     for (const SCommandRow& row : GetCommands()) {
         QAction& action = GetAction(row.id);

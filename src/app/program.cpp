@@ -7,7 +7,7 @@
 #include "app/splash.h"
 #include "app/start_up.h"
 #include "app/text.h"
-#include "app/text_ids.h"
+#include "foundation/texts.h"
 
 #include <QApplication>
 #include <QSettings>
@@ -18,6 +18,7 @@
 namespace Application_Tarvel {
 
 using Outils_Configuration::Cnf;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
@@ -65,12 +66,12 @@ int RunSession(CTrvApp& application, Outils::IMessageTarget& target, const SComm
 int Answer(const SCommandLine& line) {
     const CVersionInfo version = GetVersionInfo();
     switch (line.request) {
-    case ERequest::help: std::cout << GetText(textUsage); return 0;
+    case ERequest::help: std::cout << GetText(EText::windowUsage); return 0;
     case ERequest::version:
-        std::cout << FormatText(textVersionLine,
+        std::cout << FormatText(EText::versionLine,
                                 {version.productVersion, version.buildNumber, version.buildReleaseDate});
         return 0;
-    default: std::cerr << line.error << '\n' << GetText(textUsage); return 2;
+    default: std::cerr << line.error << '\n' << GetText(EText::windowUsage); return 2;
     }
 }
 

@@ -3,7 +3,7 @@
 #include "app/main_frame.h"
 #include "app/start_up.h"
 #include "app/text.h"
-#include "app/text_ids.h"
+#include "foundation/texts.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -12,6 +12,8 @@
 #include <QTimer>
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 using Outils_Fichiers::ToText;
 using Outils_Texte::FormatText;
@@ -50,12 +52,12 @@ std::string TakeSnapshot(CTrvProjectMainFrame& frame, const SCommandLine& line) 
     frame.resize(kSize);
     Start(frame, {line.project, false});
     if (!line.project.empty() && !frame.HasProject())
-        return FormatText(textSnapshotNotOpened, {ToText(line.project)});
-    if (!WaitForGraphs(frame)) return std::string(Outils_Texte::GetText(textSnapshotTooLong));
+        return FormatText(EText::snapshotNotOpened, {ToText(line.project)});
+    if (!WaitForGraphs(frame)) return std::string(Outils_Texte::GetText(EText::snapshotTooLong));
     frame.resize(kSize); // a window manager may have had its own idea
     QImageWriter writer(ToQString(line.snapshot), "png");
     if (!writer.write(frame.grab().toImage()))
-        return FormatText(textSnapshotNotWritten, {ToText(line.snapshot)});
+        return FormatText(EText::snapshotNotWritten, {ToText(line.snapshot)});
     return {};
 }
 

@@ -2,8 +2,8 @@
 
 #include "app/icons.h"
 #include "app/text.h"
-#include "app/text_ids.h"
 #include "app/version_info.h"
+#include "foundation/texts.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>
@@ -12,6 +12,8 @@
 #include <QTimer>
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 namespace {
 
@@ -53,7 +55,7 @@ QPixmap DrawPicture() {
 
 CSplashWnd::CSplashWnd() : QSplashScreen(DrawPicture()) {
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(Text(textWelcome));
+    setWindowTitle(Text(EText::welcome));
 }
 
 void CSplashWnd::CloseFor(QWidget& window) {

@@ -1,18 +1,19 @@
 #include "app/start_up.h"
 
 #include "app/main_frame.h"
-#include "app/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 using Outils_Texte::FormatText;
 
 SCommandLine ParseCommandLine(std::span<const char* const> words) {
     SCommandLine line;
     bool options = true;
-    const auto refuse = [](int text, std::string_view word) {
+    const auto refuse = [](EText text, std::string_view word) {
         SCommandLine wrong;
         wrong.request = ERequest::wrongUsage;
         wrong.error = FormatText(text, {word});
@@ -21,7 +22,7 @@ SCommandLine ParseCommandLine(std::span<const char* const> words) {
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string_view word = words[i];
         if (!options || !word.starts_with('-')) {
-            if (!line.project.empty()) return refuse(textTooManyFiles, word);
+            if (!line.project.empty()) return refuse(EText::tooManyFiles, word);
             line.project = Outils_Fichiers::FromText(word);
         } else if (word == "--") {
             options = false;
@@ -29,11 +30,11 @@ SCommandLine ParseCommandLine(std::span<const char* const> words) {
             line.request = word == "--help" ? ERequest::help : ERequest::version;
             return line;
         } else if (word == "--snapshot") {
-            if (i + 1 == words.size() || *words[i + 1] == '\0') return refuse(textMissingValue, word);
+            if (i + 1 == words.size() || *words[i + 1] == '\0') return refuse(EText::missingValue, word);
             line.request = ERequest::snapshot;
             line.snapshot = Outils_Fichiers::FromText(words[++i]);
         } else {
-            return refuse(textUnknownOption, word);
+            return refuse(EText::unknownSwitch, word);
         }
     }
     return line;

@@ -2,7 +2,7 @@
 
 #include "app/key_locks.h"
 #include "app/text.h"
-#include "app/text_ids.h"
+#include "foundation/texts.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -13,6 +13,8 @@
 
 namespace Application_Tarvel {
 
+using Outils_Texte::EText;
+
 namespace {
 
 constexpr int kProgressWidth = 150; // pixels
@@ -21,25 +23,27 @@ constexpr int kSettleTime = 100;    // ms
 struct SLockRow {
     ELock lock;
     Qt::Key key;
-    int text;
-    int name;
+    EText text;
+    EText name;
 };
 constexpr SLockRow kLocks[] = {
-    {ELock::caps, Qt::Key_CapsLock, textCapsLockPane, textCapsLockName},
-    {ELock::num, Qt::Key_NumLock, textNumLockPane, textNumLockName},
-    {ELock::scroll, Qt::Key_ScrollLock, textScrollLockPane, textScrollLockName},
+    {ELock::caps, Qt::Key_CapsLock, EText::capsLockPane, EText::capsLockName},
+    {ELock::num, Qt::Key_NumLock, EText::numLockPane, EText::numLockName},
+    {ELock::scroll, Qt::Key_ScrollLock, EText::scrollLockPane, EText::scrollLockName},
 };
 
 } // namespace
 
 CTrvStatusBar::CTrvStatusBar(QWidget* parent)
-    : QStatusBar(parent), m_message(new QLabel(Text(textReady), this)), m_progress(new QProgressBar(this)) {
+    : QStatusBar(parent),
+      m_message(new QLabel(Text(EText::ready), this)),
+      m_progress(new QProgressBar(this)) {
     m_message->setObjectName("message");
     m_message->setTextFormat(Qt::PlainText);
     m_message->setContentsMargins(4, 0, 0, 0);
     addWidget(m_message, 1);
     m_progress->setObjectName("progress");
-    m_progress->setAccessibleName(Text(textProgressName));
+    m_progress->setAccessibleName(Text(EText::progressName));
     m_progress->setRange(0, 100);
     m_progress->setFixedWidth(kProgressWidth);
     m_progress->setMaximumHeight(fontMetrics().height() + 2);

@@ -22,6 +22,6 @@ inline std::filesystem::path ToPath(const QString& text) {
     return Outils_Fichiers::FromText(text.toStdString());
 }
 // The numbered text.
-inline QString Text(int id) { return ToQString(Outils_Texte::GetText(id)); }
+inline QString Text(Outils_Texte::EText id) { return ToQString(Outils_Texte::GetText(id)); }
 
 } // namespace Application_Tarvel

@@ -1,6 +1,5 @@
 #include "app/version_info.h"
 
-#include "app/text_ids.h"
 #include "foundation/serialize.h"
 #include "foundation/texts.h"
 
@@ -8,6 +7,7 @@
 
 namespace Application_Tarvel {
 
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
 namespace {
@@ -42,10 +42,10 @@ void CVersionInfo::Serialize(Outils_Objets::CArchive& archive) {
 
 CVersionInfo GetVersionInfo() {
     CVersionInfo info;
-    info.productName = GetText(textProduct);
-    info.fileDescription = GetText(textFileDescription);
+    info.productName = GetText(EText::product);
+    info.fileDescription = GetText(EText::fileDescription);
     info.fileVersion = info.productVersion = VARNE_VERSION;
-    info.copyright = GetText(textCopyright);
+    info.copyright = GetText(EText::copyright);
     info.buildNumber = VARNE_BUILD_NUMBER;
     info.buildReleaseDate = VARNE_BUILD_DATE;
     info.releaseDate = ParseDate(info.buildReleaseDate);
@@ -55,14 +55,14 @@ CVersionInfo GetVersionInfo() {
 std::string GetSupportLink(const CVersionInfo& version) {
     // The texts are in the link's own code: "%20" is a blank, "%0d%0a" ends a line.
     std::string link = "mailto:" VARNE_SUPPORT_MAILBOX "?subject=";
-    link += GetText(textMailSubject);
+    link += GetText(EText::mailSubject);
     link += "&body=";
-    link += GetText(textMailProduct);
-    link += GetText(textMailVersion);
+    link += GetText(EText::mailProduct);
+    link += GetText(EText::mailVersion);
     link += WithCodedBlanks(version.fileVersion);
-    link += GetText(textMailBuild);
+    link += GetText(EText::mailBuild);
     link += WithCodedBlanks(version.buildNumber);
-    link += GetText(textMailEnd);
+    link += GetText(EText::mailEnd);
     return link;
 }
 

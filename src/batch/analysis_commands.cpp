@@ -3,7 +3,6 @@
 #include "batch/batch_host.h"
 #include "batch/commands.h"
 #include "batch/file_scan.h"
-#include "batch/labels.h"
 #include "batch/session.h"
 #include "dataaccess/format_detection.h"
 #include "foundation/numbers.h"
@@ -19,19 +18,20 @@ namespace Batch {
 using namespace Application_Tarvel;
 using namespace Persistance_Xpf;
 using Outils_Fichiers::FromText;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 using Outils_Valeurs::CTrvAdaptors;
 
 namespace {
 
-constexpr int kNatureLabels = 771; // number of the label of nature 0
+constexpr EText kNatureLabels = EText::natureUnknown; // number of the label of nature 0
 
 void PrintFirstData(const SFirstData& data, const CTrvAdaptors& adaptors, std::ostream& out) {
     if (data.hasUtc) {
         std::string origin;
         adaptors.GetDateTime().ValueToText(data.utcOrigin, origin);
-        out << FormatText(textUtcOrigin, {origin}) << '\n';
+        out << FormatText(EText::utcOrigin, {origin}) << '\n';
     }
     if (!data.hasPosition) return;
     const auto& position = adaptors.GetGeographicPosition();
@@ -39,7 +39,7 @@ void PrintFirstData(const SFirstData& data, const CTrvAdaptors& adaptors, std::o
     position.latitude.ValueToText(data.position.latitude, latitude);
     position.longitude.ValueToText(data.position.longitude, longitude);
     position.altitude.ValueToText(data.position.altitude, altitude);
-    out << FormatText(textFirstPosition, {latitude, longitude, altitude}) << '\n';
+    out << FormatText(EText::firstPosition, {latitude, longitude, altitude}) << '\n';
 }
 
 } // namespace
@@ -51,7 +51,7 @@ int AnalyseCommand(const COptions& options, SStreams streams) {
     CFileScan scan(open, FromText(path));
     scan.Run([&](int percent) { streams.error << "progress " << percent << std::endl; });
 
-    streams.out << GetText(textAnalysisColumns) << '\n';
+    streams.out << GetText(EText::analysisColumns) << '\n';
     for (std::uint32_t number = 0; number <= UINT16_MAX; ++number) {
         const SChannelScan* seen = scan.GetChannel(static_cast<std::uint16_t>(number));
         if (!seen) continue;
@@ -66,11 +66,11 @@ int AnalyseCommand(const COptions& options, SStreams streams) {
     ConfigureAdaptors(adaptors);
     PrintFirstData(scan.GetFirstData(), adaptors, streams.out);
     for (const SDamage& damage : scan.GetDamage())
-        streams.out << FormatText(damage.torn ? textTornAt : textDamagedAt,
+        streams.out << FormatText(damage.torn ? EText::tornAt : EText::damagedAt,
                                   {std::to_string(damage.position), std::to_string(damage.size)})
                     << '\n';
     if (scan.GetMorePlaces() > 0)
-        streams.out << FormatText(textMoreDamage,
+        streams.out << FormatText(EText::moreDamage,
                                   {std::to_string(scan.GetMorePlaces()), std::to_string(scan.GetMoreBytes())})
                     << '\n';
     return exitSuccess;
@@ -83,9 +83,9 @@ int DetectCommand(const COptions& options, SStreams streams) {
     int code = formatUnknown;
     std::error_code error;
     if (!DetectFileFormat(FromText(path), code, adaptors.GetDateTime()))
-        return Fail(path, std::filesystem::exists(FromText(path), error) ? textNoFile : textNoSuchFile,
+        return Fail(path, std::filesystem::exists(FromText(path), error) ? EText::noFile : EText::noSuchFile,
                     streams);
-    streams.out << code << ';' << GetText(GetFormatTextId(code)) << '\n';
+    streams.out << code << ';' << GetText(GetFormatText(code)) << '\n';
     return exitSuccess;
 }
 
@@ -98,15 +98,15 @@ int DictionaryCommand(const COptions& options, SStreams streams) {
     for (const auto& layer : project.dataModel->m_layers) {
         streams.out << Outils_Fichiers::ToText(layer->m_dataFile->path.filename()) << ';' << layer->m_name
                     << ';' << ToCell(layer->m_description) << ';'
-                    << GetText(layer->m_hasData ? textHasData : textNoData) << '\n';
+                    << GetText(layer->m_hasData ? EText::hasData : EText::noData) << '\n';
         for (const auto& measure : layer->m_measures) {
             const std::uint32_t nature = measure->m_nature < natureCount ? measure->m_nature : +natureUnknown;
-            streams.out << "  " << GetText(labelMeasure) << ';' << measure->m_index << ';'
+            streams.out << "  " << GetText(EText::measure) << ';' << measure->m_index << ';'
                         << ToCell(measure->m_name) << ';' << GetText(kNatureLabels + static_cast<int>(nature))
                         << '\n';
         }
         for (const auto& enumeration : layer->m_enums) {
-            streams.out << "  " << GetText(labelEnumeration) << ';' << enumeration->m_index << ';'
+            streams.out << "  " << GetText(EText::natureEnumeration) << ';' << enumeration->m_index << ';'
                         << enumeration->m_name;
             for (const auto& literal : enumeration->m_literals) streams.out << ';' << literal->m_name;
             streams.out << '\n';

@@ -3,12 +3,15 @@
 #include "batch/packet_access.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "processing/message_line.h"
 
 #include <ostream>
 #include <thread>
 
 namespace Batch {
+
+using Outils_Texte::EText;
 
 using namespace Application_Tarvel;
 
@@ -39,7 +42,7 @@ EAnswer CBatchHost::ShowMessage(const std::string& text, EButtons buttons, EIcon
 }
 
 bool CBatchHost::UpdateDataFile(const std::filesystem::path& path) {
-    Fail(Outils_Fichiers::ToText(path), textOlderLayout, m_streams);
+    Fail(Outils_Fichiers::ToText(path), EText::olderLayout, m_streams);
     m_failed = true;
     return false;
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "batch/options.h"
+#include "foundation/texts.h"
 
 #include <iosfwd>
 #include <span>
@@ -19,9 +20,9 @@ enum EExit { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
 
 struct SCommand {
     std::string_view name;
-    std::string_view usage; // the words behind the name
-    int summary;            // number of the text that says in one line what it does
-    std::size_t arguments;  // words that are no options
+    std::string_view usage;      // the words behind the name
+    Outils_Texte::EText summary; // number of the text that says in one line what it does
+    std::size_t arguments;       // words that are no options
     std::span<const SOption> options;
     int (*run)(const COptions& options, SStreams streams);
 };

@@ -51,7 +51,7 @@ class CDescription {
 // One value on a line; `format(description, value)` is its text.
 template <class Class, class Value, class Format>
 struct SField {
-    int label;
+    Outils_Texte::EText label;
     Value Class::*member;
     Format format;
 
@@ -63,7 +63,7 @@ struct SField {
 // The same of a value that the object as a whole gives.
 template <class Format>
 struct SComputed {
-    int label;
+    Outils_Texte::EText label;
     Format format;
 
     template <class Class>
@@ -75,7 +75,7 @@ struct SComputed {
 // One line for each element of a list.
 template <class Class, class Value, class Format>
 struct SLines {
-    int label;
+    Outils_Texte::EText label;
     Value Class::*member;
     Format format;
 
@@ -88,7 +88,7 @@ struct SLines {
 // An object that belongs to this one, or each of a list of them, as a block.
 template <class Class, class Value>
 struct SOwned {
-    int label;
+    Outils_Texte::EText label;
     Value Class::*member;
 
     void Write(CDescription& description, const Class& object) const { Each(description, object.*member); }
@@ -117,7 +117,7 @@ struct SBase {
 // A list of objects of several classes, each as a block below the title of its class.
 template <class Class>
 struct SKind {
-    int title;
+    Outils_Texte::EText title;
 };
 template <class Class, class Value, class... Kinds>
 struct SOwnedOfKinds {

@@ -2,13 +2,14 @@
 #pragma once
 
 #include "batch/description.h"
-#include "batch/labels.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "model/project.h"
 
 namespace Batch {
 
 using namespace Metier_Tarvel;
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 using Outils_Valeurs::EQuantity;
 
@@ -50,7 +51,7 @@ inline std::string Text(const CDescription&, std::string value) {
 }
 
 inline std::string Flag(const CDescription&, bool value) {
-    return std::string(GetText(value ? labelYes : labelNo));
+    return std::string(GetText(value ? EText::yes : EText::no));
 }
 
 inline std::string Time(const CDescription& description, const CDateTime& value) {
@@ -61,7 +62,7 @@ inline std::string Time(const CDescription& description, const CDateTime& value)
 
 // Without a reference its date means nothing.
 inline std::string UtcReference(const CDescription& description, const CTrvSimulationParameters& parameters) {
-    std::string text(GetText(labelNone));
+    std::string text(GetText(EText::noneWord));
     if (parameters.hasUtcReference)
         description.m_adaptors.GetDateTime().ValueToText(parameters.utcReference, text);
     return text;
@@ -78,7 +79,7 @@ inline std::string Path(const CDescription&, const std::filesystem::path& path) 
 }
 
 // `label` names the first of the three.
-inline std::string ThreeAxes(int label, const Outils_Valeurs::CTripleAdaptor& adaptor,
+inline std::string ThreeAxes(EText label, const Outils_Valeurs::CTripleAdaptor& adaptor,
                              std::initializer_list<double> values) {
     std::string line, text;
     std::size_t axis = 0;
@@ -93,10 +94,10 @@ inline std::string ThreeAxes(int label, const Outils_Valeurs::CTripleAdaptor& ad
     return line;
 }
 inline std::string LeverArm(const CDescription& description, const std::unique_ptr<CLeverArm>& arm) {
-    return ThreeAxes(labelXv1, description.m_adaptors.GetLeverArm(), {arm->xv1, arm->xv2, arm->xv3});
+    return ThreeAxes(EText::xv1, description.m_adaptors.GetLeverArm(), {arm->xv1, arm->xv2, arm->xv3});
 }
 inline std::string Angles(const CDescription& description, const std::unique_ptr<CMisalignment>& angles) {
-    return ThreeAxes(labelHeading, description.m_adaptors.GetMisalignment(),
+    return ThreeAxes(EText::heading, description.m_adaptors.GetMisalignment(),
                      {angles->heading, angles->roll, angles->pitch});
 }
 
@@ -124,13 +125,13 @@ std::string TypeWord(const CDescription&, const CTrvNelixType& type) {
 
 // What refers to a file or a channel names it; a reference may lead nowhere.
 inline std::string FileOf(const CDescription&, const CTrvDataFile* file) {
-    return file ? Outils_Fichiers::ToText(file->path) : std::string(GetText(labelNone));
+    return file ? Outils_Fichiers::ToText(file->path) : std::string(GetText(EText::noneWord));
 }
 inline std::string SensorFile(const CDescription& description, const CTrvDataFileChannel* channel) {
     return FileOf(description, channel ? channel->file : nullptr);
 }
 inline std::string SensorChannel(const CDescription&, const CTrvDataFileChannel* channel) {
-    return channel ? channel->name : std::string(GetText(labelNone));
+    return channel ? channel->name : std::string(GetText(EText::noneWord));
 }
 template <class Shown>
 std::string ShownChannel(const CDescription&, const Shown& shown) {

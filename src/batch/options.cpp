@@ -8,7 +8,9 @@
 
 namespace Batch {
 
-CUsageError::CUsageError(ETextId text, std::initializer_list<std::string_view> arguments)
+using Outils_Texte::EText;
+
+CUsageError::CUsageError(EText text, std::initializer_list<std::string_view> arguments)
     : std::runtime_error(Outils_Texte::FormatText(text, arguments)) {}
 
 COptions::COptions(std::span<const std::string> words, std::span<const SOption> known) {
@@ -25,10 +27,10 @@ COptions::COptions(std::span<const std::string> words, std::span<const SOption> 
         }
         const auto option =
             std::find_if(known.begin(), known.end(), [&](const SOption& row) { return row.name == word; });
-        if (option == known.end()) throw CUsageError(textUnknownOption, {word});
-        if (option->takesValue && i + 1 == words.size()) throw CUsageError(textOptionValue, {word});
+        if (option == known.end()) throw CUsageError(EText::unknownOption, {word});
+        if (option->takesValue && i + 1 == words.size()) throw CUsageError(EText::optionValue, {word});
         auto& values = m_values[word];
-        if (!values.empty() && !option->repeats) throw CUsageError(textOptionTwice, {word});
+        if (!values.empty() && !option->repeats) throw CUsageError(EText::optionTwice, {word});
         values.push_back(option->takesValue ? words[++i] : std::string());
     }
 }
@@ -52,7 +54,7 @@ std::optional<long long> COptions::GetPositive(std::string_view option) const {
     const auto text = Get(option);
     if (!text) return std::nullopt;
     const auto number = Outils_Texte::ParseInt(*text);
-    if (!number || *number <= 0) throw CUsageError(textPositiveNumber, {option, *text});
+    if (!number || *number <= 0) throw CUsageError(EText::positiveNumber, {option, *text});
     return *number;
 }
 
@@ -60,7 +62,7 @@ Outils_Temps::CDateTimeSpan ParseSeconds(std::string_view text) {
     const auto number = Outils_Texte::ParseDouble(text);
     auto span = Outils_Temps::CDateTimeSpan::Invalid();
     if (number && std::isfinite(*number)) span = Outils_Temps::CDateTimeSpan::FromSeconds(*number);
-    if (!span.IsValid()) throw CUsageError(textNoSeconds, {text});
+    if (!span.IsValid()) throw CUsageError(EText::noSeconds, {text});
     return span;
 }
 

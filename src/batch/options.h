@@ -1,8 +1,8 @@
 // The words of a command line: options "--name value" and "--flag", and what stands between them.
 #pragma once
 
-#include "batch/text_ids.h"
 #include "foundation/date_time.h"
+#include "foundation/texts.h"
 
 #include <initializer_list>
 #include <map>
@@ -15,10 +15,12 @@
 
 namespace Batch {
 
+using Outils_Texte::EText;
+
 // What the user typed makes no sense; the text says why. Caught in Run, which answers with exit status 2.
 class CUsageError : public std::runtime_error {
   public:
-    explicit CUsageError(ETextId text, std::initializer_list<std::string_view> arguments = {});
+    explicit CUsageError(EText text, std::initializer_list<std::string_view> arguments = {});
 };
 
 // The options that a command knows.

@@ -10,9 +10,11 @@
 
 namespace Batch {
 
+using Outils_Texte::EText;
+
 using namespace Persistance_Xpf;
 
-int Fail(const std::string& what, ETextId text, SStreams streams, std::string_view argument) {
+int Fail(const std::string& what, EText text, SStreams streams, std::string_view argument) {
     streams.error << what << ": " << Outils_Texte::FormatText(text, {argument}) << '\n';
     return exitFailure;
 }
@@ -26,7 +28,7 @@ std::optional<std::filesystem::path> FindFreePath(const std::string& path, SStre
     const auto full = Outils_Fichiers::ToAbsolute(Outils_Fichiers::FromText(path));
     std::error_code error;
     if (!std::filesystem::exists(full, error)) return full;
-    Fail(path, textExistsAlready, streams);
+    Fail(path, EText::existsAlready, streams);
     return std::nullopt;
 }
 
@@ -41,7 +43,7 @@ SOpenFile OpenFile(const std::string& text, SStreams streams) {
     outdated = outdated && Application_Tarvel::IsXpfFile(path);
     std::error_code error;
     const bool exists = std::filesystem::exists(path, error);
-    Fail(text, !exists ? textNoSuchFile : outdated ? textOlderLayout : textNoPacketFile, streams);
+    Fail(text, !exists ? EText::noSuchFile : outdated ? EText::olderLayout : EText::noPacketFile, streams);
     return {};
 }
 
@@ -50,7 +52,7 @@ SOpenChannel OpenChannel(const std::string& path, const std::string& name, SStre
     if (!open.file) return open;
     open.channel = open.file->FindChannelByName(name);
     if (open.channel) open.packet = open.channel->CreatePacket();
-    if (!open.packet) Fail(path, open.channel ? textNotDecoded : textNoChannel, streams, name);
+    if (!open.packet) Fail(path, open.channel ? EText::notDecoded : EText::noChannel, streams, name);
     return open;
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "batch/commands.h"
-#include "batch/text_ids.h"
+#include "foundation/texts.h"
 #include "xpf/file.h"
 #include "xpf/packet.h"
 
@@ -13,8 +13,10 @@
 
 namespace Batch {
 
+using Outils_Texte::EText;
+
 // Writes "WHAT: text" on the error stream; `argument` takes the place of %1. Always exitFailure.
-int Fail(const std::string& what, ETextId text, SStreams streams, std::string_view argument = {});
+int Fail(const std::string& what, EText text, SStreams streams, std::string_view argument = {});
 
 // Writes a message of the application; one that is made for a box becomes a line. Always exitFailure.
 int FailWith(std::string_view message, SStreams streams);

@@ -14,6 +14,8 @@
 
 namespace Batch {
 
+using Outils_Texte::EText;
+
 using namespace Application_Tarvel;
 using namespace Persistance_Xpf;
 using Outils_Texte::FormatText;
@@ -28,12 +30,13 @@ using EError = CTrvDataQuery::EError;
 bool Ask(CTrvDataQuery& query, const std::string& path, SStreams streams) {
     bool cancelled = false;
     if (query.Execute(cancelled)) return true;
-    Fail(path, query.GetError() == EError::noPackets ? textChannelEmpty : textNumbersContradict, streams);
+    Fail(path, query.GetError() == EError::noPackets ? EText::channelEmpty : EText::numbersContradict,
+         streams);
     return false;
 }
 
 // The columns of a header once more, behind others, each named by a text about it.
-std::string NameColumns(std::string_view header, int text) {
+std::string NameColumns(std::string_view header, EText text) {
     std::string columns;
     for (const auto column : std::views::split(header, kSeparator)) {
         columns += kSeparator;
@@ -53,7 +56,7 @@ int ChannelsCommand(const COptions& options, SStreams streams) {
     const std::string& path = options.GetArguments()[0];
     const SOpenFile open = OpenFile(path, streams);
     if (!open.file) return exitFailure;
-    streams.out << Outils_Texte::GetText(textChannelColumns) << '\n';
+    streams.out << Outils_Texte::GetText(EText::channelColumns) << '\n';
     for (const auto& channel : open.file->GetChannels()) {
         streams.out << channel->GetNumber() << kSeparator << channel->GetName() << kSeparator
                     << channel->GetPacketType() << kSeparator;
@@ -126,7 +129,7 @@ int AtCommand(const COptions& options, SStreams streams) {
         nullptr);
     if (!Ask(query, arguments[0], streams)) return exitFailure;
     const auto packet = query.TakePacket();
-    if (!packet) return Fail(arguments[0], textTimeOutside, streams);
+    if (!packet) return Fail(arguments[0], EText::timeOutside, streams);
     streams.out << packet->GetHeaderText(kSeparator) << '\n' << packet->ToText(kSeparator) << '\n';
     return exitSuccess;
 }
@@ -135,7 +138,7 @@ int ReduceCommand(const COptions& options, SStreams streams) {
     const auto from = options.GetSeconds("--from");
     const auto to = options.GetSeconds("--to");
     const auto slices = options.GetPositive("--slices");
-    if (!from || !to || !slices || !(*from < *to)) throw CUsageError(textWindowNeeded);
+    if (!from || !to || !slices || !(*from < *to)) throw CUsageError(EText::windowNeeded);
     const CDateTimeSpan slice(std::max<std::int64_t>(1, (*to - *from).GetTicks() / *slices));
 
     const auto& arguments = options.GetArguments();
@@ -148,7 +151,8 @@ int ReduceCommand(const COptions& options, SStreams streams) {
     if (!Ask(query, arguments[0], streams)) return exitFailure;
     const SReducedSeries series = query.TakeSeries();
     const std::string header = open.packet->GetHeaderText(kSeparator);
-    streams.out << header << NameColumns(header, textMinimumOf) << NameColumns(header, textMaximumOf) << '\n';
+    streams.out << header << NameColumns(header, EText::minimumOf) << NameColumns(header, EText::maximumOf)
+                << '\n';
     for (std::size_t i = 0; i < series.representatives.size(); ++i)
         streams.out << series.representatives[i]->ToText(kSeparator) << kSeparator
                     << series.minima[i]->ToText(kSeparator) << kSeparator

@@ -4,12 +4,15 @@
 #include "batch/session.h"
 #include "document/batch_creation.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "model/rules/rule.h"
 #include "processing/parameter_file.h"
 
 #include <ostream>
 
 namespace Batch {
+
+using Outils_Texte::EText;
 
 using namespace Application_Tarvel;
 using Outils_Fichiers::FromText;
@@ -44,7 +47,7 @@ int ParametersCommand(const COptions& options, SStreams streams) {
     if (target.extension() != ".xml" && !FindFreePath(arguments[1], streams)) return exitFailure;
     if (!Check(parameters, streams.error)) return exitFailure;
     if (Persistance_Parametres::WriteParameterFile(target, parameters)) return exitSuccess;
-    return Fail(arguments[1], textNotWritten, streams);
+    return Fail(arguments[1], EText::notWritten, streams);
 }
 
 int CreateFromParametersCommand(const COptions& options, SStreams streams) {
@@ -60,7 +63,7 @@ int CreateFromParametersCommand(const COptions& options, SStreams streams) {
         const std::size_t sign = choice.find('=');
         const bool known = sign != std::string::npos && sign + 1 < choice.size() &&
                            creation.ChooseFile(choice.substr(0, sign), FromText(choice.substr(sign + 1)));
-        if (!known) throw CUsageError(textFileChoice, {arguments[0]});
+        if (!known) throw CUsageError(EText::fileChoice, {arguments[0]});
     }
 
     CSession session(streams);

@@ -4,6 +4,7 @@
 #include "batch/session.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "plot/settings.h"
 #include "values/adaptors.h"
 #include "views/graph/loader.h"
@@ -20,6 +21,8 @@
 
 namespace Batch {
 
+using Outils_Texte::EText;
+
 using namespace Presentation_Tarvel_Graphics;
 
 namespace {
@@ -35,7 +38,7 @@ QSize ParseSize(const COptions& options) {
     const bool read = std::sscanf(text->c_str(), "%5dx%5d%n", &width, &height, &used) == 2 &&
                       static_cast<std::size_t>(used) == text->size();
     const auto fits = [](int side) { return side >= kSmallestSide && side <= kGreatestSide; };
-    if (!read || !fits(width) || !fits(height)) throw CUsageError(textPictureSize);
+    if (!read || !fits(width) || !fits(height)) throw CUsageError(EText::pictureSize);
     return {width, height};
 }
 
@@ -78,7 +81,7 @@ const SFormat& FindFormat(const std::filesystem::path& path) {
     const std::string extension = Outils_Fichiers::ToText(path.extension());
     const auto format = std::find_if(std::begin(kFormats), std::end(kFormats),
                                      [&](const SFormat& row) { return row.extension == extension; });
-    if (format == std::end(kFormats)) throw CUsageError(textPictureName);
+    if (format == std::end(kFormats)) throw CUsageError(EText::pictureName);
     return *format;
 }
 
@@ -119,7 +122,7 @@ int PictureCommand(const COptions& options, SStreams streams) {
     const std::span content(reinterpret_cast<const std::uint8_t*>(bytes.constData()),
                             static_cast<std::size_t>(bytes.size()));
     if (content.empty() || !Outils_Fichiers::SaveAtomically(target, content)) {
-        return Fail(arguments[1], textNotWritten, streams);
+        return Fail(arguments[1], EText::notWritten, streams);
     }
     return exitSuccess;
 }

@@ -4,12 +4,15 @@
 #include "batch/session.h"
 #include "document/project_creation.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <csignal>
 #include <ostream>
 
 namespace Batch {
+
+using Outils_Texte::EText;
 
 using namespace Application_Tarvel;
 using namespace Metier_Tarvel;
@@ -43,7 +46,7 @@ std::vector<ESensorKind> ParseKinds(std::string_view text) {
         const auto word = text.substr(start, end - start);
         const auto row = std::find_if(std::begin(kKindWords), std::end(kKindWords),
                                       [&](const SKindWord& k) { return k.word == word; });
-        if (row == std::end(kKindWords)) throw CUsageError(textUnknownKind, {word});
+        if (row == std::end(kKindWords)) throw CUsageError(EText::unknownKind, {word});
         if (std::find(kinds.begin(), kinds.end(), row->kind) == kinds.end()) kinds.push_back(row->kind);
         start = end + 1;
     }
@@ -96,7 +99,7 @@ int CreateCommand(const COptions& options, SStreams streams) {
     const auto configuration = Outils_Fichiers::FromText(options.Get("--ins-configuration").value_or(""));
     std::error_code error;
     if (!configuration.empty() && !std::filesystem::exists(configuration, error))
-        return Fail(*options.Get("--ins-configuration"), textNoSuchFile, streams);
+        return Fail(*options.Get("--ins-configuration"), EText::noSuchFile, streams);
     CSession session(streams);
     using namespace Outils_Configuration;
     const bool ellipsoidal =
@@ -131,7 +134,7 @@ int RunCommand(const COptions& options, SStreams streams) {
     host.GetQueue().RunPending();
     // An engine that was stopped or has died leaves a result that ends early: no success for a script.
     if (!host.HasFailed() && !host.IsRunComplete())
-        return Fail(options.GetArguments()[0], textRunIncomplete, streams);
+        return Fail(options.GetArguments()[0], EText::runIncomplete, streams);
     return host.HasFailed() ? exitFailure : exitSuccess;
 }
 

@@ -2,17 +2,20 @@
 
 #include "dataaccess/format_sniffers.h"
 #include "foundation/files.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <array>
 
 namespace Application_Tarvel {
 
+using Outils_Texte::EText;
+
 using Outils_Valeurs::CDateTimeAdaptor;
 
 namespace {
 
-constexpr int kUnknownFormatText = 10600;
+constexpr EText kUnknownFormatText = EText::formatUnknown;
 
 template <class... Words>
 constexpr std::array<std::string_view, sizeof...(Words)> List(Words... words) {
@@ -41,19 +44,19 @@ constexpr auto kDepth = List("DEPTH TO VARNE NAV EXTERNAL DATA");
 
 // In the order in which they are asked: the first match counts.
 constexpr SSniffer kSniffers[] = {
-    {formatXpf, 10601, AnyLineBegins, 1, kXpf},
-    {formatNmeaGps, 10602, EachWordBegins, 100, kNmea},
-    {formatUsbl, 10603, AnyLineBegins, 200, kUsbl},
-    {formatPostProcessedGps, 10604, AnyLineBegins, 100, kPostProcessed},
-    {formatRawIns, 10605, HoldsFrame},
-    {formatRdiPd6, 10606, MostLinesBegin, 100, kPd6},
-    {formatInsText, 10607, MostLinesBegin, 100, kInsBlocks, 1024},
-    {formatEvents, 10608, HoldsEvents, 20},
-    {formatRange, 10609, AnyLineBegins, 1, kRange},
-    {formatMountOrientation, 10611, AnyLineBegins, 1, kMount},
-    {formatConvertedUsbl, 10610, AnyLineBegins, 1, kConvertedUsbl},
-    {formatOdometer, 10612, AnyLineBegins, 1, kOdometer},
-    {formatDepth, 10613, AnyLineBegins, 1, kDepth},
+    {formatXpf, EText::formatXpf, AnyLineBegins, 1, kXpf},
+    {formatNmeaGps, EText::formatNmea, EachWordBegins, 100, kNmea},
+    {formatUsbl, EText::formatUsbl, AnyLineBegins, 200, kUsbl},
+    {formatPostProcessedGps, EText::formatPostProcessedGps, AnyLineBegins, 100, kPostProcessed},
+    {formatRawIns, EText::formatRawStream, HoldsFrame},
+    {formatRdiPd6, EText::formatPd6, MostLinesBegin, 100, kPd6},
+    {formatInsText, EText::formatRawText, MostLinesBegin, 100, kInsBlocks, 1024},
+    {formatEvents, EText::formatEvents, HoldsEvents, 20},
+    {formatRange, EText::formatRange, AnyLineBegins, 1, kRange},
+    {formatMountOrientation, EText::formatMount, AnyLineBegins, 1, kMount},
+    {formatConvertedUsbl, EText::formatUsblConverted, AnyLineBegins, 1, kConvertedUsbl},
+    {formatOdometer, EText::formatOdometer, AnyLineBegins, 1, kOdometer},
+    {formatDepth, EText::formatDepth, AnyLineBegins, 1, kDepth},
 };
 
 // What the most demanding sniffer can come to see, line ends of two characters included.
@@ -85,9 +88,9 @@ EFileFormat DetectFormat(std::string_view head, const CDateTimeAdaptor& dates) {
     return formatUnknown;
 }
 
-int GetFormatTextId(int code) {
+Outils_Texte::EText GetFormatText(int code) {
     for (const SSniffer& sniffer : kSniffers)
-        if (sniffer.format == code) return sniffer.textId;
+        if (sniffer.format == code) return sniffer.label;
     return kUnknownFormatText;
 }
 

@@ -3,6 +3,8 @@
 
 #include "values/date_time_adaptor.h"
 
+#include "foundation/texts.h"
+
 #include <filesystem>
 #include <string_view>
 
@@ -39,6 +41,6 @@ bool IsXpfFile(const std::filesystem::path& path);
 EFileFormat DetectFormat(std::string_view head, const Outils_Valeurs::CDateTimeAdaptor& dates);
 
 // The number of the text that names a format; that of "unknown" for any other code.
-int GetFormatTextId(int code);
+Outils_Texte::EText GetFormatText(int code);
 
 } // namespace Application_Tarvel

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "dataaccess/format_detection.h"
+#include "foundation/texts.h"
 
 #include <cstddef>
 #include <span>
@@ -31,7 +32,7 @@ using SniffTest = bool (*)(std::string_view head, const SSniffer& sniffer,
 
 struct SSniffer {
     EFileFormat format;
-    int textId; // names the format
+    Outils_Texte::EText label; // names the format
     SniffTest test;
     std::size_t lines = 0; // read at most
     std::span<const std::string_view> words = {};

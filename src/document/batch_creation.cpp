@@ -2,7 +2,6 @@
 
 #include "dataaccess/data_file_analyzer.h"
 #include "document/project_creation.h"
-#include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "model/imu_channel.h"
@@ -15,6 +14,7 @@ namespace Application_Tarvel {
 using namespace Metier_Tarvel;
 using Outils_Fichiers::ToAbsolute;
 using Outils_Fichiers::ToText;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 using Persistance_Parametres::SParameterFileRow;
@@ -43,7 +43,7 @@ bool CBatchCreation::Load(const std::filesystem::path& commandFile, std::string&
     m_commandFile = ToAbsolute(commandFile);
     m_name = ToText(m_commandFile.stem());
     m_folder = m_commandFile.parent_path();
-    if (!loaded) message = std::string(GetText(textBatchFileCorrupted));
+    if (!loaded) message = std::string(GetText(EText::batchFileCorrupted));
     return loaded;
 }
 
@@ -81,9 +81,9 @@ CBatchCreation::SRecordings CBatchCreation::LookInto(const std::vector<SParamete
 
 std::unique_ptr<CTrvProject> CBatchCreation::Create(const SRecordings& recordings,
                                                     std::string& message) const {
-    message = std::string(GetText(textBatchFileCorrupted)); // when nothing is loaded
+    message = std::string(GetText(EText::batchFileCorrupted)); // when nothing is loaded
     if (!recordings.unreadable.empty())
-        message = FormatText(textNoSynchronization, {ToText(recordings.unreadable)});
+        message = FormatText(EText::noSynchronization, {ToText(recordings.unreadable)});
     const std::vector<CDateTime>& dates = recordings.origins;
     if (dates.empty() || !recordings.unreadable.empty()) return nullptr;
     Persistance_Parametres::CChosenPaths chosen;
@@ -91,16 +91,16 @@ std::unique_ptr<CTrvProject> CBatchCreation::Create(const SRecordings& recording
 
     auto parameters = m_reader.Read(chosen, dates.front());
     if (!parameters || !ShiftExternalFiles(*parameters, dates)) {
-        message = FormatText(textBatchFileNotRead, {ToText(m_commandFile)});
+        message = FormatText(EText::batchFileNotRead, {ToText(m_commandFile)});
         return nullptr;
     }
     if (Outils_Fichiers::SamePath(parameters->mainInputFile->path, parameters->outputFile->path)) {
-        message = std::string(GetText(textDataFileReferenced));
+        message = std::string(GetText(EText::dataFileReferenced));
         return nullptr;
     }
     auto project = std::make_unique<CTrvProject>(std::move(parameters));
     if (!recordings.equipment) {
-        message = std::string(GetText(textNoEquipment));
+        message = std::string(GetText(EText::noEquipment));
         return nullptr;
     }
     project->simulationParameters->nelixConfiguration->type->SetFromEquipment(*recordings.equipment);

@@ -2,7 +2,7 @@
 // until its next edit. UI thread.
 #pragma once
 
-#include "document/text_ids.h"
+#include "foundation/texts.h"
 #include "model/simulation_parameters.h"
 
 #include <optional>
@@ -10,6 +10,8 @@
 #include <vector>
 
 namespace Dialogue_Tarvel {
+
+using Outils_Texte::EText;
 
 // Rows, of which one or none is selected.
 template <class Row>
@@ -38,8 +40,7 @@ struct SDataFileRow {
 
 class CDataFileChooser : public TChooser<SDataFileRow> {
   public:
-    static constexpr int kColumns[] = {Application_Tarvel::textFileNameColumn,
-                                       Application_Tarvel::textFolderColumn};
+    static constexpr EText kColumns[] = {EText::fileNameColumn, EText::folderColumn};
 
     // Every file of the project: main input, output, external files.
     explicit CDataFileChooser(const Metier_Tarvel::CTrvSimulationParameters& parameters,
@@ -54,8 +55,7 @@ struct SChannelRow {
 
 class CDataFileChannelChooser : public TChooser<SChannelRow> {
   public:
-    static constexpr int kColumns[] = {Application_Tarvel::textChannelColumn,
-                                       Application_Tarvel::textFileColumn};
+    static constexpr EText kColumns[] = {EText::channelColumn, EText::fileColumn};
 
     // The channels of the sensor's class in the main input file and the external files; its present one is
     // selected.

@@ -1,7 +1,6 @@
 #include "document/document.h"
 
 #include "config/config_file.h"
-#include "document/text_ids.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
@@ -12,6 +11,7 @@ namespace Application_Tarvel {
 
 using namespace Outils_Objets;
 using Outils_Fichiers::ToText;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
@@ -62,7 +62,7 @@ bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
     if (m_pProject && !m_bSavingNewBatchProject) {
         // The result file always follows the project file's name.
         CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
-        const auto result = Outils_Fichiers::WithExtension(path, GetText(textOutputExtension));
+        const auto result = Outils_Fichiers::WithExtension(path, GetText(EText::outputExtension));
         renamed = output.path != result;
         if (renamed) {
             output.path = result;
@@ -96,16 +96,16 @@ void CTrvDocument::DeleteContents() {
 }
 
 bool CTrvDocument::CanCloseFrame() {
-    return !RefuseWhileRunning(textStopBeforeExit) && CDocumentEx::CanCloseFrame();
+    return !RefuseWhileRunning(EText::stopBeforeExit) && CDocumentEx::CanCloseFrame();
 }
 
 bool CTrvDocument::CommandOpen(const std::filesystem::path& path) {
-    return !RefuseWhileRunning(textStopBeforeClose) && OpenDocument(path);
+    return !RefuseWhileRunning(EText::stopBeforeClose) && OpenDocument(path);
 }
 
-bool CTrvDocument::CommandSaveAs() { return !RefuseWhileRunning(textStopBeforeSaveAs) && SaveAs(); }
+bool CTrvDocument::CommandSaveAs() { return !RefuseWhileRunning(EText::stopBeforeSaveAs) && SaveAs(); }
 
-bool CTrvDocument::RefuseWhileRunning(int text) {
+bool CTrvDocument::RefuseWhileRunning(EText text) {
     if (!IsSimulationRunning()) return false;
     GetHost().ShowMessage(std::string(GetText(text)), EButtons::ok, EIcon::exclamation);
     return true;

@@ -10,6 +10,7 @@
 #include "document/document_base.h"
 #include "document/file_looks.h"
 #include "document/file_state.h"
+#include "foundation/texts.h"
 #include "model/project.h"
 #include "processing/child_processes.h"
 
@@ -24,6 +25,8 @@ class CTrvCnfConfigFile;
 }
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 class CTrvDocumentEdits;
 
@@ -116,11 +119,11 @@ class CTrvDocument final : public CDocumentEx {
     bool SetUpProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path,
                       EResultName resultName);
     // Refuses with the text while the engine runs.
-    bool RefuseWhileRunning(int text);
+    bool RefuseWhileRunning(EText text);
     void EndRun();
     // Asks the rules. What is broken goes to the output panel behind the text `line`, then `message` is
     // shown.
-    bool ValidateProject(int line, int message);
+    bool ValidateProject(EText line, EText message);
     bool SaveBeforeRun();
     bool WriteParameterFile(std::filesystem::path& path);
     // True, and told, when the result would take the place of a file of the project.
@@ -170,7 +173,7 @@ class CTrvDocument final : public CDocumentEx {
     void OnDamageFound(const void* key, std::int64_t position);
     // The running engine owns the result: nothing that happens to it is a fault.
     bool IsBeingWritten(const CTrvDataFile& file) const { return m_bSimulationRunning && IsResultFile(file); }
-    void Tell(int text, const CTrvDataFile& file);
+    void Tell(EText text, const CTrvDataFile& file);
 
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
     // The door for the messages of analysers and monitor; a new one for each project, so that what threads of

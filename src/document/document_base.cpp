@@ -1,6 +1,5 @@
 #include "document/document_base.h"
 
-#include "document/text_ids.h"
 #include "foundation/archive.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -10,6 +9,7 @@
 namespace Application_Tarvel {
 
 using Outils_Fichiers::ToText;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
@@ -81,9 +81,10 @@ bool CDocumentEx::DoSave(std::filesystem::path path, bool replace) {
 
 bool CDocumentEx::SaveModified() {
     if (!m_modified) return true;
-    const std::string name = m_path.empty() ? std::string(GetText(textUntitled)) : ToText(m_path.filename());
-    switch (
-        m_host.ShowMessage(FormatText(textSaveChanges, {name}), EButtons::yesNoCancel, EIcon::exclamation)) {
+    const std::string name =
+        m_path.empty() ? std::string(GetText(EText::untitled)) : ToText(m_path.filename());
+    switch (m_host.ShowMessage(FormatText(EText::saveChanges, {name}), EButtons::yesNoCancel,
+                               EIcon::exclamation)) {
     case EAnswer::yes: return Save();
     case EAnswer::no: return true;
     default: return false;
@@ -104,7 +105,7 @@ bool CDocumentEx::OnOpenDocument(const std::filesystem::path& path) {
     } catch (const Outils_Objets::CArchiveException& exception) {
         DeleteContents();
         const bool tooNew = exception.GetCause() == Outils_Objets::CArchiveException::badSchema;
-        m_host.ShowMessage(FormatText(tooNew ? textProjectTooNew : textFailedToLoad, {ToText(path)}),
+        m_host.ShowMessage(FormatText(tooNew ? EText::projectTooNew : EText::failedToLoad, {ToText(path)}),
                            EButtons::ok, EIcon::exclamation);
         return false;
     }
@@ -114,8 +115,8 @@ bool CDocumentEx::OnOpenDocument(const std::filesystem::path& path) {
 
 bool CDocumentEx::OnSaveDocument(const std::filesystem::path& path) {
     if (!StoreTo(path)) {
-        m_host.AppendOutputText(FormatText(textProjectNotSaved, {ToText(path)}));
-        m_host.ShowMessage(FormatText(textFailedToSave, {ToText(path)}), EButtons::ok, EIcon::exclamation);
+        m_host.AppendOutputText(FormatText(EText::projectNotSaved, {ToText(path)}));
+        m_host.ShowMessage(FormatText(EText::failedToSave, {ToText(path)}), EButtons::ok, EIcon::exclamation);
         return false;
     }
     SetModifiedFlag(false);

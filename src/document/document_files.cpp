@@ -2,7 +2,6 @@
 #include "document/document.h"
 
 #include "config/config_file.h"
-#include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
@@ -13,6 +12,7 @@ namespace Application_Tarvel {
 
 using namespace Metier_Tarvel;
 using Outils_Configuration::Cnf;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
@@ -161,11 +161,11 @@ namespace {
 // The kinds of sensor that need no choice of the user, and what is told when one was added.
 struct SAutomaticKind {
     ESensorKind kind;
-    int message;
+    EText message;
 };
 constexpr SAutomaticKind kAutomaticKinds[] = {
-    {ESensorKind::eventMarker, textEventMarkerAdded},
-    {ESensorKind::platformOrientation, textMountAdded},
+    {ESensorKind::eventMarker, EText::eventMarkerAdded},
+    {ESensorKind::platformOrientation, EText::mountAdded},
 };
 
 // The first of the four event channels has the number 15 and gives the event "1".
@@ -225,7 +225,7 @@ void CTrvDocument::OnDamageFound(const void* key, std::int64_t position) {
     if (!file || IsBeingWritten(*file) || std::exchange(m_fileStates[file].damage, position) == position)
         return;
     GetHost().AppendOutputText(
-        FormatText(textFileDamaged, {Outils_Fichiers::ToText(file->path), std::to_string(position)}));
+        FormatText(EText::fileDamaged, {Outils_Fichiers::ToText(file->path), std::to_string(position)}));
 }
 
 } // namespace Application_Tarvel

@@ -2,7 +2,6 @@
 // layers, versions and faults, and the facts of the recording.
 #include "config/config_file.h"
 #include "document/document.h"
-#include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "model/imu_channel.h"
@@ -15,6 +14,7 @@ namespace Application_Tarvel {
 using namespace Persistance_Xpf;
 using Metier_Tarvel::CTrvSimulationParameters;
 using Outils_Fichiers::ToText;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
@@ -87,7 +87,7 @@ void CTrvDocument::OnLooked(CTrvDataFile& file, SFileLook look) {
 
 void CTrvDocument::TakeHead(CTrvDataFile& file, const SFileLook& look) {
     SFileState& state = m_fileStates[&file];
-    state.headIsWhole = look.fault == 0;
+    state.headIsWhole = look.fault == EText::none;
     if (state.followFile) RefreshDataLayers(file, look.description);
 }
 
@@ -110,9 +110,10 @@ void CTrvDocument::FollowLook(CTrvDataFile& file, const SFileLook& look) {
     const bool follows = std::exchange(state.followFile, false);
     const bool missing = std::exchange(state.tellMissing, false);
     const bool replaced = std::exchange(state.tellReplaced, false);
-    if (!IsBeingWritten(file) && (look.fault != textFileVanished || missing)) {
-        if (std::exchange(state.fault, look.fault) != look.fault && look.fault != 0) Tell(look.fault, file);
-        if (replaced && look.fault == 0) Tell(textFileReplaced, file);
+    if (!IsBeingWritten(file) && (look.fault != EText::fileVanished || missing)) {
+        if (std::exchange(state.fault, look.fault) != look.fault && look.fault != EText::none)
+            Tell(look.fault, file);
+        if (replaced && look.fault == EText::none) Tell(EText::fileReplaced, file);
     }
     if (follows && !m_bSettingUp) UpdateAllViews(nullptr, hintDataFileContentChanged, &file);
 }
@@ -128,15 +129,15 @@ void CTrvDocument::CheckDataFileVersions(const std::map<const CTrvDataFile*, SFi
     for (CTrvDataFile* file : GetDataFiles()) {
         const auto look = looks.find(file);
         if (look == looks.end() || !std::exchange(m_fileStates[file].checkVersion, false)) continue;
-        const int fault = look->second.fault;
+        const EText fault = look->second.fault;
         if (look->second.outdated)
             upgradable.push_back(file);
-        else if (fault != 0 && fault != textFileVanished)
-            GetHost().ShowMessage(FormatText(textFailedToLoad, {ToText(file->path)}), EButtons::ok,
+        else if (fault != EText::none && fault != EText::fileVanished)
+            GetHost().ShowMessage(FormatText(EText::failedToLoad, {ToText(file->path)}), EButtons::ok,
                                   EIcon::exclamation);
     }
     if (upgradable.empty()) return;
-    const std::string question(GetText(textUpgradeDataFiles));
+    const std::string question(GetText(EText::upgradeDataFiles));
     if (GetHost().ShowMessage(question, EButtons::yesNo, EIcon::question) != EAnswer::yes) return;
     for (CTrvDataFile* file : upgradable) {
         // What the updater does to it is no news, and what it leaves is a new file in all respects.
@@ -166,7 +167,7 @@ void CTrvDocument::CheckLateVersions() {
     m_bCheckingVersions = false;
 }
 
-void CTrvDocument::Tell(int text, const CTrvDataFile& file) {
+void CTrvDocument::Tell(EText text, const CTrvDataFile& file) {
     GetHost().AppendOutputText(FormatText(text, {ToText(file.path)}));
 }
 

@@ -1,19 +1,19 @@
 // How the document comes to a new project.
 #include "document/document.h"
 #include "document/project_dialogs.h"
-#include "document/text_ids.h"
 #include "foundation/texts.h"
 
 namespace Application_Tarvel {
 
 using namespace Dialogue_Tarvel;
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
-bool CTrvDocument::CommandNew() { return !RefuseWhileRunning(textStopBeforeClose) && NewDocument(); }
+bool CTrvDocument::CommandNew() { return !RefuseWhileRunning(EText::stopBeforeClose) && NewDocument(); }
 
 bool CTrvDocument::CommandNewBatch() {
-    if (RefuseWhileRunning(textStopBeforeClose)) return false;
-    const auto commandFile = GetHost().AskCommandFile(std::string(GetText(textXmlFilter)));
+    if (RefuseWhileRunning(EText::stopBeforeClose)) return false;
+    const auto commandFile = GetHost().AskCommandFile(std::string(GetText(EText::xmlFilter)));
     if (!commandFile || !SaveModified()) return false;
     SetPathName({});
     const bool made = OnNewBatchDocument(*commandFile);
@@ -23,7 +23,7 @@ bool CTrvDocument::CommandNewBatch() {
 
 bool CTrvDocument::NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path,
                                   EResultName resultName) {
-    if (RefuseWhileRunning(textStopBeforeClose) || !SaveModified()) return false;
+    if (RefuseWhileRunning(EText::stopBeforeClose) || !SaveModified()) return false;
     SetPathName({});
     const bool saved = Clear() && SetUpProject(std::move(project), path, resultName);
     UpdateAllViews(nullptr, hintRefresh);

@@ -2,7 +2,6 @@
 #include "document/document.h"
 
 #include "config/config_file.h"
-#include "document/text_ids.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
@@ -22,6 +21,7 @@ using namespace Outils_Temps;
 using Outils_Configuration::Cnf;
 using Outils_Fichiers::FromText;
 using Outils_Fichiers::ToText;
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
 namespace {
@@ -58,7 +58,7 @@ bool CTrvDocument::StartSimulation() {
     const CWaitCursor wait(GetHost());
     if (!m_pProject || IsSimulationRunning()) return false;
     m_process.SetNotification(GetHost().GetReceiver());
-    if (!ValidateProject(textParametersWrongLine, textParametersWrongRun)) return false;
+    if (!ValidateProject(EText::parametersWrongLine, EText::parametersWrongRun)) return false;
     // Again behind the save, which may have given the result another name.
     if (RefuseResultOverInput() || !SaveBeforeRun() || RefuseResultOverInput()) return false;
     if (m_process.ProcessId() != 0) {
@@ -95,15 +95,15 @@ bool CTrvDocument::RefuseResultOverInput() {
     const auto found = m_fileLooks.Call(find, GetTimeForChosenFile(m_configuration));
     if (found && !*found) return false;
     const std::filesystem::path& named = files[std::min<std::size_t>(*at, files.size() - 1)];
-    const int text = found ? textResultIsInput : textFileNotReadable;
+    const EText text = found ? EText::resultIsInput : EText::fileNotReadable;
     GetHost().ShowMessage(Outils_Texte::FormatText(text, {ToText(named)}), EButtons::ok, EIcon::exclamation);
     return true;
 }
 
-bool CTrvDocument::ValidateProject(int line, int message) {
+bool CTrvDocument::ValidateProject(EText line, EText message) {
     Metier_Tarvel_Regles::CTrvRuleReport report;
     if (m_pProject->simulationParameters->Validate(report)) return true;
-    if (line != 0) GetHost().AppendOutputText(std::string(GetText(line)));
+    if (line != EText::none) GetHost().AppendOutputText(std::string(GetText(line)));
     for (const auto& violation : report.GetViolations())
         GetHost().AppendOutputText(std::string(violation.rule->GetMessage()));
     GetHost().ShowMessage(std::string(GetText(message)), EButtons::ok, EIcon::information);
@@ -111,11 +111,12 @@ bool CTrvDocument::ValidateProject(int line, int message) {
 }
 
 bool CTrvDocument::PrepareBatchCommandFile() {
-    if (!m_pProject || !ValidateProject(textParametersWrongLine, textParametersWrongBatch)) return false;
+    if (!m_pProject || !ValidateProject(EText::parametersWrongLine, EText::parametersWrongBatch))
+        return false;
     const std::filesystem::path proposed =
         FromText(ToText(std::filesystem::path(GetPathName()).replace_extension()) +
-                 std::string(GetText(textParametersSuffix)) + std::string(GetText(textXmlExtension)));
-    const auto path = GetHost().AskCommandFilePath(proposed, std::string(GetText(textXmlFilter)));
+                 std::string(GetText(EText::parametersSuffix)) + std::string(GetText(EText::xmlExtension)));
+    const auto path = GetHost().AskCommandFilePath(proposed, std::string(GetText(EText::xmlFilter)));
     if (!path) return false;
     // The file hides the factory misalignment of a ciphered recording.
     const CFileLooks::Key cipher = m_pProject->simulationParameters->nelixConfiguration.get();
@@ -125,12 +126,13 @@ bool CTrvDocument::PrepareBatchCommandFile() {
     }
     if (m_fileLooks.IsAsked(cipher)) {
         const std::string recording = ToText(m_pProject->simulationParameters->mainInputFile->path);
-        GetHost().ShowMessage(Outils_Texte::FormatText(textCipherUnknown, {recording}), EButtons::ok,
+        GetHost().ShowMessage(Outils_Texte::FormatText(EText::cipherUnknown, {recording}), EButtons::ok,
                               EIcon::exclamation);
         return false;
     }
     if (Persistance_Parametres::WriteParameterFile(*path, *m_pProject->simulationParameters)) return true;
-    GetHost().ShowMessage(std::string(GetText(textParametersNotWritten)), EButtons::ok, EIcon::exclamation);
+    GetHost().ShowMessage(std::string(GetText(EText::parametersNotWritten)), EButtons::ok,
+                          EIcon::exclamation);
     return false;
 }
 
@@ -139,10 +141,10 @@ bool CTrvDocument::SaveBeforeRun() {
     std::error_code error;
     const auto& result = m_pProject->simulationParameters->outputFile->path;
     if (!std::filesystem::exists(result, error)) {
-        const std::string question(GetText(textMustSaveBeforeRun));
+        const std::string question(GetText(EText::mustSaveBeforeRun));
         return GetHost().ShowMessage(question, EButtons::okCancel, EIcon::question) == EAnswer::ok && Save();
     }
-    switch (GetHost().ShowMessage(std::string(GetText(textResultExists)), EButtons::yesNoCancel,
+    switch (GetHost().ShowMessage(std::string(GetText(EText::resultExists)), EButtons::yesNoCancel,
                                   EIcon::question)) {
     case EAnswer::yes: return Save();
     case EAnswer::no: return SaveAs();
@@ -151,18 +153,18 @@ bool CTrvDocument::SaveBeforeRun() {
 }
 
 bool CTrvDocument::WriteParameterFile(std::filesystem::path& path) {
-    const auto refuse = [this](int text) {
+    const auto refuse = [this](EText text) {
         GetHost().ShowMessage(std::string(GetText(text)), EButtons::ok, EIcon::exclamation);
         return false;
     };
     if (m_configuration.Get(Cnf<"simulation/useTempFileName">)) {
         const auto temporary = Outils_Fichiers::CreateTemporaryFile("SIM");
-        if (!temporary) return refuse(textNoParameterPath);
+        if (!temporary) return refuse(EText::noParameterPath);
         path = *temporary;
     } else {
         std::error_code error;
         const auto folder = std::filesystem::temp_directory_path(error);
-        if (error) return refuse(textNoParameterPath);
+        if (error) return refuse(EText::noParameterPath);
         path = folder / FromText(m_configuration.Get(Cnf<"simulation/fixedFileName">));
     }
     CMemoryStream stream;
@@ -177,7 +179,7 @@ bool CTrvDocument::WriteParameterFile(std::filesystem::path& path) {
     if (written) return true;
     std::error_code ignored;
     std::filesystem::remove(path, ignored);
-    return refuse(textNoParameterFile);
+    return refuse(EText::noParameterFile);
 }
 
 void CTrvDocument::RemoveResult() {
@@ -202,7 +204,7 @@ bool CTrvDocument::LaunchEngine(const std::filesystem::path& parameterFile) {
     if (!m_process.Open(commandLine, false)) {
         std::error_code ignored;
         std::filesystem::remove(parameterFile, ignored);
-        GetHost().ShowMessage(std::string(GetText(textNoProcess)), EButtons::ok, EIcon::exclamation);
+        GetHost().ShowMessage(std::string(GetText(EText::noProcess)), EButtons::ok, EIcon::exclamation);
         return false;
     }
     m_process.Start();
@@ -222,8 +224,8 @@ bool CTrvDocument::StopSimulation() {
     GetHost().Sleep(std::chrono::milliseconds(200));
     ++m_stopRequests;
     if (m_stopRequests > 1 && GetHost().GetTime() - m_firstStopTime > kFreezeTime) {
-        const auto answer =
-            GetHost().ShowMessage(std::string(GetText(textFrozen)), EButtons::okCancel, EIcon::exclamation);
+        const auto answer = GetHost().ShowMessage(std::string(GetText(EText::frozen)), EButtons::okCancel,
+                                                  EIcon::exclamation);
         if (answer == EAnswer::ok && m_process.IsRunning()) m_process.Terminate();
     }
     if (!m_process.IsRunning()) EndRun();

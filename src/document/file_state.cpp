@@ -1,23 +1,25 @@
 #include "document/file_state.h"
 
 #include "dataaccess/format_detection.h"
-#include "document/text_ids.h"
+#include "foundation/texts.h"
 #include "xpf/file.h"
 
 #include <algorithm>
 
 namespace Application_Tarvel {
 
+using Outils_Texte::EText;
+
 namespace {
 
-int FindFault(const std::filesystem::path& path) {
+EText FindFault(const std::filesystem::path& path) {
     std::error_code error;
     switch (std::filesystem::status(path, error).type()) {
-    case std::filesystem::file_type::not_found: return textFileVanished;
-    case std::filesystem::file_type::directory: return textFileIsFolder;
-    case std::filesystem::file_type::none: return textFileNotReadable;
-    case std::filesystem::file_type::regular: return 0;
-    default: return textFileIsNoFile;
+    case std::filesystem::file_type::not_found: return EText::fileVanished;
+    case std::filesystem::file_type::directory: return EText::fileIsFolder;
+    case std::filesystem::file_type::none: return EText::fileNotReadable;
+    case std::filesystem::file_type::regular: return EText::none;
+    default: return EText::fileIsNoFile;
     }
 }
 
@@ -36,13 +38,13 @@ SFileLook LookInto(const std::filesystem::path& path, Persistance_Xpf::EFileKind
                    const Outils::CEvent& cancel) {
     SFileLook look;
     look.fault = FindFault(path);
-    if (look.fault != 0) return look;
+    if (look.fault != EText::none) return look;
     bool outdated = false;
     const bool current = Persistance_Xpf::OpenXpfFile(path, kind, outdated, &cancel) != nullptr;
     Metier_Tarvel_DataModel::ReadFileDescription(path, look.description);
     if (current) return look;
     look.outdated = outdated && IsXpfFile(path);
-    if (!look.outdated) look.fault = CanReadHead(path) ? textFileNoHeader : textFileNotReadable;
+    if (!look.outdated) look.fault = CanReadHead(path) ? EText::fileNoHeader : EText::fileNotReadable;
     return look;
 }
 

@@ -1,6 +1,7 @@
 // What the document remembers of a data file between two looks at it, and what such a look finds.
 #pragma once
 
+#include "foundation/texts.h"
 #include "foundation/thread.h"
 #include "model/dictionary/file_description.h"
 #include "xpf/layout.h"
@@ -11,8 +12,10 @@
 
 namespace Application_Tarvel {
 
+using Outils_Texte::EText;
+
 struct SFileState {
-    int fault = 0;                    // the text that was told last, 0 once the file is whole again
+    EText fault = EText::none;        // the text that was told last, 0 once the file is whole again
     bool headIsWhole = false;         // at the last look, told or not
     std::int64_t damage = -1;         // the position that was told last
     std::set<std::uint16_t> channels; // found by the analysis: the file's layers may come after them
@@ -29,7 +32,7 @@ struct SFileState {
 struct SFileLook {
     // The number of the text that says why the file cannot be read as one of its kind, with its path as %1; 0
     // if it can, or could once it is brought up to date.
-    int fault = 0;
+    EText fault = EText::none;
     bool outdated = false;
     Metier_Tarvel_DataModel::SFileDescription description;
 };

@@ -1,7 +1,6 @@
 #include "document/project_creation.h"
 
 #include "dataaccess/format_detection.h"
-#include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "model/ins_web_configuration_file.h"
@@ -11,6 +10,7 @@ namespace Application_Tarvel {
 
 using namespace Metier_Tarvel;
 using Outils_Fichiers::ToText;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
@@ -25,16 +25,16 @@ bool IsBackwardEquipment(std::int32_t equipment) {
 bool CheckRecording(const std::filesystem::path& path, std::string& message) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) {
-        message = FormatText(textRecordingNotFound, {ToText(path)});
+        message = FormatText(EText::recordingNotFound, {ToText(path)});
         return false;
     }
     if (!IsXpfFile(path)) {
-        message = FormatText(textUnknownFileType, {ToText(path)});
+        message = FormatText(EText::unknownFileType, {ToText(path)});
         return false;
     }
     bool outdated = false;
     if (Persistance_Xpf::OpenXpfFile(path, Persistance_Xpf::EFileKind::tarin, outdated)) return true;
-    message = FormatText(outdated ? textRecordingOutdated : textUnknownFileType, {ToText(path)});
+    message = FormatText(outdated ? EText::recordingOutdated : EText::unknownFileType, {ToText(path)});
     return false;
 }
 
@@ -48,30 +48,30 @@ bool ImportConfiguration(CTrvSimulationParameters& parameters, const std::filesy
 
 std::unique_ptr<CTrvProject> CreateProject(const SNewProject& wanted, std::string& message) {
     if (!CheckRecording(wanted.recording, message)) return nullptr;
-    int failure = 0;
+    EText failure = EText::none;
     auto project = BuildProject(wanted, failure);
     if (!project) message = std::string(GetText(failure));
     return project;
 }
 
-std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failure,
+std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, EText& failure,
                                           const Outils::CEvent* interrupt) {
-    const auto result = Outils_Fichiers::WithExtension(wanted.project, GetText(textOutputExtension));
+    const auto result = Outils_Fichiers::WithExtension(wanted.project, GetText(EText::outputExtension));
     if (Outils_Fichiers::SamePath(wanted.recording, result)) {
-        failure = textDataFileReferenced;
+        failure = EText::dataFileReferenced;
         return nullptr;
     }
     auto project = std::make_unique<CTrvProject>(wanted.recording, result);
     auto& parameters = *project->simulationParameters;
 
     if (!wanted.configuration.empty() && !ImportConfiguration(parameters, wanted.configuration)) {
-        failure = textInsConfigurationFailed;
+        failure = EText::insConfigurationFailed;
         return nullptr;
     }
     const auto isGivenUp = [interrupt] { return interrupt && interrupt->IsSet(); };
     std::int32_t equipment = 0;
     if (!parameters.ReadEquipmentCode(equipment, interrupt)) {
-        failure = isGivenUp() ? textFileNotReadable : textNoEquipment;
+        failure = isGivenUp() ? EText::fileNotReadable : EText::noEquipment;
         return nullptr;
     }
     parameters.gpsAltitudeReference = wanted.ellipsoidalGpsAltitude ? altitudeEllipsoid : altitudeGeoid;
@@ -83,7 +83,7 @@ std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, int& failur
         parameters.begin = ToStoredTime(first);
         parameters.end = ToStoredTime(last);
     } else if (isGivenUp()) {
-        failure = textFileNotReadable; // it may well tell its period
+        failure = EText::fileNotReadable; // it may well tell its period
         return nullptr;
     }
     return project;

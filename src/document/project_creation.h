@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/date_time.h"
+#include "foundation/texts.h"
 #include "foundation/thread.h"
 #include "model/project.h"
 
@@ -25,7 +26,8 @@ std::unique_ptr<Metier_Tarvel::CTrvProject> CreateProject(const SNewProject& wan
 // The same for a recording whose format was looked at before: one that is none fails for want of inertial
 // data. One that has not told all when the event is set cannot be read. `failure` is the number of the
 // message, in which %1 stands for the recording. Any thread.
-std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted, int& failure,
+std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted,
+                                                         Outils_Texte::EText& failure,
                                                          const Outils::CEvent* interrupt = nullptr);
 
 } // namespace Application_Tarvel

@@ -13,6 +13,7 @@ namespace Dialogue_Tarvel {
 using Outils_Configuration::Cnf;
 using Outils_Fichiers::ToAbsolute;
 using Outils_Fichiers::ToText;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 using std::filesystem::file_type;
@@ -41,19 +42,19 @@ std::filesystem::path CProjectDialog::GetProjectPath() const {
 
 bool CProjectDialog::CheckPlace(EProjectField& focus) {
     focus = EProjectField::name;
-    if (projectName.empty()) return Refuse(textEnterValue);
+    if (projectName.empty()) return Refuse(EText::enterValue);
     focus = EProjectField::folder;
     switch (FindType(projectFolder)) {
     case file_type::directory: return true;
     case file_type::none: return false;
-    case file_type::not_found: return Refuse(textFolderNotFound);
-    default: return Refuse(textNotAFolder);
+    case file_type::not_found: return Refuse(EText::folderNotFound);
+    default: return Refuse(EText::notAFolder);
     }
 }
 
 bool CProjectDialog::AgreeToOverwrite() {
     const file_type type = FindType(GetProjectPath());
-    return type == file_type::not_found || (type != file_type::none && Ask(textOverwriteProject));
+    return type == file_type::not_found || (type != file_type::none && Ask(EText::overwriteProject));
 }
 
 file_type CProjectDialog::FindType(const std::filesystem::path& path) {
@@ -62,13 +63,13 @@ file_type CProjectDialog::FindType(const std::filesystem::path& path) {
         return std::filesystem::status(path, error).type();
     });
     if (type.value_or(file_type::none) != file_type::none) return *type;
-    Refuse(FormatText(textFileNotReadable, {ToText(path)}));
+    Refuse(FormatText(EText::fileNotReadable, {ToText(path)}));
     return file_type::none;
 }
 
 bool CProjectDialog::CheckExists(const std::filesystem::path& path) {
     const file_type type = FindType(path);
-    return type != file_type::none && (type != file_type::not_found || Refuse(textFileNotFound));
+    return type != file_type::none && (type != file_type::not_found || Refuse(EText::fileNotFound));
 }
 
 bool CProjectDialog::Refuse(std::string message) {
@@ -76,9 +77,9 @@ bool CProjectDialog::Refuse(std::string message) {
     return false;
 }
 
-bool CProjectDialog::Refuse(int text) { return Refuse(std::string(GetText(text))); }
+bool CProjectDialog::Refuse(EText text) { return Refuse(std::string(GetText(text))); }
 
-bool CProjectDialog::Ask(int question) {
+bool CProjectDialog::Ask(EText question) {
     return m_host.ShowMessage(std::string(GetText(question)), EButtons::okCancel, EIcon::question) ==
            EAnswer::ok;
 }
@@ -103,7 +104,7 @@ std::string CNewProjectWizard::GetInputLine() const {
 
 bool CNewProjectWizard::CheckFiles(EProjectField& focus) {
     focus = EProjectField::files;
-    if (m_inputFiles.empty()) return Refuse(textEnterValue);
+    if (m_inputFiles.empty()) return Refuse(EText::enterValue);
     for (const auto& file : m_inputFiles)
         if (!CheckExists(file)) return false;
     focus = EProjectField::configurationFile;
@@ -120,25 +121,25 @@ bool CNewProjectWizard::PrepareFiles() {
         });
         kinds.push_back(kind.value_or(SDataFileKind()));
         if (kinds.back().kind == EDataFileKind::unreadable)
-            return Refuse(FormatText(textUnknownFileType, {ToText(file)}));
+            return Refuse(FormatText(EText::unknownFileType, {ToText(file)}));
     }
     const auto isRaw = [](const SDataFileKind& kind, ERawFormat format) {
         return kind.kind == EDataFileKind::raw && kind.format == format;
     };
     const auto isRawIns = [&](const SDataFileKind& kind) { return isRaw(kind, ERawFormat::rawIns); };
     if (kinds.size() > 1 && !std::all_of(kinds.begin(), kinds.end(), isRawIns))
-        return Refuse(textOnlyRawFilesTogether);
+        return Refuse(EText::onlyRawFilesTogether);
 
     const SDataFileKind& kind = kinds[0];
     if (kind.kind == EDataFileKind::packets) return true;
     if (kind.kind == EDataFileKind::outdatedPackets)
-        return Ask(textUpgradeDataFile) && m_host.UpdateDataFile(m_inputFiles[0]);
+        return Ask(EText::upgradeDataFile) && m_host.UpdateDataFile(m_inputFiles[0]);
     if (isRawIns(kind) || isRaw(kind, ERawFormat::decodedIns)) return Convert(kind.format);
-    return Ask(textUnrecognizedRecording) && Convert(ERawFormat::rawIns);
+    return Ask(EText::unrecognizedRecording) && Convert(ERawFormat::rawIns);
 }
 
 bool CNewProjectWizard::Convert(ERawFormat format) {
-    if (!Ask(textConvertDataFile)) return false;
+    if (!Ask(EText::convertDataFile)) return false;
     const auto converted = m_host.ConvertRawFiles(m_inputFiles, format);
     if (!converted) return false;
     m_inputFiles = {ToAbsolute(*converted)};
@@ -152,7 +153,7 @@ std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus
         m_configuration.Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
     struct SMade {
         std::unique_ptr<CTrvProject> project;
-        int failure = textFileNotReadable;
+        EText failure = EText::fileNotReadable;
     };
     const SNewProject wanted{m_inputFiles[0], GetProjectPath(), insConfigurationFile, ellipsoidal};
     SMade made = LookInto([wanted](const Outils::CEvent& cancel) {
@@ -161,8 +162,8 @@ std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus
                      return built;
                  }).value_or(SMade());
     if (!made.project) {
-        focus = made.failure == textInsConfigurationFailed ? EProjectField::configurationFile
-                                                           : EProjectField::files;
+        focus = made.failure == EText::insConfigurationFailed ? EProjectField::configurationFile
+                                                              : EProjectField::files;
         Refuse(FormatText(made.failure, {ToText(wanted.recording)}));
     }
     return std::move(made.project);
@@ -181,7 +182,7 @@ std::unique_ptr<CTrvProject> CNewFromBatchParametersDlg::MakeProject(EProjectFie
     const auto recordings = LookInto(
         [files = m_creation.GetFiles(), most = m_configuration.Get(Cnf<"general/utcSearch/maxPacketCount">)](
             const Outils::CEvent& cancel) { return CBatchCreation::LookInto(files, most, &cancel); });
-    std::string message(GetText(textNoEquipment));
+    std::string message(GetText(EText::noEquipment));
     auto project = recordings ? m_creation.Create(*recordings, message) : nullptr;
     if (!project) Refuse(message);
     return project;

@@ -5,7 +5,7 @@
 #include "document/batch_creation.h"
 #include "document/document_host.h"
 #include "document/file_looks.h"
-#include "document/text_ids.h"
+#include "foundation/texts.h"
 
 #include <filesystem>
 #include <memory>
@@ -18,6 +18,7 @@ class CTrvCnfConfigFile;
 
 namespace Dialogue_Tarvel {
 
+using Outils_Texte::EText;
 using namespace Application_Tarvel;
 using Metier_Tarvel::CTrvProject;
 
@@ -54,8 +55,8 @@ class CProjectDialog {
     virtual std::unique_ptr<CTrvProject> MakeProject(EProjectField& focus) = 0;
 
     bool Refuse(std::string message); // tells the reason; false
-    bool Refuse(int text);
-    bool Ask(int question);
+    bool Refuse(EText text);
+    bool Ask(EText question);
     // False, and told, when there is nothing of this name or its disk does not answer.
     bool CheckExists(const std::filesystem::path& path);
     // What `look` finds in the files, if they answer in time.
@@ -83,8 +84,8 @@ class CNewProjectWizard final : public CProjectDialog {
     using CProjectDialog::CProjectDialog;
 
     // Texts of the two file dialogs.
-    static constexpr int kInputFilter = textRecordingFilter;
-    static constexpr int kConfigurationFilter = textInsConfigurationFilter;
+    static constexpr EText kInputFilter = EText::recordingFilter;
+    static constexpr EText kConfigurationFilter = EText::insConfigurationFilter;
 
     std::filesystem::path insConfigurationFile; // empty for none
 
@@ -109,17 +110,17 @@ class CNewFromBatchParametersDlg final : public CProjectDialog {
     using CProjectDialog::CProjectDialog;
     using SRow = Persistance_Parametres::SParameterFileRow;
 
-    static constexpr int kTitle = textNewFromBatchTitle;
-    static constexpr int kColumns[] = {textIdentifierColumn, textPathColumn};
-    static constexpr int kLabels[] = {textNameLabel, textFolderLabel};
+    static constexpr EText kTitle = EText::newFromBatchTitle;
+    static constexpr EText kColumns[] = {EText::identifierColumn, EText::pathColumn};
+    static constexpr EText kLabels[] = {EText::nameLabel, EText::folderLabel};
 
     // Reads the rows and proposes name and folder; false when that failed, which was told.
     bool Load(const std::filesystem::path& commandFile);
     const std::vector<SRow>& GetRows() const { return m_creation.GetFiles(); }
     // For the dialog that asks for another file in the place of the row's: the number of its filter, and the
     // extension of a name typed without one.
-    static int GetFilter(const SRow& row) {
-        return row.isOutput ? textBatchOutputFilter : textBatchInputFilter;
+    static EText GetFilter(const SRow& row) {
+        return row.isOutput ? EText::batchOutputFilter : EText::batchInputFilter;
     }
     static const char* GetExtension(const SRow& row) { return row.isOutput ? "tarout" : "tarin"; }
     // Puts another file in the place of one; false when no row has this id.

@@ -9,6 +9,8 @@
 
 namespace Dialogue_Tarvel {
 
+using Outils_Texte::EText;
+
 using Metier_Tarvel::kRoughMisalignmentCount;
 
 namespace {
@@ -81,10 +83,11 @@ bool CRoughMisalignmentChooser::IsConnectorEnabled(int side) const {
 }
 
 std::string_view CRoughMisalignmentChooser::GetLabel(int side) const {
-    using namespace Application_Tarvel;
+    using Outils_Texte::EText;
     constexpr int kFirstOfShort = 2; // up and down have one wording
     const bool isShort = side >= kFirstOfShort && Contains(kShortLabelEquipment, m_equipment);
-    return Outils_Texte::GetText(isShort ? textStarboardShort + side - kFirstOfShort : textUpward + side);
+    return Outils_Texte::GetText(isShort ? EText::sideStarboardShort + (side - kFirstOfShort)
+                                         : EText::sideUp + side);
 }
 
 std::int32_t CRoughMisalignmentChooser::GetCode() const {

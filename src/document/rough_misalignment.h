@@ -2,21 +2,22 @@
 // of the unit look on the vehicle.
 #pragma once
 
-#include "document/text_ids.h"
+#include "foundation/texts.h"
 
 #include <cstdint>
 #include <string_view>
 
 namespace Dialogue_Tarvel {
 
+using Outils_Texte::EText;
+
 // A side of the vehicle: 0 up, 1 down, 2 starboard, 3 port, 4 bow, 5 stern. Two neighbours make an axis.
 inline constexpr int kSideCount = 6;
 
 class CRoughMisalignmentChooser {
   public:
-    static constexpr int kTitle = Application_Tarvel::textRoughMisalignmentTitle;
-    static constexpr int kGroups[] = {Application_Tarvel::textLogoSide,
-                                      Application_Tarvel::textConnectorSide};
+    static constexpr EText kTitle = EText::roughMisalignmentTitle;
+    static constexpr EText kGroups[] = {EText::logoSide, EText::connectorSide};
 
     // Starts from a code of the INS configuration; one out of range shows as 0.
     CRoughMisalignmentChooser(std::int32_t code, std::int32_t equipment);

@@ -1,41 +1,39 @@
 #include "foundation/texts.h"
 
 #include <algorithm>
+#include <cassert>
 #include <iterator>
 
 namespace Outils_Texte {
 
 namespace {
 
-struct SText {
-    int id;
-    std::string_view text;
-};
-
-constexpr SText kTexts[] = {
+constexpr STextRow kTexts[] = {
+#define TEXT(number, name, text) {EText::name, #name, text},
 #include "texts.inc"
+#undef TEXT
 };
 
-constexpr bool IdsAscend() {
-    for (std::size_t i = 1; i < std::size(kTexts); ++i)
-        if (kTexts[i].id <= kTexts[i - 1].id) return false;
-    return true;
+constexpr bool NumbersAscend() {
+    return std::ranges::adjacent_find(kTexts, std::ranges::greater_equal(), &STextRow::id) ==
+           std::end(kTexts);
 }
-static_assert(IdsAscend(), "a number stands twice or out of order in resources/texts.inc");
+static_assert(NumbersAscend(), "a number of resources/texts.inc is used twice or out of order");
 
 } // namespace
 
-std::string_view GetText(int id) {
-    const auto row = std::lower_bound(std::begin(kTexts), std::end(kTexts), id,
-                                      [](const SText& text, int wanted) { return text.id < wanted; });
-    return row != std::end(kTexts) && row->id == id ? row->text : std::string_view("?");
+std::string_view GetText(EText text) {
+    if (text == EText::none) return {};
+    const auto* row = std::ranges::lower_bound(kTexts, text, {}, &STextRow::id);
+    assert(row != std::end(kTexts) && row->id == text);
+    return row->text;
 }
 
-std::string FormatText(int id, std::initializer_list<std::string_view> arguments) {
+std::string FormatText(EText id, std::initializer_list<std::string_view> arguments) {
     const std::string_view form = GetText(id);
     std::string text;
     for (std::size_t i = 0; i < form.size(); ++i) {
-        // "%1" names the first argument; any other percent sign stands for itself.
+        // "%1" names the first argument; any other percent sign is an ordinary character.
         const std::size_t number = i + 1 < form.size() ? static_cast<std::size_t>(form[i + 1] - '1') : 9;
         if (form[i] == '%' && number < arguments.size()) {
             text += arguments.begin()[number];
@@ -47,8 +45,6 @@ std::string FormatText(int id, std::initializer_list<std::string_view> arguments
     return text;
 }
 
-void ForEachText(void (*visit)(int id, std::string_view text, void* context), void* context) {
-    for (const SText& row : kTexts) visit(row.id, row.text, context);
-}
+std::span<const STextRow> GetTexts() { return kTexts; }
 
 } // namespace Outils_Texte

@@ -6,6 +6,8 @@
 
 namespace Metier_Tarvel_Graphics {
 
+using Outils_Texte::EText;
+
 using Metier_Tarvel::AppendOwned;
 using Metier_Tarvel::EraseOwned;
 using Outils_Objets::CSchema;
@@ -14,8 +16,8 @@ using Outils_Objets::SerializeUnchanged;
 namespace {
 
 // Labels of what the first layouts saved without one.
-constexpr int kTextUnknownEnum = 10061;
-constexpr int kTextUnknownCurve = 10062;
+constexpr EText kTextUnknownEnum = EText::unknownEnumeration;
+constexpr EText kTextUnknownCurve = EText::unknownCurve;
 
 constexpr std::uint32_t kDefaultColor = 0xFF000000;
 

@@ -7,6 +7,8 @@
 
 namespace Metier_Tarvel {
 
+using Outils_Texte::EText;
+
 using Outils_Objets::CSchema;
 
 namespace {
@@ -31,16 +33,19 @@ static_assert(std::size(kEquipments) == 19);
 // The words of each field: value 1 has the first text.
 struct STypeWords {
     std::int32_t CTrvNelixType::*field;
-    int firstText;
+    EText firstText;
     int count;
 };
 
 constexpr STypeWords kTypeWords[CTrvNelixType::kFieldCount] = {
-    {&CTrvNelixType::equipment, 10800, 19}, {&CTrvNelixType::housing, 10819, 8},
-    {&CTrvNelixType::fog, 10827, 4},        {&CTrvNelixType::accelerometers, 10831, 8},
-    {&CTrvNelixType::saturation, 10839, 3}, {&CTrvNelixType::algorithm, 10842, 3},
+    {&CTrvNelixType::equipment, EText::equipmentInsModel1, 19},
+    {&CTrvNelixType::housing, EText::housing1, 8},
+    {&CTrvNelixType::fog, EText::fog90, 4},
+    {&CTrvNelixType::accelerometers, EText::accelerometerModel1, 8},
+    {&CTrvNelixType::saturation, EText::saturationLand, 3},
+    {&CTrvNelixType::algorithm, EText::nelixAlgorithmIns, 3},
 };
-constexpr int kTextUnknown = 10845;
+constexpr EText kTextUnknown = EText::unknownCode;
 
 } // namespace
 
@@ -62,7 +67,7 @@ std::string CTrvNelixType::GetFieldText(EField field) const {
     const std::int32_t value = GetField(field);
     const STypeWords& words = kTypeWords[field];
     if (value >= 1 && value <= words.count)
-        return std::string(Outils_Texte::GetText(words.firstText + value - 1));
+        return std::string(Outils_Texte::GetText(words.firstText + (value - 1)));
     char code[16];
     std::snprintf(code, sizeof code, "%04X", static_cast<unsigned>(value));
     return Outils_Texte::FormatText(kTextUnknown, {code});

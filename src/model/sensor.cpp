@@ -7,6 +7,8 @@
 
 namespace Metier_Tarvel {
 
+using Outils_Texte::EText;
+
 using Outils_Objets::CSchema;
 
 namespace {
@@ -16,27 +18,28 @@ std::unique_ptr<CTrvSensor> Make(CTrvSimulationParameters* owner) {
     return std::make_unique<Sensor>(owner);
 }
 
-constexpr int kGroupHorizontal = 10040;
-constexpr int kGroupBottomSpeed = 10041;
-constexpr int kGroupWatermassSpeed = 10042;
-constexpr int kGroup = 10043;
+constexpr EText kGroupHorizontal = EText::rejectionsHorizontal;
+constexpr EText kGroupBottomSpeed = EText::rejectionsBottomSpeed;
+constexpr EText kGroupWatermassSpeed = EText::rejectionsWatermassSpeed;
+constexpr EText kGroup = EText::rejections;
 
 template <class Sensor>
-constexpr SSensorKind Row(ESensorKind kind, int label, int maximum, std::uint16_t channelType,
-                          std::array<int, 2> groups) {
+constexpr SSensorKind Row(ESensorKind kind, EText label, int maximum, std::uint16_t channelType,
+                          std::array<EText, 2> groups) {
     return {kind, Sensor::kClassName, label, maximum, channelType, groups, Make<Sensor>};
 }
 
 constexpr SSensorKind kKinds[] = {
-    Row<CTrvSensorGps>(ESensorKind::gps, 196, 3, 3, {kGroupHorizontal}),
-    Row<CTrvSensorDvl>(ESensorKind::dvl, 197, 1, 1, {kGroupBottomSpeed, kGroupWatermassSpeed}),
-    Row<CTrvSensorEMLog>(ESensorKind::emLog, 198, 1, 2, {kGroup}),
-    Row<CTrvSensorDepth>(ESensorKind::depth, 199, 1, 4, {kGroup}),
-    Row<CTrvSensorUsbl>(ESensorKind::usbl, 200, 3, 5, {kGroup}),
-    Row<CTrvSensorLbl>(ESensorKind::lbl, 201, 1, 6, {kGroup}),
-    Row<CTrvSensorOdometer>(ESensorKind::odometer, 759, 1, 8, {kGroup}),
-    Row<CTrvSensorEventMarker>(ESensorKind::eventMarker, 997, 4, 9, {}),
-    Row<CTrvSensorPlatformOrientation>(ESensorKind::platformOrientation, 10044, 1, 16, {}),
+    Row<CTrvSensorGps>(ESensorKind::gps, EText::gps, 3, 3, {kGroupHorizontal}),
+    Row<CTrvSensorDvl>(ESensorKind::dvl, EText::dvl, 1, 1, {kGroupBottomSpeed, kGroupWatermassSpeed}),
+    Row<CTrvSensorEMLog>(ESensorKind::emLog, EText::emLog, 1, 2, {kGroup}),
+    Row<CTrvSensorDepth>(ESensorKind::depth, EText::depth, 1, 4, {kGroup}),
+    Row<CTrvSensorUsbl>(ESensorKind::usbl, EText::usbl, 3, 5, {kGroup}),
+    Row<CTrvSensorLbl>(ESensorKind::lbl, EText::lbl, 1, 6, {kGroup}),
+    Row<CTrvSensorOdometer>(ESensorKind::odometer, EText::odometer, 1, 8, {kGroup}),
+    Row<CTrvSensorEventMarker>(ESensorKind::eventMarker, EText::eventMarker, 4, 9, {}),
+    Row<CTrvSensorPlatformOrientation>(ESensorKind::platformOrientation, EText::gyroStabilizedMount, 1, 16,
+                                       {}),
 };
 static_assert(std::size(kKinds) == kSensorKindCount);
 
@@ -60,8 +63,8 @@ const SSensorKind* FindSensorKindOfChannel(std::uint16_t channelType) {
 
 void CTrvSensor::Create(CTrvSimulationParameters* parameters) {
     owner = parameters;
-    for (const int name : GetKind().rejectionGroups)
-        if (name != 0)
+    for (const EText name : GetKind().rejectionGroups)
+        if (name != EText::none)
             rejectionGroups.push_back(
                 std::make_unique<CTrvRejectionGroup>(*this, std::string(Outils_Texte::GetText(name))));
 }

@@ -1,6 +1,7 @@
 // What the aiding sensors of all kinds share, and the table of the kinds.
 #pragma once
 
+#include "foundation/texts.h"
 #include "model/instruction.h"
 #include "model/std_dev_instruction.h"
 
@@ -13,16 +14,18 @@
 
 namespace Metier_Tarvel {
 
+using Outils_Texte::EText;
+
 enum class ESensorKind { gps, dvl, emLog, depth, usbl, lbl, odometer, eventMarker, platformOrientation };
 inline constexpr int kSensorKindCount = 9;
 
 struct SSensorKind {
     ESensorKind kind;
-    std::string_view className;           // links the kind to channels
-    int label;                            // number of the text
-    int maximum;                          // per project
-    std::uint16_t channelType;            // type code of the channels that hold its data
-    std::array<int, 2> rejectionGroups{}; // numbers of the groups' names, 0 for none
+    std::string_view className;             // links the kind to channels
+    EText label;                            // number of the text
+    int maximum;                            // per project
+    std::uint16_t channelType;              // type code of the channels that hold its data
+    std::array<EText, 2> rejectionGroups{}; // names of the groups, "none" behind the last
     std::unique_ptr<CTrvSensor> (*create)(CTrvSimulationParameters* owner) = nullptr;
 };
 

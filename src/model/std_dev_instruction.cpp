@@ -1,6 +1,7 @@
 #include "model/std_dev_instruction.h"
 
 #include "foundation/serialize.h"
+#include "foundation/texts.h"
 #include "model/sensors.h"
 
 namespace Metier_Tarvel {
@@ -11,10 +12,11 @@ using Outils_Objets::SerializeUnchanged;
 namespace {
 
 // Numbers of the texts.
-constexpr int kScalarLabels[] = {10060};
-constexpr int kPositionLabels[] = {10050, 10051, 10052, 10053};
-constexpr int kVectorLabels[] = {10054, 10055, 10056};
-constexpr int kOdometerLabels[] = {10057, 10058, 10059};
+constexpr EText kScalarLabels[] = {EText::value};
+constexpr EText kPositionLabels[] = {EText::latitude, EText::longitude, EText::crossvariance,
+                                     EText::altitude};
+constexpr EText kVectorLabels[] = {EText::axisX, EText::axisY, EText::axisZ};
+constexpr EText kOdometerLabels[] = {EText::valueX, EText::valueY, EText::valueZ};
 
 } // namespace
 
@@ -36,10 +38,10 @@ void CTrvDvlStdDevInstruction::Serialize(CArchive& archive) {
     schema.Since(2).Reference(sensor);
 }
 
-std::span<const int> CTrvScalarStdDev::GetValueLabels() const { return kScalarLabels; }
-std::span<const int> CTrvPositionStdDev::GetValueLabels() const { return kPositionLabels; }
-std::span<const int> CTrvVectorStdDev::GetValueLabels() const { return kVectorLabels; }
-std::span<const int> CTrvOdometerStdDevInstruction::GetValueLabels() const { return kOdometerLabels; }
+std::span<const EText> CTrvScalarStdDev::GetValueLabels() const { return kScalarLabels; }
+std::span<const EText> CTrvPositionStdDev::GetValueLabels() const { return kPositionLabels; }
+std::span<const EText> CTrvVectorStdDev::GetValueLabels() const { return kVectorLabels; }
+std::span<const EText> CTrvOdometerStdDevInstruction::GetValueLabels() const { return kOdometerLabels; }
 
 double& CTrvPositionStdDev::Value(int index) {
     double* const values[] = {&latitude, &longitude, &crossvariance, &altitude};

@@ -2,6 +2,7 @@
 // is made and destroyed with the sensor.
 #pragma once
 
+#include "foundation/texts.h"
 #include "model/period.h"
 
 #include <span>
@@ -12,6 +13,8 @@ class CSchema;
 
 namespace Metier_Tarvel {
 
+using Outils_Texte::EText;
+
 class CTrvStdDevInstruction : public TRuntimeClass<CTrvStdDevInstruction, CTrvPeriod> {
   public:
     static constexpr std::string_view kClassName = "CTrvStdDevInstruction";
@@ -20,7 +23,7 @@ class CTrvStdDevInstruction : public TRuntimeClass<CTrvStdDevInstruction, CTrvPe
     std::int32_t mode = 0;  // EWordList::stdDevMode, for an odometer EWordList::odometerStdDevMode
 
     // The number of the text of each value, in archive order: labels of one instruction, count of its values.
-    virtual std::span<const int> GetValueLabels() const = 0;
+    virtual std::span<const EText> GetValueLabels() const = 0;
     // REQUIRES: 0 <= index < GetValueLabels().size().
     virtual double& Value(int index) = 0;
     double GetValue(int index) const { return const_cast<CTrvStdDevInstruction*>(this)->Value(index); }
@@ -40,7 +43,7 @@ class CTrvScalarStdDev : public TRuntimeClass<CTrvScalarStdDev, CTrvStdDevInstru
 
     double value = 0.0;
 
-    std::span<const int> GetValueLabels() const override;
+    std::span<const EText> GetValueLabels() const override;
     double& Value(int) override { return value; }
 
   protected:
@@ -56,7 +59,7 @@ class CTrvPositionStdDev : public TRuntimeClass<CTrvPositionStdDev, CTrvStdDevIn
     double crossvariance = 0.0;
     double altitude = 0.0;
 
-    std::span<const int> GetValueLabels() const override;
+    std::span<const EText> GetValueLabels() const override;
     double& Value(int index) override;
 
   protected:
@@ -71,7 +74,7 @@ class CTrvVectorStdDev : public TRuntimeClass<CTrvVectorStdDev, CTrvStdDevInstru
     double y = 0.0;
     double z = 0.0;
 
-    std::span<const int> GetValueLabels() const override;
+    std::span<const EText> GetValueLabels() const override;
     double& Value(int index) override;
 
   protected:
@@ -118,7 +121,7 @@ class CTrvOdometerStdDevInstruction : public TRuntimeClass<CTrvOdometerStdDevIns
 
     CTrvOdometerStdDevInstruction();
 
-    std::span<const int> GetValueLabels() const override;
+    std::span<const EText> GetValueLabels() const override;
 };
 
 // The least standard deviations that are believed of a GPS. Not a period.

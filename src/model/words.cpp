@@ -4,19 +4,21 @@
 
 namespace Metier_Tarvel {
 
+using Outils_Texte::EText;
+
 namespace {
 
 constexpr SWordList kWordLists[] = {
-    {EWordList::algorithm, "algorithm", 10000, 2},
-    {EWordList::heaveAlgorithm, "heaveAlgorithm", 10002, 3},
-    {EWordList::heaveSeaState, "heaveSeaState", 10005, 5},
-    {EWordList::gpsAltitudeReference, "gpsAltitudeReference", 10010, 2},
-    {EWordList::zuptMode, "zupt", 338, 7},
-    {EWordList::altitudeMode, "altitudeMode", 292, 5},
-    {EWordList::rejectionMode, "rejection", 310, 4},
-    {EWordList::stdDevMode, "stdDev", 10012, 2},
-    {EWordList::odometerStdDevMode, "odometerStdDev", 10014, 2},
-    {EWordList::timeMode, "timeMode", 10016, 2},
+    {EWordList::algorithm, "algorithm", EText::algorithmStandard, 2},
+    {EWordList::heaveAlgorithm, "heaveAlgorithm", EText::heaveNone, 3},
+    {EWordList::heaveSeaState, "heaveSeaState", EText::seaSlight, 5},
+    {EWordList::gpsAltitudeReference, "gpsAltitudeReference", EText::altitudeGeoid, 2},
+    {EWordList::zuptMode, "zupt", EText::zuptModeLive, 7},
+    {EWordList::altitudeMode, "altitudeMode", EText::altitudeModeLive, 5},
+    {EWordList::rejectionMode, "rejection", EText::rejectionModeLive, 4},
+    {EWordList::stdDevMode, "stdDev", EText::stdDevModeLive, 2},
+    {EWordList::odometerStdDevMode, "odometerStdDev", EText::odometerStdDevDefault, 2},
+    {EWordList::timeMode, "timeMode", EText::timeElapsed, 2},
 };
 
 } // namespace

@@ -2,6 +2,8 @@
 // file may hold any value; the words are numbered texts with consecutive numbers.
 #pragma once
 
+#include "foundation/texts.h"
+
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -24,8 +26,8 @@ enum class EWordList {
 
 struct SWordList {
     EWordList list;
-    std::string_view name; // under which a grid shares the list among its rows
-    int firstText;         // number of the text of value 0
+    std::string_view name;         // under which a grid shares the list among its rows
+    Outils_Texte::EText firstText; // number of the text of value 0
     int count;
 };
 

@@ -11,6 +11,8 @@
 
 namespace Outils_Valeurs {
 
+using Outils_Texte::EText;
+
 namespace {
 
 using Outils_Temps::CalendarFields;
@@ -20,7 +22,7 @@ using Outils_Temps::kTicksPerHour;
 using Outils_Temps::kTicksPerMinute;
 using Outils_Temps::kTicksPerSecond;
 
-constexpr int kInvalidDateText = 10700;
+constexpr EText kInvalidDateText = EText::invalidDate;
 constexpr std::int64_t kTicksPerWeek = 7 * kTicksPerDay;
 constexpr std::uint64_t kUnixEpoch = 134774ULL * kTicksPerDay;   // 1970-01-01
 constexpr std::uint64_t kFirstSunday = 138431ULL * kTicksPerDay; // 1980-01-06

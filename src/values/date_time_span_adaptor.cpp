@@ -11,6 +11,8 @@
 
 namespace Outils_Valeurs {
 
+using Outils_Texte::EText;
+
 namespace {
 
 using Outils_Temps::kTicksPerDay;
@@ -18,7 +20,7 @@ using Outils_Temps::kTicksPerHour;
 using Outils_Temps::kTicksPerMinute;
 using Outils_Temps::kTicksPerSecond;
 
-constexpr int kInvalidSpanText = 10701;
+constexpr EText kInvalidSpanText = EText::invalidSpan;
 
 // "d hh:mm:ss.fff" or "hh:mm:ss.fff", without a sign.
 std::optional<CDateTimeSpan> ReadSpan(CTextScanner& scanner, const CDateTimeSpanAdaptor& adaptor) {

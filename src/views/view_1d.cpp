@@ -2,7 +2,6 @@
 
 #include "config/config_file.h"
 #include "foundation/texts.h"
-#include "views/text_ids.h"
 #include "views/view_1d_interactors.h"
 
 #include <QPaintEvent>
@@ -12,6 +11,8 @@
 #include <cmath>
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 using namespace Presentation_Tarvel_Graphics;
 using Outils_Configuration::Cnf;
@@ -23,7 +24,7 @@ const QColor kGround(0xE9, 0xED, 0xF3);
 const QColor kGroundText(0x5A, 0x64, 0x78);
 constexpr int kScrollStep = 40; // pixels
 
-QString Text(int id) {
+QString Text(EText id) {
     const std::string_view text = Outils_Texte::GetText(id);
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
@@ -36,8 +37,8 @@ CTrvView1D::CTrvView1D(CTrvDocument& document, const Outils_Valeurs::CTrvAdaptor
     setFocusPolicy(Qt::StrongFocus);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setAccessibleName(Text(textGraphsName));
-    setAccessibleDescription(Text(textGraphsHelp));
+    setAccessibleName(Text(EText::graphs));
+    setAccessibleDescription(Text(EText::graphsHelp));
     verticalScrollBar()->setSingleStep(kScrollStep);
     m_echo = document.GetConfiguration().Get(Cnf<"viewValue/echoToGraph">);
     m_loader.SetOnChanged([this](bool layout) { OnLoaderChanged(layout); });
@@ -163,7 +164,7 @@ void CTrvView1D::PaintBacking() {
     QPainter painter(&m_backing);
     if (!m_loader.HasProject()) {
         painter.setPen(kGroundText);
-        painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, Text(textNoProject));
+        painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, Text(EText::noProject));
         return;
     }
     const int top = verticalScrollBar()->value();

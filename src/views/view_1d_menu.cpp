@@ -2,7 +2,6 @@
 #include "views/view_1d.h"
 
 #include "foundation/texts.h"
-#include "views/text_ids.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -19,38 +18,40 @@
 
 namespace Application_Tarvel {
 
+using Outils_Texte::EText;
+
 using namespace Presentation_Tarvel_Graphics;
 
 namespace {
 
-QString Text(int id) {
+QString Text(EText id) {
     const std::string_view text = Outils_Texte::GetText(id);
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 // An entry of the menu, under the title of a submenu or of none.
 struct SEntry {
-    int submenu; // 0: none
-    int text;
+    EText submenu; // or none
+    EText text;
     void (CTrvView1D::*run)();
     bool (*isChecked)(CTrvView1D&); // null: no tick
 };
 
 constexpr SEntry kEntries[] = {
-    {textHorizontalScale, textZoom, &CTrvView1D::ZoomHorizontal, nullptr},
-    {textHorizontalScale, textUnzoom, &CTrvView1D::UnzoomHorizontal, nullptr},
-    {textHorizontalScale, textRightScroll, &CTrvView1D::ScrollRight, nullptr},
-    {textHorizontalScale, textLeftScroll, &CTrvView1D::ScrollLeft, nullptr},
-    {textVerticalScale, textZoom, &CTrvView1D::ZoomVertical, nullptr},
-    {textVerticalScale, textUnzoom, &CTrvView1D::UnzoomVertical, nullptr},
-    {textVerticalScale, textUpScroll, &CTrvView1D::ScrollUp, nullptr},
-    {textVerticalScale, textDownScroll, &CTrvView1D::ScrollDown, nullptr},
-    {0, textHorizontalViewAll, &CTrvView1D::ViewAll, nullptr},
-    {0, textGraphLegends, &CTrvView1D::ToggleLegends,
+    {EText::horizontalScale, EText::zoom, &CTrvView1D::ZoomHorizontal, nullptr},
+    {EText::horizontalScale, EText::unzoom, &CTrvView1D::UnzoomHorizontal, nullptr},
+    {EText::horizontalScale, EText::rightScroll, &CTrvView1D::ScrollRight, nullptr},
+    {EText::horizontalScale, EText::leftScroll, &CTrvView1D::ScrollLeft, nullptr},
+    {EText::verticalScale, EText::zoom, &CTrvView1D::ZoomVertical, nullptr},
+    {EText::verticalScale, EText::unzoom, &CTrvView1D::UnzoomVertical, nullptr},
+    {EText::verticalScale, EText::upScroll, &CTrvView1D::ScrollUp, nullptr},
+    {EText::verticalScale, EText::downScroll, &CTrvView1D::ScrollDown, nullptr},
+    {EText::none, EText::horizontalViewAll, &CTrvView1D::ViewAll, nullptr},
+    {EText::none, EText::graphLegends, &CTrvView1D::ToggleLegends,
      [](CTrvView1D& view) { return view.AreLegendsVisible(); }},
-    {0, textEcho, &CTrvView1D::ToggleEcho, [](CTrvView1D& view) { return view.HasEcho(); }},
-    {0, textCopy, &CTrvView1D::CopyToClipboard, nullptr},
-    {0, textDeleteCurve, &CTrvView1D::DeleteSelectedCurve, nullptr},
+    {EText::none, EText::echo, &CTrvView1D::ToggleEcho, [](CTrvView1D& view) { return view.HasEcho(); }},
+    {EText::none, EText::copy, &CTrvView1D::CopyToClipboard, nullptr},
+    {EText::none, EText::deleteCurve, &CTrvView1D::DeleteSelectedCurve, nullptr},
 };
 
 } // namespace
@@ -73,9 +74,9 @@ void CTrvView1D::ShowContextMenu(QPoint position) {
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     QMenu* target = menu;
-    int submenu = 0;
+    EText submenu = EText::none;
     for (const SEntry& entry : kEntries) {
-        if (entry.submenu != submenu) target = entry.submenu ? menu->addMenu(Text(entry.submenu)) : menu;
+        if (entry.submenu != submenu) target = entry.submenu != EText::none ? menu->addMenu(Text(entry.submenu)) : menu;
         submenu = entry.submenu;
         QAction* action =
             target->addAction(Text(entry.text), this, [this, run = entry.run] { (this->*run)(); });

@@ -9,14 +9,16 @@
 
 namespace Application_Tarvel {
 
+using Outils_Texte::EText;
+
 namespace {
 
-constexpr int textProcess = 322;
-constexpr int textStopProcessing = 323;
+constexpr EText textProcess = EText::processLabel;
+constexpr EText textStopProcessing = EText::stopProcessingLabel;
 constexpr int kPollPeriod = 500;  // ms
 constexpr int kButtonHeight = 23; // pixels, unless the font needs more
 
-QString Text(int id) {
+QString Text(EText id) {
     const std::string_view text = Outils_Texte::GetText(id);
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }

@@ -1,5 +1,6 @@
 #include "xpf/layout.h"
 
+#include "foundation/texts.h"
 #include "xpf/layout_lists.h"
 #include "xpf/tarout_layouts.h"
 
@@ -7,38 +8,40 @@
 
 namespace Persistance_Xpf {
 
+using Outils_Texte::EText;
+
 namespace {
 
-constexpr int kFirstChannelLabel = 2200;
+constexpr EText kFirstChannelLabel = EText::channelImu;
 
 // The row's index is the number that recordings written by this system give the channel.
 constexpr SChannelLayout kChannels[] = {
-    {"IMU", typeImu, EFileKind::tarin, 2200},
-    {"DVL_BT", typeDvl, EFileKind::tarin, 2201},
-    {"DVL_WT", typeDvl, EFileKind::tarin, 2202},
-    {"EM_LOG_1", typeEMLog, EFileKind::tarin, 2203},
-    {"EM_LOG_2", typeEMLog, EFileKind::tarin, 2204},
-    {"GPS_1", typeGps, EFileKind::tarin, 2205},
-    {"GPS_2", typeGps, EFileKind::tarin, 2206},
-    {"GPS_3", typeGps, EFileKind::tarin, 2207},
-    {"DEPTH", typeDepth, EFileKind::tarin, 2208},
-    {"USBL_1", typeUsbl, EFileKind::tarin, 2209},
-    {"USBL_2", typeUsbl, EFileKind::tarin, 2210},
-    {"USBL_3", typeUsbl, EFileKind::tarin, 2211},
-    {"LBL", typeLbl, EFileKind::tarin, 2212},
-    {"UTC", typeUtc, EFileKind::tarin, 2213},
-    {"ODOMETER", typeOdometer, EFileKind::tarin, 2214},
-    {"SYNCHRO_1", typeSynchro, EFileKind::tarin, 2215},
-    {"SYNCHRO_2", typeSynchro, EFileKind::tarin, 2216},
-    {"SYNCHRO_3", typeSynchro, EFileKind::tarin, 2217},
-    {"SYNCHRO_4", typeSynchro, EFileKind::tarin, 2218},
-    {"NELIX_NAV", typeNelixNav, EFileKind::tarin, 2219},
-    {"TEMPERATURE", typeTemperature, EFileKind::tarin, 2220},
-    {"PLATFORM_ORIENT", typePlatformOrientation, EFileKind::tarin, 2221},
-    {"MORVEX_STD", typeMorvexStd, EFileKind::tarout, 2222},
-    {"MORVEX_MSG", typeMorvexMsg, EFileKind::tarout, 2223},
-    {"MORVEX_EXT", typeMorvexExt, EFileKind::tarout, 2224},
-    {"MORVEX_STA", typeMorvexSta, EFileKind::tarout, 2225},
+    {"IMU", typeImu, EFileKind::tarin, EText::channelImu},
+    {"DVL_BT", typeDvl, EFileKind::tarin, EText::channelDvlBottomTrack},
+    {"DVL_WT", typeDvl, EFileKind::tarin, EText::channelDvlWaterTrack},
+    {"EM_LOG_1", typeEMLog, EFileKind::tarin, EText::channelEmLog1},
+    {"EM_LOG_2", typeEMLog, EFileKind::tarin, EText::channelEmLog2},
+    {"GPS_1", typeGps, EFileKind::tarin, EText::channelGps1},
+    {"GPS_2", typeGps, EFileKind::tarin, EText::channelGps2},
+    {"GPS_3", typeGps, EFileKind::tarin, EText::channelGps3},
+    {"DEPTH", typeDepth, EFileKind::tarin, EText::channelDepthSensor},
+    {"USBL_1", typeUsbl, EFileKind::tarin, EText::channelUsblBeacon1},
+    {"USBL_2", typeUsbl, EFileKind::tarin, EText::channelUsblBeacon2},
+    {"USBL_3", typeUsbl, EFileKind::tarin, EText::channelUsblBeacon3},
+    {"LBL", typeLbl, EFileKind::tarin, EText::channelLbl},
+    {"UTC", typeUtc, EFileKind::tarin, EText::channelUtcSynchronization},
+    {"ODOMETER", typeOdometer, EFileKind::tarin, EText::channelOdometer},
+    {"SYNCHRO_1", typeSynchro, EFileKind::tarin, EText::channelExternalSynchro1},
+    {"SYNCHRO_2", typeSynchro, EFileKind::tarin, EText::channelExternalSynchro2},
+    {"SYNCHRO_3", typeSynchro, EFileKind::tarin, EText::channelExternalSynchro3},
+    {"SYNCHRO_4", typeSynchro, EFileKind::tarin, EText::channelExternalSynchro4},
+    {"NELIX_NAV", typeNelixNav, EFileKind::tarin, EText::channelInsRealTimeNavigation},
+    {"TEMPERATURE", typeTemperature, EFileKind::tarin, EText::channelInsTemperatures},
+    {"PLATFORM_ORIENT", typePlatformOrientation, EFileKind::tarin, EText::channelGyroStabilizedMount},
+    {"MORVEX_STD", typeMorvexStd, EFileKind::tarout, EText::channelPostProcessingStandard},
+    {"MORVEX_MSG", typeMorvexMsg, EFileKind::tarout, EText::channelPostProcessingMessages},
+    {"MORVEX_EXT", typeMorvexExt, EFileKind::tarout, EText::channelPostProcessingExtended},
+    {"MORVEX_STA", typeMorvexSta, EFileKind::tarout, EText::channelPostProcessingInternalStates},
 };
 static_assert(std::size(kChannels) == 26 && kChannels[25].label == kFirstChannelLabel + 25);
 

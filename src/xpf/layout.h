@@ -3,6 +3,8 @@
 // rows.
 #pragma once
 
+#include "foundation/texts.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -146,7 +148,7 @@ struct SChannelLayout {
     std::string_view name; // the 16-byte key of the channel record
     std::uint16_t packetType;
     EFileKind kind;
-    int label; // number of the display text
+    Outils_Texte::EText label; // number of the display text
 };
 
 // The 26 channels, input file first.

@@ -1,8 +1,7 @@
 #include "app/main_frame.h"
 
 #include "app/text.h"
-#include "app/text_ids.h"
-#include "document/text_ids.h"
+#include "foundation/texts.h"
 #include "session.h"
 
 #include <QAction>
@@ -23,6 +22,8 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
+
+using Outils_Texte::EText;
 
 using MainFrame = test::Session;
 
@@ -60,7 +61,7 @@ TEST_F(MainFrame, EveryCommandHasAPlaceATextAndKeys) {
         EXPECT_TRUE(row.bar == EBar::none || row.glyph != EGlyph::none) << row.id;
     }
     EXPECT_EQ(offered.size(), GetCommands().size());
-    for (const SMenuRow& row : GetMenus()) EXPECT_TRUE(Text(row.text).contains(u'&')) << row.text;
+    for (const SMenuRow& row : GetMenus()) EXPECT_TRUE(Text(row.text).contains(u'&')) << Text(row.text).toStdString();
 }
 
 TEST_F(MainFrame, IconsDifferAndFade) {
@@ -171,7 +172,7 @@ TEST_F(MainFrame, ARunIsShownAndGuarded) {
 
     button.click();
     EXPECT_EQ(button.text(), "Stop processing");
-    EXPECT_EQ(Action(commandProcess).text(), Text(textStop));
+    EXPECT_EQ(Action(commandProcess).text(), Text(EText::stop));
     EXPECT_TRUE(progress.isVisible());
     const auto output = [&] { return m_frame->GetOutput().toPlainText(); };
     EXPECT_TRUE(PumpUntil([&] { return output().endsWith("????? : odd\n"); }));
@@ -181,9 +182,10 @@ TEST_F(MainFrame, ARunIsShownAndGuarded) {
     EXPECT_FALSE(m_frame->close());
     Action(commandNew).trigger();
     Action(commandSaveAs).trigger();
-    const auto text = [](int id) { return std::string(Outils_Texte::GetText(id)); };
+    const auto text = [](Outils_Texte::EText id) { return std::string(Outils_Texte::GetText(id)); };
     EXPECT_THAT(m_dialogs.TakeMessages(),
-                ElementsAre(text(textStopBeforeExit), text(textStopBeforeClose), text(textStopBeforeSaveAs)));
+                ElementsAre(text(EText::stopBeforeExit), text(EText::stopBeforeClose),
+                            text(EText::stopBeforeSaveAs)));
     EXPECT_TRUE(m_frame->isVisible() && m_frame->HasProject());
 
     // Nobody asks after the end but the view itself.
@@ -191,7 +193,7 @@ TEST_F(MainFrame, ARunIsShownAndGuarded) {
     EXPECT_TRUE(PumpUntil([&] { return button.text() == "Process"; }));
     EXPECT_FALSE(progress.isVisible() || m_frame->IsRunning());
     EXPECT_EQ(progress.value(), 0);
-    EXPECT_EQ(Action(commandProcess).text(), Text(textStart));
+    EXPECT_EQ(Action(commandProcess).text(), Text(EText::start));
     Action(commandClearOutput).trigger();
     EXPECT_EQ(output(), "");
     EXPECT_TRUE(m_frame->close());

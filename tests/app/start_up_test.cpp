@@ -1,8 +1,7 @@
 #include "app/start_up.h"
 
 #include "app/snapshot.h"
-#include "app/text_ids.h"
-#include "document/text_ids.h"
+#include "foundation/texts.h"
 #include "session.h"
 
 #include <QImage>

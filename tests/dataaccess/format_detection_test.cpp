@@ -84,8 +84,8 @@ TEST(FormatDetection, ReadsEventDatesAsTheUserWritesThem) {
 
 TEST(FormatDetection, EveryFormatHasANameOfItsOwn) {
     for (int code = formatUnknown; code <= formatDepth; ++code) {
-        EXPECT_NE(Outils_Texte::GetText(GetFormatTextId(code)), "?") << code;
-        EXPECT_EQ(GetFormatTextId(code) == GetFormatTextId(formatUnknown), code == formatUnknown) << code;
+        EXPECT_NE(Outils_Texte::GetText(GetFormatText(code)), "?") << code;
+        EXPECT_EQ(GetFormatText(code) == GetFormatText(formatUnknown), code == formatUnknown) << code;
     }
 }
 

@@ -5,7 +5,6 @@
 #include "document/document.h"
 #include "document/project_dialogs.h"
 #include "document/scripted_host.h"
-#include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "support/faulty_disk.h"
@@ -16,6 +15,7 @@
 using namespace Application_Tarvel;
 using namespace Metier_Tarvel;
 using Outils_Fichiers::ToText;
+using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
@@ -129,12 +129,12 @@ TEST_F(BatchCreation, EveryFailureHasItsMessage) {
     Record("silent.tarin", -1);
     Record("empty.tarin", 0, 0);
     std::ofstream(m_folder / "other.tarin") << "no recording";
-    const std::string notRead = FormatText(textBatchFileNotRead, {ToText(m_file)});
+    const std::string notRead = FormatText(EText::batchFileNotRead, {ToText(m_file)});
     EXPECT_EQ(FailureWith("main", "other.tarin"),
-              FormatText(textNoSynchronization, {ToText(m_folder / "other.tarin")}));
+              FormatText(EText::noSynchronization, {ToText(m_folder / "other.tarin")}));
     EXPECT_EQ(FailureWith("file02", "none.tarin"),
-              FormatText(textNoSynchronization, {ToText(m_folder / "none.tarin")}));
-    EXPECT_EQ(FailureWith("main", "empty.tarin"), GetText(textNoEquipment));
+              FormatText(EText::noSynchronization, {ToText(m_folder / "none.tarin")}));
+    EXPECT_EQ(FailureWith("main", "empty.tarin"), GetText(EText::noEquipment));
     // The dates of the command file need the UTC of the recording, within the first packets.
     EXPECT_EQ(FailureWith("main", "silent.tarin"), notRead);
     EXPECT_EQ(FailureWith("main", "main.tarin", 1), notRead);
@@ -144,9 +144,9 @@ TEST_F(BatchCreation, EveryFailureHasItsMessage) {
     std::string message;
     Edit("outputFile", "output");
     EXPECT_FALSE(creation.Load(m_file, message));
-    EXPECT_EQ(message, GetText(textBatchFileCorrupted));
+    EXPECT_EQ(message, GetText(EText::batchFileCorrupted));
     EXPECT_FALSE(creation.Create(CBatchCreation::LookInto(creation.GetFiles(), kPackets), message));
-    EXPECT_EQ(message, GetText(textBatchFileCorrupted));
+    EXPECT_EQ(message, GetText(EText::batchFileCorrupted));
 }
 
 // The look at the last file is told to give up in the middle of its search.
@@ -167,7 +167,7 @@ TEST_F(BatchCreation, ASearchThatHadToGiveUpIsNoFileWithoutUtc) {
     disk.reset();
     look.Join();
     EXPECT_FALSE(creation.Create(recordings, message));
-    EXPECT_EQ(message, FormatText(textNoSynchronization, {ToText(m_folder / "ext.tarin")}));
+    EXPECT_EQ(message, FormatText(EText::noSynchronization, {ToText(m_folder / "ext.tarin")}));
 }
 
 namespace {
@@ -204,12 +204,12 @@ TEST_F(BatchCreation, TheCommandSetsUpTheProjectOfTheDialog) {
     host.m_answers = {EAnswer::cancel}; // the project exists already
     EXPECT_TRUE(document.CommandNewBatch());
     EXPECT_FALSE(document.GetProject());
-    EXPECT_EQ(host.TakeMessages(), std::vector{std::string(GetText(textOverwriteProject))});
+    EXPECT_EQ(host.TakeMessages(), std::vector{std::string(GetText(EText::overwriteProject))});
     host.m_accepts = false;
     EXPECT_TRUE(document.CommandNewBatch());
     EXPECT_FALSE(document.GetProject());
     Edit("outputFile", "output");
     EXPECT_FALSE(document.CommandNewBatch());
-    EXPECT_EQ(host.TakeMessages(), std::vector{std::string(GetText(textBatchFileCorrupted))});
+    EXPECT_EQ(host.TakeMessages(), std::vector{std::string(GetText(EText::batchFileCorrupted))});
     EXPECT_EQ(host.m_waitCursors, 0);
 }

@@ -4,7 +4,6 @@
 #include "dataaccess/test_recording.h"
 #include "document/project_creation.h"
 #include "document/scripted_host.h"
-#include "document/text_ids.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -19,6 +18,7 @@
 using namespace Application_Tarvel;
 using namespace Outils_Configuration;
 using namespace std::chrono_literals;
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 using testing::Contains;
 using testing::ElementsAre;
@@ -34,7 +34,7 @@ class CRecordingView : public IDocumentView {
     std::vector<EHint> m_hints;
 };
 
-std::string Text(int id) { return std::string(GetText(id)); }
+std::string Text(EText id) { return std::string(GetText(id)); }
 
 std::vector<std::uint8_t> BytesOf(const std::filesystem::path& path) {
     return Outils_Fichiers::ReadWholeFile(path, 1 << 20).value_or(std::vector<std::uint8_t>());
@@ -158,11 +158,11 @@ TEST_F(Document, WhatCannotBeOpenedLeavesAnEmptyDocumentAndAMessage) {
     ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(m_folder / "future.tarprj", bytes));
     const struct {
         const char* name;
-        int text;
-    } rows[] = {{"half.tarprj", textFailedToLoad},
-                {"gone.tarprj", textFailedToLoad},
-                {"", textFailedToLoad},
-                {"future.tarprj", textProjectTooNew}};
+        EText text;
+    } rows[] = {{"half.tarprj", EText::failedToLoad},
+                {"gone.tarprj", EText::failedToLoad},
+                {"", EText::failedToLoad},
+                {"future.tarprj", EText::projectTooNew}};
     for (const auto& [name, text] : rows) {
         const auto path = m_folder / name;
         EXPECT_FALSE(m_document.CommandOpen(path)) << name;
@@ -195,7 +195,7 @@ TEST_F(Document, ChangesAreNeverLostWithoutAQuestion) {
     }
     EXPECT_TRUE(m_document.IsModified() && m_document.GetProject());
     EXPECT_EQ(BytesOf(m_project), bytes);
-    EXPECT_THAT(m_host.m_output, ElementsAre(Outils_Texte::FormatText(textProjectNotSaved,
+    EXPECT_THAT(m_host.m_output, ElementsAre(Outils_Texte::FormatText(EText::projectNotSaved,
                                                                       {Outils_Fichiers::ToText(m_project)})));
     m_host.m_answers = {EAnswer::yes};
     EXPECT_TRUE(m_document.CloseDocument());
@@ -238,8 +238,9 @@ TEST_F(Document, ARunGuardsTheProject) {
     EXPECT_FALSE(m_document.CommandOpen(m_project));
     EXPECT_FALSE(m_document.CommandSaveAs());
     EXPECT_FALSE(m_document.CanCloseFrame());
-    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textStopBeforeClose), Text(textStopBeforeClose),
-                                                   Text(textStopBeforeSaveAs), Text(textStopBeforeExit)));
+    EXPECT_THAT(m_host.TakeMessages(),
+                ElementsAre(Text(EText::stopBeforeClose), Text(EText::stopBeforeClose),
+                            Text(EText::stopBeforeSaveAs), Text(EText::stopBeforeExit)));
     EXPECT_TRUE(m_document.StopSimulation());
     PumpRunToItsEnd();
     EXPECT_FALSE(m_document.StopSimulation());
@@ -260,7 +261,7 @@ TEST_F(Document, AnEngineThatDoesNotStopCanBeTerminated) {
     EXPECT_TRUE(m_document.IsSimulationRunning());
     EXPECT_TRUE(m_document.StopSimulation());
     EXPECT_FALSE(m_document.IsSimulationRunning());
-    EXPECT_THAT(m_host.m_messages, ElementsAre(Text(textFrozen), Text(textFrozen)));
+    EXPECT_THAT(m_host.m_messages, ElementsAre(Text(EText::frozen), Text(EText::frozen)));
     EXPECT_TRUE(m_view.Saw(hintRunEnded));
 }
 
@@ -271,11 +272,11 @@ TEST_F(Document, ARunAsksToSaveWhatChanged) {
     change();
     m_host.m_answers = {EAnswer::cancel};
     EXPECT_FALSE(m_document.StartSimulation());
-    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textMustSaveBeforeRun)));
+    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(EText::mustSaveBeforeRun)));
     std::ofstream(m_folder / "p.tarout") << "a result";
     m_host.m_answers = {EAnswer::cancel};
     EXPECT_FALSE(m_document.StartSimulation());
-    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textResultExists)));
+    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(EText::resultExists)));
     m_host.m_answers = {EAnswer::no};
     m_host.m_paths.push_back(m_folder / "second.tarprj");
     EXPECT_TRUE(m_document.StartSimulation());
@@ -290,19 +291,19 @@ TEST_F(Document, ABrokenRuleStopsRunAndBatchFileAlike) {
     parameters.AddZupt();
     parameters.defaultOutputRate = 0;
     EXPECT_FALSE(m_document.StartSimulation());
-    EXPECT_THAT(m_host.m_output, ElementsAre(Text(textParametersWrongLine),
+    EXPECT_THAT(m_host.m_output, ElementsAre(Text(EText::parametersWrongLine),
                                              "Default output rate value should be strictly positive",
                                              "ZUPT end time should be strictly greater than begin time"));
     EXPECT_FALSE(m_document.PrepareBatchCommandFile());
     EXPECT_THAT(m_host.TakeMessages(),
-                ElementsAre(Text(textParametersWrongRun), Text(textParametersWrongBatch)));
+                ElementsAre(Text(EText::parametersWrongRun), Text(EText::parametersWrongBatch)));
     EXPECT_THAT(ParameterFiles(), IsEmpty());
 
     parameters.defaultOutputRate = 1;
     parameters.RemoveZupt(parameters.zupts[0].get());
     m_host.m_commandFile = m_folder / "nowhere" / "c.xml";
     EXPECT_FALSE(m_document.PrepareBatchCommandFile());
-    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textParametersNotWritten)));
+    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(EText::parametersNotWritten)));
     m_host.m_commandFile = m_folder / "c.xml";
     EXPECT_TRUE(m_document.PrepareBatchCommandFile());
     EXPECT_EQ(m_host.m_proposedCommandFile, m_folder / "p-parameters.xml");
@@ -318,7 +319,7 @@ TEST_F(Document, ABrokenRuleStopsRunAndBatchFileAlike) {
         EXPECT_FALSE(m_document.PrepareBatchCommandFile());
     }
     EXPECT_THAT(m_host.TakeMessages(),
-                ElementsAre(Outils_Texte::FormatText(textCipherUnknown, {m_recording.string()})));
+                ElementsAre(Outils_Texte::FormatText(EText::cipherUnknown, {m_recording.string()})));
     EXPECT_FALSE(std::filesystem::exists(m_folder / "c.xml"));
     EXPECT_TRUE(m_document.PrepareBatchCommandFile()) << "a late answer is waited for";
     EXPECT_FALSE(m_document.GetFileLooks().Call([](const auto&) -> int { throw std::bad_alloc(); }, 30s));
@@ -331,10 +332,10 @@ TEST_F(Document, AnEngineThatDiesOrIsMissingIsNoDisaster) {
     PumpRunToItsEnd();
     m_host.m_programFolder = m_folder / "nowhere";
     EXPECT_FALSE(m_document.StartSimulation());
-    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textNoProcess)));
+    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(EText::noProcess)));
     const test::CFaultyDisk disk(m_temporary, test::CFaultyDisk::isFull);
     EXPECT_FALSE(m_document.StartSimulation());
-    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textNoParameterFile)));
+    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(EText::noParameterFile)));
     EXPECT_EQ(ParameterFiles().size(), 1u); // that of the first run
     EXPECT_FALSE(m_document.IsSimulationRunning());
 }
@@ -373,8 +374,8 @@ TEST_F(Document, AResultThatWasCutByTheEndOfItsEngineGivesWhatWasWhole) {
     EXPECT_THAT(m_host.m_output, IsEmpty());
     runAndCutAt(60);
     EXPECT_TRUE(PumpUntil([&] { return !m_host.m_output.empty(); }));
-    EXPECT_THAT(m_host.m_output,
-                ElementsAre(Outils_Texte::FormatText(textFileNoHeader, {Outils_Fichiers::ToText(result)})));
+    EXPECT_THAT(m_host.m_output, ElementsAre(Outils_Texte::FormatText(EText::fileNoHeader,
+                                                                      {Outils_Fichiers::ToText(result)})));
     EXPECT_FALSE(hasData("MORVEX_STD"));
 }
 
@@ -390,7 +391,7 @@ TEST_F(Document, SensorsWithoutAChoiceAreAddedWhileANewProjectIsOpen) {
     const auto& sensors = m_document.GetProject()->simulationParameters->sensors;
     ASSERT_TRUE(PumpUntil([&] { return sensors.size() == 2; }));
     EXPECT_EQ(dynamic_cast<Metier_Tarvel::CTrvSensorEventMarker&>(*sensors[0]).eventId, "2");
-    EXPECT_THAT(m_host.m_output, ElementsAre(Text(textEventMarkerAdded), Text(textMountAdded)));
+    EXPECT_THAT(m_host.m_output, ElementsAre(Text(EText::eventMarkerAdded), Text(EText::mountAdded)));
     EXPECT_TRUE(m_document.IsModified() && m_view.Saw(hintSensorAdded));
 
     // Not in a project that was opened.

@@ -5,7 +5,6 @@
 #include "document/project_creation.h"
 #include "document/project_dialogs.h"
 #include "document/scripted_host.h"
-#include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "support/faulty_disk.h"
@@ -28,6 +27,8 @@ using Dialogue_Tarvel::CNewProjectWizard;
 using Dialogue_Tarvel::EProjectField;
 
 namespace {
+
+using Outils_Texte::EText;
 
 constexpr std::uint16_t kImuNumber = 0;
 
@@ -208,39 +209,39 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
     struct SRow {
         const char* name;
         std::function<void(const std::filesystem::path&)> breakFile;
-        int text; // 0 for none
+        EText text; // 0 for none
     };
     std::list<test::CFaultyDisk> disks;
     using namespace std::filesystem;
     const SRow rows[] = {
-        {"vanished", [](const path& file) { remove(file); }, textFileVanished},
-        {"folder", [](const path& file) { remove(file), create_directory(file); }, textFileIsFolder},
-        {"fifo", [](const path& file) { remove(file), ::mkfifo(file.c_str(), 0600); }, textFileIsNoFile},
-        {"shrunk", [](const path& file) { resize_file(file, file_size(file) / 2); }, textFileReplaced},
-        {"cut", [](const path& file) { resize_file(file, 50); }, textFileNoHeader},
+        {"vanished", [](const path& file) { remove(file); }, EText::fileVanished},
+        {"folder", [](const path& file) { remove(file), create_directory(file); }, EText::fileIsFolder},
+        {"fifo", [](const path& file) { remove(file), ::mkfifo(file.c_str(), 0600); }, EText::fileIsNoFile},
+        {"shrunk", [](const path& file) { resize_file(file, file_size(file) / 2); }, EText::fileReplaced},
+        {"cut", [](const path& file) { resize_file(file, 50); }, EText::fileNoHeader},
         {"overtaken",
          [this](const path& file) {
              test::CTestRecording other(m_folder / "other");
              Record(other, 0, 500);
              rename(m_folder / "other", file);
          },
-         textFileReplaced},
+         EText::fileReplaced},
         {"damaged", [](const path& file) { std::ofstream(file, std::ios::app) << std::string(4000, 'x'); },
-         textFileDamaged},
-        {"torn", Tear, 0},
-        {"locked", [](const path& file) { permissions(file, perms::none); }, textFileNotReadable},
+         EText::fileDamaged},
+        {"torn", Tear, EText::none},
+        {"locked", [](const path& file) { permissions(file, perms::none); }, EText::fileNotReadable},
         {"unplugged",
          [&](const path& file) {
              disks.emplace_back(file, test::CFaultyDisk::fails);
              resize_file(file, file_size(file) - 1);
          },
-         textFileNotReadable},
+         EText::fileNotReadable},
         {"scratched", // where the file has grown
          [&](const path& file) {
              disks.emplace_back(file, test::CFaultyDisk::fails, file_size(file));
              resize_file(file, file_size(file) + 4000);
          },
-         textFileDamaged},
+         EText::fileDamaged},
     };
     test::CTestRecording main(m_folder / "main.tarin");
     Record(main, 0, 300);
@@ -261,9 +262,9 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
     for (const SRow& row : rows) {
         row.breakFile(m_folder / row.name);
         std::string position = "";
-        if (row.text == textFileDamaged) position = std::to_string(file_size(m_folder / row.name) - 4000);
+        if (row.text == EText::fileDamaged) position = std::to_string(file_size(m_folder / row.name) - 4000);
         const std::string file = Outils_Fichiers::ToText(m_folder / row.name);
-        if (row.text) expected.push_back(Outils_Texte::FormatText(row.text, {file, position}));
+        if (row.text != EText::none) expected.push_back(Outils_Texte::FormatText(row.text, {file, position}));
     }
     // What has lost its rights is as large as before: the next query tells.
     for (const auto& file : {m_folder.GetPath(), m_folder / "damaged"}) permissions(file, perms::all);
@@ -326,7 +327,7 @@ TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
     ASSERT_TRUE(PumpUntil([&] { return Saw(hintDataFileContentChanged); }));
     while (m_document.IsAnalysing()) m_host.m_queue.RunOne(10ms);
     m_host.m_queue.RunPending();
-    EXPECT_THAT(m_host.m_messages, testing::ElementsAre(Outils_Texte::GetText(textUpgradeDataFiles)));
+    EXPECT_THAT(m_host.m_messages, testing::ElementsAre(Outils_Texte::GetText(EText::upgradeDataFiles)));
     EXPECT_THAT(m_host.m_output, testing::IsEmpty());
 }
 

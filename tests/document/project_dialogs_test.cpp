@@ -20,13 +20,14 @@
 using namespace Dialogue_Tarvel;
 using namespace Metier_Tarvel;
 using namespace Outils_Configuration;
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
 
-std::string Text(int id) { return std::string(GetText(id)); }
+std::string Text(EText id) { return std::string(GetText(id)); }
 
 // Answers for the operator in front of the dialogs.
 class CDialogHost : public test::CScriptedHost {
@@ -96,7 +97,7 @@ TEST_F(ProjectDialogs, TheWizardChecksInItsOrderAndSaysWhere) {
     using enum EProjectField;
     Write("taken.tarprj", "a project");
     const std::string unknown =
-        Outils_Texte::FormatText(textUnknownFileType, {Outils_Fichiers::ToText(m_folder / ".")});
+        Outils_Texte::FormatText(EText::unknownFileType, {Outils_Fichiers::ToText(m_folder / ".")});
     struct SCase {
         std::vector<std::filesystem::path> files;
         const char* configuration;
@@ -109,33 +110,47 @@ TEST_F(ProjectDialogs, TheWizardChecksInItsOrderAndSaysWhere) {
     };
     const auto dive = InFolder({"dive.tarin"}), raw = InFolder({"raw1.log"});
     const SCase cases[] = {
-        {{}, "gone", "", "gone", {}, "", {Text(textEnterValue)}, files},
-        {InFolder({"dive.tarin", "gone"}), "gone", "", "gone", {}, "", {Text(textFileNotFound)}, files},
-        {dive, "gone", "", "gone", {}, "", {Text(textFileNotFound)}, configurationFile},
-        {dive, "", "", "gone", {}, "", {Text(textEnterValue)}, name},
-        {dive, "", "p", "gone", {}, "", {Text(textFolderNotFound)}, folder},
-        {dive, "", "p", "ini.txt", {}, "", {Text(textNotAFolder)}, folder},
+        {{}, "gone", "", "gone", {}, "", {Text(EText::enterValue)}, files},
+        {InFolder({"dive.tarin", "gone"}), "gone", "", "gone", {}, "", {Text(EText::fileNotFound)}, files},
+        {dive, "gone", "", "gone", {}, "", {Text(EText::fileNotFound)}, configurationFile},
+        {dive, "", "", "gone", {}, "", {Text(EText::enterValue)}, name},
+        {dive, "", "p", "gone", {}, "", {Text(EText::folderNotFound)}, folder},
+        {dive, "", "p", "ini.txt", {}, "", {Text(EText::notAFolder)}, folder},
         {InFolder({"dive.tarin", "."}), "", "p", "", {}, "", {unknown}, files}, // a folder has no type
-        {InFolder({"dive.tarin", "old.tarin"}), "", "p", "", {}, "", {Text(textOnlyRawFilesTogether)}, files},
-        {InFolder({"raw1.log", "decoded.txt"}), "", "p", "", {}, "", {Text(textOnlyRawFilesTogether)}, files},
-        {InFolder({"old.tarin"}), "", "p", "", {cancel}, "", {Text(textUpgradeDataFile)}, files},
-        {InFolder({"other.bin"}), "", "p", "", {cancel}, "", {Text(textUnrecognizedRecording)}, files},
+        {InFolder({"dive.tarin", "old.tarin"}),
+         "",
+         "p",
+         "",
+         {},
+         "",
+         {Text(EText::onlyRawFilesTogether)},
+         files},
+        {InFolder({"raw1.log", "decoded.txt"}),
+         "",
+         "p",
+         "",
+         {},
+         "",
+         {Text(EText::onlyRawFilesTogether)},
+         files},
+        {InFolder({"old.tarin"}), "", "p", "", {cancel}, "", {Text(EText::upgradeDataFile)}, files},
+        {InFolder({"other.bin"}), "", "p", "", {cancel}, "", {Text(EText::unrecognizedRecording)}, files},
         {InFolder({"depth.txt"}),
          "",
          "p",
          "",
          {ok, cancel},
          "dive.tarin",
-         {Text(textUnrecognizedRecording), Text(textConvertDataFile)},
+         {Text(EText::unrecognizedRecording), Text(EText::convertDataFile)},
          files},
-        {raw, "", "p", "", {cancel}, "dive.tarin", {Text(textConvertDataFile)}, files},
-        {raw, "", "p", "", {ok}, "", {Text(textConvertDataFile)}, files},
-        {raw, "", "p", "", {ok}, "gone", {Text(textConvertDataFile), Text(textFileNotFound)}, files},
-        {dive, "", "taken", "", {cancel}, "", {Text(textOverwriteProject)}, name},
-        {dive, "bad.txt", "p", "", {}, "", {Text(textInsConfigurationFailed)}, configurationFile},
-        {InFolder({"blind.tarin"}), "", "p", "", {}, "", {Text(textNoEquipment)}, files},
-        {dive, "ini.txt", "taken", "", {ok}, "", {Text(textOverwriteProject)}, {}},
-        {raw, "", "p", "", {ok}, "dive.tarin", {Text(textConvertDataFile)}, {}},
+        {raw, "", "p", "", {cancel}, "dive.tarin", {Text(EText::convertDataFile)}, files},
+        {raw, "", "p", "", {ok}, "", {Text(EText::convertDataFile)}, files},
+        {raw, "", "p", "", {ok}, "gone", {Text(EText::convertDataFile), Text(EText::fileNotFound)}, files},
+        {dive, "", "taken", "", {cancel}, "", {Text(EText::overwriteProject)}, name},
+        {dive, "bad.txt", "p", "", {}, "", {Text(EText::insConfigurationFailed)}, configurationFile},
+        {InFolder({"blind.tarin"}), "", "p", "", {}, "", {Text(EText::noEquipment)}, files},
+        {dive, "ini.txt", "taken", "", {ok}, "", {Text(EText::overwriteProject)}, {}},
+        {raw, "", "p", "", {ok}, "dive.tarin", {Text(EText::convertDataFile)}, {}},
     };
     for (std::size_t i = 0; i < std::size(cases); ++i) {
         const SCase& c = cases[i];
@@ -169,7 +184,7 @@ TEST_F(ProjectDialogs, ARecordingThatDidNotTellAllInTimeMakesNoProject) {
     std::optional<test::CFaultyDisk> disk(std::in_place, m_folder / "dive.tarin", test::CFaultyDisk::stalls,
                                           file_size(m_folder / "dive.tarin") / 2);
     std::unique_ptr<CTrvProject> project;
-    int failure = 0;
+    EText failure = EText::none;
     Outils::CTask look([&](const Outils::CEvent& cancel) {
         project = BuildProject({m_folder / "dive.tarin", m_folder / "p.tarprj"}, failure, &cancel);
     });
@@ -179,7 +194,7 @@ TEST_F(ProjectDialogs, ARecordingThatDidNotTellAllInTimeMakesNoProject) {
     disk.reset();
     look.Join();
     EXPECT_FALSE(project);
-    EXPECT_EQ(failure, textFileNotReadable);
+    EXPECT_EQ(failure, EText::fileNotReadable);
 }
 
 TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
@@ -225,7 +240,7 @@ TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
     for (const bool upgrade : {false, true}) {
         m_host.m_answers = {upgrade ? EAnswer::yes : EAnswer::no};
         ASSERT_TRUE(document.CommandOpen(m_folder / "p.tarprj"));
-        EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(textUpgradeDataFiles)));
+        EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(EText::upgradeDataFiles)));
         for (const CTrvDataFile* file : document.GetProject()->simulationParameters->GetDataFiles())
             if (const auto* layer = document.GetProject()->dataModel->FindLayer(file, 0))
                 names.push_back(layer->m_name);
@@ -247,7 +262,7 @@ TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
     };
     m_host.m_answers = {EAnswer::yes};
     EXPECT_TRUE(m_host.m_queue.RunUntil(isFollowed, std::chrono::seconds(30)));
-    EXPECT_THAT(m_host.m_messages, ElementsAre(Text(textUpgradeDataFiles)));
+    EXPECT_THAT(m_host.m_messages, ElementsAre(Text(EText::upgradeDataFiles)));
     EXPECT_THAT(m_host.m_output, IsEmpty());
 }
 

@@ -2,7 +2,6 @@
 #include "document/edits.h"
 #include "document/project_creation.h"
 #include "document/scripted_host.h"
-#include "document/text_ids.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
@@ -20,6 +19,7 @@ using namespace Application_Tarvel;
 using namespace Metier_Tarvel;
 using namespace Metier_Tarvel_DataModel;
 using namespace Metier_Tarvel_Graphics;
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -67,7 +67,7 @@ class CFileHost : public test::CScriptedHost {
     std::optional<ERawFormat> m_format; // of the last conversion
 };
 
-std::string Text(int id) { return std::string(GetText(id)); }
+std::string Text(EText id) { return std::string(GetText(id)); }
 
 class UserActions : public testing::Test {
   protected:
@@ -142,10 +142,10 @@ class UserActions : public testing::Test {
         ASSERT_TRUE(m_document.Save());
     }
     // An edit that must leave document and model as they were, with this message.
-    void ExpectRefused(bool done, int message) {
-        EXPECT_FALSE(done) << message;
+    void ExpectRefused(bool done, EText message) {
+        EXPECT_FALSE(done) << Text(message);
         EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(message)));
-        EXPECT_THAT(m_view.Take(), IsEmpty()) << message;
+        EXPECT_THAT(m_view.Take(), IsEmpty()) << Text(message);
     }
 
     test::CTemporaryFolder m_folder;
@@ -335,7 +335,7 @@ TEST_F(UserActions, EveryActionTellsTheViewsByItsHint) {
         const auto* failure = std::ranges::find_if(failures, [&](const auto& known) {
             return row.className.substr(std::string_view("CTrvAct").size()).starts_with(known.first);
         });
-        EXPECT_EQ(row.failureText, failure == std::end(failures) ? 0 : failure->second) << row.className;
+        EXPECT_EQ(static_cast<int>(row.failureText), failure == std::end(failures) ? 0 : failure->second) << row.className;
     }
     EXPECT_THAT(tried, IsEmpty());
 }
@@ -392,7 +392,7 @@ TEST_F(UserActions, ValuesReachTheirMembers) {
               std::tuple(b, 9, 17));
     m_view.Take();
     for (const char* name : {"bad.txt", "gone.txt"})
-        ExpectRefused(m_edits.ChangeNelixConfiguration({}, m_folder / name), textInsConfigurationFailed);
+        ExpectRefused(m_edits.ChangeNelixConfiguration({}, m_folder / name), EText::insConfigurationFailed);
     EXPECT_EQ(std::tuple(angles(*nelix.fineMisalignment), nelix.roughMisalignment, nelix.type->equipment,
                          angles(*nelix.userMisalignment)),
               std::tuple(b, 9, 17, b));
@@ -425,13 +425,13 @@ TEST_F(UserActions, WhatTheModelRefusesIsTold) {
     Record(m_folder / "r.tarin", 14, 10); // equipment without an altitude aid
     Create();
     auto& parameters = Parameters();
-    ExpectRefused(m_edits.AddAltitudeMode(), textAltitudeModeFailed);
+    ExpectRefused(m_edits.AddAltitudeMode(), EText::altitudeModeFailed);
     ASSERT_TRUE(m_edits.AddSensor(ESensorKind::dvl));
     m_view.Take();
-    ExpectRefused(m_edits.AddSensor(ESensorKind::dvl), textTooManySensors);
+    ExpectRefused(m_edits.AddSensor(ESensorKind::dvl), EText::tooManySensors);
     ASSERT_TRUE(m_document.Save());
     parameters.mainInputFile->FindChannel("LBL")->sensorClass.clear();
-    ExpectRefused(m_edits.AddSensor(ESensorKind::lbl), textSensorFailed);
+    ExpectRefused(m_edits.AddSensor(ESensorKind::lbl), EText::sensorFailed);
     EXPECT_EQ(parameters.sensors.size(), 1u);
 
     auto& settings = *m_document.GetProject()->graphSettings;
@@ -442,12 +442,12 @@ TEST_F(UserActions, WhatTheModelRefusesIsTold) {
     ASSERT_TRUE(m_edits.Add1DCurve(*graph, Measure("DVL_BT", "Speed X"))); // an empty graph takes any measure
     ASSERT_TRUE(m_document.Save());
     m_view.Take();
-    ExpectRefused(m_edits.Add1DCurve(*graph, Measure("DVL_BT", "Altitude")), textCurveFailed);
+    ExpectRefused(m_edits.Add1DCurve(*graph, Measure("DVL_BT", "Altitude")), EText::curveFailed);
     CTrvMeasureDef nowhere;
-    ExpectRefused(m_edits.Add1DGraphMeasure(nowhere), textGraphFailed);
-    ExpectRefused(m_edits.AddInstantValuesMeasure(nowhere), textInstantMeasureFailed);
-    ExpectRefused(m_edits.Remove1DGraph(foreign), textGraphNotRemoved);
-    ExpectRefused(m_edits.Remove1DCurve(loose), textCurveNotRemoved);
+    ExpectRefused(m_edits.Add1DGraphMeasure(nowhere), EText::graphFailed);
+    ExpectRefused(m_edits.AddInstantValuesMeasure(nowhere), EText::instantMeasureFailed);
+    ExpectRefused(m_edits.Remove1DGraph(foreign), EText::graphNotRemoved);
+    ExpectRefused(m_edits.Remove1DCurve(loose), EText::curveNotRemoved);
     EXPECT_EQ(graph->curves.size(), 1u);
     EXPECT_EQ(foreign.curves.back().get(), curve);
     EXPECT_FALSE(m_edits.RemoveZupt(CTrvZupt())); // silently
@@ -486,23 +486,23 @@ TEST_F(UserActions, ADataFileIsPreparedBeforeItIsAdded) {
         std::filesystem::path chosen;
         std::vector<EAnswer> answers;
         bool canUpdate, canConvert;
-        std::vector<int> messages;
+        std::vector<EText> messages;
         bool added;
     };
     using enum EAnswer;
     const SCase cases[] = {
-        {m_folder / "gone.tarin", {}, true, true, {textDataFileNotAnalyzed}, false},
-        {text, {cancel}, true, true, {textUnrecognizedDataFile}, false},
-        {text, {ok}, true, false, {textUnrecognizedDataFile}, false},
-        {depth, {cancel}, true, true, {textConvertDataFile}, false},
-        {depth, {ok}, true, false, {textConvertDataFile}, false},
-        {old, {cancel}, true, true, {textUpgradeDataFile}, false},
-        {old, {ok}, false, true, {textUpgradeDataFile}, false},
-        {cut, {ok}, false, true, {textUpgradeDataFile}, false},
-        {m_folder / "r.tarin", {}, true, true, {textDataFileReferenced}, false},
-        {old, {ok}, true, true, {textUpgradeDataFile}, true},
-        {depth, {ok}, true, true, {textConvertDataFile}, true},
-        {good, {}, true, true, {textDataFileReferenced}, false}, // the converted file
+        {m_folder / "gone.tarin", {}, true, true, {EText::dataFileNotAnalyzed}, false},
+        {text, {cancel}, true, true, {EText::unrecognizedDataFile}, false},
+        {text, {ok}, true, false, {EText::unrecognizedDataFile}, false},
+        {depth, {cancel}, true, true, {EText::convertDataFile}, false},
+        {depth, {ok}, true, false, {EText::convertDataFile}, false},
+        {old, {cancel}, true, true, {EText::upgradeDataFile}, false},
+        {old, {ok}, false, true, {EText::upgradeDataFile}, false},
+        {cut, {ok}, false, true, {EText::upgradeDataFile}, false},
+        {m_folder / "r.tarin", {}, true, true, {EText::dataFileReferenced}, false},
+        {old, {ok}, true, true, {EText::upgradeDataFile}, true},
+        {depth, {ok}, true, true, {EText::convertDataFile}, true},
+        {good, {}, true, true, {EText::dataFileReferenced}, false}, // the converted file
     };
     for (const SCase& c : cases) {
         const auto before = Parameters().externalFiles.size();
@@ -512,7 +512,7 @@ TEST_F(UserActions, ADataFileIsPreparedBeforeItIsAdded) {
         m_host.m_converted = c.canConvert ? std::optional(good) : std::nullopt;
         EXPECT_EQ(m_edits.AddDataFile(), c.added) << c.chosen;
         std::vector<std::string> messages;
-        for (const int message : c.messages) messages.push_back(Text(message));
+        for (const EText message : c.messages) messages.push_back(Text(message));
         EXPECT_EQ(m_host.TakeMessages(), messages) << c.chosen;
         EXPECT_EQ(m_view.Take().size(), c.added ? 1u : 0u) << c.chosen;
         EXPECT_EQ(Parameters().externalFiles.size(), before + (c.added ? 1 : 0)) << c.chosen;
@@ -541,11 +541,11 @@ TEST_F(UserActions, ADataFileGoesOnlyWhenNobodyNeedsIt) {
     ASSERT_TRUE(m_edits.ChangeSensorDataFileChannel(gps, external)); // the main file stays without a question
     EXPECT_THAT(m_host.m_messages, IsEmpty());
     m_view.Take();
-    ExpectRefused(m_edits.RemoveDataFile(*file), textDataFileInUse);
-    ExpectRefused(m_edits.RemoveDataFile(*Parameters().outputFile), textDataFileInUse);
+    ExpectRefused(m_edits.RemoveDataFile(*file), EText::dataFileInUse);
+    ExpectRefused(m_edits.RemoveDataFile(*Parameters().outputFile), EText::dataFileInUse);
 
     const std::string question =
-        Outils_Texte::FormatText(textDataFileUnused, {Outils_Fichiers::ToText(file->path)});
+        Outils_Texte::FormatText(EText::dataFileUnused, {Outils_Fichiers::ToText(file->path)});
     m_host.m_answers = {EAnswer::no};
     EXPECT_TRUE(m_edits.ChangeSensorDataFileChannel(gps, main));
     EXPECT_THAT(m_host.TakeMessages(), ElementsAre(question));

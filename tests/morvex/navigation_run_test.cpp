@@ -1,5 +1,6 @@
 #include "morvex/navigation_run.h"
 
+#include "foundation/texts.h"
 #include "morvex/engine_program.h"
 #include "recording/recording_writer.h"
 #include "run_folder.h"
@@ -15,6 +16,8 @@ using namespace Metier_Tarvel;
 using namespace Persistance_Xpf;
 
 namespace {
+
+using Outils_Texte::EText;
 
 using CStd = CXpfTaroutMorvexStdPacketV2;
 
@@ -122,7 +125,7 @@ TEST(NavigationRun, ShipUnderWayIsNavigatedBetterThanItsFixes) {
 
     EXPECT_TRUE(std::is_sorted(monitor.progress.begin(), monitor.progress.end()));
     EXPECT_EQ(monitor.progress.back(), 100.0);
-    EXPECT_TRUE(monitor.Has(messageRejectedFixes));
+    EXPECT_TRUE(monitor.Has(EText::rejectedFixes));
     EXPECT_EQ(folder.ReadResult<CXpfTaroutMorvexMsgPacketV1>("MORVEX_MSG").size(), monitor.messages.size());
 }
 
@@ -141,7 +144,7 @@ TEST(NavigationRun, LostInertialDataBeginsANewSegmentAndDamageIsPassed) {
     folder.Store(*folder.MakeParameters());
     CListeningMonitor monitor;
     EXPECT_EQ(Execute(folder, monitor), ERunEnd::finished);
-    EXPECT_TRUE(monitor.Has(messageDamaged));
+    EXPECT_TRUE(monitor.Has(EText::damaged));
     bool seen[3] = {}; // before, within and after the hole
     for (const CStd& packet : folder.ReadResult<CStd>("MORVEX_STD")) {
         const double time = packet.GetPacketDate().GetTotalSeconds();
@@ -157,22 +160,22 @@ TEST(NavigationRun, BrokenInputIsToldAsAnError) {
     options.duration = 5.0;
     options.alignmentDuration = 1.0;
     folder.Simulate(options);
-    const std::pair<std::function<void(CTrvSimulationParameters&)>, EMessage> cases[] = {
-        {[](auto& p) { p.mainInputFile->path += ".gone"; }, messageNoMainFile},
-        {[&](auto& p) { p.mainInputFile->path = folder.Parameters(); }, messageNoInertialData},
-        {[](auto& p) { p.sensors.clear(); }, messageNoGps},
-        {[](auto& p) { p.begin = At(1000.0), p.end = At(2000.0); }, messageNoInertialData},
-        {[](auto& p) { p.outputFile->path = "/nowhere/at/all.tarout"; }, messageOutputFailed},
-        {[](auto& p) { p.outputFile->path = p.mainInputFile->path; }, messageOutputFailed},
-        {[](auto&) {}, messageTooShort}, // and the recording is still there
+    const std::pair<std::function<void(CTrvSimulationParameters&)>, EText> cases[] = {
+        {[](auto& p) { p.mainInputFile->path += ".gone"; }, EText::noMainFile},
+        {[&](auto& p) { p.mainInputFile->path = folder.Parameters(); }, EText::noInertialData},
+        {[](auto& p) { p.sensors.clear(); }, EText::noGps},
+        {[](auto& p) { p.begin = At(1000.0), p.end = At(2000.0); }, EText::noInertialData},
+        {[](auto& p) { p.outputFile->path = "/nowhere/at/all.tarout"; }, EText::outputFailed},
+        {[](auto& p) { p.outputFile->path = p.mainInputFile->path; }, EText::outputFailed},
+        {[](auto&) {}, EText::tooShort}, // and the recording is still there
     };
     for (const auto& [spoil, code] : cases) {
         auto parameters = folder.MakeParameters();
         spoil(*parameters);
         folder.Store(*parameters);
         CListeningMonitor monitor;
-        EXPECT_EQ(Execute(folder, monitor), ERunEnd::failed) << code;
-        ASSERT_TRUE(monitor.Has(code)) << code;
+        EXPECT_EQ(Execute(folder, monitor), ERunEnd::failed) << Outils_Texte::GetText(code);
+        ASSERT_TRUE(monitor.Has(code)) << Outils_Texte::GetText(code);
         EXPECT_EQ(monitor.messages.back().level, ELevel::error);
     }
 }

@@ -1,3 +1,4 @@
+#include "foundation/texts.h"
 #include "morvex/command_reader.h"
 #include "morvex/engine_program.h"
 #include "morvex/line_monitor.h"
@@ -41,7 +42,7 @@ TEST(Protocol, ProgressNeverFallsAndAClosedOutputStopsTheRun) {
     EXPECT_EQ(text, "progress 0.0\nprogress 100.0\n");
     EXPECT_TRUE(monitor.GoOn());
     open = false;
-    monitor.Message(ELevel::information, messageFinished, "x");
+    monitor.Message(ELevel::information, EText::finished, "x");
     EXPECT_FALSE(monitor.GoOn());
 }
 

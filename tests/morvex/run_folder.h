@@ -3,6 +3,7 @@
 
 #include "foundation/archive.h"
 #include "foundation/files.h"
+#include "foundation/texts.h"
 #include "model/simulation_parameters.h"
 #include "morvex/messages.h"
 #include "simulator/mission_writer.h"
@@ -19,11 +20,13 @@
 
 namespace Morvex {
 
+using Outils_Texte::EText;
+
 class CListeningMonitor : public IRunMonitor {
   public:
     struct SMessage {
         ELevel level;
-        EMessage code;
+        EText code;
         std::string text;
     };
     std::vector<SMessage> messages;
@@ -31,11 +34,11 @@ class CListeningMonitor : public IRunMonitor {
     std::function<bool()> goOn = [] { return true; };
 
     void Progress(double percent) override { progress.push_back(percent); }
-    void Message(ELevel level, EMessage code, std::string_view text) override {
+    void Message(ELevel level, EText code, std::string_view text) override {
         messages.push_back({level, code, std::string(text)});
     }
     bool GoOn() override { return goOn(); }
-    bool Has(EMessage code) const {
+    bool Has(EText code) const {
         return std::ranges::any_of(messages,
                                    [code](const SMessage& message) { return message.code == code; });
     }

@@ -133,7 +133,8 @@ TEST(Layouts, RowsAreUniqueFitTheFileAndHaveLabels) {
     }
     EXPECT_EQ(names.size(), 26u);
     EXPECT_EQ(Outils_Texte::GetText(FindChannelLayout("MORVEX_STD")->label), "Post-processing standard");
-    EXPECT_EQ(Outils_Texte::GetText(771 + natureRawAcc), "Raw acc measurement");
+    EXPECT_EQ(Outils_Texte::GetText(Outils_Texte::EText::natureUnknown + natureRawAcc),
+              "Raw acc measurement");
     for (std::uint16_t type = 0; type < 20; ++type) {
         const SPacketLayout* layout = FindPacketLayout(type);
         if (!layout) continue;

@@ -5,6 +5,8 @@
 
 namespace Application_Tarvel {
 
+using Outils_Texte::EText;
+
 bool CTrvTableAction::Do() {
     CTrvProject* project = m_document.GetProject();
     return project && Perform(*project);
@@ -15,8 +17,8 @@ bool CTrvTableAction::Changed(const CObject* object) {
     return true;
 }
 
-bool CTrvTableAction::Refuse(int text) {
-    if (text != 0)
+bool CTrvTableAction::Refuse(EText text) {
+    if (text != EText::none)
         m_document.GetHost().ShowMessage(std::string(Outils_Texte::GetText(text)), EButtons::ok,
                                          EIcon::exclamation);
     return false;

@@ -4,6 +4,7 @@
 
 #include "document/actions/action_table.h"
 #include "document/user_action.h"
+#include "foundation/texts.h"
 #include "model/project.h"
 
 #include <functional>
@@ -11,6 +12,8 @@
 #include <utility>
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 using Metier_Tarvel::CTrvProject;
 using Outils_Objets::CObject;
@@ -33,7 +36,7 @@ class CTrvTableAction : public CTrvUserAction {
     bool Changed(const CObject* object);
     // Shows the row's message, or another one. False.
     bool Refuse() { return Refuse(m_row.failureText); }
-    bool Refuse(int text);
+    bool Refuse(EText text);
 
   private:
     const SActionRow& m_row;

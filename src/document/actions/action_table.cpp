@@ -1,27 +1,29 @@
 #include "document/actions/action_table.h"
-
-#include "document/text_ids.h"
+#include "foundation/texts.h"
 
 #include <iterator>
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 namespace {
 
 using enum EAction;
 
 constexpr SActionRow kRows[] = {
-    {addDataFile, "CTrvActAddDataFile", hintDataFileAdded, textDataFileFailed},
-    {removeDataFile, "CTrvActRemoveDataFile", hintDataFileRemoved, textDataFileInUse},
-    {addSensorGps, "CTrvActAddSensorGps", hintSensorAdded, textSensorFailed},
-    {addSensorDvl, "CTrvActAddSensorDvl", hintSensorAdded, textSensorFailed},
-    {addSensorEMLog, "CTrvActAddSensorEMLog", hintSensorAdded, textSensorFailed},
-    {addSensorDepth, "CTrvActAddSensorDepth", hintSensorAdded, textSensorFailed},
-    {addSensorUsbl, "CTrvActAddSensorUsbl", hintSensorAdded, textSensorFailed},
-    {addSensorLbl, "CTrvActAddSensorLbl", hintSensorAdded, textSensorFailed},
-    {addSensorOdometer, "CTrvActAddSensorOdometer", hintSensorAdded, textSensorFailed},
-    {addSensorEventMarker, "CTrvActAddSensorEventMarker", hintSensorAdded, textSensorFailed},
-    {addSensorPlatformOrientation, "CTrvActAddSensorPlatformOrientation", hintSensorAdded, textSensorFailed},
+    {addDataFile, "CTrvActAddDataFile", hintDataFileAdded, EText::dataFileFailed},
+    {removeDataFile, "CTrvActRemoveDataFile", hintDataFileRemoved, EText::dataFileInUse},
+    {addSensorGps, "CTrvActAddSensorGps", hintSensorAdded, EText::sensorFailed},
+    {addSensorDvl, "CTrvActAddSensorDvl", hintSensorAdded, EText::sensorFailed},
+    {addSensorEMLog, "CTrvActAddSensorEMLog", hintSensorAdded, EText::sensorFailed},
+    {addSensorDepth, "CTrvActAddSensorDepth", hintSensorAdded, EText::sensorFailed},
+    {addSensorUsbl, "CTrvActAddSensorUsbl", hintSensorAdded, EText::sensorFailed},
+    {addSensorLbl, "CTrvActAddSensorLbl", hintSensorAdded, EText::sensorFailed},
+    {addSensorOdometer, "CTrvActAddSensorOdometer", hintSensorAdded, EText::sensorFailed},
+    {addSensorEventMarker, "CTrvActAddSensorEventMarker", hintSensorAdded, EText::sensorFailed},
+    {addSensorPlatformOrientation, "CTrvActAddSensorPlatformOrientation", hintSensorAdded,
+     EText::sensorFailed},
     {removeSensor, "CTrvActRemoveSensor", hintSensorRemoved},
     {changeSensorGps, "CTrvActChangeSensorGps", hintSensorChanged},
     {changeSensorDvl, "CTrvActChangeSensorDvl", hintSensorChanged},
@@ -39,21 +41,21 @@ constexpr SActionRow kRows[] = {
     {changeDataFileTimeOffset, "CTrvActChangeDataFileTimeOffset", hintDataFileTimeOffsetChanged},
     {changeSimulationParameters, "CTrvActChangeSimulationParameters", hintSimulationParametersChanged},
     {changeNelixConfiguration, "CTrvActChangeNelixConfiguration", hintNelixConfigurationChanged,
-     textInsConfigurationFailed},
-    {addRejectionInstruction, "CTrvActAddRejectionInstruction", hintRejectionAdded, textRejectionFailed},
+     EText::insConfigurationFailed},
+    {addRejectionInstruction, "CTrvActAddRejectionInstruction", hintRejectionAdded, EText::rejectionFailed},
     {changeRejectionInstruction, "CTrvActChangeRejectionInstruction", hintRejectionChanged},
     {removeRejectionInstruction, "CTrvActRemoveRejectionInstruction", hintRejectionRemoved},
-    {addZupt, "CTrvActAddZupt", hintZuptAdded, textZuptFailed},
+    {addZupt, "CTrvActAddZupt", hintZuptAdded, EText::zuptFailed},
     {changeZupt, "CTrvActChangeZupt", hintZuptChanged},
     {removeZupt, "CTrvActRemoveZupt", hintZuptRemoved},
-    {addOutputRate, "CTrvActAddOutputRate", hintOutputRateAdded, textOutputRateFailed},
+    {addOutputRate, "CTrvActAddOutputRate", hintOutputRateAdded, EText::outputRateFailed},
     {changeOutputRate, "CTrvActChangeOutputRate", hintOutputRateChanged},
     {removeOutputRate, "CTrvActRemoveOutputRate", hintOutputRateRemoved},
-    {addAltitudeMode, "CTrvActAddAltitudeMode", hintAltitudeModeAdded, textAltitudeModeFailed},
+    {addAltitudeMode, "CTrvActAddAltitudeMode", hintAltitudeModeAdded, EText::altitudeModeFailed},
     {changeAltitudeMode, "CTrvActChangeAltitudeMode", hintAltitudeModeChanged},
     {removeAltitudeMode, "CTrvActRemoveAltitudeMode", hintAltitudeModeRemoved},
     {addHorizontalFilteringInstruction, "CTrvActAddHorizontalFilteringInstruction", hintFilteringAdded,
-     textFilteringFailed},
+     EText::filteringFailed},
     {changeHorizontalFilteringInstruction, "CTrvActChangeHorizontalFilteringInstruction",
      hintFilteringChanged},
     {removeHorizontalFilteringInstruction, "CTrvActRemoveHorizontalFilteringInstruction",
@@ -66,15 +68,15 @@ constexpr SActionRow kRows[] = {
     {changeLblStdDevInstruction, "CTrvActChangeLblStdDevInstruction", hintLblStdDevChanged},
     {changeEMLogStdDevInstruction, "CTrvActChangeEMLogStdDevInstruction", hintEMLogStdDevChanged},
     {changeOdometerStdDevInstruction, "CTrvActChangeOdometerStdDevInstruction", hintOdometerStdDevChanged},
-    {add1DGraphMeasure, "CTrvActAdd1DGraphMeasure", hintGraphAdded, textGraphFailed},
-    {add1DGraphEnum, "CTrvActAdd1DGraphEnum", hintGraphAdded, textGraphFailed},
-    {remove1DGraph, "CTrvActRemove1DGraph", hintGraphRemoved, textGraphNotRemoved},
-    {add1DCurve, "CTrvActAdd1DCurve", hintCurveAdded, textCurveFailed},
+    {add1DGraphMeasure, "CTrvActAdd1DGraphMeasure", hintGraphAdded, EText::graphFailed},
+    {add1DGraphEnum, "CTrvActAdd1DGraphEnum", hintGraphAdded, EText::graphFailed},
+    {remove1DGraph, "CTrvActRemove1DGraph", hintGraphRemoved, EText::graphNotRemoved},
+    {add1DCurve, "CTrvActAdd1DCurve", hintCurveAdded, EText::curveFailed},
     {change1DCurve, "CTrvActChange1DCurve", hintCurveChanged},
-    {remove1DCurve, "CTrvActRemove1DCurve", hintCurveRemoved, textCurveNotRemoved},
+    {remove1DCurve, "CTrvActRemove1DCurve", hintCurveRemoved, EText::curveNotRemoved},
     {addInstantValuesMeasure, "CTrvActAddInstantValuesMeasure", hintInstantMeasureAdded,
-     textInstantMeasureFailed},
-    {addInstantValuesEnum, "CTrvActAddInstantValuesEnum", hintInstantEnumAdded, textInstantEnumFailed},
+     EText::instantMeasureFailed},
+    {addInstantValuesEnum, "CTrvActAddInstantValuesEnum", hintInstantEnumAdded, EText::instantEnumFailed},
     {removeInstantValuesMeasure, "CTrvActRemoveInstantValuesMeasure", hintInstantMeasureRemoved},
     {removeInstantValuesEnum, "CTrvActRemoveInstantValuesEnum", hintInstantEnumRemoved},
 };

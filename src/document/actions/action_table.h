@@ -3,6 +3,7 @@
 #pragma once
 
 #include "document/hints.h"
+#include "foundation/texts.h"
 
 #include <span>
 #include <string_view>
@@ -76,7 +77,8 @@ struct SActionRow {
     EAction action;
     std::string_view className;
     EHint hint;
-    int failureText = 0; // number of the message; 0 for an edit that cannot fail or stays silent
+    Outils_Texte::EText failureText =
+        Outils_Texte::EText::none; // number of the message; 0 for an edit that cannot fail or stays silent
 };
 
 // In the order of EAction.

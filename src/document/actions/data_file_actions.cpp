@@ -3,7 +3,6 @@
 #include "config/config_file.h"
 #include "document/actions/data_file_kind.h"
 #include "document/document.h"
-#include "document/text_ids.h"
 #include "foundation/texts.h"
 #include "values/adaptors.h"
 
@@ -14,6 +13,7 @@ namespace Application_Tarvel {
 
 using namespace Metier_Tarvel_Graphics;
 using Outils_Configuration::Cnf;
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
 namespace {
@@ -51,7 +51,7 @@ std::vector<SRemoval> FindDependents(const CTrvProject& project, const CTrvDataF
 
 } // namespace
 
-bool CTrvActAddDataFile::Ask(int question) {
+bool CTrvActAddDataFile::Ask(EText question) {
     return m_document.GetHost().ShowMessage(std::string(GetText(question)), EButtons::okCancel,
                                             EIcon::question) == EAnswer::ok;
 }
@@ -68,27 +68,27 @@ std::optional<std::filesystem::path> CTrvActAddDataFile::Prepare(const std::file
     switch (kind ? kind->kind : EDataFileKind::unreadable) {
     case EDataFileKind::packets: return chosen;
     case EDataFileKind::outdatedPackets:
-        if (Ask(textUpgradeDataFile) && host.UpdateDataFile(chosen)) return chosen;
+        if (Ask(EText::upgradeDataFile) && host.UpdateDataFile(chosen)) return chosen;
         return std::nullopt;
     case EDataFileKind::raw:
-        if (Ask(textConvertDataFile)) return host.ConvertRawFiles({chosen}, kind->format);
+        if (Ask(EText::convertDataFile)) return host.ConvertRawFiles({chosen}, kind->format);
         return std::nullopt;
     case EDataFileKind::unknown:
-        if (Ask(textUnrecognizedDataFile)) return host.ConvertRawFiles({chosen}, ERawFormat::rawIns);
+        if (Ask(EText::unrecognizedDataFile)) return host.ConvertRawFiles({chosen}, ERawFormat::rawIns);
         return std::nullopt;
     case EDataFileKind::unreadable: break;
     }
-    Refuse(textDataFileNotAnalyzed);
+    Refuse(EText::dataFileNotAnalyzed);
     return std::nullopt;
 }
 
 bool CTrvActAddDataFile::Perform(CTrvProject& project) {
-    const auto chosen = m_document.GetHost().AskDataFile(std::string(GetText(textDataFileFilter)));
+    const auto chosen = m_document.GetHost().AskDataFile(std::string(GetText(EText::dataFileFilter)));
     if (!chosen) return false;
     const auto path = Prepare(*chosen);
     if (!path) return false;
     auto& parameters = *project.simulationParameters;
-    if (parameters.HasDataFile(*path)) return Refuse(textDataFileReferenced);
+    if (parameters.HasDataFile(*path)) return Refuse(EText::dataFileReferenced);
     const CWaitCursor wait(m_document.GetHost());
     CTrvDataFile* file =
         project.AddDataFile(*path, m_document.GetConfiguration().Get(Cnf<"general/expertMode">));

@@ -3,11 +3,14 @@
 #pragma once
 
 #include "document/actions/action.h"
+#include "foundation/texts.h"
 
 #include <filesystem>
 #include <optional>
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 using Metier_Tarvel::CTrvDataFile;
 
@@ -21,7 +24,7 @@ class CTrvActAddDataFile final : public CTrvTableAction {
     bool Perform(CTrvProject& project) override;
     // A packet file of the current layout, made from the chosen file if need be; empty when refused.
     std::optional<std::filesystem::path> Prepare(const std::filesystem::path& chosen);
-    bool Ask(int question);
+    bool Ask(EText question);
 };
 
 // Refuses a file that is still in use.

@@ -2,11 +2,12 @@
 
 #include "document/actions/data_file_actions.h"
 #include "document/document.h"
-#include "document/text_ids.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
 namespace Application_Tarvel {
+
+using Outils_Texte::EText;
 
 using namespace Metier_Tarvel;
 
@@ -21,7 +22,7 @@ CTrvActAddSensor::CTrvActAddSensor(CTrvDocument& document, ESensorKind kind)
 
 bool CTrvActAddSensor::Perform(CTrvProject& project) {
     auto& parameters = *project.simulationParameters;
-    if (!parameters.CanAddSensor(m_kind)) return Refuse(textTooManySensors);
+    if (!parameters.CanAddSensor(m_kind)) return Refuse(EText::tooManySensors);
     CTrvSensor* added = parameters.AddSensor(m_kind);
     if (!added) return Refuse();
     if (m_kind == ESensorKind::gps) {
@@ -41,7 +42,7 @@ bool CTrvActChangeSensorDataFileChannel::Perform(CTrvProject& project) {
     Changed(&m_sensor);
     if (!former || !IsRemovable(project, *former)) return true;
     const std::string question =
-        Outils_Texte::FormatText(textDataFileUnused, {Outils_Fichiers::ToText(former->path)});
+        Outils_Texte::FormatText(EText::dataFileUnused, {Outils_Fichiers::ToText(former->path)});
     if (m_document.GetHost().ShowMessage(question, EButtons::yesNo, EIcon::question) == EAnswer::yes)
         RemoveDataFile(m_document, project, *former);
     return true;

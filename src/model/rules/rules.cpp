@@ -100,7 +100,8 @@ void CheckFilteringThresholds(const CTrvSimulationParameters& parameters, CFault
     });
 }
 
-constexpr int kFirstMessage = 10020; // the messages follow each other in the order of the rows
+constexpr EText kFirstMessage =
+    EText::ruleSimulationPeriod; // the messages follow each other in the order of the rows
 
 constexpr FCheck kChecks[] = {
     CheckSimulationPeriod,

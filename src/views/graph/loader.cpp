@@ -3,7 +3,6 @@
 #include "config/config_file.h"
 #include "foundation/texts.h"
 #include "views/graph/stack_builder.h"
-#include "views/text_ids.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +12,7 @@ namespace Presentation_Tarvel_Graphics {
 
 using namespace Application_Tarvel;
 using Outils_Configuration::Cnf;
+using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
 namespace {
@@ -287,7 +287,7 @@ void CTrv1DGraphLoader::UpdateNotices() {
             waits = waits || !channel.answered || channel.windowQuery;
             hasData = hasData || channel.hasData;
         });
-        const int text = waits ? textLoading : hasData ? textNoDataInPeriod : textNoData;
+        const EText text = waits ? EText::loading : hasData ? EText::noDataInPeriod : EText::noData;
         portlet->SetNotice(std::string(GetText(text)));
     }
 }

@@ -2,13 +2,14 @@
 
 #include "foundation/texts.h"
 #include "model/graph_rules.h"
-#include "views/text_ids.h"
 #include "xpf/layout.h"
 
 #include <algorithm>
 #include <string_view>
 
 namespace Presentation_Tarvel_Graphics {
+
+using Outils_Texte::EText;
 
 using namespace Metier_Tarvel;
 using namespace Metier_Tarvel_DataModel;
@@ -22,18 +23,18 @@ constexpr std::string_view kRecordingChannel = "NELIX_NAV";
 
 // A graph of a project that has saved none: the same quantity of the result and of the recording.
 struct SDefaultGraph {
-    int title;
+    EText title;
     std::string_view resultField;
     std::string_view recordingField;
     std::uint32_t nature;
 };
 constexpr SDefaultGraph kDefaultGraphs[] = {
-    {textLatitude, "Latitude0", "Latitude", Persistance_Xpf::natureLatitude},
-    {textLongitude, "Longitude0", "Longitude", Persistance_Xpf::natureLongitude},
-    {textAltitude, "Altitude0", "Altitude", Persistance_Xpf::natureAltitude},
-    {textHeading, "Heading", "Heading", Persistance_Xpf::natureAttitude},
-    {textRoll, "Roll", "Roll", Persistance_Xpf::natureAttitude},
-    {textPitch, "Pitch", "Pitch", Persistance_Xpf::natureAttitude},
+    {EText::natureLatitude, "Latitude0", "Latitude", Persistance_Xpf::natureLatitude},
+    {EText::natureLongitude, "Longitude0", "Longitude", Persistance_Xpf::natureLongitude},
+    {EText::natureAltitude, "Altitude0", "Altitude", Persistance_Xpf::natureAltitude},
+    {EText::heading, "Heading", "Heading", Persistance_Xpf::natureAttitude},
+    {EText::roll, "Roll", "Roll", Persistance_Xpf::natureAttitude},
+    {EText::pitch, "Pitch", "Pitch", Persistance_Xpf::natureAttitude},
 };
 
 // A saved curve that was never given a colour. It takes that of its place among the curves of its graph,
