@@ -2,9 +2,9 @@
 // the first checks. Usage: fuzz_seeds CORPUS_FOLDER
 #include "archive_round.h"
 #include "config/config_file.h"
+#include "exchange/parameter_file.h"
 #include "foundation/files.h"
 #include "model/project.h"
-#include "processing/parameter_file.h"
 #include "recording/recording_writer.h"
 #include "sample_project.h"
 #include "xpf/packet_classes.h"

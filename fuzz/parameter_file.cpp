@@ -1,5 +1,5 @@
 // The processing parameter file: read over recordings that have every channel, written and read again.
-#include "processing/parameter_file.h"
+#include "exchange/parameter_file.h"
 
 #include "archive_round.h"
 #include "model/rules/rule.h"

@@ -1,8 +1,8 @@
 #include "app/commands.h"
 
 #include "app/main_frame.h"
-#include "app/text.h"
 #include "foundation/texts.h"
+#include "plot/text.h"
 
 namespace Application_Tarvel {
 

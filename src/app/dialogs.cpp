@@ -1,8 +1,8 @@
 #include "app/dialogs.h"
 
 #include "app/icons.h"
-#include "app/text.h"
 #include "foundation/texts.h"
+#include "plot/text.h"
 
 #include <QDesktopServices>
 #include <QFileDialog>

@@ -1,8 +1,8 @@
 #include "app/main_frame.h"
 
 #include "app/status_bar.h"
-#include "app/text.h"
 #include "foundation/texts.h"
+#include "plot/text.h"
 #include "processing/message_line.h"
 
 #include <QApplication>

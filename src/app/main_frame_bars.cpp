@@ -2,8 +2,8 @@
 #include "app/appearance.h"
 #include "app/main_frame.h"
 #include "app/status_bar.h"
-#include "app/text.h"
 #include "foundation/texts.h"
+#include "plot/text.h"
 
 #include <QAction>
 #include <QActionGroup>

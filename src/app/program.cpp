@@ -6,8 +6,8 @@
 #include "app/snapshot.h"
 #include "app/splash.h"
 #include "app/start_up.h"
-#include "app/text.h"
 #include "foundation/texts.h"
+#include "plot/text.h"
 
 #include <QApplication>
 #include <QSettings>

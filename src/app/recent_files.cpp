@@ -1,6 +1,6 @@
 #include "app/recent_files.h"
 
-#include "app/text.h"
+#include "plot/text.h"
 
 #include <QSettings>
 #include <QStringList>

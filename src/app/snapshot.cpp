@@ -2,8 +2,8 @@
 
 #include "app/main_frame.h"
 #include "app/start_up.h"
-#include "app/text.h"
 #include "foundation/texts.h"
+#include "plot/text.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>

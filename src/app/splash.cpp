@@ -1,9 +1,9 @@
 #include "app/splash.h"
 
 #include "app/icons.h"
-#include "app/text.h"
 #include "app/version_info.h"
 #include "foundation/texts.h"
+#include "plot/text.h"
 
 #include <QGuiApplication>
 #include <QMouseEvent>

@@ -1,8 +1,8 @@
 #include "app/status_bar.h"
 
 #include "app/key_locks.h"
-#include "app/text.h"
 #include "foundation/texts.h"
+#include "plot/text.h"
 
 #include <QApplication>
 #include <QKeyEvent>

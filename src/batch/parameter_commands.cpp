@@ -3,10 +3,10 @@
 #include "batch/packet_access.h"
 #include "batch/session.h"
 #include "document/batch_creation.h"
+#include "exchange/parameter_file.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "model/rules/rule.h"
-#include "processing/parameter_file.h"
 
 #include <ostream>
 

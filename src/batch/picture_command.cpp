@@ -5,9 +5,9 @@
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
+#include "graph/loader.h"
 #include "plot/settings.h"
 #include "values/adaptors.h"
-#include "views/graph/loader.h"
 
 #include <QBuffer>
 #include <QGuiApplication>

@@ -1,9 +1,9 @@
 // How a project comes into being from a batch command file (a processing parameter file), without dialogs.
 #pragma once
 
+#include "exchange/parameter_file.h"
 #include "foundation/thread.h"
 #include "model/project.h"
-#include "processing/parameter_file.h"
 
 #include <filesystem>
 #include <memory>
@@ -36,8 +36,8 @@ class CBatchCreation {
         std::filesystem::path unreadable; // the first that is no recording or was given up, empty for none
         std::optional<std::int32_t> equipment; // of the first
     };
-    // Searches the UTC dates in the first `maxPacketCount` packets of each. Once the event is set, it gives up
-    // the file that it reads. Any thread.
+    // Searches the UTC dates in the first `maxPacketCount` packets of each. Once the event is set, it gives
+    // up the file that it reads. Any thread.
     static SRecordings LookInto(const std::vector<Persistance_Parametres::SParameterFileRow>& files,
                                 int maxPacketCount, const Outils::CEvent* interrupt = nullptr);
     // The project over the chosen files, by what they tell; external files whose UTC is known are shifted

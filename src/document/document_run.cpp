@@ -2,13 +2,13 @@
 #include "document/document.h"
 
 #include "config/config_file.h"
+#include "exchange/parameter_file.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "model/rules/rule.h"
 #include "processing/command_line.h"
-#include "processing/parameter_file.h"
 
 #include <algorithm>
 #include <atomic>

@@ -1,7 +1,7 @@
 #include "views/view_1d.h"
 
 #include "config/config_file.h"
-#include "foundation/texts.h"
+#include "plot/text.h"
 #include "views/view_1d_interactors.h"
 
 #include <QPaintEvent>
@@ -23,11 +23,6 @@ namespace {
 const QColor kGround(0xE9, 0xED, 0xF3);
 const QColor kGroundText(0x5A, 0x64, 0x78);
 constexpr int kScrollStep = 40; // pixels
-
-QString Text(EText id) {
-    const std::string_view text = Outils_Texte::GetText(id);
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 } // namespace
 

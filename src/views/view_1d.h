@@ -8,7 +8,7 @@
 // scrolls the stack, with Ctrl it zooms, with Shift it scrolls the time.
 #pragma once
 
-#include "views/graph/loader.h"
+#include "graph/loader.h"
 #include "views/interactor.h"
 
 #include <QPixmap>

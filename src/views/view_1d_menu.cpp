@@ -1,7 +1,7 @@
 // The menu of the graphs, and the picture of them on the clipboard.
 #include "views/view_1d.h"
 
-#include "foundation/texts.h"
+#include "plot/text.h"
 
 #include <QBuffer>
 #include <QClipboard>
@@ -23,11 +23,6 @@ using Outils_Texte::EText;
 using namespace Presentation_Tarvel_Graphics;
 
 namespace {
-
-QString Text(EText id) {
-    const std::string_view text = Outils_Texte::GetText(id);
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 // An entry of the menu, under the title of a submenu or of none.
 struct SEntry {
@@ -76,7 +71,8 @@ void CTrvView1D::ShowContextMenu(QPoint position) {
     QMenu* target = menu;
     EText submenu = EText::none;
     for (const SEntry& entry : kEntries) {
-        if (entry.submenu != submenu) target = entry.submenu != EText::none ? menu->addMenu(Text(entry.submenu)) : menu;
+        if (entry.submenu != submenu)
+            target = entry.submenu != EText::none ? menu->addMenu(Text(entry.submenu)) : menu;
         submenu = entry.submenu;
         QAction* action =
             target->addAction(Text(entry.text), this, [this, run = entry.run] { (this->*run)(); });

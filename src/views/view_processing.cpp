@@ -1,7 +1,7 @@
 #include "views/view_processing.h"
 
 #include "document/document.h"
-#include "foundation/texts.h"
+#include "plot/text.h"
 
 #include <QPushButton>
 #include <QTimerEvent>
@@ -17,11 +17,6 @@ constexpr EText textProcess = EText::processLabel;
 constexpr EText textStopProcessing = EText::stopProcessingLabel;
 constexpr int kPollPeriod = 500;  // ms
 constexpr int kButtonHeight = 23; // pixels, unless the font needs more
-
-QString Text(EText id) {
-    const std::string_view text = Outils_Texte::GetText(id);
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 } // namespace
 

@@ -1,7 +1,7 @@
 #include "app/dialogs.h"
 
-#include "app/text.h"
 #include "dataaccess/test_recording.h"
+#include "plot/text.h"
 
 #include <QApplication>
 #include <QFileDialog>

@@ -1,7 +1,7 @@
 #include "app/main_frame.h"
 
-#include "app/text.h"
 #include "foundation/texts.h"
+#include "plot/text.h"
 #include "session.h"
 
 #include <QAction>
@@ -61,7 +61,8 @@ TEST_F(MainFrame, EveryCommandHasAPlaceATextAndKeys) {
         EXPECT_TRUE(row.bar == EBar::none || row.glyph != EGlyph::none) << row.id;
     }
     EXPECT_EQ(offered.size(), GetCommands().size());
-    for (const SMenuRow& row : GetMenus()) EXPECT_TRUE(Text(row.text).contains(u'&')) << Text(row.text).toStdString();
+    for (const SMenuRow& row : GetMenus())
+        EXPECT_TRUE(Text(row.text).contains(u'&')) << Text(row.text).toStdString();
 }
 
 TEST_F(MainFrame, IconsDifferAndFade) {

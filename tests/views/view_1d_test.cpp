@@ -1,6 +1,6 @@
 #include "config/config_file.h"
 #include "document/scripted_host.h"
-#include "views/fabricated.h"
+#include "graph/fabricated.h"
 #include "views/view_1d.h"
 
 #include <QApplication>

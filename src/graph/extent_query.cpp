@@ -1,0 +1,23 @@
+#include "graph/extent_query.h"
+
+#include "dataaccess/date_search.h"
+
+#include <limits>
+
+namespace Presentation_Tarvel_Graphics {
+
+using namespace Application_Tarvel;
+
+bool CTrv1DExtentQuery::Search(Persistance_Xpf::CXpfChannel& channel,
+                               std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) {
+    // A date before everything: the search ends as soon as it knows both ends of the channel.
+    const Outils_Temps::CDateTimeSpan before(std::numeric_limits<std::int64_t>::min());
+    SDateBracket bracket;
+    const EDateSearch end = SearchDate(channel, *packet, before, MakeSearch(false), bracket);
+    wasCancelled = end == EDateSearch::cancelled;
+    m_first = bracket.lowerDate;
+    m_last = bracket.upperDate;
+    return end == EDateSearch::outside || end == EDateSearch::found;
+}
+
+} // namespace Presentation_Tarvel_Graphics

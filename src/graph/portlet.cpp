@@ -1,0 +1,170 @@
+#include "graph/portlet.h"
+
+#include <QFont>
+#include <QPen>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Presentation_Tarvel_Graphics {
+
+using namespace Outils_Plot2D;
+
+namespace {
+
+constexpr float kTitleHeight = 20;
+constexpr float kPadding = 4;
+constexpr float kLegendWidth = 150;
+constexpr float kLabelGap =
+    6; // labels stand three pixels from the plotting area; as much again to their left
+constexpr float kTimeLabelGap = 14;
+constexpr float kNoticeHeight = 14;
+
+constexpr Colour kGround = 0xFFFFFFFF;
+constexpr Colour kTitleGround = 0xFFF4F6F9;
+constexpr Colour kTitleSelectedFrom = 0xFFF5FAFF;
+constexpr Colour kTitleSelectedTo = 0xFFD7EBFF;
+constexpr Colour kTitleText = 0xFF000078;
+constexpr Colour kFrame = 0xFFC9D1DE;
+constexpr Colour kFrameSelected = 0xFF99DEFE;
+constexpr Colour kGrid = 0xFFE7EAF0;
+constexpr Colour kAxis = 0xFF000078;
+constexpr Colour kNotice = 0xFF7A8294;
+
+// The numbers of ticks from one label to the next among which to choose.
+constexpr int kStrides[] = {1, 2, 4, 5, 10, 20, 50, 100};
+
+} // namespace
+
+CTrv1DGraphPortlet::CTrv1DGraphPortlet(CPlot2DSettings& settings, const SSimulationTimeText& timeText,
+                                       Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title)
+    : m_plot(settings), m_graph(graph), m_title(std::move(title)) {
+    auto scale = std::make_unique<CTrv1DGraphSimulationTimeScale>(timeText);
+    auto formater = std::make_unique<CTrv1DGraphTimeAdaptorFormater>(*scale, timeText);
+    m_timeScale = scale.get();
+    m_timeFormater = formater.get();
+    m_plot.GetHorizontalAxis().SetScale(std::move(scale));
+    m_plot.GetHorizontalAxis().SetFormater(std::move(formater));
+    for (CPlot2DAxis* axis : {&m_plot.GetHorizontalAxis(), &m_plot.GetVerticalAxis()}) {
+        axis->SetPen(std::make_unique<CPlot2DPen>(kAxis));
+        axis->GetGrid().SetPen(std::make_unique<CPlot2DPen>(kGrid));
+    }
+    m_plot.GetPlottingArea().SetBrush(std::make_unique<CPlot2DSolidBrush>(kGround));
+}
+
+CTrv1DGraphPortlet::~CTrv1DGraphPortlet() = default;
+
+void CTrv1DGraphPortlet::Register(CPlot2DSerie& serie, const SCurveDescription& description) {
+    serie.SetColor(description.colour);
+    m_entries.push_back({&serie, description.curve});
+}
+
+const Metier_Tarvel_Graphics::CTrv1DCurve* CTrv1DGraphPortlet::GetCurve(const CPlot2DSerie* serie) const {
+    for (const SEntry& entry : m_entries)
+        if (entry.serie == serie) return entry.curve;
+    return nullptr;
+}
+
+void CTrv1DGraphPortlet::RemoveSerie(const CPlot2DSerie* serie) {
+    std::erase_if(m_entries, [serie](const SEntry& entry) { return entry.serie == serie; });
+    m_plot.RemoveSerie(const_cast<CPlot2DSerie*>(serie)); // only compared
+    OnDataChanged();
+}
+
+void CTrv1DGraphPortlet::ForEachSource(const std::function<void(CTrv1DGraphDataSource&)>& visit) const {
+    // Series of a portlet are made here, each with a source of this class.
+    for (const auto& serie : m_plot.GetSeries())
+        if (auto* source = static_cast<CTrv1DGraphDataSource*>(serie->GetDataSource())) visit(*source);
+}
+
+void CTrv1DGraphPortlet::SetDisplay(CDateTimeSpan start, CDateTimeSpan end) {
+    m_timeScale->SetDisplay(start, end);
+    ForEachSource([&](CTrv1DGraphDataSource& source) { source.SetDisplay(start, end); });
+    ChooseTimeLabels(CGraphics());
+}
+
+void CTrv1DGraphPortlet::OnDataChanged() {}
+
+bool CTrv1DGraphPortlet::HasPoints() const {
+    bool found = false;
+    ForEachSource([&found](const CTrv1DGraphDataSource& source) { found = found || source.GetCount() > 0; });
+    return found;
+}
+
+void CTrv1DGraphPortlet::Layout(const SRect& rect, float margin) {
+    m_rect = rect;
+    m_margin = margin;
+    const CGraphics graphics;
+    LayoutPlot(graphics);
+    ChooseTimeLabels(graphics);
+}
+
+void CTrv1DGraphPortlet::LayoutPlot(const CGraphics& graphics) {
+    const float width = m_rect.width - 2 * kPadding, height = m_rect.height - kTitleHeight - kPadding;
+    m_plot.SetRect({m_rect.x + kPadding, m_rect.y + kTitleHeight, width - 1, height - 1});
+    m_plot.GetLegend().SetRect({0, 2, kLegendWidth, height - 5});
+
+    SRect area;
+    area.height =
+        std::max(1.0f, height - 1 - graphics.GetFontHeight(m_plot.GetHorizontalAxis().GetFont()) - 2);
+    m_plot.GetPlottingArea().SetRect(area);
+    // The ticks want the height, their labels make the margin, and that makes the width.
+    ChooseVerticalTicks(graphics);
+    m_wantedMargin = std::ceil(m_plot.GetVerticalAxis().MeasureLabels(graphics).width) + kLabelGap;
+    const float margin = std::max(m_margin, m_wantedMargin);
+    area.x = margin + (m_plot.IsLegendVisible() ? kLegendWidth : 0);
+    area.width = std::max(1.0f, width - area.x - 3);
+    m_plot.GetPlottingArea().SetRect(area);
+    m_plottingRect = {area.x + m_plot.GetRect().x, area.y + m_plot.GetRect().y, area.width, area.height};
+}
+
+// Ticks of the time stand closer than their texts are wide: as many are left out as it takes.
+void CTrv1DGraphPortlet::ChooseTimeLabels(const CGraphics& graphics) {
+    m_timeFormater->SetStride(1);
+    const auto& axis = m_plot.GetHorizontalAxis();
+    const float width =
+        graphics.MeasureString(m_timeFormater->Format(50), axis.GetFont(), SPoint{}, SStringFormat{}).width;
+    const float spacing =
+        static_cast<float>(m_timeScale->GetStep()) / 100 * m_plot.GetPlottingArea().GetRect().width;
+    if (!(spacing > 0)) return;
+    for (const int stride : kStrides) {
+        m_timeFormater->SetStride(stride);
+        if (spacing * static_cast<float>(stride) >= width + kTimeLabelGap) return;
+    }
+}
+
+void CTrv1DGraphPortlet::Draw(CGraphics& graphics, bool selected) {
+    const SRect frame = {m_rect.x, m_rect.y, m_rect.width - 1, m_rect.height - 1};
+    const SRect title = {frame.x, frame.y, frame.width, kTitleHeight - 3};
+    CPlot2DSolidBrush(kGround).Fill(graphics, frame);
+    if (selected)
+        CPlot2DLinearGradientBrush(kTitleSelectedFrom, kTitleSelectedTo, LinearGradientMode::Vertical)
+            .Fill(graphics, title);
+    else
+        CPlot2DSolidBrush(kTitleGround).Fill(graphics, title);
+    const CPlot2DPen pen(selected ? kFrameSelected : kFrame);
+    graphics.DrawRectangle(pen.GetNative(), frame);
+
+    SStringFormat format;
+    format.lineAlign = StringAlignment::Center;
+    graphics.SetClipRect(title);
+    graphics.DrawString(m_title, m_plot.GetHorizontalAxis().GetFont(),
+                        SPoint{title.x + 2 * kPadding, title.y + title.height / 2}, format, kTitleText);
+    graphics.ResetClip();
+
+    m_plot.Draw(graphics);
+    if (!HasPoints() && !m_notice.empty()) DrawNotice(graphics);
+}
+
+void CTrv1DGraphPortlet::DrawNotice(CGraphics& graphics) const {
+    QFont font(QStringLiteral("Arial"));
+    font.setPixelSize(static_cast<int>(kNoticeHeight));
+    SStringFormat format;
+    format.align = StringAlignment::Center;
+    format.lineAlign = StringAlignment::Center;
+    const SRect& area = m_plottingRect;
+    graphics.DrawString(m_notice, font, SPoint{area.x + area.width / 2, area.y + area.height / 2}, format,
+                        kNotice);
+}
+
+} // namespace Presentation_Tarvel_Graphics

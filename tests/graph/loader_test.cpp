@@ -1,0 +1,319 @@
+#include "config/config_file.h"
+#include "document/scripted_host.h"
+#include "graph/fabricated.h"
+#include "graph/loader.h"
+#include "recording/recording_writer.h"
+#include "support/temporary_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string_view>
+
+using namespace test;
+using namespace Persistance_Xpf;
+using Outils_Configuration::Cnf;
+
+namespace {
+
+// The curves of a default graph.
+constexpr std::size_t kRecording = 0, kResult = 1;
+
+// A recording of five minutes with the unit's own navigation, a result of its first two minutes, and a
+// document on both.
+class LoaderTest : public testing::Test {
+  protected:
+    LoaderTest() {
+        constexpr std::string_view recorded[] = {"NELIX_NAV", "DEPTH"};
+        Enregistrement::CRecordingWriter recording;
+        EXPECT_TRUE(recording.Create(m_folder / "dive.tarin", recorded));
+        CXpfTarinNelixNavPacketV2 navigation;
+        CXpfTarinDepthPacketV1 depth;
+        for (int second = 0; second <= 300; ++second) {
+            navigation.SetDate(0, Seconds(second));
+            navigation.SetDouble(4, 43 + second * 1e-4);
+            EXPECT_TRUE(recording.Write("NELIX_NAV", navigation));
+            depth.SetDate(0, Seconds(second));
+            EXPECT_TRUE(second % 100 != 0 || recording.Write("DEPTH", depth));
+        }
+        EXPECT_TRUE(recording.Close());
+        BeginResult();
+        Compute(0, 120);
+        m_adaptors.Configure(m_config);
+    }
+    ~LoaderTest() override {
+        m_loader.reset();
+        m_document.reset();
+    }
+
+    void BeginResult() {
+        constexpr std::string_view computed[] = {"MORVEX_STD"};
+        EXPECT_TRUE(m_result.Create(m_folder / "dive.tarout", computed));
+    }
+    void Compute(int from, int to, double value = 43.5) {
+        for (int second = from; second <= to; ++second)
+            EXPECT_TRUE(m_result.Write("MORVEX_STD", *MakeResult(second, value)));
+        EXPECT_TRUE(m_result.Flush());
+    }
+    void Open() {
+        m_document.emplace(m_host, m_host.m_queue, m_config);
+        auto project =
+            std::make_unique<Metier_Tarvel::CTrvProject>(m_folder / "dive.tarin", m_folder / "dive.tarout");
+        m_document->NewFromProject(std::move(project), m_folder / "dive.tarprj");
+        m_loader.emplace(*m_document, m_adaptors, m_settings);
+        m_loader->SetOnChanged([this](bool) { ++m_changes; });
+        m_loader->SetViewSize({1000, 700}, 1);
+    }
+    void OpenAndLoad() {
+        Open();
+        Load();
+    }
+    bool RunUntil(const std::function<bool()>& done) {
+        return m_host.m_queue.RunUntil(done, std::chrono::seconds(60));
+    }
+    void Load() {
+        EXPECT_TRUE(RunUntil([this] { return !m_loader->IsLoading(); }));
+    }
+    void Tell(EHint hint, Metier_Tarvel::CTrvDataFile* file = nullptr) {
+        m_document->UpdateAllViews(nullptr, hint, file);
+    }
+    Metier_Tarvel::CTrvSimulationParameters& Parameters() {
+        return *m_document->GetProject()->simulationParameters;
+    }
+    Metier_Tarvel::CTrvDataFile& Result() { return *Parameters().outputFile; }
+    Metier_Tarvel::CTrvDataFile& Recording() { return *Parameters().mainInputFile; }
+    CTrv1DGraphStack& Stack() { return m_loader->GetStack(); }
+    std::pair<double, double> Shown() {
+        return {Stack().GetPeriod().start.GetTotalSeconds(), Stack().GetPeriod().end.GetTotalSeconds()};
+    }
+    CTrv1DGraphDataSource& Source(std::size_t portlet, std::size_t curve) {
+        std::vector<CTrv1DGraphDataSource*> sources;
+        Stack().GetPortlets()[portlet]->ForEachSource([&](auto& source) { sources.push_back(&source); });
+        return *sources.at(curve);
+    }
+    std::size_t CurveCount() { return Stack().GetPortlets()[0]->GetPlot().GetSeries().size(); }
+    // The time of the last point of a curve of the first graph.
+    double LastTime(std::size_t curve) {
+        double x = 0, y = 0;
+        auto& source = Source(0, curve);
+        if (source.GetCount() == 0 || !source.GetPoint(source.GetCount() - 1, x, y)) return -1;
+        const auto [start, end] = Shown();
+        return start + x / 100 * (end - start);
+    }
+
+    test::CTemporaryFolder m_folder;
+    Enregistrement::CRecordingWriter m_result;
+    Outils_Configuration::CTrvCnfConfigFile m_config;
+    Outils_Valeurs::CTrvAdaptors m_adaptors;
+    Outils_Plot2D::CPlot2DSettings m_settings;
+    CScriptedHost m_host;
+    std::optional<CTrvDocument> m_document;
+    std::optional<CTrv1DGraphLoader> m_loader;
+    int m_changes = 0;
+};
+
+using Period = std::pair<double, double>;
+
+TEST_F(LoaderTest, DefaultStackShowsTheResultBesideTheRecording) {
+    Open();
+    EXPECT_TRUE(m_loader->IsLoading());
+    ASSERT_EQ(Stack().GetPortlets().size(), 6u);
+    EXPECT_EQ(Stack().GetPortlets()[3]->GetTitle(), "Heading");
+    const auto& series = Stack().GetPortlets()[0]->GetPlot().GetSeries();
+    ASSERT_EQ(series.size(), 2u);
+    EXPECT_EQ(series[kResult]->GetName(), "MORVEX_STD - Latitude0");
+    EXPECT_EQ(series[kRecording]->GetName(), "NELIX_NAV - Latitude");
+    EXPECT_FALSE(Stack().GetPortlets()[0]->HasPoints());
+    Load();
+    EXPECT_EQ(Shown(), Period(0, 300));
+    EXPECT_TRUE(Stack().ShowsFullExtent());
+    EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
+    EXPECT_NEAR(LastTime(kRecording), 300, 1e-6);
+    double x = 0, y = 0;
+    ASSERT_TRUE(Source(0, kRecording).GetMaximum(100, x, y));
+    EXPECT_NEAR(y, 43.01, 1e-9);
+    // One question for each channel: all curves of it share one answer.
+    EXPECT_EQ(Source(0, kResult).GetDataset(), Source(5, kResult).GetDataset());
+    EXPECT_GT(m_changes, 0);
+    // Under another name there is no result yet.
+    m_host.m_paths.push_back(m_folder / "other.tarprj");
+    ASSERT_TRUE(m_document->CommandSaveAs());
+    Load();
+    EXPECT_EQ(CurveCount(), 1u);
+}
+
+TEST_F(LoaderTest, LastOfManyPeriodsWinsAndTheOldDataStaysMeanwhile) {
+    OpenAndLoad();
+    const auto old = Source(0, kRecording).GetDataset();
+    m_loader->ZoomHorizontal();
+    m_loader->ZoomHorizontal();
+    m_loader->ScrollRight();
+    m_loader->ScrollLeft();
+    m_loader->ScrollLeft();
+    EXPECT_EQ(Shown(), Period(93.75, 168.75));
+    EXPECT_EQ(Source(0, kRecording).GetDataset(), old);
+    EXPECT_GT(Source(0, kRecording).GetCount(), 0u);
+    Load();
+    const auto& dataset = *Source(0, kRecording).GetDataset();
+    const auto width = static_cast<double>(Stack().GetPlotWidth());
+    EXPECT_NEAR(dataset.GetBucket().GetTotalSeconds(), 75 / width, 1e-6);
+    CDateTimeSpan first, last;
+    dataset.GetRepresentatives().front()->GetDate(0, first);
+    dataset.GetRepresentatives().back()->GetDate(0, last);
+    EXPECT_EQ(first, Seconds(93)); // the curve reaches both edges
+    EXPECT_EQ(last, Seconds(169));
+    m_loader->ViewAll();
+    Load();
+    EXPECT_EQ(Shown(), Period(0, 300));
+}
+
+TEST_F(LoaderTest, GrowingResultIsFollowed) {
+    OpenAndLoad();
+    Tell(hintRunStarted);
+    Compute(121, 400);
+    for (int i = 0; i < 5; ++i) Tell(hintDataFileContentChanged, &Result());
+    Load();
+    EXPECT_EQ(Shown(), Period(0, 400)) << "a view of everything stays one";
+    EXPECT_NEAR(LastTime(kResult), 400, 1e-6);
+
+    m_loader->ZoomHorizontal();
+    Load();
+    Compute(401, 500);
+    Tell(hintChannelFound, &Result());
+    Load();
+    EXPECT_EQ(Shown(), Period(100, 300)) << "the user's period is left alone";
+    EXPECT_EQ(Stack().GetFullExtent().end, Seconds(500));
+
+    m_loader->ViewAll();
+    Load();
+    m_config.Set(Cnf<"view1D/displayAutoRefresh">, false);
+    Compute(501, 600);
+    Tell(hintDataFileContentChanged, &Result());
+    EXPECT_FALSE(m_loader->IsLoading());
+    Tell(hintRunEnded);
+    Load();
+    EXPECT_EQ(Shown(), Period(0, 600));
+    EXPECT_NEAR(LastTime(kResult), 600, 1e-6);
+}
+
+TEST_F(LoaderTest, NewResultOfTheSameLengthIsReadAgain) {
+    OpenAndLoad();
+    EXPECT_TRUE(m_result.Close());
+    BeginResult();
+    Compute(0, 120, 44.0);
+    Tell(hintRunEnded);
+    Load();
+    double x = 0, y = 0;
+    ASSERT_TRUE(Source(0, kResult).GetPoint(10, x, y));
+    EXPECT_EQ(y, 44.0);
+}
+
+TEST_F(LoaderTest, FileTimeBecomesSimulationTime) {
+    OpenAndLoad();
+    Recording().timeOffset = Metier_Tarvel::ToStoredTime(Seconds(-50));
+    Tell(hintDataFileTimeOffsetChanged, &Recording());
+    Load();
+    EXPECT_EQ(Shown(), Period(-50, 250));
+    EXPECT_NEAR(LastTime(kRecording), 250, 1e-6);
+    EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
+}
+
+TEST_F(LoaderTest, TheLastGoodCurvesOfABrokenFileStayUntilANewRun) {
+    OpenAndLoad();
+    EXPECT_TRUE(m_result.Close());
+    const auto file = m_folder / "dive.tarout";
+    const std::function<void()> breakages[] = {
+        [&] { std::filesystem::remove(file); }, [&] { std::filesystem::create_directory(file); },
+        [&] { std::filesystem::remove(file), std::ofstream(file) << "no longer a result"; }};
+    const auto expectTheCurve = [&] {
+        m_loader->ZoomHorizontal();
+        m_loader->ViewAll();
+        Load();
+        EXPECT_EQ(CurveCount(), 2u);
+        EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
+    };
+    for (const auto& breakFile : breakages) {
+        breakFile();
+        Tell(hintDataFileContentChanged, &Result());
+        expectTheCurve();
+    }
+    // Nor is it the monitor, by whom the result loses its place in the dictionary, that takes it away.
+    const auto hasLayers = [this] {
+        const auto& layers = m_document->GetProject()->dataModel->m_layers;
+        return std::ranges::any_of(layers,
+                                   [this](const auto& layer) { return layer->m_dataFile == &Result(); });
+    };
+    ASSERT_TRUE(RunUntil([&] { return !hasLayers(); }));
+    expectTheCurve();
+    EXPECT_EQ(m_host.m_output.size(), 2u); // a folder, no data file: each once
+    Tell(hintRunStarted);
+    EXPECT_EQ(CurveCount(), 1u);
+}
+
+// The whole way: the monitor sees the file, the dictionary gets its layer, the graphs a curve.
+TEST_F(LoaderTest, ResultThatAppearsLaterJoinsTheGraphs) {
+    EXPECT_TRUE(m_result.Close());
+    std::filesystem::rename(m_folder / "dive.tarout", m_folder / "kept");
+    OpenAndLoad();
+    EXPECT_EQ(CurveCount(), 1u);
+    const auto first = Source(0, kRecording).GetDataset();
+    // The monitor's first look tells of every file, and what it tells of is read again.
+    ASSERT_TRUE(
+        RunUntil([&] { return Source(0, kRecording).GetDataset() != first && !m_loader->IsLoading(); }));
+    const auto recorded = Source(0, kRecording).GetDataset();
+    std::filesystem::rename(m_folder / "kept", m_folder / "dive.tarout");
+    ASSERT_TRUE(
+        RunUntil([this] { return CurveCount() == 2 && !m_loader->IsLoading() && LastTime(kResult) > 0; }));
+    EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
+    EXPECT_EQ(Source(0, kRecording).GetDataset(), recorded) << "what was known is not read again";
+}
+
+TEST_F(LoaderTest, SavedGraphsReplaceTheDefaultOnes) {
+    OpenAndLoad();
+    auto& graphs = *m_document->GetProject()->graphSettings;
+    auto* mirrored = graphs.AddMeasureGraph("mirrored");
+    auto* curve = mirrored->AddCurve(&Recording(), Recording().FindChannel("NELIX_NAV")->id, 4, "north");
+    curve->factor = -1;
+    curve->color = 0xFF123456;
+    mirrored->AddCurve(nullptr, 1, 1, "gone");
+    graphs.AddEnumGraph("states", &Recording(), Recording().FindChannel("DEPTH")->id, 0, "rejected?");
+    m_document->UpdateAllViews(nullptr, hintGraphAdded, mirrored);
+    Load();
+    ASSERT_EQ(Stack().GetPortlets().size(), 2u);
+    auto& portlet = *Stack().GetPortlets()[0];
+    const auto& series = portlet.GetPlot().GetSeries();
+    ASSERT_EQ(series.size(), 2u);
+    EXPECT_EQ(series[0]->GetColor(), 0xFF123456u);
+    EXPECT_EQ(portlet.GetCurve(series[0].get()), curve);
+    double x = 0, y = 0;
+    ASSERT_TRUE(Source(0, 0).GetPoint(0, x, y));
+    EXPECT_EQ(y, -43);
+    EXPECT_EQ(Source(1, 0).GetCount(), 4u);
+
+    // What the user set on a graph outlives the next change of the project.
+    portlet.SetUserHeight(333);
+    dynamic_cast<CTrv1DGraphMeasurePortlet&>(portlet).SetRange(-50, -40);
+    mirrored->RemoveCurve(mirrored->curves[1].get());
+    m_document->UpdateAllViews(nullptr, hintCurveRemoved, mirrored);
+    const auto& again = dynamic_cast<CTrv1DGraphMeasurePortlet&>(*Stack().GetPortlets()[0]);
+    EXPECT_EQ(again.GetUserHeight(), 333);
+    EXPECT_EQ(again.GetMinimum(), -50);
+    EXPECT_TRUE(again.HasPoints()) << "the data at hand is shown at once";
+}
+
+TEST_F(LoaderTest, AnswersFindNobodyAfterTheEnd) {
+    Open();
+    m_loader->ZoomHorizontal();
+    m_loader.reset();
+    m_document->DeleteContents();
+    Tell(hintRefresh);
+    m_host.m_queue.RunPending();
+    m_loader.emplace(*m_document, m_adaptors, m_settings);
+    EXPECT_FALSE(m_loader->HasProject() && m_loader->IsLoading());
+    EXPECT_TRUE(Stack().GetPortlets().empty());
+}
+
+} // namespace
