@@ -7,7 +7,7 @@
 #include "foundation/paths.h"
 #include "model/data_file.h"
 #include "model/simulation_parameters.h"
-#include "processing/command_line.h"
+#include "processing/engine_command.h"
 
 #include <algorithm>
 #include <atomic>
@@ -16,18 +16,13 @@
 
 namespace Application_Tarvel {
 
+using Communication_Processus::CChildRun;
 using Metier_Tarvel::CTrvSimulationParameters;
 using Outils_Configuration::Cnf;
 using Outils_Fichiers::FromText;
 using Outils_Fichiers::ToText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
-
-namespace {
-
-constexpr Outils_Temps::CDateTimeSpan kFreezeTime(5 * Outils_Temps::kTicksPerSecond);
-
-} // namespace
 
 CEngineRun::CEngineRun(IDocumentHost& host, const Outils_Configuration::CTrvCnfConfigFile& configuration,
                        CFileLooks& looks, IEngineRunListener& listener)
@@ -68,10 +63,6 @@ bool CEngineRun::CheckFiles(const CTrvSimulationParameters& parameters) {
 
 bool CEngineRun::Start(const CTrvSimulationParameters& parameters) {
     m_process.SetNotification(m_host.GetReceiver());
-    if (m_process.ProcessId() != 0) {
-        m_process.WaitForReceivers();
-        m_process.Close();
-    }
     std::filesystem::path parameterFile;
     if (!WriteParameterFile(parameters, parameterFile)) return false;
     RemoveResult(parameters.outputFile->path);
@@ -115,18 +106,12 @@ void CEngineRun::RemoveResult(const std::filesystem::path& result) {
 bool CEngineRun::Launch(const std::filesystem::path& parameterFile) {
     const auto engine =
         (m_host.GetProgramFolder() / FromText(m_configuration.Get(Cnf<"process/morvex">))).lexically_normal();
-    using namespace Communication_Processus;
-    const std::string commandLine =
-        QuoteProgram(ToText(engine)) + " /remote /autostart off " + QuoteArgument(ToText(parameterFile));
-    m_stopRequests = 0;
-    if (!m_process.Open(commandLine, false)) {
+    if (!m_run.Start(Communication_Processus::MakeEngineCommand(ToText(engine), ToText(parameterFile)))) {
         std::error_code ignored;
         std::filesystem::remove(parameterFile, ignored);
         return Refuse(EText::noProcess);
     }
-    m_process.Start();
     m_temporaryFiles.push_back(parameterFile);
-    m_active = true;
     m_listener.OnRunStarted();
     m_host.SetProgress(0);
     m_host.ShowProgress(true);
@@ -134,33 +119,30 @@ bool CEngineRun::Launch(const std::filesystem::path& parameterFile) {
 }
 
 bool CEngineRun::Poll() {
-    if (m_process.IsRunning()) return true;
-    End();
-    return false;
+    const auto state = m_run.Poll();
+    if (state == CChildRun::ERunState::ended) End();
+    return state == CChildRun::ERunState::running;
+}
+
+bool CEngineRun::Stop() {
+    const auto state = m_run.Stop();
+    if (state == CChildRun::ERunState::ended) End();
+    return state != CChildRun::ERunState::idle;
 }
 
 void CEngineRun::End() {
-    if (!std::exchange(m_active, false)) return;
-    // The engine's last output is on its way to the receiver: it belongs to this run.
-    m_process.WaitForReceivers();
     m_listener.OnRunEnded();
     m_host.SetProgress(0);
     m_host.ShowProgress(false);
 }
 
-bool CEngineRun::Stop() {
-    if (!m_process.IsRunning()) return false;
-    if (m_stopRequests == 0) m_firstStopTime = m_host.GetTime();
-    m_process.Stop();
-    m_host.Sleep(std::chrono::milliseconds(200));
-    ++m_stopRequests;
-    if (m_stopRequests > 1 && m_host.GetTime() - m_firstStopTime > kFreezeTime) {
-        const auto answer =
-            m_host.ShowMessage(std::string(GetText(EText::frozen)), EButtons::okCancel, EIcon::exclamation);
-        if (answer == EAnswer::ok && m_process.IsRunning()) m_process.Terminate();
-    }
-    if (!m_process.IsRunning()) End();
-    return true;
+Outils_Temps::CDateTime CEngineRun::GetTime() { return m_host.GetTime(); }
+
+void CEngineRun::Sleep(std::chrono::milliseconds time) { m_host.Sleep(time); }
+
+bool CEngineRun::AskToTerminate() {
+    return m_host.ShowMessage(std::string(GetText(EText::frozen)), EButtons::okCancel, EIcon::exclamation) ==
+           EAnswer::ok;
 }
 
 void CEngineRun::RemoveTemporaryFiles() {

@@ -3,11 +3,10 @@
 #pragma once
 
 #include "document/file_looks.h"
-#include "foundation/date_time.h"
 #include "foundation/texts.h"
 #include "processing/child_processes.h"
+#include "processing/child_run.h"
 
-#include <cstdint>
 #include <filesystem>
 #include <vector>
 
@@ -32,12 +31,12 @@ class IEngineRunListener {
 };
 
 // UI thread only.
-class CEngineRun {
+class CEngineRun final : private Communication_Processus::IChildRunOwner {
   public:
     // All four must outlive the object.
     CEngineRun(IDocumentHost& host, const Outils_Configuration::CTrvCnfConfigFile& configuration,
                CFileLooks& looks, IEngineRunListener& listener);
-    ~CEngineRun() { RemoveTemporaryFiles(); }
+    ~CEngineRun() override { RemoveTemporaryFiles(); }
 
     // Checks that the result would not take the place of another file of the project. Shows a message and
     // returns false when it would, or when a disk does not answer in time.
@@ -51,7 +50,7 @@ class CEngineRun {
     // first offers to terminate it.
     bool Stop();
     // True from the start until the listener knows of the end. Does not look at the process.
-    bool IsActive() const { return m_active; }
+    bool IsActive() const { return m_run.IsActive(); }
     // Removes the parameter files of all runs so far: the engine reads them at its own pace.
     void RemoveTemporaryFiles();
 
@@ -62,15 +61,16 @@ class CEngineRun {
     void RemoveResult(const std::filesystem::path& result);
     bool Launch(const std::filesystem::path& parameterFile);
     void End();
+    Outils_Temps::CDateTime GetTime() override;
+    void Sleep(std::chrono::milliseconds time) override;
+    bool AskToTerminate() override;
 
     IDocumentHost& m_host;
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
     CFileLooks& m_looks;
     IEngineRunListener& m_listener;
     Communication_Processus::CProcessMorvex m_process;
-    bool m_active = false;
-    std::uint32_t m_stopRequests = 0;
-    Outils_Temps::CDateTime m_firstStopTime = Outils_Temps::CDateTime::Invalid();
+    Communication_Processus::CChildRun m_run{m_process, *this};
     std::vector<std::filesystem::path> m_temporaryFiles;
 };
 

@@ -246,8 +246,26 @@ TEST_F(RemoteProcess, ReadsAFloodOnBothOutputsWholeButHoldsAChildBackWhileTheSin
     EXPECT_EQ(child.lines.size(), 1u);
 }
 
+TEST_F(RemoteProcess, SaysHowAChildEnded) {
+    const struct {
+        const char* script;
+        const char* text;
+    } rows[] = {{"exit", "exit code 0"}, {"exit 3", "exit code 3"}, {"kill -9 $$", "killed by signal 9"}};
+    CListener child;
+    for (const auto& [script, text] : rows) {
+        ASSERT_TRUE(child.Open(Shell(script), false));
+        child.Finish();
+        EXPECT_EQ(ToText(child.GetEnd()), text);
+    }
+    ASSERT_TRUE(child.Open(Shell(kDeaf), false));
+    child.Terminate();
+    EXPECT_EQ(ToText(child.GetEnd()), "killed by signal 9");
+}
+
 TEST_F(RemoteProcess, AGrandchildWithThePipesDoesNotDelayClose) {
     CListener child;
+    ASSERT_TRUE(child.Open(Shell("exit"), false)); // its end is not taken for that of the next
+    child.Finish();
     ASSERT_TRUE(child.Open(Shell("exec 3<&0; cat <&3 &"), false));
     child.WaitForEnd();
     EXPECT_FALSE(child.WaitForReceivers());
