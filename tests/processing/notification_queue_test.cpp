@@ -27,7 +27,7 @@ struct SWindow : INotificationWindow {
 
 } // namespace
 
-TEST(NotificationQueue, ShowsEveryMessageInOrderAndTheLatestProgress) {
+TEST(NotificationQueue, ShowsMessagesInOrderAndLatestProgress) {
     Outils::CMessageQueue ui;
     SWindow window;
     std::optional<CMorvexReceiver> receiver(std::in_place, ui, &window);
@@ -56,7 +56,7 @@ TEST(NotificationQueue, ShowsEveryMessageInOrderAndTheLatestProgress) {
     EXPECT_EQ(window.shown.back(), "3.000000");
 }
 
-TEST(NotificationQueue, IsFullByCountOrSizeUntilTheWindowCatchesUp) {
+TEST(NotificationQueue, IsFullByCountOrSize) {
     Outils::CMessageQueue ui;
     SWindow window;
     CToolReceiver<Communication_Interfaces::IFileUpdaterNotification> receiver(ui, &window);
@@ -75,7 +75,7 @@ TEST(NotificationQueue, IsFullByCountOrSizeUntilTheWindowCatchesUp) {
     EXPECT_TRUE(receiver.IsFull());
 }
 
-TEST(NotificationQueue, KeepsTheNewestMessagesWhenNobodyTakesThem) {
+TEST(NotificationQueue, KeepsTheNewestWithoutAWindow) {
     Outils::CMessageQueue ui;
     CMorvexReceiver receiver(ui, nullptr);
     for (std::size_t i = 0; i < CNotificationQueue::mostMessages + 3; ++i)
