@@ -10,6 +10,7 @@
 #include "foundation/texts.h"
 
 #include <algorithm>
+#include <cmath>
 #include <ostream>
 
 namespace Batch {
@@ -29,6 +30,9 @@ constexpr EText kNatureLabels = EText::natureUnknown; // of nature 0; the others
 enum EAnalysisColumn : std::size_t { columnFirst = 4, columnFirstUtc = 6, columnLatitude = 12, columnByte = 15 };
 constexpr std::size_t kDictionaryDescription = 7;
 
+// Rounded to where a rate and a float of metres still mean something.
+double ToThousandths(double value) { return std::round(value * 1000) / 1000; }
+
 void AddChannel(CTable& table, std::uint16_t number, const SOpenFile& open, const SChannelScan& seen,
                 const Outils_Temps::CDateTime& origin) {
     const CXpfChannel* channel = open.file->FindChannelByNumber(number);
@@ -36,7 +40,7 @@ void AddChannel(CTable& table, std::uint16_t number, const SOpenFile& open, cons
     const auto first = dated ? seen.first : CDateTimeSpan::Invalid();
     const auto last = dated ? seen.last : CDateTimeSpan::Invalid();
     table.Row(EText::rowChannel, number, channel ? channel->GetName() : std::string(), seen.packets, first,
-              last, origin + first, origin + last, seen.GetRate(), seen.numberJumps, seen.timeJumps,
+              last, origin + first, origin + last, ToThousandths(seen.GetRate()), seen.numberJumps, seen.timeJumps,
               seen.badLinks);
 }
 
@@ -47,7 +51,7 @@ void AddFirstData(CTable& table, const SFirstData& data) {
     }
     if (data.hasPosition) {
         table.Add(EText::rowFirstPosition).SkipTo(columnLatitude);
-        table.Row(data.position.latitude, data.position.longitude, data.position.altitude);
+        table.Row(data.position.latitude, data.position.longitude, ToThousandths(data.position.altitude));
     }
 }
 

@@ -2,7 +2,7 @@
 // tells of its origin, and where it is damaged.
 #pragma once
 
-#include "batch/packet_access.h"
+#include "batch/file_access.h"
 #include "dataaccess/data_file_analyzer.h"
 
 #include <functional>
