@@ -2,9 +2,9 @@
 // format of a recording.
 #include "batch/commands.h"
 #include "batch/file_access.h"
-#include "batch/file_scan.h"
 #include "batch/session.h"
 #include "batch/table.h"
+#include "dataaccess/file_scan.h"
 #include "dataaccess/format_detection.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -93,7 +93,7 @@ int AnalyseCommand(const COptions& options, SStreams streams) {
     SOpenFile open = OpenFile(path, streams);
     if (!open.file) return exitFailure;
     const auto resultOrigin = FindUtcOriginOf(open, FromText(path));
-    CFileScan scan(open, FromText(path));
+    CFileScan scan(*open.file, open.kind, FromText(path));
     scan.Run([&](int percent) { streams.error << "progress " << percent << std::endl; });
     const SFirstData first = scan.GetFirstData();
     const auto origin = first.hasUtc ? first.utcOrigin : resultOrigin;

@@ -3,6 +3,7 @@
 #include "batch/file_access.h"
 #include "batch/packet_columns.h"
 #include "batch/table.h"
+#include "dataaccess/file_scan.h"
 #include "dataaccess/view_queries.h"
 #include "foundation/paths.h"
 
@@ -73,19 +74,15 @@ int ChannelsCommand(const COptions& options, SStreams streams) {
     SOpenFile open = OpenFile(path, streams);
     if (!open.file) return exitFailure;
     const auto origin = FindUtcOriginOf(open, Outils_Fichiers::FromText(path));
+    CFileScan scan(*open.file, open.kind, Outils_Fichiers::FromText(path));
+    scan.Run();
     CTable table(streams.out, options.GetForm(), EText::channelColumns);
     for (const auto& channel : open.file->GetChannels()) {
-        const SPeriod period = FindPeriod(*channel);
-        SPacketHeader header;
-        table.Add(channel->GetNumber()).Add(channel->GetName()).Add(channel->GetPacketType());
-        // Damage can hide the end of a channel, and with it the number of its packets.
-        if (channel->SeekLastPacket(&header))
-            table.Add(header.number + 1ull);
-        else if (channel->SeekFirstPacket(nullptr))
-            table.AddEmpty();
-        else
-            table.Add(0);
-        table.Row(period.first, period.last, origin + period.first, origin + period.last,
+        const SChannelScan* seen = scan.GetChannel(channel->GetNumber());
+        const bool dated = seen && seen->dates > 0;
+        const SPeriod period = dated ? SPeriod{seen->first, seen->last} : SPeriod();
+        table.Row(channel->GetNumber(), channel->GetName(), channel->GetPacketType(), seen ? seen->packets : 0,
+                  period.first, period.last, origin + period.first, origin + period.last,
                   channel->GetDescription());
     }
     return exitSuccess;
