@@ -73,14 +73,12 @@ std::vector<std::string_view> SMissionOptions::GetChannels() const {
 std::string SMissionOptions::Validate() const {
     constexpr double kLongest = 1e7; // seconds, four months
     if (targetSize < 0) return Say(EText::simSizeNegative);
-    if (targetSize == 0 && !(duration > 0 && duration <= kLongest))
-        return Say(EText::simDurationRange);
+    if (targetSize == 0 && !(duration > 0 && duration <= kLongest)) return Say(EText::simDurationRange);
     if (!IsWithin(imuRate, 1, 2000)) return Say(EText::simImuRateRange);
     if (!IsWithin(alignmentDuration, 0, kLongest)) return Say(EText::simAlignmentRange);
     if (!IsWithin(alignmentMotion, 0, 1)) return Say(EText::simAlignmentMotionRange);
     if (!IsWithin(seaState, 0, 5)) return Say(EText::simSeaRange);
-    if (!IsWithin(latitude, -85, 85) || !IsWithin(longitude, -180, 360))
-        return Say(EText::simStartRange);
+    if (!IsWithin(latitude, -85, 85) || !IsWithin(longitude, -180, 360)) return Say(EText::simStartRange);
     if (!IsWithin(altitude, -10000, 10000)) return Say(EText::simAltitudeRange);
     if (!IsWithin(heading, -360, 360)) return Say(EText::simHeadingRange);
     if (!IsWithin(Norm(current), 0, 5)) return Say(EText::simCurrentRange);
@@ -96,8 +94,7 @@ std::string SMissionOptions::Validate() const {
         if (name != "IMU" && GetUsualRate(name) == 0) return Say(EText::simNoInputChannel, {name});
     for (const SChannelOptions& own : channelOptions) {
         if (GetUsualRate(own.channel) == 0) return Say(EText::simNoSensorChannel, {own.channel});
-        if (own.rate != 0 && !IsWithin(own.rate, 0.001, 2000))
-            return Say(EText::simRateRange, {own.channel});
+        if (own.rate != 0 && !IsWithin(own.rate, 0.001, 2000)) return Say(EText::simRateRange, {own.channel});
         if (!IsWithin(own.delay, 0, 60)) return Say(EText::simDelayRange, {own.channel});
     }
     if (targetSize > 0 && static_cast<double>(targetSize) / GetBytesPerSecond(*this) > kLongest)

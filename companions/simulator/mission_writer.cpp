@@ -111,7 +111,8 @@ bool WriteMission(const CMission& mission, const std::filesystem::path& path,
         return false;
     }
     if (!truthPath.empty() && !WriteTruth(mission, truthPath)) {
-        error = Outils_Texte::FormatText(Outils_Texte::EText::simNotWritten, {Outils_Fichiers::ToText(truthPath)});
+        error = Outils_Texte::FormatText(Outils_Texte::EText::simNotWritten,
+                                         {Outils_Fichiers::ToText(truthPath)});
         return false;
     }
     return true;

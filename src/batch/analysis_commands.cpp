@@ -27,7 +27,12 @@ namespace {
 constexpr EText kNatureLabels = EText::natureUnknown; // of nature 0; the others follow
 
 // Where the cells begin that only some rows of the analysis have, as its header text has them.
-enum EAnalysisColumn : std::size_t { columnFirst = 4, columnFirstUtc = 6, columnLatitude = 12, columnByte = 15 };
+enum EAnalysisColumn : std::size_t {
+    columnFirst = 4,
+    columnFirstUtc = 6,
+    columnLatitude = 12,
+    columnByte = 15
+};
 constexpr std::size_t kDictionaryDescription = 7;
 
 // Rounded to where a rate and a float of metres still mean something.
@@ -40,8 +45,8 @@ void AddChannel(CTable& table, std::uint16_t number, const SOpenFile& open, cons
     const auto first = dated ? seen.first : CDateTimeSpan::Invalid();
     const auto last = dated ? seen.last : CDateTimeSpan::Invalid();
     table.Row(EText::rowChannel, number, channel ? channel->GetName() : std::string(), seen.packets, first,
-              last, origin + first, origin + last, ToThousandths(seen.GetRate()), seen.numberJumps, seen.timeJumps,
-              seen.badLinks);
+              last, origin + first, origin + last, ToThousandths(seen.GetRate()), seen.numberJumps,
+              seen.timeJumps, seen.badLinks);
 }
 
 void AddFirstData(CTable& table, const SFirstData& data) {

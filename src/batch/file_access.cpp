@@ -69,7 +69,8 @@ CDateTime FindResultOrigin(CXpfFile& file) {
     constexpr double kSteps = 1e4;
     CDateTime origin = CDateTime::Invalid();
     origin.SetDateTime(year, month, day, hour, minute, 0, 0);
-    origin += Outils_Temps::CDateTimeSpan::FromSeconds(std::round(static_cast<double>(second) * kSteps) / kSteps);
+    origin +=
+        Outils_Temps::CDateTimeSpan::FromSeconds(std::round(static_cast<double>(second) * kSteps) / kSteps);
     return origin - date;
 }
 

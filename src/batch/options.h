@@ -71,7 +71,7 @@ std::optional<std::size_t> FindNoCase(const Rows& rows, Member member, std::stri
     return std::nullopt;
 }
 
-// Words of a list as a message shows them: "a, b, c".
+// Words of a list as a message shows them: "a, b, c", or that there is none.
 template <class Rows, class Member>
 std::string ListWords(const Rows& rows, Member member) {
     std::string list;
@@ -79,7 +79,7 @@ std::string ListWords(const Rows& rows, Member member) {
         if (!list.empty()) list += ", ";
         list += std::invoke(member, row);
     }
-    return list;
+    return list.empty() ? std::string(Outils_Texte::GetText(EText::nothingThere)) : list;
 }
 
 } // namespace Batch

@@ -33,7 +33,8 @@ void AddElement(CTable& table, EFieldType type, const std::uint8_t* bytes) {
               ? AddElement<std::tuple_element_t<Code, FieldElements>>(table, bytes)
               : void()),
          ...);
-    }(std::make_index_sequence<std::tuple_size_v<FieldElements>>());
+    }
+    (std::make_index_sequence<std::tuple_size_v<FieldElements>>());
 }
 
 void AddDate(CTable& table, const std::uint8_t* bytes) {

@@ -22,7 +22,9 @@ class CPacketColumns {
     std::string GetNames(Outils_Texte::EText form) const;
 
     // Adds the cells of a packet of the type to the row, one for each name.
-    void Add(CTable& table, const Persistance_Xpf::CXpfPacket& packet) const { AddCells(table, packet, true); }
+    void Add(CTable& table, const Persistance_Xpf::CXpfPacket& packet) const {
+        AddCells(table, packet, true);
+    }
     void AddFields(CTable& table, const Persistance_Xpf::CXpfPacket& packet) const {
         AddCells(table, packet, false);
     }

@@ -47,6 +47,14 @@ SPeriod FindPeriod(CXpfChannel& channel) {
     return period;
 }
 
+// Where the channel's last packet is now; not known for an empty channel.
+CXpfFilePosition FindEnd(CXpfChannel& channel) {
+    const bool has = channel.SeekLastPacket(nullptr);
+    const CXpfFilePosition end = has ? channel.GetCurrent() : CXpfFilePosition();
+    channel.SeekFirstPacket(nullptr);
+    return end;
+}
+
 // Reports the period that the channel has: the one that was asked for holds nothing.
 int FailOutside(const std::string& path, EText text, const SOpenChannel& open, SStreams streams) {
     const SPeriod period = FindPeriod(*open.channel);
@@ -81,9 +89,9 @@ int ChannelsCommand(const COptions& options, SStreams streams) {
         const SChannelScan* seen = scan.GetChannel(channel->GetNumber());
         const bool dated = seen && seen->dates > 0;
         const SPeriod period = dated ? SPeriod{seen->first, seen->last} : SPeriod();
-        table.Row(channel->GetNumber(), channel->GetName(), channel->GetPacketType(), seen ? seen->packets : 0,
-                  period.first, period.last, origin + period.first, origin + period.last,
-                  channel->GetDescription());
+        table.Row(channel->GetNumber(), channel->GetName(), channel->GetPacketType(),
+                  seen ? seen->packets : 0, period.first, period.last, origin + period.first,
+                  origin + period.last, channel->GetDescription());
     }
     return exitSuccess;
 }
@@ -100,11 +108,15 @@ int PacketsCommand(const COptions& options, SStreams streams) {
     if (!open.packet) return exitFailure;
     const CPacketColumns columns(open.channel->GetPacketType(), open.utcOrigin);
     CTable table(streams.out, options.GetForm(), columns.GetNames());
-    bool isEmpty = true;
+    const CXpfFilePosition end = FindEnd(*open.channel);
+    CXpfFilePosition reached;
+    bool isEmpty = true, isCut = false;
     bool isPast = from && !SeekDate(open, Outils_Fichiers::FromText(arguments[0]), first);
     while (!isPast && left > 0 && streams.out) {
         open.packet->Clear(); // what a short packet does not fill is zero
-        if (!open.channel->ReadNextPacket(*open.packet)) break;
+        isCut = !open.channel->ReadNextPacket(*open.packet);
+        if (isCut) break;
+        reached = open.channel->GetPrevious();
         CDateTimeSpan date = CDateTimeSpan::Invalid();
         open.packet->GetDate(0, date);
         if (date < first) continue;
@@ -115,6 +127,7 @@ int PacketsCommand(const COptions& options, SStreams streams) {
         isEmpty = false;
         --left;
     }
+    if (isCut && reached.Get() < end.Get()) return Fail(arguments[0], EText::packetsDamaged, streams);
     // An empty table is an answer, but seldom the one that was hoped for.
     if (isEmpty) FailOutside(arguments[0], EText::periodOutside, open, streams);
     return exitSuccess;

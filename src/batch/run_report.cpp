@@ -49,8 +49,7 @@ void CRunReport::ReportProgress(int percent) {
     const CDateTimeSpan reached = FindDateReached(m_result);
     CTable& table = GetTable();
     table.Add(EText::rowProgress).Add(percent).Add(reached).Add(m_utcOrigin + reached);
-    if (percent > 0)
-        table.Add(EstimateTimeLeft(std::chrono::steady_clock::now() - m_start, percent).count());
+    if (percent > 0) table.Add(EstimateTimeLeft(std::chrono::steady_clock::now() - m_start, percent).count());
     table.EndRow(true);
 }
 
@@ -60,7 +59,8 @@ CDateTimeSpan FindDateReached(const std::filesystem::path& result) {
     const auto file = OpenXpfFile(result, EFileKind::tarout, outdated);
     CXpfChannel* channel = file ? file->FindChannelByName(kResultChannel) : nullptr;
     const auto packet = channel ? channel->CreatePacket() : nullptr;
-    if (packet && channel->SeekLastPacket(nullptr) && channel->ReadNextPacket(*packet)) packet->GetDate(0, date);
+    if (packet && channel->SeekLastPacket(nullptr) && channel->ReadNextPacket(*packet))
+        packet->GetDate(0, date);
     return date;
 }
 

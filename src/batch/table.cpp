@@ -105,9 +105,7 @@ CTable& CTable::Add(SQuoted quoted) {
     return *this;
 }
 
-CTable& CTable::Add(CDateTimeSpan span) {
-    return span.IsValid() ? AddDigits(ToSeconds(span)) : AddEmpty();
-}
+CTable& CTable::Add(CDateTimeSpan span) { return span.IsValid() ? AddDigits(ToSeconds(span)) : AddEmpty(); }
 
 CTable& CTable::Add(const CDateTime& date) {
     const std::string text = ToIsoText(date);

@@ -38,11 +38,10 @@ class CTable {
     CTable& Add(std::string_view word); // quoted in rows only where it has a separator, quote or line end
     CTable& Add(SQuoted quoted);
     CTable& Add(Outils_Texte::EText word) { return Add(Outils_Texte::GetText(word)); }
-    CTable& Add(Outils_Temps::CDateTimeSpan span);  // seconds; empty when invalid
+    CTable& Add(Outils_Temps::CDateTimeSpan span);    // seconds; empty when invalid
     CTable& Add(const Outils_Temps::CDateTime& date); // ISO 8601; empty when invalid
     template <class Number>
-        requires std::integral<Number> || std::floating_point<Number>
-    CTable& Add(Number number) {
+    requires std::integral<Number> || std::floating_point<Number> CTable& Add(Number number) {
         char digits[32];
         return AddDigits({digits, std::to_chars(digits, std::end(digits), number).ptr});
     }

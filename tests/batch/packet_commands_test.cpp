@@ -51,7 +51,9 @@ class CWithoutRights {
   public:
     explicit CWithoutRights(std::filesystem::path path) : m_path(std::move(path)), m_user(::geteuid()) {
         std::filesystem::permissions(m_path, std::filesystem::perms::none);
-        if (m_user == 0) EXPECT_EQ(::seteuid(kOther), 0);
+        if (m_user == 0) {
+            EXPECT_EQ(::seteuid(kOther), 0);
+        }
     }
     ~CWithoutRights() {
         EXPECT_EQ(::seteuid(m_user), 0);
@@ -82,8 +84,9 @@ TEST_F(PacketCommands, PrintsPacketsOfAPeriod) {
     Succeed("packets /r.tarin DEPTH --from 1.9 --to 2 --json");
     EXPECT_EQ(m_out, "{\"Date\":2,\"UTC\":null,\"Delay\":0,\"Rejection\":2,\"Depth\":12.25,"
                      "\"Std. dev. depth\":0.1}\n");
-    for (const auto& [option, count, note] :
-         {std::tuple{"--limit 2", 2u, ""}, {"--from 99", 0u, "reach from 1 s to 5.5 s"}, {"--from -99", 10u, ""}}) {
+    for (const auto& [option, count, note] : {std::tuple{"--limit 2", 2u, ""},
+                                              {"--from 99", 0u, "reach from 1 s to 5.5 s"},
+                                              {"--from -99", 10u, ""}}) {
         Succeed("packets /r.tarin DEPTH " + std::string(option));
         EXPECT_THAT(Lines(), SizeIs(1 + count)) << option;
         EXPECT_THAT(m_error, HasSubstr(note)) << option;
@@ -138,7 +141,8 @@ TEST_F(PacketCommands, ReportsWhatIsWrong) {
         {"picture /p.tarprj /p.gif", 2, "must end in .png"},
         {"picture /p.tarprj /p.png --size 10x10", 2, "--size needs"},
         {"picture /p.tarprj /p.png --size 800x600px", 2, "--size needs"},
-        {"create /r.tarin /p.tarprj --add sonar", 2, "unknown kind of sensor \"sonar\"; there are: all, gps, dvl"},
+        {"create /r.tarin /p.tarprj --add sonar", 2,
+         "unknown kind of sensor \"sonar\"; there are: all, gps, dvl"},
         {"channels /gone", 1, "gone: no such file"},
         {"channels /text", 1, "text: not a packet file"},
         {"channels /cut", 1, "cut: a packet file whose header is damaged or cut short"},

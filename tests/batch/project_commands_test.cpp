@@ -138,10 +138,10 @@ TEST_F(ProjectCommands, BrokenRulesKeepAProjectFromWork) {
         project.simulationParameters->AddOutputRate()->value = 0;
     });
     EXPECT_EQ(Run("check /m.tarprj"), 1);
-    EXPECT_THAT(Lines(),
-                UnorderedElementsAre("broken rule", "ZUPT end time should be strictly greater than begin time",
-                                     "Output rate end time should be strictly greater than begin time",
-                                     "Output rate value should be strictly positive"));
+    EXPECT_THAT(Lines(), UnorderedElementsAre(
+                             "broken rule", "ZUPT end time should be strictly greater than begin time",
+                             "Output rate end time should be strictly greater than begin time",
+                             "Output rate value should be strictly positive"));
     EXPECT_EQ(Run("parameters /m.tarprj /broken.xml"), 1);
     EXPECT_THAT(m_error, HasSubstr("ZUPT end time"));
     EXPECT_FALSE(std::filesystem::exists(Path("broken.xml")));
@@ -192,7 +192,9 @@ TEST_F(ProjectCommands, ReportsWhatFilesHold) {
     Succeed("detect /m.tarin --json");
     EXPECT_EQ(m_out, "{\"code\":1,\"format\":\"Xpf packet file\"}\n");
     Succeed("analyse /m.tarin");
-    EXPECT_THAT(m_out, HasSubstr("channel;0;IMU;2000;0.01;20;2024-05-14T08:00:00.01Z;2024-05-14T08:00:20Z;100;0;0;0;"));
+    EXPECT_THAT(
+        m_out,
+        HasSubstr("channel;0;IMU;2000;0.01;20;2024-05-14T08:00:00.01Z;2024-05-14T08:00:20Z;100;0;0;0;"));
     EXPECT_THAT(m_out, HasSubstr("UTC origin;;;;0;;2024-05-14T08:00:00Z;"));
     EXPECT_THAT(m_out, HasSubstr("first position;;;;;;;;;;;;43"));
     EXPECT_THAT(m_out, Not(HasSubstr("damaged")));
@@ -209,7 +211,8 @@ TEST_F(ProjectCommands, AnalyseCountsDamage) {
     std::ofstream(Path("odd.tarin"), std::ios::binary) << odd;
     Succeed("analyse /odd.tarin");
     EXPECT_THAT(m_out, HasSubstr(";100;0;0;1;;;;;;\n"));
-    EXPECT_THAT(m_out, HasSubstr("channel;5;GPS_1;20;-922337203685.4775808;20;;2024-05-14T08:00:20Z;0;0;0;0;"));
+    EXPECT_THAT(m_out,
+                HasSubstr("channel;5;GPS_1;20;-922337203685.4775808;20;;2024-05-14T08:00:20Z;0;0;0;0;"));
 
     // A torn end is no damage: it is how a recording looks whose writer is at work.
     bytes.resize(bytes.size() - 5);
@@ -222,6 +225,8 @@ TEST_F(ProjectCommands, AnalyseCountsDamage) {
     EXPECT_EQ(Run("analyse /damaged.tarin"), 1);
     EXPECT_THAT(m_out, AllOf(HasSubstr("damaged;"), HasSubstr("torn;")));
     EXPECT_THAT(m_error, HasSubstr("the file is damaged"));
+    EXPECT_EQ(Run("packets /damaged.tarin IMU"), 1);
+    EXPECT_THAT(m_error, HasSubstr("cannot be reached"));
 
     // Damage without end is counted, not kept.
     std::ofstream wreck(Path("damaged.tarin"), std::ios::binary | std::ios::app);
