@@ -109,7 +109,9 @@ EText FindPacketFileFault(const std::filesystem::path& path) {
         isOutdated = isOutdated || outdated;
     }
     if (!Application_Tarvel::IsXpfFile(path)) return EText::noPacketFile;
-    return isOutdated ? EText::olderLayout : EText::headerDamaged;
+    CXpfFile file;
+    const bool isWhole = file.Open(path) && file.GetDataStart().IsKnown();
+    return isOutdated && isWhole ? EText::olderLayout : EText::headerDamaged;
 }
 
 EText FindProjectFault(const std::filesystem::path& path) {

@@ -288,8 +288,9 @@ TEST(CommandLineTest, NeverOverwritesWithoutForce) {
 
 TEST(CommandLineTest, HelpShowsDefaultsGradesAndChannels) {
     const std::string usage = GetUsage();
-    for (const char* part : {"length in seconds; default 1800", "tactical or mems; default navigation",
-                             "--force", "mems: 20, 0.3, 3000, 120", "GPS_1: 1 Hz", "Without --channels, auv: IMU,DVL_BT"})
+    for (const char* part :
+         {"length in seconds; default 1800", "tactical or mems; default navigation", "--force",
+          "mems: 20, 0.3, 3000, 120", "GPS_1: 1 Hz", "Without --channels, auv: IMU,DVL_BT"})
         EXPECT_NE(usage.find(part), usage.npos) << part;
 }
 
