@@ -31,7 +31,7 @@ CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
       m_messageWnd(std::make_shared<Outils::CMessagePort>(target)),
       m_target(target),
       m_fileLooks(target),
-      m_engineRun(host, target, configuration, m_fileLooks, *this),
+      m_engineRun(host, configuration, m_fileLooks, *this),
       m_queryManager(target) {}
 
 CTrvDocument::~CTrvDocument() { DeleteContents(); }

@@ -89,16 +89,11 @@ std::string FormatDate(Outils_Temps::CDateTimeSpan date, Outils_Temps::CDateTime
     return text;
 }
 
-std::string ErrorLine(const std::string& text) {
-    return Communication_Processus::FormatMessageLine(Communication_Interfaces::levelError, text);
-}
-
 } // namespace
 
-CEngineRun::CEngineRun(IDocumentHost& host, Outils::IMessageTarget& target,
-                       const Outils_Configuration::CTrvCnfConfigFile& configuration, CFileLooks& looks,
-                       IEngineRunListener& listener)
-    : m_host(host), m_configuration(configuration), m_looks(looks), m_listener(listener), m_port(target) {}
+CEngineRun::CEngineRun(IDocumentHost& host, const Outils_Configuration::CTrvCnfConfigFile& configuration,
+                       CFileLooks& looks, IEngineRunListener& listener)
+    : m_host(host), m_configuration(configuration), m_looks(looks), m_listener(listener) {}
 
 bool CEngineRun::Refuse(const std::string& text) {
     m_host.ShowMessage(text, EButtons::ok, EIcon::exclamation);
@@ -239,25 +234,33 @@ void CEngineRun::End() {
     m_host.ShowProgress(false);
     if (finished) return;
 
-    Report(ErrorLine(m_outcome == ERunOutcome::stopped
-                         ? std::string(GetText(EText::runStopped))
-                         : FormatText(EText::runFailed, {Communication_Processus::ToText(m_run.GetEnd())})));
+    using namespace Communication_Interfaces;
     const std::string result = ToText(m_result);
-    if (left != CResultGuard::ELeft::partial)
-        Report(FormatText(EText::noResult, {result}));
-    else if (reached)
-        Report(FormatText(EText::resultPartial, {result, FormatDate(*reached, m_utcReference)}));
+    if (m_outcome == ERunOutcome::stopped)
+        Report(levelWarning, EText::runStopped);
     else
-        Report(FormatText(EText::resultWasPartial, {result}));
+        Report(levelError, EText::runFailed, {Communication_Processus::ToText(m_run.GetEnd())});
+    if (left != CResultGuard::ELeft::partial)
+        Report(levelWarning, EText::noResult, {result});
+    else if (reached)
+        Report(levelWarning, EText::resultPartial, {result, FormatDate(*reached, m_utcReference)});
+    else
+        Report(levelWarning, EText::resultWasPartial, {result});
     const auto former = CResultGuard::GetFormerPath(m_result);
     if (left == CResultGuard::ELeft::former)
-        Report(FormatText(EText::resultRestored, {result}));
+        Report(levelInformation, EText::resultRestored, {result});
     else if (std::filesystem::exists(former, error))
-        Report(FormatText(EText::formerKept, {ToText(former)}));
+        Report(levelInformation, EText::formerKept, {ToText(former)});
 }
 
-void CEngineRun::Report(const std::string& line) {
-    m_port.Post([this, line] { m_host.AppendOutputText(line); });
+// The way of the engine's messages, so that the report comes after the last of them.
+void CEngineRun::Report(Communication_Interfaces::EMessageLevel level, EText text,
+                        std::initializer_list<std::string_view> arguments) {
+    const std::string formatted = FormatText(text, arguments);
+    if (auto* receiver = m_host.GetReceiver())
+        receiver->OnMessage(level, 0, formatted);
+    else
+        m_host.AppendOutputText(Communication_Processus::FormatMessageLine(level, formatted));
 }
 
 void CEngineRun::ExamineResult(const std::filesystem::path& result) {

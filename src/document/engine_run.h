@@ -4,13 +4,14 @@
 
 #include "document/file_looks.h"
 #include "document/result_guard.h"
-#include "foundation/message_target.h"
 #include "foundation/texts.h"
 #include "processing/child_processes.h"
 #include "processing/child_run.h"
 
 #include <filesystem>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Metier_Tarvel {
@@ -40,10 +41,9 @@ enum class ERunOutcome { none, finished, stopped, failed };
 // UI thread only.
 class CEngineRun final : private Communication_Processus::IChildRunOwner {
   public:
-    // All five must outlive the object.
-    CEngineRun(IDocumentHost& host, Outils::IMessageTarget& target,
-               const Outils_Configuration::CTrvCnfConfigFile& configuration, CFileLooks& looks,
-               IEngineRunListener& listener);
+    // All four must outlive the object.
+    CEngineRun(IDocumentHost& host, const Outils_Configuration::CTrvCnfConfigFile& configuration,
+               CFileLooks& looks, IEngineRunListener& listener);
     ~CEngineRun() override { RemoveTemporaryFiles(); }
 
     // Opens the main input file and each file that a sensor uses, and checks that the result would not take
@@ -54,8 +54,8 @@ class CEngineRun final : private Communication_Processus::IChildRunOwner {
     // with the old result in its place, when the engine does not start or another run has the result.
     // REQUIRES: Poll() is false.
     bool Start(const Metier_Tarvel::CTrvSimulationParameters& parameters);
-    // Returns whether the engine runs. The first call after its end reports the end to the listener, and to
-    // the output panel when the run has not finished.
+    // Returns whether the engine runs. The first call after its end reports the end to the listener, and,
+    // when the run has not finished, to the host's receiver as messages after those of the engine.
     bool Poll();
     // Asks the engine to stop; false when it does not run. A second request more than 5 seconds after the
     // first offers to terminate it.
@@ -81,7 +81,8 @@ class CEngineRun final : private Communication_Processus::IChildRunOwner {
     bool SetResultAside();
     bool Launch(const std::filesystem::path& parameterFile);
     void End();
-    void Report(const std::string& line);
+    void Report(Communication_Interfaces::EMessageLevel level, EText text,
+                std::initializer_list<std::string_view> arguments = {});
 
     Outils_Temps::CDateTime GetTime() override;
     void Sleep(std::chrono::milliseconds time) override;
@@ -91,8 +92,6 @@ class CEngineRun final : private Communication_Processus::IChildRunOwner {
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
     CFileLooks& m_looks;
     IEngineRunListener& m_listener;
-    // Reports go the way of the engine's messages, so that they come after its last.
-    Outils::CMessagePort m_port;
     Communication_Processus::CProcessMorvex m_process;
     Communication_Processus::CChildRun m_run{m_process, *this};
     CResultGuard m_guard;

@@ -36,7 +36,8 @@ class CNotificationQueue : public Communication_Interfaces::IFlowControl {
     CNotificationQueue(Outils::IMessageTarget& target, INotificationWindow* window)
         : m_port(target), m_window(window) {}
 
-    // Receiver thread. `text` is the child's bytes; what is not UTF-8 in it becomes U+FFFD.
+    // Any thread, as a rule the receiver's. `text` is the child's bytes; what is not UTF-8 in it becomes
+    // U+FFFD.
     void StoreProgress(float percent);
     void QueueMessage(int level, int code, std::string_view text);
 

@@ -48,7 +48,7 @@ class EngineRun : public test::CDocumentFixture {
         const std::string seen[] = {Format(EText::fileVanished), Format(EText::fileReplaced)};
         std::vector<std::string> lines;
         for (const std::string& line : std::exchange(m_host.m_output, {}))
-            if (!line.starts_with("INFO : ") && !line.starts_with("?????") &&
+            if (!line.starts_with("INFO : parameters") && !line.starts_with("?????") &&
                 std::ranges::count(seen, line) == 0)
                 lines.push_back(line);
         return lines;
@@ -209,10 +209,11 @@ TEST_F(EngineRun, WaitsForTheLastMessages) {
 TEST_F(EngineRun, ReportsHowARunEndedAndWhatItLeft) {
     const auto whole = MakeResult();
     Create();
-    const std::string kept = FormatText(EText::formerKept, {ToText(m_result) + ".former"});
-    const std::string partial = Format(EText::resultPartial, "2024-03-14T10:00:01.5Z");
-    const std::string none = Format(EText::noResult), restored = Format(EText::resultRestored);
-    const std::string stopped = "ERROR : " + Text(EText::runStopped);
+    const std::string kept = "INFO : " + FormatText(EText::formerKept, {ToText(m_result) + ".former"});
+    const std::string partial = "WARNING : " + Format(EText::resultPartial, "2024-03-14T10:00:01.5Z");
+    const std::string none = "WARNING : " + Format(EText::noResult);
+    const std::string restored = "INFO : " + Format(EText::resultRestored);
+    const std::string stopped = "WARNING : " + Text(EText::runStopped);
     MakeHeader(m_folder / "empty", "MORVEX_STD");
     const struct {
         const char* mode;
