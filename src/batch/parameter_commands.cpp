@@ -2,7 +2,7 @@
 #include "batch/commands.h"
 #include "batch/packet_access.h"
 #include "batch/session.h"
-#include "document/batch_creation.h"
+#include "dialogs/batch_creation.h"
 #include "exchange/parameter_file.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
