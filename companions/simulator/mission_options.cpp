@@ -45,7 +45,7 @@ SChannelOptions& SMissionOptions::GetChannelOptions(std::string_view channel) {
 bool SMissionOptions::IsOutage(std::string_view channel, double time) const {
     const SChannelOptions* own = FindChannelOptions(channel);
     return own &&
-           std::ranges::any_of(own->outages, [&](const SStretch& outage) { return outage.Contains(time); });
+           std::ranges::any_of(own->outages, [&](const SPeriod& outage) { return outage.Contains(time); });
 }
 
 std::vector<std::string_view> SMissionOptions::GetChannels() const {
@@ -77,15 +77,15 @@ std::string SMissionOptions::Validate() const {
         return "the start must be between 85 S and 85 N";
     if (!IsWithin(altitude, -10000, 10000)) return "the altitude must be -10000 to 10000 m";
     if (!IsWithin(heading, -360, 360)) return "the heading must be -360 to 360 degrees";
-    if (!IsWithin(Norm(current), 0, 5)) return "the current must be at most 5 m/s";
+    if (!IsWithin(current.norm(), 0, 5)) return "the current must be at most 5 m/s";
     if (!IsWithin(equipment, 0, 255)) return "the equipment code must be 0 to 255";
     if (!IsWithin(gpsMode, 1, 5)) return "the GPS mode must be 1 to 5";
     if (!IsWithin(outliers, 0, 1)) return "the share of outliers must be 0 to 1";
     if (!IsWithin(truthRate, 0.001, 1000)) return "the rate of the truth must be 0.001 to 1000 Hz";
     if (!std::isfinite(noise + geoidSeparation + seabedDepth + dvlScaleError + dvlHeadingError))
         return "a value is not finite";
-    for (const Vector3& arm : leverArms)
-        if (!IsWithin(Norm(arm), 0, 1000)) return "a lever arm must be at most 1000 m";
+    for (const Vector3d& arm : leverArms)
+        if (!IsWithin(arm.norm(), 0, 1000)) return "a lever arm must be at most 1000 m";
     for (const std::string& name : channels)
         if (name != "IMU" && GetUsualRate(name) == 0) return "there is no input channel named " + name;
     for (const SChannelOptions& own : channelOptions) {
