@@ -1,5 +1,7 @@
 #include "foundation/files.h"
 
+#include "foundation/descriptor.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
@@ -14,26 +16,6 @@ namespace Outils_Fichiers {
 namespace fs = std::filesystem;
 
 namespace {
-
-// An open file, closed with its holder.
-class CDescriptor {
-  public:
-    explicit CDescriptor(int number) : m_number(number) {}
-    ~CDescriptor() { Close(); }
-    CDescriptor(CDescriptor&& other) noexcept : m_number(std::exchange(other.m_number, -1)) {}
-    CDescriptor& operator=(CDescriptor&& other) noexcept {
-        std::swap(m_number, other.m_number);
-        return *this;
-    }
-
-    bool IsOpen() const { return m_number >= 0; }
-    int Get() const { return m_number; }
-    // Some file systems report a failed write only here.
-    bool Close() { return m_number < 0 || ::close(std::exchange(m_number, -1)) == 0; }
-
-  private:
-    int m_number;
-};
 
 bool WriteAll(int file, std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {
