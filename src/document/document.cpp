@@ -1,6 +1,8 @@
 #include "document/document.h"
 
 #include "config/config_file.h"
+#include "document/batch_command_file.h"
+#include "document/project_check.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
@@ -29,6 +31,7 @@ CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
       m_messageWnd(std::make_shared<Outils::CMessagePort>(target)),
       m_target(target),
       m_fileLooks(target),
+      m_engineRun(host, configuration, m_fileLooks, *this),
       m_queryManager(target) {}
 
 CTrvDocument::~CTrvDocument() { DeleteContents(); }
@@ -87,11 +90,7 @@ void CTrvDocument::DeleteContents() {
     StopThreads();
     m_fileStates.clear();
     m_pProject.reset();
-    for (const auto& file : m_temporaryFiles) {
-        std::error_code ignored;
-        std::filesystem::remove(file, ignored);
-    }
-    m_temporaryFiles.clear();
+    m_engineRun.RemoveTemporaryFiles();
     CDocumentEx::DeleteContents();
 }
 
@@ -109,6 +108,67 @@ bool CTrvDocument::RefuseWhileRunning(EText text) {
     if (!IsSimulationRunning()) return false;
     GetHost().ShowMessage(std::string(GetText(text)), EButtons::ok, EIcon::exclamation);
     return true;
+}
+
+bool CTrvDocument::IsSimulationRunning() { return m_engineRun.Poll(); }
+
+bool CTrvDocument::StartSimulation() {
+    const CWaitCursor wait(GetHost());
+    if (!m_pProject || IsSimulationRunning()) return false;
+    const auto& parameters = *m_pProject->simulationParameters;
+    if (!ValidateProject(GetHost(), parameters, EText::parametersWrongLine, EText::parametersWrongRun))
+        return false;
+    // Checked again after the save, which may have given the result another name.
+    return m_engineRun.CheckFiles(parameters) && SaveBeforeRun() && m_engineRun.CheckFiles(parameters) &&
+           m_engineRun.Start(parameters);
+}
+
+bool CTrvDocument::StopSimulation() {
+    const CWaitCursor wait(GetHost());
+    return m_pProject && m_engineRun.Stop();
+}
+
+bool CTrvDocument::SaveBeforeRun() {
+    if (!m_bParametersChanged) return true;
+    std::error_code error;
+    const auto& result = m_pProject->simulationParameters->outputFile->path;
+    if (!std::filesystem::exists(result, error)) {
+        const std::string question(GetText(EText::mustSaveBeforeRun));
+        return GetHost().ShowMessage(question, EButtons::okCancel, EIcon::question) == EAnswer::ok && Save();
+    }
+    switch (GetHost().ShowMessage(std::string(GetText(EText::resultExists)), EButtons::yesNoCancel,
+                                  EIcon::question)) {
+    case EAnswer::yes: return Save();
+    case EAnswer::no: return SaveAs();
+    default: return false;
+    }
+}
+
+void CTrvDocument::OnResultRemoved(bool existed) {
+    CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
+    // The removal is no news, and what the engine writes is a new file, even if it is longer than the old one
+    // at the next look.
+    if (existed) ForgetContent(output);
+    UpdateAllViews(nullptr, hintDataFileContentChanged, &output);
+}
+
+void CTrvDocument::OnRunStarted() { UpdateAllViews(nullptr, hintRunStarted); }
+
+void CTrvDocument::OnRunEnded() {
+    UpdateAllViews(nullptr, hintRunEnded);
+    if (!m_pProject) return;
+    // While the engine wrote the result, nothing in it was a fault; from now on it may be one. It is a new
+    // file in all respects: the engine may have begun it again since the last look.
+    CTrvDataFile& output = *m_pProject->simulationParameters->outputFile;
+    StopAnalysis(output, true);
+    m_fileCache.InvalidateFile(output.path);
+    WatchAnew(output);
+}
+
+bool CTrvDocument::PrepareBatchCommandFile() {
+    return m_pProject &&
+           Application_Tarvel::PrepareBatchCommandFile(GetHost(), m_configuration, m_fileLooks,
+                                                       *m_pProject->simulationParameters, GetPathName());
 }
 
 void CTrvDocument::ProjectChanged(EHint hint, const CObject* object) {

@@ -8,11 +8,11 @@
 #include "dataaccess/data_file_monitor.h"
 #include "dataaccess/view_queries.h"
 #include "document/document_base.h"
+#include "document/engine_run.h"
 #include "document/file_looks.h"
 #include "document/file_state.h"
 #include "foundation/texts.h"
 #include "model/project.h"
-#include "processing/child_processes.h"
 
 #include <map>
 #include <memory>
@@ -33,7 +33,7 @@ class CTrvDocumentEdits;
 using Metier_Tarvel::CTrvDataFile;
 using Metier_Tarvel::CTrvProject;
 
-class CTrvDocument final : public CDocumentEx {
+class CTrvDocument final : public CDocumentEx, private IEngineRunListener {
   public:
     // All three must outlive the document.
     CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
@@ -120,16 +120,10 @@ class CTrvDocument final : public CDocumentEx {
                       EResultName resultName);
     // Refuses with the text while the engine runs.
     bool RefuseWhileRunning(EText text);
-    void EndRun();
-    // Asks the rules. What is broken goes to the output panel behind the text `line`, then `message` is
-    // shown.
-    bool ValidateProject(EText line, EText message);
     bool SaveBeforeRun();
-    bool WriteParameterFile(std::filesystem::path& path);
-    // True, and told, when the result would take the place of a file of the project.
-    bool RefuseResultOverInput();
-    void RemoveResult();
-    bool LaunchEngine(const std::filesystem::path& parameterFile);
+    void OnResultRemoved(bool existed) override;
+    void OnRunStarted() override;
+    void OnRunEnded() override;
 
     // Main input, output and external files, in this order.
     std::vector<CTrvDataFile*> GetDataFiles() const;
@@ -172,7 +166,9 @@ class CTrvDocument final : public CDocumentEx {
     void OnFileChanged(EFileChange change, const void* key);
     void OnDamageFound(const void* key, std::int64_t position);
     // The running engine owns the result: nothing that happens to it is a fault.
-    bool IsBeingWritten(const CTrvDataFile& file) const { return m_bSimulationRunning && IsResultFile(file); }
+    bool IsBeingWritten(const CTrvDataFile& file) const {
+        return m_engineRun.IsActive() && IsResultFile(file);
+    }
     void Tell(EText text, const CTrvDataFile& file);
 
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
@@ -182,11 +178,6 @@ class CTrvDocument final : public CDocumentEx {
     Outils::IMessageTarget& m_target;
 
     std::unique_ptr<CTrvProject> m_pProject;
-    Communication_Processus::CProcessMorvex m_process;
-    std::uint32_t m_stopRequests = 0;
-    Outils_Temps::CDateTime m_firstStopTime = Outils_Temps::CDateTime::Invalid();
-    std::vector<std::filesystem::path> m_temporaryFiles; // parameter files, deleted in DeleteContents
-    bool m_bSimulationRunning = false;
     bool m_bParametersChanged = false;
     bool m_bSavingNewBatchProject = false;
     bool m_bAutoAddSensors = false; // a new project is being filled: sensors are added as channels are met
@@ -205,6 +196,7 @@ class CTrvDocument final : public CDocumentEx {
     std::unique_ptr<CTrvDataFileMonitorThread> m_fileMonitor; // one for each project
     Outils::CEndingThreads m_endingThreads;                   // former ones of both kinds
     CFileLooks m_fileLooks;
+    CEngineRun m_engineRun;
     // While a project is opened or made, the views, which do not know it yet, are told nothing.
     bool m_bSettingUp = false;
     // The answers to the first looks: meanwhile all, later those that wait for CheckLateVersions.

@@ -1,0 +1,25 @@
+#include "document/project_check.h"
+
+#include "document/document_host.h"
+#include "model/rules/rule.h"
+#include "model/simulation_parameters.h"
+
+#include <string>
+
+namespace Application_Tarvel {
+
+using Outils_Texte::EText;
+using Outils_Texte::GetText;
+
+bool ValidateProject(IDocumentHost& host, const Metier_Tarvel::CTrvSimulationParameters& parameters,
+                     EText line, EText message) {
+    Metier_Tarvel_Regles::CTrvRuleReport report;
+    if (parameters.Validate(report)) return true;
+    host.AppendOutputText(std::string(GetText(line)));
+    for (const auto& violation : report.GetViolations())
+        host.AppendOutputText(std::string(violation.rule->GetMessage()));
+    host.ShowMessage(std::string(GetText(message)), EButtons::ok, EIcon::information);
+    return false;
+}
+
+} // namespace Application_Tarvel
