@@ -11,7 +11,7 @@
 
 namespace Outils_Configuration {
 
-// What a text stands for. From startMode on: an enumeration, with its words in config/enumerations.h.
+// The type of a value. From startMode on: an enumeration, with its words in config/enumerations.h.
 enum class EKind {
     text,
     integer,

@@ -54,9 +54,10 @@ TEST(Schema, DefaultsReadAsTheirTextsSay) {
         EXPECT_FALSE(Outils_Texte::GetText(row.help).empty());
         const bool isNumber = row.kind == EKind::integer || row.kind == EKind::real;
         EXPECT_EQ(row.range.IsSet(), isNumber);
-        if (isNumber)
-            EXPECT_EQ(row.range.Clamp(std::stod(std::string(row.defaultText))),
-                      std::stod(std::string(row.defaultText)));
+        if (isNumber) {
+            const double number = std::stod(std::string(row.defaultText));
+            EXPECT_EQ(row.range.Clamp(number), number);
+        }
         // A default that parses reads the same through a present text that does not.
         CXmlConfigValue& value = settings.GetValue(SKey{i});
         const std::string text(row.defaultText);

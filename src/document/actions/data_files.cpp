@@ -21,7 +21,7 @@ namespace {
 
 struct SRemoval {
     EHint hint;
-    const CObject* object; // an identity once the file is gone
+    const CObject* object; // only an identity once the file is deleted
 };
 
 // What goes from the saved view settings when the file goes: every curve and value on it, and the graphs that

@@ -18,10 +18,10 @@ namespace Metier_Tarvel_Proprietes {
 // --- Forms
 
 constexpr SForm Quantity(Outils_Valeurs::EQuantity quantity) {
-    return {EForm::quantity, static_cast<int>(quantity)};
+    return {EPropertyForm::quantity, static_cast<int>(quantity)};
 }
-constexpr SForm Word(Metier_Tarvel::EWordList list) { return {EForm::word, static_cast<int>(list)}; }
-constexpr SForm Number(EText unit = EText::none) { return {EForm::number, 0, unit}; }
+constexpr SForm Word(Metier_Tarvel::EWordList list) { return {EPropertyForm::word, static_cast<int>(list)}; }
+constexpr SForm Number(EText unit = EText::none) { return {EPropertyForm::number, 0, unit}; }
 
 // --- Members
 

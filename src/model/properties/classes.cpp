@@ -47,7 +47,8 @@ constexpr SProperty kShownChannel = Shown<Object, ShownChannel<Object>>(EText::c
 template <class Object>
 constexpr SProperty kField = FixedValue<&Object::field>(EText::field, EText::helpField, kWhole);
 constexpr SProperty kTitle = FixedValue<&CTrv1DGraph::title>(EText::title, EText::helpGraphTitle, kText);
-constexpr SProperty kColor = Value<&CTrv1DCurve::color>(EText::color, EText::helpColor, {EForm::color});
+constexpr SProperty kColor =
+    Value<&CTrv1DCurve::color>(EText::color, EText::helpColor, {EPropertyForm::color});
 constexpr SProperty kCurveLabel = Value<&CTrv1DCurve::label>(EText::label, EText::helpCurveLabel, kText);
 constexpr SProperty kFactor = Value<&CTrv1DCurve::factor>(EText::factor, EText::helpFactor, Number());
 constexpr SProperty kCurves = Owned<&CTrv1DGraphMeasure::curves>(EText::curve, EText::helpGraphTitle);

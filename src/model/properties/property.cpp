@@ -27,9 +27,9 @@ constexpr std::size_t kLongestText = 1000;
 const Outils_Valeurs::CNumericValueAdaptor& AdaptorOf(const SForm& form, const SPropertyContext& context) {
     const auto& adaptors = context.adaptors;
     switch (form.form) {
-    case EForm::quantity: return adaptors.Get(static_cast<EQuantity>(form.detail));
-    case EForm::latitude: return adaptors.GetGeographicPosition().latitude;
-    case EForm::longitude: return adaptors.GetGeographicPosition().longitude;
+    case EPropertyForm::quantity: return adaptors.Get(static_cast<EQuantity>(form.detail));
+    case EPropertyForm::latitude: return adaptors.GetGeographicPosition().latitude;
+    case EPropertyForm::longitude: return adaptors.GetGeographicPosition().longitude;
     default: return adaptors.GetNumeric();
     }
 }
@@ -42,12 +42,12 @@ std::string OneLine(std::string text) {
 }
 
 std::string ShowInteger(const SForm& form, std::int64_t value) {
-    if (form.form == EForm::color) {
+    if (form.form == EPropertyForm::color) {
         char text[10];
         std::snprintf(text, sizeof text, "#%08X", static_cast<unsigned>(value));
         return text;
     }
-    const bool isWord = form.form == EForm::word;
+    const bool isWord = form.form == EPropertyForm::word;
     const auto list = static_cast<EWordList>(form.detail);
     if (!isWord || value < 0 || value >= GetWordList(list).count) return std::to_string(value);
     return std::string(GetWord(list, static_cast<std::int32_t>(value)));
@@ -61,7 +61,7 @@ std::string ShowNumber(const SForm& form, const SPropertyContext& context, doubl
 
 // False for a value without a text; `text` then says so.
 bool ShowTime(const SForm& form, const SPropertyContext& context, CDateTime value, std::string& text) {
-    if (form.form == EForm::time) return context.time.ValueToText(value, context.parameters, text);
+    if (form.form == EPropertyForm::time) return context.time.ValueToText(value, context.parameters, text);
     return context.adaptors.GetDateTimeSpan().ValueToText(ToSpan(value), text);
 }
 
@@ -110,7 +110,7 @@ std::optional<double> ReadNumber(const SForm& form, const SPropertyContext& cont
 std::optional<CDateTime> ReadTime(const SForm& form, const SPropertyContext& context, CDateTime present,
                                   std::string_view text) {
     CDateTime value = present; // a notation without a day takes the day of the present value
-    if (form.form == EForm::time) {
+    if (form.form == EPropertyForm::time) {
         if (!context.time.TextToValue(text, context.parameters, value)) return std::nullopt;
     } else {
         Outils_Temps::CDateTimeSpan span;
@@ -130,33 +130,33 @@ std::optional<CPropertyValue> Wrap(const std::optional<Value>& value) {
 std::optional<CPropertyValue> ReadValue(const SForm& form, const SPropertyContext& context,
                                         const CPropertyValue& present, std::string_view text) {
     switch (form.form) {
-    case EForm::quantity:
-    case EForm::number:
-    case EForm::latitude:
-    case EForm::longitude: return Wrap(ReadNumber(form, context, text));
-    case EForm::whole: return Wrap(ParseWhole(text));
-    case EForm::word: return Wrap(ReadWord(static_cast<EWordList>(form.detail), text));
-    case EForm::flag:
+    case EPropertyForm::quantity:
+    case EPropertyForm::number:
+    case EPropertyForm::latitude:
+    case EPropertyForm::longitude: return Wrap(ReadNumber(form, context, text));
+    case EPropertyForm::whole: return Wrap(ParseWhole(text));
+    case EPropertyForm::word: return Wrap(ReadWord(static_cast<EWordList>(form.detail), text));
+    case EPropertyForm::flag:
         if (Outils_Texte::EqualsNoCase(text, GetText(EText::yes))) return true;
         if (Outils_Texte::EqualsNoCase(text, GetText(EText::no))) return false;
         return std::nullopt;
-    case EForm::text: return OneLine(std::string(text));
-    case EForm::color:
+    case EPropertyForm::text: return OneLine(std::string(text));
+    case EPropertyForm::color:
         if (text.size() != 9 || text.front() != '#') return std::nullopt;
         return Wrap(ParseWhole(text.substr(1), 16));
-    case EForm::time:
-    case EForm::offset: return Wrap(ReadTime(form, context, std::get<CDateTime>(present), text));
-    case EForm::shown: break;
+    case EPropertyForm::time:
+    case EPropertyForm::offset: return Wrap(ReadTime(form, context, std::get<CDateTime>(present), text));
+    case EPropertyForm::shown: break;
     }
     return std::nullopt;
 }
 
-EText RefusalOf(EForm form) {
+EText RefusalOf(EPropertyForm form) {
     switch (form) {
-    case EForm::latitude:
-    case EForm::longitude: return EText::invalidAngle;
-    case EForm::time:
-    case EForm::offset: return EText::invalidTime;
+    case EPropertyForm::latitude:
+    case EPropertyForm::longitude: return EText::invalidAngle;
+    case EPropertyForm::time:
+    case EPropertyForm::offset: return EText::invalidTime;
     default: return EText::invalidValue;
     }
 }
@@ -189,7 +189,7 @@ SReading Read(const SProperty& row, const SPropertyContext& context, const CObje
     if (text == ShowValue(row.form, context, present)) return {present};
     if (text.size() > kLongestText) return refused;
     auto value = ReadValue(row.form, context, present,
-                           row.form.form == EForm::text ? text : Outils_Texte::TrimBlanks(text));
+                           row.form.form == EPropertyForm::text ? text : Outils_Texte::TrimBlanks(text));
     if (!value || (row.canHold && !row.canHold(*value))) return refused;
     return {std::move(value)};
 }

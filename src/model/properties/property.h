@@ -36,7 +36,7 @@ using Outils_Temps::CDateTime;
 using Outils_Texte::EText;
 
 // How a value is written.
-enum class EForm {
+enum class EPropertyForm {
     quantity,  // double in the internal unit of an EQuantity; `detail` is the quantity
     number,    // double with a unit that no setting changes, or none; `unit`
     latitude,  // double, degrees
@@ -52,7 +52,7 @@ enum class EForm {
 };
 
 struct SForm {
-    EForm form = EForm::shown;
+    EPropertyForm form = EPropertyForm::shown;
     int detail = 0;
     EText unit = EText::none;
 };

@@ -14,11 +14,11 @@ using Outils_Valeurs::EQuantity;
 
 namespace Rows {
 
-inline constexpr SForm kTime{EForm::time};
-inline constexpr SForm kOffset{EForm::offset};
-inline constexpr SForm kText{EForm::text};
-inline constexpr SForm kFlag{EForm::flag};
-inline constexpr SForm kWhole{EForm::whole};
+inline constexpr SForm kTime{EPropertyForm::time};
+inline constexpr SForm kOffset{EPropertyForm::offset};
+inline constexpr SForm kText{EPropertyForm::text};
+inline constexpr SForm kFlag{EPropertyForm::flag};
+inline constexpr SForm kWhole{EPropertyForm::whole};
 inline constexpr SForm kDistance = Quantity(EQuantity::distance);
 inline constexpr SForm kAltitudeForm = Quantity(EQuantity::altitude);
 inline constexpr SForm kSpeed = Quantity(EQuantity::linearSpeed);
@@ -267,9 +267,10 @@ inline constexpr SProperty kChannelText =
     Shown<CTrvDataFileChannel, ChannelText>(EText::none, EText::helpChannels);
 
 inline constexpr SProperty kLatitude =
-    Value<&CPosition::latitude>(EText::latitude, EText::helpLatitude, {EForm::latitude}).In({-90.0, 90.0});
+    Value<&CPosition::latitude>(EText::latitude, EText::helpLatitude, {EPropertyForm::latitude})
+        .In({-90.0, 90.0});
 inline constexpr SProperty kLongitude =
-    Value<&CPosition::longitude>(EText::longitude, EText::helpLongitude, {EForm::longitude})
+    Value<&CPosition::longitude>(EText::longitude, EText::helpLongitude, {EPropertyForm::longitude})
         .In({-180.0, 180.0});
 inline constexpr SProperty kAltitudeKind =
     FixedValue<&CPosition::altitudeKind>(EText::altitudeKind, EText::helpReserved, kWhole);
