@@ -55,7 +55,7 @@ TEST_F(ProjectCommands, AddsSensorsOnTheirOwnChannels) {
     EXPECT_THAT(sensors, ElementsAre("Gps GPS_1", "Gps GPS_2", "Gps GPS_3", "Dvl DVL_BT", "EM Log EM_LOG_1",
                                      "Depth DEPTH", "Usbl USBL_1", "Usbl USBL_2", "Lbl LBL",
                                      "Odometer ODOMETER", "Event marker SYNCHRO_1", "Event marker SYNCHRO_2",
-                                     "Gyro stabilized mount PLATFORM_ORIENT"));
+                                     "Platform Orientation PLATFORM_ORIENT"));
     Succeed("create /m.tarin /few --add USBL,gps,usbl");
     Succeed("describe /few.tarprj");
     EXPECT_THAT(m_out, AllOf(HasSubstr("  Usbl\n"), HasSubstr("  Gps\n"), Not(HasSubstr("  Dvl\n"))));
