@@ -1,6 +1,5 @@
 #include "xpf/table_file.h"
 
-#include "xpf/layout_lists.h"
 #include "xpf/packet_classes.h"
 #include "xpf/status_fields.h"
 
@@ -51,8 +50,8 @@ bool CXpfTableFile::ReadFileHeader(bool& outdated, HeaderBuffer& headerBuffer) {
     if (!ReadDefinitions(definitionCount)) return false;
 
     outdated = std::ranges::any_of(m_definitions, [this](const auto& definition) {
-        const std::uint32_t* expected = FindExpectedVersion(m_kind, definition->type);
-        return expected && *expected != definition->version;
+        const SPacketLayout* layout = FindDescribedLayout(m_kind, definition->type);
+        return layout && layout->version != definition->version;
     });
     return !outdated;
 }
@@ -111,7 +110,7 @@ CXpfChannel* CXpfTableFile::FindChannelByNumber(std::uint16_t number) {
 
 // The table of a type, as far as files of this kind carry the type.
 const SStatusTable* CXpfTableFile::FindStatus(std::uint16_t packetType) const {
-    return FindExpectedVersion(m_kind, packetType) ? FindStatusTable(packetType) : nullptr;
+    return FindDescribedLayout(m_kind, packetType) ? FindStatusTable(packetType) : nullptr;
 }
 
 std::uint32_t CXpfTableFile::GetStatusFieldCount(std::uint16_t packetType) const {

@@ -106,7 +106,7 @@ TEST_F(RecordingTest, EveryChannelComesBackLinkedAndNumbered) {
         for (const auto& [name, packets] : m_written) {
             CXpfChannel* channel = file->FindChannelByName(name);
             ASSERT_TRUE(channel) << name;
-            EXPECT_EQ(channel->GetDescription(), GetChannelDescription(name));
+            EXPECT_EQ(channel->GetDescription(), FindChannelLayout(name)->description);
             EXPECT_NE(channel->GetDescription(), "");
             SPacketHeader header;
             ASSERT_TRUE(channel->SeekLastPacket(&header)) << name;
