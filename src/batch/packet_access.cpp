@@ -1,7 +1,6 @@
 #include "batch/packet_access.h"
 
 #include "batch/batch_host.h"
-#include "dataaccess/format_detection.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
@@ -34,16 +33,21 @@ std::optional<std::filesystem::path> FindFreePath(const std::string& path, SStre
 
 SOpenFile OpenFile(const std::string& text, SStreams streams) {
     const auto path = Outils_Fichiers::FromText(text);
-    bool outdated = false;
+    bool outdated = false, damaged = false;
     for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
-        bool older = false;
-        if (auto file = OpenXpfFile(path, kind, older)) return {std::move(file), kind};
-        outdated = outdated || older;
+        SOpenedFile opened = OpenXpfFile(path, kind);
+        if (opened.file) return {std::move(opened.file), kind};
+        outdated = outdated || opened.how == EOpening::outdated;
+        damaged = damaged || opened.how == EOpening::damaged;
     }
-    outdated = outdated && Application_Tarvel::IsXpfFile(path);
     std::error_code error;
     const bool exists = std::filesystem::exists(path, error);
-    Fail(text, !exists ? EText::noSuchFile : outdated ? EText::olderLayout : EText::noPacketFile, streams);
+    Fail(text,
+         !exists    ? EText::noSuchFile
+         : damaged  ? EText::damagedHeader
+         : outdated ? EText::olderLayout
+                    : EText::noPacketFile,
+         streams);
     return {};
 }
 

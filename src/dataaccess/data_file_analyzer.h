@@ -66,7 +66,6 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
     void Scan();
     bool ProcessRun(Persistance_Xpf::CXpfFile& file, std::int64_t position,
                     std::span<const std::uint8_t* const> packets);
-    bool ScanOne(Persistance_Xpf::CXpfFile& file);
     void EndScan(Persistance_Xpf::CXpfFile& file);
     bool IsDamaged(Persistance_Xpf::CXpfFile& file, std::int64_t position);
     void LookAtUnchecked(Persistance_Xpf::CXpfFile& file);

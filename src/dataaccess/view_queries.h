@@ -49,14 +49,14 @@ class CTrvDataQuery : public CAsyncQuery {
     // Why Execute has failed; to be asked once it has returned.
     EError GetError() const { return m_error; }
 
-    bool Execute(bool& wasCancelled) final;
+    EQueryEnd Execute() final;
     void RequestCancel() override { m_cancel.Set(); }
 
   protected:
-    // The search of the kind, on the loader thread. `packet` is a new packet of the channel's type. Once the
-    // query is cancelled every read fails; false counts as cancelled then.
-    virtual bool Search(Persistance_Xpf::CXpfChannel& channel,
-                        std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) = 0;
+    // The search of the kind. Loader thread only. `packet` is a new packet of the channel's type. Once the
+    // query is cancelled every read fails, and a failure counts as cancelled.
+    virtual EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
+                             std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) = 0;
 
     SDateSearch MakeSearch(bool feedsCache) const {
         return {m_address.path, m_address.cache, feedsCache, m_cancel};
@@ -65,7 +65,7 @@ class CTrvDataQuery : public CAsyncQuery {
     Outils::CEvent m_cancel;
 
   private:
-    bool SearchIn(Persistance_Xpf::CXpfFile& file, bool& wasCancelled);
+    EQueryEnd SearchIn(Persistance_Xpf::CXpfFile& file);
     void ForgetReplaced(const Persistance_Xpf::CXpfFile& file) const;
 
     SChannelAddress m_address;
@@ -91,8 +91,8 @@ class CTrvViewValueDataQuery : public CTrvDataQuery {
     void OnCancelled() override {}
 
   protected:
-    bool Search(Persistance_Xpf::CXpfChannel& channel,
-                std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) override;
+    EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
+                     std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) override;
 
   private:
     CDateTimeSpan m_time;
@@ -128,8 +128,8 @@ class CTrvView1DDataQuery : public CTrvDataQuery {
     void OnCancelled() override {}
 
   protected:
-    bool Search(Persistance_Xpf::CXpfChannel& channel,
-                std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) override;
+    EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
+                     std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) override;
 
   private:
     // Positions the channel for the walk; `empty` when the window holds no data.

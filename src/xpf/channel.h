@@ -39,17 +39,6 @@ class CXpfChannel {
     // The same into a packet object.
     bool ReadNextPacket(CXpfPacket& packet, SPacketHeader* header = nullptr);
 
-    // The same without a copy, for long walks: the payload of the packet at the current position, standing in
-    // its packet with header and trailer around it; valid until the next operation on this file. Null, with
-    // the position unchanged, when ReadNextPacket has to be asked instead: nothing to read, no position yet,
-    // or a payload of another size.
-    const std::uint8_t* ViewNextPacket(std::uint32_t payloadSize);
-
-    // ViewNextPacket for a run of packets, as far as it needs no read from the file: the views given before
-    // stay valid. The count of payloads put into `payloads`; 0, with nothing changed, when the next packet
-    // would have to be read, and in all cases in which ViewNextPacket gives none.
-    std::size_t ViewHeldPackets(std::uint32_t payloadSize, std::span<const std::uint8_t*> payloads);
-
     // Positions on the first or last packet, or on the packet with this running number. `header` may be null.
     bool SeekFirstPacket(SPacketHeader* header);
     bool SeekLastPacket(SPacketHeader* header);
@@ -68,6 +57,11 @@ class CXpfChannel {
     void SetLast(CXpfFilePosition position) { m_last = position; }
 
   private:
+    friend class CChannelWalk;
+
+    // Bytes. Greater packets are not taken from the block but read into the caller's buffer.
+    static constexpr std::size_t kLargestInBlock = std::size_t{64} << 10;
+
     struct SBracket {
         std::uint32_t number = 0;
         std::int64_t position = 0;

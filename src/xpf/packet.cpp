@@ -1,5 +1,6 @@
 #include "xpf/packet.h"
 
+#include "foundation/bytes.h"
 #include "xpf/status_fields.h"
 
 #include <algorithm>
@@ -7,15 +8,9 @@
 
 namespace Persistance_Xpf {
 
-namespace {
+using Outils::Load;
 
-// One element of a field where it lies in the payload, without alignment.
-template <class T>
-T Load(const std::uint8_t* bytes) {
-    T value;
-    std::memcpy(&value, bytes, sizeof value);
-    return value;
-}
+namespace {
 
 // Calls `use` with the element as its own type; a date as its tick count.
 template <class F>
