@@ -81,15 +81,15 @@ class CAsyncQueryManager {
     // runs on a loader that was replaced since; then its closing operation is still to come.
     bool Cancel(const std::shared_ptr<CAsyncQuery>& query);
     // Asks the loader to end after its current query, which is asked to stop; true once the loader has ended.
-    // What is still queued stays queued and runs after the next Submit, which does not wait for a loader that
-    // has not ended yet.
+    // Queued queries stay queued and run after the next Submit, which does not wait for a loader that has not
+    // ended yet.
     bool Stop();
 
   private:
     void ReplaceStoppedLoader();
 
     Outils::CMessagePort m_port;
-    Outils::CEndingThreads m_stopped; // loaders that were told to end
+    Outils::CEndingThreads m_stopped; // loaders that were asked to end
     std::unique_ptr<CAsyncQueryLoaderThread> m_loader;
 };
 

@@ -1,6 +1,6 @@
-// What the views ask of a data file: the packet nearest to one moment, and a time window reduced to one
-// packet per time slice. Both open a file object of their own on the loader thread and touch no object of the
-// model. A cancelled query ends at its next packet or read, whichever comes first.
+// The questions of the views to a data file: the packet nearest to one moment, and a time window reduced to
+// one packet per time slice. Both open a file object of their own on the loader thread and touch no object of
+// the model. A cancelled query ends at its next packet or read, whichever comes first.
 #pragma once
 
 #include "dataaccess/async_query.h"
@@ -110,7 +110,7 @@ struct SWindow {
 // A window reduced to slices. The walk starts at the packet at or before the window's start and ends with the
 // first one at or beyond its end, so that a curve reaches both edges; a window that begins before the data
 // starts at the first packet. Dates that jump to and fro begin a slice at every jump; after some ten thousand
-// more slices than fit into the window the walk ends, and what was collected stands.
+// more slices than fit into the window the walk ends, and the series keeps what was collected.
 class CTrvView1DDataQuery : public CTrvDataQuery {
   public:
     // On the UI thread; on failure the series is empty.

@@ -47,8 +47,9 @@ class CXpfChannel {
     // first such search reads them all at once. A hint only.
     void ExpectNumbers(std::uint32_t lowest, std::uint32_t highest);
 
-    // What the walk remembers; 0 is not known. `first` and `last` may be given from a cache: the next seek to
-    // the last packet tests its position against the file, the one to the first packet takes it as it is.
+    // The places that the walk remembers; 0 is not known. `first` and `last` may be given from a cache: the
+    // next seek to the last packet tests its position against the file, the one to the first packet takes it
+    // as it is.
     CXpfFilePosition GetCurrent() const { return m_current; }
     CXpfFilePosition GetFirst() const { return m_first; }
     CXpfFilePosition GetLast() const { return m_last; }

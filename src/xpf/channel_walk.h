@@ -14,10 +14,10 @@ namespace Persistance_Xpf {
 // usual size are given where they lie in the reader's block, which costs no copy; all others are copied.
 class CChannelWalk {
   public:
-    // Payloads, each with a header before it and a trailer behind it.
+    // Payloads, each with its header before it and its trailer after it.
     using Run = std::span<const std::uint8_t* const>;
 
-    // `payloadSize` is that of the channel's type, in bytes. `channel` must outlive the walk.
+    // `payloadSize`: bytes, of the channel's type. `channel` must outlive the walk.
     CChannelWalk(CXpfChannel& channel, std::uint32_t payloadSize);
 
     // The next packets; none at the end of the walk. What a short packet does not fill is zero, and what a

@@ -49,8 +49,8 @@ class CXpfFile {
     CXpfFilePosition GetDataStart();
     // Size now; 0 on failure. The file pointer stays.
     std::int64_t GetFileSize() const;
-    // False once another file stands under this path, or none, or the file was cut since it was opened: what
-    // was read may then be of a recording that is no more.
+    // False once the path names another file or none, or the file was cut since it was opened: the bytes read
+    // may then be of a former recording.
     bool IsAt(const std::filesystem::path& path) const;
 
     // While the event is set, operations fail as at the end of the file as soon as they would have to read:
@@ -71,7 +71,7 @@ class CXpfFile {
     bool IsTornTail(std::int64_t position);
 
     // The nearest valid packet before, or the first one at or after, the file pointer. On success the pointer
-    // stands on it and its header is copied; a failed backward search restores the pointer.
+    // is on it and its header is copied; a failed backward search restores the pointer.
     bool SearchPacketBackward(SPacketHeader& header);
     bool SearchPacketForward(SPacketHeader& header);
 

@@ -15,13 +15,13 @@ enum class EPacketRead {
     damaged // the bytes here are no packet
 };
 
-// Goes on at the file pointer, and moves it behind each packet that passes the packet check; on any other
+// Goes on at the file pointer, and moves it past each packet that passes the packet check; on any other
 // result the pointer stays, and the next step reads again. At the end of the file the result is `torn`. No
 // system call and no copy for a packet. Keeps no place of its own: other operations on the file may come
-// between two steps. What a step gives is valid until the next operation on the file.
+// between two steps. Views are valid until the next operation on the file.
 class CStreamWalk {
   public:
-    // Packets as the places of their headers, with payload and trailer behind each.
+    // Packets as the places of their headers, with payload and trailer after each.
     using Run = std::span<const std::uint8_t* const>;
 
     // `file` must outlive the walk.
