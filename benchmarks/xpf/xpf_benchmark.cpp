@@ -2,6 +2,7 @@
 // file in the same run, and `ratio` is the quotient of the medians of their alternating runs.
 #include "xpf/channel.h"
 #include "xpf/packet.h"
+#include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
 
 #include <algorithm>
