@@ -39,6 +39,15 @@ void ChoosePlatform(const SCommandLine& line) {
 #endif
 }
 
+// Without a display the window system ends the program, and does not say what works without one.
+bool HasDisplay() {
+#ifdef _WIN32
+    return true;
+#else
+    return HasVariable("QT_QPA_PLATFORM") || HasVariable("DISPLAY") || HasVariable("WAYLAND_DISPLAY");
+#endif
+}
+
 int RunSnapshot(CTrvApp& application, Outils::IMessageTarget& target, const SCommandLine& line) {
     // The same picture on every desk: nothing of the user's window is read or written.
     QSettings settings(QString(), QSettings::IniFormat);
@@ -81,6 +90,10 @@ int RunProgram(int argc, char* argv[]) {
     const SCommandLine line = ParseCommandLine({argv + 1, static_cast<std::size_t>(argc > 1 ? argc - 1 : 0)});
     if (line.request != ERequest::run && line.request != ERequest::snapshot) return Answer(line);
     ChoosePlatform(line);
+    if (!HasDisplay()) {
+        std::cerr << GetText(EText::noDisplay) << '\n';
+        return 1;
+    }
     int noArguments = std::min(argc, 1); // the words are read: none is the window system's
     QApplication qt(noArguments, argv);
     QApplication::setApplicationVersion(ToQString(GetVersionInfo().productVersion));
