@@ -3,7 +3,6 @@
 #include "batch/batch_host.h"
 #include "batch/session.h"
 #include "dataaccess/data_file_analyzer.h"
-#include "dataaccess/format_detection.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/text.h"
