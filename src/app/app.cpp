@@ -2,7 +2,6 @@
 
 #include "foundation/paths.h"
 #include "foundation/texts.h"
-#include "xpf/layout.h"
 
 namespace Application_Tarvel {
 
@@ -14,8 +13,8 @@ void CTrvApp::InitInstance() {
     if (const auto path = GetSettingsPath(); !path.empty())
         static_cast<void>(m_configuration.Load(path)); // the defaults serve as well
     m_plotSettings.drawCurve = m_configuration.Get(Cnf<"view1D/drawCurve">);
-    m_plotSettings.extremumTransparency =
-        static_cast<std::uint8_t>(m_configuration.Get(Cnf<"view1D/extremumTransparency">));
+    m_plotSettings.extremumTransparency = static_cast<std::uint8_t>(
+        std::clamp(m_configuration.Get(Cnf<"view1D/extremumTransparency">), 0, 255));
     m_expertMode = m_configuration.Get(Cnf<"general/expertMode">);
     m_adaptors.Configure(m_configuration);
 }
@@ -33,12 +32,6 @@ std::filesystem::path CTrvApp::GetUserGuide() const {
 std::filesystem::path CTrvApp::GetSettingsPath() const {
     if (m_executable.empty()) return {};
     return Outils_Fichiers::WithExtension(m_executable, GetText(EText::settingsExtension));
-}
-
-bool GetChannelLabel(std::string_view identifier, std::string& label) {
-    const auto* channel = Persistance_Xpf::FindChannelLayout(identifier);
-    if (channel) label = GetText(channel->label);
-    return channel != nullptr;
 }
 
 } // namespace Application_Tarvel
