@@ -112,6 +112,8 @@ ERunEnd CNavigationRun::Execute() {
     }
     if (m_stopped) return ERunEnd::stopped;
     if (!m_navigated) return ERunEnd::failed;
+    // Only now: the disk may not have taken the last of the result.
+    m_monitor.Message(ELevel::information, EText::finished, MakeFinishedText());
     m_monitor.Progress(100.0);
     return ERunEnd::finished;
 }
@@ -359,7 +361,12 @@ void CNavigationRun::Finish() {
     if (m_fixMonitor.GetRejectedCount() > 0)
         Tell(ELevel::warning, EText::rejectedFixes,
              {std::to_string(m_fixMonitor.GetRejectedCount()), std::to_string(m_fixMonitor.GetUsedCount())});
-    Tell(ELevel::information, EText::finished, {std::to_string(m_result.GetCount())});
+    if (!m_result.WriteMessage(m_time, static_cast<int>(ELevel::information), MakeFinishedText()))
+        m_writeFailed = true;
+}
+
+std::string CNavigationRun::MakeFinishedText() const {
+    return Outils_Texte::FormatText(EText::finished, {std::to_string(m_result.GetCount())});
 }
 
 } // namespace Morvex

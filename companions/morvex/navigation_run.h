@@ -48,6 +48,7 @@ class CNavigationRun {
     void TellGpsGap(double time);
     bool KeepAlive(double time);
     void Finish();
+    std::string MakeFinishedText() const;
     void Tell(ELevel level, EText code, std::initializer_list<std::string_view> arguments = {});
 
     const SRunPlan& m_plan;

@@ -23,8 +23,6 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
     Outils::CMessageQueue& GetQueue() { return m_queue; }
     // A child reported an error.
     bool HasFailed() const { return m_failed; }
-    // The engine told of all its work being done.
-    bool IsRunComplete() const { return m_receiver.LastProgress() >= 100.0f; }
 
     Application_Tarvel::EAnswer ShowMessage(const std::string& text, Application_Tarvel::EButtons buttons,
                                             Application_Tarvel::EIcon icon) override;

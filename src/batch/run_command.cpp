@@ -56,7 +56,8 @@ int RunCommand(const COptions& options, SStreams streams) {
     }
     host.GetQueue().RunPending();
     // An engine that was stopped or has died leaves a result that ends early: no success for a script.
-    if (!host.HasFailed() && !host.IsRunComplete()) return Fail(path, EText::runIncomplete, streams);
+    const bool finished = document.GetRunOutcome() == Application_Tarvel::ERunOutcome::finished;
+    if (!host.HasFailed() && !finished) return Fail(path, EText::runIncomplete, streams);
     return host.HasFailed() ? exitFailure : exitSuccess;
 }
 

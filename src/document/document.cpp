@@ -31,7 +31,7 @@ CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
       m_messageWnd(std::make_shared<Outils::CMessagePort>(target)),
       m_target(target),
       m_fileLooks(target),
-      m_engineRun(host, configuration, m_fileLooks, *this),
+      m_engineRun(host, target, configuration, m_fileLooks, *this),
       m_queryManager(target) {}
 
 CTrvDocument::~CTrvDocument() { DeleteContents(); }
@@ -56,6 +56,7 @@ bool CTrvDocument::OnOpenDocument(const std::filesystem::path& path) {
     for (CTrvDataFile* file : GetDataFiles()) StartAnalysis(*file);
     WatchFiles();
     m_bSettingUp = false;
+    m_engineRun.ExamineResult(m_pProject->simulationParameters->outputFile->path);
     GetHost().UpdateMenuForEquipment(m_pProject->simulationParameters->nelixConfiguration->type->equipment);
     return true;
 }
@@ -127,6 +128,8 @@ bool CTrvDocument::StopSimulation() {
     const CWaitCursor wait(GetHost());
     return m_pProject && m_engineRun.Stop();
 }
+
+void CTrvDocument::StopSimulationNow() { m_engineRun.StopNow(); }
 
 bool CTrvDocument::SaveBeforeRun() {
     if (!m_bParametersChanged) return true;

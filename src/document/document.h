@@ -86,6 +86,11 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener {
     // Asks the engine to stop; true when it was found running. A second request more than 5 seconds after the
     // first offers to terminate it.
     bool StopSimulation();
+    // Stops the engine at once and without a question, for a program that has to end. The result so far is
+    // kept, temporary files go.
+    void StopSimulationNow();
+    // How the last run ended.
+    ERunOutcome GetRunOutcome() const { return m_engineRun.GetOutcome(); }
 
     // Writes the processing as a batch command file under a name that the user gives; false when a rule is
     // broken, the user cancelled, or the file could not be written, which is told.

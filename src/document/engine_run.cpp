@@ -2,20 +2,27 @@
 
 #include "config/config_file.h"
 #include "document/document_host.h"
+#include "document/file_state.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
+#include "foundation/numbers.h"
 #include "foundation/paths.h"
 #include "model/data_file.h"
 #include "model/simulation_parameters.h"
-#include "processing/command_line.h"
+#include "processing/engine_command.h"
+#include "processing/message_line.h"
+#include "xpf/file.h"
+#include "xpf/packet.h"
 
-#include <algorithm>
 #include <atomic>
+#include <cstdio>
 #include <memory>
+#include <optional>
 #include <utility>
 
 namespace Application_Tarvel {
 
+using Communication_Processus::CChildRun;
 using Metier_Tarvel::CTrvSimulationParameters;
 using Outils_Configuration::Cnf;
 using Outils_Fichiers::FromText;
@@ -25,57 +32,133 @@ using Outils_Texte::GetText;
 
 namespace {
 
-constexpr Outils_Temps::CDateTimeSpan kFreezeTime(5 * Outils_Temps::kTicksPerSecond);
+constexpr std::chrono::milliseconds kStopNowPatience(5000);
+constexpr std::string_view kNavigationChannel = "MORVEX_STD";
+
+void Remove(const std::filesystem::path& file) {
+    std::error_code ignored;
+    std::filesystem::remove(file, ignored);
+}
+
+struct SInput {
+    std::filesystem::path path;
+    bool isRead = false; // by the engine; the others must only not be overwritten
+};
+
+std::vector<SInput> GetInputs(const CTrvSimulationParameters& parameters) {
+    std::vector<SInput> inputs;
+    for (const auto* file : parameters.GetDataFiles())
+        if (file != parameters.outputFile.get()) inputs.push_back({file->path, file->IsReferenced()});
+    return inputs;
+}
+
+// Why the engine could not read the input; `none` when it can.
+EText FindFault(const SInput& input, const std::filesystem::path& result, const Outils::CEvent& cancel) {
+    std::error_code error;
+    if (Outils_Fichiers::SamePath(input.path, result) ||
+        std::filesystem::equivalent(input.path, result, error))
+        return EText::resultIsInput;
+    if (!input.isRead) return EText::none;
+    const EText fault = LookInto(input.path, Persistance_Xpf::EFileKind::tarin, cancel).fault;
+    return fault == EText::fileVanished ? EText::inputMissing : fault;
+}
+
+// The date of the last navigation in a result; empty when it has none.
+std::optional<Outils_Temps::CDateTimeSpan> FindLastDate(const std::filesystem::path& result,
+                                                        const Outils::CEvent& cancel) {
+    using namespace Persistance_Xpf;
+    bool outdated = false;
+    const auto file = OpenXpfFile(result, EFileKind::tarout, outdated, &cancel);
+    CXpfChannel* channel = file ? file->FindChannelByName(kNavigationChannel) : nullptr;
+    const auto packet = channel ? channel->CreatePacket() : nullptr;
+    const auto* dated = dynamic_cast<const CXpfDatedPacket*>(packet.get());
+    if (!dated || !channel->SeekLastPacket(nullptr) || !channel->ReadNextPacket(*packet)) return std::nullopt;
+    return dated->GetPacketDate();
+}
+
+// "2024-03-14T10:00:02.5Z" when the recording's UTC is known, else "2.5 s".
+std::string FormatDate(Outils_Temps::CDateTimeSpan date, Outils_Temps::CDateTime utcReference) {
+    // The UTC of a recording is known to a microsecond or so: rounded, not cut, to tenths.
+    constexpr Outils_Temps::CDateTimeSpan half(Outils_Temps::kTicksPerSecond / 20);
+    Outils_Temps::CalendarFields utc;
+    if (!(utcReference + date + half).GetCalendar(utc))
+        return Outils_Texte::FormatFixed(date.GetTotalSeconds(), 1) + " s";
+    char text[40];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d.%dZ", utc.year, utc.month, utc.day,
+                  utc.hour, utc.minute, utc.second, static_cast<int>(utc.ticks / 1'000'000));
+    return text;
+}
+
+std::string ErrorLine(const std::string& text) {
+    return Communication_Processus::FormatMessageLine(Communication_Interfaces::levelError, text);
+}
 
 } // namespace
 
-CEngineRun::CEngineRun(IDocumentHost& host, const Outils_Configuration::CTrvCnfConfigFile& configuration,
-                       CFileLooks& looks, IEngineRunListener& listener)
-    : m_host(host), m_configuration(configuration), m_looks(looks), m_listener(listener) {}
+CEngineRun::CEngineRun(IDocumentHost& host, Outils::IMessageTarget& target,
+                       const Outils_Configuration::CTrvCnfConfigFile& configuration, CFileLooks& looks,
+                       IEngineRunListener& listener)
+    : m_host(host), m_configuration(configuration), m_looks(looks), m_listener(listener), m_port(target) {}
 
-bool CEngineRun::Refuse(EText text) {
-    m_host.ShowMessage(std::string(GetText(text)), EButtons::ok, EIcon::exclamation);
+bool CEngineRun::Refuse(const std::string& text) {
+    m_host.ShowMessage(text, EButtons::ok, EIcon::exclamation);
     return false;
 }
 
+bool CEngineRun::Refuse(EText text) { return Refuse(std::string(GetText(text))); }
+
 // A project from elsewhere may name a recording as its result, or a link to one.
 bool CEngineRun::CheckFiles(const CTrvSimulationParameters& parameters) {
-    const auto* output = parameters.outputFile.get();
-    std::vector<std::filesystem::path> files{output->path};
-    for (const auto* file : parameters.GetDataFiles())
-        if (file != output) files.push_back(file->path);
-    // Walks to the first input whose place the result would take. Without an answer, the file at `at` owes
-    // it.
-    const auto at = std::make_shared<std::atomic<std::size_t>>(0);
-    const auto find = [files, at](const Outils::CEvent&) {
+    const std::filesystem::path& result = parameters.outputFile->path;
+    const std::vector<SInput> inputs = GetInputs(parameters);
+    // The input that is looked at; the one after the last is the result, the first to be looked at.
+    const auto at = std::make_shared<std::atomic<std::size_t>>(inputs.size());
+    const auto find = [inputs, result, at](const Outils::CEvent& cancel) {
         std::error_code error;
-        [[maybe_unused]] const auto status = std::filesystem::status(files[0], error);
-        while (++*at < files.size()) {
-            const std::filesystem::path& input = files[*at];
-            if (Outils_Fichiers::SamePath(input, files[0]) ||
-                std::filesystem::equivalent(input, files[0], error))
-                return true;
+        [[maybe_unused]] const auto status = std::filesystem::status(result, error);
+        for (std::size_t i = 0; i < inputs.size(); ++i) {
+            *at = i;
+            const EText fault = FindFault(inputs[i], result, cancel);
+            if (fault != EText::none) return fault;
         }
-        return false;
+        return EText::none;
     };
-    const auto found = m_looks.Call(find, GetTimeForChosenFile(m_configuration));
-    if (found && !*found) return true;
-    const std::filesystem::path& named = files[std::min<std::size_t>(*at, files.size() - 1)];
-    const EText text = found ? EText::resultIsInput : EText::fileNotReadable;
-    m_host.ShowMessage(FormatText(text, {ToText(named)}), EButtons::ok, EIcon::exclamation);
-    return false;
+    const auto fault = m_looks.Call(find, GetTimeForChosenFile(m_configuration));
+    if (fault == EText::none) return true;
+    const std::size_t named = *at;
+    const std::string file = ToText(named < inputs.size() ? inputs[named].path : result);
+    // Without an answer, the file that is looked at owes it.
+    const std::string reason = FormatText(fault.value_or(EText::fileNotReadable), {file});
+    return Refuse(fault && *fault != EText::resultIsInput ? FormatText(EText::runRefused, {reason}) : reason);
 }
 
 bool CEngineRun::Start(const CTrvSimulationParameters& parameters) {
     m_process.SetNotification(m_host.GetReceiver());
-    if (m_process.ProcessId() != 0) {
-        m_process.WaitForReceivers();
-        m_process.Close();
-    }
+    m_result = parameters.outputFile->path;
+    m_utcReference =
+        parameters.hasUtcReference ? parameters.utcReference : Outils_Temps::CDateTime::Invalid();
+    if (!TakeResult()) return false;
     std::filesystem::path parameterFile;
-    if (!WriteParameterFile(parameters, parameterFile)) return false;
-    RemoveResult(parameters.outputFile->path);
-    return Launch(parameterFile);
+    if (WriteParameterFile(parameters, parameterFile) && SetResultAside()) {
+        m_listener.OnResultRemoved(m_guard.HasSetAside());
+        if (Launch(parameterFile)) return true;
+    }
+    if (!parameterFile.empty()) Remove(parameterFile);
+    m_guard.Cancel();
+    return false;
+}
+
+bool CEngineRun::TakeResult() {
+    m_looks.Wait(GetTimeForChosenFile(m_configuration), &m_guard); // it may be about to bring one back
+    switch (m_guard.Take(m_result)) {
+    case CResultGuard::ETake::busy: return Refuse(FormatText(EText::runBusy, {ToText(m_result)}));
+    case CResultGuard::ETake::failed: return Refuse(FormatText(EText::resultNotWritable, {ToText(m_result)}));
+    default: return true;
+    }
+}
+
+bool CEngineRun::SetResultAside() {
+    return m_guard.SetAside() || Refuse(FormatText(EText::resultNotMoved, {ToText(m_result)}));
 }
 
 bool CEngineRun::WriteParameterFile(const CTrvSimulationParameters& parameters, std::filesystem::path& path) {
@@ -99,34 +182,16 @@ bool CEngineRun::WriteParameterFile(const CTrvSimulationParameters& parameters, 
         written = Outils_Fichiers::WriteWholeFile(path, stream.GetBytes());
     } catch (const Outils_Objets::CArchiveException&) {
     }
-    if (written) return true;
-    std::error_code ignored;
-    std::filesystem::remove(path, ignored);
-    return Refuse(EText::noParameterFile);
-}
-
-void CEngineRun::RemoveResult(const std::filesystem::path& result) {
-    std::error_code error;
-    const bool existed = std::filesystem::exists(result, error);
-    if (existed) std::filesystem::remove(result, error);
-    m_listener.OnResultRemoved(existed);
+    return written || Refuse(EText::noParameterFile);
 }
 
 bool CEngineRun::Launch(const std::filesystem::path& parameterFile) {
     const auto engine =
         (m_host.GetProgramFolder() / FromText(m_configuration.Get(Cnf<"process/morvex">))).lexically_normal();
-    using namespace Communication_Processus;
-    const std::string commandLine =
-        QuoteProgram(ToText(engine)) + " /remote /autostart off " + QuoteArgument(ToText(parameterFile));
-    m_stopRequests = 0;
-    if (!m_process.Open(commandLine, false)) {
-        std::error_code ignored;
-        std::filesystem::remove(parameterFile, ignored);
+    if (!m_run.Start(Communication_Processus::MakeEngineCommand(ToText(engine), ToText(parameterFile))))
         return Refuse(EText::noProcess);
-    }
-    m_process.Start();
+    m_outcome = ERunOutcome::none;
     m_temporaryFiles.push_back(parameterFile);
-    m_active = true;
     m_listener.OnRunStarted();
     m_host.SetProgress(0);
     m_host.ShowProgress(true);
@@ -134,40 +199,89 @@ bool CEngineRun::Launch(const std::filesystem::path& parameterFile) {
 }
 
 bool CEngineRun::Poll() {
-    if (m_process.IsRunning()) return true;
-    End();
-    return false;
-}
-
-void CEngineRun::End() {
-    if (!std::exchange(m_active, false)) return;
-    // The engine's last output is on its way to the receiver: it belongs to this run.
-    m_process.WaitForReceivers();
-    m_listener.OnRunEnded();
-    m_host.SetProgress(0);
-    m_host.ShowProgress(false);
+    const auto state = m_run.Poll();
+    if (state == CChildRun::ERunState::ended) End();
+    return state == CChildRun::ERunState::running;
 }
 
 bool CEngineRun::Stop() {
-    if (!m_process.IsRunning()) return false;
-    if (m_stopRequests == 0) m_firstStopTime = m_host.GetTime();
-    m_process.Stop();
-    m_host.Sleep(std::chrono::milliseconds(200));
-    ++m_stopRequests;
-    if (m_stopRequests > 1 && m_host.GetTime() - m_firstStopTime > kFreezeTime) {
-        const auto answer =
-            m_host.ShowMessage(std::string(GetText(EText::frozen)), EButtons::okCancel, EIcon::exclamation);
-        if (answer == EAnswer::ok && m_process.IsRunning()) m_process.Terminate();
+    const auto state = m_run.Stop();
+    if (state == CChildRun::ERunState::ended) End();
+    return state != CChildRun::ERunState::idle;
+}
+
+void CEngineRun::StopNow() {
+    if (m_run.StopNow(kStopNowPatience) == CChildRun::ERunState::ended) End();
+    RemoveTemporaryFiles();
+}
+
+void CEngineRun::End() {
+    std::error_code error;
+    const bool finished = m_run.GetEnd().IsSuccess() && m_process.GetProgress() >= 100.0f &&
+                          std::filesystem::exists(m_result, error);
+    m_outcome = finished                  ? ERunOutcome::finished
+                : m_run.IsStopRequested() ? ERunOutcome::stopped
+                                          : ERunOutcome::failed;
+    std::optional<Outils_Temps::CDateTimeSpan> reached;
+    bool hasResult = true;
+    if (!finished) {
+        const auto look = [result = m_result](const Outils::CEvent& cancel) {
+            return FindLastDate(result, cancel);
+        };
+        const auto found = m_looks.Call(look, GetTimeForChosenFile(m_configuration));
+        // A disk that does not answer may hold a result.
+        hasResult = !found || found->has_value();
+        if (found) reached = *found;
     }
-    if (!m_process.IsRunning()) End();
-    return true;
+    const auto left = m_guard.Release(finished, hasResult);
+    m_listener.OnRunEnded();
+    m_host.SetProgress(0);
+    m_host.ShowProgress(false);
+    if (finished) return;
+
+    Report(ErrorLine(m_outcome == ERunOutcome::stopped
+                         ? std::string(GetText(EText::runStopped))
+                         : FormatText(EText::runFailed, {Communication_Processus::ToText(m_run.GetEnd())})));
+    const std::string result = ToText(m_result);
+    if (left != CResultGuard::ELeft::partial)
+        Report(FormatText(EText::noResult, {result}));
+    else if (reached)
+        Report(FormatText(EText::resultPartial, {result, FormatDate(*reached, m_utcReference)}));
+    else
+        Report(FormatText(EText::resultWasPartial, {result}));
+    const auto former = CResultGuard::GetFormerPath(m_result);
+    if (left == CResultGuard::ELeft::former)
+        Report(FormatText(EText::resultRestored, {result}));
+    else if (std::filesystem::exists(former, error))
+        Report(FormatText(EText::formerKept, {ToText(former)}));
+}
+
+void CEngineRun::Report(const std::string& line) {
+    m_port.Post([this, line] { m_host.AppendOutputText(line); });
+}
+
+void CEngineRun::ExamineResult(const std::filesystem::path& result) {
+    m_looks.Ask(
+        &m_guard, [result](const Outils::CEvent&) { return CResultGuard::Examine(result); },
+        [this, result](CResultGuard::ELeft left) {
+            const EText text = left == CResultGuard::ELeft::partial  ? EText::resultWasPartial
+                               : left == CResultGuard::ELeft::former ? EText::resultRestored
+                                                                     : EText::none;
+            if (text != EText::none) m_host.AppendOutputText(FormatText(text, {ToText(result)}));
+        });
+}
+
+Outils_Temps::CDateTime CEngineRun::GetTime() { return m_host.GetTime(); }
+
+void CEngineRun::Sleep(std::chrono::milliseconds time) { m_host.Sleep(time); }
+
+bool CEngineRun::AskToTerminate() {
+    return m_host.ShowMessage(std::string(GetText(EText::frozen)), EButtons::okCancel, EIcon::exclamation) ==
+           EAnswer::ok;
 }
 
 void CEngineRun::RemoveTemporaryFiles() {
-    for (const auto& file : std::exchange(m_temporaryFiles, {})) {
-        std::error_code ignored;
-        std::filesystem::remove(file, ignored);
-    }
+    for (const auto& file : std::exchange(m_temporaryFiles, {})) Remove(file);
 }
 
 } // namespace Application_Tarvel

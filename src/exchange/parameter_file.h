@@ -1,8 +1,8 @@
 // The processing parameter file: a run described in XML, for processing outside the application.
 //
-// The file is no full image of the parameters. It does not hold the UTC reference, the time offsets of data
-// files, the transponder code of a USBL, the standard deviations that are not in use and the periods of those
-// that are; a reader takes a transponder code and time offsets of external files where somebody wrote them.
+// The file does not hold all of the parameters: it lacks the UTC reference, the time offsets of data files,
+// the transponder code of a USBL, unused standard deviations, and the periods of used ones. The reader takes
+// a transponder code and time offsets of external files if they are there.
 #pragma once
 
 #include "model/simulation_parameters.h"
@@ -21,23 +21,23 @@ namespace Persistance_Parametres {
 
 using Metier_Tarvel::CTrvSimulationParameters;
 
-// A larger file is taken for damaged and not read, and none is written.
+// The reader refuses a larger file, and the writer writes none.
 inline constexpr std::size_t kMaximumParameterFileSize = 16 << 20; // bytes
 
-// Replaces the file in one step; paths in it are relative to its folder where there is such a form. Periods
-// are dates when the parameters have a UTC reference, else seconds. False on any failure, also for what the
-// file cannot hold: a number that is none, a sensor without a channel of an input file, a name that is not
-// text. An existing file is whole then.
+// Replaces the file in one step. Its paths are relative to its folder where that is possible. Periods are
+// dates when the parameters have a UTC reference, else seconds. False, with an existing file as it was, on
+// any failure, also for values that the file cannot hold: NaN, a sensor without a channel of an input file, a
+// name that is not text.
 bool WriteParameterFile(const std::filesystem::path& path, const CTrvSimulationParameters& parameters);
 
 // One data file that a parameter file names.
 struct SParameterFileRow {
     std::string id;             // "main", "file02", ..., "output"
-    std::filesystem::path path; // relative ones are completed with the folder of the parameter file
+    std::filesystem::path path; // absolute: a relative one is joined to the folder of the file
     bool isOutput = false;
 };
 
-// Files to be used instead of those that the parameter file names, by id.
+// Files to use in the place of the named ones, by id.
 using CChosenPaths = std::map<std::string, std::filesystem::path, std::less<>>;
 
 // Reads in two steps, since the dates in a file need the UTC reference of the recording that it names.

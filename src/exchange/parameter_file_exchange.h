@@ -1,6 +1,6 @@
-// The steps that writing and reading a parameter file share: one value, one element, one list in either
-// direction, so that a part of the file is described once. Failures are thrown, and caught where the whole
-// operation started.
+// One value, one element, one list of a parameter file, each written or read by the same call, so that the
+// code describes each part of the file once. All operations throw CParameterFileException on failure; the
+// operation on the whole file catches it.
 #pragma once
 
 #include "config/xml_document.h"
@@ -22,7 +22,7 @@ using Metier_Tarvel::CTrvPeriod;
 using Metier_Tarvel::CTrvSimulationParameters;
 using Outils_Temps::CDateTime;
 
-// The file cannot hold this, or does not hold what it must.
+// The file cannot hold a value, or lacks one that it must hold.
 class CParameterFileException : public std::exception {
   public:
     const char* what() const noexcept override { return "parameter file"; }
@@ -41,17 +41,17 @@ class CParameterExchange {
 
     bool IsLoading() const { return m_direction == load; }
 
-    // The child of this name: a new one, or the first one there is.
+    // Returns the child of this name: a new one when storing, the first one when loading.
     pugi::xml_node Element(pugi::xml_node parent, const char* name) const;
-    // The same for a child that may be missing: null when it is not `wanted`, or not there.
+    // The same for a child that may be missing: null when it is not `wanted`, or missing.
     pugi::xml_node OptionalElement(pugi::xml_node parent, const char* name, bool wanted) const;
 
     void Attribute(pugi::xml_node element, const char* name, double& value) const;
     void Attribute(pugi::xml_node element, const char* name, std::int32_t& value) const;
     void Attribute(pugi::xml_node element, const char* name, bool& value) const;
     void Attribute(pugi::xml_node element, const char* name, std::string& value) const;
-    // The same for one that may be missing: not written when it is not `wanted`, and when it is not there the
-    // value stays.
+    // The same for an attribute that may be missing: it is not written when it is not `wanted`, and a missing
+    // one leaves the value as it is.
     template <class T>
     void OptionalAttribute(pugi::xml_node element, const char* name, T& value, bool wanted) const {
         if (IsLoading() ? !element.attribute(name).empty() : wanted) Attribute(element, name, value);
@@ -68,7 +68,7 @@ class CParameterExchange {
 
     // A length of time that the model holds in a date, in seconds; optional.
     void Seconds(pugi::xml_node element, const char* name, CDateTime& time) const;
-    // "from" and "to": dates when there is a UTC reference, else seconds. Either is read.
+    // "from" and "to". Written as dates when there is a UTC reference, else as seconds; read in either form.
     void Period(pugi::xml_node element, CDateTime& begin, CDateTime& end) const;
     void Period(pugi::xml_node element, CTrvPeriod& period) const {
         Period(element, period.begin, period.end);

@@ -56,7 +56,7 @@ void Rejections(const CParameterExchange& exchange, xml_node element, const char
         });
 }
 
-// The values that a user has defined. What the data itself tells has no element.
+// The values that a user has defined. Values that come from the data have no element.
 template <std::size_t Index>
 void UserStdDev(const CParameterExchange& exchange, xml_node element, const char* name, CTrvSensor& sensor) {
     static constexpr const char* scalar[] = {"value"};

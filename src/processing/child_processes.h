@@ -8,7 +8,7 @@
 
 namespace Communication_Processus {
 
-// Where the lines of a child go. May change while a child of earlier still reports.
+// Where the lines of a child go. May change while a former child still reports.
 template <class TNotification>
 class CSink {
   public:
@@ -26,10 +26,10 @@ class CSink {
 // The processing engine. Its messages carry a level and a code, both any integer.
 class CProcessMorvex : public CRemoteProcess, public Communication_Interfaces::IMorvex {
   public:
-    ~CProcessMorvex() override { Close(); }
+    ~CProcessMorvex() override { CProcessMorvex::Close(); }
 
     // `sink` must outlive the receivers, that is until Close; null drops all lines. A sink that is an
-    // IFlowControl too is asked whether it is full.
+    // IFlowControl too holds the child back while it is full.
     void SetNotification(Communication_Interfaces::IMorvexNotification* sink) { m_sink.Set(sink); }
 
     void Start() override { SendCommand("start"); }
@@ -37,12 +37,17 @@ class CProcessMorvex : public CRemoteProcess, public Communication_Interfaces::I
     void Resume() override { SendCommand("resume"); }
     void Stop() override { SendCommand("stop"); }
 
+    void Close() override;
+    // The last progress of the present child, percent; 0 before the first and after Close.
+    float GetProgress() const { return m_progress.load(std::memory_order_acquire); }
+
   protected:
     void OnCommand(const std::vector<std::string>& tokens) override;
     bool IsSinkFull() const override { return m_sink.IsFull(); }
 
   private:
     CSink<Communication_Interfaces::IMorvexNotification> m_sink;
+    std::atomic<float> m_progress{0.0f};
 };
 
 // Hands one line of a tool to its sink. Lines it does not understand are dropped.

@@ -1,4 +1,4 @@
-// What child processes can be told and what they tell: the pure interfaces between a child and its owner.
+// The pure interfaces between a child and its owner: commands to the child, and its reports.
 #pragma once
 
 #include <string_view>
@@ -8,7 +8,7 @@ namespace Communication_Interfaces {
 // The levels of a message. The engine may send any other number as well.
 enum EMessageLevel { levelInformation = 0, levelWarning = 1, levelError = 2 };
 
-// Commands to the engine. Each sends one word and returns at once; nothing tells whether it was obeyed.
+// Commands to the engine. Each sends one word and returns at once; the child confirms nothing.
 class IMorvex {
   public:
     virtual ~IMorvex() = default;
@@ -29,8 +29,8 @@ class ISimpleImporter : public ITool {};
 class ISimpleExporter : public ITool {};
 class IFileUpdater : public ITool {};
 
-// What the engine reports. Both operations run on the thread that reads the child's output: they hand over to
-// the UI thread, return soon, and never call back into the process object. `text` is the child's bytes.
+// Reports of the engine. Both operations run on the thread that reads the child's output. They post to the UI
+// thread, return soon, and never call the process object. `text` is the child's bytes.
 class IMorvexNotification {
   public:
     virtual ~IMorvexNotification() = default;
@@ -39,7 +39,7 @@ class IMorvexNotification {
     virtual void OnMessage(int level, int code, std::string_view text) = 0;
 };
 
-// What a tool reports; threads as above.
+// Reports of a tool; threads as above.
 class IToolNotification {
   public:
     virtual ~IToolNotification() = default;
@@ -51,12 +51,12 @@ class ISimpleImporterNotification : public IToolNotification {};
 class ISimpleExporterNotification : public IToolNotification {};
 class IFileUpdaterNotification : public IToolNotification {};
 
-// A sink that is such a thing too can hold a flooding child back: while it is full the child's output is left
-// unread, and the child comes to wait in its own writes.
+// A sink with this interface can hold a flooding child back: while it is full, nobody reads the child's
+// output, and the child waits in its own writes.
 class IFlowControl {
   public:
     virtual ~IFlowControl() = default;
-    // Thread-safe.
+    // Any thread.
     virtual bool IsFull() const = 0;
 };
 

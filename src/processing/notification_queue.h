@@ -16,24 +16,23 @@ namespace Communication_Processus {
 class INotificationWindow {
   public:
     virtual ~INotificationWindow() = default;
-    // LastProgress has changed; several changes may be told by one call.
+    // LastProgress has changed. One call may cover several changes.
     virtual void OnProgressChanged() = 0;
     // Called once for each message: the window takes one with TakeMessage.
     virtual void OnMessageQueued() = 0;
 };
 
 // Keeps the last progress and the messages not yet shown, oldest first, and posts to the window. No message
-// is lost or merged. The queue is full above a count or a size: the child is then held back (IFlowControl)
-// until the window has caught up, which bounds the memory and leaves the UI thread time for its user.
-// Without a window nothing is posted, nobody is told to empty the queue, and so it is never full: the oldest
-// messages go instead. Stopping a child is never delayed by a full queue.
+// is lost or merged. Above a count or a size the queue is full and holds the child back (IFlowControl) until
+// the window has caught up, which bounds the memory and leaves the UI thread time for its user. Without a
+// window nobody empties the queue: it is never full and drops the oldest messages. A full queue never delays
+// the stop of a child.
 class CNotificationQueue : public Communication_Interfaces::IFlowControl {
   public:
     static constexpr std::size_t mostMessages = 1000;
     static constexpr std::size_t mostBytes = std::size_t(8) << 20;
 
-    // `target` and `window` must outlive the queue; `window` may be null. Destroyed on the UI thread, when
-    // no child reports any more.
+    // Both must outlive the queue; `window` may be null. Destroy it on the UI thread, after the last report.
     CNotificationQueue(Outils::IMessageTarget& target, INotificationWindow* window)
         : m_port(target), m_window(window) {}
 
@@ -41,7 +40,7 @@ class CNotificationQueue : public Communication_Interfaces::IFlowControl {
     void StoreProgress(float percent);
     void QueueMessage(int level, int code, std::string_view text);
 
-    // Thread-safe.
+    // Any thread.
     bool IsFull() const override;
     // Percent; 0 before the first.
     float LastProgress() const;
@@ -61,7 +60,7 @@ class CNotificationQueue : public Communication_Interfaces::IFlowControl {
     INotificationWindow* const m_window;
     mutable std::mutex m_lock; // guards all below; never held across a post
     float m_lastProgress = 0.0f;
-    bool m_progressPosted = false; // a post is under way that will tell of any newer value too
+    bool m_progressPosted = false; // a post is under way that covers any newer value
     std::deque<SMessage> m_messages;
     std::size_t m_bytes = 0; // of the texts
 };

@@ -1,11 +1,13 @@
 #include "processing/process.h"
 
 #include "foundation/descriptor.h"
+#include "foundation/texts.h"
 #include "processing/command_line.h"
 
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <thread>
@@ -26,7 +28,7 @@ namespace {
 
 using Outils_Fichiers::CDescriptor;
 
-constexpr int kFirstFree = 3; // behind the standard descriptors
+constexpr int kFirstFree = 3; // after the standard descriptors
 
 class CSpawnActions {
   public:
@@ -37,8 +39,8 @@ class CSpawnActions {
     CSpawnActions(const CSpawnActions&) = delete;
     CSpawnActions& operator=(const CSpawnActions&) = delete;
 
-    // `source` is behind the standard descriptors, so that no step overwrites the source of another; -1 gives
-    // the null device.
+    // REQUIRES: `source` is after the standard descriptors, so that no step overwrites the source of another,
+    // or -1 for the null device.
     bool SetStandard(int number, int source) {
         if (!m_good) return false;
         if (source < 0)
@@ -87,7 +89,7 @@ class CSpawnAttributes {
 pid_t Spawn(std::vector<std::string> arguments, const std::array<int, 3>& standard) {
     CSpawnActions actions;
     const CSpawnAttributes attributes;
-    std::array<CDescriptor, 3> lifted; // copies of descriptors that stand in the way of the standard ones
+    std::array<CDescriptor, 3> lifted; // copies of descriptors in the place of the standard ones
     for (int number = 0; number < 3; ++number) {
         int source = standard[static_cast<std::size_t>(number)];
         if (source >= 0 && source < kFirstFree) {
@@ -104,20 +106,29 @@ pid_t Spawn(std::vector<std::string> arguments, const std::array<int, 3>& standa
     for (std::string& argument : arguments) argv.push_back(argument.data());
     argv.push_back(nullptr);
     pid_t pid = 0;
-    // Also tells of a program that cannot be executed, not only of a process that cannot be made.
+    // Fails for a program that cannot be executed, not only for a process that cannot be made.
     if (::posix_spawnp(&pid, argv[0], actions.Get(), attributes.Get(), argv.data(), environ) != 0) return 0;
     return pid;
 }
 
 enum EWait { waitNot, waitForEnd };
 
-// True when the child has ended; it is collected then. A child that is not ours to collect has ended too:
+SProcessEnd MakeEnd(int status) {
+    using enum SProcessEnd::EKind;
+    if (WIFEXITED(status)) return {exited, WEXITSTATUS(status)};
+    if (WIFSIGNALED(status)) return {killed, WTERMSIG(status)};
+    return {};
+}
+
+// Collects the child if it has ended; empty while it runs. A child that is not ours to collect has ended too:
 // someone has set up this process so that the system collects children by itself.
-bool Collect(pid_t pid, EWait wait) {
+std::optional<SProcessEnd> Collect(pid_t pid, EWait wait) {
     for (;;) {
-        const pid_t result = ::waitpid(pid, nullptr, wait == waitNot ? WNOHANG : 0);
-        if (result == 0) return false;
-        if (result > 0 || errno != EINTR) return true;
+        int status = 0;
+        const pid_t result = ::waitpid(pid, &status, wait == waitNot ? WNOHANG : 0);
+        if (result == 0) return std::nullopt;
+        if (result > 0) return MakeEnd(status);
+        if (errno != EINTR) return SProcessEnd();
     }
 }
 
@@ -125,11 +136,20 @@ void CollectLater(pid_t pid) {
     try {
         std::thread([pid] { Collect(pid, waitForEnd); }).detach();
     } catch (const std::system_error&) {
-        // No thread to be had: the system collects the child when this process ends.
+        // The system has no thread left to give: it collects the child when this process ends.
     }
 }
 
 } // namespace
+
+std::string ToText(const SProcessEnd& end) {
+    using Outils_Texte::EText;
+    using enum SProcessEnd::EKind;
+    const EText text = end.kind == exited   ? EText::endExitCode
+                       : end.kind == killed ? EText::endSignal
+                                            : EText::endUnknown;
+    return Outils_Texte::FormatText(text, {std::to_string(end.number)});
+}
 
 CProcess::~CProcess() { CProcess::Close(); }
 
@@ -140,6 +160,7 @@ bool CProcess::Create(std::string_view commandLine, bool /*visible*/, int standa
     if (arguments.front().empty()) return false;
     m_pid = Spawn(std::move(arguments), {standardInput, standardOutput, standardError});
     m_ended = false;
+    m_end = {};
     return m_pid != 0;
 }
 
@@ -150,7 +171,11 @@ void CProcess::Close() {
 }
 
 bool CProcess::IsRunning() {
-    if (m_pid != 0 && !m_ended) m_ended = Collect(m_pid, waitNot);
+    if (m_pid != 0 && !m_ended) {
+        const auto end = Collect(m_pid, waitNot);
+        m_ended = end.has_value();
+        m_end = end.value_or(SProcessEnd());
+    }
     return m_pid != 0 && !m_ended;
 }
 

@@ -22,7 +22,7 @@ struct SEnds {
     bool AreOpen() const { return ours.IsOpen() && childs.IsOpen(); }
 };
 
-// A socket and not a pipe: a write to a child that is gone then fails without a signal.
+// A socket, not a pipe: a write to a child that has ended then fails without a signal.
 SEnds MakeCommandChannel() {
     int ends[2];
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return {};
@@ -89,7 +89,7 @@ bool CRemoteProcess::IsHeldBack(EChildOutput output) const {
 }
 
 void CRemoteProcess::Dispatch(EChildOutput output, std::string_view text) {
-    // A piece counts as text that ends at a zero: what stands behind one is lost, up to the end of the piece.
+    // A piece is text that ends at a zero: the rest of the piece after one is lost.
     text = Outils_Texte::TrimAtZero(text);
     if (output == outputError)
         OnErrorOutput(text);
@@ -102,7 +102,7 @@ void CRemoteProcess::DispatchLine(std::string_view line) {
         const std::vector<std::string> tokens = SplitTokens(line);
         if (!tokens.empty()) OnCommand(tokens);
     } catch (const std::exception&) {
-        // Caught for each line, so that the lines behind it in the same piece are still read.
+        // Caught for each line, so that the next lines of the piece are still read.
     }
 }
 

@@ -13,8 +13,8 @@
 namespace Communication_Processus {
 
 // Long-lived and reusable: one child after the other. Idle (ProcessId is 0), running (IsRunning), ended
-// (ProcessId is not 0, IsRunning is false); nothing announces the end, the owner polls. After the end call
-// WaitForReceivers, for the last of the output, and then Close.
+// (ProcessId is not 0, IsRunning is false). Nothing announces the end: the owner polls, as CChildRun does,
+// calls WaitForReceivers for the last of the output, and then Close.
 //
 // All public operations come from one thread. OnCommand and OnErrorOutput run on the receiver threads, so a
 // derived class must call Close() in its own destructor, before its part of the object goes.
@@ -27,16 +27,16 @@ class CRemoteProcess : public CProcess {
     // False, with nothing left open, when the child cannot be started or the system has no descriptor or
     // thread to give.
     bool Open(std::string_view commandLine, bool visible);
-    // Stops the receivers, drops output not read yet and forgets the child, which goes on if it runs. The
-    // bytes of a last line without its end stay, in front of what the next child writes.
+    // Stops the receivers, drops unread output and forgets the child, which goes on if it runs. A last line
+    // without its end remains, before the first bytes of the next child.
     void Close() override;
     // Waits at most 1000 ms until all output is read and both receivers have ended; true when they have.
-    // Another process that holds the child's outputs open makes it false. A full sink holds nothing back
-    // meanwhile: the caller is the thread that would have to empty it.
+    // False when another process holds the child's outputs open. A full sink holds nothing back meanwhile:
+    // the calling thread is the one that would empty it.
     bool WaitForReceivers();
 
-    // Writes one command line to the child. Never blocks and reports nothing: a word to a child that is
-    // gone, or that has not read for so long that the channel is full, is lost.
+    // Writes one command line to the child. Never blocks and reports nothing: a word is lost when the child
+    // has ended, or has not read for so long that the channel is full.
     void SendCommand(std::string_view word);
 
   protected:
@@ -44,7 +44,7 @@ class CRemoteProcess : public CProcess {
     virtual void OnCommand(const std::vector<std::string>& tokens);
     // A piece of standard error as read, up to 1024 bytes.
     virtual void OnErrorOutput(std::string_view text);
-    // True to leave standard output unread for the moment. Asked on the receiver thread before each read.
+    // True to leave standard output unread for the moment. Receiver thread, before each read.
     virtual bool IsSinkFull() const { return false; }
 
   private:

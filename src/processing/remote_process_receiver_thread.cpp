@@ -17,7 +17,7 @@ namespace Communication_Processus {
 namespace {
 
 constexpr std::size_t kPiece = 1024; // bytes read at a time
-constexpr int kHeldBackPause = 10;   // ms until a full sink is asked again
+constexpr int kHeldBackPause = 10;   // ms between two questions to a full sink
 
 } // namespace
 
@@ -37,7 +37,7 @@ bool CRemoteProcessReceiverThread::WaitUntil(std::chrono::steady_clock::time_poi
     using std::chrono::milliseconds;
     const auto left = std::chrono::ceil<milliseconds>(end - std::chrono::steady_clock::now());
     if (IsAlive() && !m_done.Wait(std::max(left, milliseconds(0)))) return false;
-    Join(); // what is left of the thread takes no time
+    Join(); // the body has returned
     return true;
 }
 

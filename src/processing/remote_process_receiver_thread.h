@@ -21,13 +21,13 @@ class CRemoteProcessReceiverThread : public Outils::CThread {
         : m_owner(owner), m_output(output) {}
     ~CRemoteProcessReceiverThread() override { Finish(); }
 
-    // Starts reading `readEnd`, which is the thread's from now on. False when the thread is running already
-    // or the system gives no thread or descriptor; `readEnd` is closed then.
+    // Starts reading `readEnd` and owns it. False, with `readEnd` closed, when the thread runs already or the
+    // system gives no thread or descriptor.
     bool Receive(Outils_Fichiers::CDescriptor readEnd);
     // Waits at most until `end` for the body to return; true when it has, or was never started.
     bool WaitUntil(std::chrono::steady_clock::time_point end);
-    // Makes the body end, waits for it and closes the read end. What was not read yet is lost. Another
-    // process that still holds the write end cannot delay it.
+    // Makes the body end, waits for it and closes the read end. Unread output is lost. Another process that
+    // holds the write end cannot delay it.
     void Finish();
 
   protected:

@@ -196,11 +196,13 @@ TEST_F(Settings, UnknownContentSurvivesALoadAndASave) {
     ASSERT_TRUE(settings.Load(m_path));
     EXPECT_EQ(Saved(), once);
 
-    // Character data has no references for what Latin-1 lacks.
-    ASSERT_TRUE(LoadGeneral("<userGuide><![CDATA[a<b]]></userGuide><x><![CDATA[\xE2\x82\xAC<]]></x>"));
+    // Character data has no references for what Latin-1 lacks. U+00FF is its last character.
+    ASSERT_TRUE(LoadGeneral("<userGuide><![CDATA[a<b]]></userGuide><x><![CDATA[\xC4\x80<]]></x>"
+                            "<y><![CDATA[\xC3\xBF<]]></y><z><![CDATA[\xE2\x82\xAC<]]></z>"));
     settings.Set(Cnf<"general/userGuide">, "\xCE\xB1 & \xCE\xB2");
     const std::string data = Saved();
-    EXPECT_NE(data.find("<x>&#8364;&lt;</x>"), std::string::npos);
+    for (const char* written : {"<x>&#256;&lt;</x>", "<y><![CDATA[\xFF<]]></y>", "<z>&#8364;&lt;</z>"})
+        EXPECT_NE(data.find(written), std::string::npos) << written;
     ASSERT_TRUE(settings.Load(m_path));
     EXPECT_EQ(settings.Get(Cnf<"general/userGuide">), "\xCE\xB1 & \xCE\xB2");
     EXPECT_EQ(Saved(), data);

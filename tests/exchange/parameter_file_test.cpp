@@ -149,7 +149,7 @@ std::string Replaced(std::string text, std::string_view from, std::string_view t
 
 } // namespace
 
-TEST_F(ParameterFile, WhatIsReadDiffersByTheListOfWhatTheFileDoesNotHold) {
+TEST_F(ParameterFile, ComesBackButForTheListedValues) {
     for (const bool hasUtc : {false, true})
         for (const std::int32_t heave : {heaveNone, heaveRealTime, heaveKelvar})
             for (const std::int32_t cipher : {0, 2}) {
@@ -239,7 +239,7 @@ TEST_F(ParameterFile, HasThisText) {
         std::string::npos);
 }
 
-TEST_F(ParameterFile, SensorsHaveTheseElementsInThisOrder) {
+TEST_F(ParameterFile, SensorElementsKeepTheirOrder) {
     Write(*MakeFull(heaveNone, false));
     pugi::xml_document document;
     ASSERT_TRUE(document.load_file(m_path.c_str()));
@@ -329,7 +329,7 @@ TEST_F(ParameterFile, OnlyTheseMayBeMissing) {
     visit(visit, document.document_element());
 }
 
-TEST_F(ParameterFile, TakesWhatOthersHaveWritten) {
+TEST_F(ParameterFile, ReadsFilesOfOtherWriters) {
     std::string text = Write(*MakeFull(heaveRealTime, false));
     // The depth sensor before all others.
     const std::size_t start = text.find("<depthSensor>");
@@ -358,7 +358,7 @@ TEST_F(ParameterFile, TakesWhatOthersHaveWritten) {
     }
 }
 
-TEST_F(ParameterFile, ChosenFilesTakeThePlaceOfTheNamedOnes) {
+TEST_F(ParameterFile, ChosenFilesReplaceTheNamedOnes) {
     Write(*MakeFull(heaveNone, false));
     std::filesystem::rename(m_folder / "ext.tarin", m_folder / "moved.tarin");
     CParameterFileReader reader;
@@ -371,7 +371,7 @@ TEST_F(ParameterFile, ChosenFilesTakeThePlaceOfTheNamedOnes) {
     EXPECT_EQ(parameters->outputFile->path, m_folder / "new.tarout");
 }
 
-TEST_F(ParameterFile, WhatItCannotHoldLeavesTheOldFile) {
+TEST_F(ParameterFile, KeepsTheOldFileOnRefusedValues) {
     const std::string good = Write(*MakeEmpty());
     const std::pair<const char*, void (*)(CTrvSimulationParameters&)> rows[] = {
         {"no number", [](auto& p) { p.defaultOutputRate = std::numeric_limits<double>::quiet_NaN(); }},

@@ -182,6 +182,20 @@ TEST(NavigationRun, BrokenInputIsToldAsAnError) {
     }
 }
 
+TEST(NavigationRun, SaysOnceThatTheDiskIsFull) {
+    const CRunFolder folder;
+    folder.Simulate(ShortMission());
+    auto parameters = folder.MakeParameters();
+    parameters->outputFile->path = "/dev/full";
+    folder.Store(*parameters);
+    CListeningMonitor monitor;
+    EXPECT_EQ(Execute(folder, monitor), ERunEnd::failed);
+    const auto isFault = [](const auto& message) { return message.code == EText::outputFailed; };
+    EXPECT_EQ(std::ranges::count_if(monitor.messages, isFault), 1);
+    EXPECT_FALSE(monitor.Has(EText::finished));
+    EXPECT_LT(monitor.progress.back(), 100.0);
+}
+
 TEST(NavigationRun, ProgramSpeaksItsProtocol) {
     const CRunFolder folder;
     const std::filesystem::path said = folder.Output().replace_extension(".txt");

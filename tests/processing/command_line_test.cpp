@@ -1,4 +1,5 @@
-#include "processing/command_line.h"
+#include "processing/engine_command.h"
+#include "processing/switches.h"
 
 #include <gmock/gmock.h>
 
@@ -46,4 +47,29 @@ TEST(CommandLine, QuotedArgumentsComeBackAsTheyWere) {
     EXPECT_EQ(QuoteArgument("/a/b"), "\"/a/b\"");
     EXPECT_EQ(QuoteArgumentIfNeeded("/a/b"), "/a/b");
     EXPECT_EQ(QuoteProgram("/a\"b"), "");
+}
+
+TEST(CommandLine, SwitchesAreWrittenRowByRow) {
+    struct SOptions {
+        bool accuracy = false;
+        int decimation = 0;
+        std::vector<std::string> sources;
+        std::string format = "KML";
+    };
+    using Values = std::vector<std::string>;
+    constexpr SSwitchRow<SOptions> rows[] = {
+        {"/a", EArgument::flag, [](const SOptions& o) { return o.accuracy ? Values{""} : Values{}; }},
+        {"/dec", EArgument::word,
+         [](const SOptions& o) {
+             return o.decimation > 0 ? Values{std::to_string(o.decimation)} : Values{};
+         }},
+        {"/f", EArgument::quotedIfNeeded, [](const SOptions& o) { return Values{o.format}; }},
+        {"", EArgument::quoted, [](const SOptions& o) { return o.sources; }},
+    };
+    EXPECT_EQ(MakeCommandLine("/opt/a b/tool", rows, SOptions()), R"("/opt/a b/tool" /f KML)");
+    EXPECT_EQ(MakeCommandLine("tool", rows, SOptions{true, 5, {"a", "b c"}, "ESRI Shapefile"}),
+              R"("tool" /a /dec 5 /f "ESRI Shapefile" "a" "b c")");
+    EXPECT_EQ(MakeCommandLine("a\"b", rows, SOptions()), "");
+    EXPECT_EQ(MakeEngineCommand("/opt/Morvex.exe", "/tmp/p 1"),
+              R"("/opt/Morvex.exe" /remote /autostart off "/tmp/p 1")");
 }

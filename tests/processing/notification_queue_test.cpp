@@ -4,25 +4,30 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <utility>
 
 using namespace Communication_Processus;
 
 namespace {
 
 struct SWindow : INotificationWindow {
-    void OnProgressChanged() override { shown.push_back(std::to_string(receiver->LastProgress())); }
+    void OnProgressChanged() override {
+        shown.push_back(std::to_string(receiver->LastProgress()));
+        if (const float next = std::exchange(nextProgress, 0.0f); next > 0.0f) receiver->StoreProgress(next);
+    }
     void OnMessageQueued() override {
         int level = 0, code = 0;
         std::string text;
         if (receiver->TakeMessage(level, code, text)) shown.push_back(FormatMessageLine(level, text));
     }
     CNotificationQueue* receiver = nullptr;
+    float nextProgress = 0.0f; // stored from inside the next notification
     std::vector<std::string> shown;
 };
 
 } // namespace
 
-TEST(NotificationQueue, ShowsEveryMessageInOrderAndTheLatestProgress) {
+TEST(NotificationQueue, ShowsMessagesInOrderAndLatestProgress) {
     Outils::CMessageQueue ui;
     SWindow window;
     std::optional<CMorvexReceiver> receiver(std::in_place, ui, &window);
@@ -39,8 +44,10 @@ TEST(NotificationQueue, ShowsEveryMessageInOrderAndTheLatestProgress) {
     EXPECT_THAT(window.shown,
                 testing::ElementsAre("INFO : a %2", "2.500000", "WARNING : \xC3\xA9t\xEF\xBF\xBD",
                                      "ERROR : c", "????? : d"));
-    receiver->OnProgress(3.0f); // a later change is told again
+    window.nextProgress = 3.0f;
+    receiver->OnProgress(2.75f); // a later change is reported again, also one from inside a report
     ui.RunPending();
+    EXPECT_EQ(window.shown[window.shown.size() - 2], "2.750000");
     EXPECT_EQ(window.shown.back(), "3.000000");
 
     receiver->OnMessage(0, 0, "late");
@@ -49,7 +56,7 @@ TEST(NotificationQueue, ShowsEveryMessageInOrderAndTheLatestProgress) {
     EXPECT_EQ(window.shown.back(), "3.000000");
 }
 
-TEST(NotificationQueue, IsFullByCountOrSizeUntilTheWindowCatchesUp) {
+TEST(NotificationQueue, IsFullByCountOrSize) {
     Outils::CMessageQueue ui;
     SWindow window;
     CToolReceiver<Communication_Interfaces::IFileUpdaterNotification> receiver(ui, &window);
@@ -68,7 +75,7 @@ TEST(NotificationQueue, IsFullByCountOrSizeUntilTheWindowCatchesUp) {
     EXPECT_TRUE(receiver.IsFull());
 }
 
-TEST(NotificationQueue, KeepsTheNewestMessagesWhenNobodyTakesThem) {
+TEST(NotificationQueue, KeepsTheNewestWithoutAWindow) {
     Outils::CMessageQueue ui;
     CMorvexReceiver receiver(ui, nullptr);
     for (std::size_t i = 0; i < CNotificationQueue::mostMessages + 3; ++i)

@@ -170,7 +170,7 @@ TEST_F(RemoteProcess, InheritsNothingButItsChannel) {
     EXPECT_EQ(bitOf(1, SIGPIPE), 0u);
 }
 
-TEST_F(RemoteProcess, GetsItsStandardDescriptorsFromAnywhere) {
+TEST_F(RemoteProcess, TakesStandardDescriptorsFromAnywhere) {
     // The ends may lie on the numbers that they have to leave for one another.
     int ends[2];
     ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
@@ -201,7 +201,7 @@ TEST_F(RemoteProcess, DoesNotOpenWhatCannotBeStarted) {
     EXPECT_TRUE(child.WaitForReceivers());
 }
 
-TEST_F(RemoteProcess, SurvivesWordsToAChildThatIsGoneOrDeaf) {
+TEST_F(RemoteProcess, SurvivesWordsToADeafChild) {
     CListener child;
     ASSERT_TRUE(child.Open(Shell("exit"), false));
     child.WaitForEnd();
@@ -216,7 +216,7 @@ TEST_F(RemoteProcess, SurvivesWordsToAChildThatIsGoneOrDeaf) {
     EXPECT_EQ(child.ProcessId(), 0u);
 }
 
-TEST_F(RemoteProcess, ReadsErrorsUpToAZeroAndOutputsThatEndEarly) {
+TEST_F(RemoteProcess, ReadsErrorsUpToAZero) {
     CListener child;
     ASSERT_TRUE(
         child.Open(Shell("echo bye; exec >&-; printf 'abc\\0def' >&2; " + std::string(kDeaf)), false));
@@ -226,7 +226,7 @@ TEST_F(RemoteProcess, ReadsErrorsUpToAZeroAndOutputsThatEndEarly) {
     child.Terminate();
 }
 
-TEST_F(RemoteProcess, ReadsAFloodOnBothOutputsWholeButHoldsAChildBackWhileTheSinkIsFull) {
+TEST_F(RemoteProcess, AFullSinkHoldsAFloodBack) {
     CListener child;
     ASSERT_TRUE(child.Open(Shell(Flood(5000)), false));
     EXPECT_TRUE(child.WaitForLines(5000));
@@ -247,8 +247,26 @@ TEST_F(RemoteProcess, ReadsAFloodOnBothOutputsWholeButHoldsAChildBackWhileTheSin
     EXPECT_EQ(child.lines.size(), 1u);
 }
 
-TEST_F(RemoteProcess, AGrandchildWithThePipesDoesNotDelayClose) {
+TEST_F(RemoteProcess, SaysHowAChildEnded) {
+    const struct {
+        const char* script;
+        const char* text;
+    } rows[] = {{"exit", "exit code 0"}, {"exit 3", "exit code 3"}, {"kill -9 $$", "killed by signal 9"}};
     CListener child;
+    for (const auto& [script, text] : rows) {
+        ASSERT_TRUE(child.Open(Shell(script), false));
+        child.Finish();
+        EXPECT_EQ(ToText(child.GetEnd()), text);
+    }
+    ASSERT_TRUE(child.Open(Shell(kDeaf), false));
+    child.Terminate();
+    EXPECT_EQ(ToText(child.GetEnd()), "killed by signal 9");
+}
+
+TEST_F(RemoteProcess, AGrandchildDoesNotDelayClose) {
+    CListener child;
+    ASSERT_TRUE(child.Open(Shell("exit"), false)); // its end is not taken for that of the next
+    child.Finish();
     ASSERT_TRUE(child.Open(Shell("exec 3<&0; cat <&3 &"), false));
     child.WaitForEnd();
     EXPECT_FALSE(child.WaitForReceivers());
@@ -257,7 +275,7 @@ TEST_F(RemoteProcess, AGrandchildWithThePipesDoesNotDelayClose) {
     EXPECT_TRUE(child.WaitForReceivers());
 }
 
-TEST_F(RemoteProcess, CloseLeavesAChildRunningAndCollectsItLater) {
+TEST_F(RemoteProcess, CloseLeavesAChildRunning) {
     CListener child;
     ASSERT_TRUE(child.Open(Shell(kDeaf), false));
     const auto pid = static_cast<pid_t>(child.ProcessId());
