@@ -17,6 +17,9 @@
 
 namespace Application_Tarvel {
 
+using Outils_Plot2D::ToPath;
+using Outils_Plot2D::ToQString;
+
 using Outils_Configuration::Cnf;
 using Outils_Texte::EText;
 using Outils_Texte::FormatText;

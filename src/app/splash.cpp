@@ -13,6 +13,8 @@
 
 namespace Application_Tarvel {
 
+using Outils_Plot2D::Text;
+using Outils_Plot2D::ToQString;
 using Outils_Texte::EText;
 
 namespace {

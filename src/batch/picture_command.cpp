@@ -6,6 +6,7 @@
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "graph/loader.h"
+#include "graph/stack_picture.h"
 #include "plot/settings.h"
 #include "values/adaptors.h"
 
