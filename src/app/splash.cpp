@@ -5,7 +5,7 @@
 #include "foundation/texts.h"
 #include "plot/text.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
@@ -58,16 +58,23 @@ QPixmap DrawPicture() {
 CSplashWnd::CSplashWnd() : QSplashScreen(DrawPicture()) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(Text(EText::welcome));
+    qApp->installEventFilter(this);
 }
 
 void CSplashWnd::CloseFor(QWidget& window) {
     m_window = &window;
-    raise(); // the window has come over it
+    hide();
     CloseIn(kAfterStart);
 }
 
 void CSplashWnd::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) CloseIn(kAfterClick);
+}
+
+bool CSplashWnd::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Show && watched->isWidgetType() && static_cast<QWidget*>(watched)->isModal())
+        hide();
+    return QSplashScreen::eventFilter(watched, event);
 }
 
 void CSplashWnd::CloseIn(int milliseconds) { QTimer::singleShot(milliseconds, this, &CSplashWnd::Finish); }
