@@ -19,7 +19,9 @@ endif()
 
 find_program(VARNE_CCACHE ccache)
 if(VARNE_CCACHE)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${VARNE_CCACHE})
+  # It keeps results of sources with a precompiled header only when it may trust the times of headers.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime
+    ${VARNE_CCACHE})
 endif()
 
 # A faster linker where there is one; the result is the same.

@@ -2,8 +2,9 @@
 // of a recording.
 #include "batch/batch_host.h"
 #include "batch/commands.h"
-#include "batch/file_scan.h"
+#include "batch/packet_access.h"
 #include "batch/session.h"
+#include "dataaccess/file_scan.h"
 #include "dataaccess/format_detection.h"
 #include "foundation/numbers.h"
 #include "foundation/paths.h"
@@ -48,7 +49,7 @@ int AnalyseCommand(const COptions& options, SStreams streams) {
     const std::string& path = options.GetArguments()[0];
     const SOpenFile open = OpenFile(path, streams);
     if (!open.file) return exitFailure;
-    CFileScan scan(open, FromText(path));
+    CFileScan scan(*open.file, open.kind, FromText(path));
     scan.Run([&](int percent) { streams.error << "progress " << percent << std::endl; });
 
     streams.out << GetText(EText::analysisColumns) << '\n';

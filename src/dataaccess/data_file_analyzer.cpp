@@ -135,17 +135,12 @@ void CTrvDataFileAnalyzerThread::EndScan(CXpfFile& file) {
         m_port.Post([report = m_onDamage, position] { report(position); });
 }
 
-// Whether no packet stands here, or one that the file has whole and that the disk does not give.
+// Whether the bytes here are no packet and no torn tail, or the disk does not give them.
 bool CTrvDataFileAnalyzerThread::IsDamaged(CXpfFile& file, std::int64_t position) {
-    const std::int64_t size = file.GetFileSize();
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
     if (!file.Seek(position)) return false;
-    const EPacketRead read = file.ReadPacket(header, payload);
-    if (read != EPacketRead::torn) return read == EPacketRead::damaged;
-    const bool hasHeader = file.Read(&header, sizeof header) == sizeof header;
-    const std::int64_t end = position + (hasHeader ? header.size : kPacketHeaderSize);
-    return end <= size && end <= file.GetFileSize();
+    return file.ReadPacket(header, payload) != EPacketRead::whole && !file.IsTornTail(position);
 }
 
 // What a packet says counts as soon as its payload is there. Its trailer only decides whether the scan goes

@@ -105,8 +105,9 @@ EDateSearch CTrvView1DDataQuery::SeekStart(CXpfChannel& channel, CXpfDatedPacket
         return empty || channel.SeekFirstPacket(nullptr) ? EDateSearch::found : EDateSearch::failed;
     }
     if (end != EDateSearch::found) return end;
-    const std::uint32_t number =
-        m_window.start == bracket.upperDate ? bracket.upperNumber : bracket.lowerNumber;
+    // The lower one first: a channel all of whose packets share one date is shown from its first packet on.
+    const bool isUpper = m_window.start == bracket.upperDate && m_window.start != bracket.lowerDate;
+    const std::uint32_t number = isUpper ? bracket.upperNumber : bracket.lowerNumber;
     return channel.SeekPacketNumber(number) ? EDateSearch::found : EDateSearch::failed;
 }
 

@@ -4,6 +4,7 @@
 #include "xpf/stride.h"
 #include "xpf/table_file.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace Persistance_Xpf {
@@ -130,6 +131,41 @@ EPacketRead CXpfFile::ReadHugePacket(const SPacketHeader& header, std::span<cons
     payload = {packet + kPacketHeaderSize, CBlockReader::kLargestView - kPacketHeaderSize};
     m_reader->Seek(position + header.size);
     return EPacketRead::whole;
+}
+
+bool CXpfFile::IsTornTail(std::int64_t position) {
+    const std::int64_t size = GetFileSize();
+    SPacketHeader header;
+    if (position + kPacketHeaderSize > size) return true;
+    if (!m_reader->Probe(position, &header, sizeof header)) return false;
+    if (!header.Check()) {
+        // Zeros have cut the header, or stand where a packet would begin.
+        constexpr std::uint32_t kSizeOffset = 4;
+        const bool begins = header.magic[0] == '$' || header.magic[0] == 0;
+        return begins && header.size == 0 && HoldsOnlyZeros(position + kSizeOffset);
+    }
+    const std::int64_t end = position + header.size;
+    if (end > size) return true;
+    const SPacketTrailer whole{{'!', '!'}, header.channel, header.size};
+    std::uint8_t expected[kPacketTrailerSize], found[kPacketTrailerSize];
+    std::memcpy(expected, &whole, sizeof expected);
+    if (!m_reader->Probe(end - kPacketTrailerSize, found, sizeof found)) return false;
+    const auto cut = std::mismatch(std::begin(found), std::end(found), expected).first;
+    return std::all_of(cut, std::end(found), [](std::uint8_t byte) { return byte == 0; }) &&
+           cut != std::end(found) && HoldsOnlyZeros(end);
+}
+
+bool CXpfFile::HoldsOnlyZeros(std::int64_t position) {
+    constexpr std::int64_t kBlock = std::int64_t{64} << 10;
+    const std::int64_t size = GetFileSize();
+    while (position < size) {
+        const auto length = static_cast<std::size_t>(std::min(kBlock, size - position));
+        const std::uint8_t* bytes = m_reader->View(position, length);
+        // All bytes equal the first one when the block equals itself a byte further on.
+        if (!bytes || bytes[0] != 0 || std::memcmp(bytes, bytes + 1, length - 1) != 0) return false;
+        position += static_cast<std::int64_t>(length);
+    }
+    return true;
 }
 
 bool CXpfFile::ReadHeaderAt(std::int64_t position, SPacketHeader& header) {

@@ -84,6 +84,11 @@ class CXpfFile {
     // that look into few packets, and need not wait for each one's size to find the next.
     std::size_t ReadPackets(std::span<const std::uint8_t*> packets);
 
+    // Whether the file has a torn tail from `position` on: it ends inside the packet there, or zero bytes
+    // replace the rest of that packet and all that follows, as a writer or a crash leaves them. The file
+    // pointer stays.
+    bool IsTornTail(std::int64_t position);
+
     // The nearest valid packet before, or the first one at or after, the file pointer. On success the pointer
     // stands on it and its header is copied; a failed backward search restores the pointer.
     bool SearchPacketBackward(SPacketHeader& header);
@@ -118,6 +123,8 @@ class CXpfFile {
     // The packet check against the trailer in the file. `fileSize` spares the look for a trailer that would
     // lie beyond: what a search meets in damaged bytes mostly does.
     bool IsPacket(std::int64_t position, const SPacketHeader& header, std::int64_t fileSize);
+    // Whether all bytes from `position` up to the end are zero; false as well when they cannot be read.
+    bool HoldsOnlyZeros(std::int64_t position);
     EPacketRead ReadPacketAnew(SPacketHeader& header, std::span<const std::uint8_t>& payload);
     EPacketRead ReadHugePacket(const SPacketHeader& header, std::span<const std::uint8_t>& payload);
 

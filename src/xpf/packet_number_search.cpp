@@ -49,12 +49,13 @@ bool CXpfChannel::SeekPacketNumber(std::uint32_t target) {
             header.Check() && header.channel == m_number && header.number == target)
             return MoveTo(known.position, 0);
     if (FindLandmarks(target, lower, upper)) {
-        // A walk that stands on damage has no place to search from.
+        // A walk that has come to damage has no place to search from; one at a torn tail has come to the end.
         if (m_current.IsKnown() && m_file.m_reader->Holds(m_current.Get(), kPacketHeaderSize) &&
             m_file.ReadHeaderAt(m_current.Get(), header)) {
-            if (!header.Check()) return false;
+            if (!header.Check() && !m_file.IsTornTail(m_current.Get())) return false;
             const SBracket here{header.number, m_current.Get(), header};
-            if (header.channel == m_number && here.number >= lower.number && here.number < target)
+            if (header.Check() && header.channel == m_number && here.number >= lower.number &&
+                here.number < target && here.position < upper.position)
                 lower = here;
         }
         if (NarrowBrackets(target, lower, upper, true)) return true;
@@ -115,7 +116,8 @@ bool CXpfChannel::NarrowBrackets(std::uint32_t target, SBracket lower, SBracket 
 bool CXpfChannel::FindBrackets(std::uint32_t target, SBracket& lower, SBracket& upper, bool& done) {
     bool hasLower = false, hasUpper = false;
     SPacketHeader header;
-    if (m_current.IsKnown() && m_file.ReadHeaderAt(m_current.Get(), header)) {
+    if (m_current.IsKnown() && m_file.ReadHeaderAt(m_current.Get(), header) &&
+        !m_file.IsTornTail(m_current.Get())) {
         if (!header.Check()) return false;
         if (header.channel == m_number) {
             done = header.number == target;

@@ -58,11 +58,9 @@ bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
             const bool dollar = chunk[i] == '$';
             if (dollar && afterDollar) {
                 SPacketHeader candidate;
-                if (!ReadHeaderAt(chunkStart + i, candidate)) {
-                    m_reader->Seek(origin);
-                    return false;
-                }
-                if (IsPacket(chunkStart + i, candidate, fileSize)) {
+                // A header that the end of the file cuts is part of a torn tail, and the search goes on.
+                if (ReadHeaderAt(chunkStart + i, candidate) &&
+                    IsPacket(chunkStart + i, candidate, fileSize)) {
                     header = candidate;
                     return m_reader->Seek(chunkStart + i);
                 }

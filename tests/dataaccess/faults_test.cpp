@@ -91,6 +91,8 @@ const SFault kFaults[] = {
      kFailed, EError::noFile},
     {"no packets", [](SBytes& b) { b.bytes.resize(b.data); }, 0, kFailed, kFailed, EError::noPackets},
     {"the last packet cut", [](SBytes& b) { b.bytes.resize(b.bytes.size() - 9); }, 2, kDepths - 1},
+    {"the last header cut", [](SBytes& b) { b.bytes.resize(b.bytes.size() - 40); }, 2, kDepths - 1},
+    {"zeros after the last packet", [](SBytes& b) { b.bytes.resize(b.bytes.size() + 5000); }},
     {"no mark before a packet", [](SBytes& b) { b.Put<std::uint16_t>(b.InHeader(26, 0), 0); }},
     {"a packet of no size", [](SBytes& b) { b.Put<std::uint32_t>(b.InHeader(26, 4), 0); }, 2, 26, 6},
     {"a packet of all sizes", [](SBytes& b) { b.Put<std::uint32_t>(b.InHeader(26, 4), 0xFFFFFFFF); }},

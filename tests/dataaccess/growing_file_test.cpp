@@ -81,8 +81,8 @@ class GrowingFile : public testing::TestWithParam<bool> {
     std::int64_t OddBelow(std::int64_t limit) {
         return static_cast<std::int64_t>(m_random() % static_cast<std::uint64_t>(limit)) | 1;
     }
-    // A search fails while the file ends within the head of a packet; a view asks again then. One that fails
-    // while nothing was written is at fault.
+    // A search may meet a packet that is being written, and a view asks again then. A search that fails while
+    // nothing is written is at fault.
     template <class Query, class... Arguments>
     std::unique_ptr<Query> Ask(const Arguments&... arguments) {
         for (;;) {

@@ -301,6 +301,22 @@ TEST_F(ViewQueries, TheCacheTellsWhereAChannelBeginsAndLearnsWhereItEndsNow) {
     EXPECT_EQ(ValueAt(m_truth.back().ticks)->ticks, m_truth.back().ticks);
 }
 
+TEST_F(ViewQueries, OneDateForAllPacketsShowsAll) {
+    test::CTestRecording recording(m_folder / "still.tarin");
+    for (int i = 1; i <= 5; ++i) recording.Depth(7, static_cast<float>(i));
+    recording.Flush();
+    for (const double start : {6.0, 7.0}) {
+        CTrvView1DDataQuery query({recording.GetPath(), EFileKind::tarin, test::kDepthNumber},
+                                  {Seconds(start), Seconds(8), Seconds(2)}, nullptr);
+        bool cancelled = false;
+        ASSERT_TRUE(query.Execute(cancelled));
+        const SReducedSeries series = query.TakeSeries();
+        ASSERT_EQ(series.minima.size(), 1u);
+        EXPECT_EQ(SampleOf(*series.minima[0]).depth, 1);
+        EXPECT_EQ(SampleOf(*series.maxima[0]).depth, 5);
+    }
+}
+
 // Short and long packets are taken as far as they go, and what one does not fill is zero.
 TEST_F(ViewQueries, PacketsOfOtherSizes) {
     test::CTestRecording recording(m_folder / "odd.tarin");

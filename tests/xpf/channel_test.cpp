@@ -224,6 +224,49 @@ TEST_F(Channel, FindsTheLastPacketOfAGrowingFile) {
     EXPECT_FALSE(imu.SeekLastPacket(&header));
 }
 
+// A writer sets the link to a packet after the packet itself: the walk goes on without it.
+TEST_F(Channel, WalksOnOverALinkThatIsNotSetYet) {
+    auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
+    for (int i = 0; i < 6; ++i) {
+        builder.Add(kImu, Bytes(40, 7));
+        builder.Add(kUtc, Bytes(31, 1));
+    }
+    for (SPlacedPacket& packet : builder.packets[kImu]) {
+        packet.header.forwardLink = 0;
+        std::memcpy(&builder.bytes[static_cast<std::size_t>(packet.position)], &packet.header,
+                    sizeof packet.header);
+    }
+    Save(builder.bytes);
+    const auto file = Open();
+    CXpfChannel& imu = *file->FindChannelByNumber(kImu);
+    ExpectWalk(imu, builder.packets[kImu]);
+    ASSERT_TRUE(imu.SeekFirstPacket(nullptr));
+    ASSERT_TRUE(imu.ViewNextPacket(40)); // fills the block
+    std::array<const std::uint8_t*, 9> run;
+    EXPECT_EQ(imu.ViewHeldPackets(40, run), 5u);
+    imu.SetLast(0);
+    SPacketHeader header;
+    ASSERT_TRUE(imu.SeekLastPacket(&header));
+    EXPECT_EQ(header.number, 5u);
+}
+
+TEST_F(Channel, CutFileIsNotReadFromTheBlock) {
+    auto builder = CPacketFileBuilder::ForChannels({"IMU"});
+    for (int i = 0; i < 5; ++i) builder.Add(kImu, Bytes(40, 7));
+    Save(builder.bytes);
+    const auto file = Open();
+    CXpfChannel& imu = *file->FindChannelByNumber(kImu);
+    SPacketHeader header;
+    ASSERT_TRUE(imu.SeekLastPacket(&header));
+    EXPECT_TRUE(file->IsAt(m_path));
+    std::filesystem::resize_file(m_path, static_cast<std::uintmax_t>(builder.packets[kImu][3].position));
+    EXPECT_FALSE(file->IsAt(m_path));
+    EXPECT_FALSE(imu.SeekLastPacket(&header)) << "the remembered packet is no longer in the file";
+    imu.SetLast(0);
+    ASSERT_TRUE(imu.SeekLastPacket(&header));
+    EXPECT_EQ(header.number, 2u);
+}
+
 // Searches that would go through the whole file end when their reader has lost interest, and no result is
 // mistaken for one.
 TEST_F(Channel, ReadsNothingWhileInterrupted) {

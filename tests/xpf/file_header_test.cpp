@@ -90,6 +90,33 @@ TEST_F(FileHeader, TellsFormerLayoutsFromDamage) {
     }
 }
 
+TEST_F(FileHeader, CutHeaderKeepsWhatLiesBeforeTheCut) {
+    const Builder whole({{0, "IMU", typeImu}, {8, "DEPTH", typeDepth}},
+                        {{typeImu, 2, 11}, {typeDepth, 1, 5}});
+    std::size_t ends[5] = {kFileHeaderSize + kChannelRecordSize, kFileHeaderSize + 2 * kChannelRecordSize};
+    ends[2] = ends[1] + kDefinitionRecordSize + 11 * kFieldRecordSize;
+    ends[3] = ends[2] + kDefinitionRecordSize + 5 * kFieldRecordSize;
+    for (std::size_t size = kFileHeaderSize; size < whole.bytes.size(); ++size) {
+        Save(Bytes(whole.bytes.begin(), whole.bytes.begin() + static_cast<std::ptrdiff_t>(size)));
+        CXpfTarinFileV3 file;
+        CXpfFile::HeaderBuffer header;
+        bool outdated = false;
+        ASSERT_TRUE(file.Open(m_path));
+        EXPECT_FALSE(file.ReadFileHeader(outdated, header));
+        EXPECT_TRUE(std::equal(header.begin(), header.end(), whole.bytes.begin()));
+        ASSERT_EQ(file.GetChannels().size(), (size >= ends[0]) + std::size_t{size >= ends[1]}) << size;
+        ASSERT_EQ(file.GetDefinitions().size(), (size >= ends[2]) + std::size_t{size >= ends[3]}) << size;
+        EXPECT_FALSE(file.GetDataStart().IsKnown());
+        // A read that the end of the file cuts gives the bytes before it.
+        Bytes tail(50, 0xEE);
+        ASSERT_TRUE(file.Seek(static_cast<std::int64_t>(size) - 20));
+        ASSERT_EQ(file.Read(tail.data(), tail.size()), 20u);
+        EXPECT_EQ(Bytes(tail.begin(), tail.begin() + 20),
+                  Bytes(&whole.bytes[size - 20], &whole.bytes[size - 20] + 20));
+        EXPECT_EQ(tail[20], 0xEE);
+    }
+}
+
 TEST_F(FileHeader, OpensOnlyRegularFiles) {
     CXpfFile file;
     EXPECT_FALSE(file.Open(m_path));

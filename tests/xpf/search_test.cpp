@@ -157,6 +157,50 @@ TEST_F(Search, TakesAGiantSizeInASmallFileForTorn) {
     }
 }
 
+// However much of the last packet is there, and whether the file ends behind it or goes on with zeros, the
+// packet before it is the last one.
+TEST_F(Search, TornTailHidesNoPacket) {
+    auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
+    const auto utc = builder.Add(kUtc, Bytes(31, 1)).position;
+    for (int i = 0; i < 3; ++i) builder.Add(kImu, Bytes(40, 7));
+    const std::vector<SPlacedPacket>& packets = builder.packets[kImu];
+    const auto last = static_cast<std::size_t>(packets[2].position);
+    for (std::size_t size = last; size <= builder.bytes.size(); ++size) {
+        for (const std::size_t zeros : {0u, 1u, 40u, 3000u}) {
+            SCOPED_TRACE(std::to_string(size - last) + " bytes, zeros " + std::to_string(zeros));
+            Bytes bytes = builder.bytes;
+            bytes.resize(size);
+            bytes.resize(size + zeros, 0);
+            Save(bytes);
+            const auto file = Open();
+            SPacketHeader header;
+            // The size ends the trailer, so that zeros after its first byte complete it.
+            const bool whole = size + std::min<std::size_t>(zeros, 3) >= builder.bytes.size();
+            ASSERT_TRUE(file->FindChannelByNumber(kImu)->SeekLastPacket(&header));
+            EXPECT_EQ(header.number, whole ? 2u : 1u);
+            ASSERT_TRUE(file->FindChannelByNumber(kUtc)->SeekLastPacket(&header));
+            EXPECT_EQ(file->GetPosition(), utc);
+            // Also for a walk that has come to the torn tail.
+            CXpfChannel& imu = *file->FindChannelByNumber(kImu);
+            std::uint32_t count = 0;
+            for (int i = 0; i < 4; ++i) imu.ReadNextPacket(count, nullptr, nullptr, 0);
+            ASSERT_TRUE(imu.SeekPacketNumber(1));
+            EXPECT_EQ(imu.GetCurrent(), packets[1].position);
+            if (!whole) {
+                EXPECT_TRUE(file->IsTornTail(packets[2].position));
+            }
+            EXPECT_FALSE(file->IsTornTail(packets[1].position));
+        }
+    }
+    for (const std::size_t damaged : {last, last + 4, last + 60}) {
+        Bytes bytes = builder.bytes;
+        bytes[damaged] = '?';
+        bytes.resize(bytes.size() + 100, 0);
+        Save(bytes);
+        EXPECT_FALSE(Open()->IsTornTail(packets[2].position)) << damaged - last;
+    }
+}
+
 // What a search keeps for the next one must not show: numbers in any order, in channels whose packets lie
 // near and far by turns, and in a file that is written anew under its reader.
 TEST_F(Search, FindsNumbersWhateverWasSoughtBefore) {
@@ -204,6 +248,36 @@ TEST_F(Search, FindsNumbersWhateverWasSoughtBefore) {
             ASSERT_TRUE(file->FindChannelByNumber(number)->SeekFirstPacket(nullptr));
             ASSERT_TRUE(file->FindChannelByNumber(number)->SeekLastPacket(nullptr));
         }
+    }
+}
+
+// A place is remembered by its number and tested before use: after a rewrite another packet lies there.
+TEST_F(Search, RememberedPlaceOfAnotherPacketIsNotTaken) {
+    constexpr std::uint32_t kCount = 9, kSought = 4;
+    const auto build = [](int extra, std::uint16_t swapped) {
+        auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
+        for (std::uint32_t i = 0; i < kCount; ++i) {
+            if (i == 2)
+                for (int k = 0; k < extra; ++k) builder.Add(kImu, Bytes(40, 7));
+            // A packet of the other channel with the same size, and with the number sought.
+            if (i == kSought && swapped == kUtc)
+                for (std::uint32_t k = 0; k <= kSought; ++k) builder.Add(kUtc, Bytes(40, 1));
+            builder.Add(kImu, Bytes(40, 7));
+        }
+        return builder;
+    };
+    auto before = build(0, kImu);
+    for (auto after : {build(1, kImu), build(0, kUtc)}) {
+        Save(before.bytes);
+        const auto file = Open();
+        CXpfChannel& imu = *file->FindChannelByNumber(kImu);
+        ASSERT_TRUE(imu.SeekPacketNumber(kSought));
+        Save(after.bytes);
+        SPacketHeader header;
+        imu.SetLast(0);
+        ASSERT_TRUE(imu.SeekFirstPacket(nullptr) && imu.SeekLastPacket(&header));
+        ASSERT_TRUE(imu.SeekPacketNumber(kSought));
+        EXPECT_EQ(imu.GetCurrent(), after.packets[kImu][kSought].position);
     }
 }
 

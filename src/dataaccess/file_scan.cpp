@@ -1,4 +1,4 @@
-#include "batch/file_scan.h"
+#include "dataaccess/file_scan.h"
 
 #include "foundation/message_target.h"
 
@@ -6,16 +6,15 @@
 #include <cstring>
 #include <string_view>
 
-namespace Batch {
+namespace Application_Tarvel {
 
-using namespace Application_Tarvel;
 using namespace Persistance_Xpf;
 
 namespace {
 
 constexpr std::size_t kChannelNumbers = 65536;
 
-// Where the first date of a packet stands in its payload, by the file's own description of the packet.
+// The offset of the first date in a packet's payload, by the file's own description of the packet.
 std::optional<std::uint32_t> FindDateOffset(const CXpfFile& file, std::uint32_t packetType) {
     for (const auto& definition : file.GetDefinitions()) {
         if (definition->type != packetType) continue;
@@ -27,7 +26,7 @@ std::optional<std::uint32_t> FindDateOffset(const CXpfFile& file, std::uint32_t 
                 return static_cast<std::uint32_t>(offset);
             }
             const std::uint32_t width = GetWidth(type);
-            if (width == 0) return std::nullopt; // nothing is known of what stands behind it
+            if (width == 0) return std::nullopt; // the offsets after an unknown type are unknown
             offset += std::uint64_t{width} * field.GetCount();
         }
         return std::nullopt;
@@ -37,8 +36,8 @@ std::optional<std::uint32_t> FindDateOffset(const CXpfFile& file, std::uint32_t 
 
 } // namespace
 
-// The application's analysis of an input file, fed with the packets of this scan instead of its own. It ends
-// where that one ends: at the first damage, or at a packet that is too short for its type.
+// The background analysis of an input file, fed with the packets of this scan. It ends where the background
+// one ends: at the first damage, or at a packet that is too short for its type.
 class CFileScan::CFirstDataFinder : private CTrvTarinDataFileAnalyzerThread {
   public:
     explicit CFirstDataFinder(const std::filesystem::path& path)
@@ -59,16 +58,16 @@ class CFileScan::CFirstDataFinder : private CTrvTarinDataFileAnalyzerThread {
 };
 
 double SChannelScan::GetRate() const {
-    // Damaged dates may lie farther apart than a span can tell.
+    // Damaged dates can lie farther apart than a span can hold.
     const double length = last.GetTotalSeconds() - first.GetTotalSeconds();
     return length > 0 ? static_cast<double>(dates - 1) / length : 0;
 }
 
-CFileScan::CFileScan(const SOpenFile& open, const std::filesystem::path& path)
-    : m_file(*open.file), m_channels(kChannelNumbers), m_dateOffsets(kChannelNumbers) {
+CFileScan::CFileScan(CXpfFile& file, EFileKind kind, const std::filesystem::path& path)
+    : m_file(file), m_channels(kChannelNumbers), m_dateOffsets(kChannelNumbers) {
     for (const auto& channel : m_file.GetChannels())
         m_dateOffsets[channel->GetNumber()] = FindDateOffset(m_file, channel->GetPacketType());
-    if (open.kind == EFileKind::tarin) m_firstData = std::make_unique<CFirstDataFinder>(path);
+    if (kind == EFileKind::tarin) m_firstData = std::make_unique<CFirstDataFinder>(path);
 }
 
 CFileScan::~CFileScan() = default;
@@ -85,20 +84,20 @@ void CFileScan::Run(const std::function<void(int percent)>& progress) {
             Take(position, header, payload);
         } else {
             if (m_firstData) m_firstData->End();
-            // A damaged size may reach beyond the end, too: the file is torn when no packet follows.
+            // A damaged size can reach beyond the end as well: the file is torn when no packet follows.
             const bool found = FindNextPacket(position + 1);
             const std::int64_t end = found ? m_file.GetPosition() : size;
-            AddDamage({position, end - position, !found && read == EPacketRead::torn});
+            AddDamage({position, end - position, !found && m_file.IsTornTail(position)});
             if (!found) break;
         }
         for (; step <= 9 && m_file.GetPosition() >= size / 10 * step; ++step)
-            progress(static_cast<int>(step) * 10);
+            if (progress) progress(static_cast<int>(step) * 10);
     }
-    progress(100);
+    if (progress) progress(100);
 }
 
-// The file's own forward search gives up behind a place that only looks like a packet; here every place
-// counts where one could begin.
+// The file's own forward search gives up after a place that only looks like a packet; here every place with
+// the magic is tried.
 bool CFileScan::FindNextPacket(std::int64_t from) {
     std::vector<char> bytes(1 << 16);
     const std::int64_t size = m_file.GetFileSize();
@@ -140,7 +139,7 @@ void CFileScan::Take(std::int64_t position, const SPacketHeader& header,
         const std::int64_t distance = position - seen.lastPosition;
         if (header.number != seen.lastNumber + 1)
             ++seen.numberJumps;
-        else // one that is too long is none, and a writer at work may not have set the link forward yet
+        else // a distance too long for a link is stored as 0, and a writer sets the forward link later
             seen.badLinks += header.backLink != (distance <= UINT32_MAX ? distance : 0) ||
                              (seen.lastForwardLink != 0 && seen.lastForwardLink != distance);
     }
@@ -163,4 +162,4 @@ void CFileScan::Take(std::int64_t position, const SPacketHeader& header,
 
 SFirstData CFileScan::GetFirstData() { return m_firstData ? m_firstData->Get() : SFirstData(); }
 
-} // namespace Batch
+} // namespace Application_Tarvel
