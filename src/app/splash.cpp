@@ -19,20 +19,20 @@ using Outils_Texte::EText;
 
 namespace {
 
-constexpr QSize kSize(420, 200);
+constexpr QSize kSplashSize(420, 200);
 constexpr int kAfterStart = 2000; // ms
 constexpr int kAfterClick = 1000; // ms
 
 QPixmap DrawPicture() {
     const qreal ratio = QGuiApplication::primaryScreen()->devicePixelRatio();
-    QPixmap picture(kSize * ratio);
+    QPixmap picture(kSplashSize * ratio);
     picture.setDevicePixelRatio(ratio);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    QLinearGradient ground(0, 0, 0, kSize.height());
+    QLinearGradient ground(0, 0, 0, kSplashSize.height());
     ground.setColorAt(0, QColor(0x24, 0x5C, 0x8F));
     ground.setColorAt(1, QColor(0x12, 0x2F, 0x4C));
-    painter.fillRect(QRect(QPoint(), kSize), ground);
+    painter.fillRect(QRect(QPoint(), kSplashSize), ground);
     GetProductIcon().paint(&painter, QRect(28, 52, 96, 96));
     const CVersionInfo version = GetVersionInfo();
     QFont font = painter.font();

@@ -9,8 +9,7 @@ namespace Presentation_Tarvel_Graphics {
 
 namespace {
 
-constexpr float kPortletGap = 3;   // between two portlets
-constexpr float kLeastHeight = 60; // of a portlet, whatever the user drags
+constexpr float kPortletGap = 3; // between two portlets
 
 } // namespace
 

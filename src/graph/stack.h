@@ -17,6 +17,9 @@ enum class ELayout {
     fit     // all graphs share the given height
 };
 
+// The least height of a graph, in pixels, whatever the user drags.
+inline constexpr float kLeastHeight = 60;
+
 class CTrv1DGraphStack {
   public:
     using Portlets = std::vector<std::unique_ptr<CTrv1DGraphPortlet>>;
