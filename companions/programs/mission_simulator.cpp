@@ -1,23 +1,36 @@
+#include "foundation/texts.h"
 #include "simulator/command_line.h"
 #include "simulator/mission_writer.h"
 
 #include <cstdio>
 
+namespace {
+
+constexpr int kSuccess = 0, kFailure = 1, kWrongUsage = 2;
+
+int Report(const std::string& error, int status) {
+    std::fprintf(stderr, "%s\n", error.c_str());
+    return status;
+}
+
+} // namespace
+
 int main(int count, char** arguments) {
-    Simulation::SCommandLine commandLine;
+    using Outils_Texte::EText;
+    Simulation::SCommandLine line;
     std::string error;
     const std::vector<std::string> words(arguments + (count > 0 ? 1 : 0), arguments + count);
-    if (!Simulation::ParseCommandLine(words, commandLine, error)) {
-        std::fprintf(stderr, "%s\n\n%s", error.c_str(), Simulation::GetUsage().c_str());
-        return 2;
+    if (!Simulation::ParseCommandLine(words, line, error))
+        return Report(error + '\n' + std::string(Outils_Texte::GetText(EText::simSeeHelp)), kWrongUsage);
+    if (line.help || line.version) {
+        const std::string version = Outils_Texte::FormatText(EText::simVersion, {VARNE_VERSION});
+        std::fputs(line.help ? Simulation::GetUsage().c_str() : version.c_str(), stdout);
+        return kSuccess;
     }
-    if (commandLine.help) {
-        std::fputs(Simulation::GetUsage().c_str(), stdout);
-        return 0;
-    }
-    if (!Simulation::WriteMission(commandLine.options, commandLine.output, commandLine.truth, error)) {
-        std::fprintf(stderr, "%s\n", error.c_str());
-        return 1;
-    }
-    return 0;
+    error = line.options.Validate();
+    if (!error.empty()) return Report(error, kWrongUsage);
+    if (!Simulation::CheckTargets(line, error) ||
+        !Simulation::WriteMission(line.options, line.output, line.truth, error))
+        return Report(error, kFailure);
+    return kSuccess;
 }

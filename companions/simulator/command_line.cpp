@@ -2,16 +2,24 @@
 
 #include "foundation/numbers.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "simulator/grades.h"
+#include "simulator/sensors.h"
+#include "xpf/layout.h"
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
+#include <initializer_list>
 #include <optional>
 
 namespace Simulation {
 
 namespace {
 
+using Outils_Texte::EText;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
 using Outils_Texte::ParseDouble;
 
 constexpr std::string_view kVehicles[] = {"ship", "auv", "car"};
@@ -40,6 +48,17 @@ std::optional<std::array<double, 3>> ParseNumbers(std::string_view text, char se
         numbers[i] = *number;
     }
     return numbers;
+}
+
+// The elements as `show` writes them, with commas between.
+template <class TRange, class TShow>
+std::string Join(const TRange& range, TShow show) {
+    std::string text;
+    for (const auto& element : range) {
+        if (!text.empty()) text += ',';
+        text += show(element);
+    }
+    return text;
 }
 
 template <class TRange>
@@ -182,106 +201,195 @@ bool SetGpsOutage(SMissionOptions& options, std::string_view value) {
     });
 }
 
+template <auto Member>
+std::string ShowNumber(const SMissionOptions& options) {
+    return Outils_Texte::FormatShortest(static_cast<double>(options.*Member));
+}
+std::string ShowVehicle(const SMissionOptions& options) {
+    return std::string(kVehicles[static_cast<std::size_t>(options.vehicle)]);
+}
+std::string ShowGrade(const SMissionOptions& options) { return std::string(GetGrade(options.grade).name); }
+std::string ShowGpsMode(const SMissionOptions& options) {
+    return std::string(kGpsModes[static_cast<std::size_t>(options.gpsMode)]);
+}
+std::string ShowSeed(const SMissionOptions& options) { return std::to_string(options.seed); }
+std::string ShowStart(const SMissionOptions& options) {
+    return Join(std::array{options.latitude, options.longitude, options.altitude},
+                Outils_Texte::FormatShortest);
+}
+std::string ShowCurrent(const SMissionOptions& options) {
+    return Join(std::array<double, 2>{options.current.x, options.current.y}, Outils_Texte::FormatShortest);
+}
+std::string ShowUtc(const SMissionOptions& options) {
+    Outils_Temps::CalendarFields fields;
+    options.GetUtcOrigin().GetCalendar(fields);
+    char text[64];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02dT%02d:%02d:%02d", fields.year, fields.month, fields.day,
+                  fields.hour, fields.minute, fields.second);
+    return text;
+}
+
 struct SOptionRow {
     std::string_view name;
-    std::string_view value; // as the usage names it; two words: two arguments
-    std::string_view help;
+    std::string_view value; // as the usage names it; two words: two arguments; empty for a flag
+    EText help;
     bool (*set)(SMissionOptions& options, std::string_view value);
+    std::string (*showDefault)(const SMissionOptions& options) = nullptr; // null when there is none to show
 };
 
 constexpr SOptionRow kRows[] = {
-    {"--vehicle", "KIND", "ship, auv or car", SetVehicle},
-    {"--duration", "S", "length in seconds", SetNumber<&SMissionOptions::duration>},
-    {"--size", "BYTES", "a length that gives about this file size instead", SetSize},
-    {"--alignment", "S", "seconds at rest at the start", SetNumber<&SMissionOptions::alignmentDuration>},
-    {"--alignment-motion", "SHARE", "of the sea's motion felt at rest, 0 to 1",
-     SetNumber<&SMissionOptions::alignmentMotion>},
-    {"--sea", "FACTOR", "on waves, terrain and vibration", SetNumber<&SMissionOptions::seaState>},
-    {"--start", "LAT,LON,ALT", "degrees and metres above the ellipsoid", SetStart},
-    {"--heading", "DEG", "at the start", SetNumber<&SMissionOptions::heading>},
-    {"--current", "N,E", "of the water, metres per second", SetCurrent},
-    {"--seabed", "M", "depth of the seabed", SetNumber<&SMissionOptions::seabedDepth>},
-    {"--utc", "DATE", "YYYY-MM-DD or YYYY-MM-DDThh:mm:ss of date zero", SetUtc},
-    {"--imu-rate", "HZ", "inertial samples per second", SetInteger<&SMissionOptions::imuRate>},
-    {"--grade", "GRADE", "perfect, marine, navigation, tactical or mems", SetGrade},
-    {"--equipment", "CODE", "the system type of the recording", SetInteger<&SMissionOptions::equipment>},
-    {"--seed", "N", "of all that is random", SetSeed},
-    {"--noise", "FACTOR", "on the errors of the aiding sensors", SetNumber<&SMissionOptions::noise>},
-    {"--outliers", "SHARE", "of aiding packets that are wildly wrong, 0 to 1",
-     SetNumber<&SMissionOptions::outliers>},
-    {"--gps-mode", "MODE", "sps, dgps, pps, rtk or float", SetGpsMode},
-    {"--gps-rate", "HZ", "of all GPS channels", SetGpsRate},
-    {"--gps-outage", "FROM:TO", "seconds without GPS; may be repeated", SetGpsOutage},
-    {"--geoid", "M", "height of the geoid above the ellipsoid", SetNumber<&SMissionOptions::geoidSeparation>},
-    {"--dvl-scale", "FRACTION", "by which the Doppler log reads too much",
-     SetNumber<&SMissionOptions::dvlScaleError>},
-    {"--dvl-heading", "DEG", "by which the Doppler log is turned to port",
-     SetNumber<&SMissionOptions::dvlHeadingError>},
-    {"--lever-arm", "SENSOR X,Y,Z", "gps, dvl, emlog, depth, usbl or lbl; forward, to port, up", SetLeverArm},
-    {"--channels", "LIST", "channel names with commas between; IMU is always there", SetChannels},
-    {"--rate", "CHANNEL=HZ", "of one channel; may be repeated", SetRate},
-    {"--delay", "CHANNEL=S", "from measurement to date; may be repeated", SetDelay},
-    {"--outage", "CHANNEL=FROM:TO", "seconds without this channel; may be repeated", SetOutage},
-    {"--truth-rate", "HZ", "lines per second of the truth file", SetNumber<&SMissionOptions::truthRate>},
+    {"--vehicle", "KIND", EText::simVehicleHelp, SetVehicle, ShowVehicle},
+    {"--duration", "S", EText::simDurationHelp, SetNumber<&SMissionOptions::duration>,
+     ShowNumber<&SMissionOptions::duration>},
+    {"--size", "BYTES", EText::simSizeHelp, SetSize},
+    {"--alignment", "S", EText::simAlignmentHelp, SetNumber<&SMissionOptions::alignmentDuration>,
+     ShowNumber<&SMissionOptions::alignmentDuration>},
+    {"--alignment-motion", "SHARE", EText::simAlignmentMotionHelp,
+     SetNumber<&SMissionOptions::alignmentMotion>, ShowNumber<&SMissionOptions::alignmentMotion>},
+    {"--sea", "FACTOR", EText::simSeaHelp, SetNumber<&SMissionOptions::seaState>,
+     ShowNumber<&SMissionOptions::seaState>},
+    {"--start", "LAT,LON,ALT", EText::simStartHelp, SetStart, ShowStart},
+    {"--heading", "DEG", EText::simHeadingHelp, SetNumber<&SMissionOptions::heading>,
+     ShowNumber<&SMissionOptions::heading>},
+    {"--current", "N,E", EText::simCurrentHelp, SetCurrent, ShowCurrent},
+    {"--seabed", "M", EText::simSeabedHelp, SetNumber<&SMissionOptions::seabedDepth>,
+     ShowNumber<&SMissionOptions::seabedDepth>},
+    {"--utc", "DATE", EText::simUtcHelp, SetUtc, ShowUtc},
+    {"--imu-rate", "HZ", EText::simImuRateHelp, SetInteger<&SMissionOptions::imuRate>,
+     ShowNumber<&SMissionOptions::imuRate>},
+    {"--grade", "GRADE", EText::simGradeHelp, SetGrade, ShowGrade},
+    {"--equipment", "CODE", EText::simEquipmentHelp, SetInteger<&SMissionOptions::equipment>,
+     ShowNumber<&SMissionOptions::equipment>},
+    {"--seed", "N", EText::simSeedHelp, SetSeed, ShowSeed},
+    {"--noise", "FACTOR", EText::simNoiseHelp, SetNumber<&SMissionOptions::noise>,
+     ShowNumber<&SMissionOptions::noise>},
+    {"--outliers", "SHARE", EText::simOutliersHelp, SetNumber<&SMissionOptions::outliers>,
+     ShowNumber<&SMissionOptions::outliers>},
+    {"--gps-mode", "MODE", EText::simGpsModeHelp, SetGpsMode, ShowGpsMode},
+    {"--gps-rate", "HZ", EText::simGpsRateHelp, SetGpsRate},
+    {"--gps-outage", "FROM:TO", EText::simGpsOutageHelp, SetGpsOutage},
+    {"--geoid", "M", EText::simGeoidHelp, SetNumber<&SMissionOptions::geoidSeparation>,
+     ShowNumber<&SMissionOptions::geoidSeparation>},
+    {"--dvl-scale", "FRACTION", EText::simDvlScaleHelp, SetNumber<&SMissionOptions::dvlScaleError>,
+     ShowNumber<&SMissionOptions::dvlScaleError>},
+    {"--dvl-heading", "DEG", EText::simDvlHeadingHelp, SetNumber<&SMissionOptions::dvlHeadingError>,
+     ShowNumber<&SMissionOptions::dvlHeadingError>},
+    {"--lever-arm", "SENSOR X,Y,Z", EText::simLeverArmHelp, SetLeverArm},
+    {"--channels", "LIST", EText::simChannelsHelp, SetChannels},
+    {"--rate", "CHANNEL=HZ", EText::simRateHelp, SetRate},
+    {"--delay", "CHANNEL=S", EText::simDelayHelp, SetDelay},
+    {"--outage", "CHANNEL=FROM:TO", EText::simOutageHelp, SetOutage},
+    {"--truth-rate", "HZ", EText::simTruthRateHelp, SetNumber<&SMissionOptions::truthRate>,
+     ShowNumber<&SMissionOptions::truthRate>},
 };
 
+// Options of the program itself.
 constexpr std::string_view kTruthOption = "--truth";
+constexpr std::string_view kForceOption = "--force";
+constexpr std::string_view kHelpWords[] = {"--help", "-h", "help"};
+constexpr std::string_view kVersionOption = "--version";
+
+bool Refuse(std::string& error, EText text, std::initializer_list<std::string_view> arguments = {}) {
+    error = FormatText(text, arguments);
+    return false;
+}
+
+// Sets the option at `words[i]` and moves `i` to its last word.
+bool SetOption(std::span<const std::string> words, std::size_t& i, SCommandLine& line, std::string& error) {
+    const std::string& name = words[i];
+    if (name == kForceOption) return line.force = true;
+    const auto* row = std::ranges::find(kRows, name, &SOptionRow::name);
+    const bool isMissionOption = row != std::end(kRows);
+    if (!isMissionOption && name != kTruthOption) return Refuse(error, EText::simUnknownOption, {name});
+    const bool two = isMissionOption && row->value.find(' ') != std::string_view::npos;
+    if (i + (two ? 2 : 1) >= words.size()) return Refuse(error, EText::simNoValue, {name});
+    std::string value = words[++i];
+    if (two) value += ' ' + words[++i];
+    if (!isMissionOption)
+        line.truth = Outils_Fichiers::FromText(value);
+    else if (!row->set(line.options, value))
+        return Refuse(error, EText::simWrongValue, {name, value, row->value, GetText(row->help)});
+    return true;
+}
+
+void AddOption(std::string& usage, std::string_view name, std::string_view value, std::string_view help,
+               const std::string& shownDefault = {}) {
+    std::string left = "  " + std::string(name) + ' ' + std::string(value);
+    left.resize(std::max<std::size_t>(left.size() + 2, 30), ' ');
+    usage += left + std::string(help);
+    if (!shownDefault.empty()) usage += FormatText(EText::simDefault, {shownDefault});
+    usage += '\n';
+}
+
+std::string DescribeGrades() {
+    std::string text(GetText(EText::simGrades));
+    using Outils_Texte::FormatShortest;
+    for (const SGrade& grade : kGrades)
+        text += FormatText(EText::simGradeLine,
+                           {grade.name, FormatShortest(grade.gyroBias), FormatShortest(grade.gyroWalk),
+                            FormatShortest(grade.accBias), FormatShortest(grade.accNoise)});
+    return text;
+}
+
+std::string DescribeChannels() {
+    std::string text(GetText(EText::simChannels));
+    for (const Persistance_Xpf::SChannelLayout& row : Persistance_Xpf::GetChannelLayouts())
+        if (const double rate = GetUsualRate(row.name); rate > 0)
+            text += FormatText(EText::simChannelLine, {row.name, Outils_Texte::FormatShortest(rate)});
+    for (std::size_t i = 0; i < std::size(kVehicles); ++i) {
+        SMissionOptions options;
+        options.vehicle = static_cast<EVehicle>(i);
+        const auto same = [](std::string_view name) { return std::string(name); };
+        text += FormatText(EText::simUsualChannels, {kVehicles[i], Join(options.GetChannels(), same)});
+    }
+    return text;
+}
 
 } // namespace
 
 bool ParseCommandLine(std::span<const std::string> arguments, SCommandLine& commandLine, std::string& error) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
-        if (argument == "--help") {
-            commandLine.help = true;
-            return true;
-        }
-        if (!argument.starts_with("--")) {
-            if (!commandLine.output.empty()) {
-                error = "there is more than one output file: " + argument;
-                return false;
-            }
+        if (std::ranges::find(kHelpWords, argument) != std::end(kHelpWords)) return commandLine.help = true;
+        if (argument == kVersionOption) return commandLine.version = true;
+        if (argument.starts_with('-')) {
+            if (!SetOption(arguments, i, commandLine, error)) return false;
+        } else if (!commandLine.output.empty()) {
+            return Refuse(error, EText::simTwoOutputs, {argument});
+        } else {
             commandLine.output = Outils_Fichiers::FromText(argument);
-            continue;
-        }
-        const auto* row = std::ranges::find(kRows, argument, &SOptionRow::name);
-        if (row == std::end(kRows) && argument != kTruthOption) {
-            error = "there is no option " + argument;
-            return false;
-        }
-        const bool two = row != std::end(kRows) && row->value.find(' ') != std::string_view::npos;
-        if (i + (two ? 2 : 1) >= arguments.size()) {
-            error = argument + " lacks its value";
-            return false;
-        }
-        std::string value = arguments[++i];
-        if (two) value += ' ' + arguments[++i];
-        if (row == std::end(kRows)) {
-            commandLine.truth = Outils_Fichiers::FromText(value);
-        } else if (!row->set(commandLine.options, value)) {
-            error = argument + " cannot be " + value;
-            return false;
         }
     }
-    if (commandLine.output.empty()) {
-        error = "there is no output file";
-        return false;
-    }
+    if (commandLine.output.empty()) return Refuse(error, EText::simNoOutput);
     if (commandLine.truth.empty())
         commandLine.truth = Outils_Fichiers::WithExtension(commandLine.output, ".truth.csv");
     return true;
 }
 
+bool CheckTargets(const SCommandLine& commandLine, std::string& error) {
+    if (Outils_Fichiers::SamePath(commandLine.output, commandLine.truth))
+        return Refuse(error, EText::simSameFile, {Outils_Fichiers::ToText(commandLine.output)});
+    for (const auto& path : {commandLine.output, commandLine.truth}) {
+        std::error_code unknown;
+        const auto status = std::filesystem::symlink_status(path, unknown);
+        if (commandLine.force ? std::filesystem::is_directory(status) : std::filesystem::exists(status))
+            return Refuse(error, commandLine.force ? EText::simFolder : EText::simExists,
+                          {Outils_Fichiers::ToText(path)});
+    }
+    return true;
+}
+
 std::string GetUsage() {
-    std::string usage = "MissionSimulator [options] OUT.tarin\n";
-    const auto add = [&usage](std::string_view name, std::string_view value, std::string_view help) {
-        std::string left = "  " + std::string(name) + ' ' + std::string(value);
-        left.resize(std::max<std::size_t>(left.size() + 2, 30), ' ');
-        usage += left + std::string(help) + '\n';
-    };
-    for (const SOptionRow& row : kRows) add(row.name, row.value, row.help);
-    add(kTruthOption, "FILE", "where the truth goes; by default beside the output, as .truth.csv");
-    return usage;
+    std::string usage(GetText(EText::simUsage));
+    const SMissionOptions defaults;
+    for (const SOptionRow& row : kRows)
+        AddOption(usage, row.name, row.value, GetText(row.help),
+                  row.showDefault ? row.showDefault(defaults) : std::string());
+    AddOption(usage, kTruthOption, "FILE", GetText(EText::simTruthHelp));
+    AddOption(usage, kForceOption, "", GetText(EText::simForceHelp));
+    AddOption(usage, "-h, --help", "", GetText(EText::simHelpHelp));
+    AddOption(usage, kVersionOption, "", GetText(EText::simVersionHelp));
+    return usage + DescribeGrades() + DescribeChannels();
 }
 
 } // namespace Simulation

@@ -1,5 +1,6 @@
 #include "simulator/mission_options.h"
 
+#include "foundation/texts.h"
 #include "simulator/sensors.h"
 #include "xpf/layout.h"
 
@@ -9,6 +10,7 @@
 namespace Simulation {
 
 using namespace Persistance_Xpf;
+using Outils_Texte::EText;
 
 namespace {
 
@@ -21,6 +23,10 @@ constexpr std::string_view kCarChannels[] = {"IMU", "GPS_1", "UTC", "ODOMETER", 
 bool IsWithin(double value, double low, double high) {
     return value >= low && value <= high;
 } // false for NaN
+
+std::string Say(EText text, std::initializer_list<std::string_view> arguments = {}) {
+    return Outils_Texte::FormatText(text, arguments);
+}
 
 } // namespace
 
@@ -66,36 +72,33 @@ std::vector<std::string_view> SMissionOptions::GetChannels() const {
 
 std::string SMissionOptions::Validate() const {
     constexpr double kLongest = 1e7; // seconds, four months
-    if (targetSize < 0) return "the size must not be negative";
-    if (targetSize == 0 && !(duration > 0 && duration <= kLongest))
-        return "the duration must be above 0 s and at most 1e7 s";
-    if (!IsWithin(imuRate, 1, 2000)) return "the rate of the inertial channel must be 1 to 2000 Hz";
-    if (!IsWithin(alignmentDuration, 0, kLongest)) return "the alignment must last 0 to 1e7 s";
-    if (!IsWithin(alignmentMotion, 0, 1)) return "the motion during alignment must be 0 to 1";
-    if (!IsWithin(seaState, 0, 5)) return "the sea must be 0 to 5";
-    if (!IsWithin(latitude, -85, 85) || !IsWithin(longitude, -180, 360))
-        return "the start must be between 85 S and 85 N";
-    if (!IsWithin(altitude, -10000, 10000)) return "the altitude must be -10000 to 10000 m";
-    if (!IsWithin(heading, -360, 360)) return "the heading must be -360 to 360 degrees";
-    if (!IsWithin(Norm(current), 0, 5)) return "the current must be at most 5 m/s";
-    if (!IsWithin(equipment, 0, 255)) return "the equipment code must be 0 to 255";
-    if (!IsWithin(gpsMode, 1, 5)) return "the GPS mode must be 1 to 5";
-    if (!IsWithin(outliers, 0, 1)) return "the share of outliers must be 0 to 1";
-    if (!IsWithin(truthRate, 0.001, 1000)) return "the rate of the truth must be 0.001 to 1000 Hz";
+    if (targetSize < 0) return Say(EText::simSizeNegative);
+    if (targetSize == 0 && !(duration > 0 && duration <= kLongest)) return Say(EText::simDurationRange);
+    if (!IsWithin(imuRate, 1, 2000)) return Say(EText::simImuRateRange);
+    if (!IsWithin(alignmentDuration, 0, kLongest)) return Say(EText::simAlignmentRange);
+    if (!IsWithin(alignmentMotion, 0, 1)) return Say(EText::simAlignmentMotionRange);
+    if (!IsWithin(seaState, 0, 5)) return Say(EText::simSeaRange);
+    if (!IsWithin(latitude, -85, 85) || !IsWithin(longitude, -180, 360)) return Say(EText::simStartRange);
+    if (!IsWithin(altitude, -10000, 10000)) return Say(EText::simAltitudeRange);
+    if (!IsWithin(heading, -360, 360)) return Say(EText::simHeadingRange);
+    if (!IsWithin(Norm(current), 0, 5)) return Say(EText::simCurrentRange);
+    if (!IsWithin(equipment, 0, 255)) return Say(EText::simEquipmentRange);
+    if (!IsWithin(gpsMode, 1, 5)) return Say(EText::simGpsModeRange);
+    if (!IsWithin(outliers, 0, 1)) return Say(EText::simOutliersRange);
+    if (!IsWithin(truthRate, 0.001, 1000)) return Say(EText::simTruthRateRange);
     if (!std::isfinite(noise + geoidSeparation + seabedDepth + dvlScaleError + dvlHeadingError))
-        return "a value is not finite";
+        return Say(EText::simNotFinite);
     for (const Vector3& arm : leverArms)
-        if (!IsWithin(Norm(arm), 0, 1000)) return "a lever arm must be at most 1000 m";
+        if (!IsWithin(Norm(arm), 0, 1000)) return Say(EText::simLeverArmRange);
     for (const std::string& name : channels)
-        if (name != "IMU" && GetUsualRate(name) == 0) return "there is no input channel named " + name;
+        if (name != "IMU" && GetUsualRate(name) == 0) return Say(EText::simNoInputChannel, {name});
     for (const SChannelOptions& own : channelOptions) {
-        if (GetUsualRate(own.channel) == 0) return "there is no sensor channel named " + own.channel;
-        if (own.rate != 0 && !IsWithin(own.rate, 0.001, 2000))
-            return "the rate of " + own.channel + " must be 0.001 to 2000 Hz";
-        if (!IsWithin(own.delay, 0, 60)) return "the delay of " + own.channel + " must be 0 to 60 s";
+        if (GetUsualRate(own.channel) == 0) return Say(EText::simNoSensorChannel, {own.channel});
+        if (own.rate != 0 && !IsWithin(own.rate, 0.001, 2000)) return Say(EText::simRateRange, {own.channel});
+        if (!IsWithin(own.delay, 0, 60)) return Say(EText::simDelayRange, {own.channel});
     }
     if (targetSize > 0 && static_cast<double>(targetSize) / GetBytesPerSecond(*this) > kLongest)
-        return "the size would need a mission of more than 1e7 s";
+        return Say(EText::simSizeTooGreat);
     return {};
 }
 

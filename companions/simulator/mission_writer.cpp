@@ -1,5 +1,8 @@
 #include "simulator/mission_writer.h"
 
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+
 #include "recording/recording_writer.h"
 #include "simulator/inertial_unit.h"
 #include "simulator/sensors.h"
@@ -104,11 +107,12 @@ bool WriteTruth(const CMission& mission, const std::filesystem::path& path) {
 bool WriteMission(const CMission& mission, const std::filesystem::path& path,
                   const std::filesystem::path& truthPath, std::string& error) {
     if (!WriteRecording(mission, path)) {
-        error = "cannot write " + path.string();
+        error = Outils_Texte::FormatText(Outils_Texte::EText::simNotWritten, {Outils_Fichiers::ToText(path)});
         return false;
     }
     if (!truthPath.empty() && !WriteTruth(mission, truthPath)) {
-        error = "cannot write " + truthPath.string();
+        error = Outils_Texte::FormatText(Outils_Texte::EText::simNotWritten,
+                                         {Outils_Fichiers::ToText(truthPath)});
         return false;
     }
     return true;

@@ -26,8 +26,8 @@ SCommandLine ParseCommandLine(std::span<const char* const> words) {
             line.project = Outils_Fichiers::FromText(word);
         } else if (word == "--") {
             options = false;
-        } else if (word == "--help" || word == "--version") {
-            line.request = word == "--help" ? ERequest::help : ERequest::version;
+        } else if (word == "--help" || word == "-h" || word == "--version") {
+            line.request = word == "--version" ? ERequest::version : ERequest::help;
             return line;
         } else if (word == "--snapshot") {
             if (i + 1 == words.size() || *words[i + 1] == '\0') return refuse(EText::missingValue, word);

@@ -1,10 +1,10 @@
 #include "batch/batch_host.h"
 
-#include "batch/packet_access.h"
+#include "batch/file_access.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
-#include "processing/message_line.h"
+#include "processing/notification.h"
 
 #include <ostream>
 #include <thread>
@@ -26,15 +26,6 @@ std::string ToLine(std::string_view text) {
     return line;
 }
 
-std::string ToCell(std::string_view text) {
-    std::string cell(text);
-    for (char& c : cell) {
-        if (c == ';') c = ',';
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
-    }
-    return cell;
-}
-
 EAnswer CBatchHost::ShowMessage(const std::string& text, EButtons buttons, EIcon icon) {
     m_streams.error << ToLine(text) << std::endl;
     if (icon != EIcon::question) m_failed = true;
@@ -47,13 +38,15 @@ bool CBatchHost::UpdateDataFile(const std::filesystem::path& path) {
     return false;
 }
 
-void CBatchHost::AppendOutputText(const std::string& line) { m_lines << line << std::endl; }
+void CBatchHost::AppendOutputText(const std::string& line) {
+    m_report.ReportLine(Communication_Interfaces::levelInformation, ToLine(line));
+}
 
 void CBatchHost::SetProgress(int percent) {
     // A run sets the bar back to 0 at its end: lines only ever tell of progress made.
     if (!m_progressShows || percent <= m_lastPercent) return;
     m_lastPercent = percent;
-    m_lines << "progress " << percent << std::endl;
+    m_report.ReportProgress(percent);
 }
 
 void CBatchHost::ShowProgress(bool visible) {
@@ -66,7 +59,7 @@ void CBatchHost::OnMessageQueued() {
     std::string text;
     if (!m_receiver.TakeMessage(level, code, text)) return;
     if (level == Communication_Interfaces::levelError) m_failed = true;
-    AppendOutputText(Communication_Processus::FormatMessageLine(level, text));
+    m_report.ReportLine(level, text);
 }
 
 std::filesystem::path CBatchHost::GetProgramFolder() {

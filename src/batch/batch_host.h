@@ -2,6 +2,7 @@
 #pragma once
 
 #include "batch/commands.h"
+#include "batch/run_report.h"
 #include "document/document_host.h"
 #include "foundation/message_target.h"
 #include "processing/receivers.h"
@@ -10,15 +11,14 @@ namespace Batch {
 
 // A text of several paragraphs as one line.
 std::string ToLine(std::string_view text);
-// A text of a file as one cell of a line: without separators and control characters.
-std::string ToCell(std::string_view text);
 
 class CBatchHost final : public Application_Tarvel::IDocumentHost,
                          private Communication_Processus::INotificationWindow {
   public:
-    // What the application shows in its output panel and as progress goes to `lines`.
-    CBatchHost(SStreams streams, std::ostream& lines)
-        : m_streams(streams), m_lines(lines), m_receiver(m_queue, this) {}
+    // What the application shows in its output panel and as progress goes to the report, which must outlive
+    // the host.
+    CBatchHost(SStreams streams, IReport& report)
+        : m_streams(streams), m_report(report), m_receiver(m_queue, this) {}
 
     Outils::CMessageQueue& GetQueue() { return m_queue; }
     // A message box was shown, or a child reported an error.
@@ -49,7 +49,7 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
     void OnMessageQueued() override;
 
     SStreams m_streams;
-    std::ostream& m_lines;
+    IReport& m_report;
     Outils::CMessageQueue m_queue;
     Communication_Processus::CMorvexReceiver m_receiver;
     bool m_failed = false;

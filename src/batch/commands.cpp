@@ -7,7 +7,6 @@
 
 namespace Batch {
 
-using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
@@ -16,42 +15,106 @@ namespace {
 constexpr std::string_view kProgram = "varnenav-batch";
 constexpr std::string_view kVersion = VARNE_VERSION;
 
-constexpr SOption kCreateOptions[] = {{"--add"}, {"--ins-configuration"}};
-constexpr SOption kFromParametersOptions[] = {{"--file", true, true}};
-constexpr SOption kDictionaryOptions[] = {{"--expert", false}};
-constexpr SOption kPacketsOptions[] = {{"--from"}, {"--to"}, {"--limit"}};
-constexpr SOption kReduceOptions[] = {{"--from"}, {"--to"}, {"--slices"}};
-constexpr SOption kPictureOptions[] = {{"--size"}};
+constexpr SOption kFrom{"--from", "S", EText::fromHelp};
+constexpr SOption kTo{"--to", "S", EText::toHelp};
 
-// Summaries have consecutive numbers.
+constexpr SOption kCreateOptions[] = {{"--add", "all|KIND,...", EText::addHelp},
+                                      {"--ins-configuration", "FILE", EText::insConfigurationHelp}};
+constexpr SOption kReportOptions[] = {kJson};
+constexpr SOption kFromParametersOptions[] = {{"--file", "ID=PATH", EText::fileHelp, true}};
+constexpr SOption kDictionaryOptions[] = {{"--expert", "", EText::expertHelp}, kJson};
+constexpr SOption kPacketsOptions[] = {kFrom, kTo, {"--limit", "N", EText::limitHelp}, kJson};
+constexpr SOption kReduceOptions[] = {kFrom, kTo, {"--slices", "N", EText::slicesHelp}, kJson};
+constexpr SOption kPictureOptions[] = {{"--size", "WxH", EText::sizeHelp}};
+
 constexpr SCommand kCommands[] = {
-    {"create", "RECORDING.tarin PROJECT.tarprj [--add all|KIND,...] [--ins-configuration FILE]",
-     EText::createSummary, 2, kCreateOptions, CreateCommand},
-    {"run", "PROJECT", EText::runSummary, 1, {}, RunCommand},
-    {"check", "PROJECT", EText::checkSummary, 1, {}, CheckCommand},
-    {"describe", "PROJECT", EText::describeSummary, 1, {}, DescribeCommand},
-    {"copy", "PROJECT OUT.tarprj", EText::copySummary, 2, {}, CopyCommand},
-    {"parameters", "PROJECT OUT.xml", EText::parametersSummary, 2, {}, ParametersCommand},
-    {"create-from-parameters", "IN.xml PROJECT.tarprj [--file ID=PATH]...",
-     EText::createFromParametersSummary, 2, kFromParametersOptions, CreateFromParametersCommand},
-    {"dictionary", "PROJECT [--expert]", EText::dictionarySummary, 1, kDictionaryOptions, DictionaryCommand},
-    {"analyse", "FILE", EText::analyseSummary, 1, {}, AnalyseCommand},
-    {"detect", "FILE", EText::detectSummary, 1, {}, DetectCommand},
-    {"channels", "FILE", EText::channelsSummary, 1, {}, ChannelsCommand},
-    {"packets", "FILE CHANNEL [--from S] [--to S] [--limit N]", EText::packetsSummary, 2, kPacketsOptions,
-     PacketsCommand},
-    {"at", "FILE CHANNEL SECONDS", EText::atSummary, 3, {}, AtCommand},
-    {"reduce", "FILE CHANNEL --from S --to S --slices N", EText::reduceSummary, 2, kReduceOptions,
-     ReduceCommand},
-    {"picture", "PROJECT OUT.png|.svg|.pdf [--size WxH]", EText::pictureSummary, 2, kPictureOptions,
-     PictureCommand},
+    {"create", "RECORDING PROJECT", EText::createSummary, kCreateOptions, CreateCommand},
+    {"run", "PROJECT", EText::runSummary, kReportOptions, RunCommand},
+    {"check", "PROJECT", EText::checkSummary, kReportOptions, CheckCommand},
+    {"describe", "PROJECT", EText::describeSummary, {}, DescribeCommand},
+    {"copy", "PROJECT NEW-PROJECT", EText::copySummary, {}, CopyCommand},
+    {"parameters", "PROJECT OUT.xml", EText::parametersSummary, {}, ParametersCommand},
+    {"create-from-parameters", "IN.xml PROJECT", EText::createFromParametersSummary, kFromParametersOptions,
+     CreateFromParametersCommand},
+    {"dictionary", "PROJECT", EText::dictionarySummary, kDictionaryOptions, DictionaryCommand},
+    {"analyse", "FILE", EText::analyseSummary, kReportOptions, AnalyseCommand},
+    {"detect", "FILE", EText::detectSummary, kReportOptions, DetectCommand},
+    {"channels", "FILE", EText::channelsSummary, kReportOptions, ChannelsCommand},
+    {"packets", "FILE CHANNEL", EText::packetsSummary, kPacketsOptions, PacketsCommand},
+    {"at", "FILE CHANNEL S", EText::atSummary, kReportOptions, AtCommand},
+    {"reduce", "FILE CHANNEL", EText::reduceSummary, kReduceOptions, ReduceCommand},
+    {"picture", "PROJECT OUT.png|.svg|.pdf", EText::pictureSummary, kPictureOptions, PictureCommand},
 };
 
-void PrintHelp(std::ostream& out) {
+constexpr bool IsOneOf(std::string_view word, std::initializer_list<std::string_view> words) {
+    return std::ranges::find(words, word) != words.end();
+}
+
+std::string GetUsage(const SCommand& command) {
+    std::string words(command.arguments);
+    for (const SOption& option : command.options) {
+        words += " [" + std::string(option.name);
+        if (!option.value.empty()) words += ' ' + std::string(option.value);
+        words += option.repeats ? "]..." : "]";
+    }
+    return words;
+}
+
+std::string GetUsageLine(const SCommand& command) {
+    return FormatText(EText::commandUsage, {kProgram, command.name, GetUsage(command)}) + '\n';
+}
+
+int PrintHelp(std::ostream& out) {
     out << FormatText(EText::commandUsage, {kProgram, "COMMAND", "..."}) << "\n\n";
     for (const SCommand& command : kCommands)
-        out << "  " << command.name << ' ' << command.usage << "\n      " << GetText(command.summary) << '\n';
+        out << "  " << command.name << ' ' << GetUsage(command) << "\n      " << GetText(command.summary)
+            << '\n';
     out << GetText(EText::helpTail);
+    return exitSuccess;
+}
+
+int PrintHelp(const SCommand& command, std::ostream& out) {
+    out << GetUsageLine(command) << GetText(command.summary) << '\n';
+    for (const SOption& option : command.options)
+        out << "  " << option.name << ' ' << option.value << "\n      " << GetText(option.help) << '\n';
+    return exitSuccess;
+}
+
+int PrintVersion(std::ostream& out) {
+    out << kProgram << ' ' << kVersion << '\n';
+    return exitSuccess;
+}
+
+const SCommand& FindCommand(std::string_view name) {
+    const auto index = FindNoCase(kCommands, &SCommand::name, name);
+    if (!index) throw CUsageError(EText::unknownCommand, {name, ListWords(kCommands, &SCommand::name)});
+    return kCommands[*index];
+}
+
+int RunCommandLine(const SCommand& command, std::span<const std::string> words, SStreams streams) {
+    for (const std::string& word : words) {
+        if (word == "--") break;
+        if (IsOneOf(word, {"--help", "-h"})) return PrintHelp(command, streams.out);
+        if (word == "--version") return PrintVersion(streams.out);
+    }
+    const COptions options(words, command.options);
+    const auto arguments =
+        static_cast<std::size_t>(std::ranges::count(command.arguments, ' ')) + 1; // as the usage has them
+    if (options.GetArguments().size() != arguments) throw CUsageError(EText::wrongArguments);
+    return command.run(options, streams);
+}
+
+int RunWords(std::span<const std::string> words, SStreams streams, const SCommand*& command) {
+    if (words.empty()) {
+        PrintHelp(streams.error);
+        return exitUsage;
+    }
+    if (IsOneOf(words[0], {"help", "--help", "-h"})) {
+        return words.size() > 1 ? PrintHelp(FindCommand(words[1]), streams.out) : PrintHelp(streams.out);
+    }
+    if (words[0] == "--version") return PrintVersion(streams.out);
+    command = &FindCommand(words[0]);
+    return RunCommandLine(*command, words.subspan(1), streams);
 }
 
 } // namespace
@@ -59,42 +122,17 @@ void PrintHelp(std::ostream& out) {
 std::span<const SCommand> GetCommands() { return kCommands; }
 
 int Run(std::span<const std::string> words, SStreams streams) {
-    if (words.empty()) {
-        PrintHelp(streams.error);
-        return exitUsage;
-    }
-    if (words[0] == "--help") {
-        PrintHelp(streams.out);
-        return exitSuccess;
-    }
-    if (words[0] == "--version") {
-        streams.out << kProgram << ' ' << kVersion << '\n';
-        return exitSuccess;
-    }
-    const auto command = std::find_if(std::begin(kCommands), std::end(kCommands),
-                                      [&](const SCommand& row) { return row.name == words[0]; });
-    if (command == std::end(kCommands)) {
-        streams.error << kProgram << ": " << FormatText(EText::unknownCommand, {words[0]}) << '\n';
-        return exitUsage;
-    }
+    const SCommand* command = nullptr;
     try {
-        const auto optionsEnd = std::find(words.begin(), words.end(), "--");
-        if (std::find(words.begin(), optionsEnd, "--help") != optionsEnd) {
-            streams.out << FormatText(EText::commandUsage, {kProgram, command->name, command->usage}) << '\n'
-                        << GetText(command->summary) << '\n';
-            return exitSuccess;
-        }
-        const COptions options(words.subspan(1), command->options);
-        if (options.GetArguments().size() != command->arguments) throw CUsageError(EText::wrongArguments);
-        const int status = command->run(options, streams);
+        const int status = RunWords(words, streams, command);
         streams.out.flush();
         // A full disk or a closed pipe behind standard output must not pass for success.
         if (streams.out) return status;
         streams.error << kProgram << ": " << GetText(EText::outputNotWritten) << '\n';
         return exitFailure;
     } catch (const CUsageError& fault) {
-        streams.error << kProgram << ": " << fault.what() << '\n'
-                      << FormatText(EText::commandUsage, {kProgram, command->name, command->usage}) << '\n';
+        streams.error << kProgram << ": " << fault.what() << '\n';
+        if (command) streams.error << GetUsageLine(*command);
         return exitUsage;
     }
 }

@@ -20,22 +20,22 @@ enum EExit { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
 
 struct SCommand {
     std::string_view name;
-    std::string_view usage;      // the words behind the name
-    Outils_Texte::EText summary; // number of the text that says in one line what it does
-    std::size_t arguments;       // words that are no options
+    std::string_view arguments; // the words after the name that are no options, as the usage shows them
+    EText summary;              // says in one line what the command does
     std::span<const SOption> options;
     int (*run)(const COptions& options, SStreams streams);
 };
 
 std::span<const SCommand> GetCommands();
 
-// Runs the program on its words, the program's own name left out. The exit status.
+// Runs the program on its words, without the program's own name. Returns the exit status.
 int Run(std::span<const std::string> words, SStreams streams);
 
-// The commands, by the file in which they stand. project_commands.cpp:
+// The commands, by source file. project_commands.cpp:
 int CreateCommand(const COptions& options, SStreams streams);
-int RunCommand(const COptions& options, SStreams streams);
 int CopyCommand(const COptions& options, SStreams streams);
+// run_command.cpp:
+int RunCommand(const COptions& options, SStreams streams);
 // parameter_commands.cpp:
 int CheckCommand(const COptions& options, SStreams streams);
 int ParametersCommand(const COptions& options, SStreams streams);

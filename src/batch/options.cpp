@@ -1,14 +1,13 @@
 #include "batch/options.h"
 
 #include "foundation/numbers.h"
-#include "foundation/texts.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace Batch {
 
-using Outils_Texte::EText;
+using Outils_Temps::CDateTimeSpan;
 
 CUsageError::CUsageError(EText text, std::initializer_list<std::string_view> arguments)
     : std::runtime_error(Outils_Texte::FormatText(text, arguments)) {}
@@ -17,7 +16,8 @@ COptions::COptions(std::span<const std::string> words, std::span<const SOption> 
     bool optionsEnded = false;
     for (std::size_t i = 0; i < words.size(); ++i) {
         const std::string& word = words[i];
-        if (optionsEnded || !word.starts_with("--")) {
+        const bool isOption = word.size() > 1 && word[0] == '-' && !Outils_Texte::ParseDouble(word);
+        if (optionsEnded || !isOption) {
             m_arguments.push_back(word);
             continue;
         }
@@ -25,13 +25,14 @@ COptions::COptions(std::span<const std::string> words, std::span<const SOption> 
             optionsEnded = true;
             continue;
         }
-        const auto option =
-            std::find_if(known.begin(), known.end(), [&](const SOption& row) { return row.name == word; });
-        if (option == known.end()) throw CUsageError(EText::unknownOption, {word});
-        if (option->takesValue && i + 1 == words.size()) throw CUsageError(EText::optionValue, {word});
+        const auto option = std::ranges::find(known, word, &SOption::name);
+        if (option == known.end())
+            throw CUsageError(EText::unknownOption, {word, ListWords(known, &SOption::name)});
+        const bool takesValue = !option->value.empty();
+        if (takesValue && i + 1 == words.size()) throw CUsageError(EText::optionValue, {word});
         auto& values = m_values[word];
         if (!values.empty() && !option->repeats) throw CUsageError(EText::optionTwice, {word});
-        values.push_back(option->takesValue ? words[++i] : std::string());
+        values.push_back(takesValue ? words[++i] : std::string());
     }
 }
 
@@ -45,7 +46,7 @@ std::vector<std::string> COptions::GetAll(std::string_view option) const {
     return place == m_values.end() ? std::vector<std::string>() : place->second;
 }
 
-std::optional<Outils_Temps::CDateTimeSpan> COptions::GetSeconds(std::string_view option) const {
+std::optional<CDateTimeSpan> COptions::GetSeconds(std::string_view option) const {
     const auto text = Get(option);
     return text ? std::optional(ParseSeconds(*text)) : std::nullopt;
 }
@@ -58,10 +59,10 @@ std::optional<long long> COptions::GetPositive(std::string_view option) const {
     return *number;
 }
 
-Outils_Temps::CDateTimeSpan ParseSeconds(std::string_view text) {
+CDateTimeSpan ParseSeconds(std::string_view text) {
     const auto number = Outils_Texte::ParseDouble(text);
-    auto span = Outils_Temps::CDateTimeSpan::Invalid();
-    if (number && std::isfinite(*number)) span = Outils_Temps::CDateTimeSpan::FromSeconds(*number);
+    auto span = CDateTimeSpan::Invalid();
+    if (number && std::isfinite(*number)) span = CDateTimeSpan::FromSeconds(*number);
     if (!span.IsValid()) throw CUsageError(EText::noSeconds, {text});
     return span;
 }

@@ -1,32 +1,25 @@
 // The commands that look into one packet file.
-#include "batch/batch_host.h"
 #include "batch/commands.h"
-#include "batch/packet_access.h"
+#include "batch/file_access.h"
+#include "batch/packet_columns.h"
+#include "batch/table.h"
+#include "dataaccess/file_scan.h"
 #include "dataaccess/view_queries.h"
 #include "foundation/paths.h"
-#include "foundation/texts.h"
-#include "xpf/file.h"
-#include "xpf/packet.h"
 
 #include <limits>
 #include <ostream>
-#include <ranges>
 
 namespace Batch {
 
-using Outils_Texte::EText;
-
 using namespace Application_Tarvel;
 using namespace Persistance_Xpf;
-using Outils_Texte::FormatText;
 
 namespace {
 
-constexpr std::string_view kSeparator = ";";
-
 using EError = CTrvDataQuery::EError;
 
-// Runs a query here and now; false, with the reason told, when it fails.
+// Runs a query here and now; false, with the reason reported, when it fails.
 bool Ask(CTrvDataQuery& query, const std::string& path, SStreams streams) {
     bool cancelled = false;
     if (query.Execute(cancelled)) return true;
@@ -35,46 +28,70 @@ bool Ask(CTrvDataQuery& query, const std::string& path, SStreams streams) {
     return false;
 }
 
-// The columns of a header once more, behind others, each named by a text about it.
-std::string NameColumns(std::string_view header, EText text) {
-    std::string columns;
-    for (const auto column : std::views::split(header, kSeparator)) {
-        columns += kSeparator;
-        columns += FormatText(text, {std::string_view(column.begin(), column.end())});
-    }
-    return columns;
+// Date of the packet at the channel's position; invalid when it cannot be read or has none.
+CDateTimeSpan ReadDate(CXpfChannel& channel) {
+    CDateTimeSpan date = CDateTimeSpan::Invalid();
+    const auto packet = channel.CreatePacket(); // a new one: what a short packet does not fill is zero
+    if (packet && channel.ReadNextPacket(*packet)) packet->GetDate(0, date);
+    return date;
 }
 
-CDateTimeSpan DateOf(const CXpfPacket& packet) {
-    CDateTimeSpan date;
-    return packet.GetDate(0, date) ? date : CDateTimeSpan::Invalid();
+struct SPeriod {
+    CDateTimeSpan first = CDateTimeSpan::Invalid(), last = CDateTimeSpan::Invalid();
+};
+
+SPeriod FindPeriod(CXpfChannel& channel) {
+    SPeriod period;
+    if (channel.SeekFirstPacket(nullptr)) period.first = ReadDate(channel);
+    if (channel.SeekLastPacket(nullptr)) period.last = ReadDate(channel);
+    return period;
+}
+
+// Where the channel's last packet is now; not known for an empty channel.
+CXpfFilePosition FindEnd(CXpfChannel& channel) {
+    const bool has = channel.SeekLastPacket(nullptr);
+    const CXpfFilePosition end = has ? channel.GetCurrent() : CXpfFilePosition();
+    channel.SeekFirstPacket(nullptr);
+    return end;
+}
+
+// Reports the period that the channel has: the one that was asked for holds nothing.
+int FailOutside(const std::string& path, EText text, const SOpenChannel& open, SStreams streams) {
+    const SPeriod period = FindPeriod(*open.channel);
+    if (!period.first.IsValid()) return Fail(path, EText::channelEmpty, streams);
+    return Fail(path, text, streams, {ToSeconds(period.first), ToSeconds(period.last)});
+}
+
+// Positions the channel for a walk at or before the date; false when the channel ends before it.
+bool SeekDate(const SOpenChannel& open, const std::filesystem::path& path, CDateTimeSpan date) {
+    Outils::CEvent never;
+    SDateBracket bracket;
+    auto& dated = static_cast<CXpfDatedPacket&>(*open.packet);
+    const EDateSearch end = SearchDate(*open.channel, dated, date, {path, nullptr, false, never}, bracket);
+    if (end == EDateSearch::outside && date > bracket.upperDate) return false;
+    // Where damage defeats the search, the walk alone finds the packets.
+    if (end != EDateSearch::found || !open.channel->SeekPacketNumber(bracket.lowerNumber))
+        open.channel->SeekFirstPacket(nullptr);
+    return true;
 }
 
 } // namespace
 
 int ChannelsCommand(const COptions& options, SStreams streams) {
     const std::string& path = options.GetArguments()[0];
-    const SOpenFile open = OpenFile(path, streams);
+    SOpenFile open = OpenFile(path, streams);
     if (!open.file) return exitFailure;
-    streams.out << Outils_Texte::GetText(EText::channelColumns) << '\n';
+    const auto origin = FindUtcOriginOf(open, Outils_Fichiers::FromText(path));
+    CFileScan scan(*open.file, open.kind, Outils_Fichiers::FromText(path));
+    scan.Run();
+    CTable table(streams.out, options.GetForm(), EText::channelColumns);
     for (const auto& channel : open.file->GetChannels()) {
-        streams.out << channel->GetNumber() << kSeparator << channel->GetName() << kSeparator
-                    << channel->GetPacketType() << kSeparator;
-        SPacketHeader header;
-        const auto packet = channel->CreatePacket();
-        const auto date = [&]() -> std::string {
-            if (packet) packet->Clear(); // what a short packet does not fill
-            return packet && channel->ReadNextPacket(*packet) ? DateOf(*packet).ToText() : "";
-        };
-        const bool hasLast = channel->SeekLastPacket(&header);
-        const std::string last = hasLast ? date() : "";
-        // Damage can hide the end of a channel, and with it the number of its packets.
-        const bool hasFirst = channel->SeekFirstPacket(nullptr);
-        streams.out << (hasLast    ? std::to_string(header.number + 1ull)
-                        : hasFirst ? ""
-                                   : "0")
-                    << kSeparator << (hasFirst ? date() : "") << kSeparator << last << kSeparator
-                    << ToCell(channel->GetDescription()) << '\n';
+        const SChannelScan* seen = scan.GetChannel(channel->GetNumber());
+        const bool dated = seen && seen->dates > 0;
+        const SPeriod period = dated ? SPeriod{seen->first, seen->last} : SPeriod();
+        table.Row(channel->GetNumber(), channel->GetName(), channel->GetPacketType(),
+                  seen ? seen->packets : 0, period.first, period.last, origin + period.first,
+                  origin + period.last, channel->GetDescription());
     }
     return exitSuccess;
 }
@@ -89,32 +106,30 @@ int PacketsCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
     if (!open.packet) return exitFailure;
-    streams.out << open.packet->GetHeaderText(kSeparator) << '\n';
-    if (from) {
-        Outils::CEvent never;
-        SDateBracket bracket;
-        bool found = false;
-        const auto path = Outils_Fichiers::FromText(arguments[0]);
-        auto& dated = static_cast<CXpfDatedPacket&>(*open.packet);
-        switch (SearchDate(*open.channel, dated, first, {path, nullptr, false, never}, bracket)) {
-        case EDateSearch::found: found = open.channel->SeekPacketNumber(bracket.lowerNumber); break;
-        case EDateSearch::outside:
-            if (first > bracket.upperDate) return exitSuccess;
-            break;
-        default: break;
-        }
-        // Where damage defeats the search, the walk alone finds the packets.
-        if (!found) open.channel->SeekFirstPacket(nullptr);
-    }
-    while (left > 0 && streams.out) {
+    const CPacketColumns columns(open.channel->GetPacketType(), open.utcOrigin);
+    CTable table(streams.out, options.GetForm(), columns.GetNames());
+    const CXpfFilePosition end = FindEnd(*open.channel);
+    CXpfFilePosition reached;
+    bool isEmpty = true, isCut = false;
+    bool isPast = from && !SeekDate(open, Outils_Fichiers::FromText(arguments[0]), first);
+    while (!isPast && left > 0 && streams.out) {
         open.packet->Clear(); // what a short packet does not fill is zero
-        if (!open.channel->ReadNextPacket(*open.packet)) break;
-        const CDateTimeSpan date = DateOf(*open.packet);
+        isCut = !open.channel->ReadNextPacket(*open.packet);
+        if (isCut) break;
+        reached = open.channel->GetPrevious();
+        CDateTimeSpan date = CDateTimeSpan::Invalid();
+        open.packet->GetDate(0, date);
         if (date < first) continue;
-        if (date > last) break;
-        streams.out << open.packet->ToText(kSeparator) << '\n';
+        isPast = date > last;
+        if (isPast) break;
+        columns.Add(table, *open.packet);
+        table.EndRow();
+        isEmpty = false;
         --left;
     }
+    if (isCut && reached.Get() < end.Get()) return Fail(arguments[0], EText::packetsDamaged, streams);
+    // An empty table is an answer, but seldom the one that was hoped for.
+    if (isEmpty) FailOutside(arguments[0], EText::periodOutside, open, streams);
     return exitSuccess;
 }
 
@@ -129,8 +144,11 @@ int AtCommand(const COptions& options, SStreams streams) {
         nullptr);
     if (!Ask(query, arguments[0], streams)) return exitFailure;
     const auto packet = query.TakePacket();
-    if (!packet) return Fail(arguments[0], EText::timeOutside, streams);
-    streams.out << packet->GetHeaderText(kSeparator) << '\n' << packet->ToText(kSeparator) << '\n';
+    if (!packet) return FailOutside(arguments[0], EText::timeOutside, open, streams);
+    const CPacketColumns columns(open.channel->GetPacketType(), open.utcOrigin);
+    CTable table(streams.out, options.GetForm(), columns.GetNames());
+    columns.Add(table, *packet);
+    table.EndRow();
     return exitSuccess;
 }
 
@@ -150,13 +168,17 @@ int ReduceCommand(const COptions& options, SStreams streams) {
         {*from, *to, slice, true}, nullptr);
     if (!Ask(query, arguments[0], streams)) return exitFailure;
     const SReducedSeries series = query.TakeSeries();
-    const std::string header = open.packet->GetHeaderText(kSeparator);
-    streams.out << header << NameColumns(header, EText::minimumOf) << NameColumns(header, EText::maximumOf)
-                << '\n';
-    for (std::size_t i = 0; i < series.representatives.size(); ++i)
-        streams.out << series.representatives[i]->ToText(kSeparator) << kSeparator
-                    << series.minima[i]->ToText(kSeparator) << kSeparator
-                    << series.maxima[i]->ToText(kSeparator) << '\n';
+    const CPacketColumns columns(open.channel->GetPacketType(), open.utcOrigin);
+    CTable table(streams.out, options.GetForm(),
+                 columns.GetNames() + ';' + columns.GetNames(EText::minimumOf) + ';' +
+                     columns.GetNames(EText::maximumOf));
+    for (std::size_t i = 0; i < series.representatives.size(); ++i) {
+        columns.Add(table, *series.representatives[i]);
+        columns.AddFields(table, *series.minima[i]);
+        columns.AddFields(table, *series.maxima[i]);
+        table.EndRow();
+    }
+    if (series.representatives.empty()) FailOutside(arguments[0], EText::periodOutside, open, streams);
     return exitSuccess;
 }
 

@@ -1,18 +1,16 @@
 // The commands around the rules and batch command files.
 #include "batch/commands.h"
-#include "batch/packet_access.h"
+#include "batch/file_access.h"
 #include "batch/session.h"
+#include "batch/table.h"
 #include "document/batch_creation.h"
 #include "exchange/parameter_file.h"
 #include "foundation/paths.h"
-#include "foundation/texts.h"
 #include "model/rules/rule.h"
 
 #include <ostream>
 
 namespace Batch {
-
-using Outils_Texte::EText;
 
 using namespace Application_Tarvel;
 using Outils_Fichiers::FromText;
@@ -20,40 +18,45 @@ using Outils_Fichiers::ToAbsolute;
 
 namespace {
 
-// True when the project keeps all rules; otherwise the messages of those it breaks go to `out`.
-bool Check(const Metier_Tarvel::CTrvSimulationParameters& parameters, std::ostream& out) {
-    Metier_Tarvel_Regles::CTrvRuleReport report;
-    parameters.Validate(report);
-    for (const auto& violation : report.GetViolations()) out << violation.rule->GetMessage() << '\n';
-    return report.IsEmpty();
-}
+using Metier_Tarvel_Regles::CTrvRuleReport;
+
+constexpr std::string_view kCommandFileExtension = ".xml";
 
 } // namespace
 
 int CheckCommand(const COptions& options, SStreams streams) {
     CSession session(streams);
     if (!session.Open(options.GetArguments()[0])) return exitFailure;
-    const auto& parameters = *session.GetDocument().GetProject()->simulationParameters;
-    return Check(parameters, streams.out) ? exitSuccess : exitFailure;
+    CTrvRuleReport report;
+    session.GetDocument().GetProject()->simulationParameters->Validate(report);
+    CTable table(streams.out, options.GetForm(), EText::checkColumns);
+    for (const auto& violation : report.GetViolations()) table.Row(violation.rule->GetMessage());
+    return report.IsEmpty() ? exitSuccess : exitFailure;
 }
 
 int ParametersCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     CSession session(streams);
     if (!session.Open(arguments[0])) return exitFailure;
-    const auto target = ToAbsolute(FromText(arguments[1]));
-    const auto& parameters = *session.GetDocument().GetProject()->simulationParameters;
     // A slip of the keyboard must not cost a project or a recording.
-    if (target.extension() != ".xml" && !FindFreePath(arguments[1], streams)) return exitFailure;
-    if (!Check(parameters, streams.error)) return exitFailure;
-    if (Persistance_Parametres::WriteParameterFile(target, parameters)) return exitSuccess;
+    const bool replaces = HasExtension(FromText(arguments[1]), kCommandFileExtension);
+    const auto target =
+        replaces ? FindTargetPath(arguments[1], streams) : FindFreePath(arguments[1], streams);
+    if (!target) return exitFailure;
+    const auto& parameters = *session.GetDocument().GetProject()->simulationParameters;
+    CTrvRuleReport report;
+    parameters.Validate(report);
+    for (const auto& violation : report.GetViolations()) FailWith(violation.rule->GetMessage(), streams);
+    if (!report.IsEmpty()) return exitFailure;
+    if (Persistance_Parametres::WriteParameterFile(*target, parameters)) return exitSuccess;
     return Fail(arguments[1], EText::notWritten, streams);
 }
 
 int CreateFromParametersCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     const auto source = ToAbsolute(FromText(arguments[0]));
-    const auto project = FindFreePath(arguments[1], streams);
+    if (!CheckFile(arguments[0], FindFileFault, streams)) return exitFailure;
+    const auto project = FindFreeProjectPath(arguments[1], streams);
     if (!project) return exitFailure;
 
     CBatchCreation creation;

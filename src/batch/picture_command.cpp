@@ -1,10 +1,9 @@
 // The graphs of a project as a picture, drawn by the code that draws the screen.
 #include "batch/commands.h"
-#include "batch/packet_access.h"
+#include "batch/file_access.h"
 #include "batch/session.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
-#include "foundation/texts.h"
 #include "graph/loader.h"
 #include "graph/stack_picture.h"
 #include "plot/settings.h"
@@ -21,8 +20,6 @@
 #include <ostream>
 
 namespace Batch {
-
-using Outils_Texte::EText;
 
 using namespace Presentation_Tarvel_Graphics;
 
@@ -79,11 +76,9 @@ struct SFormat {
 constexpr SFormat kFormats[] = {{".png", DrawPng}, {".svg", DrawSvg}, {".pdf", DrawPdf}};
 
 const SFormat& FindFormat(const std::filesystem::path& path) {
-    const std::string extension = Outils_Fichiers::ToText(path.extension());
-    const auto format = std::find_if(std::begin(kFormats), std::end(kFormats),
-                                     [&](const SFormat& row) { return row.extension == extension; });
-    if (format == std::end(kFormats)) throw CUsageError(EText::pictureName);
-    return *format;
+    const auto format = FindNoCase(kFormats, &SFormat::extension, Outils_Fichiers::ToText(path.extension()));
+    if (!format) throw CUsageError(EText::pictureName);
+    return kFormats[*format];
 }
 
 // Fonts need a GUI application, though nothing is shown.
@@ -107,6 +102,7 @@ int PictureCommand(const COptions& options, SStreams streams) {
     const auto application = MakeGuiApplication();
     CSession session(streams);
     if (!session.Open(arguments[0])) return exitFailure;
+    if (!FindTargetPath(arguments[1], streams)) return exitFailure;
     Outils_Valeurs::CTrvAdaptors adaptors;
     adaptors.Configure(session.GetConfiguration());
     Outils_Plot2D::CPlot2DSettings settings;

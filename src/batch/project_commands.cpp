@@ -1,18 +1,14 @@
-// The commands that make and process projects.
+// The commands that make projects.
 #include "batch/commands.h"
-#include "batch/packet_access.h"
+#include "batch/file_access.h"
 #include "batch/session.h"
 #include "document/project_creation.h"
 #include "foundation/paths.h"
-#include "foundation/texts.h"
 
 #include <algorithm>
-#include <csignal>
 #include <ostream>
 
 namespace Batch {
-
-using Outils_Texte::EText;
 
 using namespace Application_Tarvel;
 using namespace Metier_Tarvel;
@@ -37,17 +33,17 @@ constexpr SKindWord kKindWords[] = {
 
 std::vector<ESensorKind> ParseKinds(std::string_view text) {
     std::vector<ESensorKind> kinds;
-    if (text == "all") {
+    if (Outils_Texte::EqualsNoCase(text, "all")) {
         for (const SKindWord& row : kKindWords) kinds.push_back(row.kind);
         return kinds;
     }
     for (std::size_t start = 0; start <= text.size();) {
         const std::size_t end = std::min(text.find(',', start), text.size());
         const auto word = text.substr(start, end - start);
-        const auto row = std::find_if(std::begin(kKindWords), std::end(kKindWords),
-                                      [&](const SKindWord& k) { return k.word == word; });
-        if (row == std::end(kKindWords)) throw CUsageError(EText::unknownKind, {word});
-        if (std::find(kinds.begin(), kinds.end(), row->kind) == kinds.end()) kinds.push_back(row->kind);
+        const auto row = FindNoCase(kKindWords, &SKindWord::word, word);
+        if (!row) throw CUsageError(EText::unknownKind, {word, ListWords(kKindWords, &SKindWord::word)});
+        const ESensorKind kind = kKindWords[*row].kind;
+        if (std::ranges::find(kinds, kind) == kinds.end()) kinds.push_back(kind);
         start = end + 1;
     }
     return kinds;
@@ -64,48 +60,25 @@ void AddSensors(CTrvSimulationParameters& parameters, ESensorKind kind) {
     }
 }
 
-// The signals that ask a program to end. While an object lives they wait to be taken instead of ending the
-// program.
-class CEndSignals {
-  public:
-    CEndSignals() {
-        sigemptyset(&m_signals);
-        sigaddset(&m_signals, SIGINT);
-        sigaddset(&m_signals, SIGTERM);
-        pthread_sigmask(SIG_BLOCK, &m_signals, &m_former);
-    }
-    ~CEndSignals() { pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }
-    CEndSignals(const CEndSignals&) = delete;
-    CEndSignals& operator=(const CEndSignals&) = delete;
-
-    bool Take() {
-        constexpr timespec atOnce{0, 0};
-        return sigtimedwait(&m_signals, nullptr, &atOnce) > 0;
-    }
-
-  private:
-    sigset_t m_signals, m_former;
-};
-
 } // namespace
 
 int CreateCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     const auto kinds = options.Has("--add") ? ParseKinds(*options.Get("--add")) : std::vector<ESensorKind>();
     const auto recording = Outils_Fichiers::ToAbsolute(Outils_Fichiers::FromText(arguments[0]));
-    const auto project = FindFreePath(arguments[1], streams);
+    if (!CheckFile(arguments[0], FindPacketFileFault, streams)) return exitFailure;
+    const auto configuration = options.Get("--ins-configuration");
+    if (configuration && !CheckFile(*configuration, FindFileFault, streams)) return exitFailure;
+    const auto project = FindFreeProjectPath(arguments[1], streams);
     if (!project) return exitFailure;
 
-    const auto configuration = Outils_Fichiers::FromText(options.Get("--ins-configuration").value_or(""));
-    std::error_code error;
-    if (!configuration.empty() && !std::filesystem::exists(configuration, error))
-        return Fail(*options.Get("--ins-configuration"), EText::noSuchFile, streams);
     CSession session(streams);
     using namespace Outils_Configuration;
     const bool ellipsoidal =
         session.GetConfiguration().Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
     std::string message;
-    auto made = CreateProject({recording, *project, configuration, ellipsoidal}, message);
+    auto made = CreateProject(
+        {recording, *project, Outils_Fichiers::FromText(configuration.value_or("")), ellipsoidal}, message);
     if (!made) return FailWith(message, streams);
     for (const ESensorKind kind : kinds) AddSensors(*made->simulationParameters, kind);
     return session.GetDocument().NewFromProject(std::move(made), *project) ? exitSuccess : exitFailure;
@@ -115,27 +88,8 @@ int CopyCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     CSession session(streams);
     if (!session.Open(arguments[0])) return exitFailure;
-    const auto target = FindFreePath(arguments[1], streams);
+    const auto target = FindFreeProjectPath(arguments[1], streams);
     return target && session.GetDocument().DoSave(*target, true) ? exitSuccess : exitFailure;
-}
-
-int RunCommand(const COptions& options, SStreams streams) {
-    CEndSignals signals; // before any thread starts: a thread that lets a signal in would end the program
-    CSession session(streams, streams.out);
-    if (!session.Open(options.GetArguments()[0])) return exitFailure;
-    CTrvDocument& document = session.GetDocument();
-    CBatchHost& host = session.GetHost();
-    if (!document.StartSimulation()) return exitFailure;
-    while (document.IsSimulationRunning()) {
-        host.GetQueue().RunOne(std::chrono::milliseconds(50));
-        // A second signal more than five seconds after the first ends an engine that does not answer.
-        if (signals.Take()) document.StopSimulation();
-    }
-    host.GetQueue().RunPending();
-    // An engine that was stopped or has died leaves a result that ends early: no success for a script.
-    if (!host.HasFailed() && !host.IsRunComplete())
-        return Fail(options.GetArguments()[0], EText::runIncomplete, streams);
-    return host.HasFailed() ? exitFailure : exitSuccess;
 }
 
 } // namespace Batch

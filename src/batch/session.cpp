@@ -1,5 +1,6 @@
 #include "batch/session.h"
 
+#include "batch/file_access.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
 
@@ -17,13 +18,19 @@ void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors) {
     adaptors.Configure(configuration);
 }
 
-CSession::CSession(SStreams streams, std::ostream& lines)
-    : m_host(streams, lines), m_document(m_host, m_host.GetQueue(), m_configuration) {
+CSession::CSession(SStreams streams, IReport* report)
+    : m_streams(streams),
+      m_errorLines(streams.error),
+      m_host(streams, report ? *report : m_errorLines),
+      m_document(m_host, m_host.GetQueue(), m_configuration) {
     LoadSettings(m_configuration);
 }
 
 bool CSession::Open(const std::string& path) {
-    return m_document.OpenDocument(Outils_Fichiers::FromText(path)) && m_document.GetProject();
+    if (!CheckFile(path, FindProjectFault, m_streams)) return false;
+    if (!m_document.OpenDocument(Outils_Fichiers::FromText(path))) return false;
+    if (!m_document.GetProject()) Fail(path, EText::projectWithoutContent, m_streams);
+    return m_document.GetProject() != nullptr;
 }
 
 void CSession::WaitForAnalysis() {

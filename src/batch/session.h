@@ -1,4 +1,4 @@
-// One project document without a screen, from the settings file beside the program.
+// One project document without a screen, with the settings beside the program.
 #pragma once
 
 #include "batch/batch_host.h"
@@ -8,7 +8,7 @@
 
 namespace Batch {
 
-// The settings of the application, which stands in the same folder; without its file the defaults hold.
+// The settings of the application, which is in the same folder; without its file the defaults hold.
 void LoadSettings(Outils_Configuration::CTrvCnfConfigFile& configuration);
 // Sets adaptors up from those settings, for commands that need no document.
 void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors);
@@ -16,19 +16,24 @@ void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors);
 class CSession {
   public:
     // The application's own lines go to the error stream: a command's output is for the next program.
-    explicit CSession(SStreams streams) : CSession(streams, streams.error) {}
-    CSession(SStreams streams, std::ostream& lines);
+    explicit CSession(SStreams streams) : CSession(streams, nullptr) {}
+    // They go to the report, which must outlive the session.
+    CSession(SStreams streams, IReport& report) : CSession(streams, &report) {}
 
     CBatchHost& GetHost() { return m_host; }
     Application_Tarvel::CTrvDocument& GetDocument() { return m_document; }
     const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
 
-    // False, with the reason told, when the file is no project.
+    // False, with the reason reported, when the file is no project, or one without content.
     bool Open(const std::string& path);
-    // Until the analysis of every data file has come to its end, and the document knows what it found.
+    // Returns when the analysis of every data file has ended and the document has its findings.
     void WaitForAnalysis();
 
   private:
+    CSession(SStreams streams, IReport* report);
+
+    SStreams m_streams;
+    CLineReport m_errorLines;
     Outils_Configuration::CTrvCnfConfigFile m_configuration;
     CBatchHost m_host;
     Application_Tarvel::CTrvDocument m_document;

@@ -7,12 +7,14 @@ namespace Communication_Processus {
 
 using Outils_Texte::EText;
 
-std::string FormatMessageLine(int level, std::string_view text) {
+std::string_view GetLevelWord(int level) {
     using namespace Communication_Interfaces;
     const bool known = level >= levelInformation && level <= levelError;
-    const std::string_view word =
-        Outils_Texte::GetText(known ? EText::levelInfo + level : EText::levelUnknown);
-    return Outils_Texte::FormatText(EText::messageLine, {word, text});
+    return Outils_Texte::GetText(known ? EText::levelInfo + level : EText::levelUnknown);
+}
+
+std::string FormatMessageLine(int level, std::string_view text) {
+    return Outils_Texte::FormatText(EText::messageLine, {GetLevelWord(level), text});
 }
 
 } // namespace Communication_Processus

@@ -6,7 +6,9 @@
 
 namespace Communication_Processus {
 
-// "%s : %s" with the level's word; a level that is none of EMessageLevel has the word "?????".
+// "INFO", "WARNING", "ERROR"; "?????" for a level that is none of EMessageLevel.
+std::string_view GetLevelWord(int level);
+// "%s : %s" with the level's word.
 std::string FormatMessageLine(int level, std::string_view text);
 
 } // namespace Communication_Processus

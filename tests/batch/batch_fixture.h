@@ -16,7 +16,7 @@
 
 namespace test {
 
-// A text that tells when a line of it is done, so that a test can act in the middle of a command.
+// A text that calls back at the end of each line, so that a test can act in the middle of a command.
 class CWatchedText : public std::stringbuf {
   public:
     explicit CWatchedText(std::function<void()> onLine) : m_onLine(std::move(onLine)) {}
@@ -34,8 +34,8 @@ class CWatchedText : public std::stringbuf {
 class Batch : public testing::Test {
   protected:
     // Runs a command line of words without blanks; '/' begins the name of a file in the test's folder, and ''
-    // is a word of no letters. The exit status; the streams' texts are in m_out and m_error. `onLine` runs
-    // behind every line that the command writes while it works, a progress line say.
+    // is a word of no letters. Returns the exit status; the streams' texts are in m_out and m_error. `onLine`
+    // runs after every line that the command writes while it works, such as a progress line.
     int Run(const std::string& line, std::function<void()> onLine = {}) {
         std::vector<std::string> words;
         std::istringstream text(line);

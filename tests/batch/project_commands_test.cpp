@@ -6,11 +6,11 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <fstream>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 using testing::UnorderedElementsAre;
 
@@ -31,7 +31,7 @@ class ProjectCommands : public test::Batch {
         Succeed("create /m.tarin /m.tarprj --add all");
     }
 
-    // Changes the project behind the program's back.
+    // Changes the project without the program.
     void Edit(void (*change)(Metier_Tarvel::CTrvProject& project)) {
         std::ostringstream out, error;
         ::Batch::CSession session({out, error});
@@ -56,7 +56,7 @@ TEST_F(ProjectCommands, AddsSensorsOnTheirOwnChannels) {
                                      "Depth DEPTH", "Usbl USBL_1", "Usbl USBL_2", "Lbl LBL",
                                      "Odometer ODOMETER", "Event marker SYNCHRO_1", "Event marker SYNCHRO_2",
                                      "Gyro stabilized mount PLATFORM_ORIENT"));
-    Succeed("create /m.tarin /few.tarprj --add usbl,gps,usbl");
+    Succeed("create /m.tarin /few --add USBL,gps,usbl");
     Succeed("describe /few.tarprj");
     EXPECT_THAT(m_out, AllOf(HasSubstr("  Usbl\n"), HasSubstr("  Gps\n"), Not(HasSubstr("  Dvl\n"))));
 }
@@ -111,7 +111,7 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
 
 TEST_F(ProjectCommands, ChecksAndTurnsIntoABatchFileAndBack) {
     Succeed("check /m.tarprj");
-    EXPECT_THAT(m_out, IsEmpty());
+    EXPECT_THAT(Lines(), ElementsAre("broken rule"));
     Succeed("parameters /m.tarprj /c.xml");
     EXPECT_THAT(TextOf("c.xml"), HasSubstr("<morvexParameters>"));
     Succeed("create-from-parameters /c.xml /back.tarprj");
@@ -132,16 +132,16 @@ TEST_F(ProjectCommands, ChecksAndTurnsIntoABatchFileAndBack) {
     EXPECT_EQ(Run("create-from-parameters /m.tarin /x.tarprj"), 1);
 }
 
-TEST_F(ProjectCommands, BrokenRulesAreToldAndKeepAProjectFromWork) {
+TEST_F(ProjectCommands, BrokenRulesKeepAProjectFromWork) {
     Edit([](Metier_Tarvel::CTrvProject& project) {
         project.simulationParameters->AddZupt(); // its period is empty
         project.simulationParameters->AddOutputRate()->value = 0;
     });
     EXPECT_EQ(Run("check /m.tarprj"), 1);
-    EXPECT_THAT(Lines(),
-                UnorderedElementsAre("ZUPT end time should be strictly greater than begin time",
-                                     "Output rate end time should be strictly greater than begin time",
-                                     "Output rate value should be strictly positive"));
+    EXPECT_THAT(Lines(), UnorderedElementsAre(
+                             "broken rule", "ZUPT end time should be strictly greater than begin time",
+                             "Output rate end time should be strictly greater than begin time",
+                             "Output rate value should be strictly positive"));
     EXPECT_EQ(Run("parameters /m.tarprj /broken.xml"), 1);
     EXPECT_THAT(m_error, HasSubstr("ZUPT end time"));
     EXPECT_FALSE(std::filesystem::exists(Path("broken.xml")));
@@ -184,22 +184,25 @@ TEST_F(ProjectCommands, ImportsTheConfigurationOfTheIns) {
     EXPECT_FALSE(std::filesystem::exists(Path("b.tarprj")));
 }
 
-TEST_F(ProjectCommands, TellsWhatFilesHold) {
+TEST_F(ProjectCommands, ReportsWhatFilesHold) {
     Succeed("dictionary /m.tarprj");
-    EXPECT_THAT(m_out, HasSubstr("m.tarin;GPS_1;GPS receiver;Has data\n  Measure;5;Latitude;Latitude\n"));
-    EXPECT_THAT(m_out, HasSubstr(";Off;On;Auto\n"));
-    Succeed("detect /m.tarin");
-    EXPECT_TRUE(m_out.starts_with("1;")) << m_out;
-    EXPECT_EQ(Run("detect /gone"), 1);
-
+    EXPECT_THAT(m_out, AllOf(HasSubstr("m.tarin;GPS_1;layer;;;;;GPS receiver;Has data\n"),
+                             HasSubstr("m.tarin;GPS_1;measure;5;;Latitude;Latitude;"),
+                             HasSubstr(";literal;0;2;Auto;;")));
+    Succeed("detect /m.tarin --json");
+    EXPECT_EQ(m_out, "{\"code\":1,\"format\":\"Xpf packet file\"}\n");
     Succeed("analyse /m.tarin");
-    EXPECT_THAT(m_out, HasSubstr("0;IMU;2000;0.0100000;20.0000000;100.000;0;0;0\n"));
-    EXPECT_THAT(m_out, HasSubstr("UTC origin;14/05/2024 08:00:00.000\n"));
-    EXPECT_THAT(m_out, HasSubstr("first position;43"));
+    EXPECT_THAT(
+        m_out,
+        HasSubstr("channel;0;IMU;2000;0.01;20;2024-05-14T08:00:00.01Z;2024-05-14T08:00:20Z;100;0;0;0;"));
+    EXPECT_THAT(m_out, HasSubstr("UTC origin;;;;0;;2024-05-14T08:00:00Z;"));
+    EXPECT_THAT(m_out, HasSubstr("first position;;;;;;;;;;;;43"));
     EXPECT_THAT(m_out, Not(HasSubstr("damaged")));
-
     EXPECT_THAT(m_error, AllOf(HasSubstr("progress 10\n"), HasSubstr("progress 100\n")));
+    for (const std::string& line : Lines()) EXPECT_EQ(std::ranges::count(line, ';'), 17) << line;
+}
 
+TEST_F(ProjectCommands, AnalyseCountsDamage) {
     // Dates and links that no writer writes.
     std::string bytes = TextOf("m.tarin");
     std::string odd = bytes;
@@ -207,17 +210,23 @@ TEST_F(ProjectCommands, TellsWhatFilesHold) {
     odd[odd.find(std::string("$$\0\0", 4)) + 16] ^= 1;
     std::ofstream(Path("odd.tarin"), std::ios::binary) << odd;
     Succeed("analyse /odd.tarin");
-    EXPECT_THAT(m_out, HasSubstr("\n0;IMU;2000;0.0100000;20.0000000;100.000;0;0;1\n"));
-    EXPECT_THAT(m_out, HasSubstr("\n5;GPS_1;20;-922337203685.4775808;20.0000000;0.000;0;0;0\n"));
+    EXPECT_THAT(m_out, HasSubstr(";100;0;0;1;;;;;;\n"));
+    EXPECT_THAT(m_out,
+                HasSubstr("channel;5;GPS_1;20;-922337203685.4775808;20;;2024-05-14T08:00:20Z;0;0;0;0;"));
 
-    // A hole of foreign bytes and a torn end are told with their places, and what lies around them is
-    // counted.
-    bytes.replace(bytes.size() / 2, 300, 300, 'x');
+    // A torn end is no damage: it is how a recording looks whose writer is at work.
     bytes.resize(bytes.size() - 5);
+    std::ofstream(Path("torn.tarin"), std::ios::binary) << bytes;
+    Succeed("analyse /torn.tarin");
+    EXPECT_THAT(m_out, HasSubstr("torn;"));
+    // A hole of foreign bytes is, and what is around it is counted.
+    bytes.replace(bytes.size() / 2, 300, 300, 'x');
     std::ofstream(Path("damaged.tarin"), std::ios::binary) << bytes;
-    Succeed("analyse /damaged.tarin");
-    EXPECT_THAT(m_out, HasSubstr("damaged at byte "));
-    EXPECT_THAT(m_out, HasSubstr("torn at byte "));
+    EXPECT_EQ(Run("analyse /damaged.tarin"), 1);
+    EXPECT_THAT(m_out, AllOf(HasSubstr("damaged;"), HasSubstr("torn;")));
+    EXPECT_THAT(m_error, HasSubstr("the file is damaged"));
+    EXPECT_EQ(Run("packets /damaged.tarin IMU"), 1);
+    EXPECT_THAT(m_error, HasSubstr("cannot be reached"));
 
     // Damage without end is counted, not kept.
     std::ofstream wreck(Path("damaged.tarin"), std::ios::binary | std::ios::app);
@@ -225,9 +234,9 @@ TEST_F(ProjectCommands, TellsWhatFilesHold) {
                              std::string("!!\x09\0\x1C\0\0\0", 8));
     for (int i = 0; i < 300; ++i) wreck << packet << "between";
     wreck.close();
-    Succeed("analyse /damaged.tarin");
-    EXPECT_THAT(m_out, HasSubstr("\n9;USBL_1;310;"));
-    EXPECT_THAT(m_out, HasSubstr("and 202 more damaged places, 1414 bytes\n"));
+    EXPECT_EQ(Run("analyse /damaged.tarin"), 1);
+    EXPECT_THAT(m_out, HasSubstr("\nchannel;9;USBL_1;310;"));
+    EXPECT_THAT(m_out, HasSubstr("\nmore damaged;;;;;;;;;;;;;;;;1414;202\n"));
 }
 
 } // namespace

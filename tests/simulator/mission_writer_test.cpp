@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <fstream>
 #include <map>
 
 namespace Simulation {
@@ -243,6 +244,7 @@ TEST(CommandLineTest, OptionsReachTheMission) {
                                                         {"x", "--duration"},
                                                         {"x", "y"},
                                                         {"x", "--nonsense", "1"},
+                                                        {"x", "-n"},
                                                         {"x", "--vehicle", "boat"},
                                                         {"x", "--start", "1,2"},
                                                         {"x", "--duration", "nan"},
@@ -258,6 +260,38 @@ TEST(CommandLineTest, OptionsReachTheMission) {
         SCommandLine ignored;
         EXPECT_FALSE(parse(wrong, ignored)) << testing::PrintToString(wrong);
     }
+}
+
+TEST(CommandLineTest, NeverOverwritesWithoutForce) {
+    const test::CTemporaryFolder folder;
+    const std::string recording = (folder / "x.tarin").string();
+    std::ofstream(folder / "x.truth.csv") << "kept";
+    fs::create_directory(folder / "d.tarin");
+    struct {
+        std::vector<std::string> words;
+        std::string fault; // empty when the mission may be written
+    } const rows[] = {
+        {{recording}, "x.truth.csv exists already; --force replaces it"},
+        {{recording, "--force"}, ""},
+        {{recording, "--truth", recording}, "cannot both be"},
+        {{recording, "--truth", recording + ".csv"}, ""},
+        {{(folder / "d.tarin").string(), "--force"}, "is a folder"},
+    };
+    for (const auto& row : rows) {
+        SCommandLine line;
+        std::string error;
+        ASSERT_TRUE(ParseCommandLine(row.words, line, error)) << error;
+        EXPECT_EQ(CheckTargets(line, error), row.fault.empty()) << testing::PrintToString(row.words);
+        EXPECT_NE(error.find(row.fault), error.npos) << error;
+    }
+}
+
+TEST(CommandLineTest, HelpShowsDefaultsGradesAndChannels) {
+    const std::string usage = GetUsage();
+    for (const char* part :
+         {"length in seconds; default 1800", "tactical or mems; default navigation", "--force",
+          "mems: 20, 0.3, 3000, 120", "GPS_1: 1 Hz", "Without --channels, auv: IMU,DVL_BT"})
+        EXPECT_NE(usage.find(part), usage.npos) << part;
 }
 
 } // namespace
