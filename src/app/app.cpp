@@ -10,8 +10,9 @@ using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
 void CTrvApp::InitInstance() {
-    if (const auto path = GetSettingsPath(); !path.empty())
-        static_cast<void>(m_configuration.Load(path)); // the defaults serve as well
+    const auto user = GetUserSettingsPath(), program = GetSettingsPath();
+    if (user.empty() || !m_configuration.Load(user))
+        static_cast<void>(!program.empty() && m_configuration.Load(program)); // the defaults serve as well
     m_plotSettings.drawCurve = m_configuration.Get(Cnf<"view1D/drawCurve">);
     m_plotSettings.extremumTransparency = static_cast<std::uint8_t>(
         std::clamp(m_configuration.Get(Cnf<"view1D/extremumTransparency">), 0, 255));
@@ -20,8 +21,16 @@ void CTrvApp::InitInstance() {
 }
 
 bool CTrvApp::ExitInstance() const {
-    const auto path = GetSettingsPath();
-    return !path.empty() && m_configuration.Save(path);
+    const auto user = GetUserSettingsPath(), program = GetSettingsPath();
+    std::error_code error;
+    if (!program.empty() && m_configuration.Save(program)) {
+        // An older file of the user's would be read first at the next start.
+        if (!user.empty()) std::filesystem::remove(user, error);
+        return true;
+    }
+    if (user.empty()) return false;
+    std::filesystem::create_directories(m_userFolder, error);
+    return m_configuration.Save(user);
 }
 
 std::filesystem::path CTrvApp::GetUserGuide() const {
@@ -32,6 +41,11 @@ std::filesystem::path CTrvApp::GetUserGuide() const {
 std::filesystem::path CTrvApp::GetSettingsPath() const {
     if (m_executable.empty()) return {};
     return Outils_Fichiers::WithExtension(m_executable, GetText(EText::settingsExtension));
+}
+
+std::filesystem::path CTrvApp::GetUserSettingsPath() const {
+    return m_userFolder.empty() || m_executable.empty() ? std::filesystem::path()
+                                                        : m_userFolder / GetSettingsPath().filename();
 }
 
 } // namespace Application_Tarvel

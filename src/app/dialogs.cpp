@@ -11,6 +11,9 @@
 
 namespace Application_Tarvel {
 
+using Outils_Plot2D::Text;
+using Outils_Plot2D::ToPath;
+using Outils_Plot2D::ToQString;
 using Outils_Texte::EText;
 
 namespace {

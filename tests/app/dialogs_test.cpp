@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 using namespace Application_Tarvel;
+using Outils_Plot2D::ToQString;
 using Outils_Texte::EText;
 
 namespace {

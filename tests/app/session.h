@@ -92,7 +92,7 @@ class Session : public testing::Test {
         auto project = CreateProject({m_folder / (name + ".tarin"), path}, message);
         EXPECT_TRUE(project) << message;
         Outils::CMessageQueue queue;
-        CTrvDocument document(*m_frame, queue, m_application.GetConfiguration()); // beside the frame's
+        CTrvDocument document(m_frame->GetHost(), queue, m_application.GetConfiguration()); // beside the frame's
         EXPECT_TRUE(document.NewFromProject(std::move(project), path));
         return path;
     }

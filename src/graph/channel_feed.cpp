@@ -1,5 +1,4 @@
-// The questions of the loader: which are under way, which are out of date, and what their answers change.
-#include "graph/loader.h"
+#include "graph/channel_feed.h"
 
 #include "config/config_file.h"
 #include "graph/extent_query.h"
@@ -13,6 +12,7 @@ namespace Presentation_Tarvel_Graphics {
 
 using namespace Application_Tarvel;
 using Outils_Configuration::Cnf;
+using Outils_Texte::EText;
 
 namespace {
 
@@ -27,8 +27,8 @@ bool IsFault(const CTrvDataQuery& query) {
 
 } // namespace
 
-// A window query that also tells when it was cancelled: the document cancels queries too.
-class CTrv1DGraphLoader::CWindowQuery final : public CTrvView1DDataQuery {
+// A window query that reports its cancelling too: the document also cancels queries.
+class CTrv1DChannelFeed::CWindowQuery final : public CTrvView1DDataQuery {
   public:
     using Done = std::function<void(CWindowQuery& query, bool success, bool cancelled)>;
 
@@ -42,7 +42,44 @@ class CTrv1DGraphLoader::CWindowQuery final : public CTrvView1DDataQuery {
     Done m_onDone;
 };
 
-void CTrv1DGraphLoader::UpdateChannels() {
+CTrv1DChannelFeed::CTrv1DChannelFeed(CTrvDocument& document, CTrv1DGraphStack& stack,
+                                     std::function<void()> onChanged)
+    : m_document(document),
+      m_stack(stack),
+      m_onChanged(std::move(onChanged)),
+      m_self(std::make_shared<CTrv1DChannelFeed*>(this)) {}
+
+CTrv1DChannelFeed::~CTrv1DChannelFeed() {
+    *m_self = nullptr;
+    for (auto& [key, channel] : m_channels) Withdraw(channel);
+}
+
+bool CTrv1DChannelFeed::IsLoading() const {
+    return std::any_of(m_channels.begin(), m_channels.end(), [](const auto& entry) {
+        const SChannel& channel = entry.second;
+        return channel.extentQuery || channel.windowQuery || channel.refresh;
+    });
+}
+
+bool CTrv1DChannelFeed::HasDataOf(const Outils_Objets::CObject* file) const {
+    return std::any_of(m_channels.begin(), m_channels.end(), [file](const auto& entry) {
+        return entry.first.file == file && entry.second.dataset;
+    });
+}
+
+EText CTrv1DChannelFeed::GetNotice(const CTrv1DGraphPortlet& portlet) const {
+    bool waits = false, hasData = false;
+    portlet.ForEachSource([&](const CTrv1DGraphDataSource& source) {
+        const auto place = m_channels.find(source.GetChannel());
+        if (place == m_channels.end()) return;
+        const SChannel& channel = place->second;
+        waits = waits || !channel.answered || channel.windowQuery;
+        hasData = hasData || channel.hasData;
+    });
+    return waits ? EText::loading : hasData ? EText::noDataInPeriod : EText::noData;
+}
+
+void CTrv1DChannelFeed::Update() {
     Channels channels;
     std::vector<SChannelKey> changed;
     for (const auto& portlet : m_stack.GetPortlets())
@@ -69,15 +106,25 @@ void CTrv1DGraphLoader::UpdateChannels() {
     for (const SChannelKey& key : changed) AskWindow(key, m_channels[key]);
     for (auto& [key, channel] : m_channels)
         if (!channel.answered && !channel.extentQuery) AskExtent(key, channel);
+    for (const auto& [key, channel] : m_channels) m_stack.SetDataset(key, channel.dataset);
+    if (UpdateFullExtent()) AskWindows();
 }
 
-void CTrv1DGraphLoader::Withdraw(SChannel& channel) {
+void CTrv1DChannelFeed::Forget(const Outils_Objets::CObject* file) {
+    for (auto& [key, channel] : m_channels) {
+        if (file && key.file != file) continue;
+        Withdraw(channel);
+        channel = {};
+    }
+}
+
+void CTrv1DChannelFeed::Withdraw(SChannel& channel) {
     // Forgotten before it is cancelled, so that its answer finds nobody.
     for (auto* query : {&channel.extentQuery, &channel.windowQuery})
         if (const auto old = std::exchange(*query, nullptr)) m_document.GetQueryManager().Cancel(old);
 }
 
-void CTrv1DGraphLoader::Refresh(const Outils_Objets::CObject* file, bool force) {
+void CTrv1DChannelFeed::Refresh(const Outils_Objets::CObject* file, bool force) {
     for (auto& [key, channel] : m_channels) {
         if (file && key.file != file) continue;
         channel.refresh = true;
@@ -88,14 +135,14 @@ void CTrv1DGraphLoader::Refresh(const Outils_Objets::CObject* file, bool force) 
 
 // One round at a time: a file that grows faster than it is read would otherwise fill the queue, and the
 // questions of a user who pans would wait behind.
-void CTrv1DGraphLoader::StartRefreshes() {
+void CTrv1DChannelFeed::StartRefreshes() {
     for (const auto& [key, channel] : m_channels)
         if (channel.extentQuery || channel.windowQuery) return;
     for (auto& [key, channel] : m_channels)
         if (channel.refresh) AskExtent(key, channel);
 }
 
-void CTrv1DGraphLoader::AskExtent(const SChannelKey& key, SChannel& channel) {
+void CTrv1DChannelFeed::AskExtent(const SChannelKey& key, SChannel& channel) {
     channel.refresh = false;
     auto query = std::make_shared<CTrv1DExtentQuery>(
         channel.address, [self = m_self, key](const CTrv1DExtentQuery& answer, bool success, bool cancelled) {
@@ -105,7 +152,7 @@ void CTrv1DGraphLoader::AskExtent(const SChannelKey& key, SChannel& channel) {
     m_document.GetQueryManager().Submit(query);
 }
 
-void CTrv1DGraphLoader::AskWindow(const SChannelKey& key, SChannel& channel) {
+void CTrv1DChannelFeed::AskWindow(const SChannelKey& key, SChannel& channel) {
     if (const auto old = std::exchange(channel.windowQuery, nullptr))
         m_document.GetQueryManager().Cancel(old);
     const auto& [start, end] = m_stack.GetPeriod();
@@ -130,7 +177,7 @@ void CTrv1DGraphLoader::AskWindow(const SChannelKey& key, SChannel& channel) {
     m_document.GetQueryManager().Submit(query);
 }
 
-void CTrv1DGraphLoader::AskAllWindows() {
+void CTrv1DChannelFeed::AskWindows() {
     m_askedWidth = static_cast<double>(m_stack.GetPlotWidth()) * m_devicePixelRatio;
     // All of the old period are withdrawn before the first of the new one is queued, and the top graph comes
     // first.
@@ -145,7 +192,14 @@ void CTrv1DGraphLoader::AskAllWindows() {
         });
 }
 
-void CTrv1DGraphLoader::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success,
+void CTrv1DChannelFeed::FollowWidth(double devicePixelRatio) {
+    m_devicePixelRatio = devicePixelRatio;
+    // A little coarser or finer than asked for cannot be seen, and a window is dragged in many small steps.
+    const double width = static_cast<double>(m_stack.GetPlotWidth()) * m_devicePixelRatio;
+    if (m_stack.HasPeriod() && std::abs(width - m_askedWidth) > m_askedWidth * 0.1) AskWindows();
+}
+
+void CTrv1DChannelFeed::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success,
                                  bool cancelled) {
     const auto place = m_channels.find(key);
     if (place == m_channels.end() || place->second.extentQuery.get() != &query) return;
@@ -159,13 +213,13 @@ void CTrv1DGraphLoader::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
         if (channel.dataset) {
             channel.answered = true;
             StartRefreshes();
-            return Changed(false);
+            return m_onChanged();
         }
     }
     const SPeriod& period = m_stack.GetPeriod();
     const bool hadData = std::exchange(channel.hasData, success);
     const bool sameStart = hadData && success && channel.first == query.GetFirst();
-    // What was appended behind the displayed time changes nothing in it.
+    // What was appended after the displayed time changes nothing in it.
     const bool growth = channel.last != query.GetLast() && !(period.end < channel.last + channel.origin);
     const bool read = std::exchange(channel.force, false) || !sameStart || growth;
     channel.answered = true;
@@ -178,14 +232,14 @@ void CTrv1DGraphLoader::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
         m_stack.SetDataset(key, nullptr);
     }
     if (UpdateFullExtent())
-        AskAllWindows();
+        AskWindows();
     else if (read)
         AskWindow(key, channel);
     StartRefreshes();
-    Changed(false);
+    m_onChanged();
 }
 
-void CTrv1DGraphLoader::OnWindow(const SChannelKey& key, CWindowQuery& query, bool success, bool cancelled) {
+void CTrv1DChannelFeed::OnWindow(const SChannelKey& key, CWindowQuery& query, bool success, bool cancelled) {
     const auto place = m_channels.find(key);
     if (place == m_channels.end() || place->second.windowQuery.get() != &query) return;
     SChannel& channel = place->second;
@@ -197,11 +251,11 @@ void CTrv1DGraphLoader::OnWindow(const SChannelKey& key, CWindowQuery& query, bo
         m_stack.SetDataset(key, channel.dataset);
     }
     StartRefreshes();
-    Changed(false);
+    m_onChanged();
 }
 
 // True when the displayed time changed with it: a view of everything stays one.
-bool CTrv1DGraphLoader::UpdateFullExtent() {
+bool CTrv1DChannelFeed::UpdateFullExtent() {
     const bool followed = !m_stack.HasPeriod() || m_stack.ShowsFullExtent();
     // The first picture waits until all ends are known, so that it need not be drawn over and over.
     if (!m_stack.HasPeriod())
@@ -215,7 +269,7 @@ bool CTrv1DGraphLoader::UpdateFullExtent() {
     return true;
 }
 
-SPeriod CTrv1DGraphLoader::FindFullExtent() const {
+SPeriod CTrv1DChannelFeed::FindFullExtent() const {
     SPeriod extent;
     bool found = false;
     for (const auto& [key, channel] : m_channels) {

@@ -1,4 +1,4 @@
-#include "graph/portlet.h"
+#include "graph/measure_portlet.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,10 +16,6 @@ constexpr double kConstantWidth = 1e-3;
 // Below this part of its greatest value a range's ticks are lost in the rounding of a double.
 constexpr double kLeastRelativeWidth = 1e-12;
 
-constexpr float kRowHeight = 16;
-constexpr float kRowsSurround = 44; // title, time labels and frame
-constexpr float kMaximumRowsHeight = 400;
-
 bool IsUsable(double minimum, double maximum) {
     const double width = maximum - minimum;
     return std::isfinite(width) && width > 0 &&
@@ -30,23 +26,31 @@ bool IsUsable(double minimum, double maximum) {
 
 CTrv1DGraphMeasurePortlet::CTrv1DGraphMeasurePortlet(CPlot2DSettings& settings,
                                                      const SSimulationTimeText& timeText,
-                                                     Metier_Tarvel_Graphics::CTrv1DGraph* graph,
-                                                     std::string title, const CNumericValueAdaptor& adaptor)
-    : CTrv1DGraphPortlet(settings, timeText, graph, std::move(title)) {
-    auto scale = std::make_unique<CTrv1DGraphVerticalScale>(adaptor);
-    auto formater = std::make_unique<CTrv1DGraphNumericAdaptorFormater>(adaptor);
+                                                     const SGraphDescription& description)
+    : CTrv1DGraphPortlet(settings, timeText, description) {
+    auto scale = std::make_unique<CTrv1DGraphVerticalScale>(*description.adaptor);
+    auto formater = std::make_unique<CTrv1DGraphNumericAdaptorFormater>(*description.adaptor);
     m_scale = scale.get();
     m_formater = formater.get();
     GetPlot().GetVerticalAxis().SetScale(std::move(scale));
     GetPlot().GetVerticalAxis().SetFormater(std::move(formater));
+    Update(description);
 }
 
-CPlot2DSerie& CTrv1DGraphMeasurePortlet::AddCurve(const SCurveDescription& description) {
-    auto& serie = GetPlot().AddCurve(
-        std::make_unique<CTrv1DGraphDataSource>(description.channel, description.field, description.factor),
-        description.name);
-    Register(serie, description);
-    return serie;
+void CTrv1DGraphMeasurePortlet::Update(const SGraphDescription& description) {
+    m_scale->SetAdaptor(*description.adaptor);
+    CTrv1DGraphPortlet::Update(description);
+    Reformat();
+}
+
+std::unique_ptr<CTrv1DGraphDataSource>
+CTrv1DGraphMeasurePortlet::MakeSource(const SCurveDescription& curve) const {
+    return std::make_unique<CTrv1DGraphDataSource>(curve.channel, curve.field, curve.factor);
+}
+
+CPlot2DSerie& CTrv1DGraphMeasurePortlet::AddSerie(std::unique_ptr<CTrv1DGraphDataSource> source,
+                                                  std::string name) {
+    return GetPlot().AddCurve(std::move(source), std::move(name));
 }
 
 void CTrv1DGraphMeasurePortlet::SetRange(double minimum, double maximum) {
@@ -97,29 +101,6 @@ void CTrv1DGraphMeasurePortlet::ChooseVerticalTicks(const CGraphics& graphics) {
         m_scale->ChooseStep(GetPlot().GetPlottingArea().GetRect().height,
                             graphics.GetFontHeight(GetPlot().GetVerticalAxis().GetFont()));
     m_formater->FitPrecision(*m_scale);
-}
-
-CTrv1DGraphEnumPortlet::CTrv1DGraphEnumPortlet(CPlot2DSettings& settings, const SSimulationTimeText& timeText,
-                                               Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title,
-                                               const SCurveDescription& description,
-                                               const std::vector<std::string>& literals)
-    : CTrv1DGraphPortlet(settings, timeText, graph, std::move(title)),
-      m_rows(std::max<std::size_t>(literals.size(), 1)) {
-    auto formater = std::make_unique<CPlot2DChronogramFormater>();
-    for (std::size_t i = 0; i < literals.size(); ++i)
-        formater->SetText(static_cast<std::int32_t>(i), literals[i]);
-    GetPlot().GetVerticalAxis().SetScale(
-        std::make_unique<CPlot2DChronogramScale>(0, static_cast<double>(m_rows - 1)));
-    GetPlot().GetVerticalAxis().SetFormater(std::move(formater));
-    Register(GetPlot().AddChronogram(
-                 std::make_unique<CTrv1DGraphDataSourceEnum>(description.channel, description.field),
-                 description.name),
-             description);
-}
-
-float CTrv1DGraphEnumPortlet::GetMinimumHeight() const {
-    const float rows = static_cast<float>(m_rows) * kRowHeight + kRowsSurround;
-    return std::clamp(rows, kMinimumPortletHeight, kMaximumRowsHeight);
 }
 
 } // namespace Presentation_Tarvel_Graphics
