@@ -2,9 +2,7 @@
 
 #include "foundation/paths.h"
 #include "foundation/texts.h"
-
-#include <algorithm>
-#include <iterator>
+#include "xpf/layout.h"
 
 namespace Application_Tarvel {
 
@@ -12,26 +10,12 @@ using Outils_Configuration::Cnf;
 using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
-namespace {
-
-// The labels are consecutive texts in this order.
-constexpr std::string_view kLabelledChannels[] = {
-    "IMU",        "DVL_BT",     "DVL_WT",      "EM_LOG_1",        "EM_LOG_2",   "GPS_1",
-    "GPS_2",      "GPS_3",      "DEPTH",       "USBL_1",          "USBL_2",     "USBL_3",
-    "LBL",        "UTC",        "ODOMETER",    "SYNCHRO_1",       "SYNCHRO_2",  "SYNCHRO_3",
-    "SYNCHRO_4",  "NELIX_NAV",  "TEMPERATURE", "PLATFORM_ORIENT", "MORVEX_STD", "MORVEX_MSG",
-    "MORVEX_EXT", "MORVEX_STA",
-};
-static_assert(std::size(kLabelledChannels) == 26);
-
-} // namespace
-
 void CTrvApp::InitInstance() {
     if (const auto path = GetSettingsPath(); !path.empty())
         static_cast<void>(m_configuration.Load(path)); // the defaults serve as well
     m_plotSettings.drawCurve = m_configuration.Get(Cnf<"view1D/drawCurve">);
-    m_plotSettings.extremumTransparency = static_cast<std::uint8_t>(
-        std::clamp(m_configuration.Get(Cnf<"view1D/extremumTransparency">), 0, 255));
+    m_plotSettings.extremumTransparency =
+        static_cast<std::uint8_t>(m_configuration.Get(Cnf<"view1D/extremumTransparency">));
     m_expertMode = m_configuration.Get(Cnf<"general/expertMode">);
     m_adaptors.Configure(m_configuration);
 }
@@ -52,10 +36,9 @@ std::filesystem::path CTrvApp::GetSettingsPath() const {
 }
 
 bool GetChannelLabel(std::string_view identifier, std::string& label) {
-    const auto place = std::find(std::begin(kLabelledChannels), std::end(kLabelledChannels), identifier);
-    if (place == std::end(kLabelledChannels)) return false;
-    label = GetText(EText::channelImu + static_cast<int>(place - std::begin(kLabelledChannels)));
-    return true;
+    const auto* channel = Persistance_Xpf::FindChannelLayout(identifier);
+    if (channel) label = GetText(channel->label);
+    return channel != nullptr;
 }
 
 } // namespace Application_Tarvel

@@ -134,7 +134,7 @@ void CTrv1DGraphLoader::PeriodChanged() {
 void CTrv1DGraphLoader::Reformat() {
     m_settings.drawCurve = Config().Get(Cnf<"view1D/drawCurve">);
     m_settings.extremumTransparency =
-        static_cast<std::uint8_t>(std::clamp(Config().Get(Cnf<"view1D/extremumTransparency">), 0, 255));
+        static_cast<std::uint8_t>(Config().Get(Cnf<"view1D/extremumTransparency">));
     // What the user toggled stands until the setting itself is changed.
     const bool legends = Config().Get(Cnf<"view1D/showGraphLegends">);
     if (std::exchange(m_legendSetting, legends) != legends) m_stack.SetLegendsVisible(legends);

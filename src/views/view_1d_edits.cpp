@@ -45,10 +45,11 @@ bool CTrvView1D::Drop(QPointF position, const CObject& field) {
     setFocus();
     auto edits = m_loader.GetDocument().GetEdits();
     const auto* measure = As<CTrvMeasureDef>(field);
-    if (!measure) return edits.Add1DGraphEnum(static_cast<const CTrvEnumDef&>(field));
+    if (!measure) return edits.Do(Edits::kAdd1DGraphEnum, static_cast<const CTrvEnumDef&>(field));
     const CTrv1DGraphPortlet* portlet = GetStack().PortletAt(ToStack(position));
     auto* graph = portlet ? As<CTrv1DGraphMeasure>(portlet->GetGraph()) : nullptr;
-    return graph ? edits.Add1DCurve(*graph, *measure) : edits.Add1DGraphMeasure(*measure);
+    return graph ? edits.Do(Edits::kAdd1DCurve, *graph, *measure)
+                 : edits.Do(Edits::kAdd1DGraphMeasure, *measure);
 }
 
 void CTrvView1D::DeleteSelectedCurve() {
@@ -60,9 +61,9 @@ void CTrvView1D::DeleteSelectedCurve() {
     const auto* curve = portlet->GetCurve(serie);
     auto edits = m_loader.GetDocument().GetEdits();
     if (curve)
-        edits.Remove1DCurve(*curve);
+        edits.Do(Edits::kRemove1DCurve, *curve);
     else
-        edits.Remove1DGraph(*portlet->GetGraph());
+        edits.Do(Edits::kRemove1DGraph, *portlet->GetGraph());
 }
 
 } // namespace Application_Tarvel

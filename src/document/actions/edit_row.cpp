@@ -1,23 +1,17 @@
-#include "document/actions/action.h"
+#include "document/actions/edit_row.h"
 
 #include "document/document.h"
-#include "foundation/texts.h"
 
 namespace Application_Tarvel {
 
-using Outils_Texte::EText;
+CTrvProject* CTrvUserAction::FindProject() const { return m_document.GetProject(); }
 
-bool CTrvTableAction::Do() {
-    CTrvProject* project = m_document.GetProject();
-    return project && Perform(*project);
-}
-
-bool CTrvTableAction::Changed(const CObject* object) {
+bool CEdit::Changed(const CObject* object) const {
     m_document.ProjectChanged(m_row.hint, object);
     return true;
 }
 
-bool CTrvTableAction::Refuse(EText text) {
+bool CEdit::Refuse(EText text) const {
     if (text != EText::none)
         m_document.GetHost().ShowMessage(std::string(Outils_Texte::GetText(text)), EButtons::ok,
                                          EIcon::exclamation);

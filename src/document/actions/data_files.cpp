@@ -1,12 +1,13 @@
-#include "document/actions/data_file_actions.h"
-
 #include "config/config_file.h"
 #include "document/actions/data_file_kind.h"
+#include "document/actions/procedures.h"
 #include "document/document.h"
 #include "foundation/texts.h"
 #include "values/adaptors.h"
 
 #include <algorithm>
+#include <memory>
+#include <optional>
 #include <vector>
 
 namespace Application_Tarvel {
@@ -20,7 +21,7 @@ namespace {
 
 struct SRemoval {
     EHint hint;
-    const CObject* object; // an identity once the file is gone
+    const CObject* object; // only an identity once the file is deleted
 };
 
 // What goes from the saved view settings when the file goes: every curve and value on it, and the graphs that
@@ -49,61 +50,64 @@ std::vector<SRemoval> FindDependents(const CTrvProject& project, const CTrvDataF
     return removals;
 }
 
-} // namespace
-
-bool CTrvActAddDataFile::Ask(EText question) {
-    return m_document.GetHost().ShowMessage(std::string(GetText(question)), EButtons::okCancel,
-                                            EIcon::question) == EAnswer::ok;
+bool Ask(IDocumentHost& host, EText question) {
+    return host.ShowMessage(std::string(GetText(question)), EButtons::okCancel, EIcon::question) ==
+           EAnswer::ok;
 }
 
-std::optional<std::filesystem::path> CTrvActAddDataFile::Prepare(const std::filesystem::path& chosen) {
-    IDocumentHost& host = m_document.GetHost();
+// A packet file of the current layout, made from the chosen file if need be; empty when refused.
+std::optional<std::filesystem::path> Prepare(const CEdit& edit, const std::filesystem::path& chosen) {
+    CTrvDocument& document = edit.GetDocument();
+    IDocumentHost& host = document.GetHost();
     const auto adaptors = std::make_shared<Outils_Valeurs::CTrvAdaptors>();
-    adaptors->Configure(m_document.GetConfiguration());
+    adaptors->Configure(document.GetConfiguration());
     const auto classify = [chosen, adaptors](const Outils::CEvent&) {
         return ClassifyDataFile(chosen, adaptors->GetDateTime());
     };
     const auto kind =
-        m_document.GetFileLooks().Call(classify, GetTimeForChosenFile(m_document.GetConfiguration()));
+        document.GetFileLooks().Call(classify, GetTimeForChosenFile(document.GetConfiguration()));
     switch (kind ? kind->kind : EDataFileKind::unreadable) {
     case EDataFileKind::packets: return chosen;
     case EDataFileKind::outdatedPackets:
-        if (Ask(EText::upgradeDataFile) && host.UpdateDataFile(chosen)) return chosen;
+        if (Ask(host, EText::upgradeDataFile) && host.UpdateDataFile(chosen)) return chosen;
         return std::nullopt;
     case EDataFileKind::raw:
-        if (Ask(EText::convertDataFile)) return host.ConvertRawFiles({chosen}, kind->format);
+        if (Ask(host, EText::convertDataFile)) return host.ConvertRawFiles({chosen}, kind->format);
         return std::nullopt;
     case EDataFileKind::unknown:
-        if (Ask(EText::unrecognizedDataFile)) return host.ConvertRawFiles({chosen}, ERawFormat::rawIns);
+        if (Ask(host, EText::unrecognizedDataFile)) return host.ConvertRawFiles({chosen}, ERawFormat::rawIns);
         return std::nullopt;
     case EDataFileKind::unreadable: break;
     }
-    Refuse(EText::dataFileNotAnalyzed);
+    edit.Refuse(EText::dataFileNotAnalyzed);
     return std::nullopt;
 }
 
-bool CTrvActAddDataFile::Perform(CTrvProject& project) {
-    const auto chosen = m_document.GetHost().AskDataFile(std::string(GetText(EText::dataFileFilter)));
+} // namespace
+
+bool Procedures::AddDataFile(const CEdit& edit) {
+    CTrvDocument& document = edit.GetDocument();
+    const auto chosen = document.GetHost().AskDataFile(std::string(GetText(EText::dataFileFilter)));
     if (!chosen) return false;
-    const auto path = Prepare(*chosen);
+    const auto path = Prepare(edit, *chosen);
     if (!path) return false;
-    auto& parameters = *project.simulationParameters;
-    if (parameters.HasDataFile(*path)) return Refuse(EText::dataFileReferenced);
-    const CWaitCursor wait(m_document.GetHost());
+    auto& parameters = *edit.GetProject().simulationParameters;
+    if (parameters.HasDataFile(*path)) return edit.Refuse(EText::dataFileReferenced);
+    const CWaitCursor wait(document.GetHost());
     CTrvDataFile* file =
-        project.AddDataFile(*path, m_document.GetConfiguration().Get(Cnf<"general/expertMode">));
-    if (!file) return Refuse();
-    m_document.FollowDataFile(*file);
+        edit.GetProject().AddDataFile(*path, document.GetConfiguration().Get(Cnf<"general/expertMode">));
+    if (!file) return edit.Refuse();
+    document.FollowDataFile(*file);
     // On its own clock the file is as far from the recording as the two origins are from one another.
-    const SFirstData data = m_document.WaitForFirstData(*file);
+    const SFirstData data = document.WaitForFirstData(*file);
     if (data.hasUtc && parameters.hasUtcReference)
         if (const auto offset = data.utcOrigin - parameters.utcReference; offset.IsValid())
             file->timeOffset = Metier_Tarvel::ToStoredTime(offset);
-    return Changed(file);
+    return edit.Changed(file);
 }
 
-bool CTrvActRemoveDataFile::Perform(CTrvProject& project) {
-    return RemoveDataFile(m_document, project, m_file) || Refuse();
+bool Procedures::RemoveDataFile(const CEdit& edit, CTrvDataFile& file) {
+    return Application_Tarvel::RemoveDataFile(edit.GetDocument(), edit.GetProject(), file) || edit.Refuse();
 }
 
 bool IsRemovable(const CTrvProject& project, const CTrvDataFile& file) {

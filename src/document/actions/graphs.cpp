@@ -1,15 +1,10 @@
-#include "document/actions/graph_actions.h"
-
+#include "document/actions/procedures.h"
 #include "document/document.h"
 #include "model/graph_rules.h"
 
 namespace Application_Tarvel {
 
-using namespace Metier_Tarvel_DataModel;
-using namespace Metier_Tarvel_Graphics;
-using namespace Metier_Tarvel_InstantValues;
-
-namespace Creation {
+namespace Procedures {
 
 CTrv1DGraph* AddMeasureGraph(CTrvProject& project, const CTrvMeasureDef& measure) {
     const CTrvDataLayer* layer = measure.m_layer;
@@ -55,17 +50,17 @@ CTrvInstantValuesEnum* AddInstantEnum(CTrvProject& project, const CTrvEnumDef& e
                                                   MakeCurveLabel(*layer, enumeration.m_name));
 }
 
-} // namespace Creation
-
-bool CTrvActRemove1DCurve::Perform(CTrvProject& project) {
-    CTrv1DGraphMeasure* graph = m_curve.graph;
-    const CObject* curve = &m_curve;
-    if (!graph || !graph->RemoveCurve(&m_curve)) return Refuse();
-    Changed(curve);
+bool RemoveCurve(const CEdit& edit, const CTrv1DCurve& removed) {
+    CTrv1DGraphMeasure* graph = removed.graph;
+    const CObject* curve = &removed;
+    if (!graph || !graph->RemoveCurve(&removed)) return edit.Refuse();
+    edit.Changed(curve);
     if (!graph->curves.empty()) return true;
     const CObject* emptied = graph;
-    if (project.graphSettings->RemoveGraph(graph)) m_document.ProjectChanged(hintGraphRemoved, emptied);
+    if (edit.GetProject().graphSettings->RemoveGraph(graph))
+        edit.GetDocument().ProjectChanged(hintGraphRemoved, emptied);
     return true;
 }
 
+} // namespace Procedures
 } // namespace Application_Tarvel
