@@ -1,7 +1,8 @@
-// The whole project as text: every property that an archive keeps, in its order, values as the user's
+// The whole project as a table: every property that an archive keeps, in its order, values as the user's
 // settings show them.
 #include "batch/commands.h"
 #include "batch/session.h"
+#include "batch/table.h"
 #include "foundation/texts.h"
 #include "model/project.h"
 #include "model/properties/classes.h"
@@ -15,45 +16,45 @@ using Outils_Texte::GetText;
 
 namespace {
 
+constexpr std::string_view kBelow = " > "; // between the names of a place
+
 class CDescription {
   public:
     // Both must outlive the object.
-    CDescription(std::ostream& out, const SPropertyContext& context) : m_out(out), m_context(context) {}
+    CDescription(CTable& table, const SPropertyContext& context) : m_table(table), m_context(context) {}
 
-    void Write(const CObject& object) {
+    // Writes a row for each property of the object, which is at `place` in the project.
+    void Write(const CObject& object, const std::string& place) {
         for (const SProperty* row : FindPropertyClass(object)->archived) {
             if (!row->child || row->isInline)
-                WriteLines(*row, object);
+                WriteRows(*row, object, place);
             else
-                WriteBlocks(*row, object);
+                WriteObjects(*row, object, place);
         }
     }
 
   private:
-    std::string Indent() const { return std::string(m_depth * 2, ' '); }
+    static std::string GetElement(EText title, std::size_t index) {
+        return std::string(GetText(title)) + '[' + std::to_string(index) + ']';
+    }
 
-    void WriteLine(EText label, const std::string& text) {
-        m_out << Indent() << GetText(label) << ": " << text << '\n';
-    }
-    // The elements of a list have a line each.
-    void WriteLines(const SProperty& row, const CObject& object) {
-        if (!row.isList) return WriteLine(row.label, Show(row, m_context, object));
+    // The elements of a list have a row each.
+    void WriteRows(const SProperty& row, const CObject& object, const std::string& place) {
+        if (!row.isList) return m_table.Row(place, row.label, Show(row, m_context, object));
         for (std::size_t i = 0; const CObject* child = GetChild(row, object, i); ++i)
-            WriteLine(row.label, ShowLine(m_context, *child));
+            m_table.Row(place, GetElement(row.label, i), ShowLine(m_context, *child));
     }
-    // The elements of a list are titled by their class.
-    void WriteBlocks(const SProperty& row, const CObject& object) {
+    // The elements of a list are named by their class and number.
+    void WriteObjects(const SProperty& row, const CObject& object, const std::string& place) {
         for (std::size_t i = 0; const CObject* child = GetChild(row, object, i); ++i) {
-            m_out << Indent() << GetText(row.isList ? FindPropertyClass(*child)->title : row.label) << '\n';
-            ++m_depth;
-            Write(*child);
-            --m_depth;
+            const std::string name = row.isList ? GetElement(FindPropertyClass(*child)->title, i)
+                                                : std::string(GetText(row.label));
+            Write(*child, place.empty() ? name : place + std::string(kBelow) + name);
         }
     }
 
-    std::ostream& m_out;
+    CTable& m_table;
     const SPropertyContext& m_context;
-    std::size_t m_depth = 0;
 };
 
 } // namespace
@@ -69,7 +70,8 @@ int DescribeCommand(const COptions& options, SStreams streams) {
     using Outils_Configuration::Cnf;
     time.mode = static_cast<std::int32_t>(configuration.Get(Cnf<"adaptors/simulationTime/mode">));
     const SPropertyContext context{adaptors, time, *project.simulationParameters};
-    CDescription(streams.out, context).Write(project);
+    CTable table(streams.out, options.GetForm(), EText::describeColumns);
+    CDescription(table, context).Write(project, {});
     return exitSuccess;
 }
 
