@@ -3,32 +3,16 @@
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace Application_Tarvel {
 
 using Outils_Configuration::Cnf;
 using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
-namespace {
-
-// The labels are consecutive texts in this order.
-constexpr std::string_view kLabelledChannels[] = {
-    "IMU",        "DVL_BT",     "DVL_WT",      "EM_LOG_1",        "EM_LOG_2",   "GPS_1",
-    "GPS_2",      "GPS_3",      "DEPTH",       "USBL_1",          "USBL_2",     "USBL_3",
-    "LBL",        "UTC",        "ODOMETER",    "SYNCHRO_1",       "SYNCHRO_2",  "SYNCHRO_3",
-    "SYNCHRO_4",  "NELIX_NAV",  "TEMPERATURE", "PLATFORM_ORIENT", "MORVEX_STD", "MORVEX_MSG",
-    "MORVEX_EXT", "MORVEX_STA",
-};
-static_assert(std::size(kLabelledChannels) == 26);
-
-} // namespace
-
 void CTrvApp::InitInstance() {
-    if (const auto path = GetSettingsPath(); !path.empty())
-        static_cast<void>(m_configuration.Load(path)); // the defaults serve as well
+    const auto user = GetUserSettingsPath(), program = GetSettingsPath();
+    if (user.empty() || !m_configuration.Load(user))
+        static_cast<void>(!program.empty() && m_configuration.Load(program)); // the defaults serve as well
     m_plotSettings.drawCurve = m_configuration.Get(Cnf<"view1D/drawCurve">);
     m_plotSettings.extremumTransparency = static_cast<std::uint8_t>(
         std::clamp(m_configuration.Get(Cnf<"view1D/extremumTransparency">), 0, 255));
@@ -37,8 +21,16 @@ void CTrvApp::InitInstance() {
 }
 
 bool CTrvApp::ExitInstance() const {
-    const auto path = GetSettingsPath();
-    return !path.empty() && m_configuration.Save(path);
+    const auto user = GetUserSettingsPath(), program = GetSettingsPath();
+    std::error_code error;
+    if (!program.empty() && m_configuration.Save(program)) {
+        // An older file of the user's would be read first at the next start.
+        if (!user.empty()) std::filesystem::remove(user, error);
+        return true;
+    }
+    if (user.empty()) return false;
+    std::filesystem::create_directories(m_userFolder, error);
+    return m_configuration.Save(user);
 }
 
 std::filesystem::path CTrvApp::GetUserGuide() const {
@@ -51,11 +43,9 @@ std::filesystem::path CTrvApp::GetSettingsPath() const {
     return Outils_Fichiers::WithExtension(m_executable, GetText(EText::settingsExtension));
 }
 
-bool GetChannelLabel(std::string_view identifier, std::string& label) {
-    const auto place = std::find(std::begin(kLabelledChannels), std::end(kLabelledChannels), identifier);
-    if (place == std::end(kLabelledChannels)) return false;
-    label = GetText(EText::channelImu + static_cast<int>(place - std::begin(kLabelledChannels)));
-    return true;
+std::filesystem::path CTrvApp::GetUserSettingsPath() const {
+    return m_userFolder.empty() || m_executable.empty() ? std::filesystem::path()
+                                                        : m_userFolder / GetSettingsPath().filename();
 }
 
 } // namespace Application_Tarvel

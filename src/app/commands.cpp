@@ -3,9 +3,11 @@
 #include "app/main_frame.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
+#include "views/stack_clipboard.h"
 
 namespace Application_Tarvel {
 
+using Outils_Plot2D::Text;
 using Outils_Texte::EText;
 
 namespace {
@@ -52,9 +54,23 @@ constexpr SCommandRow Toggle(EText text, const char* shortcut, bool newGroup = f
             .tickedWhen = [](const Frame& f) { return f.IsBarShown(id); }};
 }
 
-template <auto operation>
-void OnView(Frame& frame) {
-    (frame.GetView().*operation)();
+// A command of the graphs. `operation` is one of their loader, done with `steps`.
+using Loader = Presentation_Tarvel_Graphics::CTrv1DGraphLoader;
+template <auto operation, int... steps>
+constexpr SCommandRow Graph(int id, EMenu menu, EText text, EText tip, const char* shortcut, EGlyph glyph,
+                            bool newGroup, EContext context, const char* keys) {
+    return {.id = id,
+            .menu = menu,
+            .text = text,
+            .tip = tip,
+            .shortcut = shortcut,
+            .glyph = glyph,
+            .bar = EBar::tools,
+            .newGroup = newGroup,
+            .run = [](Frame& f) { (f.GetView().GetLoader().*operation)(steps...); },
+            .enabledWhen = HasProject,
+            .graphMenu = context,
+            .graphKeys = keys};
 }
 
 template <EView1DMode mode>
@@ -73,7 +89,6 @@ constexpr SCommandRow Mode(int id, EText text, EText tip, const char* shortcut, 
 }
 
 using enum EGlyph;
-using View = CTrvView1D;
 
 // clang-format off
 const SCommandRow kCommands[] = {
@@ -106,31 +121,46 @@ const SCommandRow kCommands[] = {
     Mode<EView1DMode::pan>(commandModePan, EText::modePan, EText::modePanTip, "Ctrl+2", pan, false),
     Mode<EView1DMode::zoom>(commandModeZoom, EText::modeZoom, EText::modeZoomTip, "Ctrl+3", zoomPeriod, false),
 
-    {commandZoomHorizontal, EMenu::horizontal, EText::zoom, EText::zoomHorizontalTip, "Alt++", zoomHorizontal,
-     EBar::tools, true, OnView<&View::ZoomHorizontal>, HasProject},
-    {commandUnzoomHorizontal, EMenu::horizontal, EText::unzoom, EText::unzoomHorizontalTip, "Alt+-", unzoomHorizontal,
-     EBar::tools, false, OnView<&View::UnzoomHorizontal>, HasProject},
-    {commandScrollLeft, EMenu::horizontal, EText::leftScroll, EText::scrollLeftTip, "Alt+Left", scrollLeft,
-     EBar::tools, false, OnView<&View::ScrollLeft>, HasProject},
-    {commandScrollRight, EMenu::horizontal, EText::rightScroll, EText::scrollRightTip, "Alt+Right", scrollRight,
-     EBar::tools, false, OnView<&View::ScrollRight>, HasProject},
-    {commandViewAll, EMenu::horizontal, EText::horizontalViewAll, EText::viewAllTip, "Alt+Home", viewAll,
-     EBar::tools, false, OnView<&View::ViewAll>, HasProject},
+    Graph<&Loader::ZoomTime, 1>(commandZoomHorizontal, EMenu::horizontal, EText::zoom, EText::zoomHorizontalTip,
+                                "Alt++", zoomHorizontal, true, EContext::submenu, "+; ="),
+    Graph<&Loader::ZoomTime, -1>(commandUnzoomHorizontal, EMenu::horizontal, EText::unzoom,
+                                 EText::unzoomHorizontalTip, "Alt+-", unzoomHorizontal, false, EContext::submenu,
+                                 "-; _"),
+    Graph<&Loader::ScrollTime, -1>(commandScrollLeft, EMenu::horizontal, EText::leftScroll, EText::scrollLeftTip,
+                                   "Alt+Left", scrollLeft, false, EContext::submenu, "Left"),
+    Graph<&Loader::ScrollTime, 1>(commandScrollRight, EMenu::horizontal, EText::rightScroll,
+                                  EText::scrollRightTip, "Alt+Right", scrollRight, false, EContext::submenu,
+                                  "Right"),
+    Graph<&Loader::ViewAll>(commandViewAll, EMenu::horizontal, EText::horizontalViewAll, EText::viewAllTip,
+                            "Alt+Home", viewAll, false, EContext::top, "Home"),
 
-    {commandZoomVertical, EMenu::vertical, EText::zoom, EText::zoomVerticalTip, "Ctrl++", zoomVertical,
-     EBar::tools, true, OnView<&View::ZoomVertical>, HasProject},
-    {commandUnzoomVertical, EMenu::vertical, EText::unzoom, EText::unzoomVerticalTip, "Ctrl+-", unzoomVertical,
-     EBar::tools, false, OnView<&View::UnzoomVertical>, HasProject},
-    {commandScrollUp, EMenu::vertical, EText::upScroll, EText::scrollUpTip, "Ctrl+Up", scrollUp,
-     EBar::tools, false, OnView<&View::ScrollUp>, HasProject},
-    {commandScrollDown, EMenu::vertical, EText::downScroll, EText::scrollDownTip, "Ctrl+Down", scrollDown,
-     EBar::tools, false, OnView<&View::ScrollDown>, HasProject},
+    Graph<&Loader::ZoomValues, 1>(commandZoomVertical, EMenu::vertical, EText::zoom, EText::zoomVerticalTip,
+                                  "Ctrl++", zoomVertical, true, EContext::submenu, "Ctrl++; Ctrl+="),
+    Graph<&Loader::ZoomValues, -1>(commandUnzoomVertical, EMenu::vertical, EText::unzoom,
+                                   EText::unzoomVerticalTip, "Ctrl+-", unzoomVertical, false, EContext::submenu,
+                                   "Ctrl+-; Ctrl+_"),
+    Graph<&Loader::ScrollValues, 1>(commandScrollUp, EMenu::vertical, EText::upScroll, EText::scrollUpTip,
+                                    "Ctrl+Up", scrollUp, false, EContext::submenu, ""),
+    Graph<&Loader::ScrollValues, -1>(commandScrollDown, EMenu::vertical, EText::downScroll,
+                                     EText::scrollDownTip, "Ctrl+Down", scrollDown, false, EContext::submenu,
+                                     ""),
 
-    {commandLegends, EMenu::display, EText::graphLegends, EText::legendsTip, "Ctrl+L", legends, EBar::tools, true,
-     OnView<&View::ToggleLegends>, HasProject, [](const Frame& f) { return f.GetView().AreLegendsVisible(); }},
-    {commandEcho, EMenu::display, EText::echo, EText::echoTip, "Ctrl+E", none, EBar::none, false,
-     [](Frame& f) { f.GetView().SetEcho(!f.GetView().HasEcho()); }, HasProject,
-     [](const Frame& f) { return f.GetView().HasEcho(); }},
+    {.id = commandLegends, .menu = EMenu::display, .text = EText::graphLegends, .tip = EText::legendsTip,
+     .shortcut = "Ctrl+L", .glyph = legends, .bar = EBar::tools, .newGroup = true,
+     .run = [](Frame& f) { f.GetView().SetLegendsVisible(!f.GetView().AreLegendsVisible()); },
+     .enabledWhen = HasProject, .tickedWhen = [](const Frame& f) { return f.GetView().AreLegendsVisible(); },
+     .graphMenu = EContext::top},
+    {.id = commandEcho, .menu = EMenu::display, .text = EText::echo, .tip = EText::echoTip, .shortcut = "Ctrl+E",
+     .run = [](Frame& f) { f.GetView().SetEcho(!f.GetView().HasEcho()); }, .enabledWhen = HasProject,
+     .tickedWhen = [](const Frame& f) { return f.GetView().HasEcho(); }, .graphMenu = EContext::top},
+    {.id = commandCopyGraphs, .menu = EMenu::display, .text = EText::copy, .tip = EText::copyGraphsTip,
+     .newGroup = true,
+     .run = [](Frame& f) { CopyToClipboard(f.GetView().GetStack(), f.GetView().viewport()->width()); },
+     .enabledWhen = HasProject, .graphMenu = EContext::top, .graphKeys = "Ctrl+C"},
+    {.id = commandDeleteCurve, .menu = EMenu::display, .text = EText::deleteCurve, .tip = EText::deleteCurveTip,
+     .run = [](Frame& f) { f.GetView().DeleteSelectedCurve(); },
+     .enabledWhen = [](const Frame& f) { return f.GetView().HasSelectedCurve(); }, .graphMenu = EContext::top,
+     .graphKeys = "Del"},
 
     {commandClearOutput, EMenu::tools, EText::clearOutput, EText::clearOutputTip, "Ctrl+Shift+Del", clear,
      EBar::standard, true, [](Frame& f) { f.GetOutput().clear(); }},

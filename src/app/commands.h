@@ -1,4 +1,4 @@
-// The commands of the main frame: one row each, from which menus, tool bars and shortcuts are made.
+// The commands of the main frame: one row each, from which menus, tool bars and keys are made.
 #pragma once
 
 #include "app/icons.h"
@@ -15,6 +15,8 @@ class CTrvProjectMainFrame;
 // Where a command stands. The numbers of commands and bars are stable: they are kept in the user's settings.
 enum class EMenu { file, simulation, display, horizontal, vertical, mouse, tools, help, count };
 enum class EBar { none, standard, tools };
+// Where a command is in a context menu: directly, or under the title of its own menu.
+enum class EContext { none, top, submenu };
 
 enum ECommand : int {
     commandProcess = 2,
@@ -46,6 +48,8 @@ enum ECommand : int {
     commandSaveAs = 57604,
     commandSaveCopyAs = 57611,
     commandFirstRecent = 57616,
+    commandDeleteCurve = 57632,
+    commandCopyGraphs = 57634,
     commandAbout = 57664,
     commandExit = 57665
 };
@@ -62,10 +66,10 @@ struct SCommandRow {
     EMenu menu;
     Outils_Texte::EText text;
     Outils_Texte::EText tip;
-    const char* shortcut; // in portable form; "" for none
+    const char* shortcut = ""; // in portable form; "" for none
     EGlyph glyph = EGlyph::none;
     EBar bar = EBar::none;
-    bool newGroup = false; // a separator stands before it in its menu and bar
+    bool newGroup = false; // a separator is before it in its menu and bar
     void (*run)(CTrvProjectMainFrame&) = nullptr;
     bool (*enabledWhen)(const CTrvProjectMainFrame&) = nullptr; // null: always
     bool (*tickedWhen)(const CTrvProjectMainFrame&) = nullptr;  // null: it has no tick
@@ -73,10 +77,14 @@ struct SCommandRow {
     QString (*caption)(const CTrvProjectMainFrame&) = nullptr;
     // The picture at the moment.
     EGlyph (*glyphNow)(const CTrvProjectMainFrame&) = nullptr;
+    // What works in the graphs alone: their context menu, and keys (separated by "; ") while they have the
+    // focus.
+    EContext graphMenu = EContext::none;
+    const char* graphKeys = "";
 };
 
 std::span<const SMenuRow> GetMenus();
-// In the order of their menus and bars. A menu stands in its parent where its first command would.
+// In the order of their menus and bars. A menu is in its parent where its first command would be.
 std::span<const SCommandRow> GetCommands();
 
 } // namespace Application_Tarvel

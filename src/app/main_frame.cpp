@@ -1,23 +1,54 @@
 #include "app/main_frame.h"
 
+#include "app/appearance.h"
+#include "app/command_bars.h"
 #include "app/status_bar.h"
+#include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
-#include "processing/message_line.h"
 
-#include <QApplication>
 #include <QCloseEvent>
+#include <QDockWidget>
 #include <QDragEnterEvent>
+#include <QMenuBar>
 #include <QMimeData>
+#include <QScreen>
+#include <QSettings>
 #include <QTimer>
-
-#include <thread>
+#include <QToolBar>
+#include <QVBoxLayout>
 
 namespace Application_Tarvel {
 
+using Outils_Configuration::Cnf;
+using Outils_Plot2D::Text;
+using Outils_Plot2D::ToPath;
+using Outils_Plot2D::ToQString;
 using Outils_Texte::EText;
 
 namespace {
+
+constexpr int kStateVersion = 1; // of the window's layout: counts up when bars or panels are renamed
+constexpr const char* kGeometryKey = "mainFrame/geometry";
+constexpr const char* kStateKey = "mainFrame/state";
+constexpr QSize kFirstSize(1280, 800);
+constexpr QSize kProcessingSize(320, 500);
+constexpr QSize kOutputSize(600, 140);
+
+// Between a panel and its content: the panel has its size also while the content is hidden, and shows
+// and hides without a say in that.
+class CPanelSpace final : public QWidget {
+  public:
+    CPanelSpace(QWidget* content, QSize size) : m_size(size) {
+        auto* layout = new QVBoxLayout(this);
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->addWidget(content);
+    }
+    QSize sizeHint() const override { return m_size; }
+
+  private:
+    const QSize m_size;
+};
 
 // The project among what is dragged; empty when there is none or more than one file.
 std::filesystem::path ProjectOf(const QMimeData& data) {
@@ -30,28 +61,77 @@ std::filesystem::path ProjectOf(const QMimeData& data) {
 
 } // namespace
 
-// The wait cursor gives way while a question is asked.
-class CTrvProjectMainFrame::CPlainCursor {
-  public:
-    explicit CPlainCursor(int waitCursors) : m_waitCursors(waitCursors) {
-        for (int i = 0; i < m_waitCursors; ++i) QApplication::restoreOverrideCursor();
-    }
-    ~CPlainCursor() {
-        for (int i = 0; i < m_waitCursors; ++i) QApplication::setOverrideCursor(Qt::WaitCursor);
-    }
-    CPlainCursor(const CPlainCursor&) = delete;
-    CPlainCursor& operator=(const CPlainCursor&) = delete;
+CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, Outils::IMessageTarget& target,
+                                           IDialogs& dialogs, QSettings& settings)
+    : m_application(application),
+      m_dialogs(dialogs),
+      m_settings(settings),
+      m_recentFiles(settings),
+      m_host(*this, target, dialogs, application.GetProgramFolder()),
+      m_document(m_host, target, application.GetConfiguration()) {
+    setObjectName("mainFrame");
+    setWindowIcon(GetProductIcon());
+    setAcceptDrops(true);
+    setDockNestingEnabled(true);
+    ApplyAppearance();
 
-  private:
-    const int m_waitCursors;
-};
+    m_view = new CTrvView1D(m_document, application.GetConfiguration(), application.GetAdaptors(),
+                            application.GetPlotSettings(), this);
+    setCentralWidget(m_view);
+    m_processing = new CTrvViewProcessing(m_document);
+    m_output = new CTrvOutputWnd;
+    m_statusBar = new CTrvStatusBar(this);
+    setStatusBar(m_statusBar);
+    m_host.Attach(m_output, m_statusBar);
+    m_host.SetOnEquipment([this](std::int32_t equipment) {
+        m_equipment = equipment;
+        m_commands->ShowAllMenus();
+    });
+    // Known from the start on: menus ask for it at each refresh.
+    std::error_code error;
+    m_hasUserGuide = std::filesystem::is_regular_file(m_application.GetUserGuide(), error);
+
+    m_commands = std::make_unique<CTrvCommandBars>(*this);
+    m_commands->ServeGraphs();
+    m_bars[commandMenuBar] = menuBar();
+    m_bars[commandStandardBar] =
+        m_commands->MakeToolBar(EBar::standard, "standardBar", EText::standardBarTitle);
+    m_bars[commandToolsBar] = m_commands->MakeToolBar(EBar::tools, "toolsBar", EText::toolsBarTitle);
+    for (const int command : {commandStandardBar, commandToolsBar})
+        connect(static_cast<QToolBar*>(m_bars[command]), &QToolBar::visibilityChanged, this,
+                &CTrvProjectMainFrame::UpdateFrame);
+    MakePanel(commandProcessingPanel, "processingPanel", EText::processingTitle, m_processing,
+              kProcessingSize, Qt::LeftDockWidgetArea);
+    MakePanel(commandOutputPanel, "outputPanel", EText::outputTitle, m_output, kOutputSize,
+              Qt::BottomDockWidgetArea);
+    m_output->addAction(&GetAction(commandClearOutput));
+    resize(kFirstSize.boundedTo(screen()->availableSize()));
+    RestoreWindow();
+
+    connect(m_view, &CTrvView1D::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
+    m_document.AddView(this);
+    UpdateFrame();
+    m_view->setFocus();
+}
+
+CTrvProjectMainFrame::~CTrvProjectMainFrame() {
+    m_document.RemoveView(this);
+    for (auto& [command, bar] : m_bars) bar->disconnect(this);
+    // The views leave the document before it goes, and nothing is shown on a window that is half gone.
+    delete m_view;
+    delete m_processing;
+    m_host.Attach(nullptr, nullptr);
+}
+
+QAction& CTrvProjectMainFrame::GetAction(int command) const { return m_commands->GetAction(command); }
 
 void CTrvProjectMainFrame::NewProject() { m_document.CommandNew(); }
 
 void CTrvProjectMainFrame::AskAndOpen() {
-    const CPlainCursor plain(m_waitCursors);
-    if (const auto path = m_dialogs.AskOpenPath(this, m_document.GetPathName().parent_path()))
-        OpenProject(*path);
+    const auto paths = m_host.AskPath({EPathKind::open, EText::openTitle, EText::projectFilter,
+                                       Outils_Texte::GetText(EText::projectExtension).substr(1),
+                                       m_document.GetPathName().parent_path()});
+    if (!paths.empty()) OpenProject(paths.front());
 }
 
 bool CTrvProjectMainFrame::OpenProject(const std::filesystem::path& path) {
@@ -74,64 +154,67 @@ QString CTrvProjectMainFrame::GetRecentCaption(int index) const {
     return QStringLiteral("&%1 %2").arg(index + 1).arg(name);
 }
 
-bool CTrvProjectMainFrame::HasUserGuide() const {
-    std::error_code error;
-    return std::filesystem::is_regular_file(m_application.GetUserGuide(), error);
-}
-
 void CTrvProjectMainFrame::OpenUserGuide() {
     if (!m_dialogs.OpenLink(QUrl::fromLocalFile(ToQString(m_application.GetUserGuide()))))
-        ShowMessage(std::string(Outils_Texte::GetText(EText::userGuideFailed)), EButtons::ok,
-                    EIcon::exclamation);
+        m_host.ShowMessage(std::string(Outils_Texte::GetText(EText::userGuideFailed)), EButtons::ok,
+                           EIcon::exclamation);
 }
 
 void CTrvProjectMainFrame::ContactSupport() {
     if (!m_dialogs.OpenLink(QUrl::fromEncoded(QByteArray::fromStdString(GetSupportLink(GetVersionInfo())))))
-        ShowMessage(std::string(Outils_Texte::GetText(EText::mailFailed)), EButtons::ok, EIcon::exclamation);
+        m_host.ShowMessage(std::string(Outils_Texte::GetText(EText::mailFailed)), EButtons::ok,
+                           EIcon::exclamation);
 }
 
 void CTrvProjectMainFrame::ShowAbout() { m_dialogs.ShowAbout(this, GetVersionInfo()); }
 
-EAnswer CTrvProjectMainFrame::ShowMessage(const std::string& text, EButtons buttons, EIcon icon) {
-    const CPlainCursor plain(m_waitCursors);
-    return m_dialogs.ShowMessage(this, text, buttons, icon);
+QDockWidget* CTrvProjectMainFrame::MakePanel(int command, const char* name, EText title, QWidget* content,
+                                             QSize size, Qt::DockWidgetArea area) {
+    auto* panel = new QDockWidget(Text(title), this);
+    panel->setObjectName(QString::fromLatin1(name));
+    panel->setAccessibleName(Text(title));
+    content->setAccessibleName(Text(title));
+    panel->setWidget(new CPanelSpace(content, size));
+    addDockWidget(area, panel);
+    m_bars[command] = panel;
+    connect(panel, &QDockWidget::visibilityChanged, this, &CTrvProjectMainFrame::UpdateFrame);
+    return panel;
 }
 
-std::optional<std::filesystem::path>
-CTrvProjectMainFrame::AskProjectPath(const std::filesystem::path& proposed) {
-    const CPlainCursor plain(m_waitCursors);
-    return m_dialogs.AskSavePath(this, proposed);
+bool CTrvProjectMainFrame::IsBarShown(int command) const { return !m_bars.at(command)->isHidden(); }
+
+void CTrvProjectMainFrame::ToggleBar(int command) {
+    QWidget* bar = m_bars.at(command);
+    bar->setVisible(bar->isHidden());
 }
 
-void CTrvProjectMainFrame::AppendOutputText(const std::string& line) {
-    if (m_output) m_output->AppendLine(line);
+void CTrvProjectMainFrame::RestoreWindow() {
+    // What cannot be restored, after a change of the panels or a damaged file, leaves the first layout.
+    restoreGeometry(m_settings.value(kGeometryKey).toByteArray());
+    restoreState(m_settings.value(kStateKey).toByteArray(), kStateVersion);
 }
 
-void CTrvProjectMainFrame::SetProgress(int percent) {
-    if (m_statusBar) m_statusBar->SetProgress(percent);
+void CTrvProjectMainFrame::StoreWindow() {
+    m_settings.setValue(kGeometryKey, saveGeometry());
+    m_settings.setValue(kStateKey, saveState(kStateVersion));
 }
 
-void CTrvProjectMainFrame::ShowProgress(bool visible) {
-    if (m_statusBar) m_statusBar->ShowProgress(visible);
+void CTrvProjectMainFrame::ApplyAppearance() {
+    ApplyPalette(m_application.GetConfiguration().Get(Cnf<"general/appearance">));
 }
 
-void CTrvProjectMainFrame::ShowWaitCursor(bool on) {
-    m_waitCursors += on ? 1 : -1;
-    if (on)
-        QApplication::setOverrideCursor(Qt::WaitCursor);
-    else
-        QApplication::restoreOverrideCursor();
-}
-
-void CTrvProjectMainFrame::Sleep(std::chrono::milliseconds time) { std::this_thread::sleep_for(time); }
-
-void CTrvProjectMainFrame::OnProgressChanged() { SetProgress(static_cast<int>(m_receiver.LastProgress())); }
-
-void CTrvProjectMainFrame::OnMessageQueued() {
-    int level = 0, code = 0;
-    std::string text;
-    if (m_receiver.TakeMessage(level, code, text))
-        AppendOutputText(Communication_Processus::FormatMessageLine(level, text));
+void CTrvProjectMainFrame::UpdateFrame() {
+    const auto& path = m_document.GetPathName();
+    if (path != m_knownPath) {
+        m_knownPath = path;
+        if (!path.empty()) m_recentFiles.Add(path);
+    }
+    QString name = path.empty() ? Text(EText::untitled) : ToQString(path.stem());
+    name.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]")); // no mark, but a name
+    setWindowTitle(QStringLiteral("%1[*] - %2").arg(name, Text(EText::product)));
+    setWindowModified(m_document.IsModified());
+    m_statusBar->SetMessage(Text(m_running ? EText::running : EText::ready));
+    m_commands->Update();
 }
 
 void CTrvProjectMainFrame::OnUpdate(EHint hint, const Outils_Objets::CObject*) {

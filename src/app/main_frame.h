@@ -4,11 +4,10 @@
 
 #include "app/app.h"
 #include "app/commands.h"
-#include "app/dialogs.h"
+#include "app/frame_host.h"
 #include "app/recent_files.h"
 #include "document/document.h"
 #include "foundation/texts.h"
-#include "processing/receivers.h"
 #include "views/output_wnd.h"
 #include "views/view_1d.h"
 #include "views/view_processing.h"
@@ -16,6 +15,7 @@
 #include <QMainWindow>
 
 #include <map>
+#include <memory>
 
 class QSettings;
 
@@ -23,12 +23,9 @@ namespace Application_Tarvel {
 
 using Outils_Texte::EText;
 
-class CTrvStatusBar;
+class CTrvCommandBars;
 
-class CTrvProjectMainFrame final : public QMainWindow,
-                                   public IDocumentHost,
-                                   public IDocumentView,
-                                   private Communication_Processus::INotificationWindow {
+class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     Q_OBJECT
 
   public:
@@ -38,13 +35,14 @@ class CTrvProjectMainFrame final : public QMainWindow,
                          QSettings& settings);
     ~CTrvProjectMainFrame() override;
 
+    CTrvFrameHost& GetHost() { return m_host; }
     CTrvDocument& GetDocument() { return m_document; }
     CTrvView1D& GetView() const { return *m_view; }
     CTrvViewProcessing& GetProcessing() const { return *m_processing; }
     CTrvOutputWnd& GetOutput() const { return *m_output; }
     const CRecentFiles& GetRecentFiles() const { return m_recentFiles; }
     // The action of a command; every command of the table has one.
-    QAction& GetAction(int command) const { return *m_actions.at(command); }
+    QAction& GetAction(int command) const;
     bool HasProject() const { return m_document.GetProject() != nullptr; }
     bool IsRunning() const { return m_running; }
     // The equipment of the project opened last, which decides what its menus offer; 0 without one.
@@ -60,7 +58,8 @@ class CTrvProjectMainFrame final : public QMainWindow,
     QString GetRecentCaption(int index) const;
     bool IsBarShown(int command) const;
     void ToggleBar(int command);
-    bool HasUserGuide() const;
+    // As found at the start.
+    bool HasUserGuide() const { return m_hasUserGuide; }
     void OpenUserGuide();
     void ContactSupport();
     void ShowAbout();
@@ -68,18 +67,8 @@ class CTrvProjectMainFrame final : public QMainWindow,
     // The style and colours of the `appearance` setting; again after a change of it.
     void ApplyAppearance();
 
-    EAnswer ShowMessage(const std::string& text, EButtons buttons, EIcon icon) override;
-    std::optional<std::filesystem::path> AskProjectPath(const std::filesystem::path& proposed) override;
-    void AppendOutputText(const std::string& line) override;
-    void SetProgress(int percent) override;
-    void ShowProgress(bool visible) override;
-    void ShowWaitCursor(bool on) override;
-    void UpdateMenuForEquipment(std::int32_t equipment) override;
-    Communication_Interfaces::IMorvexNotification* GetReceiver() override { return &m_receiver; }
-    std::filesystem::path GetProgramFolder() override { return m_application.GetProgramFolder(); }
-    Outils_Temps::CDateTime GetTime() override { return Outils_Temps::CDateTime::Now(); }
-    void Sleep(std::chrono::milliseconds time) override;
-
+    // Brings title, recent projects and the states of all commands in line with the document.
+    void UpdateFrame();
     void OnUpdate(EHint hint, const Outils_Objets::CObject* object) override;
 
   protected:
@@ -88,40 +77,27 @@ class CTrvProjectMainFrame final : public QMainWindow,
     void dropEvent(QDropEvent* event) override;
 
   private:
-    class CPlainCursor;
-
-    void OnProgressChanged() override;
-    void OnMessageQueued() override;
-
-    void MakeActions();
-    void MakeMenus();
-    QToolBar* MakeToolBar(EBar bar, const char* name, EText title);
     QDockWidget* MakePanel(int command, const char* name, EText title, QWidget* content, QSize size,
                            Qt::DockWidgetArea area);
-    void RegisterBar(int command, QWidget* bar);
     void RestoreWindow();
     void StoreWindow();
-    void RunCommand(const SCommandRow& row);
-    // Brings title, recent projects and the states of all commands in line with the document.
-    void UpdateFrame();
 
     CTrvApp& m_application;
     IDialogs& m_dialogs;
     QSettings& m_settings;
-    Communication_Processus::CMorvexReceiver m_receiver; // outlives the document's engine
     CRecentFiles m_recentFiles;
-    int m_waitCursors = 0; // before the document, whose end shows one
+    CTrvFrameHost m_host; // before the document
     CTrvStatusBar* m_statusBar = nullptr;
     CTrvOutputWnd* m_output = nullptr;
     CTrvDocument m_document;
     // The widgets belong to the window.
     CTrvView1D* m_view = nullptr;
     CTrvViewProcessing* m_processing = nullptr;
-    std::map<int, QAction*> m_actions;
-    std::map<EMenu, QMenu*> m_menus;
+    std::unique_ptr<CTrvCommandBars> m_commands;
     std::map<int, QWidget*> m_bars; // what a toggle command shows and hides
     std::int32_t m_equipment = 0;
     bool m_running = false;
+    bool m_hasUserGuide = false;
     std::filesystem::path m_knownPath; // of the document, when last looked at
 };
 

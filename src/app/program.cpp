@@ -11,11 +11,15 @@
 
 #include <QApplication>
 #include <QSettings>
+#include <QStandardPaths>
 
 #include <cstdlib>
 #include <iostream>
 
 namespace Application_Tarvel {
+
+using Outils_Plot2D::ToPath;
+using Outils_Plot2D::ToQString;
 
 using Outils_Configuration::Cnf;
 using Outils_Texte::EText;
@@ -31,21 +35,27 @@ bool HasVariable(const char* name) {
     return value && *value;
 }
 
-// A picture needs no screen.
-void ChoosePlatform(const SCommandLine& line) {
-    if (line.request != ERequest::snapshot || HasVariable("QT_QPA_PLATFORM")) return;
-#ifndef _WIN32
-    if (!HasVariable("DISPLAY") && !HasVariable("WAYLAND_DISPLAY")) qputenv("QT_QPA_PLATFORM", "offscreen");
-#endif
-}
-
-// Without a display the window system ends the program, and does not say what works without one.
 bool HasDisplay() {
 #ifdef _WIN32
     return true;
 #else
     return HasVariable("QT_QPA_PLATFORM") || HasVariable("DISPLAY") || HasVariable("WAYLAND_DISPLAY");
 #endif
+}
+
+// Where the user's own settings are. The application's name is of no account: files have the executable's.
+std::filesystem::path GetUserFolder() {
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    return folder.isEmpty() ? std::filesystem::path() : ToPath(folder) / kSettingsName;
+}
+
+void StoreSettings(const CTrvApp& application) {
+    if (application.ExitInstance()) return;
+    CWindowDialogs().ShowMessage(
+        nullptr,
+        FormatText(EText::settingsNotSaved, {Outils_Fichiers::ToText(application.GetSettingsPath()),
+                                             Outils_Fichiers::ToText(application.GetUserSettingsPath())}),
+        EButtons::ok, EIcon::exclamation);
 }
 
 int RunSnapshot(CTrvApp& application, Outils::IMessageTarget& target, const SCommandLine& line) {
@@ -89,20 +99,22 @@ int Answer(const SCommandLine& line) {
 int RunProgram(int argc, char* argv[]) {
     const SCommandLine line = ParseCommandLine({argv + 1, static_cast<std::size_t>(argc > 1 ? argc - 1 : 0)});
     if (line.request != ERequest::run && line.request != ERequest::snapshot) return Answer(line);
-    ChoosePlatform(line);
     if (!HasDisplay()) {
-        std::cerr << GetText(EText::noDisplay) << '\n';
-        return 1;
+        if (line.request != ERequest::snapshot) {
+            std::cerr << GetText(EText::noDisplay) << std::endl;
+            return 2;
+        }
+        qputenv("QT_QPA_PLATFORM", "offscreen"); // a picture needs no screen
     }
     int noArguments = std::min(argc, 1); // the words are read: none is the window system's
     QApplication qt(noArguments, argv);
     QApplication::setApplicationVersion(ToQString(GetVersionInfo().productVersion));
     CEventLoopTarget target;
-    CTrvApp application(ToPath(QApplication::applicationFilePath()));
+    CTrvApp application(ToPath(QApplication::applicationFilePath()), GetUserFolder());
     application.InitInstance();
     if (line.request == ERequest::snapshot) return RunSnapshot(application, target, line);
     const int code = RunSession(application, target, line);
-    application.ExitInstance();
+    StoreSettings(application);
     return code;
 }
 

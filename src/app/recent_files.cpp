@@ -7,6 +7,9 @@
 
 namespace Application_Tarvel {
 
+using Outils_Plot2D::ToPath;
+using Outils_Plot2D::ToQString;
+
 namespace {
 
 constexpr const char* kKey = "recentFiles";

@@ -13,6 +13,7 @@
 
 namespace Application_Tarvel {
 
+using Outils_Plot2D::ToQString;
 using Outils_Texte::EText;
 
 using Outils_Fichiers::ToText;

@@ -5,7 +5,7 @@
 #include "foundation/texts.h"
 #include "plot/text.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
@@ -13,24 +13,26 @@
 
 namespace Application_Tarvel {
 
+using Outils_Plot2D::Text;
+using Outils_Plot2D::ToQString;
 using Outils_Texte::EText;
 
 namespace {
 
-constexpr QSize kSize(420, 200);
+constexpr QSize kSplashSize(420, 200);
 constexpr int kAfterStart = 2000; // ms
 constexpr int kAfterClick = 1000; // ms
 
 QPixmap DrawPicture() {
     const qreal ratio = QGuiApplication::primaryScreen()->devicePixelRatio();
-    QPixmap picture(kSize * ratio);
+    QPixmap picture(kSplashSize * ratio);
     picture.setDevicePixelRatio(ratio);
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    QLinearGradient ground(0, 0, 0, kSize.height());
+    QLinearGradient ground(0, 0, 0, kSplashSize.height());
     ground.setColorAt(0, QColor(0x24, 0x5C, 0x8F));
     ground.setColorAt(1, QColor(0x12, 0x2F, 0x4C));
-    painter.fillRect(QRect(QPoint(), kSize), ground);
+    painter.fillRect(QRect(QPoint(), kSplashSize), ground);
     GetProductIcon().paint(&painter, QRect(28, 52, 96, 96));
     const CVersionInfo version = GetVersionInfo();
     QFont font = painter.font();
@@ -56,16 +58,23 @@ QPixmap DrawPicture() {
 CSplashWnd::CSplashWnd() : QSplashScreen(DrawPicture()) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(Text(EText::welcome));
+    qApp->installEventFilter(this);
 }
 
 void CSplashWnd::CloseFor(QWidget& window) {
     m_window = &window;
-    raise(); // the window has come over it
+    hide();
     CloseIn(kAfterStart);
 }
 
 void CSplashWnd::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::LeftButton) CloseIn(kAfterClick);
+}
+
+bool CSplashWnd::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Show && watched->isWidgetType() && static_cast<QWidget*>(watched)->isModal())
+        hide();
+    return QSplashScreen::eventFilter(watched, event);
 }
 
 void CSplashWnd::CloseIn(int milliseconds) { QTimer::singleShot(milliseconds, this, &CSplashWnd::Finish); }

@@ -6,8 +6,9 @@
 
 namespace Application_Tarvel {
 
-// Closes two seconds after the main window was named, or one after a click, and brings the main window to
-// the front. Deletes itself. UI thread; nothing waits for it.
+// Hides as soon as the main window is finished or a question is asked, so that it covers neither. Ends two
+// seconds after the main window was named, or one after a click, and then brings that window to the front.
+// Deletes itself. UI thread; nothing waits for it.
 class CSplashWnd final : public QSplashScreen {
     Q_OBJECT
 
@@ -18,6 +19,7 @@ class CSplashWnd final : public QSplashScreen {
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void CloseIn(int milliseconds);

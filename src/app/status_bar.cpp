@@ -13,6 +13,7 @@
 
 namespace Application_Tarvel {
 
+using Outils_Plot2D::Text;
 using Outils_Texte::EText;
 
 namespace {

@@ -31,7 +31,7 @@ constexpr SCommand kCommands[] = {
     {"create", "RECORDING PROJECT", EText::createSummary, kCreateOptions, CreateCommand},
     {"run", "PROJECT", EText::runSummary, kReportOptions, RunCommand},
     {"check", "PROJECT", EText::checkSummary, kReportOptions, CheckCommand},
-    {"describe", "PROJECT", EText::describeSummary, {}, DescribeCommand},
+    {"describe", "PROJECT", EText::describeSummary, kReportOptions, DescribeCommand},
     {"copy", "PROJECT NEW-PROJECT", EText::copySummary, {}, CopyCommand},
     {"parameters", "PROJECT OUT.xml", EText::parametersSummary, {}, ParametersCommand},
     {"create-from-parameters", "IN.xml PROJECT", EText::createFromParametersSummary, kFromParametersOptions,

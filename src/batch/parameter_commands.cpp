@@ -3,9 +3,10 @@
 #include "batch/file_access.h"
 #include "batch/session.h"
 #include "batch/table.h"
-#include "document/batch_creation.h"
+#include "dialogs/batch_creation.h"
 #include "exchange/parameter_file.h"
 #include "foundation/paths.h"
+#include "model/properties/classes.h"
 #include "model/rules/rule.h"
 
 #include <ostream>
@@ -18,6 +19,7 @@ using Outils_Fichiers::ToAbsolute;
 
 namespace {
 
+using Metier_Tarvel_Proprietes::FindPropertyClass;
 using Metier_Tarvel_Regles::CTrvRuleReport;
 
 constexpr std::string_view kCommandFileExtension = ".xml";
@@ -30,7 +32,9 @@ int CheckCommand(const COptions& options, SStreams streams) {
     CTrvRuleReport report;
     session.GetDocument().GetProject()->simulationParameters->Validate(report);
     CTable table(streams.out, options.GetForm(), EText::checkColumns);
-    for (const auto& violation : report.GetViolations()) table.Row(violation.rule->GetMessage());
+    for (const auto& violation : report.GetViolations())
+        table.Row(FindPropertyClass(*violation.object)->title, violation.rule->GetProperties().front()->label,
+                  violation.rule->GetMessage());
     return report.IsEmpty() ? exitSuccess : exitFailure;
 }
 

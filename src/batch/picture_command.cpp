@@ -5,6 +5,7 @@
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "graph/loader.h"
+#include "graph/stack_picture.h"
 #include "plot/settings.h"
 #include "values/adaptors.h"
 

@@ -15,7 +15,8 @@ class CTrvCnfConfigFile : public CXmlConfigFile {
   public:
     CTrvCnfConfigFile();
 
-    // The present value of a key, parsed at this moment; its default when the text does not parse.
+    // The present value of a key, parsed at this moment; its default when the text does not parse. A number
+    // outside the range of the key is the nearest end of it.
     template <class Value>
     Value Get(TKey<Value> key) const {
         const CXmlConfigValue& value = GetValue(key);
@@ -28,11 +29,11 @@ class CTrvCnfConfigFile : public CXmlConfigFile {
         else if constexpr (std::is_same_v<Value, char16_t>)
             return value.GetChar();
         else if constexpr (std::is_same_v<Value, double>)
-            return value.GetDouble();
+            return kSchema[key.row].range.Clamp(value.GetDouble());
         else if constexpr (std::is_same_v<Value, SColor>)
             return SColor{value.GetColor()};
         else
-            return value.GetInt();
+            return kSchema[key.row].range.Clamp(value.GetInt());
     }
     // Changes the text of a key in memory; the file follows at the next Save.
     template <class Value>
@@ -54,7 +55,7 @@ class CTrvCnfConfigFile : public CXmlConfigFile {
             value.SetInt(newValue);
     }
 
-    // The value behind a key, for code that treats all types alike.
+    // The value of a key, for code that treats all types alike.
     CXmlConfigValue& GetValue(SKey key) { return *m_values[key.row]; }
     const CXmlConfigValue& GetValue(SKey key) const { return *m_values[key.row]; }
 

@@ -11,7 +11,7 @@ namespace Outils_Configuration {
 
 namespace {
 
-// A blank alone can be a value, as of a separator. What stands outside the root element is kept too, to be
+// A blank alone can be a value, as of a separator. Content outside the root element is kept too, to be
 // found and refused.
 constexpr unsigned int kParsing = pugi::parse_full | pugi::parse_ws_pcdata_single | pugi::parse_fragment;
 

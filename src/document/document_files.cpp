@@ -134,7 +134,7 @@ SFirstData CTrvDocument::WaitForFirstData(const CTrvDataFile& file) {
                          : dynamic_cast<CTrvTarinDataFileAnalyzerThread*>(place->second.thread.get());
     if (!analyzer) return {};
     return analyzer->WaitForFirstData(
-        std::chrono::milliseconds(std::max(0, m_configuration.Get(Cnf<"general/utcSearch/timeout">))));
+        std::chrono::milliseconds(m_configuration.Get(Cnf<"general/utcSearch/timeout">)));
 }
 
 void CTrvDocument::SearchFirstData() {

@@ -1,6 +1,10 @@
 // One edit of the project as an object. It holds plain pointers to model objects and copies of small values.
 #pragma once
 
+namespace Metier_Tarvel {
+class CTrvProject;
+}
+
 namespace Application_Tarvel {
 
 class CTrvDocument;
@@ -16,9 +20,13 @@ class CUserAction {
 
 class CTrvUserAction : public CUserAction {
   public:
+    // `document` must outlive the object.
     explicit CTrvUserAction(CTrvDocument& document) : m_document(document) {}
 
   protected:
+    // Null for the empty document.
+    Metier_Tarvel::CTrvProject* FindProject() const;
+
     CTrvDocument& m_document;
 };
 

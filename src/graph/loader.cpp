@@ -2,17 +2,16 @@
 
 #include "config/config_file.h"
 #include "foundation/texts.h"
-#include "graph/stack_builder.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
 namespace Presentation_Tarvel_Graphics {
 
 using namespace Application_Tarvel;
 using Outils_Configuration::Cnf;
-using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
 namespace {
@@ -34,58 +33,39 @@ CTrv1DGraphLoader::CTrv1DGraphLoader(CTrvDocument& document, const Outils_Valeur
     : m_document(document),
       m_adaptors(adaptors),
       m_settings(settings),
-      m_self(std::make_shared<CTrv1DGraphLoader*>(this)) {
+      m_feed(document, m_stack, [this] { Changed(false); }) {
     m_document.AddView(this);
     Reformat();
 }
 
-CTrv1DGraphLoader::~CTrv1DGraphLoader() {
-    *m_self = nullptr;
-    m_document.RemoveView(this);
-    for (auto& [key, channel] : m_channels) Withdraw(channel);
-}
+CTrv1DGraphLoader::~CTrv1DGraphLoader() { m_document.RemoveView(this); }
 
 void CTrv1DGraphLoader::SetViewSize(SSize size, double devicePixelRatio, ELayout layout) {
     m_size = size;
     m_layout = layout;
     m_devicePixelRatio = Factor(devicePixelRatio, 1);
     m_stack.Layout(m_size, m_layout);
-    AskIfWidthChanged();
-}
-
-void CTrv1DGraphLoader::AskIfWidthChanged() {
-    // A little coarser or finer than asked for cannot be seen, and a window is dragged in many small steps.
-    const double width = static_cast<double>(m_stack.GetPlotWidth()) * m_devicePixelRatio;
-    if (m_stack.HasPeriod() && std::abs(width - m_askedWidth) > m_askedWidth * 0.1) AskAllWindows();
+    m_feed.FollowWidth(m_devicePixelRatio);
 }
 
 void CTrv1DGraphLoader::Relayout() {
     m_stack.Layout(m_size, m_layout);
-    AskIfWidthChanged();
+    m_feed.FollowWidth(m_devicePixelRatio);
     Changed(true);
 }
 
-bool CTrv1DGraphLoader::IsLoading() const {
-    return std::any_of(m_channels.begin(), m_channels.end(), [](const auto& entry) {
-        const SChannel& channel = entry.second;
-        return channel.extentQuery || channel.windowQuery || channel.refresh;
-    });
+bool CTrv1DGraphLoader::IsLoading() const { return m_feed.IsLoading(); }
+
+void CTrv1DGraphLoader::ZoomTime(double steps) {
+    const double in = Factor(Config().Get(Cnf<"view1D/horizontalZoomScaleFactor">), 0.5);
+    const double out = Factor(Config().Get(Cnf<"view1D/horizontalUnzoomScaleFactor">), 2);
+    ShowPeriod(steps > 0 ? ZoomIn(m_stack.GetPeriod(), std::pow(in, steps))
+                         : ZoomOut(m_stack.GetPeriod(), std::pow(out, -steps)));
 }
 
-void CTrv1DGraphLoader::ZoomHorizontal() {
-    if (m_stack.ZoomIn(Factor(Config().Get(Cnf<"view1D/horizontalZoomScaleFactor">), 0.5))) PeriodChanged();
-}
-
-void CTrv1DGraphLoader::UnzoomHorizontal() {
-    if (m_stack.ZoomOut(Factor(Config().Get(Cnf<"view1D/horizontalUnzoomScaleFactor">), 2))) PeriodChanged();
-}
-
-void CTrv1DGraphLoader::ScrollLeft() {
-    if (m_stack.Scroll(-Factor(Config().Get(Cnf<"view1D/horizontalScrollFactor">), 0.25))) PeriodChanged();
-}
-
-void CTrv1DGraphLoader::ScrollRight() {
-    if (m_stack.Scroll(Factor(Config().Get(Cnf<"view1D/horizontalScrollFactor">), 0.25))) PeriodChanged();
+void CTrv1DGraphLoader::ScrollTime(double steps) {
+    const double factor = Factor(Config().Get(Cnf<"view1D/horizontalScrollFactor">), 0.25);
+    ShowPeriod(Scroll(m_stack.GetPeriod(), factor * steps));
 }
 
 void CTrv1DGraphLoader::ViewAll() {
@@ -95,57 +75,50 @@ void CTrv1DGraphLoader::ViewAll() {
         Changed(false);
 }
 
-void CTrv1DGraphLoader::ZoomVertical() {
-    if (m_stack.ZoomVertical(Factor(Config().Get(Cnf<"view1D/verticalZoomScaleFactor">), 0.5)))
+void CTrv1DGraphLoader::ZoomValues(double steps) {
+    const double in = Factor(Config().Get(Cnf<"view1D/verticalZoomScaleFactor">), 0.5);
+    const double out = Factor(Config().Get(Cnf<"view1D/verticalUnzoomScaleFactor">), 2);
+    if (m_stack.ZoomVertical(steps > 0 ? std::pow(in, steps) : std::pow(out, -steps))) Changed(false);
+}
+
+void CTrv1DGraphLoader::ScrollValues(double steps) {
+    if (m_stack.ScrollVertical(steps * Factor(Config().Get(Cnf<"view1D/verticalScrollFactor">), 0.25)))
         Changed(false);
 }
 
-void CTrv1DGraphLoader::UnzoomVertical() {
-    if (m_stack.ZoomVertical(Factor(Config().Get(Cnf<"view1D/verticalUnzoomScaleFactor">), 2)))
-        Changed(false);
-}
-
-void CTrv1DGraphLoader::ScrollUp() {
-    if (m_stack.ScrollVertical(Factor(Config().Get(Cnf<"view1D/verticalScrollFactor">), 0.25)))
-        Changed(false);
-}
-
-void CTrv1DGraphLoader::ScrollDown() {
-    if (m_stack.ScrollVertical(-Factor(Config().Get(Cnf<"view1D/verticalScrollFactor">), 0.25)))
-        Changed(false);
-}
-
-void CTrv1DGraphLoader::ToggleLegends() {
-    m_stack.SetLegendsVisible(!m_stack.AreLegendsVisible());
+void CTrv1DGraphLoader::SetLegendsVisible(bool visible) {
+    m_stack.SetLegendsVisible(visible);
     Relayout();
 }
 
 void CTrv1DGraphLoader::ShowPeriod(const SPeriod& period) {
-    if (period.IsEmpty()) return;
-    m_stack.SetPeriod(period);
-    PeriodChanged();
+    if (m_stack.SetPeriod(period)) PeriodChanged();
 }
 
 void CTrv1DGraphLoader::PeriodChanged() {
-    AskAllWindows();
+    m_feed.AskWindows();
     Changed(false);
 }
 
 void CTrv1DGraphLoader::Reformat() {
     m_settings.drawCurve = Config().Get(Cnf<"view1D/drawCurve">);
     m_settings.extremumTransparency =
-        static_cast<std::uint8_t>(std::clamp(Config().Get(Cnf<"view1D/extremumTransparency">), 0, 255));
-    // What the user toggled stands until the setting itself is changed.
+        static_cast<std::uint8_t>(Config().Get(Cnf<"view1D/extremumTransparency">));
+    // What was toggled holds until the setting itself is changed.
     const bool legends = Config().Get(Cnf<"view1D/showGraphLegends">);
     if (std::exchange(m_legendSetting, legends) != legends) m_stack.SetLegendsVisible(legends);
-    // Colours and sampling are taken while portlets and questions are made.
-    Rebuild(false);
-    AskAllWindows();
+    // Graphs take colours and queries take the sampling when they are made.
+    UpdateGraphs();
+    m_feed.AskWindows();
 }
 
 void CTrv1DGraphLoader::OnUpdate(EHint hint, const Outils_Objets::CObject* object) {
     switch (hint) {
-    case hintRefresh: Rebuild(true); break;
+    case hintRefresh:
+        m_feed.Forget(nullptr);
+        m_stack.Clear();
+        UpdateGraphs();
+        break;
     case hintDataFileRemoved:
     case hintDataFileTimeOffsetChanged:
     case hintOutputFileNameChanged:
@@ -153,10 +126,10 @@ void CTrv1DGraphLoader::OnUpdate(EHint hint, const Outils_Objets::CObject* objec
     case hintGraphRemoved:
     case hintCurveAdded:
     case hintCurveRemoved:
-    case hintCurveChanged: Rebuild(false); break;
+    case hintCurveChanged: UpdateGraphs(); break;
     case hintDataLayersRebuilt:
         // A file that cannot be read has no layers: what is shown of it stays.
-        if (!ShowsDataOf(object) || HasLayers(m_document, object)) Rebuild(false);
+        if (!m_feed.HasDataOf(object) || HasLayers(m_document, object)) UpdateGraphs();
         break;
     case hintRunStarted:
         m_running = true;
@@ -164,37 +137,27 @@ void CTrv1DGraphLoader::OnUpdate(EHint hint, const Outils_Objets::CObject* objec
         break;
     case hintRunEnded:
         m_running = false;
-        Refresh(nullptr, false);
+        m_feed.Refresh(nullptr, false);
         // A result may end where the former one did and yet be another.
         if (const auto* project = m_document.GetProject())
-            Refresh(project->simulationParameters->outputFile.get(), true);
+            m_feed.Refresh(project->simulationParameters->outputFile.get(), true);
         break;
     case hintChannelFound:
     case hintDataFileContentChanged:
         if (m_running && !Config().Get(Cnf<"view1D/displayAutoRefresh">)) break;
         // While a run lasts a file only grows; at other times it may have become another one.
-        Refresh(object, hint == hintDataFileContentChanged && !m_running);
+        m_feed.Refresh(object, hint == hintDataFileContentChanged && !m_running);
         break;
     default: break;
     }
 }
 
-bool CTrv1DGraphLoader::ShowsDataOf(const Outils_Objets::CObject* file) const {
-    return std::any_of(m_channels.begin(), m_channels.end(), [file](const auto& entry) {
-        return entry.first.file == file && entry.second.dataset;
-    });
-}
-
-// The result of a run that was started anew must not be taken for that of the run.
+// Nobody must take the former result for the result of the run that has just started.
 void CTrv1DGraphLoader::ForgetResult() {
     const auto* project = m_document.GetProject();
     if (!project) return;
-    for (auto& [key, channel] : m_channels)
-        if (key.file == project->simulationParameters->outputFile.get()) {
-            Withdraw(channel);
-            channel = {};
-        }
-    Rebuild(false);
+    m_feed.Forget(project->simulationParameters->outputFile.get());
+    UpdateGraphs();
 }
 
 SSimulationTimeText CTrv1DGraphLoader::MakeTimeText() const {
@@ -209,87 +172,21 @@ SSimulationTimeText CTrv1DGraphLoader::MakeTimeText() const {
     return text;
 }
 
-void CTrv1DGraphLoader::Rebuild(bool forget) {
-    if (forget) {
-        for (auto& [key, channel] : m_channels) Withdraw(channel);
-        m_channels.clear();
-        m_stack.Clear();
-        m_stack.ForgetPeriod();
-        m_stack.Select(0);
-    }
-    AddPortlets();
+// Brings the graphs in line with the project, object by object: what is shown already stays as it is.
+void CTrv1DGraphLoader::UpdateGraphs() {
+    std::vector<SGraphDescription> graphs;
+    if (const auto* project = m_document.GetProject())
+        graphs = DescribeGraphs(*project, m_adaptors, Config().Get(Cnf<"view1D/chronogram/color">).argb);
+    m_stack.SetGraphs(graphs, m_settings);
     m_stack.SetTimeText(MakeTimeText());
     m_stack.Layout(m_size, m_layout);
-    UpdateChannels();
-    for (const auto& [key, channel] : m_channels) m_stack.SetDataset(key, channel.dataset);
-    if (UpdateFullExtent()) AskAllWindows();
+    m_feed.Update();
     Changed(true);
 }
 
-namespace {
-
-// What the user did to a portlet and would miss after the portlets are made anew. Default graphs have no
-// object: they are known by their title.
-struct SPortletState {
-    Metier_Tarvel_Graphics::CTrv1DGraph* graph;
-    std::string title;
-    float height;
-    bool hasRange = false;
-    double minimum = 0, maximum = 0;
-};
-
-std::vector<SPortletState> SaveStates(const CTrv1DGraphStack& stack) {
-    std::vector<SPortletState> states;
-    for (const auto& portlet : stack.GetPortlets()) {
-        SPortletState state{portlet->GetGraph(), portlet->GetTitle(), portlet->GetUserHeight()};
-        const auto* measure = dynamic_cast<const CTrv1DGraphMeasurePortlet*>(portlet.get());
-        if (measure && !measure->IsRangeAutomatic()) {
-            state.hasRange = true;
-            state.minimum = measure->GetMinimum();
-            state.maximum = measure->GetMaximum();
-        }
-        states.push_back(std::move(state));
-    }
-    return states;
-}
-
-void Restore(CTrv1DGraphPortlet& portlet, const std::vector<SPortletState>& states) {
-    for (const SPortletState& state : states) {
-        if (state.graph != portlet.GetGraph() || (!state.graph && state.title != portlet.GetTitle()))
-            continue;
-        portlet.SetUserHeight(state.height);
-        auto* measure = dynamic_cast<CTrv1DGraphMeasurePortlet*>(&portlet);
-        if (measure && state.hasRange) measure->SetRange(state.minimum, state.maximum);
-        return;
-    }
-}
-
-} // namespace
-
-void CTrv1DGraphLoader::AddPortlets() {
-    const auto states = SaveStates(m_stack);
-    m_stack.Clear();
-    const auto* project = m_document.GetProject();
-    if (!project) return;
-    const Colour chronogramColour = Config().Get(Cnf<"view1D/chronogram/color">).argb;
-    auto portlets =
-        BuildPortlets(*project, {m_adaptors, m_settings, m_stack.GetTimeText(), chronogramColour});
-    for (auto& portlet : portlets) Restore(m_stack.Add(std::move(portlet)), states);
-}
-
 void CTrv1DGraphLoader::UpdateNotices() {
-    for (const auto& portlet : m_stack.GetPortlets()) {
-        bool waits = false, hasData = false;
-        portlet->ForEachSource([&](const CTrv1DGraphDataSource& source) {
-            const auto place = m_channels.find(source.GetChannel());
-            if (place == m_channels.end()) return;
-            const SChannel& channel = place->second;
-            waits = waits || !channel.answered || channel.windowQuery;
-            hasData = hasData || channel.hasData;
-        });
-        const EText text = waits ? EText::loading : hasData ? EText::noDataInPeriod : EText::noData;
-        portlet->SetNotice(std::string(GetText(text)));
-    }
+    for (const auto& portlet : m_stack.GetPortlets())
+        portlet->SetNotice(std::string(GetText(m_feed.GetNotice(*portlet))));
 }
 
 void CTrv1DGraphLoader::Changed(bool layout) {

@@ -37,8 +37,8 @@ constexpr int kStrides[] = {1, 2, 4, 5, 10, 20, 50, 100};
 } // namespace
 
 CTrv1DGraphPortlet::CTrv1DGraphPortlet(CPlot2DSettings& settings, const SSimulationTimeText& timeText,
-                                       Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title)
-    : m_plot(settings), m_graph(graph), m_title(std::move(title)) {
+                                       const SGraphDescription& description)
+    : m_plot(settings), m_graph(description.graph), m_title(description.title) {
     auto scale = std::make_unique<CTrv1DGraphSimulationTimeScale>(timeText);
     auto formater = std::make_unique<CTrv1DGraphTimeAdaptorFormater>(*scale, timeText);
     m_timeScale = scale.get();
@@ -54,21 +54,71 @@ CTrv1DGraphPortlet::CTrv1DGraphPortlet(CPlot2DSettings& settings, const SSimulat
 
 CTrv1DGraphPortlet::~CTrv1DGraphPortlet() = default;
 
-void CTrv1DGraphPortlet::Register(CPlot2DSerie& serie, const SCurveDescription& description) {
-    serie.SetColor(description.colour);
-    m_entries.push_back({&serie, description.curve});
+namespace {
+
+// Both are the same curve, whatever its colour, name or factor. Default curves have no saved one.
+bool IsSameCurve(const SCurveDescription& a, const SCurveDescription& b) {
+    if (a.curve || b.curve) return a.curve == b.curve;
+    return a.channel == b.channel && a.field == b.field;
+}
+
+bool ReadsTheSame(const SCurveDescription& a, const SCurveDescription& b) {
+    return a.channel == b.channel && a.field == b.field && a.factor == b.factor;
+}
+
+} // namespace
+
+void CTrv1DGraphPortlet::Update(const SGraphDescription& description) {
+    m_title = description.title;
+    RemoveSeries(description.curves);
+    for (std::size_t i = 0; i < description.curves.size(); ++i) {
+        const SCurveDescription& wanted = description.curves[i];
+        if (i == m_entries.size()) m_entries.push_back({&AddSerie(MakeSource(wanted), wanted.name), wanted});
+        UpdateSerie(m_entries[i], wanted);
+    }
+    OnDataChanged();
+}
+
+// Leaves a beginning of `wanted`, so that the rest can be appended in drawing order.
+void CTrv1DGraphPortlet::RemoveSeries(const std::vector<SCurveDescription>& wanted) {
+    const auto isUnwanted = [&](const SEntry& entry) {
+        return std::none_of(wanted.begin(), wanted.end(),
+                            [&](const SCurveDescription& curve) { return IsSameCurve(entry.shown, curve); });
+    };
+    const auto remove = [this](const SEntry& entry) { m_plot.RemoveSerie(entry.serie); };
+    std::erase_if(m_entries, [&](const SEntry& entry) {
+        const bool unwanted = isUnwanted(entry);
+        if (unwanted) remove(entry);
+        return unwanted;
+    });
+    std::size_t kept = 0;
+    while (kept < std::min(m_entries.size(), wanted.size()) &&
+           IsSameCurve(m_entries[kept].shown, wanted[kept]))
+        ++kept;
+    for (std::size_t i = kept; i < m_entries.size(); ++i) remove(m_entries[i]);
+    m_entries.erase(m_entries.begin() + static_cast<std::ptrdiff_t>(kept), m_entries.end());
+}
+
+void CTrv1DGraphPortlet::UpdateSerie(SEntry& entry, const SCurveDescription& wanted) {
+    if (!ReadsTheSame(entry.shown, wanted)) {
+        auto source = MakeSource(wanted);
+        if (wanted.channel == entry.shown.channel)
+            source->SetDataset(
+                static_cast<CTrv1DGraphDataSource*>(entry.serie->GetDataSource())->GetDataset());
+        entry.serie->SetDataSource(std::move(source));
+    }
+    entry.serie->SetName(wanted.name);
+    entry.serie->SetColor(wanted.colour);
+    entry.shown = wanted;
+    if (m_timeScale->GetDisplayStart() < m_timeScale->GetDisplayEnd())
+        static_cast<CTrv1DGraphDataSource*>(entry.serie->GetDataSource())
+            ->SetDisplay(m_timeScale->GetDisplayStart(), m_timeScale->GetDisplayEnd());
 }
 
 const Metier_Tarvel_Graphics::CTrv1DCurve* CTrv1DGraphPortlet::GetCurve(const CPlot2DSerie* serie) const {
     for (const SEntry& entry : m_entries)
-        if (entry.serie == serie) return entry.curve;
+        if (entry.serie == serie) return entry.shown.curve;
     return nullptr;
-}
-
-void CTrv1DGraphPortlet::RemoveSerie(const CPlot2DSerie* serie) {
-    std::erase_if(m_entries, [serie](const SEntry& entry) { return entry.serie == serie; });
-    m_plot.RemoveSerie(const_cast<CPlot2DSerie*>(serie)); // only compared
-    OnDataChanged();
 }
 
 void CTrv1DGraphPortlet::ForEachSource(const std::function<void(CTrv1DGraphDataSource&)>& visit) const {

@@ -3,23 +3,17 @@
 #pragma once
 
 #include "graph/data_source.h"
+#include "graph/graph_description.h"
 #include "graph/time_scale.h"
-#include "graph/vertical_scale.h"
 #include "plot/plot.h"
 
 #include <functional>
 #include <string>
 #include <vector>
 
-namespace Metier_Tarvel_Graphics {
-class CTrv1DCurve;
-class CTrv1DGraph;
-} // namespace Metier_Tarvel_Graphics
-
 namespace Presentation_Tarvel_Graphics {
 
 using Outils_Plot2D::CGraphics;
-using Outils_Plot2D::Colour;
 using Outils_Plot2D::CPlot2D;
 using Outils_Plot2D::CPlot2DSerie;
 using Outils_Plot2D::SPoint;
@@ -28,24 +22,14 @@ using Outils_Plot2D::SRect;
 // The least height that still shows a curve, in pixels.
 inline constexpr float kMinimumPortletHeight = 130;
 
-// One serie to show. `curve` is the saved one, or null for a chronogram and for a default graph.
-struct SCurveDescription {
-    std::string name; // in the legend, UTF-8
-    SChannelKey channel;
-    std::uint32_t field = 0;
-    double factor = 1.0;
-    Colour colour = 0xFF000000;
-    const Metier_Tarvel_Graphics::CTrv1DCurve* curve = nullptr;
-};
-
 class CTrv1DGraphPortlet {
   public:
     virtual ~CTrv1DGraphPortlet();
     CTrv1DGraphPortlet(const CTrv1DGraphPortlet&) = delete;
     CTrv1DGraphPortlet& operator=(const CTrv1DGraphPortlet&) = delete;
 
-    // The saved graph, null for a default one. It may be gone while the document tells that it changes: until
-    // the portlets are made anew it is good for comparing only.
+    // The saved graph, null for a default one. Between its removal and the document's report of it this
+    // pointer is good for comparing only.
     Metier_Tarvel_Graphics::CTrv1DGraph* GetGraph() const { return m_graph; }
     const std::string& GetTitle() const { return m_title; }
     CPlot2D& GetPlot() { return m_plot; }
@@ -53,8 +37,9 @@ class CTrv1DGraphPortlet {
 
     // The saved curve behind a serie of the plot; null if there is none.
     const Metier_Tarvel_Graphics::CTrv1DCurve* GetCurve(const CPlot2DSerie* serie) const;
-    // Takes the serie off the plot; the data goes with the last curve that needs it.
-    void RemoveSerie(const CPlot2DSerie* serie);
+    // Shows what `description` says of the same graph. Series that show the same field stay as they are, with
+    // their data and their selection; the others come and go.
+    virtual void Update(const SGraphDescription& description);
     // Calls for the data source of every serie, in drawing order.
     void ForEachSource(const std::function<void(CTrv1DGraphDataSource&)>& visit) const;
 
@@ -62,7 +47,7 @@ class CTrv1DGraphPortlet {
     void SetDisplay(CDateTimeSpan start, CDateTimeSpan end);
     // A dataset of one of the shown channels was replaced.
     virtual void OnDataChanged();
-    // Texts and units are to be taken from the settings again.
+    // Takes texts and units from the adaptors again.
     virtual void Reformat() {}
     // What the plotting area says while there is nothing to draw; empty for nothing.
     void SetNotice(std::string notice) { m_notice = std::move(notice); }
@@ -70,7 +55,7 @@ class CTrv1DGraphPortlet {
     bool HasPoints() const;
 
     // The strip, in the coordinates of the stack. `margin` pixels at least are left for the labels of the
-    // vertical axis. Chooses the ticks anew.
+    // vertical axis. Chooses the ticks again.
     void Layout(const SRect& rect, float margin);
     // The margin that the labels need in the present layout.
     float GetWantedMargin() const { return m_wantedMargin; }
@@ -88,86 +73,39 @@ class CTrv1DGraphPortlet {
   protected:
     // `settings` and `timeText` must outlive the portlet.
     CTrv1DGraphPortlet(Outils_Plot2D::CPlot2DSettings& settings, const SSimulationTimeText& timeText,
-                       Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title);
+                       const SGraphDescription& description);
 
-    void Register(CPlot2DSerie& serie, const SCurveDescription& description);
+    virtual std::unique_ptr<CTrv1DGraphDataSource> MakeSource(const SCurveDescription& curve) const = 0;
+    // Appends a serie of the portlet's kind to the plot.
+    virtual CPlot2DSerie& AddSerie(std::unique_ptr<CTrv1DGraphDataSource> source, std::string name) = 0;
     // Once the plotting area is known: the ticks of the vertical axis.
     virtual void ChooseVerticalTicks(const CGraphics& graphics) = 0;
 
   private:
     struct SEntry {
-        const CPlot2DSerie* serie;
-        const Metier_Tarvel_Graphics::CTrv1DCurve* curve;
+        CPlot2DSerie* serie;     // owned by the plot
+        SCurveDescription shown; // its curve may be gone: compared only
     };
+
+    void RemoveSeries(const std::vector<SCurveDescription>& wanted);
+    void UpdateSerie(SEntry& entry, const SCurveDescription& wanted);
 
     void LayoutPlot(const CGraphics& graphics);
     void ChooseTimeLabels(const CGraphics& graphics);
     void DrawNotice(CGraphics& graphics) const;
 
     CPlot2D m_plot;
-    Metier_Tarvel_Graphics::CTrv1DGraph* m_graph; // Not owned, may be gone.
+    Metier_Tarvel_Graphics::CTrv1DGraph* m_graph; // not owned, may be gone
     std::string m_title;
     CTrv1DGraphSimulationTimeScale* m_timeScale;    // owned by the plot's axis
     CTrv1DGraphTimeAdaptorFormater* m_timeFormater; // owned by the plot's axis
-    std::vector<SEntry> m_entries;
+    std::vector<SEntry> m_entries;                  // in drawing order
     std::string m_notice;
     SRect m_rect;
     SRect m_plottingRect;
     float m_margin = 0;       // at least, as the layout said
     float m_wantedMargin = 0; // for the labels
     float m_userHeight = 0;
-};
-
-// Curves of one kind of measure. Its vertical range fits the data until the user changes it.
-class CTrv1DGraphMeasurePortlet : public CTrv1DGraphPortlet {
-  public:
-    // `adaptor` shows the values; it must outlive the portlet.
-    CTrv1DGraphMeasurePortlet(Outils_Plot2D::CPlot2DSettings& settings, const SSimulationTimeText& timeText,
-                              Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title,
-                              const CNumericValueAdaptor& adaptor);
-
-    CPlot2DSerie& AddCurve(const SCurveDescription& description);
-
-    double GetMinimum() const { return m_scale->GetMinimum(); }
-    double GetMaximum() const { return m_scale->GetMaximum(); }
-    // The range follows the data.
-    bool IsRangeAutomatic() const { return m_automatic; }
-    // The user's range; ignored unless it is finite and wide enough for its values to be told apart.
-    void SetRange(double minimum, double maximum);
-    void SetRangeAutomatic();
-    // Zooms by `factor` about the middle of the range; moves it by this part of its width.
-    void Zoom(double factor);
-    void Scroll(double factor);
-
-    void OnDataChanged() override;
-    void Reformat() override;
-
-  protected:
-    void ChooseVerticalTicks(const CGraphics& graphics) override;
-
-  private:
-    void FitRange();
-
-    CTrv1DGraphVerticalScale* m_scale;             // owned by the plot's axis
-    CTrv1DGraphNumericAdaptorFormater* m_formater; // owned by the plot's axis
-    bool m_automatic = true;
-};
-
-// The chronogram of one enumerated field.
-class CTrv1DGraphEnumPortlet : public CTrv1DGraphPortlet {
-  public:
-    // `literals` are the texts of the states, from 0 on.
-    CTrv1DGraphEnumPortlet(Outils_Plot2D::CPlot2DSettings& settings, const SSimulationTimeText& timeText,
-                           Metier_Tarvel_Graphics::CTrv1DGraph* graph, std::string title,
-                           const SCurveDescription& description, const std::vector<std::string>& literals);
-
-    float GetMinimumHeight() const override;
-
-  protected:
-    void ChooseVerticalTicks(const CGraphics&) override {}
-
-  private:
-    std::size_t m_rows;
 };
 
 } // namespace Presentation_Tarvel_Graphics

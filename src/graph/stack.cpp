@@ -1,19 +1,15 @@
 #include "graph/stack.h"
 
+#include "graph/enum_portlet.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace Presentation_Tarvel_Graphics {
 
-using Outils_Temps::kTicksPerSecond;
-
 namespace {
 
-constexpr double kShortestSpan = kTicksPerSecond;
-// Periods stay well within what ticks hold, whatever is zoomed out: some four thousand years about zero.
-constexpr double kGreatestTime = 1.2e18;
-
-double ToDouble(CDateTimeSpan time) { return static_cast<double>(time.GetTicks()); }
+constexpr float kPortletGap = 3; // between two portlets
 
 } // namespace
 
@@ -28,16 +24,42 @@ void CTrv1DGraphStack::Reformat() {
     LevelMargins();
 }
 
-CTrv1DGraphPortlet& CTrv1DGraphStack::Add(std::unique_ptr<CTrv1DGraphPortlet> portlet) {
-    CTrv1DGraphPortlet& added = *portlet;
-    added.GetPlot().SetLegendVisible(m_legendsVisible);
-    if (HasPeriod()) added.SetDisplay(m_period.start, m_period.end);
-    m_portlets.push_back(std::move(portlet));
-    return added;
+void CTrv1DGraphStack::SetGraphs(const std::vector<SGraphDescription>& graphs,
+                                 Outils_Plot2D::CPlot2DSettings& settings) {
+    const CTrv1DGraphPortlet* selected = GetSelected();
+    Portlets portlets;
+    for (const SGraphDescription& graph : graphs) portlets.push_back(TakePortlet(graph, settings));
+    m_portlets = std::move(portlets);
+    Select(selected);
+    Select(m_selected);
+}
+
+// The portlet that shows the graph already, or a new one.
+std::unique_ptr<CTrv1DGraphPortlet> CTrv1DGraphStack::TakePortlet(const SGraphDescription& graph,
+                                                                  Outils_Plot2D::CPlot2DSettings& settings) {
+    for (auto& portlet : m_portlets) {
+        if (!portlet || portlet->GetGraph() != graph.graph) continue;
+        if (!graph.graph && portlet->GetTitle() != graph.title) continue;
+        // An address may come again with another graph.
+        const bool isChronogram = !dynamic_cast<CTrv1DGraphMeasurePortlet*>(portlet.get());
+        if (isChronogram != graph.IsChronogram()) continue;
+        portlet->Update(graph);
+        return std::move(portlet);
+    }
+    std::unique_ptr<CTrv1DGraphPortlet> portlet;
+    if (graph.IsChronogram())
+        portlet = std::make_unique<CTrv1DGraphEnumPortlet>(settings, m_timeText, graph);
+    else
+        portlet = std::make_unique<CTrv1DGraphMeasurePortlet>(settings, m_timeText, graph);
+    portlet->GetPlot().SetLegendVisible(m_legendsVisible);
+    if (HasPeriod()) portlet->SetDisplay(m_period.start, m_period.end);
+    return portlet;
 }
 
 void CTrv1DGraphStack::Clear() {
     m_portlets.clear();
+    m_period = m_fullExtent = SPeriod();
+    m_selected = 0;
     m_height = 0;
 }
 
@@ -59,8 +81,8 @@ void CTrv1DGraphStack::Select(const CTrv1DGraphPortlet* portlet) {
         if (m_portlets[i].get() == portlet) m_selected = static_cast<int>(i);
 }
 
-void CTrv1DGraphStack::SetPeriod(const SPeriod& period) {
-    if (period.IsEmpty() || !(period.end - period.start).IsValid()) return;
+bool CTrv1DGraphStack::SetPeriod(const SPeriod& period) {
+    if (period.IsEmpty() || !(period.end - period.start).IsValid()) return false;
     const bool first = !HasPeriod();
     m_period = period;
     if (!m_portlets.empty()) {
@@ -71,40 +93,7 @@ void CTrv1DGraphStack::SetPeriod(const SPeriod& period) {
     for (const auto& portlet : m_portlets) portlet->SetDisplay(period.start, period.end);
     // What came before there was a time to show it at has points from now on.
     if (first) LevelMargins();
-}
-
-void CTrv1DGraphStack::ForgetPeriod() { m_period = m_fullExtent = SPeriod(); }
-
-bool CTrv1DGraphStack::Apply(double start, double end) {
-    if (!(std::abs(start) < kGreatestTime) || !(std::abs(end) < kGreatestTime)) return false;
-    const SPeriod period = {CDateTimeSpan(static_cast<std::int64_t>(start)),
-                            CDateTimeSpan(static_cast<std::int64_t>(end))};
-    if (period.IsEmpty()) return false;
-    SetPeriod(period);
     return true;
-}
-
-bool CTrv1DGraphStack::ZoomIn(double factor) {
-    if (!HasPeriod()) return false;
-    const CDateTimeSpan displayed = m_period.end - m_period.start;
-    if (displayed.GetTotalSeconds() < 1.0) return false;
-    return ZoomTo(std::max(std::trunc(factor * ToDouble(displayed)), kShortestSpan));
-}
-
-bool CTrv1DGraphStack::ZoomOut(double factor) {
-    return HasPeriod() && ZoomTo(std::trunc(factor * ToDouble(m_period.end - m_period.start)));
-}
-
-bool CTrv1DGraphStack::ZoomTo(double span) {
-    const double centre = std::trunc((ToDouble(m_period.start) + ToDouble(m_period.end)) * 0.5 + 0.5);
-    const double half = std::trunc(span / 2);
-    return Apply(centre - half, centre + half);
-}
-
-bool CTrv1DGraphStack::Scroll(double factor) {
-    if (!HasPeriod()) return false;
-    const double shift = factor * ToDouble(m_period.end - m_period.start);
-    return Apply(std::trunc(ToDouble(m_period.start) + shift), std::trunc(ToDouble(m_period.end) + shift));
 }
 
 bool CTrv1DGraphStack::ViewAll() {
@@ -113,29 +102,7 @@ bool CTrv1DGraphStack::ViewAll() {
             measure->SetRangeAutomatic();
     LevelMargins();
     if (m_fullExtent.IsEmpty() || m_period == m_fullExtent) return false;
-    SetPeriod(m_fullExtent);
-    return true;
-}
-
-bool CTrv1DGraphStack::ZoomToPixels(const CTrv1DGraphPortlet& portlet, float x0, float x1) {
-    if (!HasPeriod()) return false;
-    const SRect area = portlet.GetPlottingRect();
-    const auto toTime = [&](float x) {
-        const float inside = std::clamp(x, area.x, area.Right()) - area.x;
-        return portlet.GetTimeScale().ToTime(portlet.GetTimeScale().FromPixel(inside, area.width));
-    };
-    const SPeriod period = {toTime(std::min(x0, x1)), toTime(std::max(x0, x1))};
-    if (period.IsEmpty() || (period.end - period.start).GetTotalSeconds() < 1.0) return false;
-    SetPeriod(period);
-    return true;
-}
-
-bool CTrv1DGraphStack::Pan(float dx) {
-    const float width = GetPlotWidth();
-    if (!HasPeriod() || !(width > 0) || dx == 0) return false;
-    const double shift = std::trunc(-static_cast<double>(dx) / static_cast<double>(width) *
-                                    ToDouble(m_period.end - m_period.start));
-    return Apply(ToDouble(m_period.start) + shift, ToDouble(m_period.end) + shift);
+    return SetPeriod(m_fullExtent);
 }
 
 namespace {
@@ -190,6 +157,48 @@ void CTrv1DGraphStack::SetDataset(const SChannelKey& channel,
 void CTrv1DGraphStack::SetLegendsVisible(bool visible) {
     m_legendsVisible = visible;
     for (const auto& portlet : m_portlets) portlet->GetPlot().SetLegendVisible(visible);
+}
+
+void CTrv1DGraphStack::Layout(SSize size, ELayout layout) {
+    m_size = size;
+    m_layout = layout;
+    PlacePortlets(size, layout);
+    ShareMargin();
+}
+
+void CTrv1DGraphStack::PlacePortlets(SSize size, ELayout layout) {
+    float y = 0;
+    const float share =
+        std::floor(size.height / static_cast<float>(std::max<std::size_t>(m_portlets.size(), 1)));
+    for (const auto& portlet : m_portlets) {
+        float height = share;
+        if (layout == ELayout::scroll) {
+            const float automatic = std::max(portlet->GetMinimumHeight(), share);
+            const float user = portlet->GetUserHeight();
+            height = user > 0 ? std::max(user, kLeastHeight) + kPortletGap : automatic;
+        }
+        portlet->Layout({0, y, size.width, std::max(1.0f, height - kPortletGap)}, 0);
+        y += height;
+    }
+    m_height = y;
+}
+
+void CTrv1DGraphStack::LevelMargins() {
+    if (!(m_size.width > 0)) return;
+    for (const auto& portlet : m_portlets) portlet->Layout(portlet->GetRect(), 0);
+    ShareMargin();
+}
+
+// The greatest margin that any portlet asks for is given to all, so that their time axes stay aligned.
+void CTrv1DGraphStack::ShareMargin() {
+    float margin = 0;
+    for (const auto& portlet : m_portlets) margin = std::max(margin, portlet->GetWantedMargin());
+    for (const auto& portlet : m_portlets)
+        if (portlet->GetWantedMargin() != margin) portlet->Layout(portlet->GetRect(), margin);
+}
+
+float CTrv1DGraphStack::GetPlotWidth() const {
+    return m_portlets.empty() || !(m_size.width > 0) ? 0 : m_portlets.front()->GetPlottingRect().width;
 }
 
 } // namespace Presentation_Tarvel_Graphics

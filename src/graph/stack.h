@@ -1,13 +1,11 @@
-// The graphs of a project, one above the other on one time axis: what is displayed, the layout, the zooms.
-// Knows no widget and asks for no data. UI thread; alone in its thread otherwise.
+// The graphs of a project, one above the other on one time axis: which there are, what they display, where
+// they lie. Knows no widget and asks for no data. UI thread; without one, one thread at a time.
 #pragma once
 
-#include "graph/portlet.h"
+#include "graph/measure_portlet.h"
+#include "graph/period.h"
 
 #include <memory>
-#include <span>
-
-class QPainter;
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -19,22 +17,8 @@ enum class ELayout {
     fit     // all graphs share the given height
 };
 
-struct SPeriod {
-    CDateTimeSpan start;
-    CDateTimeSpan end;
-
-    bool IsEmpty() const { return !(start < end); }
-    friend bool operator==(const SPeriod&, const SPeriod&) = default;
-};
-
-// How the cursor and the marks on the curves under it look.
-struct SCursorLook {
-    Colour colour = 0xFFFF0000;
-    float width = 1;
-    Colour echoColour = 0xFFFF0000;
-    float echoWidth = 1;
-    float echoSize = 5;
-};
+// The least height of a graph, in pixels, whatever the user drags.
+inline constexpr float kLeastHeight = 60;
 
 class CTrv1DGraphStack {
   public:
@@ -43,12 +27,15 @@ class CTrv1DGraphStack {
     // How times become text; portlets refer to it.
     const SSimulationTimeText& GetTimeText() const { return m_timeText; }
     void SetTimeText(const SSimulationTimeText& timeText);
-    // Takes the units and decimals of the adaptors again.
+    // Portlets take the units and decimals of their adaptors again.
     void Reformat();
 
     const Portlets& GetPortlets() const { return m_portlets; }
-    // Appends; the portlet gets the present period. Layout is the caller's.
-    CTrv1DGraphPortlet& Add(std::unique_ptr<CTrv1DGraphPortlet> portlet);
+    // Shows these graphs in this order. A graph that is shown already keeps its portlet, with height, range,
+    // data and selection; default graphs are known by their title. Layout must follow. `settings` must
+    // outlive the portlets.
+    void SetGraphs(const std::vector<SGraphDescription>& graphs, Outils_Plot2D::CPlot2DSettings& settings);
+    // Also forgets period and selection.
     void Clear();
 
     // The selected portlet, or null without portlets.
@@ -60,26 +47,15 @@ class CTrv1DGraphStack {
     // The displayed time, in simulation time; there is none until it is set.
     bool HasPeriod() const { return !m_period.IsEmpty(); }
     const SPeriod& GetPeriod() const { return m_period; }
-    // An empty period is ignored.
-    void SetPeriod(const SPeriod& period);
+    // False for an empty period, which is ignored.
+    bool SetPeriod(const SPeriod& period);
     // From the first to the last data of all that is shown.
     const SPeriod& GetFullExtent() const { return m_fullExtent; }
     void SetFullExtent(const SPeriod& extent) { m_fullExtent = extent; }
     bool ShowsFullExtent() const { return HasPeriod() && m_period == m_fullExtent; }
-    void ForgetPeriod();
-
-    // Each answers whether the displayed time changed, so that new data is wanted. Zooming in keeps the
-    // centre and ends at one second; scrolling keeps the length and may pass the ends of the data.
-    bool ZoomIn(double factor);
-    bool ZoomOut(double factor);
-    bool Scroll(double factor); // positive to later times
-    // Also lets every vertical range follow the data again.
+    // Shows the full extent and lets every vertical range follow the data again. True when the displayed time
+    // changed.
     bool ViewAll();
-    // The time between two positions of a portlet's plotting area, in pixels of the stack; not below one
-    // second.
-    bool ZoomToPixels(const CTrv1DGraphPortlet& portlet, float x0, float x1);
-    // Drags the picture by this many pixels; positive to the right, that is to earlier times.
-    bool Pan(float dx);
 
     // Act on the selected portlet, if that is a measure portlet; false otherwise.
     bool ZoomVertical(double factor);
@@ -99,21 +75,10 @@ class CTrv1DGraphStack {
     float GetHeight() const { return m_height; }
     // Pixels from the start to the end of the displayed time; 0 before the first layout.
     float GetPlotWidth() const;
-    // The portlet under a point of the stack, or null.
-    CTrv1DGraphPortlet* PortletAt(SPoint point) const;
-    // The portlet whose lower border is less than 3 pixels from y, or null.
-    CTrv1DGraphPortlet* BorderAt(float y) const;
-    // The time at a horizontal position; false without a period or outside the plotting areas.
-    bool TimeAt(float x, CDateTimeSpan& time) const;
-
-    // Draws what lies in `visible` (coordinates of the stack).
-    void Draw(CGraphics& graphics, const SRect& visible, bool markSelected = true);
-    // The cursor at a time across all plotting areas, with the values under it marked if `echo`.
-    void DrawCursor(CGraphics& graphics, CDateTimeSpan time, const SCursorLook& look, bool echo);
 
   private:
-    bool Apply(double start, double end);
-    bool ZoomTo(double span);
+    std::unique_ptr<CTrv1DGraphPortlet> TakePortlet(const SGraphDescription& graph,
+                                                    Outils_Plot2D::CPlot2DSettings& settings);
     void PlacePortlets(SSize size, ELayout layout);
     void LevelMargins();
     void ShareMargin();
@@ -128,9 +93,5 @@ class CTrv1DGraphStack {
     ELayout m_layout = ELayout::scroll;
     float m_height = 0;
 };
-
-// Lays the stack out for `size`, draws all of it from the painter's origin, without a mark of the selection,
-// on a white ground. One unit is one pixel of a screen: scale the painter for paper or a dense picture.
-void DrawStack(CTrv1DGraphStack& stack, QPainter& painter, SSize size);
 
 } // namespace Presentation_Tarvel_Graphics

@@ -26,7 +26,7 @@ std::unique_ptr<CNumericValueAdaptor> Copy(const CNumericValueAdaptor& adaptor) 
 
 void CTrv1DGraphVerticalScale::ChooseStep(double length, double fontHeight) {
     SDisplayUnit unit;
-    if (const auto* physical = dynamic_cast<const CPhysicalValueAdaptor*>(&m_adaptor)) {
+    if (const auto* physical = dynamic_cast<const CPhysicalValueAdaptor*>(m_adaptor)) {
         const auto& shown = physical->GetCurrentUnit();
         unit = {shown.A, shown.B, shown.C};
     }

@@ -16,15 +16,17 @@ using Outils_Valeurs::CNumericValueAdaptor;
 class CTrv1DGraphVerticalScale : public Outils_Plot2D::CPlot2DLinearScale {
   public:
     // `adaptor` must outlive the scale.
-    explicit CTrv1DGraphVerticalScale(const CNumericValueAdaptor& adaptor) : m_adaptor(adaptor) {}
+    explicit CTrv1DGraphVerticalScale(const CNumericValueAdaptor& adaptor) : m_adaptor(&adaptor) {}
 
     // Chooses the step for an axis of `length` pixels with labels `fontHeight` pixels high. A range without
     // width has no ticks.
     void ChooseStep(double length, double fontHeight);
-    const CNumericValueAdaptor& GetAdaptor() const { return m_adaptor; }
+    // `adaptor` must outlive the scale.
+    void SetAdaptor(const CNumericValueAdaptor& adaptor) { m_adaptor = &adaptor; }
+    const CNumericValueAdaptor& GetAdaptor() const { return *m_adaptor; }
 
   private:
-    const CNumericValueAdaptor& m_adaptor; // Not owned.
+    const CNumericValueAdaptor* m_adaptor; // not owned
 };
 
 // The text of a value. Holds an adaptor of its own, which may have more decimals than the settings ask for.
@@ -33,8 +35,8 @@ class CTrv1DGraphNumericAdaptorFormater : public Outils_Plot2D::CPlot2DValueForm
     explicit CTrv1DGraphNumericAdaptorFormater(const CNumericValueAdaptor& adaptor);
 
     std::string Format(double value) const override;
-    // Takes the settings of the adaptor over again, with as many more decimals as it takes to tell the ticks
-    // of the scale apart.
+    // Takes the settings of the adaptor again, with as many more decimals as its ticks need to have different
+    // texts.
     void FitPrecision(const CTrv1DGraphVerticalScale& scale);
 
   private:

@@ -1,5 +1,6 @@
 #include "model/graph_settings.h"
 
+#include "foundation/curve_palette.h"
 #include "foundation/texts.h"
 #include "model/loading.h"
 #include "model/project.h"
@@ -65,6 +66,7 @@ CTrv1DCurve* CTrv1DGraphMeasure::AddCurve(CTrvDataFile* dataFile, std::uint16_t 
     curve->channel = channel;
     curve->field = field;
     curve->label = std::move(label);
+    curve->color = Outils::kCurvePalette[(curves.size() - 1) % Outils::kCurvePalette.size()];
     return curve;
 }
 

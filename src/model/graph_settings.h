@@ -63,7 +63,7 @@ class CTrv1DGraphMeasure : public TRuntimeClass<CTrv1DGraphMeasure, CTrv1DGraph>
 
     std::vector<std::unique_ptr<CTrv1DCurve>> curves;
 
-    // A new curve of this graph with the default colour and factor.
+    // A new curve of this graph with the colour of its place in the palette and the factor 1.
     CTrv1DCurve* AddCurve(CTrvDataFile* dataFile, std::uint16_t channel, std::uint32_t field,
                           std::string label);
     // Deletes it; false if it is not of this graph.

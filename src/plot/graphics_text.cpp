@@ -3,6 +3,7 @@
 #include "plot/clipping.h"
 #include "plot/graphics.h"
 #include "plot/pens.h"
+#include "plot/text.h"
 
 #include <QFontInfo>
 #include <QFontMetricsF>
@@ -43,14 +44,14 @@ SText MakeText(const QFontMetricsF& metrics) {
 SText LayOutLine(std::string_view utf8, const QFont& font) {
     const QFontMetricsF metrics(font);
     SText result = MakeText(metrics);
-    const QString line = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    const QString line = ToQString(utf8);
     result.Add(line, metrics.horizontalAdvance(line));
     return result;
 }
 
 SText LayOutBox(std::string_view utf8, const QFont& font, const SRect& box, StringTrimming trimming) {
     SText result = MakeText(QFontMetricsF(font));
-    QTextLayout layout(QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size())), font);
+    QTextLayout layout(ToQString(utf8), font);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(option);

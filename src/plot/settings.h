@@ -1,17 +1,14 @@
 // What all plots of the process share. The application makes one and hands it to every plot; GUI thread.
 #pragma once
 
+#include "foundation/curve_palette.h"
 #include "plot/graphics.h"
 
-#include <array>
 #include <cstdint>
 
 namespace Outils_Plot2D {
 
-inline constexpr std::array<Colour, 11> kCurvePalette = {
-    0xFF4682B4, 0xFFB22222, 0xFF6B8E23, 0xFF800080, 0xFF4169E1, 0xFFFF8C00,
-    0xFF6495ED, 0xFFCD5C5C, 0xFF2E8B57, 0xFF90EE90, 0xFFBA55D3,
-};
+using Outils::kCurvePalette;
 
 struct CPlot2DSettings {
     // Joins the points of curves by splines instead of straight lines.

@@ -1,4 +1,4 @@
-// Texts and paths of the system in the form in which windows take them.
+// Texts and paths of the system in the form of the window system, and back. Any thread.
 #pragma once
 
 #include "foundation/paths.h"
@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-namespace Application_Tarvel {
+namespace Outils_Plot2D {
 
 inline QString ToQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
@@ -21,7 +21,7 @@ inline QString ToQString(const std::filesystem::path& path) {
 inline std::filesystem::path ToPath(const QString& text) {
     return Outils_Fichiers::FromText(text.toStdString());
 }
-// The numbered text.
+// A numbered text.
 inline QString Text(Outils_Texte::EText id) { return ToQString(Outils_Texte::GetText(id)); }
 
-} // namespace Application_Tarvel
+} // namespace Outils_Plot2D

@@ -1,8 +1,8 @@
 #include "processing/process.h"
 
+#include "foundation/descriptor.h"
 #include "foundation/texts.h"
 #include "processing/command_line.h"
-#include "processing/descriptor.h"
 
 #include <array>
 #include <cerrno>
@@ -25,6 +25,8 @@ extern char** environ;
 namespace Communication_Processus {
 
 namespace {
+
+using Outils_Fichiers::CDescriptor;
 
 constexpr int kFirstFree = 3; // after the standard descriptors
 

@@ -94,12 +94,12 @@ void Cut(const std::string& piece, bool keepLast, Fields& fields) {
 }
 
 // Numbers parted by any of the usual signs. A point or comma is a decimal one in the last number only, and
-// there when it stands alone or is of another kind than those before it; anywhere else it parts numbers too.
+// there when it is the only one or of another kind than those before it; anywhere else it parts numbers too.
 std::optional<Fields> ReadNumbers(std::string_view text, const CLatitudeLongitudeAdaptor& adaptor) {
     const std::string ownPoint = CharacterToText(adaptor.decimalSeparator);
     std::vector<std::string> pieces(1); // digits and points
     std::string marks;                  // the points of the last piece as they were typed
-    bool parted = false;                // a separator stands before what comes next
+    bool parted = false;                // a separator comes before the next number
     while (!text.empty()) {
         const char c = text.front();
         const bool digit = c >= '0' && c <= '9';

@@ -12,7 +12,7 @@ namespace Outils_Valeurs {
 std::string CharacterToText(char16_t character);
 void AppendCharacter(std::string& text, char16_t character);
 
-// `value` with `precision` decimals behind `separator`; precision below zero counts as 6, as in the C
+// `value` with `precision` decimals after `separator`; precision below zero counts as 6, as in the C
 // library.
 std::string FormatDecimal(double value, std::int32_t precision, char16_t separator = u'.');
 // `text` with zeros in front up to `width` characters.

@@ -41,7 +41,7 @@ constexpr SOrder OrderOf(EDateNotation notation) {
 
 std::uint64_t TicksOfDay(const CDateTime& date) { return date.GetTicks() % kTicksPerDay; }
 
-// Signed seconds with `precision` decimals behind a point.
+// Signed seconds with `precision` decimals after a point.
 std::string FormatSeconds(bool negative, std::uint64_t ticks, int precision) {
     ticks = RoundTicks(ticks, precision);
     std::string text;
@@ -115,7 +115,7 @@ std::optional<CDateTime> ReadUnixTime(CTextScanner& scanner) {
     return date.IsValid() ? std::optional(date) : std::nullopt;
 }
 
-// Seconds within a period of time that begins anew at `origin` and every `period` ticks before and after. The
+// Seconds within a period of time that begins again at `origin` and every `period` ticks before and after. The
 // end of the period is taken too: the last instants of it round to that.
 std::optional<CDateTime> ReadWithin(CTextScanner& scanner, const CDateTime& reference, std::int64_t period) {
     const auto ticks = ReadSeconds(scanner);

@@ -27,9 +27,9 @@ class CDateTimeAdaptor : public Outils_Objets::TRuntimeClass<CDateTimeAdaptor, O
     char16_t timeSeparator =
         u' '; // between date and time; belongs to a use, not to the settings: not archived
 
-    // False for a date that is invalid or beyond the calendar: `text` then tells that.
+    // False for a date that is invalid or beyond the calendar: `text` then says so.
     // The calendar notations round to `precision`, and a second that rounds to 60 carries over up to the
-    // year. The notations in seconds write `precision` decimals behind a point; compact drops the fraction.
+    // year. The notations in seconds write `precision` decimals after a point; compact drops the fraction.
     bool ValueToText(const CDateTime& value, std::string& text) const;
     // Reads what ValueToText writes, blanks around it allowed; the fraction may be missing or longer than
     // `precision`, and is kept to 100 ns. Two digits of a compact year mean 1969 to 2068. Seconds of the day

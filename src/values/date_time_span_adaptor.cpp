@@ -29,7 +29,7 @@ std::optional<CDateTimeSpan> ReadSpan(CTextScanner& scanner, const CDateTimeSpan
     if (!first) return std::nullopt;
     std::int64_t days = 0;
     std::array<std::int64_t, 3> time{*first, 0, 0};
-    // Hours follow a blank only if the blank is not what stands between hours and minutes: then three numbers
+    // Hours follow a blank only if the blank is not the sign between hours and minutes: then three numbers
     // remain to be read.
     CTextScanner afterDays = scanner;
     if (afterDays.SkipBlanks()) {

@@ -24,7 +24,7 @@ class CDateTimeSpanAdaptor
     char16_t decimalSeparator = u'.';
     CPhysicalValueAdaptor total; // seconds; its own precision and separator
 
-    // False for an invalid span: `text` then tells that. A negative span is its magnitude behind a "-".
+    // False for an invalid span: `text` then says so. A negative span is a "-" and its magnitude.
     bool ValueToText(CDateTimeSpan value, std::string& text) const;
     // Reads what ValueToText writes in the present notation, with "-" or "+" in front; hours beyond 23 are
     // taken when no days are given. False for any other text, and `value` stays.

@@ -18,7 +18,7 @@ class CLatitudeLongitudeAdaptor
 
     bool isLatitude; // two digits of degrees, N and S; else three digits, E and W
     EAngleNotation notation = EAngleNotation::degreesMinutes;
-    bool useMathematicalSign = false; // "-" in front in place of a hemisphere behind
+    bool useMathematicalSign = false; // "-" in front in place of a hemisphere letter
     bool hideSeparators = true;       // no closing separator, and a blank before the hemisphere
     char16_t degreesSeparator = u'°';
     char16_t minutesSeparator = u'\'';

@@ -1,5 +1,7 @@
 #include "views/output_wnd.h"
 
+#include "plot/text.h"
+
 #include <QContextMenuEvent>
 #include <QMenu>
 #include <QScrollBar>
@@ -26,7 +28,7 @@ CTrvOutputWnd::CTrvOutputWnd(QWidget* parent) : QPlainTextEdit(parent) {
 }
 
 void CTrvOutputWnd::AppendLine(std::string_view text) {
-    QString line = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    QString line = Outils_Plot2D::ToQString(text);
     for (qsizetype end = kLongestLine; end < line.size(); end += kLongestLine + 1) line.insert(end, u'\n');
     QTextCursor caret(document());
     caret.movePosition(QTextCursor::End);

@@ -1,20 +1,26 @@
-// The view of the graphs: paints the stack, turns mouse and keys into its commands. All else is in graph/. UI
-// thread.
+// The view of the graphs: paints the stack and turns mouse and keys into its commands. All else is in graph/.
+// UI thread.
 //
-// Keys: left and right scroll, with Shift they move the cursor (with Ctrl, too, faster); plus and minus zoom,
-// Home shows everything; up and down select a graph, with Ctrl they scroll its values, with Shift, too, they
-// change its height; plus and minus with Ctrl zoom its values; Space selects its next curve, Delete removes
-// that; Page Up and Page Down scroll the stack; Escape ends a gesture; the menu key opens the menu. The wheel
-// scrolls the stack, with Ctrl it zooms, with Shift it scrolls the time.
+// Keys of its own, beside those of the commands: with Shift, left and right move the cursor (with Ctrl, too,
+// faster); up and down select a graph, with Ctrl and Shift they change its height; Space selects its next
+// curve; Page Up and Page Down scroll the stack; Escape ends a gesture; the menu key opens the menu. The
+// wheel scrolls the stack, with Ctrl it zooms the time, with Shift it scrolls the time, both in proportion to
+// its turn.
 #pragma once
 
 #include "graph/loader.h"
+#include "graph/stack_picture.h"
 #include "views/interactor.h"
 
+#include <QKeySequence>
 #include <QPixmap>
 
-#include <functional>
 #include <optional>
+#include <utility>
+#include <vector>
+
+class QAction;
+class QMenu;
 
 namespace Application_Tarvel {
 
@@ -29,43 +35,38 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     Q_OBJECT
 
   public:
-    // All three must outlive the view.
-    CTrvView1D(CTrvDocument& document, const Outils_Valeurs::CTrvAdaptors& adaptors,
-               Outils_Plot2D::CPlot2DSettings& settings, QWidget* parent = nullptr);
+    // All four must outlive the view. `configuration` is the document's own: the view keeps its switches
+    // there.
+    CTrvView1D(CTrvDocument& document, Outils_Configuration::CTrvCnfConfigFile& configuration,
+               const Outils_Valeurs::CTrvAdaptors& adaptors, Outils_Plot2D::CPlot2DSettings& settings,
+               QWidget* parent = nullptr);
     ~CTrvView1D() override;
 
     CTrv1DGraphLoader& GetLoader() { return m_loader; }
     CTrv1DGraphStack& GetStack() { return m_loader.GetStack(); }
     const CTrv1DGraphStack& GetStack() const { return m_loader.GetStack(); }
 
-    // The commands of the frame. Vertical ones act on the selected graph.
-    void ZoomHorizontal() { m_loader.ZoomHorizontal(); }
-    void UnzoomHorizontal() { m_loader.UnzoomHorizontal(); }
-    void ScrollLeft() { m_loader.ScrollLeft(); }
-    void ScrollRight() { m_loader.ScrollRight(); }
-    void ViewAll() { m_loader.ViewAll(); }
-    void ZoomVertical() { m_loader.ZoomVertical(); }
-    void UnzoomVertical() { m_loader.UnzoomVertical(); }
-    void ScrollUp() { m_loader.ScrollUp(); }
-    void ScrollDown() { m_loader.ScrollDown(); }
-    void ToggleLegends();
-    bool AreLegendsVisible() { return GetStack().AreLegendsVisible(); }
+    // Triggers `action` for this key while the view has the focus. `action` must outlive the view.
+    void AddCommandKey(const QKeySequence& key, QAction* action) { m_keys.emplace_back(key, action); }
+    // Must outlive the view; null for none.
+    void SetContextMenu(QMenu* menu) { m_menu = menu; }
+
     void SetMode(EView1DMode mode);
     EView1DMode GetMode() const { return m_mode; }
+    // Legends and the marks at the cursor; kept in the settings.
+    void SetLegendsVisible(bool visible);
+    bool AreLegendsVisible() const { return GetStack().AreLegendsVisible(); }
     void SetEcho(bool on);
-    void ToggleEcho() { SetEcho(!m_echo); }
     bool HasEcho() const { return m_echo; }
-    // A vector image of the whole stack on the clipboard, and a picture for programs that take none.
-    void CopyToClipboard();
-    // Takes the curve that is selected in the legend of the selected graph out of the project; a chronogram
-    // goes as a whole. Curves of default graphs are not in the project and stay.
+    // A curve of a saved graph is selected.
+    bool HasSelectedCurve() const;
+    // Removes that curve from the project; a chronogram goes as a whole. Does nothing without a selected
+    // curve.
     void DeleteSelectedCurve();
-    // After a change of the settings.
+    // Takes the settings again.
     void Reformat();
 
-    // Fields of the dictionary that the user drags here; positions are in pixels of the window. A measure
-    // joins the graph under it if that takes its kind; elsewhere, also on a default graph, a measure or an
-    // enumeration gets a graph of its own.
+    // Fields of the dictionary that the user drags here, by the rules of graph/field_drop.h.
     bool CanDrop(QPointF position, const Outils_Objets::CObject& field) const;
     bool Drop(QPointF position, const Outils_Objets::CObject& field);
 
@@ -74,16 +75,18 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     void SetCursorTime(std::optional<Outils_Temps::CDateTimeSpan> time);
     std::optional<Outils_Temps::CDateTimeSpan> GetCursorTime() const { return m_cursorTime; }
     void DrawCursor(QPainter& painter);
-    // Clamped; scrolls it into sight.
+    // Clamps the index; scrolls the graph into sight.
     void SelectPortlet(int index);
-    // Paints anew what the stack shows / only what lies over it.
+    // Selects a curve of the selected graph, or none for null; no other graph keeps a selected curve.
+    void SelectSerie(Outils_Plot2D::CPlot2DSerie* serie);
+    // Paints again what the stack shows / only what lies over it.
     void Redraw();
     void RedrawOverlay() { viewport()->update(); }
 
   Q_SIGNALS:
-    // The cursor stands at another time, or nowhere (an invalid time).
+    // The cursor is at another time, or nowhere (an invalid time).
     void CursorMoved(Outils_Temps::CDateTimeSpan time);
-    // A switch that the frame shows as a tick has changed: mode, legends, echo.
+    // Mode, legends, echo or the selected curve have changed.
     void StateChanged();
 
   protected:
@@ -91,6 +94,7 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
   private:
     void OnLoaderChanged(bool layout);
@@ -98,9 +102,11 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     void UpdateScrollBar();
     void PaintBacking();
     void ShowSelected();
-    void ShowContextMenu(QPoint position);
 
+    Outils_Configuration::CTrvCnfConfigFile& m_configuration;
     CTrv1DGraphLoader m_loader;
+    std::vector<std::pair<QKeySequence, QAction*>> m_keys; // actions are not owned
+    QMenu* m_menu = nullptr;                               // not owned
     Presentation_Tarvel_Graphics::SCursorLook m_cursorLook;
     EView1DMode m_mode = EView1DMode::select;
     std::optional<Outils_Temps::CDateTimeSpan> m_cursorTime;

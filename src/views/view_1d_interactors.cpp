@@ -25,13 +25,13 @@ const QColor kBandBorder(0x46, 0x82, 0xB4);
 
 void CCursorInteractor::OnMouseMove(QMouseEvent& event) {
     Outils_Temps::CDateTimeSpan time;
-    if (m_view.GetStack().TimeAt(m_view.ToStack(event.position()).x, time)) m_view.SetCursorTime(time);
+    if (TimeAt(m_view.GetStack(), m_view.ToStack(event.position()).x, time)) m_view.SetCursorTime(time);
 }
 
 void CCursorInteractor::Draw(QPainter& painter) { m_view.DrawCursor(painter); }
 
 CTrv1DGraphPortlet* CTrvView1DInteractor::PortletAt(QPointF position) const {
-    return View().GetStack().PortletAt(View().ToStack(position));
+    return Presentation_Tarvel_Graphics::PortletAt(View().GetStack(), View().ToStack(position));
 }
 
 CTrv1DGraphPortlet* CTrvView1DInteractor::GetPortlet(int index) const {
@@ -50,12 +50,13 @@ int CTrvView1DInteractor::IndexOf(const CTrv1DGraphPortlet* portlet) const {
 
 void CTrvView1DInteractor::OnWheel(QWheelEvent& event) {
     const int turn = event.angleDelta().y() != 0 ? event.angleDelta().y() : event.angleDelta().x();
+    const double notches = turn / static_cast<double>(QWheelEvent::DefaultDeltasPerStep);
     const auto keys = event.modifiers() & (Qt::ControlModifier | Qt::ShiftModifier);
     if (turn == 0 || keys == Qt::NoModifier) return; // the view scrolls
     if (keys & Qt::ControlModifier)
-        turn > 0 ? View().ZoomHorizontal() : View().UnzoomHorizontal();
+        View().GetLoader().ZoomTime(notches);
     else
-        turn > 0 ? View().ScrollLeft() : View().ScrollRight();
+        View().GetLoader().ScrollTime(-notches);
     event.accept();
 }
 
@@ -65,35 +66,29 @@ void CTrvView1DInteractor::OnKeyPress(QKeyEvent& event) {
     CTrvView1D& view = View();
     event.accept();
     switch (event.key()) {
-    case Qt::Key_Left: shift ? MoveCursor(control ? -10 : -1) : view.ScrollLeft(); break;
-    case Qt::Key_Right: shift ? MoveCursor(control ? 10 : 1) : view.ScrollRight(); break;
-    case Qt::Key_Plus:
-    case Qt::Key_Equal: control ? view.ZoomVertical() : view.ZoomHorizontal(); break;
-    case Qt::Key_Minus:
-    case Qt::Key_Underscore: control ? view.UnzoomVertical() : view.UnzoomHorizontal(); break;
-    case Qt::Key_Home: view.ViewAll(); break;
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+        if (!shift) return event.ignore();
+        MoveCursor((event.key() == Qt::Key_Left ? -1 : 1) * (control ? 10 : 1));
+        break;
     case Qt::Key_Up:
-        if (control)
-            shift ? ChangeHeight(-kHeightStep) : view.ScrollUp();
+    case Qt::Key_Down: {
+        const int step = event.key() == Qt::Key_Up ? -1 : 1;
+        if (control && shift)
+            ChangeHeight(static_cast<float>(step) * kHeightStep);
         else
-            view.SelectPortlet(view.GetStack().GetSelectedIndex() - 1);
+            view.SelectPortlet(view.GetStack().GetSelectedIndex() + step);
         break;
-    case Qt::Key_Down:
-        if (control)
-            shift ? ChangeHeight(kHeightStep) : view.ScrollDown();
-        else
-            view.SelectPortlet(view.GetStack().GetSelectedIndex() + 1);
-        break;
+    }
     case Qt::Key_PageUp: view.verticalScrollBar()->triggerAction(QAbstractSlider::SliderPageStepSub); break;
     case Qt::Key_PageDown: view.verticalScrollBar()->triggerAction(QAbstractSlider::SliderPageStepAdd); break;
     case Qt::Key_Space: SelectNextCurve(); break;
-    case Qt::Key_Delete: view.DeleteSelectedCurve(); break;
     case Qt::Key_Escape: OnCaptureLost(); break;
     default: event.ignore();
     }
 }
 
-// By pixels of the time axis, from the middle when it stands nowhere in sight.
+// By pixels of the time axis, from the middle when it is out of sight.
 void CTrvView1DInteractor::MoveCursor(int pixels) {
     auto& stack = View().GetStack();
     const float width = stack.GetPlotWidth();
@@ -110,7 +105,7 @@ void CTrvView1DInteractor::MoveCursor(int pixels) {
     View().SetCursorTime(at(std::clamp(moved, 0.0, span)));
 }
 
-// The next curve in the legend of the selected graph; behind the last, none.
+// The next curve in the legend of the selected graph; after the last, none.
 void CTrvView1DInteractor::SelectNextCurve() {
     CTrv1DGraphPortlet* portlet = View().GetStack().GetSelected();
     if (!portlet) return;
@@ -120,8 +115,7 @@ void CTrvView1DInteractor::SelectNextCurve() {
         return serie.get() == plot.GetSelectedSerie();
     });
     const auto next = place == series.end() ? series.begin() : place + 1;
-    plot.SetSelectedSerie(next == series.end() ? nullptr : next->get());
-    View().Redraw();
+    View().SelectSerie(next == series.end() ? nullptr : next->get());
 }
 
 void CTrvView1DInteractor::ChangeHeight(float pixels) {
@@ -135,19 +129,16 @@ void CTrvView1DInteractorSelect::OnMousePress(QMouseEvent& event) {
     if (event.button() != Qt::LeftButton) return;
     auto& stack = View().GetStack();
     const SPoint point = View().ToStack(event.position());
-    if (const auto* border = stack.BorderAt(point.y)) {
+    if (const auto* border = BorderAt(stack, point.y)) {
         m_dragged = IndexOf(border);
         return;
     }
-    CTrv1DGraphPortlet* portlet = stack.PortletAt(point);
+    CTrv1DGraphPortlet* portlet = Presentation_Tarvel_Graphics::PortletAt(stack, point);
     if (!portlet) return;
     View().SelectPortlet(IndexOf(portlet));
     const unsigned hit = portlet->GetPlot().HitTest(point);
     if (hit & CPlot2D::HitLegend) {
-        // One curve is selected in all the graphs.
-        for (const auto& other : stack.GetPortlets()) other->GetPlot().SetSelectedSerie(nullptr);
-        portlet->GetPlot().SetSelectedSerie(portlet->GetPlot().GetLegend().SerieAt(point));
-        View().Redraw();
+        View().SelectSerie(portlet->GetPlot().GetLegend().SerieAt(point));
     } else if ((hit & CPlot2D::HitPlottingArea) && BeginGesture(event, *portlet)) {
         View().viewport()->setCursor(GetShape());
     }
@@ -173,7 +164,7 @@ void CTrvView1DInteractorSelect::OnMouseLeave() { Hover(QPointF(-1e6, -1e6)); }
 void CTrvView1DInteractorSelect::Hover(QPointF position) {
     auto& stack = View().GetStack();
     const SPoint point = View().ToStack(position);
-    Qt::CursorShape shape = stack.BorderAt(point.y) ? Qt::SizeVerCursor : Qt::ArrowCursor;
+    Qt::CursorShape shape = BorderAt(stack, point.y) ? Qt::SizeVerCursor : Qt::ArrowCursor;
     bool changed = false;
     for (const auto& portlet : stack.GetPortlets()) {
         auto& plot = portlet->GetPlot();
@@ -197,7 +188,7 @@ void CTrvView1DInteractorPan::OnMouseMove(QMouseEvent& event) {
     auto& stack = View().GetStack();
     const QPointF step = event.position() - m_gesture->last;
     m_gesture->last = event.position();
-    if (stack.Pan(static_cast<float>(step.x()))) m_gesture->moved = true;
+    if (stack.SetPeriod(DragPeriod(stack, static_cast<float>(step.x())))) m_gesture->moved = true;
     // A hand does not move quite level: the values follow only once it is meant.
     const double away = event.position().y() - m_gesture->start.y();
     CTrv1DGraphPortlet* portlet = GetPortlet(m_gesture->portlet);
@@ -250,7 +241,7 @@ void CTrvView1DInteractorZoom::OnMouseRelease(QMouseEvent& event) {
     const QRectF band = QRectF(gesture->start, gesture->current).normalized();
     if (band.width() <= 0 || band.height() <= 0) return; // a plain click
     const auto left = static_cast<float>(band.left()), right = static_cast<float>(band.right());
-    if (View().GetStack().ZoomToPixels(*portlet, left, right)) View().GetLoader().PeriodChanged();
+    View().GetLoader().ShowPeriod(PeriodBetween(View().GetStack(), left, right));
 }
 
 void CTrvView1DInteractorZoom::OnCaptureLost() {

@@ -1,5 +1,5 @@
 // What the mouse does in the graphs: one object per mode. Portlets are known by their place, because they may
-// be made anew during a gesture. UI thread.
+// go during a gesture. UI thread.
 #pragma once
 
 #include "views/interactor.h"

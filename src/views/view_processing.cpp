@@ -9,6 +9,7 @@
 
 namespace Application_Tarvel {
 
+using Outils_Plot2D::Text;
 using Outils_Texte::EText;
 
 namespace {

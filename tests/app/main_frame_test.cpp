@@ -5,9 +5,13 @@
 #include "session.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QContextMenuEvent>
 #include <QDockWidget>
 #include <QDropEvent>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QProgressBar>
@@ -18,6 +22,7 @@
 #include <set>
 
 using namespace Application_Tarvel;
+using Outils_Plot2D::Text;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -57,6 +62,9 @@ TEST_F(MainFrame, EveryCommandHasAPlaceATextAndKeys) {
         EXPECT_EQ(keys.isEmpty(), *row.shortcut == '\0') << row.id;
         EXPECT_TRUE(keys.isEmpty() || shortcuts.insert(keys).second) << row.id;
         EXPECT_TRUE(!keys.isEmpty() || row.caption || Text(row.text).contains(u'&')) << row.id;
+        for (const QKeySequence& key : QKeySequence::listFromString(row.graphKeys))
+            EXPECT_TRUE(key == action.shortcut() || !shortcuts.contains(key.toString())) << row.id;
+        EXPECT_TRUE(action.toolTip().contains(u'(') || (keys.isEmpty() && !*row.graphKeys)) << row.id;
         EXPECT_EQ(action.icon().isNull(), row.glyph == EGlyph::none) << row.id;
         EXPECT_TRUE(row.bar == EBar::none || row.glyph != EGlyph::none) << row.id;
     }
@@ -97,15 +105,66 @@ TEST_F(MainFrame, WhatTheMenusOfferFollowsTheProject) {
     Action(commandModePan).trigger();
     EXPECT_EQ(m_frame->GetView().GetMode(), EView1DMode::pan);
     EXPECT_TRUE(Action(commandModePan).isChecked() && !Action(commandModeSelect).isChecked());
+    EXPECT_FALSE(Action(commandDeleteCurve).isEnabled()) << "no curve is selected";
     const bool legends = m_frame->GetView().AreLegendsVisible();
     Action(commandLegends).trigger();
     EXPECT_EQ(m_frame->GetView().AreLegendsVisible(), !legends);
     EXPECT_EQ(Action(commandLegends).isChecked(), !legends);
 
+    // The project stays until another one is made.
     Action(commandNew).trigger();
-    EXPECT_FALSE(m_frame->HasProject());
+    EXPECT_TRUE(m_frame->HasProject());
+    m_frame->GetDocument().CloseDocument();
     EXPECT_EQ(m_frame->windowTitle(), "Untitled[*] - VARNE NAV");
     EXPECT_FALSE(Action(commandSave).isEnabled());
+}
+
+// The graphs' keys and their context menu do what the rows of the table say.
+TEST_F(MainFrame, GraphCommandsAreReached) {
+    ASSERT_TRUE(m_frame->OpenProject(MakeProject("p")));
+    CTrvView1D& view = m_frame->GetView();
+    auto& stack = view.GetStack();
+    auto& graph =
+        dynamic_cast<Presentation_Tarvel_Graphics::CTrv1DGraphMeasurePortlet&>(*stack.GetSelected());
+    const auto seconds = [](double value) { return Outils_Temps::CDateTimeSpan::FromSeconds(value); };
+    const struct {
+        int command;
+        const char* key;
+        double start, end, low, high;
+    } rows[] = {{commandZoomHorizontal, "+", 250, 750, 0, 100},
+                {commandScrollRight, "Right", 250, 1250, 0, 100},
+                {commandScrollLeft, "Left", -250, 750, 0, 100},
+                {commandUnzoomHorizontal, "-", -500, 1500, 0, 100},
+                {commandZoomVertical, "Ctrl++", 0, 1000, 25, 75},
+                {commandUnzoomVertical, "Ctrl+-", 0, 1000, -50, 150},
+                {commandScrollUp, "", 0, 1000, 25, 125},
+                {commandScrollDown, "", 0, 1000, -25, 75}};
+    for (const auto& row : rows)
+        for (const bool byKey : {false, true}) {
+            view.GetLoader().ShowPeriod({seconds(0), seconds(1000)});
+            graph.SetRange(0, 100);
+            if (!byKey)
+                Action(row.command).trigger();
+            else if (const QKeySequence key(row.key); !key.isEmpty()) {
+                QKeyEvent event(QEvent::KeyPress, key[0].key(), key[0].keyboardModifiers());
+                QCoreApplication::sendEvent(&view, &event);
+            } else
+                continue;
+            EXPECT_EQ(stack.GetPeriod().start, seconds(row.start)) << row.command;
+            EXPECT_EQ(stack.GetPeriod().end, seconds(row.end)) << row.command;
+            EXPECT_EQ(graph.GetMinimum(), row.low) << row.command;
+            EXPECT_EQ(graph.GetMaximum(), row.high) << row.command;
+        }
+
+    QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+    QCoreApplication::sendEvent(view.viewport(), &event);
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    ASSERT_TRUE(menu);
+    std::multiset<QAction*> offered;
+    Collect(menu->actions(), offered);
+    for (const SCommandRow& row : GetCommands())
+        EXPECT_EQ(offered.count(&Action(row.id)), row.graphMenu == EContext::none ? 0u : 1u) << row.id;
+    menu->close();
 }
 
 TEST_F(MainFrame, RecentProjectsAreOffered) {
@@ -241,6 +300,10 @@ TEST_F(MainFrame, HelpIsOfferedAsFarAsThereIsAny) {
     EXPECT_TRUE(m_dialogs.m_links[0].isLocalFile() && m_dialogs.m_links[1].scheme() == "mailto");
     EXPECT_TRUE(m_dialogs.m_links[1].toEncoded().toLower().contains("version:%202.4.0%0d%0abuild%20number:"));
     EXPECT_EQ(m_dialogs.m_abouts, 1);
+    // No menu looks at the disk: what has gone meanwhile is said when it is asked for.
+    std::filesystem::remove(m_folder / "VARNE NAV 2.4 User Guide.pdf");
+    m_frame->UpdateFrame();
+    EXPECT_TRUE(Action(commandUserGuide).isEnabled());
     m_dialogs.m_linkOpens = false;
     Action(commandUserGuide).trigger();
     Action(commandContactSupport).trigger();

@@ -34,9 +34,10 @@ class CScriptedDialogs final : public IDialogs {
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr); // no question under a wait cursor
         return Take(m_answers, EAnswer::ok);
     }
-    using Path = std::optional<std::filesystem::path>;
-    Path AskOpenPath(QWidget*, const std::filesystem::path&) override { return Take(m_paths, {}); }
-    Path AskSavePath(QWidget*, const std::filesystem::path&) override { return Take(m_paths, {}); }
+    std::vector<std::filesystem::path> AskPath(QWidget*, const SPathQuestion&) override {
+        const auto path = Take(m_paths, {});
+        return path ? std::vector{*path} : std::vector<std::filesystem::path>();
+    }
     void ShowAbout(QWidget*, const CVersionInfo&) override { ++m_abouts; }
     bool OpenLink(const QUrl& link) override {
         m_links.push_back(link);
@@ -91,7 +92,7 @@ class Session : public testing::Test {
         auto project = CreateProject({m_folder / (name + ".tarin"), path}, message);
         EXPECT_TRUE(project) << message;
         Outils::CMessageQueue queue;
-        CTrvDocument document(*m_frame, queue, m_application.GetConfiguration()); // beside the frame's
+        CTrvDocument document(m_frame->GetHost(), queue, m_application.GetConfiguration()); // beside the frame's
         EXPECT_TRUE(document.NewFromProject(std::move(project), path));
         return path;
     }

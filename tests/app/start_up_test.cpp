@@ -1,12 +1,17 @@
 #include "app/start_up.h"
 
+#include "app/program.h"
 #include "app/snapshot.h"
+#include "app/splash.h"
 #include "foundation/texts.h"
 #include "session.h"
 
 #include <QImage>
+#include <QMessageBox>
+#include <QPointer>
 
 #include <fstream>
+#include <optional>
 
 using namespace Application_Tarvel;
 using testing::ElementsAre;
@@ -71,14 +76,61 @@ TEST(Settings, AreReadAtTheStartAndWrittenAtTheEndOnly) {
     EXPECT_FALSE(nowhere.ExitInstance());
 }
 
-// The labels stand in a table beside that of the identifiers.
-TEST(Settings, EveryChannelHasItsLabel) {
-    std::string label = "unchanged";
-    EXPECT_FALSE(GetChannelLabel("GPS_4", label));
-    EXPECT_EQ(label, "unchanged");
-    for (const auto& [identifier, text] :
-         {std::pair("IMU", "Imu data"), {"GPS_3", "Gps #3"}, {"ODOMETER", "Odometer"}})
-        EXPECT_TRUE(GetChannelLabel(identifier, label) && label == text) << label;
+// The program's folder cannot be written when there is a folder in the file's place.
+TEST(Settings, FallBackToTheUsersFolder) {
+    const test::CTemporaryFolder folder;
+    const auto program = folder / "P", user = folder / "user";
+    const auto startMode = [&](std::optional<EStartMode> mode) {
+        CTrvApp application(program, user);
+        application.InitInstance();
+        if (!mode) return application.GetConfiguration().Get(test::Cnf<"general/startMode">);
+        application.GetConfiguration().Set(test::Cnf<"general/startMode">, *mode);
+        EXPECT_TRUE(application.ExitInstance());
+        return *mode;
+    };
+    const auto inProgram = folder / "P.conf.xml", inUser = user / "P.conf.xml";
+    std::filesystem::create_directory(inProgram);
+    startMode(EStartMode::newEmpty);
+    EXPECT_TRUE(std::filesystem::is_regular_file(inUser));
+    EXPECT_EQ(startMode(std::nullopt), EStartMode::newEmpty);
+    std::filesystem::remove(inProgram);
+    EXPECT_EQ(startMode(std::nullopt), EStartMode::newEmpty) << "the user's own are read first";
+    startMode(EStartMode::openLast);
+    EXPECT_TRUE(std::filesystem::is_regular_file(inProgram));
+    EXPECT_FALSE(std::filesystem::exists(inUser)) << "it would hide the newer ones";
+    EXPECT_EQ(startMode(std::nullopt), EStartMode::openLast);
+
+    std::filesystem::remove(inProgram);
+    std::filesystem::create_directory(inProgram);
+    std::filesystem::create_directory(inUser);
+    EXPECT_FALSE(CTrvApp(program, user).ExitInstance());
+}
+
+TEST_F(StartUp, SplashCoversNoWindowAndNoQuestion) {
+    QPointer<CSplashWnd> splash = new CSplashWnd;
+    splash->show();
+    QMessageBox box;
+    box.setModal(true);
+    box.show();
+    EXPECT_FALSE(splash->isVisible());
+    box.close();
+    splash->show();
+    Start(*m_frame, {}, [&] {
+        EXPECT_TRUE(splash->isVisible());
+        splash->CloseFor(*m_frame);
+        EXPECT_FALSE(splash->isVisible());
+    });
+    EXPECT_TRUE(PumpUntil([&] { return !splash; })) << "it ends by itself";
+}
+
+TEST(Program, NamesTheOtherProgramWithoutADisplay) {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) qunsetenv(name);
+    char program[] = "VarneNav";
+    char* words[] = {program, nullptr};
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(RunProgram(1, words), 2);
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("varnenav-batch"));
+    qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
 TEST(Version, TheSupportLinkCarriesIt) {

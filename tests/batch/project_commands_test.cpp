@@ -46,19 +46,19 @@ class ProjectCommands : public test::Batch {
 TEST_F(ProjectCommands, AddsSensorsOnTheirOwnChannels) {
     Succeed("describe /m.tarprj");
     std::vector<std::string> sensors;
-    std::string title;
     for (const std::string& line : Lines()) {
-        if (line.starts_with("  Input file")) break;
-        if (line.find(':') == line.npos) title = line;
-        if (line.starts_with("    Channel: ")) sensors.push_back(title.substr(2) + line.substr(12));
+        const auto cells = Cells(line);
+        if (cells.at(1) == "Channel")
+            sensors.push_back(cells[0].substr(cells[0].rfind('>') + 2) + ' ' + cells[2]);
     }
-    EXPECT_THAT(sensors, ElementsAre("Gps GPS_1", "Gps GPS_2", "Gps GPS_3", "Dvl DVL_BT", "EM Log EM_LOG_1",
-                                     "Depth DEPTH", "Usbl USBL_1", "Usbl USBL_2", "Lbl LBL",
-                                     "Odometer ODOMETER", "Event marker SYNCHRO_1", "Event marker SYNCHRO_2",
-                                     "Gyro stabilized mount PLATFORM_ORIENT"));
+    EXPECT_THAT(sensors,
+                ElementsAre("Gps[0] GPS_1", "Gps[1] GPS_2", "Gps[2] GPS_3", "Dvl[3] DVL_BT",
+                            "EM Log[4] EM_LOG_1", "Depth[5] DEPTH", "Usbl[6] USBL_1", "Usbl[7] USBL_2",
+                            "Lbl[8] LBL", "Odometer[9] ODOMETER", "Event marker[10] SYNCHRO_1",
+                            "Event marker[11] SYNCHRO_2", "Platform Orientation[12] PLATFORM_ORIENT"));
     Succeed("create /m.tarin /few --add USBL,gps,usbl");
     Succeed("describe /few.tarprj");
-    EXPECT_THAT(m_out, AllOf(HasSubstr("  Usbl\n"), HasSubstr("  Gps\n"), Not(HasSubstr("  Dvl\n"))));
+    EXPECT_THAT(m_out, AllOf(HasSubstr("Usbl[0];"), HasSubstr("Gps["), Not(HasSubstr("Dvl["))));
 }
 
 TEST_F(ProjectCommands, DescribesAndCopies) {
@@ -85,19 +85,15 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
     });
     Succeed("describe /m.tarprj");
     const std::string described = m_out;
-    for (const char* line :
-         {"  Algorithm: Standard\n", "    Channel: GPS_2\n",
-          "    Lever arm: XV1 1.000 m, XV2 -2.000 m, XV3 3.000 m\n",
-          "  UTC reference: 14/05/2024 08:00:00.000\n", "    Event Id: \n", "    Value: 12.500 Hz\n",
-          "    Mode: Autostatic\n", "    Mode: Hydro\n", "    Time offset: -00:00:01.500\n",
-          "        Mode: Automatic reacquisition\n", "      Threshold: 7.50 m\n",
-          "      Longitude: 3.25 m\n      Crossvariance: 4.25 m²\n      Altitude: 5.250 m\n",
-          "      X: 2.25 m/s\n      Y: 3.25 m/s\n      Z: 4.25 m/s\n", "      Value X: 2.25 m/s\n",
-          "    Channel: 16 SYNCHRO_2 Event marker\n",
-          "  Graph\n    Title: Depths\n    Curve\n      Label: Immersion\n",
-          "      Channel: DEPTH\n      Field: 3\n      Color: #FF000000\n      Factor: -2.000\n",
-          "    Data file: none\n    Channel: 77\n", "    Second field: 9\n"})
-        EXPECT_THAT(described, HasSubstr(line));
+    std::istringstream ends(
+        ";Algorithm;Standard\n;Channel;GPS_2\n;Lever arm;XV1 1.000 m, XV2 -2.000 m, XV3 3.000 m\n"
+        ";UTC reference;14/05/2024 08:00:00.000\n;Event Id;\n;Value;12.500 Hz\n;Mode;Autostatic\n"
+        ";Mode;Hydro\n;Time offset;-00:00:01.500\n;Mode;Automatic reacquisition\n;Threshold;7.50 m\n"
+        ";Longitude;3.25 m\n;Crossvariance;4.25 m²\n;Altitude;5.250 m\n;X;2.25 m/s\n;Y;3.25 m/s\n"
+        ";Z;4.25 m/s\n;Value X;2.25 m/s\n];16 SYNCHRO_2 Event marker\n;Title;Depths\n"
+        ";Label;Immersion\n;Channel;DEPTH\n;Field;3\n;Color;#FF000000\n;Factor;-2.000\n"
+        ";Data file;none\n;Channel;77\n;Second field;9\n");
+    for (std::string end; std::getline(ends, end);) EXPECT_THAT(described, HasSubstr(end + '\n'));
     EXPECT_THAT(described, Not(HasSubstr("?")));
     Succeed("copy /m.tarprj /copy.tarprj");
     EXPECT_EQ(Run("copy /m.tarprj /copy.tarprj"), 1);
@@ -111,7 +107,7 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
 
 TEST_F(ProjectCommands, ChecksAndTurnsIntoABatchFileAndBack) {
     Succeed("check /m.tarprj");
-    EXPECT_THAT(Lines(), ElementsAre("broken rule"));
+    EXPECT_THAT(Lines(), ElementsAre("object;property;broken rule"));
     Succeed("parameters /m.tarprj /c.xml");
     EXPECT_THAT(TextOf("c.xml"), HasSubstr("<morvexParameters>"));
     Succeed("create-from-parameters /c.xml /back.tarprj");
@@ -126,8 +122,8 @@ TEST_F(ProjectCommands, ChecksAndTurnsIntoABatchFileAndBack) {
         0)
         << m_error;
     Succeed("describe /other.tarprj");
-    EXPECT_THAT(m_out, HasSubstr("Path: " + Path("other.tarin")));
-    EXPECT_THAT(m_out, HasSubstr("Path: " + Path("o.tarout")));
+    EXPECT_THAT(m_out, HasSubstr(";Path;" + Path("other.tarin")));
+    EXPECT_THAT(m_out, HasSubstr(";Path;" + Path("o.tarout")));
     EXPECT_EQ(Run("create-from-parameters /c.xml /x.tarprj --file nobody=x"), 2);
     EXPECT_EQ(Run("create-from-parameters /m.tarin /x.tarprj"), 1);
 }
@@ -139,9 +135,10 @@ TEST_F(ProjectCommands, BrokenRulesKeepAProjectFromWork) {
     });
     EXPECT_EQ(Run("check /m.tarprj"), 1);
     EXPECT_THAT(Lines(), UnorderedElementsAre(
-                             "broken rule", "ZUPT end time should be strictly greater than begin time",
-                             "Output rate end time should be strictly greater than begin time",
-                             "Output rate value should be strictly positive"));
+                             "object;property;broken rule",
+                             "ZUPT;To;ZUPT end time should be strictly greater than begin time",
+                             "Output rate;To;Output rate end time should be strictly greater than begin time",
+                             "Output rate;Value;Output rate value should be strictly positive"));
     EXPECT_EQ(Run("parameters /m.tarprj /broken.xml"), 1);
     EXPECT_THAT(m_error, HasSubstr("ZUPT end time"));
     EXPECT_FALSE(std::filesystem::exists(Path("broken.xml")));
@@ -173,7 +170,7 @@ TEST_F(ProjectCommands, ImportsTheConfigurationOfTheIns) {
         << "[System]\nPosition=43.5,7.25,12\nbias=1,2,3\nAxisor=4\n[Info]\nType=11\n";
     Succeed("create /m.tarin /i.tarprj --ins-configuration /ins.txt");
     Succeed("describe /i.tarprj");
-    EXPECT_THAT(m_out, HasSubstr("Rough misalignment: 4\n"));
+    EXPECT_THAT(m_out, HasSubstr(";Rough misalignment;4\n"));
     // Sensors that the configuration brought keep their channels for themselves.
     std::ofstream(Path("ins.txt"), std::ios::app) << "[Gps]\nPort=1\n";
     Succeed("create /m.tarin /g.tarprj --add gps --ins-configuration /ins.txt");

@@ -51,6 +51,13 @@ TEST(Schema, DefaultsReadAsTheirTextsSay) {
         const SSchemaRow& row = kSchema[i];
         SCOPED_TRACE(std::string(row.section) + "/" + std::string(row.key));
         EXPECT_TRUE(paths.insert(std::string(row.section) + "/" + std::string(row.key)).second);
+        EXPECT_FALSE(Outils_Texte::GetText(row.help).empty());
+        const bool isNumber = row.kind == EKind::integer || row.kind == EKind::real;
+        EXPECT_EQ(row.range.IsSet(), isNumber);
+        if (isNumber) {
+            const double number = std::stod(std::string(row.defaultText));
+            EXPECT_EQ(row.range.Clamp(number), number);
+        }
         // A default that parses reads the same through a present text that does not.
         CXmlConfigValue& value = settings.GetValue(SKey{i});
         const std::string text(row.defaultText);
@@ -116,13 +123,24 @@ TEST_F(Settings, TypedKeysKeepTheirValuesThroughAFile) {
     expectKept(Cnf<"general/expertMode">, true);
     expectKept(Cnf<"simpleExporter/general/targetFolder">,
                "d\xC3\xA9p\xC3\xB4t/\xCE\xB1<&>\"/\xF0\x9F\x9B\xB0");
-    expectKept(Cnf<"simpleImporter/postproNelix/skip">, -7);
+    expectKept(Cnf<"simpleImporter/postproNelix/skip">, 7);
     EXPECT_NE(expectKept(Cnf<"view1D/echo/size">, 2.5).find("<size>2.500000</size>"), std::string::npos);
     EXPECT_NE(expectKept(Cnf<"view1D/cursor/color">, SColor{0x80FFAB01}).find("<color>80ffab01</color>"),
               std::string::npos);
     expectKept(Cnf<"adaptors/dateTime/dateSeparator">, u' ');
     expectKept(Cnf<"adaptors/decimalSeparator">, u'\u00B7');
     expectKept(Cnf<"adaptors/distance/unit">, "nm");
+}
+
+TEST_F(Settings, NumbersOutsideTheirRangeAreClamped) {
+    constexpr auto transparency = Cnf<"view1D/extremumTransparency">;
+    for (const auto& [text, number] : {std::pair("256", 255), {"-1", 0}, {"99999999999", 255}, {"17", 17}}) {
+        settings.GetValue(transparency).SetString(text);
+        EXPECT_EQ(settings.Get(transparency), number) << text;
+        EXPECT_EQ(settings.GetValue(transparency).GetString(), text);
+    }
+    settings.Set(Cnf<"printing/margins/left">, 1e300);
+    EXPECT_EQ(settings.Get(Cnf<"printing/margins/left">), 20.0);
 }
 
 TEST_F(Settings, TextsAreReadByTheRulesOfTheirTypes) {

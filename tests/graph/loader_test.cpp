@@ -149,11 +149,11 @@ TEST_F(LoaderTest, DefaultStackShowsTheResultBesideTheRecording) {
 TEST_F(LoaderTest, LastOfManyPeriodsWinsAndTheOldDataStaysMeanwhile) {
     OpenAndLoad();
     const auto old = Source(0, kRecording).GetDataset();
-    m_loader->ZoomHorizontal();
-    m_loader->ZoomHorizontal();
-    m_loader->ScrollRight();
-    m_loader->ScrollLeft();
-    m_loader->ScrollLeft();
+    m_loader->ZoomTime(1);
+    m_loader->ZoomTime(1);
+    m_loader->ScrollTime(1);
+    m_loader->ScrollTime(-1);
+    m_loader->ScrollTime(-1);
     EXPECT_EQ(Shown(), Period(93.75, 168.75));
     EXPECT_EQ(Source(0, kRecording).GetDataset(), old);
     EXPECT_GT(Source(0, kRecording).GetCount(), 0u);
@@ -174,13 +174,14 @@ TEST_F(LoaderTest, LastOfManyPeriodsWinsAndTheOldDataStaysMeanwhile) {
 TEST_F(LoaderTest, GrowingResultIsFollowed) {
     OpenAndLoad();
     Tell(hintRunStarted);
+    EXPECT_EQ(Source(0, kResult).GetCount(), 0u) << "the former result is not the run's";
     Compute(121, 400);
     for (int i = 0; i < 5; ++i) Tell(hintDataFileContentChanged, &Result());
     Load();
     EXPECT_EQ(Shown(), Period(0, 400)) << "a view of everything stays one";
     EXPECT_NEAR(LastTime(kResult), 400, 1e-6);
 
-    m_loader->ZoomHorizontal();
+    m_loader->ZoomTime(1);
     Load();
     Compute(401, 500);
     Tell(hintChannelFound, &Result());
@@ -230,7 +231,7 @@ TEST_F(LoaderTest, CurvesOfABrokenFileStayUntilARun) {
         [&] { std::filesystem::remove(file); }, [&] { std::filesystem::create_directory(file); },
         [&] { std::filesystem::remove(file), std::ofstream(file) << "no longer a result"; }};
     const auto expectTheCurve = [&] {
-        m_loader->ZoomHorizontal();
+        m_loader->ZoomTime(1);
         m_loader->ViewAll();
         Load();
         EXPECT_EQ(CurveCount(), 2u);
@@ -270,6 +271,9 @@ TEST_F(LoaderTest, ResultThatAppearsLaterJoinsTheGraphs) {
     ASSERT_TRUE(
         RunUntil([&] { return Source(0, kRecording).GetDataset() != first && !m_loader->IsLoading(); }));
     const auto recorded = Source(0, kRecording).GetDataset();
+    Tell(hintChannelFound, &Recording());
+    Load();
+    EXPECT_EQ(Source(0, kRecording).GetDataset(), recorded) << "it has not grown";
     std::filesystem::rename(m_folder / "kept", m_folder / "dive.tarout");
     ASSERT_TRUE(
         RunUntil([this] { return CurveCount() == 2 && !m_loader->IsLoading() && LastTime(kResult) > 0; }));
@@ -299,20 +303,42 @@ TEST_F(LoaderTest, SavedGraphsReplaceTheDefaultOnes) {
     EXPECT_EQ(y, -43);
     EXPECT_EQ(Source(1, 0).GetCount(), 4u);
 
-    // What the user set on a graph outlives the next change of the project.
+    // What the user set on a graph outlives every change of the project, and the data at hand is shown at
+    // once.
     portlet.SetUserHeight(333);
     dynamic_cast<CTrv1DGraphMeasurePortlet&>(portlet).SetRange(-50, -40);
-    mirrored->RemoveCurve(mirrored->curves[1].get());
-    m_document->UpdateAllViews(nullptr, hintCurveRemoved, mirrored);
-    const auto& again = dynamic_cast<CTrv1DGraphMeasurePortlet&>(*Stack().GetPortlets()[0]);
-    EXPECT_EQ(again.GetUserHeight(), 333);
-    EXPECT_EQ(again.GetMinimum(), -50);
-    EXPECT_TRUE(again.HasPoints()) << "the data at hand is shown at once";
+    portlet.GetPlot().SetSelectedSerie(series[0].get());
+    Stack().Select(1);
+    const auto period = Stack().GetPeriod();
+    const auto* dropped = mirrored->curves[1].get();
+    const struct {
+        EHint hint;
+        std::function<const Outils_Objets::CObject*()> edit;
+        std::size_t curves;
+    } edits[] = {
+        {hintCurveRemoved, [&] { return mirrored->RemoveCurve(dropped) ? mirrored : nullptr; }, 1},
+        {hintCurveAdded, [&] { return mirrored->AddCurve(&Recording(), curve->channel, 5, "east"); }, 2},
+        {hintCurveChanged, [&] { return curve->color = 0xFF000000, curve; }, 2},
+        {hintGraphAdded, [&] { return graphs.AddMeasureGraph("empty"); }, 2},
+        {hintGraphRemoved, [&] { return graphs.RemoveGraph(graphs.graphs[2].get()), nullptr; }, 2},
+    };
+    for (const auto& [hint, edit, curves] : edits) {
+        m_document->UpdateAllViews(nullptr, hint, edit());
+        ASSERT_EQ(Stack().GetPortlets()[0].get(), &portlet) << hint;
+        EXPECT_EQ(series.size(), curves) << hint;
+        EXPECT_EQ(portlet.GetPlot().GetSelectedSerie(), series[0].get()) << hint;
+        EXPECT_EQ(Stack().GetSelectedIndex(), 1) << hint;
+        EXPECT_EQ(Stack().GetPeriod(), period) << hint;
+        EXPECT_EQ(portlet.GetUserHeight(), 333) << hint;
+        EXPECT_EQ(dynamic_cast<CTrv1DGraphMeasurePortlet&>(portlet).GetMinimum(), -50) << hint;
+        for (const auto& serie : series) EXPECT_GT(serie->GetDataSource()->GetCount(), 0u) << hint;
+    }
+    EXPECT_EQ(series[0]->GetColor(), 0xFF000000u);
 }
 
 TEST_F(LoaderTest, AnswersFindNobodyAfterTheEnd) {
     Open();
-    m_loader->ZoomHorizontal();
+    m_loader->ZoomTime(1);
     m_loader.reset();
     m_document->DeleteContents();
     Tell(hintRefresh);

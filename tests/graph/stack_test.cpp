@@ -1,5 +1,6 @@
+#include "graph/enum_portlet.h"
 #include "graph/fabricated.h"
-#include "graph/stack.h"
+#include "graph/stack_picture.h"
 
 #include <QImage>
 #include <QPainter>
@@ -19,22 +20,22 @@ const SChannelKey kNavigation = {reinterpret_cast<const Metier_Tarvel::CTrvDataF
 class StackTest : public testing::Test {
   protected:
     StackTest() {
-        for (const std::uint32_t field : {kLatitude, kAltitude}) {
-            auto portlet = std::make_unique<CTrv1DGraphMeasurePortlet>(
-                m_settings, m_stack.GetTimeText(), nullptr, "measure",
-                field == kAltitude ? m_adaptors.GetForNature(13) : m_adaptors.GetNumeric());
-            portlet->AddCurve({"a curve", kNavigation, field, 1.0, 0xFF4682B4, nullptr});
-            m_stack.Add(std::move(portlet));
-        }
+        const auto curve = [](std::uint32_t field) {
+            return SCurveDescription{"a curve", kNavigation, field, 1.0, 0xFF4682B4, nullptr};
+        };
         const SCurveDescription states{"states", {kNavigation.file, 2}, 0, 1.0, 0xFF808080, nullptr};
-        m_stack.Add(std::make_unique<CTrv1DGraphEnumPortlet>(m_settings, m_stack.GetTimeText(), nullptr,
-                                                             "states", states,
-                                                             std::vector<std::string>{"valid", "rejected"}));
-        m_stack.Layout({800, 300}, ELayout::scroll);
+        m_graphs = {{nullptr, "latitude", &m_adaptors.GetNumeric(), {curve(kLatitude)}, {}},
+                    {nullptr, "altitude", &m_adaptors.GetForNature(13), {curve(kAltitude)}, {}},
+                    {nullptr, "states", nullptr, {states}, {"valid", "rejected"}}};
+        Update();
     }
 
     CTrv1DGraphMeasurePortlet& Measure(std::size_t index) {
         return dynamic_cast<CTrv1DGraphMeasurePortlet&>(*m_stack.GetPortlets()[index]);
+    }
+    void Update() {
+        m_stack.SetGraphs(m_graphs, m_settings);
+        m_stack.Layout({800, 300}, ELayout::scroll);
     }
     void Show(std::int64_t start, std::int64_t end) {
         m_stack.SetPeriod({CDateTimeSpan(start), CDateTimeSpan(end)});
@@ -45,6 +46,7 @@ class StackTest : public testing::Test {
 
     Outils_Valeurs::CTrvAdaptors m_adaptors;
     Outils_Plot2D::CPlot2DSettings m_settings;
+    std::vector<SGraphDescription> m_graphs;
     CTrv1DGraphStack m_stack;
 };
 
@@ -52,23 +54,27 @@ using Ticks = std::pair<std::int64_t, std::int64_t>;
 constexpr std::int64_t kSecond = kTicksPerSecond;
 
 TEST_F(StackTest, NothingMovesWithoutAPeriod) {
-    EXPECT_FALSE(m_stack.ZoomIn(0.5) || m_stack.ZoomOut(2) || m_stack.Scroll(0.25) || m_stack.ViewAll());
-    EXPECT_FALSE(m_stack.Pan(10));
+    EXPECT_TRUE(ZoomIn({}, 0.5).IsEmpty() && ZoomOut({}, 2).IsEmpty() && Scroll({}, 0.25).IsEmpty());
+    EXPECT_TRUE(DragPeriod(m_stack, 10).IsEmpty());
+    EXPECT_FALSE(m_stack.ViewAll());
     Show(5, 5);
     Show(9, 3);
     EXPECT_FALSE(m_stack.HasPeriod());
 }
 
-TEST_F(StackTest, HorizontalArithmetic) {
+TEST(GraphPeriod, MovesInWholeTicks) {
     struct SCase {
         Ticks before;
-        bool (*act)(CTrv1DGraphStack&);
+        SPeriod (*act)(const SPeriod&);
         Ticks after;
     };
-    const auto in = [](CTrv1DGraphStack& stack) { return stack.ZoomIn(0.5); };
-    const auto out = [](CTrv1DGraphStack& stack) { return stack.ZoomOut(2); };
-    const auto left = [](CTrv1DGraphStack& stack) { return stack.Scroll(-0.25); };
-    const auto right = [](CTrv1DGraphStack& stack) { return stack.Scroll(0.25); };
+    const auto in = [](const SPeriod& period) { return ZoomIn(period, 0.5); };
+    const auto out = [](const SPeriod& period) { return ZoomOut(period, 2); };
+    const auto left = [](const SPeriod& period) { return Scroll(period, -0.25); };
+    const auto right = [](const SPeriod& period) { return Scroll(period, 0.25); };
+    const auto make = [](Ticks ticks) {
+        return SPeriod{CDateTimeSpan(ticks.first), CDateTimeSpan(ticks.second)};
+    };
     const SCase cases[] = {
         {{0, 100 * kSecond}, in, {25 * kSecond, 75 * kSecond}},
         {{0, 30 * kSecond + 1}, in, {75'000'001, 225'000'001}},       // centre up from the half, span down
@@ -80,39 +86,38 @@ TEST_F(StackTest, HorizontalArithmetic) {
         {{-3, 4}, right, {-1, 5}}, // -1.25 and 5.75 towards zero
     };
     for (const SCase& row : cases) {
-        Show(row.before.first, row.before.second);
-        EXPECT_TRUE(row.act(m_stack)) << row.before.first;
-        EXPECT_EQ(Shown(), row.after) << row.before.first << " to " << row.before.second;
+        EXPECT_EQ(row.act(make(row.before)), make(row.after))
+            << row.before.first << " to " << row.before.second;
     }
-    Show(0, kSecond - 1);
-    EXPECT_FALSE(m_stack.ZoomIn(0.5)) << "below one second there is nothing more to see";
-    EXPECT_EQ(Shown(), Ticks(0, kSecond - 1));
+    EXPECT_TRUE(in(make({0, kSecond - 1})).IsEmpty()) << "below one second there is nothing more to see";
     // However long somebody zooms out, ticks do not overflow.
-    for (int i = 0; i < 100; ++i) m_stack.ZoomOut(2);
-    for (int i = 0; i < 100; ++i) m_stack.Scroll(0.9);
-    EXPECT_TRUE(m_stack.HasPeriod());
+    SPeriod last = make({0, kSecond});
+    for (SPeriod next = last; !next.IsEmpty(); next = out(next)) last = next;
+    EXPECT_GT(last.end - last.start, CDateTimeSpan(std::int64_t{1} << 60));
+    for (SPeriod next = last; !next.IsEmpty(); next = right(next)) last = next;
+    EXPECT_TRUE(last.end.IsValid());
 }
 
 TEST_F(StackTest, PixelsBecomeTimes) {
     Show(0, 1000 * kSecond);
     const SRect area = m_stack.GetPortlets()[1]->GetPlottingRect();
-    const auto& portlet = *m_stack.GetPortlets()[1];
     CDateTimeSpan time;
-    ASSERT_TRUE(m_stack.TimeAt(area.x + area.width / 4, time));
+    ASSERT_TRUE(TimeAt(m_stack, area.x + area.width / 4, time));
     EXPECT_NEAR(time.GetTotalSeconds(), 250, 0.1);
-    EXPECT_FALSE(m_stack.TimeAt(area.x - 2, time));
+    EXPECT_FALSE(TimeAt(m_stack, area.x - 2, time));
 
-    EXPECT_TRUE(m_stack.ZoomToPixels(portlet, area.x + area.width / 2, area.x + area.width / 4));
+    const auto zoom = [&](float x0, float x1) { return m_stack.SetPeriod(PeriodBetween(m_stack, x0, x1)); };
+    EXPECT_TRUE(zoom(area.x + area.width / 2, area.x + area.width / 4));
     EXPECT_NEAR(m_stack.GetPeriod().start.GetTotalSeconds(), 250, 0.1);
     EXPECT_NEAR(m_stack.GetPeriod().end.GetTotalSeconds(), 500, 0.1);
     const Ticks before = Shown();
-    EXPECT_FALSE(m_stack.ZoomToPixels(portlet, area.x + 10, area.x + 10.5f)) << "less than a second";
+    EXPECT_FALSE(zoom(area.x + 10, area.x + 10.5f)) << "less than a second";
     EXPECT_EQ(Shown(), before);
-    EXPECT_TRUE(m_stack.ZoomToPixels(portlet, -5000, 5000)) << "kept within the plotting area";
+    EXPECT_TRUE(zoom(-5000, 5000)) << "kept within the plotting area";
     EXPECT_NEAR(m_stack.GetPeriod().end.GetTotalSeconds(), 500, 0.1);
 
     Show(0, 1000 * kSecond);
-    EXPECT_TRUE(m_stack.Pan(area.width / 10));
+    EXPECT_TRUE(m_stack.SetPeriod(DragPeriod(m_stack, area.width / 10)));
     EXPECT_NEAR(m_stack.GetPeriod().start.GetTotalSeconds(), -100, 0.1);
     EXPECT_NEAR((m_stack.GetPeriod().end - m_stack.GetPeriod().start).GetTotalSeconds(), 1000, 1e-6);
 }
@@ -194,20 +199,29 @@ TEST_F(StackTest, LabelsTellTheirTicksApartAtAnyZoom) {
     EXPECT_EQ(m_stack.GetTimeText().span.precision, m_adaptors.GetDateTimeSpan().precision);
 }
 
-TEST_F(StackTest, UtcTicksStandAtRoundTimes) {
+TEST_F(StackTest, UtcTicksAreAtRoundTimes) {
     Outils_Temps::CDateTime reference;
     reference.SetDateTime(2026, 3, 14, 10, 17, 23, 0);
     SSimulationTimeText text;
     text.mode = Outils_Configuration::ESimulationTimeMode::utcTime;
     text.utcReference = reference;
     m_stack.SetTimeText(text);
-    Show(0, 3600 * kSecond);
-    auto labels = Labels(Measure(0).GetPlot().GetHorizontalAxis());
-    std::erase(labels, std::string());
-    ASSERT_FALSE(labels.empty());
-    for (const auto& label : labels)
-        EXPECT_TRUE(label.ends_with(":00.000") || label.ends_with(":30.000")) << label;
-    EXPECT_TRUE(labels[0].starts_with("14/03/2026 10:")) << labels[0];
+    const struct {
+        std::int64_t start;
+        const char* hour; // of the first label
+    } rows[] = {{0, "14/03/2026 10:"},
+                {5 * 3600 + 7, "14/03/2026 15:"},
+                {-3601, "14/03/2026 09:"},
+                {14 * 3600, "15/03/2026 00:"}};
+    for (const auto& row : rows) {
+        Show(row.start * kSecond, (row.start + 3600) * kSecond);
+        auto labels = Labels(Measure(0).GetPlot().GetHorizontalAxis());
+        std::erase(labels, std::string());
+        ASSERT_FALSE(labels.empty());
+        for (const auto& label : labels)
+            EXPECT_TRUE(label.ends_with(":00.000") || label.ends_with(":30.000")) << label;
+        EXPECT_TRUE(labels[0].starts_with(row.hour)) << labels[0];
+    }
 }
 
 TEST_F(StackTest, LayoutLevelsMarginsAndFindsPortlets) {
@@ -220,23 +234,69 @@ TEST_F(StackTest, LayoutLevelsMarginsAndFindsPortlets) {
         for (const auto& portlet : m_stack.GetPortlets()) {
             EXPECT_EQ(portlet->GetPlottingRect().x, first.x);
             EXPECT_EQ(portlet->GetPlottingRect().width, first.width);
-            EXPECT_GE(portlet->GetRect().height, 100);
+            EXPECT_GE(portlet->GetRect().height, kMinimumPortletHeight - 3);
         }
         EXPECT_EQ(first.x > 150, legends);
     }
     EXPECT_GT(m_stack.GetHeight(), 300) << "three graphs do not fit and are not squeezed";
     const auto* second = m_stack.GetPortlets()[1].get();
     const SRect rect = second->GetRect();
-    EXPECT_EQ(m_stack.PortletAt({10, rect.y + 5}), second);
-    EXPECT_EQ(m_stack.PortletAt({10, 1e6f}), nullptr);
-    EXPECT_EQ(m_stack.BorderAt(rect.Bottom() + 2), second);
-    EXPECT_EQ(m_stack.BorderAt(rect.Bottom() - 4), nullptr);
+    EXPECT_EQ(PortletAt(m_stack, {10, rect.y + 5}), second);
+    EXPECT_EQ(PortletAt(m_stack, {10, 1e6f}), nullptr);
+    for (const auto& [reach, taken] : {std::pair(2.9f, true), {-2.9f, true}, {3.0f, false}, {-3.0f, false}})
+        EXPECT_EQ(BorderAt(m_stack, rect.Bottom() + reach) == second, taken) << reach;
 
     m_stack.GetPortlets()[1]->SetUserHeight(200);
     m_stack.Layout({800, 300}, ELayout::scroll);
     EXPECT_EQ(m_stack.GetPortlets()[1]->GetRect().height, 200);
+    m_stack.GetPortlets()[1]->SetUserHeight(1);
+    m_stack.Layout({800, 300}, ELayout::scroll);
+    EXPECT_EQ(m_stack.GetPortlets()[1]->GetRect().height, kLeastHeight) << "what the user drags ends here";
     m_stack.Layout({800, 300}, ELayout::fit);
     EXPECT_LE(m_stack.GetHeight(), 300) << "a picture holds all of it";
+}
+
+TEST_F(StackTest, KeepsWhatIsShownAlready) {
+    Show(0, 100 * kSecond);
+    const auto dataset = MakeDataset(0, 100, [](double t) { return t; });
+    m_stack.SetDataset(kNavigation, dataset);
+    Measure(1).SetRange(3, 7);
+    Measure(1).SetUserHeight(222);
+    auto* curve = Measure(1).GetPlot().GetSeries()[0].get();
+    Measure(1).GetPlot().SetSelectedSerie(curve);
+    m_stack.Select(1);
+    const auto* altitude = m_stack.GetSelected();
+
+    // One more curve, another colour; the graph above goes; a graph is added below.
+    m_graphs[1].curves[0].colour = 0xFF000000;
+    m_graphs[1].curves.push_back({"another", kNavigation, kHeading, 1.0, 0xFF112233, nullptr});
+    m_graphs.erase(m_graphs.begin());
+    m_graphs.push_back({nullptr, "new", &m_adaptors.GetNumeric(), {}, {}});
+    Update();
+    ASSERT_EQ(m_stack.GetPortlets().size(), 3u);
+    EXPECT_EQ(m_stack.GetSelected(), altitude);
+    EXPECT_EQ(Measure(0).GetPlot().GetSelectedSerie(), curve);
+    EXPECT_EQ(curve->GetColor(), 0xFF000000u) << "black is a colour";
+    EXPECT_EQ(Measure(0).GetMinimum(), 3);
+    EXPECT_EQ(Measure(0).GetRect().height, 222);
+    EXPECT_TRUE(Measure(0).HasPoints());
+    EXPECT_EQ(Measure(0).GetPlot().GetSeries().size(), 2u);
+    EXPECT_EQ(Shown(), Ticks(0, 100 * kSecond));
+
+    // A curve that now reads otherwise keeps its place and its data; one before others comes first.
+    m_graphs[0].curves[0].factor = -2;
+    m_graphs[0].curves.erase(m_graphs[0].curves.begin() + 1);
+    m_graphs[0].curves.insert(m_graphs[0].curves.begin(),
+                              {"first", kNavigation, kLongitude, 1.0, 0xFF445566, nullptr});
+    Update();
+    const auto& series = Measure(0).GetPlot().GetSeries();
+    ASSERT_EQ(series.size(), 2u);
+    EXPECT_EQ(series[0]->GetName(), "first");
+    m_stack.SetDataset(kNavigation, dataset);
+    double x = 0, y = 0;
+    ASSERT_TRUE(series[1]->GetDataSource()->GetPoint(10, x, y));
+    EXPECT_EQ(y, -20);
+    EXPECT_EQ(x, 10);
 }
 
 TEST_F(StackTest, AnySizeIsDrawnAndHoldsTheCurve) {

@@ -15,21 +15,35 @@ struct STimeCase {
     double tick;      // seconds
 };
 
-TEST(GraphTicks, TickSpanIsHalfOfAReadableTenth) {
+TEST(GraphTicks, TickSpanIsHalfAReadableTenth) {
     const STimeCase cases[] = {
-        {20 * 86400.0, 86400},         // two days
-        {15.2 * 86400.0, 86400},       // 1 day 12.48 hours rounds up to two
-        {14.0 * 86400.0, 43200},       // 1 day 9.6 hours stays one
-        {25 * 3600.0, 3 * 3600 / 2.0}, // 2 hours 30 minutes rounds up to three
-        {3 * 3600 + 20 * 60.0, 750},   // 20 minutes are raised to 25
-        {50 * 60.0, 150},              // 5 minutes stay
-        {10 * 58 * 60.0, 1800},        // 58 minutes become an hour
-        {10 * 57.0, 30},               // 57 seconds become a minute
-        {50.0, 2.5},                   // 5 seconds stay
-        {5.0, 0.255},                  // 500 milliseconds are raised to 510
-        {10 * 0.996, 0.5},             // 996 milliseconds become a second
-        {0.1, 0.005},                  // 10 milliseconds stay
-        {0.001, 0.00025},              // below a millisecond
+        {20 * 86400.0, 86400},            // two days
+        {10 * 129600.0, 86400},           // 1 day 12 hours rounds up to two
+        {10 * 129599.0, 43200},           // a second less stays one
+        {10 * 86400.0, 43200},            // the first row of days
+        {10 * 86399.0, 43200},            // 23 hours 59 minutes round up to 24
+        {10 * (2 * 3600 + 1800.0), 5400}, // 2 hours 30 minutes round up to three
+        {10 * (2 * 3600 + 1799.0), 3600}, // a second less stays two
+        {10 * 3600.0, 1800},              // the first row of hours
+        {10 * 3599.0, 1800},              // 59 minutes 59 seconds become an hour
+        {10 * 3569.0, 1800},              // 59 minutes 29 seconds are 59, raised to an hour
+        {10 * (54 * 60 + 29.0), 1650},    // 54 minutes are raised to 55
+        {3 * 3600 + 20 * 60.0, 750},      // 20 minutes are raised to 25
+        {10 * (5 * 60 + 30.0), 300},      // 5 minutes 30 seconds are 6, raised to 10
+        {10 * (5 * 60 + 29.0), 150},      // a second less stays five
+        {10 * 60.0, 30},                  // the first row of minutes
+        {10 * 59.5, 30},                  // 59.5 seconds become a minute
+        {10 * 54.499, 27.5},              // 54 seconds are raised to 55
+        {10 * 5.5, 5},                    // 5.5 seconds are 6, raised to 10
+        {10 * 5.499, 2.5},                // a millisecond less stays five
+        {10 * 1.0, 0.5},                  // the first row of seconds
+        {10 * 0.9995, 0.5},               // 999.5 milliseconds become a second
+        {10 * 0.989499, 0.495},           // 989 milliseconds are raised to 990
+        {5.0, 0.255},                     // 500 milliseconds are raised to 510
+        {10 * 0.0105, 0.01},              // 10.5 milliseconds are 11, raised to 20
+        {10 * 0.010499, 0.005},           // a microsecond less stays ten
+        {10 * 0.001, 0.0005},             // the first row of milliseconds
+        {10 * 0.000999, 0.00025},         // below a millisecond
     };
     for (const auto& [displayed, tick] : cases)
         EXPECT_EQ(ChooseTickSpan(CDateTimeSpan::FromSeconds(displayed)), CDateTimeSpan::FromSeconds(tick))

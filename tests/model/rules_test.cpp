@@ -1,12 +1,15 @@
 #include "foundation/texts.h"
+#include "model/properties/classes.h"
 #include "model/rules/rules.h"
 #include "model/simulation_parameters.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 using namespace Metier_Tarvel;
+using namespace Metier_Tarvel_Proprietes;
 using namespace Metier_Tarvel_Regles;
 
 namespace {
@@ -42,6 +45,22 @@ class RulesTest : public testing::Test {
         return names;
     }
 
+    // The rule colours its own rows and no other.
+    void ExpectPropertiesAtFault(const CTrvRuleReport& report, const CTrvRuleViolation& violation) {
+        const CObject& rowsOf = violation.rule->GetRuntimeClass().name == "CTrvRuleRoughMisalignment"
+                                    ? *parameters.nelixConfiguration
+                                    : *violation.object;
+        const auto expected = violation.rule->GetProperties();
+        ASSERT_FALSE(expected.empty());
+        std::size_t found = 0;
+        for (const auto* row : FindPropertyClass(rowsOf)->rows) {
+            const bool atFault = std::ranges::find(expected, row) != expected.end();
+            found += atFault;
+            EXPECT_EQ(report.FindFault(violation.object, *row), atFault ? violation.rule : nullptr);
+        }
+        EXPECT_EQ(found, expected.size()) << violation.rule->GetMessage();
+    }
+
     CTrvSimulationParameters parameters;
 };
 
@@ -49,11 +68,11 @@ using Names = std::vector<std::string>;
 
 } // namespace
 
-// The whole table: in the order of checking each rule's name, a fault that it alone finds, the object that it
-// names, and what it tells the user.
-TEST_F(RulesTest, EachRuleFindsItsOwnFaultAndNoOther) {
+// The whole table in the order of checking: name, a fault that this rule alone finds, the object and the
+// properties that it names, and its message.
+TEST_F(RulesTest, EachRuleFindsOnlyItsFault) {
     struct SCase {
-        std::string name; // behind "CTrvRule"
+        std::string name; // after "CTrvRule"
         std::function<void()> breakIt;
         std::function<void()> mend;
         const CObject* object;
@@ -98,9 +117,9 @@ TEST_F(RulesTest, EachRuleFindsItsOwnFaultAndNoOther) {
         period("AltitudeModePeriod", altitude, "Altitude mode"),
         {"OutputRateValue", [&] { rate.value = 0; }, [&] { rate.value = 10; }, &rate,
          "Output rate value should be strictly positive"},
-        {"RoughMisalignment", [&] { rough = 24; }, [&] { rough = 23; }, parameters.nelixConfiguration.get(),
+        {"RoughMisalignment", [&] { rough = 24; }, [&] { rough = 23; }, &parameters,
          "Bad rough misalignement value"},
-        {"RoughMisalignment", [&] { rough = -1; }, [&] { rough = 0; }, parameters.nelixConfiguration.get(),
+        {"RoughMisalignment", [&] { rough = -1; }, [&] { rough = 0; }, &parameters,
          "Bad rough misalignement value"},
         stdDev("Dvl", ESensorKind::dvl, "DVL"),
         stdDev("Dvl", ESensorKind::dvl, "DVL", 1),
@@ -123,9 +142,11 @@ TEST_F(RulesTest, EachRuleFindsItsOwnFaultAndNoOther) {
         CTrvRuleReport report;
         EXPECT_FALSE(parameters.Validate(report));
         EXPECT_EQ(Broken(), Names{"CTrvRule" + test.name});
+        ASSERT_FALSE(report.IsEmpty()) << test.name;
         const CTrvRuleViolation& violation = report.GetViolations().front();
         EXPECT_EQ(violation.object, test.object) << test.name;
         EXPECT_EQ(violation.rule->GetMessage(), test.message);
+        ExpectPropertiesAtFault(report, violation);
         test.mend();
         EXPECT_EQ(Broken(), Names{});
         if (order.empty() || order.back() != "CTrvRule" + test.name) order.push_back("CTrvRule" + test.name);
@@ -135,7 +156,7 @@ TEST_F(RulesTest, EachRuleFindsItsOwnFaultAndNoOther) {
     EXPECT_EQ(rules, order);
 }
 
-TEST_F(RulesTest, LaterSensorsOnATakenChannelAreNamed) {
+TEST_F(RulesTest, NamesLaterSensorsOnOneChannel) {
     Add(ESensorKind::gps);
     const CTrvSensor& second = Add(ESensorKind::gps);
     const CTrvSensor& third = Add(ESensorKind::gps);
@@ -147,7 +168,7 @@ TEST_F(RulesTest, LaterSensorsOnATakenChannelAreNamed) {
     EXPECT_FALSE(report.HasViolation(CTrvRuleZuptPeriod::Class(), &second));
 }
 
-TEST_F(RulesTest, AFaultDoesNotHideTheNext) {
+TEST_F(RulesTest, FaultsDoNotHideEachOther) {
     parameters.AddZupt()->end = CDateTime::Invalid(); // cannot be compared and is no fault
     EXPECT_EQ(Broken(), Names{});
     parameters.defaultOutputRate = 0;

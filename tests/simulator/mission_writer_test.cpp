@@ -5,6 +5,7 @@
 #include "simulator/earth.h"
 #include "support/temporary_folder.h"
 #include "xpf/packets.h"
+#include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
 
 #include <gtest/gtest.h>
@@ -37,10 +38,7 @@ class MissionWriterTest : public testing::Test {
     std::vector<std::uint8_t> Bytes(const fs::path& path) {
         return *Outils_Fichiers::ReadWholeFile(path, 1 << 28);
     }
-    std::unique_ptr<CXpfFile> WriteAndOpen() {
-        bool outdated = false;
-        return OpenXpfFile(Write("m.tarin"), EFileKind::tarin, outdated);
-    }
+    std::unique_ptr<CXpfFile> WriteAndOpen() { return OpenXpfFile(Write("m.tarin"), EFileKind::tarin).file; }
 
     // Calls `visit` for each packet of a channel with its time and a function that gives its fields by name.
     template <class TPacket, class TVisit>
@@ -71,7 +69,7 @@ TEST_F(MissionWriterTest, AllChannelsComeInTimeOrderAtTheirRates) {
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
     std::int64_t before = 1;
-    while (file->ReadPacket(header, payload) == EPacketRead::whole) {
+    while (CStreamWalk(*file).Next(header, payload) == EPacketRead::whole) {
         std::int64_t date;
         std::memcpy(&date, payload.data(), sizeof date);
         ASSERT_GE(date, before);
@@ -112,17 +110,19 @@ TEST_F(MissionWriterTest, GpsErrsAsItClaims) {
         const double time = date - field("Delay");
         EXPECT_FALSE(time >= 700 && time < 800);
         const SVehicleState state = mission.GetState(time, cursor);
-        const Vector3 arm = state.attitude.Apply({3, -2, 12});
-        const Vector3 vessel = ToEarthFixed(state.latitude, state.longitude, state.motion.altitude);
-        const Vector3 fix = ToEarthFixed(field("Latitude") / kRadian, field("Longitude") / kRadian,
-                                         field("Altitude") + field("Geoidal sep"));
-        const double north = (field("Latitude") / kRadian - state.latitude) * state.meridianRadius - arm.x;
-        const double east =
-            (field("Longitude") / kRadian - state.longitude) * state.normalRadius * std::cos(state.latitude) +
-            arm.y;
-        const double up = field("Altitude") + 48.5 - state.motion.altitude - arm.z;
+        const Vector3d arm = state.attitude * Vector3d(3, -2, 12);
+        const Vector3d vessel = ToEarthFixed(state.latitude, state.longitude, state.motion.altitude);
+        const Vector3d fix =
+            ToEarthFixed(field("Latitude") * kRadiansPerDegree, field("Longitude") * kRadiansPerDegree,
+                         field("Altitude") + field("Geoidal sep"));
+        const double north =
+            (field("Latitude") * kRadiansPerDegree - state.latitude) * state.meridianRadius - arm.x();
+        const double east = (field("Longitude") * kRadiansPerDegree - state.longitude) * state.normalRadius *
+                                std::cos(state.latitude) +
+                            arm.y();
+        const double up = field("Altitude") + 48.5 - state.motion.altitude - arm.z();
         // The distance from the unit, in space, is that of the lever arm with the errors.
-        EXPECT_NEAR(Norm(fix - vessel), Norm(arm + Vector3{north, -east, up}), 0.01);
+        EXPECT_NEAR((fix - vessel).norm(), (arm + Vector3d{north, -east, up}).norm(), 0.01);
         n += north / field("Std. dev. north");
         nn += std::pow(north / field("Std. dev. north"), 2);
         ee += std::pow(east / field("Std. dev. east"), 2);
@@ -233,7 +233,7 @@ TEST(CommandLineTest, OptionsReachTheMission) {
     EXPECT_EQ(options.longitude, -20.5);
     EXPECT_TRUE(options.IsOutage("GPS_1", 75) && options.IsOutage("GPS_3", 100));
     EXPECT_FALSE(options.IsOutage("GPS_1", 95));
-    EXPECT_EQ(options.leverArms[0].z, -3);
+    EXPECT_EQ(options.leverArms[0].z(), -3);
     EXPECT_EQ(options.GetChannels(), (std::vector<std::string_view>{"IMU", "GPS_1", "ODOMETER"}));
     EXPECT_EQ(options.FindChannelOptions("ODOMETER")->rate, 20);
     EXPECT_EQ(options.GetUtcOrigin().GetDay(), 28);

@@ -267,6 +267,24 @@ TEST(DateTimeSpanAdaptor, ShowsAndReadsClockAndTotal) {
     EXPECT_EQ(span, CDateTimeSpan(54 * kTicksPerHour / 36));
 }
 
+TEST(DateTimeAdaptor, RoundsTheEighthDigit) {
+    const CDateTimeSpanAdaptor span;
+    const CDateTimeAdaptor date;
+    for (const auto& [fraction, ticks] : {std::pair("00000004", 0),
+                                          {"00000005", 1},
+                                          {"000000049", 0},
+                                          {"123456749", 1234567},
+                                          {"123456750", 1234568},
+                                          {"99999995", 10000000}}) {
+        CDateTimeSpan length;
+        EXPECT_TRUE(span.TextToValue(std::string("00:00:01.") + fraction, length));
+        EXPECT_EQ(length.GetTicks(), kTicksPerSecond + ticks) << fraction;
+        CDateTime moment;
+        EXPECT_TRUE(date.TextToValue(std::string("29/02/2024 00:00:01.") + fraction, moment));
+        EXPECT_EQ(moment, Date(2024, 2, 29, 0, 0, 1, ticks)) << fraction;
+    }
+}
+
 TEST(Adaptors, TakeAnyNumberAndAnySetting) {
     CNumericValueAdaptor number;
     number.width = INT32_MAX;

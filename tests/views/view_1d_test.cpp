@@ -1,12 +1,12 @@
 #include "config/config_file.h"
 #include "document/scripted_host.h"
 #include "graph/fabricated.h"
+#include "views/stack_clipboard.h"
 #include "views/view_1d.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
-#include <QContextMenuEvent>
-#include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -37,7 +37,7 @@ class View1DTest : public testing::Test {
         for (int i = 0; i < 6; ++i) project->graphSettings->AddMeasureGraph("empty");
         m_document->NewFromProject(std::move(project), "/nowhere/dive.tarprj");
 
-        m_view.emplace(*m_document, m_adaptors, m_settings);
+        m_view.emplace(*m_document, m_config, m_adaptors, m_settings);
         m_view->resize(900, 500);
         m_view->show();
         EXPECT_TRUE(m_host.m_queue.RunUntil([this] { return !m_view->GetLoader().IsLoading(); },
@@ -90,24 +90,7 @@ class View1DTest : public testing::Test {
 
 using Period = std::pair<double, double>;
 
-TEST_F(View1DTest, KeyboardReachesEverything) {
-    EXPECT_EQ(Shown(), Period(0, 1000));
-    const double low = First().GetMinimum(), width = First().GetMaximum() - low;
-    const struct {
-        const char* key;
-        Period shown;
-        double low, width; // in parts of the first width
-    } rows[] = {{"+", {250, 750}, 0, 1},          {"Right", {375, 875}, 0, 1},
-                {"Left", {250, 750}, 0, 1},       {"-", {0, 1000}, 0, 1},
-                {"Left", {-250, 750}, 0, 1},      {"Home", {0, 1000}, 0, 1},
-                {"Ctrl++", {0, 1000}, 0.25, 0.5}, {"Ctrl+-", {0, 1000}, 0, 1},
-                {"Ctrl+Up", {0, 1000}, 0.25, 1},  {"Ctrl+Down", {0, 1000}, 0, 1}};
-    for (const auto& row : rows) {
-        Key(row.key);
-        EXPECT_EQ(Shown(), row.shown) << row.key;
-        EXPECT_NEAR(First().GetMinimum(), low + row.low * width, 1e-9) << row.key;
-        EXPECT_NEAR(First().GetMaximum() - First().GetMinimum(), row.width * width, 1e-9) << row.key;
-    }
+TEST_F(View1DTest, KeyboardSelectsAndScrolls) {
     const float height = First().GetRect().height;
     Key("Ctrl+Shift+Down");
     EXPECT_GT(First().GetRect().height, height);
@@ -125,21 +108,87 @@ TEST_F(View1DTest, KeyboardReachesEverything) {
     Key("PgDown");
     EXPECT_GT(bar.value(), 0);
 
+    Key("PgUp");
+    EXPECT_EQ(bar.value(), 0);
+}
+
+TEST_F(View1DTest, DeletesTheSelectedCurveOnly) {
     const auto& graph = dynamic_cast<Metier_Tarvel_Graphics::CTrv1DGraphMeasure&>(
         *m_document->GetProject()->graphSettings->graphs[0]);
-    Key("Del");
-    EXPECT_EQ(graph.curves.size(), 2u) << "no curve is selected";
+    int changes = 0;
+    QObject::connect(&*m_view, &CTrvView1D::StateChanged, [&] { ++changes; });
+    const auto expect = [&](bool selected, std::size_t curves) {
+        EXPECT_EQ(m_view->HasSelectedCurve(), selected);
+        EXPECT_EQ(graph.curves.size(), curves);
+        EXPECT_EQ(First().GetPlot().GetSeries().size(), curves);
+        EXPECT_GT(std::exchange(changes, 0), 0);
+    };
+    m_view->DeleteSelectedCurve();
+    m_view->SelectPortlet(0);
+    expect(false, 2);
     Key("Space");
-    Key("Del");
-    EXPECT_EQ(graph.curves.size(), 1u);
-    EXPECT_EQ(First().GetPlot().GetSeries().size(), 1u);
+    expect(true, 2);
+    m_view->SelectPortlet(1);
+    expect(false, 2);
+    m_view->SelectPortlet(0);
+    m_view->DeleteSelectedCurve();
+    expect(false, 1);
+    Key("Space");
+    Key("Space"); // after the last curve, none
+    expect(false, 1);
+}
 
-    QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
-    QApplication::sendEvent(m_view->viewport(), &menuKey);
-    const auto menus = m_view->findChildren<QMenu*>();
-    ASSERT_FALSE(menus.empty());
-    menus[0]->actions()[0]->menu()->actions()[0]->trigger();
-    EXPECT_EQ(Shown(), Period(250, 750));
+TEST_F(View1DTest, KeysTriggerTheCommandsGivenToThem) {
+    QAction action;
+    int runs = 0;
+    QObject::connect(&action, &QAction::triggered, [&] { ++runs; });
+    for (const char* key : {"+", "Left"}) m_view->AddCommandKey(QKeySequence(key), &action);
+    const std::tuple<int, Qt::KeyboardModifiers, int> rows[] = {
+        {Qt::Key_Plus, {}, 1},
+        {Qt::Key_Plus, Qt::ShiftModifier, 1}, // as on some keyboards
+        {Qt::Key_Plus, Qt::KeypadModifier, 1},
+        {Qt::Key_Plus, Qt::ControlModifier, 0},
+        {Qt::Key_Left, {}, 1},
+        {Qt::Key_Left, Qt::ShiftModifier, 0}, // moves the cursor
+        {Qt::Key_Right, {}, 0},
+    };
+    for (const auto& [key, modifiers, expected] : rows) {
+        QKeyEvent event(QEvent::KeyPress, key, modifiers);
+        QApplication::sendEvent(&*m_view, &event);
+        EXPECT_EQ(std::exchange(runs, 0), expected) << key << " " << modifiers;
+    }
+    action.setEnabled(false);
+    Key("+");
+    EXPECT_EQ(runs, 0);
+}
+
+TEST_F(View1DTest, WheelActsInProportion) {
+    const auto wheel = [&](int turn, Qt::KeyboardModifier key) {
+        QWheelEvent event(At(0.5, 0.5), At(0.5, 0.5), QPoint(), QPoint(0, turn), Qt::NoButton, key,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(m_view->viewport(), &event);
+    };
+    const struct {
+        Qt::KeyboardModifier key;
+        int turn, times;
+        Period shown;
+    } rows[] = {{Qt::ControlModifier, 120, 1, {250, 750}}, {Qt::ControlModifier, 15, 8, {250, 750}},
+                {Qt::ControlModifier, 240, 1, {375, 625}}, {Qt::ControlModifier, -30, 4, {-500, 1500}},
+                {Qt::ShiftModifier, 120, 1, {-250, 750}},  {Qt::ShiftModifier, -12, 10, {250, 1250}}};
+    for (const auto& row : rows) {
+        for (int i = 0; i < row.times; ++i) wheel(row.turn, row.key);
+        EXPECT_EQ(Shown(), row.shown) << row.turn;
+        m_view->GetLoader().ViewAll();
+    }
+}
+
+TEST_F(View1DTest, SwitchesAreKeptInTheSettings) {
+    using Outils_Configuration::Cnf;
+    m_view->SetLegendsVisible(false);
+    m_view->SetEcho(false);
+    EXPECT_FALSE(m_config.Get(Cnf<"view1D/showGraphLegends">) || m_config.Get(Cnf<"viewValue/echoToGraph">));
+    const CTrvView1D again(*m_document, m_config, m_adaptors, m_settings);
+    EXPECT_FALSE(again.AreLegendsVisible() || again.HasEcho());
 }
 
 TEST_F(View1DTest, RubberBandZoomsTheTime) {
@@ -183,16 +232,11 @@ TEST_F(View1DTest, SelectTakesBordersLegendsAndTheCursor) {
     Drag(row, row);
     EXPECT_NE(First().GetPlot().GetSelectedSerie(), nullptr);
 
-    CDateTimeSpan told;
-    QObject::connect(&*m_view, &CTrvView1D::CursorMoved, [&](CDateTimeSpan time) { told = time; });
+    CDateTimeSpan reported;
+    QObject::connect(&*m_view, &CTrvView1D::CursorMoved, [&](CDateTimeSpan time) { reported = time; });
     Mouse(QEvent::MouseMove, At(0.5, 0.5));
     EXPECT_EQ(First().GetPlot().GetHoveredSerie(), nullptr);
-    EXPECT_NEAR(told.GetTotalSeconds(), 500, 2);
-
-    QWheelEvent wheel(At(0.5, 0.5), At(0.5, 0.5), QPoint(), QPoint(0, 120), Qt::NoButton, Qt::ControlModifier,
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(m_view->viewport(), &wheel);
-    EXPECT_EQ(Shown(), Period(250, 750));
+    EXPECT_NEAR(reported.GetTotalSeconds(), 500, 2);
 }
 
 TEST_F(View1DTest, FieldsAreDroppedWhereTheyFit) {
@@ -238,7 +282,7 @@ TEST_F(View1DTest, ProjectMayGoDuringAGesture) {
 TEST_F(View1DTest, ClipboardGetsAVectorImage) {
     First().SetRange(400, 600); // of values from 0 to 1000
     m_view->GetLoader().Relayout();
-    m_view->CopyToClipboard();
+    CopyToClipboard(m_view->GetStack(), m_view->viewport()->width());
     const QMimeData* data = QApplication::clipboard()->mimeData();
     ASSERT_TRUE(data && data->hasFormat("image/svg+xml"));
     EXPECT_TRUE(data->data("image/svg+xml").contains("<polyline"));

@@ -2,10 +2,12 @@
 #pragma once
 
 #include "foundation/object.h"
+#include "model/properties/property.h"
 
 #include <cstdint>
 #include <list>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <unordered_set>
 #include <vector>
@@ -33,6 +35,8 @@ class CTrvRule : public TRuntimeClass<CTrvRule, CTrvObject> {
     virtual bool Validate(CTrvRuleReport& report) const = 0;
     // The text for the user.
     virtual std::string_view GetMessage() const = 0;
+    // The rows that are wrong in an object at fault, the first of them to be mended first. Never empty.
+    virtual std::span<const Metier_Tarvel_Proprietes::SProperty* const> GetProperties() const = 0;
 
   protected:
     explicit CTrvRule(const Metier_Tarvel::CTrvSimulationParameters& parameters)
@@ -46,8 +50,8 @@ class CTrvRuleViolation : public TRuntimeClass<CTrvRuleViolation, CTrvObject> {
     static constexpr std::string_view kClassName = "CTrvRuleViolation";
 
     const CTrvRule* rule = nullptr; // not owned
-    const CObject* object =
-        nullptr; // the period, instruction or sensor at fault, or the parameters; not owned
+    // The period, instruction or sensor at fault, or the simulation parameters; not owned.
+    const CObject* object = nullptr;
 };
 
 // The violations of one validation, in the order of detection. Valid while the validated objects are.
@@ -57,6 +61,10 @@ class CTrvRuleReport {
 
     const std::list<CTrvRuleViolation>& GetViolations() const { return m_violations; }
     bool IsEmpty() const { return m_violations.empty(); }
+    // Whether the property of the object is at fault: by which rule, the first of several. Null when it is
+    // right. O(violations).
+    const CTrvRule* FindFault(const CObject* object,
+                              const Metier_Tarvel_Proprietes::SProperty& property) const;
     // Whether the object breaks any rule, or the rule of this class. O(1).
     bool HasViolation(const CObject* object) const { return m_atFault.contains({nullptr, object}); }
     bool HasViolation(const CRuntimeClass& rule, const CObject* object) const {

@@ -1,8 +1,11 @@
 #include "model/rules/rules.h"
 
 #include "foundation/texts.h"
+#include "model/properties/rows.h"
 #include "model/simulation_parameters.h"
 
+#include <algorithm>
+#include <array>
 #include <iterator>
 #include <utility>
 
@@ -12,7 +15,7 @@ using namespace Metier_Tarvel;
 
 namespace {
 
-// Where a check tells what it found.
+// Where a check reports what it finds.
 class CFaults {
   public:
     CFaults(const CTrvRule& rule, CTrvRuleReport& report) : m_rule(rule), m_report(report) {}
@@ -77,9 +80,8 @@ void CheckOutputRateValues(const CTrvSimulationParameters& parameters, CFaults& 
 }
 
 void CheckRoughMisalignment(const CTrvSimulationParameters& parameters, CFaults& faults) {
-    const CTrvNelixConfiguration& configuration = *parameters.nelixConfiguration;
-    const std::int32_t code = configuration.roughMisalignment;
-    faults.Check(code >= 0 && code < kRoughMisalignmentCount, configuration);
+    const std::int32_t code = parameters.nelixConfiguration->roughMisalignment;
+    faults.Check(code >= 0 && code < kRoughMisalignmentCount, parameters);
 }
 
 template <class Visit>
@@ -100,37 +102,50 @@ void CheckFilteringThresholds(const CTrvSimulationParameters& parameters, CFault
     });
 }
 
-constexpr EText kFirstMessage =
-    EText::ruleSimulationPeriod; // the messages follow each other in the order of the rows
+using CProperties = std::span<const Metier_Tarvel_Proprietes::SProperty* const>;
 
-constexpr FCheck kChecks[] = {
-    CheckSimulationPeriod,
-    CheckDefaultOutputRate,
-    CheckChannels,
-    CheckRejectionPeriods,
-    CheckPeriods<&CTrvSimulationParameters::zupts>,
-    CheckPeriods<&CTrvSimulationParameters::outputRates>,
-    CheckPeriods<&CTrvSimulationParameters::altitudeModes>,
-    CheckOutputRateValues,
-    CheckRoughMisalignment,
-    CheckStdDevPeriods<ESensorKind::dvl>,
-    CheckStdDevPeriods<ESensorKind::gps>,
-    CheckStdDevPeriods<ESensorKind::usbl>,
-    CheckStdDevPeriods<ESensorKind::depth>,
-    CheckStdDevPeriods<ESensorKind::lbl>,
-    CheckStdDevPeriods<ESensorKind::emLog>,
-    CheckStdDevPeriods<ESensorKind::odometer>,
-    CheckFilteringPeriods,
-    CheckFilteringThresholds,
+template <const auto&... Properties>
+constexpr std::array<const Metier_Tarvel_Proprietes::SProperty*, sizeof...(Properties)> kProperties{
+    &Properties...};
+
+struct SRuleRow {
+    EText message;
+    FCheck check;
+    CProperties properties;
 };
-static_assert(std::size(kChecks) == kRuleCount);
 
-template <std::size_t... Rows>
+namespace P = Metier_Tarvel_Proprietes::Rows;
+constexpr CProperties kPeriod = kProperties<P::kTo, P::kFrom>;
+
+// By ERule.
+constexpr SRuleRow kRows[] = {
+    {EText::ruleSimulationPeriod, CheckSimulationPeriod, kProperties<P::kEnd, P::kBegin>},
+    {EText::ruleDefaultOutputRate, CheckDefaultOutputRate, kProperties<P::kDefaultOutputRate>},
+    {EText::ruleChannelUsedTwice, CheckChannels, kProperties<P::kChannel>},
+    {EText::ruleRejectionPeriod, CheckRejectionPeriods, kPeriod},
+    {EText::ruleZuptPeriod, CheckPeriods<&CTrvSimulationParameters::zupts>, kPeriod},
+    {EText::ruleOutputRatePeriod, CheckPeriods<&CTrvSimulationParameters::outputRates>, kPeriod},
+    {EText::ruleAltitudeModePeriod, CheckPeriods<&CTrvSimulationParameters::altitudeModes>, kPeriod},
+    {EText::ruleOutputRate, CheckOutputRateValues, kProperties<P::kOutputRate>},
+    {EText::ruleRoughMisalignment, CheckRoughMisalignment, kProperties<P::kRoughMisalignment>},
+    {EText::ruleDvlStdDevPeriod, CheckStdDevPeriods<ESensorKind::dvl>, kPeriod},
+    {EText::ruleGpsStdDevPeriod, CheckStdDevPeriods<ESensorKind::gps>, kPeriod},
+    {EText::ruleUsblStdDevPeriod, CheckStdDevPeriods<ESensorKind::usbl>, kPeriod},
+    {EText::ruleDepthStdDevPeriod, CheckStdDevPeriods<ESensorKind::depth>, kPeriod},
+    {EText::ruleLblStdDevPeriod, CheckStdDevPeriods<ESensorKind::lbl>, kPeriod},
+    {EText::ruleEmLogStdDevPeriod, CheckStdDevPeriods<ESensorKind::emLog>, kPeriod},
+    {EText::ruleOdometerStdDevPeriod, CheckStdDevPeriods<ESensorKind::odometer>, kPeriod},
+    {EText::ruleFilteringPeriod, CheckFilteringPeriods, kPeriod},
+    {EText::ruleFilteringThreshold, CheckFilteringThresholds, kProperties<P::kThreshold>},
+};
+static_assert(std::size(kRows) == kRuleCount);
+
+template <std::size_t... Index>
 std::vector<std::unique_ptr<CTrvRule>> CreateRows(const CTrvSimulationParameters& parameters,
-                                                  std::index_sequence<Rows...>) {
+                                                  std::index_sequence<Index...>) {
     std::vector<std::unique_ptr<CTrvRule>> rules;
-    rules.reserve(sizeof...(Rows));
-    (rules.push_back(std::make_unique<TTrvRule<static_cast<ERule>(Rows)>>(parameters)), ...);
+    rules.reserve(sizeof...(Index));
+    (rules.push_back(std::make_unique<TTrvRule<static_cast<ERule>(Index)>>(parameters)), ...);
     return rules;
 }
 
@@ -144,16 +159,30 @@ void CTrvRuleReport::Add(const CTrvRule& rule, const CObject& object) {
     m_atFault.insert({&rule.GetRuntimeClass(), &object});
 }
 
+const CTrvRule* CTrvRuleReport::FindFault(const CObject* object,
+                                          const Metier_Tarvel_Proprietes::SProperty& property) const {
+    for (const CTrvRuleViolation& violation : m_violations)
+        if (violation.object == object && std::ranges::find(violation.rule->GetProperties(), &property) !=
+                                              violation.rule->GetProperties().end())
+            return violation.rule;
+    return nullptr;
+}
+
 template <ERule Rule>
 bool TTrvRule<Rule>::Validate(CTrvRuleReport& report) const {
     CFaults faults(*this, report);
-    kChecks[static_cast<int>(Rule)](*this->m_parameters, faults);
+    kRows[static_cast<int>(Rule)].check(*this->m_parameters, faults);
     return !faults.Any();
 }
 
 template <ERule Rule>
 std::string_view TTrvRule<Rule>::GetMessage() const {
-    return Outils_Texte::GetText(kFirstMessage + static_cast<int>(Rule));
+    return Outils_Texte::GetText(kRows[static_cast<int>(Rule)].message);
+}
+
+template <ERule Rule>
+std::span<const Metier_Tarvel_Proprietes::SProperty* const> TTrvRule<Rule>::GetProperties() const {
+    return kRows[static_cast<int>(Rule)].properties;
 }
 
 std::vector<std::unique_ptr<CTrvRule>> CreateRules(const CTrvSimulationParameters& parameters) {

@@ -59,6 +59,7 @@ class TTrvRule final : public TRuntimeClass<TTrvRule<Rule>, CTrvRule> {
         : TRuntimeClass<TTrvRule<Rule>, CTrvRule>(parameters) {}
     bool Validate(CTrvRuleReport& report) const override;
     std::string_view GetMessage() const override;
+    std::span<const Metier_Tarvel_Proprietes::SProperty* const> GetProperties() const override;
 };
 
 using CTrvRuleSimulationPeriod = TTrvRule<ERule::simulationPeriod>;

@@ -1,0 +1,191 @@
+#include "dialogs/project_dialogs.h"
+
+#include "config/config_file.h"
+#include "document/project_creation.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+#include "values/adaptors.h"
+
+#include <algorithm>
+
+namespace Dialogue_Tarvel {
+
+using Outils_Configuration::Cnf;
+using Outils_Fichiers::ToAbsolute;
+using Outils_Fichiers::ToText;
+using Outils_Texte::EText;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
+using std::filesystem::file_type;
+
+namespace {
+
+constexpr std::string_view kProjectExtension = ".tarprj";
+
+} // namespace
+
+bool CProjectDialog::OnOK(EProjectField& focus) {
+    if (!CheckFiles(focus) || !CheckPlace(focus)) return false;
+    focus = EProjectField::files;
+    if (!PrepareFiles()) return false;
+    focus = EProjectField::name;
+    if (!AgreeToOverwrite()) return false;
+    const CWaitCursor wait(m_host);
+    m_project = MakeProject(focus);
+    return m_project != nullptr;
+}
+
+std::filesystem::path CProjectDialog::GetProjectPath() const {
+    const std::string name = std::string(projectName).append(kProjectExtension);
+    return ToAbsolute(projectFolder / Outils_Fichiers::FromText(name));
+}
+
+bool CProjectDialog::CheckPlace(EProjectField& focus) {
+    focus = EProjectField::name;
+    if (projectName.empty()) return Refuse(EText::enterValue);
+    focus = EProjectField::folder;
+    switch (FindType(projectFolder)) {
+    case file_type::directory: return true;
+    case file_type::none: return false;
+    case file_type::not_found: return Refuse(EText::folderNotFound);
+    default: return Refuse(EText::notAFolder);
+    }
+}
+
+bool CProjectDialog::AgreeToOverwrite() {
+    const file_type type = FindType(GetProjectPath());
+    return type == file_type::not_found || (type != file_type::none && Ask(EText::overwriteProject));
+}
+
+file_type CProjectDialog::FindType(const std::filesystem::path& path) {
+    const auto type = LookInto([path](const Outils::CEvent&) {
+        std::error_code error;
+        return std::filesystem::status(path, error).type();
+    });
+    if (type.value_or(file_type::none) != file_type::none) return *type;
+    Refuse(FormatText(EText::fileNotReadable, {ToText(path)}));
+    return file_type::none;
+}
+
+bool CProjectDialog::CheckExists(const std::filesystem::path& path) {
+    const file_type type = FindType(path);
+    return type != file_type::none && (type != file_type::not_found || Refuse(EText::fileNotFound));
+}
+
+bool CProjectDialog::Refuse(std::string message) {
+    m_host.ShowMessage(message, EButtons::ok, EIcon::exclamation);
+    return false;
+}
+
+bool CProjectDialog::Refuse(EText text) { return Refuse(std::string(GetText(text))); }
+
+bool CProjectDialog::Ask(EText question) {
+    return m_host.ShowMessage(std::string(GetText(question)), EButtons::okCancel, EIcon::question) ==
+           EAnswer::ok;
+}
+
+void CNewProjectWizard::ChooseInputFiles(const std::vector<std::filesystem::path>& files) {
+    m_inputFiles.clear();
+    for (const auto& file : files) m_inputFiles.push_back(ToAbsolute(file));
+    if (m_inputFiles.empty()) return;
+    projectName = ToText(m_inputFiles[0].stem());
+    projectFolder = m_inputFiles[0].parent_path();
+}
+
+std::string CNewProjectWizard::GetInputLine() const {
+    std::string line;
+    for (const auto& file : m_inputFiles) {
+        const std::string text = ToText(file);
+        const std::string_view quote = text.find(' ') == std::string::npos ? "" : "\"";
+        line.append(line.empty() ? "" : " ").append(quote).append(text).append(quote);
+    }
+    return line;
+}
+
+bool CNewProjectWizard::CheckFiles(EProjectField& focus) {
+    focus = EProjectField::files;
+    if (m_inputFiles.empty()) return Refuse(EText::enterValue);
+    for (const auto& file : m_inputFiles)
+        if (!CheckExists(file)) return false;
+    focus = EProjectField::configurationFile;
+    return insConfigurationFile.empty() || CheckExists(insConfigurationFile);
+}
+
+bool CNewProjectWizard::PrepareFiles() {
+    const auto adaptors = std::make_shared<Outils_Valeurs::CTrvAdaptors>();
+    adaptors->Configure(m_configuration);
+    std::vector<SDataFileKind> kinds;
+    for (const auto& file : m_inputFiles) {
+        const auto kind = LookInto([file, adaptors](const Outils::CEvent&) {
+            return ClassifyDataFile(file, adaptors->GetDateTime());
+        });
+        kinds.push_back(kind.value_or(SDataFileKind()));
+        if (kinds.back().kind == EDataFileKind::unreadable)
+            return Refuse(FormatText(EText::unknownFileType, {ToText(file)}));
+    }
+    const auto isRaw = [](const SDataFileKind& kind, ERawFormat format) {
+        return kind.kind == EDataFileKind::raw && kind.format == format;
+    };
+    const auto isRawIns = [&](const SDataFileKind& kind) { return isRaw(kind, ERawFormat::rawIns); };
+    if (kinds.size() > 1 && !std::all_of(kinds.begin(), kinds.end(), isRawIns))
+        return Refuse(EText::onlyRawFilesTogether);
+
+    const SDataFileKind& kind = kinds[0];
+    if (kind.kind == EDataFileKind::packets) return true;
+    if (kind.kind == EDataFileKind::outdatedPackets)
+        return Ask(EText::upgradeDataFile) && m_host.UpdateDataFile(m_inputFiles[0]) == EOutcome::done;
+    if (isRawIns(kind) || isRaw(kind, ERawFormat::decodedIns)) return Convert(kind.format);
+    return Ask(EText::unrecognizedRecording) && Convert(ERawFormat::rawIns);
+}
+
+bool CNewProjectWizard::Convert(ERawFormat format) {
+    if (!Ask(EText::convertDataFile)) return false;
+    std::filesystem::path converted;
+    if (m_host.ConvertRawFiles(m_inputFiles, format, converted) != EOutcome::done) return false;
+    m_inputFiles = {ToAbsolute(converted)};
+    // A converter that failed tells it in its output alone.
+    return CheckExists(m_inputFiles[0]);
+}
+
+std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus) {
+    using Outils_Configuration::EGpsAltitudeMode;
+    const bool ellipsoidal =
+        m_configuration.Get(Cnf<"general/gpsAltitudeMode">) == EGpsAltitudeMode::ellipsoid;
+    struct SMade {
+        std::unique_ptr<CTrvProject> project;
+        EText failure = EText::fileNotReadable;
+    };
+    const SNewProject wanted{m_inputFiles[0], GetProjectPath(), insConfigurationFile, ellipsoidal};
+    SMade made = LookInto([wanted](const Outils::CEvent& cancel) {
+                     SMade built;
+                     built.project = BuildProject(wanted, built.failure, &cancel);
+                     return built;
+                 }).value_or(SMade());
+    if (!made.project) {
+        focus = made.failure == EText::insConfigurationFailed ? EProjectField::configurationFile
+                                                              : EProjectField::files;
+        Refuse(FormatText(made.failure, {ToText(wanted.recording)}));
+    }
+    return std::move(made.project);
+}
+
+bool CNewFromBatchParametersDlg::Load(const std::filesystem::path& commandFile) {
+    std::string message;
+    if (!m_creation.Load(commandFile, message)) return Refuse(message);
+    projectName = m_creation.GetProposedName();
+    projectFolder = m_creation.GetProposedFolder();
+    return true;
+}
+
+std::unique_ptr<CTrvProject> CNewFromBatchParametersDlg::MakeProject(EProjectField& focus) {
+    focus = EProjectField::files;
+    const auto recordings = LookInto(
+        [files = m_creation.GetFiles(), most = m_configuration.Get(Cnf<"general/utcSearch/maxPacketCount">)](
+            const Outils::CEvent& cancel) { return CBatchCreation::LookInto(files, most, &cancel); });
+    std::string message(GetText(EText::noEquipment));
+    auto project = recordings ? m_creation.Create(*recordings, message) : nullptr;
+    if (!project) Refuse(message);
+    return project;
+}
+
+} // namespace Dialogue_Tarvel

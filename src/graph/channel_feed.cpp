@@ -1,0 +1,291 @@
+#include "graph/channel_feed.h"
+
+#include "config/config_file.h"
+#include "graph/extent_query.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+#include <vector>
+
+namespace Presentation_Tarvel_Graphics {
+
+using namespace Application_Tarvel;
+using Outils_Configuration::Cnf;
+using Outils_Texte::EText;
+
+namespace {
+
+// Until the size of the picture is known.
+constexpr double kDefaultWidth = 1000;
+
+// The file is the reason of the failure, and not that it holds nothing to show.
+bool IsFault(const CTrvDataQuery& query) {
+    return query.GetError() == CTrvDataQuery::EError::noFile ||
+           query.GetError() == CTrvDataQuery::EError::damaged;
+}
+
+} // namespace
+
+// A window query that reports its cancelling too: the document also cancels queries.
+class CTrv1DChannelFeed::CWindowQuery final : public CTrvView1DDataQuery {
+  public:
+    using Done = std::function<void(CWindowQuery& query, bool success, bool cancelled)>;
+
+    CWindowQuery(SChannelAddress address, SWindow window, Done onDone)
+        : CTrvView1DDataQuery(std::move(address), window, {}), m_onDone(std::move(onDone)) {}
+
+    void OnFinished(bool success) override { m_onDone(*this, success, false); }
+    void OnCancelled() override { m_onDone(*this, false, true); }
+
+  private:
+    Done m_onDone;
+};
+
+CTrv1DChannelFeed::CTrv1DChannelFeed(CTrvDocument& document, CTrv1DGraphStack& stack,
+                                     std::function<void()> onChanged)
+    : m_document(document),
+      m_stack(stack),
+      m_onChanged(std::move(onChanged)),
+      m_self(std::make_shared<CTrv1DChannelFeed*>(this)) {}
+
+CTrv1DChannelFeed::~CTrv1DChannelFeed() {
+    *m_self = nullptr;
+    for (auto& [key, channel] : m_channels) Withdraw(channel);
+}
+
+bool CTrv1DChannelFeed::IsLoading() const {
+    return std::any_of(m_channels.begin(), m_channels.end(), [](const auto& entry) {
+        const SChannel& channel = entry.second;
+        return channel.extentQuery || channel.windowQuery || channel.refresh;
+    });
+}
+
+bool CTrv1DChannelFeed::HasDataOf(const Outils_Objets::CObject* file) const {
+    return std::any_of(m_channels.begin(), m_channels.end(), [file](const auto& entry) {
+        return entry.first.file == file && entry.second.dataset;
+    });
+}
+
+EText CTrv1DChannelFeed::GetNotice(const CTrv1DGraphPortlet& portlet) const {
+    bool waits = false, hasData = false;
+    portlet.ForEachSource([&](const CTrv1DGraphDataSource& source) {
+        const auto place = m_channels.find(source.GetChannel());
+        if (place == m_channels.end()) return;
+        const SChannel& channel = place->second;
+        waits = waits || !channel.answered || channel.windowQuery;
+        hasData = hasData || channel.hasData;
+    });
+    return waits ? EText::loading : hasData ? EText::noDataInPeriod : EText::noData;
+}
+
+void CTrv1DChannelFeed::Update() {
+    Channels channels;
+    std::vector<SChannelKey> changed;
+    for (const auto& portlet : m_stack.GetPortlets())
+        portlet->ForEachSource([&](const CTrv1DGraphDataSource& source) {
+            const SChannelKey& key = source.GetChannel();
+            if (!key.file || channels.contains(key)) return;
+            const SChannelAddress address = m_document.GetAddress(*key.file, key.channel);
+            const CDateTimeSpan origin = Metier_Tarvel::ToSpan(key.file->timeOffset);
+            SChannel& channel = channels[key];
+            const auto known = m_channels.find(key);
+            if (known != m_channels.end() && known->second.address.path == address.path) {
+                channel = std::move(known->second);
+                m_channels.erase(known);
+                if (channel.origin == origin) return;
+                // The data moves on the screen as a whole; what is shown of it is read again.
+                channel.dataset.reset();
+                changed.push_back(key);
+            }
+            channel.address = address;
+            channel.origin = origin;
+        });
+    for (auto& [key, channel] : m_channels) Withdraw(channel);
+    m_channels = std::move(channels);
+    for (const SChannelKey& key : changed) AskWindow(key, m_channels[key]);
+    for (auto& [key, channel] : m_channels)
+        if (!channel.answered && !channel.extentQuery) AskExtent(key, channel);
+    for (const auto& [key, channel] : m_channels) m_stack.SetDataset(key, channel.dataset);
+    if (UpdateFullExtent()) AskWindows();
+}
+
+void CTrv1DChannelFeed::Forget(const Outils_Objets::CObject* file) {
+    for (auto& [key, channel] : m_channels) {
+        if (file && key.file != file) continue;
+        Withdraw(channel);
+        channel = {};
+    }
+}
+
+void CTrv1DChannelFeed::Withdraw(SChannel& channel) {
+    // Forgotten before it is cancelled, so that its answer finds nobody.
+    for (auto* query : {&channel.extentQuery, &channel.windowQuery})
+        if (const auto old = std::exchange(*query, nullptr)) m_document.GetQueryManager().Cancel(old);
+}
+
+void CTrv1DChannelFeed::Refresh(const Outils_Objets::CObject* file, bool force) {
+    for (auto& [key, channel] : m_channels) {
+        if (file && key.file != file) continue;
+        channel.refresh = true;
+        channel.force = channel.force || force;
+    }
+    StartRefreshes();
+}
+
+// One round at a time: a file that grows faster than it is read would otherwise fill the queue, and the
+// questions of a user who pans would wait behind.
+void CTrv1DChannelFeed::StartRefreshes() {
+    for (const auto& [key, channel] : m_channels)
+        if (channel.extentQuery || channel.windowQuery) return;
+    for (auto& [key, channel] : m_channels)
+        if (channel.refresh) AskExtent(key, channel);
+}
+
+void CTrv1DChannelFeed::AskExtent(const SChannelKey& key, SChannel& channel) {
+    channel.refresh = false;
+    auto query = std::make_shared<CTrv1DExtentQuery>(
+        channel.address, [self = m_self, key](const CTrv1DExtentQuery& answer, bool success, bool cancelled) {
+            if (*self) (*self)->OnExtent(key, answer, success, cancelled);
+        });
+    channel.extentQuery = query;
+    m_document.GetQueryManager().Submit(query);
+}
+
+void CTrv1DChannelFeed::AskWindow(const SChannelKey& key, SChannel& channel) {
+    if (const auto old = std::exchange(channel.windowQuery, nullptr))
+        m_document.GetQueryManager().Cancel(old);
+    const auto& [start, end] = m_stack.GetPeriod();
+    const CDateTimeSpan first = start - channel.origin, last = end - channel.origin;
+    if (!m_stack.HasPeriod() || !channel.hasData || !first.IsValid() || !last.IsValid()) return;
+
+    const double ratio = Config().Get(Cnf<"view1D/subSamplingRatio">);
+    const double width = m_askedWidth > 0 ? m_askedWidth : kDefaultWidth;
+    const double slice = static_cast<double>((end - start).GetTicks()) / width *
+                         (std::isfinite(ratio) && ratio > 0 ? ratio : 1);
+    SWindow window;
+    window.start = first;
+    window.end = last;
+    window.slice = CDateTimeSpan(static_cast<std::int64_t>(std::clamp(slice, 1.0, 1e18)));
+    window.collectExtremum = Config().Get(Cnf<"view1D/collectExtremum">);
+
+    auto query = std::make_shared<CWindowQuery>(
+        channel.address, window, [self = m_self, key](CWindowQuery& answer, bool success, bool cancelled) {
+            if (*self) (*self)->OnWindow(key, answer, success, cancelled);
+        });
+    channel.windowQuery = query;
+    m_document.GetQueryManager().Submit(query);
+}
+
+void CTrv1DChannelFeed::AskWindows() {
+    m_askedWidth = static_cast<double>(m_stack.GetPlotWidth()) * m_devicePixelRatio;
+    // All of the old period are withdrawn before the first of the new one is queued, and the top graph comes
+    // first.
+    for (auto& [key, channel] : m_channels)
+        if (const auto old = std::exchange(channel.windowQuery, nullptr))
+            m_document.GetQueryManager().Cancel(old);
+    for (const auto& portlet : m_stack.GetPortlets())
+        portlet->ForEachSource([&](const CTrv1DGraphDataSource& source) {
+            const auto place = m_channels.find(source.GetChannel());
+            if (place != m_channels.end() && !place->second.windowQuery)
+                AskWindow(place->first, place->second);
+        });
+}
+
+void CTrv1DChannelFeed::FollowWidth(double devicePixelRatio) {
+    m_devicePixelRatio = devicePixelRatio;
+    // A little coarser or finer than asked for cannot be seen, and a window is dragged in many small steps.
+    const double width = static_cast<double>(m_stack.GetPlotWidth()) * m_devicePixelRatio;
+    if (m_stack.HasPeriod() && std::abs(width - m_askedWidth) > m_askedWidth * 0.1) AskWindows();
+}
+
+void CTrv1DChannelFeed::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success,
+                                 bool cancelled) {
+    const auto place = m_channels.find(key);
+    if (place == m_channels.end() || place->second.extentQuery.get() != &query) return;
+    SChannel& channel = place->second;
+    channel.extentQuery.reset();
+    if (cancelled) return;
+
+    if (!success && IsFault(query)) {
+        m_document.OnQueryFailed(*key.file);
+        // What was read of the file, and where it began and ended, is all that is left of it.
+        if (channel.dataset) {
+            channel.answered = true;
+            StartRefreshes();
+            return m_onChanged();
+        }
+    }
+    const SPeriod& period = m_stack.GetPeriod();
+    const bool hadData = std::exchange(channel.hasData, success);
+    const bool sameStart = hadData && success && channel.first == query.GetFirst();
+    // What was appended after the displayed time changes nothing in it.
+    const bool growth = channel.last != query.GetLast() && !(period.end < channel.last + channel.origin);
+    const bool read = std::exchange(channel.force, false) || !sameStart || growth;
+    channel.answered = true;
+    channel.first = query.GetFirst();
+    channel.last = query.GetLast();
+    if (!success) {
+        // The file is whole and has no such channel, or no packet of it yet: its curves are no longer true.
+        Withdraw(channel);
+        channel.dataset.reset();
+        m_stack.SetDataset(key, nullptr);
+    }
+    if (UpdateFullExtent())
+        AskWindows();
+    else if (read)
+        AskWindow(key, channel);
+    StartRefreshes();
+    m_onChanged();
+}
+
+void CTrv1DChannelFeed::OnWindow(const SChannelKey& key, CWindowQuery& query, bool success, bool cancelled) {
+    const auto place = m_channels.find(key);
+    if (place == m_channels.end() || place->second.windowQuery.get() != &query) return;
+    SChannel& channel = place->second;
+    channel.windowQuery.reset();
+    if (!success && !cancelled && IsFault(query)) m_document.OnQueryFailed(*key.file);
+    if (success && !cancelled) {
+        channel.dataset =
+            std::make_shared<CTrv1DGraphDataset>(query.TakeSeries(), query.GetWindow().slice, channel.origin);
+        m_stack.SetDataset(key, channel.dataset);
+    }
+    StartRefreshes();
+    m_onChanged();
+}
+
+// True when the displayed time changed with it: a view of everything stays one.
+bool CTrv1DChannelFeed::UpdateFullExtent() {
+    const bool followed = !m_stack.HasPeriod() || m_stack.ShowsFullExtent();
+    // The first picture waits until all ends are known, so that it need not be drawn over and over.
+    if (!m_stack.HasPeriod())
+        for (const auto& [key, channel] : m_channels)
+            if (!channel.answered) return false;
+    const SPeriod extent = FindFullExtent();
+    if (extent.IsEmpty()) return false;
+    m_stack.SetFullExtent(extent);
+    if (!followed || m_stack.ShowsFullExtent()) return false;
+    m_stack.SetPeriod(extent);
+    return true;
+}
+
+SPeriod CTrv1DChannelFeed::FindFullExtent() const {
+    SPeriod extent;
+    bool found = false;
+    for (const auto& [key, channel] : m_channels) {
+        const CDateTimeSpan first = channel.first + channel.origin, last = channel.last + channel.origin;
+        if (!channel.hasData || !first.IsValid() || !last.IsValid()) continue;
+        extent.start = found ? std::min(extent.start, first) : first;
+        extent.end = found ? std::max(extent.end, last) : last;
+        found = true;
+    }
+    // A single packet is shown in the second that follows it.
+    if (found && extent.IsEmpty()) extent.end = extent.start + CDateTimeSpan(Outils_Temps::kTicksPerSecond);
+    const auto* project = m_document.GetProject();
+    if (!found && project)
+        extent = {Metier_Tarvel::ToSpan(project->simulationParameters->begin),
+                  Metier_Tarvel::ToSpan(project->simulationParameters->end)};
+    return extent;
+}
+
+} // namespace Presentation_Tarvel_Graphics

@@ -1,0 +1,106 @@
+#include "graph/measure_portlet.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Presentation_Tarvel_Graphics {
+
+using namespace Outils_Plot2D;
+
+namespace {
+
+constexpr double kRangePadding = 0.05; // of the width, above and below
+// A constant is shown in the middle of a range as wide as this part of it, or this many internal units.
+constexpr double kConstantWidth = 1e-3;
+// Below this part of its greatest value a range's ticks are lost in the rounding of a double.
+constexpr double kLeastRelativeWidth = 1e-12;
+
+bool IsUsable(double minimum, double maximum) {
+    const double width = maximum - minimum;
+    return std::isfinite(width) && width > 0 &&
+           width > std::max(std::abs(minimum), std::abs(maximum)) * kLeastRelativeWidth;
+}
+
+} // namespace
+
+CTrv1DGraphMeasurePortlet::CTrv1DGraphMeasurePortlet(CPlot2DSettings& settings,
+                                                     const SSimulationTimeText& timeText,
+                                                     const SGraphDescription& description)
+    : CTrv1DGraphPortlet(settings, timeText, description) {
+    auto scale = std::make_unique<CTrv1DGraphVerticalScale>(*description.adaptor);
+    auto formater = std::make_unique<CTrv1DGraphNumericAdaptorFormater>(*description.adaptor);
+    m_scale = scale.get();
+    m_formater = formater.get();
+    GetPlot().GetVerticalAxis().SetScale(std::move(scale));
+    GetPlot().GetVerticalAxis().SetFormater(std::move(formater));
+    Update(description);
+}
+
+void CTrv1DGraphMeasurePortlet::Update(const SGraphDescription& description) {
+    m_scale->SetAdaptor(*description.adaptor);
+    CTrv1DGraphPortlet::Update(description);
+    Reformat();
+}
+
+std::unique_ptr<CTrv1DGraphDataSource>
+CTrv1DGraphMeasurePortlet::MakeSource(const SCurveDescription& curve) const {
+    return std::make_unique<CTrv1DGraphDataSource>(curve.channel, curve.field, curve.factor);
+}
+
+CPlot2DSerie& CTrv1DGraphMeasurePortlet::AddSerie(std::unique_ptr<CTrv1DGraphDataSource> source,
+                                                  std::string name) {
+    return GetPlot().AddCurve(std::move(source), std::move(name));
+}
+
+void CTrv1DGraphMeasurePortlet::SetRange(double minimum, double maximum) {
+    if (!IsUsable(minimum, maximum)) return;
+    m_automatic = false;
+    m_scale->SetRange(minimum, maximum);
+}
+
+void CTrv1DGraphMeasurePortlet::SetRangeAutomatic() {
+    m_automatic = true;
+    FitRange();
+}
+
+void CTrv1DGraphMeasurePortlet::Zoom(double factor) {
+    const double a = GetMinimum(), b = GetMaximum();
+    const double centre = (a + b) * 0.5, half = (b - a) * factor * 0.5;
+    SetRange(centre - half, centre + half);
+}
+
+void CTrv1DGraphMeasurePortlet::Scroll(double factor) {
+    const double a = GetMinimum(), b = GetMaximum(), shift = (b - a) * factor;
+    SetRange(a + shift, b + shift);
+}
+
+void CTrv1DGraphMeasurePortlet::OnDataChanged() {
+    if (m_automatic) FitRange();
+}
+
+void CTrv1DGraphMeasurePortlet::FitRange() {
+    double low = std::numeric_limits<double>::infinity(), high = -low;
+    bool found = false;
+    ForEachSource([&](const CTrv1DGraphDataSource& source) {
+        if (source.IncludeValues(low, high)) found = true;
+    });
+    if (!found) return;
+    double padding = (high - low) * kRangePadding;
+    if (!IsUsable(low, high)) padding = std::max(std::abs(high) * kConstantWidth, kConstantWidth) / 2;
+    m_scale->SetRange(low - padding, high + padding);
+}
+
+void CTrv1DGraphMeasurePortlet::Reformat() { m_formater->FitPrecision(*m_scale); }
+
+void CTrv1DGraphMeasurePortlet::ChooseVerticalTicks(const CGraphics& graphics) {
+    // Labels of a range that nothing has given yet would tell values that are nowhere.
+    if (m_automatic && !HasPoints())
+        m_scale->SetStep(0);
+    else
+        m_scale->ChooseStep(GetPlot().GetPlottingArea().GetRect().height,
+                            graphics.GetFontHeight(GetPlot().GetVerticalAxis().GetFont()));
+    m_formater->FitPrecision(*m_scale);
+}
+
+} // namespace Presentation_Tarvel_Graphics

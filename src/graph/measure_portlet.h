@@ -1,0 +1,45 @@
+// The graph of curves of one kind of measure. UI thread.
+#pragma once
+
+#include "graph/portlet.h"
+#include "graph/vertical_scale.h"
+
+namespace Presentation_Tarvel_Graphics {
+
+// Its vertical range fits the data until the user changes it.
+class CTrv1DGraphMeasurePortlet : public CTrv1DGraphPortlet {
+  public:
+    // REQUIRES: `description` is of a measure graph.
+    CTrv1DGraphMeasurePortlet(Outils_Plot2D::CPlot2DSettings& settings, const SSimulationTimeText& timeText,
+                              const SGraphDescription& description);
+
+    void Update(const SGraphDescription& description) override;
+
+    double GetMinimum() const { return m_scale->GetMinimum(); }
+    double GetMaximum() const { return m_scale->GetMaximum(); }
+    // The range follows the data.
+    bool IsRangeAutomatic() const { return m_automatic; }
+    // The user's range; ignored unless it is finite and wide enough for its values to be told apart.
+    void SetRange(double minimum, double maximum);
+    void SetRangeAutomatic();
+    // Zooms by `factor` about the middle of the range; moves it by this part of its width.
+    void Zoom(double factor);
+    void Scroll(double factor);
+
+    void OnDataChanged() override;
+    void Reformat() override;
+
+  protected:
+    std::unique_ptr<CTrv1DGraphDataSource> MakeSource(const SCurveDescription& curve) const override;
+    CPlot2DSerie& AddSerie(std::unique_ptr<CTrv1DGraphDataSource> source, std::string name) override;
+    void ChooseVerticalTicks(const CGraphics& graphics) override;
+
+  private:
+    void FitRange();
+
+    CTrv1DGraphVerticalScale* m_scale;             // owned by the plot's axis
+    CTrv1DGraphNumericAdaptorFormater* m_formater; // owned by the plot's axis
+    bool m_automatic = true;
+};
+
+} // namespace Presentation_Tarvel_Graphics

@@ -1,0 +1,42 @@
+// What lies where in a stack that is laid out, and how it is drawn. Points are in the coordinates of the
+// stack. UI thread.
+#pragma once
+
+#include "graph/stack.h"
+
+class QPainter;
+
+namespace Presentation_Tarvel_Graphics {
+
+// How the cursor and the marks on the curves under it look.
+struct SCursorLook {
+    Colour colour = 0xFFFF0000;
+    float width = 1;
+    Colour echoColour = 0xFFFF0000;
+    float echoWidth = 1;
+    float echoSize = 5;
+};
+
+// The portlet under a point, or null.
+CTrv1DGraphPortlet* PortletAt(const CTrv1DGraphStack& stack, SPoint point);
+// The portlet whose lower border is less than 3 pixels from y, or null.
+CTrv1DGraphPortlet* BorderAt(const CTrv1DGraphStack& stack, float y);
+// The time at a horizontal position; false without a period or outside the plotting areas.
+bool TimeAt(const CTrv1DGraphStack& stack, float x, CDateTimeSpan& time);
+// The time between two positions of the plotting areas, which may lie outside; empty when it is below one
+// second.
+SPeriod PeriodBetween(const CTrv1DGraphStack& stack, float x0, float x1);
+// The period after the picture was dragged by `dx` pixels, positive to earlier times; empty when that changes
+// nothing.
+SPeriod DragPeriod(const CTrv1DGraphStack& stack, float dx);
+
+// Draws what lies in `visible`.
+void DrawStack(const CTrv1DGraphStack& stack, CGraphics& graphics, const SRect& visible, bool markSelected);
+// Lays the stack out for `size`, draws all of it from the painter's origin, without a mark of the selection,
+// on a white ground. One unit is one pixel of a screen: scale the painter for paper or a dense picture.
+void DrawStack(CTrv1DGraphStack& stack, QPainter& painter, SSize size);
+// The cursor at a time across all plotting areas, with the values under it marked if `echo`.
+void DrawCursor(const CTrv1DGraphStack& stack, CGraphics& graphics, CDateTimeSpan time,
+                const SCursorLook& look, bool echo);
+
+} // namespace Presentation_Tarvel_Graphics

@@ -1,0 +1,347 @@
+#include "dialogs/project_dialogs.h"
+
+#include "config/config_file.h"
+#include "dataaccess/test_recording.h"
+#include "dialogs/choosers.h"
+#include "dialogs/rough_misalignment.h"
+#include "document/document.h"
+#include "document/project_creation.h"
+#include "document/scripted_host.h"
+#include "foundation/files.h"
+#include "foundation/paths.h"
+#include "foundation/texts.h"
+#include "support/faulty_disk.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <functional>
+
+using namespace Dialogue_Tarvel;
+using namespace Metier_Tarvel;
+using namespace Outils_Configuration;
+using Outils_Texte::EText;
+using Outils_Texte::GetText;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+namespace {
+
+std::string Text(EText id) { return std::string(GetText(id)); }
+
+class ProjectDialogs : public testing::Test {
+  protected:
+    ProjectDialogs() {
+        Record("dive.tarin", 14);
+        Record("blind.tarin", -1);
+        // With a channel of a name that is known no more.
+        auto bytes = Outils_Fichiers::ReadWholeFile(m_folder / "dive.tarin", 1 << 20).value();
+        bytes[123 + 2] = 'X';
+        EXPECT_TRUE(Outils_Fichiers::WriteWholeFile(m_folder / "old.tarin", bytes));
+        Write("raw1.log", "$\x04__$ and so on");
+        Write("raw 2.log", "$\x04__$ and so on");
+        Write("decoded.txt", "NAV___: 1\nNAV___: 2\n");
+        Write("depth.txt", "DEPTH TO VARNE NAV EXTERNAL DATA\n");
+        Write("other.bin", "nothing known");
+        Write("ini.txt", "[System]\nbias=4,5,6\nAxisor=9\n[Info]\nType=17\n");
+        Write("bad.txt", "[System]\nbias=4,5\n");
+    }
+
+    // Without an IMU packet for an equipment below 0.
+    void Record(const char* name, int equipment) {
+        test::CTestRecording recording(m_folder / name);
+        Persistance_Xpf::CXpfTarinImuPacketV2 imu;
+        imu.SetUInt8(2, static_cast<std::uint8_t>(equipment));
+        for (int i = 0; equipment >= 0 && i < 3; ++i) {
+            imu.SetDate(0, test::Seconds(1 + i));
+            EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
+        }
+        recording.Gps(4, 48.5, -4.5, 10);
+        recording.Flush();
+    }
+    void Write(const char* name, std::string_view text) { std::ofstream(m_folder / name) << text; }
+    std::vector<std::filesystem::path> InFolder(std::initializer_list<const char*> names) {
+        std::vector<std::filesystem::path> paths;
+        for (const char* name : names) paths.push_back(m_folder / name);
+        return paths;
+    }
+
+    test::CTemporaryFolder m_folder;
+    test::CScriptedHost m_host;
+    CTrvCnfConfigFile m_configuration;
+    CFileLooks m_looks{m_host.m_queue};
+};
+
+TEST_F(ProjectDialogs, TheWizardChecksInItsOrderAndSaysWhere) {
+    using enum EAnswer;
+    using enum EProjectField;
+    Write("taken.tarprj", "a project");
+    const std::string unknown =
+        Outils_Texte::FormatText(EText::unknownFileType, {Outils_Fichiers::ToText(m_folder / ".")});
+    struct SCase {
+        std::vector<std::filesystem::path> files;
+        const char* configuration;
+        std::string name;
+        const char* folder;
+        std::vector<EAnswer> answers;
+        const char* converted;
+        std::vector<std::string> messages;
+        std::optional<EProjectField> focus; // none when the project is made
+    };
+    const auto dive = InFolder({"dive.tarin"}), raw = InFolder({"raw1.log"});
+    const SCase cases[] = {
+        {{}, "gone", "", "gone", {}, "", {Text(EText::enterValue)}, files},
+        {InFolder({"dive.tarin", "gone"}), "gone", "", "gone", {}, "", {Text(EText::fileNotFound)}, files},
+        {dive, "gone", "", "gone", {}, "", {Text(EText::fileNotFound)}, configurationFile},
+        {dive, "", "", "gone", {}, "", {Text(EText::enterValue)}, name},
+        {dive, "", "p", "gone", {}, "", {Text(EText::folderNotFound)}, folder},
+        {dive, "", "p", "ini.txt", {}, "", {Text(EText::notAFolder)}, folder},
+        {InFolder({"dive.tarin", "."}), "", "p", "", {}, "", {unknown}, files}, // a folder has no type
+        {InFolder({"dive.tarin", "old.tarin"}),
+         "",
+         "p",
+         "",
+         {},
+         "",
+         {Text(EText::onlyRawFilesTogether)},
+         files},
+        {InFolder({"raw1.log", "decoded.txt"}),
+         "",
+         "p",
+         "",
+         {},
+         "",
+         {Text(EText::onlyRawFilesTogether)},
+         files},
+        {InFolder({"old.tarin"}), "", "p", "", {cancel}, "", {Text(EText::upgradeDataFile)}, files},
+        {InFolder({"other.bin"}), "", "p", "", {cancel}, "", {Text(EText::unrecognizedRecording)}, files},
+        {InFolder({"depth.txt"}),
+         "",
+         "p",
+         "",
+         {ok, cancel},
+         "dive.tarin",
+         {Text(EText::unrecognizedRecording), Text(EText::convertDataFile)},
+         files},
+        {raw, "", "p", "", {cancel}, "dive.tarin", {Text(EText::convertDataFile)}, files},
+        {raw, "", "p", "", {ok}, "", {Text(EText::convertDataFile)}, files},
+        {raw, "", "p", "", {ok}, "gone", {Text(EText::convertDataFile), Text(EText::fileNotFound)}, files},
+        {dive, "", "taken", "", {cancel}, "", {Text(EText::overwriteProject)}, name},
+        {dive, "bad.txt", "p", "", {}, "", {Text(EText::insConfigurationFailed)}, configurationFile},
+        {InFolder({"blind.tarin"}), "", "p", "", {}, "", {Text(EText::noEquipment)}, files},
+        {dive, "ini.txt", "taken", "", {ok}, "", {Text(EText::overwriteProject)}, {}},
+        {raw, "", "p", "", {ok}, "dive.tarin", {Text(EText::convertDataFile)}, {}},
+    };
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        const SCase& c = cases[i];
+        CNewProjectWizard wizard(m_host, m_configuration, m_looks);
+        wizard.ChooseInputFiles(c.files);
+        if (*c.configuration) wizard.insConfigurationFile = m_folder / c.configuration;
+        wizard.projectName = c.name;
+        wizard.projectFolder = m_folder / c.folder;
+        m_host.m_answers.assign(c.answers.begin(), c.answers.end());
+        m_host.m_converted = *c.converted ? std::optional(m_folder / c.converted) : std::nullopt;
+        EProjectField focus = folder;
+        EXPECT_EQ(wizard.OnOK(focus), !c.focus) << i;
+        EXPECT_EQ(m_host.TakeMessages(), c.messages) << i;
+        EXPECT_EQ(wizard.TakeProject() != nullptr, !c.focus) << i;
+        if (c.focus) {
+            EXPECT_EQ(focus, *c.focus) << i;
+        }
+    }
+    EXPECT_FALSE(std::filesystem::exists(m_folder / "p.tarprj"));
+    EXPECT_EQ(m_host.m_waitCursors, 0);
+}
+
+// The search for the last inertial packet is told to give up behind its first read, of external data alone.
+TEST_F(ProjectDialogs, ARecordingThatDidNotTellAllInTimeMakesNoProject) {
+    test::CTestRecording recording(m_folder / "dive.tarin");
+    Persistance_Xpf::CXpfTarinImuPacketV2 imu;
+    imu.SetDate(0, test::Seconds(1));
+    for (int i = 0; i < 2; ++i) EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
+    for (int i = 0; i < 20000; ++i) recording.Gps(i, 48.5, -4.5, 10);
+    recording.Flush();
+    std::optional<test::CFaultyDisk> disk(std::in_place, m_folder / "dive.tarin", test::CFaultyDisk::stalls,
+                                          file_size(m_folder / "dive.tarin") / 2);
+    std::unique_ptr<CTrvProject> project;
+    EText failure = EText::none;
+    Outils::CTask look([&](const Outils::CEvent& cancel) {
+        project = BuildProject({m_folder / "dive.tarin", m_folder / "p.tarprj"}, failure, &cancel);
+    });
+    ASSERT_TRUE(look.Start());
+    disk->WaitForHeld(1);
+    look.Stop();
+    disk.reset();
+    look.Join();
+    EXPECT_FALSE(project);
+    EXPECT_EQ(failure, EText::fileNotReadable);
+}
+
+TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
+    const auto run = [&](std::initializer_list<const char*> names) {
+        CNewProjectWizard wizard(m_host, m_configuration, m_looks);
+        wizard.ChooseInputFiles(InFolder(names));
+        EProjectField focus{};
+        EXPECT_TRUE(wizard.OnOK(focus));
+        return wizard.GetInputFiles();
+    };
+    m_host.m_repaired = m_folder / "dive.tarin";
+    EXPECT_EQ(run({"old.tarin"}), InFolder({"old.tarin"}));
+    m_host.m_converted = m_folder / "dive.tarin";
+    EXPECT_EQ(run({"raw1.log", "raw 2.log"}), InFolder({"dive.tarin"}));
+    run({"decoded.txt"});
+    run({"other.bin"});
+    using CConversion = test::CScriptedHost::CConversion;
+    EXPECT_THAT(m_host.m_conversions,
+                ElementsAre(CConversion(InFolder({"raw1.log", "raw 2.log"}), ERawFormat::rawIns),
+                            CConversion(InFolder({"decoded.txt"}), ERawFormat::decodedIns),
+                            CConversion(InFolder({"other.bin"}), ERawFormat::rawIns)));
+
+    CNewProjectWizard wizard(m_host, m_configuration, m_looks);
+    wizard.ChooseInputFiles({"/d/raw1.log", "/d/raw 2.log"});
+    EXPECT_EQ(wizard.GetInputLine(), "/d/raw1.log \"/d/raw 2.log\"");
+}
+
+TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
+    CTrvDocument document(m_host, m_host.m_queue, m_configuration);
+    Record("second.tarin", 14);
+    Record("repaired.tarin", 14);
+    std::string message;
+    auto project = CreateProject({m_folder / "dive.tarin", m_folder / "p.tarprj"}, message);
+    ASSERT_TRUE(project && project->AddDataFile(m_folder / "second.tarin", false));
+    ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
+    const auto putBack = [this](std::initializer_list<const char*> names) {
+        m_host.m_repaired = m_folder / "old.tarin";
+        for (const auto& file : InFolder(names)) static_cast<void>(m_host.UpdateDataFile(file));
+        m_host.m_repaired = m_folder / "repaired.tarin";
+    };
+    putBack({"dive.tarin", "second.tarin"});
+    std::vector<std::string> names; // of the first channels, as the dictionary has them
+    for (const bool upgrade : {false, true}) {
+        m_host.m_answers = {upgrade ? EAnswer::yes : EAnswer::no};
+        ASSERT_TRUE(document.CommandOpen(m_folder / "p.tarprj"));
+        EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(EText::upgradeDataFiles)));
+        for (const CTrvDataFile* file : document.GetProject()->simulationParameters->GetDataFiles())
+            if (const auto* layer = document.GetProject()->dataModel->FindLayer(file, 0))
+                names.push_back(layer->m_name);
+    }
+    EXPECT_THAT(names, ElementsAre("XMU", "XMU", "IMU", "IMU"));
+
+    // Of a file that answers late, behind the opening.
+    putBack({"dive.tarin"});
+    m_host.m_patience = {};
+    {
+        const test::CFaultyDisk disk(m_folder / "dive.tarin", test::CFaultyDisk::stalls);
+        ASSERT_TRUE(document.CommandOpen(m_folder / "p.tarprj"));
+        EXPECT_THAT(m_host.m_messages, IsEmpty());
+    }
+    const auto isFollowed = [&] {
+        const auto& main = *document.GetProject()->simulationParameters->mainInputFile;
+        const auto* layer = document.GetProject()->dataModel->FindLayer(&main, 0);
+        return layer && layer->m_name == "IMU" && layer->m_hasData;
+    };
+    m_host.m_answers = {EAnswer::yes};
+    EXPECT_TRUE(m_host.m_queue.RunUntil(isFollowed, std::chrono::seconds(30)));
+    EXPECT_THAT(m_host.m_messages, ElementsAre(Text(EText::upgradeDataFiles)));
+    EXPECT_THAT(m_host.m_output, IsEmpty());
+}
+
+TEST_F(ProjectDialogs, NewBringsTheWizardsProjectIntoTheDocument) {
+    m_configuration.Set(Cnf<"general/gpsAltitudeMode">, EGpsAltitudeMode::ellipsoid);
+    CTrvDocument document(m_host, m_host.m_queue, m_configuration);
+    m_host.m_makeProject = [&](const auto&, SMadeProject& made) {
+        CNewProjectWizard wizard(m_host, m_configuration, m_looks);
+        wizard.ChooseInputFiles(InFolder({"dive.tarin"}));
+        wizard.insConfigurationFile = m_folder / "ini.txt";
+        EProjectField focus{};
+        EXPECT_TRUE(wizard.OnOK(focus));
+        made = {wizard.TakeProject(), wizard.GetProjectPath()};
+        return EOutcome::done;
+    };
+    ASSERT_TRUE(document.CommandNew());
+    ASSERT_TRUE(document.GetProject());
+    EXPECT_EQ(document.GetPathName(), m_folder / "dive.tarprj");
+    EXPECT_TRUE(std::filesystem::exists(m_folder / "dive.tarprj"));
+    EXPECT_FALSE(document.IsModified());
+    const auto& parameters = *document.GetProject()->simulationParameters;
+    EXPECT_EQ(parameters.outputFile->path, m_folder / "dive.tarout");
+    EXPECT_EQ(parameters.gpsAltitudeReference, altitudeEllipsoid);
+    EXPECT_EQ(parameters.algorithm, algorithmBackward);
+    EXPECT_EQ(parameters.heaveAlgorithm, heaveKelvar);
+    EXPECT_EQ(parameters.nelixConfiguration->roughMisalignment, 9);
+    EXPECT_EQ(parameters.nelixConfiguration->type->equipment, 14); // the recording's, not the file's
+    EXPECT_EQ(ToSpan(parameters.begin), test::Seconds(1));
+    EXPECT_EQ(ToSpan(parameters.end), test::Seconds(3));
+
+    // The project stays until another one is accepted.
+    m_host.m_makeProject = {};
+    EXPECT_TRUE(document.CommandNew());
+    EXPECT_EQ(&parameters, document.GetProject()->simulationParameters.get());
+    EXPECT_EQ(document.GetPathName(), m_folder / "dive.tarprj");
+    EXPECT_THAT(m_host.m_messages, IsEmpty());
+}
+
+TEST_F(ProjectDialogs, ChoosersListWhatTheProjectHas) {
+    Record("more.tarin", 14);
+    CTrvProject project(m_folder / "dive.tarin", m_folder / "dive.tarout");
+    auto& parameters = *project.simulationParameters;
+    CTrvDataFile* more = project.AddDataFile(m_folder / "more.tarin", false);
+    ASSERT_TRUE(more);
+    CTrvSensor* gps = parameters.AddSensor(ESensorKind::gps);
+    parameters.outputFile->AddChannel(gps->channel->id, "GPS_1", std::string(gps->GetRuntimeClass().name));
+
+    CDataFileChooser files(parameters, 2);
+    std::vector<std::pair<EDataFileRole, std::string>> rows;
+    for (const auto& row : files.GetRows()) rows.emplace_back(row.role, row.name);
+    EXPECT_THAT(rows, ElementsAre(std::pair(EDataFileRole::mainInput, "dive.tarin"),
+                                  std::pair(EDataFileRole::output, "dive.tarout"),
+                                  std::pair(EDataFileRole::external, "more.tarin")));
+    EXPECT_EQ(files.OnOK()->file, more);
+    EXPECT_EQ(m_folder / "x", Outils_Fichiers::FromText(files.OnOK()->folder) / "x");
+    files.Select(3);
+    EXPECT_FALSE(files.OnOK());
+
+    gps->channel = more->FindChannel("GPS_1");
+    CDataFileChannelChooser channels(parameters, *gps);
+    ASSERT_EQ(channels.GetRows().size(), 2u); // none of the result
+    EXPECT_EQ(channels.OnOK()->data, gps->channel);
+    channels.Select(0);
+    EXPECT_EQ(channels.OnOK()->data, parameters.mainInputFile->FindChannel("GPS_1"));
+    EXPECT_EQ(channels.OnOK()->file, "dive.tarin");
+}
+
+TEST(RoughMisalignment, SidesAndCodesBelongTogether) {
+    for (const int equipment : {9, 11, 14})
+        for (int code = 0; code < kRoughMisalignmentCount; ++code)
+            EXPECT_EQ(CRoughMisalignmentChooser(code, equipment).GetCode(), code) << equipment;
+    // Units of equipment 11, 12 and 16 are mounted the other way.
+    const auto sides = [](int code, int equipment) {
+        const CRoughMisalignmentChooser chooser(code, equipment);
+        return std::pair(chooser.GetLogo(), chooser.GetConnector());
+    };
+    EXPECT_EQ(sides(9, 9), std::pair(3, 1));
+    EXPECT_EQ(sides(9, 18), std::pair(3, 1));
+    for (const int equipment : {11, 12, 16}) EXPECT_EQ(sides(9, equipment), std::pair(0, 3)) << equipment;
+    EXPECT_EQ(sides(24, 11), std::pair(4, 0));
+    EXPECT_EQ(sides(-1, 9), std::pair(0, 5));
+
+    CRoughMisalignmentChooser chooser(0, 9);
+    EXPECT_FALSE(chooser.SetConnector(1)); // on the axis of the logo
+    EXPECT_FALSE(chooser.SetConnector(6) || chooser.SetLogo(6) || chooser.SetLogo(-1));
+    EXPECT_EQ(chooser.GetConnector(), 5);
+    EXPECT_TRUE(chooser.SetLogo(4)); // the connectors move to the first side of the next axis
+    EXPECT_EQ(chooser.GetConnector(), 0);
+    EXPECT_EQ(chooser.GetCode(), 17);
+    EXPECT_TRUE(chooser.SetConnector(2));
+    EXPECT_TRUE(chooser.SetLogo(3));
+    EXPECT_EQ(chooser.GetConnector(), 4);
+
+    EXPECT_EQ(chooser.GetLabel(2), "Right (starboard)");
+    EXPECT_EQ(chooser.GetLabel(5), "Back (stern)");
+    const CRoughMisalignmentChooser brief(0, 15);
+    EXPECT_EQ(brief.GetLabel(1), "Downward");
+    EXPECT_EQ(brief.GetLabel(2), "Right");
+    EXPECT_EQ(brief.GetLabel(5), "Back");
+}
+
+} // namespace
