@@ -67,9 +67,8 @@ EText FindFault(const SInput& input, const std::filesystem::path& result, const 
 std::optional<Outils_Temps::CDateTimeSpan> FindLastDate(const std::filesystem::path& result,
                                                         const Outils::CEvent& cancel) {
     using namespace Persistance_Xpf;
-    bool outdated = false;
-    const auto file = OpenXpfFile(result, EFileKind::tarout, outdated, &cancel);
-    CXpfChannel* channel = file ? file->FindChannelByName(kNavigationChannel) : nullptr;
+    const SOpenedFile opened = OpenXpfFile(result, EFileKind::tarout, &cancel);
+    CXpfChannel* channel = opened.file ? opened.file->FindChannelByName(kNavigationChannel) : nullptr;
     const auto packet = channel ? channel->CreatePacket() : nullptr;
     const auto* dated = dynamic_cast<const CXpfDatedPacket*>(packet.get());
     if (!dated || !channel->SeekLastPacket(nullptr) || !channel->ReadNextPacket(*packet)) return std::nullopt;

@@ -9,7 +9,7 @@
 namespace Application_Tarvel {
 
 namespace fs = std::filesystem;
-using Communication_Processus::CDescriptor;
+using Outils_Fichiers::CDescriptor;
 
 namespace {
 

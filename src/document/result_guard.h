@@ -2,7 +2,7 @@
 // come to its end.
 #pragma once
 
-#include "processing/descriptor.h"
+#include "foundation/descriptor.h"
 
 #include <filesystem>
 
@@ -42,7 +42,7 @@ class CResultGuard {
     void Unlock(bool keepsMark);
 
     std::filesystem::path m_result;
-    Communication_Processus::CDescriptor m_mark;
+    Outils_Fichiers::CDescriptor m_mark;
     bool m_wasPartial = false;
     bool m_setAside = false;        // there was a result under the name
     bool m_formerIsPartial = false; // the one that is aside
