@@ -49,13 +49,7 @@ class CTrvProjectMainFrame::CPlainCursor {
 
 void CTrvProjectMainFrame::NewProject() { m_document.CommandNew(); }
 
-void CTrvProjectMainFrame::AskAndOpen() {
-    // A name would be chosen by who only wants to see the folder.
-    const auto paths = AskPath({EPathKind::open, EText::openTitle, EText::projectFilter,
-                                Outils_Texte::GetText(EText::projectExtension).substr(1),
-                                m_document.GetPathName().parent_path()});
-    if (!paths.empty()) OpenProject(paths.front());
-}
+void CTrvProjectMainFrame::AskAndOpen() { m_document.CommandOpen(); }
 
 bool CTrvProjectMainFrame::OpenProject(const std::filesystem::path& path) {
     return m_document.CommandOpen(path);
@@ -66,7 +60,7 @@ void CTrvProjectMainFrame::OpenRecent(int index) {
     if (index >= static_cast<int>(files.size())) return;
     const auto path = files[static_cast<std::size_t>(index)];
     // The user may have said no to the question about the present project: that says nothing of this file.
-    if (!m_document.OpenDocument(path) && !HasProject()) m_recentFiles.Remove(path);
+    if (!OpenProject(path) && !HasProject()) m_recentFiles.Remove(path);
 }
 
 QString CTrvProjectMainFrame::GetRecentCaption(int index) const {
