@@ -127,12 +127,7 @@ QAction& CTrvProjectMainFrame::GetAction(int command) const { return m_commands-
 
 void CTrvProjectMainFrame::NewProject() { m_document.CommandNew(); }
 
-void CTrvProjectMainFrame::AskAndOpen() {
-    const auto paths = m_host.AskPath({EPathKind::open, EText::openTitle, EText::projectFilter,
-                                       Outils_Texte::GetText(EText::projectExtension).substr(1),
-                                       m_document.GetPathName().parent_path()});
-    if (!paths.empty()) OpenProject(paths.front());
-}
+void CTrvProjectMainFrame::AskAndOpen() { m_document.CommandOpen(); }
 
 bool CTrvProjectMainFrame::OpenProject(const std::filesystem::path& path) {
     return m_document.CommandOpen(path);
@@ -143,7 +138,7 @@ void CTrvProjectMainFrame::OpenRecent(int index) {
     if (index >= static_cast<int>(files.size())) return;
     const auto path = files[static_cast<std::size_t>(index)];
     // The user may have said no to the question about the present project: that says nothing of this file.
-    if (!m_document.OpenDocument(path) && !HasProject()) m_recentFiles.Remove(path);
+    if (!OpenProject(path) && !HasProject()) m_recentFiles.Remove(path);
 }
 
 QString CTrvProjectMainFrame::GetRecentCaption(int index) const {

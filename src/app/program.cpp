@@ -1,6 +1,7 @@
 #include "app/program.h"
 
 #include "app/app.h"
+#include "app/end_signals.h"
 #include "app/event_loop_target.h"
 #include "app/main_frame.h"
 #include "app/snapshot.h"
@@ -70,12 +71,17 @@ int RunSnapshot(CTrvApp& application, Outils::IMessageTarget& target, const SCom
     return 1;
 }
 
-int RunSession(CTrvApp& application, Outils::IMessageTarget& target, const SCommandLine& line) {
+int RunSession(CTrvApp& application, Outils::IMessageTarget& target, const SCommandLine& line,
+               CEndSignals& endSignals) {
     auto* splash = new CSplashWnd; // Deletes itself.
     splash->show();
     QSettings settings(QSettings::IniFormat, QSettings::UserScope, kSettingsName, kSettingsName);
     CWindowDialogs dialogs;
     CTrvProjectMainFrame frame(application, target, dialogs, settings);
+    endSignals.Listen([&frame] {
+        frame.GetDocument().EndNow();
+        QApplication::exit();
+    });
     const auto mode = application.GetConfiguration().Get(Cnf<"general/startMode">);
     Start(frame, ChooseStart(line.project, mode, frame.GetRecentFiles().GetFirst()),
           [&] { splash->CloseFor(frame); });
@@ -106,6 +112,7 @@ int RunProgram(int argc, char* argv[]) {
         }
         qputenv("QT_QPA_PLATFORM", "offscreen"); // a picture needs no screen
     }
+    CEndSignals endSignals;
     int noArguments = std::min(argc, 1); // the words are read: none is the window system's
     QApplication qt(noArguments, argv);
     QApplication::setApplicationVersion(ToQString(GetVersionInfo().productVersion));
@@ -113,7 +120,7 @@ int RunProgram(int argc, char* argv[]) {
     CTrvApp application(ToPath(QApplication::applicationFilePath()), GetUserFolder());
     application.InitInstance();
     if (line.request == ERequest::snapshot) return RunSnapshot(application, target, line);
-    const int code = RunSession(application, target, line);
+    const int code = RunSession(application, target, line, endSignals);
     StoreSettings(application);
     return code;
 }

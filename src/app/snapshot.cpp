@@ -21,7 +21,7 @@ using Outils_Texte::FormatText;
 
 namespace {
 
-constexpr QSize kSize(1400, 900);
+constexpr QSize kPictureSize(1400, 900);
 constexpr int kLookPeriod = 50;       // ms
 constexpr int kQuietTime = 600;       // ms without loading: the analysis may still find channels to load
 constexpr int kLongestTime = 120'000; // ms
@@ -50,12 +50,12 @@ EAnswer CSilentDialogs::ShowMessage(QWidget*, const std::string& text, EButtons 
 }
 
 std::string TakeSnapshot(CTrvProjectMainFrame& frame, const SCommandLine& line) {
-    frame.resize(kSize);
+    frame.resize(kPictureSize);
     Start(frame, {line.project, false});
     if (!line.project.empty() && !frame.HasProject())
         return FormatText(EText::snapshotNotOpened, {ToText(line.project)});
     if (!WaitForGraphs(frame)) return std::string(Outils_Texte::GetText(EText::snapshotTooLong));
-    frame.resize(kSize); // a window manager may have had its own idea
+    frame.resize(kPictureSize); // a window manager may have had its own idea
     QImageWriter writer(ToQString(line.snapshot), "png");
     if (!writer.write(frame.grab().toImage()))
         return FormatText(EText::snapshotNotWritten, {ToText(line.snapshot)});

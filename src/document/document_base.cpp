@@ -1,6 +1,7 @@
 #include "document/document_base.h"
 
 #include "foundation/archive.h"
+#include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
@@ -12,6 +13,17 @@ using Outils_Fichiers::ToText;
 using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
+
+namespace {
+
+// Why no file can be made in the folder; none if that is not known.
+EText FindFaultOf(const std::filesystem::path& folder) {
+    std::error_code error;
+    if (!std::filesystem::is_directory(folder, error)) return EText::folderMissing;
+    return Outils_Fichiers::CanWriteInto(folder) ? EText::none : EText::folderReadOnly;
+}
+
+} // namespace
 
 void CDocumentEx::UpdateAllViews(IDocumentView* sender, EHint hint, const Outils_Objets::CObject* object) {
     // A view may add or remove views while it is told, so the list is a copy, and who is gone is left out.
@@ -65,12 +77,9 @@ bool CDocumentEx::DoSave(std::filesystem::path path, bool replace) {
         if (asked.empty()) return false;
         path = asked.front();
     }
-    const bool modified = m_modified;
+    if (!replace) return OnSaveCopy(path);
     if (!OnSaveDocument(path)) return false;
-    if (replace)
-        SetPathName(std::move(path));
-    else
-        m_modified = modified;
+    SetPathName(std::move(path));
     return true;
 }
 
@@ -81,7 +90,7 @@ bool CDocumentEx::SaveModified() {
     switch (m_host.ShowMessage(FormatText(EText::saveChanges, {name}), EButtons::yesNoCancel,
                                EIcon::exclamation)) {
     case EAnswer::yes: return Save();
-    case EAnswer::no: return true;
+    case EAnswer::no: DiscardChanges(); return true;
     default: return false;
     }
 }
@@ -110,13 +119,22 @@ bool CDocumentEx::OnOpenDocument(const std::filesystem::path& path) {
 }
 
 bool CDocumentEx::OnSaveDocument(const std::filesystem::path& path) {
-    if (!StoreTo(path)) {
-        m_host.AppendOutputText(FormatText(EText::projectNotSaved, {ToText(path)}));
-        m_host.ShowMessage(FormatText(EText::failedToSave, {ToText(path)}), EButtons::ok, EIcon::exclamation);
-        return false;
-    }
+    if (!StoreTo(path)) return ReportFailedSave(path);
     SetModifiedFlag(false);
     return true;
+}
+
+bool CDocumentEx::OnSaveCopy(const std::filesystem::path& path) {
+    return StoreTo(path) || ReportFailedSave(path);
+}
+
+bool CDocumentEx::ReportFailedSave(const std::filesystem::path& path) {
+    std::string message = FormatText(EText::failedToSave, {ToText(path)});
+    if (const EText reason = FindFaultOf(path.parent_path()); reason != EText::none)
+        message += "\n\n" + FormatText(reason, {ToText(path.parent_path())});
+    m_host.AppendOutputText(FormatText(EText::projectNotSaved, {ToText(path)}));
+    m_host.ShowMessage(message, EButtons::ok, EIcon::exclamation);
+    return false;
 }
 
 void CDocumentEx::DeleteContents() { m_actions.clear(); }

@@ -52,7 +52,7 @@ class CDocumentEx {
     bool CloseDocument();
 
     // Saves under `path`, or asks for a name when that is empty. With `replace` the document takes the new
-    // path.
+    // path; without, it keeps path and modified mark.
     bool DoSave(std::filesystem::path path, bool replace);
     // Offers to save a modified document; false when the user cancelled or the save failed.
     bool SaveModified();
@@ -60,6 +60,10 @@ class CDocumentEx {
     virtual bool OnNewDocument();
     virtual bool OnOpenDocument(const std::filesystem::path& path);
     virtual bool OnSaveDocument(const std::filesystem::path& path);
+    // Writes a copy; changes nothing of the document.
+    virtual bool OnSaveCopy(const std::filesystem::path& path);
+    // The user does not want to keep the changes.
+    virtual void DiscardChanges() {}
     virtual void DeleteContents();
     virtual bool CanCloseFrame();
 
@@ -69,6 +73,9 @@ class CDocumentEx {
     virtual void LoadFrom(const std::filesystem::path& path) = 0;
     // Writes the content to the file as one step; false on failure, and an existing file is as it was.
     virtual bool StoreTo(const std::filesystem::path& path) = 0;
+
+    // Says that the file was not saved, and why if that is known; returns false.
+    bool ReportFailedSave(const std::filesystem::path& path);
 
     IDocumentHost& GetHost() const { return m_host; }
     void SetPathName(std::filesystem::path path) { m_path = std::move(path); }

@@ -54,7 +54,7 @@ std::unique_ptr<CTrvProject> CreateProject(const SNewProject& wanted, std::strin
     if (!CheckRecording(wanted.recording, message)) return nullptr;
     EText failure = EText::none;
     auto project = BuildProject(wanted, failure);
-    if (!project) message = std::string(GetText(failure));
+    if (!project) message = FormatText(failure, {ToText(wanted.recording)});
     return project;
 }
 
@@ -63,6 +63,10 @@ std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, EText& fail
     const auto result = Outils_Fichiers::WithExtension(wanted.project, GetText(EText::outputExtension));
     if (Outils_Fichiers::SamePath(wanted.recording, result)) {
         failure = EText::dataFileReferenced;
+        return nullptr;
+    }
+    if (!Outils_Fichiers::CanBeStored(wanted.recording) || !Outils_Fichiers::CanBeStored(result)) {
+        failure = EText::nameNotStorable;
         return nullptr;
     }
     auto project = std::make_unique<CTrvProject>(wanted.recording, result);

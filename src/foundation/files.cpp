@@ -175,6 +175,11 @@ bool SaveAtomically(const fs::path& path, std::span<const std::uint8_t> bytes) {
     return true;
 }
 
+bool CanWriteInto(const fs::path& folder) {
+    // The effective user's rights, by which the file would be made.
+    return ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
 bool WriteWholeFile(const fs::path& path, std::span<const std::uint8_t> bytes) {
     CDescriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
     return file.IsOpen() && WriteAll(file.Get(), bytes) && file.Close();

@@ -73,6 +73,70 @@ TEST_F(Document, OpensSavesAndFollowsItsName) {
     EXPECT_FALSE(m_document.CommandSaveAs()); // no name given
 }
 
+TEST_F(Document, ACopyChangesNothingOfTheOpenProject) {
+    Create();
+    m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
+    m_view.m_hints.clear();
+    m_host.m_paths.push_back(m_folder / "copy.tarprj");
+    ASSERT_TRUE(m_document.SaveCopyAs());
+    const auto result = [&] { return m_document.GetProject()->simulationParameters->outputFile->path; };
+    EXPECT_EQ(m_document.GetPathName(), m_project);
+    EXPECT_EQ(result(), m_folder / "p.tarout");
+    EXPECT_TRUE(m_document.IsModified() && m_document.AreParametersChanged());
+    EXPECT_THAT(m_view.m_hints, IsEmpty());
+    m_host.m_answers = {EAnswer::no};
+    ASSERT_TRUE(m_document.CommandOpen(m_folder / "copy.tarprj"));
+    EXPECT_EQ(result(), m_folder / "copy.tarout");
+}
+
+TEST_F(Document, AFailedSaveLeavesTheModelAndNamesTheFolder) {
+    Create();
+    m_view.m_hints.clear();
+    m_host.m_paths = {m_folder / "none" / "q.tarprj", m_folder / "none" / "q.tarprj"};
+    EXPECT_FALSE(m_document.CommandSaveAs());
+    EXPECT_FALSE(m_document.SaveCopyAs());
+    EXPECT_EQ(m_document.GetProject()->simulationParameters->outputFile->path, m_folder / "p.tarout");
+    EXPECT_EQ(m_document.GetPathName(), m_project);
+    EXPECT_THAT(m_view.m_hints, IsEmpty());
+    const auto namesFolder = testing::HasSubstr("does not exist: " + (m_folder / "none").string() + "\n");
+    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(namesFolder, namesFolder));
+}
+
+TEST_F(Document, UnsavedChangesAreOfferedAtTheNextOpen) {
+    Create();
+    const auto unsaved = m_folder / "p.tarprj.unsaved";
+    const auto rate = [&]() -> auto& {
+        return m_document.GetProject()->simulationParameters->defaultOutputRate;
+    };
+    const auto former = rate();
+    m_document.EndNow();
+    EXPECT_FALSE(std::filesystem::exists(unsaved)); // nothing to keep
+    const auto change = [&] {
+        rate() = former + 1;
+        m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
+    };
+    struct SCase {
+        EAnswer answer;
+        bool isRestored;
+    };
+    for (const auto& [answer, isRestored] : {SCase{EAnswer::no, false}, SCase{EAnswer::yes, true}}) {
+        change();
+        m_document.EndNow();
+        EXPECT_THAT(m_host.m_messages, IsEmpty());
+        m_document.SetModifiedFlag(false); // the program has ended
+        m_host.m_answers = {answer};
+        ASSERT_TRUE(m_document.CommandOpen(m_project));
+        EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Outils_Texte::FormatText(
+                                               EText::restoreUnsaved, {Outils_Fichiers::ToText(m_project)})));
+        EXPECT_EQ(rate(), isRestored ? former + 1 : former);
+        EXPECT_EQ(m_document.IsModified(), isRestored);
+        EXPECT_EQ(std::filesystem::exists(unsaved), isRestored);
+    }
+    EXPECT_EQ(m_document.GetPathName(), m_project);
+    ASSERT_TRUE(m_document.Save());
+    EXPECT_FALSE(std::filesystem::exists(unsaved));
+}
+
 TEST_F(Document, WhatCannotBeOpenedLeavesAnEmptyDocumentAndAMessage) {
     Create();
     auto bytes = BytesOf(m_project);

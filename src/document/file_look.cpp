@@ -1,4 +1,4 @@
-#include "document/file_state.h"
+#include "document/file_look.h"
 
 #include "foundation/texts.h"
 #include "xpf/file.h"
