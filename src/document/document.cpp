@@ -203,10 +203,9 @@ void CTrvDocument::DiscardChanges() {
 }
 
 void CTrvDocument::EndNow() {
-    m_engineRun.Stop();
-    m_engineRun.RemoveTemporaryFiles();
     if (m_pProject && IsModified() && !GetPathName().empty())
         static_cast<void>(StoreTo(UnsavedOf(GetPathName())));
+    m_engineRun.StopNow();
 }
 
 void CTrvDocument::DeleteContents() {
@@ -246,8 +245,6 @@ bool CTrvDocument::StopSimulation() {
     const CWaitCursor wait(GetHost());
     return m_pProject && m_engineRun.Stop();
 }
-
-void CTrvDocument::StopSimulationNow() { m_engineRun.StopNow(); }
 
 bool CTrvDocument::SaveBeforeRun() {
     if (!m_bParametersChanged) return true;

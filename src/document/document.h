@@ -80,9 +80,6 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     // Asks the engine to stop; true when it was found running. A second request more than 5 seconds after the
     // first offers to terminate it.
     bool StopSimulation();
-    // Stops the engine at once and without a question, for a program that has to end. The result so far is
-    // kept, temporary files go.
-    void StopSimulationNow();
     // How the last run ended.
     ERunOutcome GetRunOutcome() const { return m_engineRun.GetOutcome(); }
 

@@ -2,7 +2,7 @@
 
 #include "config/config_file.h"
 #include "document/document_host.h"
-#include "document/file_state.h"
+#include "document/file_look.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
 #include "foundation/numbers.h"

@@ -350,12 +350,12 @@ TEST_F(EngineRun, RefusesBeforeTheOldResultIsTouched) {
     EXPECT_EQ(Run(), ERunOutcome::finished);
 }
 
-TEST_F(EngineRun, StopNowAsksNothingAndKeepsTheResult) {
+TEST_F(EngineRun, EndNowAsksNothingAndKeepsTheResult) {
     UseEngine("deaf", MakeResult());
     Create();
     ASSERT_TRUE(m_document.StartSimulation());
     ASSERT_TRUE(PumpUntil([&] { return !m_host.m_output.empty(); }));
-    m_document.StopSimulationNow();
+    m_document.EndNow();
     EXPECT_FALSE(m_document.IsSimulationRunning());
     EXPECT_TRUE(m_view.Saw(hintRunEnded));
     EXPECT_EQ(BytesOf(m_result), BytesOf(m_whole));
