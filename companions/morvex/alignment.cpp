@@ -9,15 +9,15 @@
 namespace Morvex {
 namespace {
 
-constexpr double kShortest = 60.0;          // s, before anything is believed
-constexpr double kReference = 120.0;        // s, of a coarser bank that is only compared with
-constexpr double kSettled = 0.3 * kRadians; // heading deviation at which waiting brings little
+constexpr double kShortest = 60.0;                   // s, before anything is believed
+constexpr double kReference = 120.0;                 // s, of a coarser bank that is only compared with
+constexpr double kSettled = 0.3 * kRadiansPerDegree; // heading deviation at which waiting brings little
 // A grade disagrees when its misfit is large, and larger than that of the coarsest grade: correlated errors
 // of the fixes are not taken for errors of the unit, nor are deviations that a receiver states too small.
 constexpr double kLargestMisfit = 3.0;
 constexpr double kLargestRatio = 2.5;
 constexpr double kLargestDistance = 30.0; // of one fix: outliers are not the unit's fault
-constexpr double kKnown = 3.0 * kRadians;
+constexpr double kKnown = 3.0 * kRadiansPerDegree;
 
 bool IsWorse(double misfit, double reference) {
     return misfit > kLargestMisfit && misfit > kLargestRatio * reference;
@@ -26,14 +26,14 @@ bool IsWorse(double misfit, double reference) {
 // What is unknown at the far end of a stretch that is filtered backwards: the search has brought the filter
 // close, but its certainty comes from the same fixes that are met again now, so it is given up.
 SFilterState Widened(SFilterState state, const SSensorGrade& grade) {
-    const double heading = std::max(5.0 * kRadians, 2.0 * HeadingDeviation(state));
+    const double heading = std::max(5.0 * kRadiansPerDegree, 2.0 * HeadingDeviation(state));
     state.covariance.setZero();
     auto set = [&state](int group, double deviation) {
         state.covariance.diagonal().segment<3>(group).setConstant(deviation * deviation);
     };
     set(statePosition, 10.0);
     set(stateVelocity, 2.0);
-    set(stateAttitude, 1.0 * kRadians);
+    set(stateAttitude, 1.0 * kRadiansPerDegree);
     state.covariance(stateAttitude + 2, stateAttitude + 2) = heading * heading;
     set(stateGyroBias, grade.gyroBias);
     set(stateAccelBias, grade.accelBias);
@@ -121,7 +121,7 @@ CAlignment::SBackward CAlignment::FilterBackwards(const SStretch& reversed, cons
     double distance = 0.0;
     int components = 0;
     for (const SImuSample& sample : reversed.samples) {
-        if (sample.time - sample.interval < -found.navigation.time - kSameTime) continue;
+        if (sample.time - sample.span < -found.navigation.time - kSameTime) continue;
         AdvanceThrough(filter, sample, cursor, [&](const SPositionFix& fix) {
             const SFixOutcome outcome = filter.Update(fix);
             distance += std::min(outcome.distance, kLargestDistance);

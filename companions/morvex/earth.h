@@ -4,20 +4,21 @@
 // All angles are radians, lengths metres, times seconds. Pure functions, usable from any thread.
 #pragma once
 
-#include <Eigen/Core>
+#include "common/angles.h"
+#include "common/wgs84.h"
 
-#include <numbers>
+#include <Eigen/Core>
 
 namespace Morvex {
 
 using Eigen::Matrix3d;
 using Eigen::Vector3d;
 
-inline constexpr double kRadians = std::numbers::pi / 180.0;
-inline constexpr double kSemiMajorAxis = 6378137.0;        // NIMA TR8350.2, WGS-84
-inline constexpr double kFlattening = 1.0 / 298.257223563; // the same
-inline constexpr double kEccentricity2 = kFlattening * (2.0 - kFlattening);
-inline constexpr double kEarthRate = 7.292115e-5; // rad/s, the same
+using Compagnon::kEarthRate;
+using Compagnon::kEccentricity2;
+using Compagnon::kFlattening;
+using Compagnon::kRadiansPerDegree;
+using Compagnon::kSemiMajorAxis;
 
 // Normal gravity, m/s², positive downward, at a height above the ellipsoid: Somigliana's formula at the
 // surface, continued upward to second order (NIMA TR8350.2, equations 4-1 and 4-3).

@@ -7,8 +7,8 @@ namespace {
 
 constexpr double kRecent = 3.0;        // s: a state of a GPS is shown for so long after its last fix
 constexpr double kHeightRecent = 10.0; // s
-constexpr double kAligning = 3.0 * kRadians;
-constexpr double kFineAligning = 0.5 * kRadians;
+constexpr double kAligning = 3.0 * kRadiansPerDegree;
+constexpr double kFineAligning = 0.5 * kRadiansPerDegree;
 
 // Bits of the status words.
 constexpr std::uint32_t kFilterOn = 1u << 0, kAlignment = 1u << 1, kFineAlignment = 1u << 2,

@@ -121,7 +121,7 @@ bool CFixReader::MakeFix(const SSource& source, const CPayload& payload, SPositi
     fix.time = payload.GetSeconds() + source.stream.GetTimeOffset() - (std::isfinite(delay) ? delay : 0.0);
     if (!(std::abs(fix.time) < 1e9)) return false;
     fix.geoidHeight = std::abs(separation) < 1e3 ? separation : 0.0;
-    fix.position = {latitude * kRadians, longitude * kRadians,
+    fix.position = {latitude * kRadiansPerDegree, longitude * kRadiansPerDegree,
                     altitude + (m_plan->aboveGeoid ? fix.geoidHeight : 0.0)};
     fix.leverArm = source.plan->leverArm;
     fix.source = source.number;

@@ -10,16 +10,16 @@ namespace {
 
 // Spacing of 22.5 degrees: a filter started half of that away from the truth still converges.
 constexpr int kHeadings = 16;
-constexpr double kHeadingDeviation = 12.0 * kRadians;
-constexpr double kTiltDeviation = 2.5 * kRadians;
+constexpr double kHeadingDeviation = 12.0 * kRadiansPerDegree;
+constexpr double kTiltDeviation = 2.5 * kRadiansPerDegree;
 constexpr double kVelocityDeviation = 2.0; // m/s
 constexpr double kPositionDeviation = 3.0; // m, besides that of the fix and the lever arm
 // While angles are large, the neglected second order moves the prediction by more than a precise fix allows.
 constexpr double kSearchNoise = 0.3; // m
 
-constexpr double kPruningPeriod = 5.0; // s
-constexpr double kHopeless = 25.0;     // in log likelihood behind the best
-constexpr double kAlike = 4.0 * kRadians;
+constexpr double kPruningSpan = 5.0; // s
+constexpr double kHopeless = 25.0;   // in log likelihood behind the best
+constexpr double kAlike = 4.0 * kRadiansPerDegree;
 constexpr double kLargestDistance = 30.0; // of one fix in the misfit: outliers are not the unit's fault
 
 bool IsUsable(const SPositionFix& fix) { return fix.horizontal != EUse::never; }
@@ -81,7 +81,7 @@ double HeadingDeviation(const SFilterState& state) {
 
 std::optional<SLevelStart> FindLevelStart(const SStretch& stretch, double needed) {
     if (stretch.samples.empty()) return std::nullopt;
-    const double begin = stretch.samples.front().time - stretch.samples.front().interval;
+    const double begin = stretch.samples.front().time - stretch.samples.front().span;
     const double end = stretch.samples.back().time;
     const auto first =
         std::find_if(stretch.fixes.begin(), stretch.fixes.end(), [begin](const SPositionFix& fix) {
@@ -104,7 +104,7 @@ std::optional<SLevelStart> FindLevelStart(const SStretch& stretch, double needed
     for (auto s = sample; s != stretch.samples.end() && s->time <= start.time + needed; ++s) {
         start.force += turned * (s->velocity + 0.5 * s->angle.cross(s->velocity));
         turned = (turned * RotationOf(s->angle)).normalized();
-        duration += s->interval;
+        duration += s->span;
     }
     if (duration <= 0.0 || start.force.norm() < 1.0) return std::nullopt;
     start.force /= duration;
@@ -117,7 +117,7 @@ CHypothesisBank::CHypothesisBank(const SLevelStart& start, const SPositionFix& f
       m_grade(grade),
       m_time(start.time),
       m_nextSample(start.firstSample),
-      m_nextPruning(start.time + kPruningPeriod) {
+      m_nextPruning(start.time + kPruningSpan) {
     m_hypotheses.reserve(kHeadings);
     for (int i = 0; i < kHeadings; ++i) {
         const double heading = 2.0 * std::numbers::pi * i / kHeadings;
@@ -154,11 +154,10 @@ bool CHypothesisBank::RunTo(double time, const SStretch& stretch, const std::fun
             for (std::size_t i = m_nextSample; i < end; ++i) {
                 SImuSample sample = stretch.samples[i];
                 // The filters stand at the first fix, inside the first sample.
-                const double late = m_start.time - (sample.time - sample.interval);
-                if (late > 0.0 && late < sample.interval) {
-                    const double share = 1.0 - late / sample.interval;
-                    sample = {sample.time, sample.interval - late, sample.angle * share,
-                              sample.velocity * share};
+                const double late = m_start.time - (sample.time - sample.span);
+                if (late > 0.0 && late < sample.span) {
+                    const double share = 1.0 - late / sample.span;
+                    sample = {sample.time, sample.span - late, sample.angle * share, sample.velocity * share};
                 }
                 AdvanceThrough(hypothesis.filter, sample, cursor, [&](const SPositionFix& fix) {
                     const SFixOutcome outcome = hypothesis.filter.Update(Blurred(fix));
@@ -172,7 +171,7 @@ bool CHypothesisBank::RunTo(double time, const SStretch& stretch, const std::fun
         m_nextSample = end;
         if (m_time >= m_nextPruning) {
             Prune();
-            m_nextPruning = m_time + kPruningPeriod;
+            m_nextPruning = m_time + kPruningSpan;
         }
         if (!goOn()) return false;
     }

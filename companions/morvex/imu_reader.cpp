@@ -13,32 +13,29 @@ namespace {
 
 using namespace Persistance_Xpf;
 
-constexpr double kArcSecond = kRadians / 3600.0;
-constexpr double kFogUnit = 1e-3 * kArcSecond; // rad
-constexpr double kAccUnit = 1e-7;              // m/s
-constexpr double kLargestDate = 1e9;           // s: no clock of a recording runs for thirty years
-constexpr double kImplausibleJump = 10.0;      // s
-constexpr int kProbe = 64;                     // intervals looked at for the usual one
+constexpr double kLargestDate = 1e9;      // s: no clock of a recording runs for thirty years
+constexpr double kImplausibleJump = 10.0; // s
+constexpr int kProbe = 64;                // spans looked at for the usual one
 
 } // namespace
 
 bool CImuReader::Open(const SRunPlan& plan) {
     if (!m_stream.Open(plan.imu, kImuLayout)) return false;
-    m_angleScale = kFogUnit * plan.unitToVessel;
-    m_velocityScale = kAccUnit * plan.unitToVessel;
+    m_angleScale = Compagnon::kRadiansPerFogCount * plan.unitToVessel;
+    m_velocityScale = Compagnon::kSpeedPerAccCount * plan.unitToVessel;
 
-    // The usual interval is the median of the first ones: dates jitter, and packets may be missing.
-    std::vector<double> intervals;
+    // The usual span is the median of the first ones: dates jitter, and packets may be missing.
+    std::vector<double> spans;
     SRaw raw, last;
     if (!ReadRaw(last)) return false;
-    while (static_cast<int>(intervals.size()) < kProbe && ReadRaw(raw)) {
-        if (raw.time > last.time) intervals.push_back(raw.time - last.time);
+    while (static_cast<int>(spans.size()) < kProbe && ReadRaw(raw)) {
+        if (raw.time > last.time) spans.push_back(raw.time - last.time);
         last = raw;
     }
-    if (intervals.empty()) return false;
-    std::nth_element(intervals.begin(), intervals.begin() + static_cast<std::ptrdiff_t>(intervals.size() / 2),
-                     intervals.end());
-    m_nominal = intervals[intervals.size() / 2];
+    if (spans.empty()) return false;
+    std::nth_element(spans.begin(), spans.begin() + static_cast<std::ptrdiff_t>(spans.size() / 2),
+                     spans.end());
+    m_nominal = spans[spans.size() / 2];
 
     if (!m_stream.Open(plan.imu, kImuLayout)) return false;
     m_hasNext = ReadRaw(m_next);
@@ -71,15 +68,14 @@ bool CImuReader::Next(SImuSample& sample) {
     while (m_hasNext) {
         const SRaw raw = m_next;
         m_hasNext = ReadRaw(m_next);
-        const double interval = raw.time - m_last;
-        if (!(interval > 0.0)) continue;
-        if (interval > kImplausibleJump && m_hasNext && m_next.time < raw.time && m_next.time > m_last)
-            continue;
-        sample = {raw.time, interval, raw.angle, raw.velocity};
-        if (interval > 1.75 * m_nominal) {
-            sample.gap = interval - m_nominal;
-            sample.angle *= interval / m_nominal;
-            sample.velocity *= interval / m_nominal;
+        const double span = raw.time - m_last;
+        if (!(span > 0.0)) continue;
+        if (span > kImplausibleJump && m_hasNext && m_next.time < raw.time && m_next.time > m_last) continue;
+        sample = {raw.time, span, raw.angle, raw.velocity};
+        if (span > 1.75 * m_nominal) {
+            sample.gap = span - m_nominal;
+            sample.angle *= span / m_nominal;
+            sample.velocity *= span / m_nominal;
         }
         m_last = raw.time;
         return true;

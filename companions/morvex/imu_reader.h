@@ -15,7 +15,7 @@ class CImuReader {
     // ahead of their successor, are left out.
     bool Next(SImuSample& sample);
 
-    double GetNominalInterval() const { return m_nominal; }
+    double GetNominalSpan() const { return m_nominal; }
     CPacketStream& GetStream() { return m_stream; }
 
   private:

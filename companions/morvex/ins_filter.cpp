@@ -88,16 +88,16 @@ CInsFilter::CInsFilter(const SFilterState& start, const SSensorGrade& grade, EMo
 
 void CInsFilter::Advance(const SImuSample& sample) {
     SImuSample corrected = sample;
-    corrected.angle -= m_state.gyroBias * sample.interval;
-    corrected.velocity -= m_state.accelBias * sample.interval;
+    corrected.angle -= m_state.gyroBias * sample.span;
+    corrected.velocity -= m_state.accelBias * sample.span;
     const Matrix3d before = m_strapdown.Get().attitude.toRotationMatrix();
     m_strapdown.Advance(corrected);
     // The sums take the attitude in the middle of the sample, as the mechanisation does.
     const Matrix3d attitude = 0.5 * (before + m_strapdown.Get().attitude.toRotationMatrix());
     m_pendingForce += attitude * corrected.velocity;
-    m_pendingAttitude += attitude * sample.interval;
+    m_pendingAttitude += attitude * sample.span;
     m_pendingRotation += corrected.angle;
-    m_pending += sample.interval;
+    m_pending += sample.span;
     if (m_pending >= kCovarianceStep * 0.999) PropagateCovariance();
 }
 

@@ -11,11 +11,11 @@ using Eigen::Vector3d;
 
 // What the inertial unit summed up between two dates.
 struct SImuSample {
-    double time = 0.0;                    // end of the interval, s
-    double interval = 0.0;                // its length, s, above 0
+    double time = 0.0;                    // end of the span, s
+    double span = 0.0;                    // its length, s, above 0
     Vector3d angle = Vector3d::Zero();    // rotation, rad
     Vector3d velocity = Vector3d::Zero(); // integral of the specific force, m/s
-    // The share of the interval for which data is missing, s; there the rates of the rest are taken to hold.
+    // The share of the span for which data is missing, s; there the rates of the rest are taken to hold.
     double gap = 0.0;
 };
 

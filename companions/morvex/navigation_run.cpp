@@ -2,7 +2,7 @@
 
 #include "foundation/numbers.h"
 #include "foundation/texts.h"
-#include "xpf/tarin_layouts.h"
+#include "xpf/utc_fields.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,11 +23,11 @@ constexpr double kReadAhead = 30.0; // s, between two looks at the alignment
 constexpr double kGpsGap = 10.0;    // s, from which a gap is told
 constexpr int kMostGapsTold = 50;
 constexpr double kHeightUnaided = 120.0; // s, after which the height is held
-constexpr double kHeightHoldPeriod = 10.0;
+constexpr double kHeightHoldSpan = 10.0;
 constexpr double kHeightHoldDeviation = 30.0; // m
 constexpr int kSamplesPerLook = 64;           // between two looks at the commands and the clock
 
-std::string Degrees(double radians) { return FormatFixed(radians / kRadians, 2); }
+std::string Degrees(double radians) { return FormatFixed(radians / kRadiansPerDegree, 2); }
 
 // A result must never empty a recording that it is made from.
 bool WouldOverwriteInput(const SRunPlan& plan) {
@@ -162,14 +162,8 @@ void CNavigationRun::FindUtcOrigin() {
     plan.channel = "UTC";
     CPayload payload;
     while (stream.Open(plan, kUtcLayout) && stream.Next(payload)) {
-        auto byte = [&](std::uint32_t offset) { return payload.Get<std::uint8_t>(offset); };
-        CDateTime date;
-        date.SetDateTime(payload.Get<std::uint16_t>(kUtcLayout.OffsetOf("UTC Year")),
-                         byte(kUtcLayout.OffsetOf("UTC Month")), byte(kUtcLayout.OffsetOf("UTC day")),
-                         byte(kUtcLayout.OffsetOf("UTC Hour")), byte(kUtcLayout.OffsetOf("UTC Minute")), 0,
-                         0);
-        date += CDateTimeSpan::FromSeconds(payload.Get<float>(kUtcLayout.OffsetOf("UTC Second")));
-        date -= CDateTimeSpan::FromSeconds(payload.GetSeconds() + stream.GetTimeOffset());
+        CDateTime date = Persistance_Xpf::SUtcFields(payload.GetBytes()).GetOrigin();
+        date -= CDateTimeSpan::FromSeconds(stream.GetTimeOffset());
         if (!date.IsValid()) break;
         m_result.SetUtcOrigin(date);
         return;
@@ -203,11 +197,11 @@ bool CNavigationRun::ReadAhead(SStretch& stretch, double seconds) {
         if (stretch.samples.empty()) {
             // Nothing is known of what was before the first sample.
             if (sample.gap > 0.0) {
-                const double nominal = sample.interval - sample.gap;
-                sample = {sample.time, nominal, sample.angle * (nominal / sample.interval),
-                          sample.velocity * (nominal / sample.interval), 0.0};
+                const double nominal = sample.span - sample.gap;
+                sample = {sample.time, nominal, sample.angle * (nominal / sample.span),
+                          sample.velocity * (nominal / sample.span), 0.0};
             }
-            while (m_fixes.Peek() && m_fixes.Peek()->time < sample.time - sample.interval) m_fixes.Pop();
+            while (m_fixes.Peek() && m_fixes.Peek()->time < sample.time - sample.span) m_fixes.Pop();
         } else if (sample.gap > kLongestGap) {
             m_carry = sample;
             m_hasCarry = true;
@@ -301,7 +295,7 @@ bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample
     m_time = sample.time;
     if (m_time - m_fixMonitor.GetLastHeight() > kHeightUnaided && m_time >= m_nextHeightHold) {
         filter.HoldHeight(filter.GetNavigation().position[2], kHeightHoldDeviation);
-        m_nextHeightHold = m_time + kHeightHoldPeriod;
+        m_nextHeightHold = m_time + kHeightHoldSpan;
     }
     if (sample.gap > kGapWithoutResult) {
         m_nextOutput = m_schedule.GetNextAfter(m_time - 1e-6);

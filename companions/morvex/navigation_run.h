@@ -1,13 +1,13 @@
 // A whole run: from the files of a plan to the result file.
 #pragma once
 
+#include "common/run_monitor.h"
 #include "foundation/texts.h"
 #include "morvex/alignment.h"
 #include "morvex/fix_monitor.h"
 #include "morvex/fix_reader.h"
 #include "morvex/imu_reader.h"
 #include "morvex/mark_reader.h"
-#include "morvex/messages.h"
 #include "morvex/output_schedule.h"
 #include "morvex/result_writer.h"
 #include "morvex/run_plan.h"
@@ -19,8 +19,9 @@ namespace Morvex {
 
 using Outils_Texte::EText;
 
-// How a run ended; the values are the exit codes of the program.
-enum class ERunEnd : int { finished = 0, failed = 1, stopped = 2 };
+using Compagnon::ELevel;
+using Compagnon::ERunEnd;
+using Compagnon::IRunMonitor;
 
 // Reads forward only, a sample at a time, so that the length of a recording does not matter; what the
 // alignment reads ahead is bounded. Where inertial data is missing for longer than can be bridged, the

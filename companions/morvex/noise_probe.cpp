@@ -25,8 +25,8 @@ void CNoiseProbe::Add(const SImuSample& sample) {
             continue;
         }
         length.sum += sample.angle;
-        length.duration += sample.interval;
-        if (length.duration >= kLengths[i] - 0.25 * sample.interval) AddSum(length, sample.time);
+        length.duration += sample.span;
+        if (length.duration >= kLengths[i] - 0.25 * sample.span) AddSum(length, sample.time);
     }
 }
 

@@ -29,6 +29,8 @@ class CPayload {
     // The date, which is the first field, s.
     double GetSeconds() const { return static_cast<double>(Get<std::int64_t>(0)) * 1e-7; }
 
+    std::span<const std::uint8_t> GetBytes() const { return m_bytes; }
+
   private:
     std::span<const std::uint8_t> m_bytes;
 };

@@ -57,8 +57,8 @@ bool CResultWriter::Write(const SNavigation& navigation, const StateMatrix& cova
     for (std::size_t i = 0; i < kPoints.size(); ++i) {
         Vector3d position = navigation.position;
         MovePosition(position, toLevel * m_plan->points[i], earth);
-        Put(m_packet, kPoints[i].latitude, position[0] / kRadians);
-        Put(m_packet, kPoints[i].longitude, position[1] / kRadians);
+        Put(m_packet, kPoints[i].latitude, position[0] / kRadiansPerDegree);
+        Put(m_packet, kPoints[i].longitude, position[1] / kRadiansPerDegree);
         const double altitude = position[2] - (m_plan->aboveGeoid ? context.geoidHeight : 0.0);
         Put(m_packet, kPoints[i].altitude, static_cast<float>(altitude));
     }
@@ -79,16 +79,16 @@ bool CResultWriter::Write(const SNavigation& navigation, const StateMatrix& cova
 
     const Matrix3d userToLevel = toLevel * m_plan->userToVessel;
     const SAttitude attitude = AttitudeOf(userToLevel);
-    Put(m_packet, At("Heading"), attitude.heading / kRadians);
-    Put(m_packet, At("Roll"), attitude.roll / kRadians);
-    Put(m_packet, At("Pitch"), attitude.pitch / kRadians);
+    Put(m_packet, At("Heading"), attitude.heading / kRadiansPerDegree);
+    Put(m_packet, At("Roll"), attitude.roll / kRadiansPerDegree);
+    Put(m_packet, At("Pitch"), attitude.pitch / kRadiansPerDegree);
     // The tilt of the level axes, seen along and across the heading.
     const Matrix3d tilt = covariance.block<3, 3>(stateAttitude, stateAttitude);
     const Vector3d along(std::cos(attitude.heading), -std::sin(attitude.heading), 0.0);
     const Vector3d across(std::sin(attitude.heading), std::cos(attitude.heading), 0.0);
-    Put(m_packet, At("Std. dev. heading"), Deviation(tilt(2, 2)) / kRadians);
-    Put(m_packet, At("Std. dev. roll"), Deviation(along.dot(tilt * along)) / kRadians);
-    Put(m_packet, At("Std. dev. pitch"), Deviation(across.dot(tilt * across)) / kRadians);
+    Put(m_packet, At("Std. dev. heading"), Deviation(tilt(2, 2)) / kRadiansPerDegree);
+    Put(m_packet, At("Std. dev. roll"), Deviation(along.dot(tilt * along)) / kRadiansPerDegree);
+    Put(m_packet, At("Std. dev. pitch"), Deviation(across.dot(tilt * across)) / kRadiansPerDegree);
 
     SetUtc(date);
     Put(m_packet, At("Algorithm status 1"), context.status1);

@@ -28,7 +28,8 @@ Vector3d VectorOf(const std::unique_ptr<CLeverArm>& arm) {
 
 Matrix3d MatrixOfMisalignment(const std::unique_ptr<CMisalignment>& angles) {
     if (!angles) return Matrix3d::Identity();
-    return MatrixOf({angles->heading * kRadians, angles->roll * kRadians, angles->pitch * kRadians});
+    return MatrixOf({angles->heading * kRadiansPerDegree, angles->roll * kRadiansPerDegree,
+                     angles->pitch * kRadiansPerDegree});
 }
 
 SChannelPlan ChannelPlanOf(const CTrvSensor& sensor) {

@@ -6,13 +6,13 @@ namespace Morvex {
 // first for the attitude, the second for velocity and position, with rates taken as linear over this sample
 // and the one before.
 void CStrapdown::Advance(const SImuSample& sample) {
-    const double dt = sample.interval;
+    const double dt = sample.span;
     if (!(dt > 0.0)) return;
     Vector3d coning = Vector3d::Zero();
     Vector3d sculling = Vector3d::Zero();
-    if (m_lastInterval > 0.0) {
-        // 1/12 for equal intervals, in the form that also holds for a sample that was cut in two.
-        const double k = dt * dt / (6.0 * (dt + m_lastInterval));
+    if (m_lastSpan > 0.0) {
+        // 1/12 for equal spans, in the form that also holds for a sample that was cut in two.
+        const double k = dt * dt / (6.0 * (dt + m_lastSpan));
         coning = k * m_rate.cross(sample.angle);
         sculling = k * (m_rate.cross(sample.velocity) + m_force.cross(sample.angle));
     }
@@ -34,7 +34,7 @@ void CStrapdown::Advance(const SImuSample& sample) {
     m_navigation.time = sample.time;
     m_rate = sample.angle / dt;
     m_force = sample.velocity / dt;
-    m_lastInterval = dt;
+    m_lastSpan = dt;
 }
 
 void CStrapdown::Correct(const Vector3d& position, const Vector3d& velocity, const Vector3d& rotation) {

@@ -23,7 +23,7 @@ class CStrapdown {
     explicit CStrapdown(const SNavigation& start = {}, double direction = 1.0)
         : m_navigation(start), m_direction(direction) {}
 
-    // Moves on by one sample whose biases have been taken out. Samples may have any interval: half a sample
+    // Moves on by one sample whose biases have been taken out. Samples may have any span: half a sample
     // up to a measurement and the rest after it are two calls.
     void Advance(const SImuSample& sample);
 
@@ -39,7 +39,7 @@ class CStrapdown {
   private:
     SNavigation m_navigation;
     double m_direction;
-    double m_lastInterval = 0.0;
+    double m_lastSpan = 0.0;
     Vector3d m_rate = Vector3d::Zero();
     Vector3d m_force = Vector3d::Zero();
 };

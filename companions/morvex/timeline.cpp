@@ -8,7 +8,7 @@ SStretch SStretch::Reversed() const {
     SStretch reversed;
     reversed.samples.assign(samples.rbegin(), samples.rend());
     for (SImuSample& sample : reversed.samples) {
-        sample.time = -(sample.time - sample.interval);
+        sample.time = -(sample.time - sample.span);
         sample.angle = -sample.angle;
     }
     reversed.fixes.assign(fixes.rbegin(), fixes.rend());

@@ -48,21 +48,20 @@ void AdvanceThrough(CInsFilter& filter, const SImuSample& sample, Source& source
     if (sample.gap > 0.0) filter.AdmitGap(sample.gap);
     while (const auto* item = source.Peek()) {
         if (item->time > sample.time) break;
-        if (sample.time - item->time < kSameTime && rest.interval > 0.0) {
+        if (sample.time - item->time < kSameTime && rest.span > 0.0) {
             filter.Advance(rest);
-            rest.interval = 0.0;
+            rest.span = 0.0;
         }
-        const double part = item->time - (rest.time - rest.interval);
-        if (rest.interval > 0.0 && part > kSameTime) {
-            const double share = part / rest.interval;
+        const double part = item->time - (rest.time - rest.span);
+        if (rest.span > 0.0 && part > kSameTime) {
+            const double share = part / rest.span;
             filter.Advance({item->time, part, rest.angle * share, rest.velocity * share});
-            rest = {rest.time, rest.interval - part, rest.angle * (1.0 - share),
-                    rest.velocity * (1.0 - share)};
+            rest = {rest.time, rest.span - part, rest.angle * (1.0 - share), rest.velocity * (1.0 - share)};
         }
         take(*item);
         source.Pop();
     }
-    if (rest.interval > 0.0) filter.Advance(rest);
+    if (rest.span > 0.0) filter.Advance(rest);
 }
 
 } // namespace Morvex

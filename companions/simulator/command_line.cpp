@@ -218,7 +218,7 @@ std::string ShowStart(const SMissionOptions& options) {
                 Outils_Texte::FormatShortest);
 }
 std::string ShowCurrent(const SMissionOptions& options) {
-    return Join(std::array<double, 2>{options.current.x, options.current.y}, Outils_Texte::FormatShortest);
+    return Join(std::array<double, 2>{options.current.x(), options.current.y()}, Outils_Texte::FormatShortest);
 }
 std::string ShowUtc(const SMissionOptions& options) {
     Outils_Temps::CalendarFields fields;

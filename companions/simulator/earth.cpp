@@ -7,16 +7,16 @@
 namespace Simulation {
 
 SRadii GetRadii(double sinLatitude) {
-    const double w2 = 1 - kEccentricitySquared * sinLatitude * sinLatitude;
+    const double w2 = 1 - kEccentricity2 * sinLatitude * sinLatitude;
     const double normal = kSemiMajorAxis / std::sqrt(w2);
-    return {normal * (1 - kEccentricitySquared) / w2, normal};
+    return {normal * (1 - kEccentricity2) / w2, normal};
 }
 
-Vector3 GetGravity(double sinLatitude, double altitude) {
+Vector3d GetGravity(double sinLatitude, double altitude) {
     constexpr double equator = 9.7803253359, k = 0.00193185265241;
     constexpr double m = 0.00344978650684; // centrifugal over gravitational acceleration at the equator
     const double s2 = sinLatitude * sinLatitude;
-    const double surface = equator * (1 + k * s2) / std::sqrt(1 - kEccentricitySquared * s2);
+    const double surface = equator * (1 + k * s2) / std::sqrt(1 - kEccentricity2 * s2);
     const double ratio = altitude / kSemiMajorAxis;
     const double down =
         surface * (1 - 2 * (1 + kFlattening + m - 2 * kFlattening * s2) * ratio + 3 * ratio * ratio);
@@ -24,10 +24,10 @@ Vector3 GetGravity(double sinLatitude, double altitude) {
     return {-bend * altitude * 2 * sinLatitude * std::sqrt(1 - s2), 0, -down};
 }
 
-Vector3 ToEarthFixed(double latitude, double longitude, double altitude) {
-    Vector3 point;
-    GeographicLib::Geocentric::WGS84().Forward(latitude * kRadian, longitude * kRadian, altitude, point.x,
-                                               point.y, point.z);
+Vector3d ToEarthFixed(double latitude, double longitude, double altitude) {
+    Vector3d point;
+    GeographicLib::Geocentric::WGS84().Forward(latitude * kDegreesPerRadian, longitude * kDegreesPerRadian,
+                                               altitude, point.x(), point.y(), point.z());
     return point;
 }
 

@@ -8,6 +8,8 @@ namespace Simulation {
 
 namespace {
 
+using Compagnon::kRadiansPerFogCount;
+using Compagnon::kSpeedPerAccCount;
 using Outils_Temps::kTicksPerSecond;
 using Persistance_Xpf::kImuLayout;
 
@@ -43,9 +45,10 @@ CInertialUnit::CInertialUnit(const CMission& mission)
       m_rate(mission.GetOptions().imuRate),
       m_random(mission.GetOptions().seed, kStream) {
     const SGrade& grade = GetGrade(mission.GetOptions().grade);
-    const double perHour = 1 / kRadian / 3600 / kFogUnit; // raw units per second for a degree per hour
-    const double perRootHour = 1 / kRadian / 60 / kFogUnit;
-    const double perMicroG = kMicroG / kAccUnit;
+    const double perHour =
+        kRadiansPerDegree / 3600 / kRadiansPerFogCount; // raw units per second for a degree per hour
+    const double perRootHour = kRadiansPerDegree / 60 / kRadiansPerFogCount;
+    const double perMicroG = kMicroG / kSpeedPerAccCount;
     for (std::size_t i = 0; i < m_axes.size(); ++i) {
         SAxis& axis = m_axes[i];
         const bool gyro = i < 3;
@@ -78,14 +81,15 @@ std::span<const std::uint8_t> CInertialUnit::MakePacket() {
     const double step = static_cast<double>(endDate - beginDate) / kTicksPerSecond;
     const double middle = begin + step / 2;
 
-    Vector3 rotation, velocity;
+    Vector3d rotation = Vector3d::Zero(), velocity = Vector3d::Zero();
     for (const auto& [node, weight] : GetNodes(step)) {
         const SVehicleState state = m_mission->GetState(middle + node * step / 2, m_cursor);
         rotation += weight * step * state.inertialRate;
         velocity += weight * step * state.force;
     }
-    const double exact[6] = {rotation.x / kFogUnit, rotation.y / kFogUnit, rotation.z / kFogUnit,
-                             velocity.x / kAccUnit, velocity.y / kAccUnit, velocity.z / kAccUnit};
+    const double exact[6] = {rotation.x() / kRadiansPerFogCount, rotation.y() / kRadiansPerFogCount,
+                             rotation.z() / kRadiansPerFogCount, velocity.x() / kSpeedPerAccCount,
+                             velocity.y() / kSpeedPerAccCount,   velocity.z() / kSpeedPerAccCount};
 
     if (begin >= 1 && std::floor(begin) != std::floor(begin - step))
         for (SAxis& axis : m_axes) axis.wander.Step(kWanderStep, m_random);

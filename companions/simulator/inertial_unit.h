@@ -9,9 +9,6 @@
 
 namespace Simulation {
 
-inline constexpr double kFogUnit = 3.14159265358979323846 / 648e6; // radians: a thousandth of an arc second
-inline constexpr double kAccUnit = 1e-7;                           // metres per second
-
 // Turns exact increments into raw counts, one sample after the other.
 //
 // A sample is the integral of rotation rate and of specific force over the interval that ends at its date, by

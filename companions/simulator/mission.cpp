@@ -3,6 +3,8 @@
 #include "simulator/earth.h"
 #include "simulator/sensors.h"
 
+#include <Eigen/Geometry>
+
 #include <algorithm>
 #include <cmath>
 
@@ -13,18 +15,20 @@ namespace {
 constexpr double kStep = 0.05; // seconds
 constexpr std::int64_t kCheckpointSteps = 200;
 
-Matrix3 MakeAttitude(double heading, double roll, double pitch) {
+Matrix3d MakeAttitude(double heading, double roll, double pitch) {
     const double ch = std::cos(heading), sh = std::sin(heading);
     const double cr = std::cos(roll), sr = std::sin(roll);
     const double cp = std::cos(pitch), sp = std::sin(pitch);
     // Turned by -heading about up, then by -pitch about port, then by roll about forward.
-    return {{cp * ch, -cp * sh, sp},
-            {sh * cr - ch * sp * sr, ch * cr + sh * sp * sr, cp * sr},
-            {-sh * sr - ch * sp * cr, -ch * sr + sh * sp * cr, cp * cr}};
+    Matrix3d attitude;
+    attitude.col(0) = Vector3d(cp * ch, -cp * sh, sp);
+    attitude.col(1) = Vector3d(sh * cr - ch * sp * sr, ch * cr + sh * sp * sr, cp * sr);
+    attitude.col(2) = Vector3d(-sh * sr - ch * sp * cr, -ch * sr + sh * sp * cr, cp * cr);
+    return attitude;
 }
 
 // The rotation against the level axes, in vessel axes.
-Vector3 GetBodyRate(const SKinematics& motion) {
+Vector3d GetBodyRate(const SKinematics& motion) {
     const double cr = std::cos(motion.roll.value), sr = std::sin(motion.roll.value);
     const double cp = std::cos(motion.pitch.value), sp = std::sin(motion.pitch.value);
     const double h = motion.heading.rate, p = motion.pitch.rate;
@@ -32,7 +36,7 @@ Vector3 GetBodyRate(const SKinematics& motion) {
 }
 
 double WrapDegrees(double radians, double from) {
-    const double turns = (radians * kRadian - from) / 360;
+    const double turns = (radians * kDegreesPerRadian - from) / 360;
     const double wrapped = (turns - std::floor(turns)) * 360 + from;
     return wrapped < from + 360 ? wrapped : from;
 }
@@ -51,7 +55,7 @@ CMission::CMission(const SMissionOptions& options)
       m_motion(MakeMotionPlan(options, m_duration)) {
     CTrackCursor cursor;
     cursor.step = 0;
-    cursor.begin = {options.latitude / kRadian, options.longitude / kRadian};
+    cursor.begin = {options.latitude * kRadiansPerDegree, options.longitude * kRadiansPerDegree};
     const auto steps = static_cast<std::int64_t>(std::ceil(m_duration / kStep)) + 1;
     for (; cursor.step < steps; ++cursor.step) {
         if (cursor.step % kCheckpointSteps == 0) m_checkpoints.push_back(cursor.begin);
@@ -71,8 +75,8 @@ void CMission::Integrate(CTrackCursor& cursor) const {
                            const CTrackCursor::SPoint& point) -> CTrackCursor::SPoint {
         const double s = std::sin(point.latitude);
         const SRadii radii = GetRadii(s);
-        return {motion.velocity.x / (radii.meridian + motion.altitude),
-                -motion.velocity.y / ((radii.normal + motion.altitude) * std::sqrt(1 - s * s))};
+        return {motion.velocity.x() / (radii.meridian + motion.altitude),
+                -motion.velocity.y() / ((radii.normal + motion.altitude) * std::sqrt(1 - s * s))};
     };
     const auto move = [&](const CTrackCursor::SPoint& rate, double time) -> CTrackCursor::SPoint {
         return {cursor.begin.latitude + rate.latitude * time, cursor.begin.longitude + rate.longitude * time};
@@ -131,15 +135,15 @@ SVehicleState CMission::GetState(double time, CTrackCursor& cursor) const {
 
     const SKinematics& motion = state.motion;
     state.attitude = MakeAttitude(motion.heading.value, motion.roll.value, motion.pitch.value);
-    const Vector3 earth{kEarthRate * c, 0, kEarthRate * s};
-    const double east = -motion.velocity.y / state.normalRadius;
-    const Vector3 transport{east, motion.velocity.x / state.meridianRadius, east * s / c};
-    state.earthRelativeRate = GetBodyRate(motion) + state.attitude.ApplyInverse(transport);
-    state.inertialRate = state.earthRelativeRate + state.attitude.ApplyInverse(earth);
+    const Vector3d earth{kEarthRate * c, 0, kEarthRate * s};
+    const double east = -motion.velocity.y() / state.normalRadius;
+    const Vector3d transport{east, motion.velocity.x() / state.meridianRadius, east * s / c};
+    state.earthRelativeRate = GetBodyRate(motion) + state.attitude.transpose() * transport;
+    state.inertialRate = state.earthRelativeRate + state.attitude.transpose() * earth;
     // Navigation equation in level axes, solved for what accelerometers feel.
-    const Vector3 gravity = GetGravity(s, motion.altitude);
-    state.force = state.attitude.ApplyInverse(motion.acceleration +
-                                              Cross(2 * earth + transport, motion.velocity) - gravity);
+    const Vector3d gravity = GetGravity(s, motion.altitude);
+    state.force = state.attitude.transpose() *
+                  (motion.acceleration + (2 * earth + transport).cross(motion.velocity) - gravity);
     return state;
 }
 
@@ -148,15 +152,15 @@ STruth CMission::GetTruth(double time, CTrackCursor& cursor) const {
     const SKinematics& motion = state.motion;
     STruth truth;
     truth.time = std::clamp(time, 0.0, m_duration);
-    truth.latitude = state.latitude * kRadian;
+    truth.latitude = state.latitude * kDegreesPerRadian;
     truth.longitude = WrapDegrees(state.longitude, -180);
     truth.altitude = motion.altitude;
-    truth.speedNorth = motion.velocity.x;
-    truth.speedEast = 0 - motion.velocity.y; // no negative zero
-    truth.speedUp = motion.velocity.z;
+    truth.speedNorth = motion.velocity.x();
+    truth.speedEast = 0 - motion.velocity.y(); // no negative zero
+    truth.speedUp = motion.velocity.z();
     truth.heading = WrapDegrees(motion.heading.value, 0);
-    truth.roll = motion.roll.value * kRadian;
-    truth.pitch = motion.pitch.value * kRadian;
+    truth.roll = motion.roll.value * kDegreesPerRadian;
+    truth.pitch = motion.pitch.value * kDegreesPerRadian;
     return truth;
 }
 

@@ -9,7 +9,6 @@
 
 #include "simulator/mission_options.h"
 #include "simulator/motion.h"
-#include "simulator/vector3.h"
 
 #include <cstdint>
 #include <vector>
@@ -32,11 +31,11 @@ struct STruth {
 struct SVehicleState {
     SKinematics motion;
     double latitude = 0, longitude = 0;
-    double meridianRadius = 0, normalRadius = 0; // of curvature, at the altitude
-    Matrix3 attitude;                            // vessel to level
-    Vector3 earthRelativeRate;                   // rotation against the earth, vessel axes
-    Vector3 inertialRate;                        // what gyroscopes feel, vessel axes
-    Vector3 force;                               // specific force: what accelerometers feel, vessel axes
+    double meridianRadius = 0, normalRadius = 0;   // of curvature, at the altitude
+    Matrix3d attitude = Matrix3d::Identity();      // vessel to level
+    Vector3d earthRelativeRate = Vector3d::Zero(); // rotation against the earth, vessel axes
+    Vector3d inertialRate = Vector3d::Zero();      // what gyroscopes feel, vessel axes
+    Vector3d force = Vector3d::Zero();             // specific force: what accelerometers feel, vessel axes
 };
 
 class CMission;

@@ -51,7 +51,7 @@ SChannelOptions& SMissionOptions::GetChannelOptions(std::string_view channel) {
 bool SMissionOptions::IsOutage(std::string_view channel, double time) const {
     const SChannelOptions* own = FindChannelOptions(channel);
     return own &&
-           std::ranges::any_of(own->outages, [&](const SStretch& outage) { return outage.Contains(time); });
+           std::ranges::any_of(own->outages, [&](const SPeriod& outage) { return outage.Contains(time); });
 }
 
 std::vector<std::string_view> SMissionOptions::GetChannels() const {
@@ -81,15 +81,15 @@ std::string SMissionOptions::Validate() const {
     if (!IsWithin(latitude, -85, 85) || !IsWithin(longitude, -180, 360)) return Say(EText::simStartRange);
     if (!IsWithin(altitude, -10000, 10000)) return Say(EText::simAltitudeRange);
     if (!IsWithin(heading, -360, 360)) return Say(EText::simHeadingRange);
-    if (!IsWithin(Norm(current), 0, 5)) return Say(EText::simCurrentRange);
+    if (!IsWithin(current.norm(), 0, 5)) return Say(EText::simCurrentRange);
     if (!IsWithin(equipment, 0, 255)) return Say(EText::simEquipmentRange);
     if (!IsWithin(gpsMode, 1, 5)) return Say(EText::simGpsModeRange);
     if (!IsWithin(outliers, 0, 1)) return Say(EText::simOutliersRange);
     if (!IsWithin(truthRate, 0.001, 1000)) return Say(EText::simTruthRateRange);
     if (!std::isfinite(noise + geoidSeparation + seabedDepth + dvlScaleError + dvlHeadingError))
         return Say(EText::simNotFinite);
-    for (const Vector3& arm : leverArms)
-        if (!IsWithin(Norm(arm), 0, 1000)) return Say(EText::simLeverArmRange);
+    for (const Vector3d& arm : leverArms)
+        if (!IsWithin(arm.norm(), 0, 1000)) return Say(EText::simLeverArmRange);
     for (const std::string& name : channels)
         if (name != "IMU" && GetUsualRate(name) == 0) return Say(EText::simNoInputChannel, {name});
     for (const SChannelOptions& own : channelOptions) {

@@ -2,7 +2,8 @@
 #pragma once
 
 #include "foundation/date_time.h"
-#include "simulator/vector3.h"
+
+#include <Eigen/Core>
 
 #include <array>
 #include <cstdint>
@@ -12,6 +13,10 @@
 
 namespace Simulation {
 
+// Level axes are north, west, up; vessel axes forward, to port, up.
+using Eigen::Matrix3d;
+using Eigen::Vector3d;
+
 enum class EVehicle : std::uint8_t { ship, auv, car };
 
 // Quality of the inertial sensors; `perfect` has no error but the rounding to raw units.
@@ -20,11 +25,11 @@ enum class EGrade : std::uint8_t { perfect, marine, navigation, tactical, mems }
 // The sensors that sit away from the inertial unit.
 enum class EMount : std::uint8_t { gps, dvl, emLog, depth, usbl, lbl, count };
 
-// A stretch of mission time, in seconds.
-struct SStretch {
-    double from = 0;
-    double to = 0;
-    bool Contains(double time) const { return time >= from && time < to; }
+// Mission time from `begin`, included, to `end`, not included, in seconds.
+struct SPeriod {
+    double begin = 0;
+    double end = 0;
+    bool Contains(double time) const { return time >= begin && time < end; }
 };
 
 // Overrides for one channel.
@@ -32,8 +37,15 @@ struct SChannelOptions {
     std::string channel;
     double rate = 0;  // packets per second; 0: the channel's usual rate
     double delay = 0; // seconds between the moment of the measurement and the date of its packet
-    std::vector<SStretch> outages;
+    std::vector<SPeriod> outages;
 };
+
+using LeverArms = std::array<Vector3d, static_cast<std::size_t>(EMount::count)>;
+inline LeverArms MakeLeverArms() {
+    LeverArms arms;
+    arms.fill(Vector3d::Zero());
+    return arms;
+}
 
 struct SMissionOptions {
     EVehicle vehicle = EVehicle::ship;
@@ -43,12 +55,12 @@ struct SMissionOptions {
     double alignmentMotion = 0;     // share of the sea's motion that is felt at rest, 0 to 1
     double seaState = 1;            // factor on the amplitudes of waves, terrain and vibration
 
-    double latitude = 43.1;          // degrees, -85 to 85
-    double longitude = 5.9;          // degrees
-    double altitude = 0;             // metres above the ellipsoid
-    double heading = 30;             // degrees, clockwise from true north
-    Vector3 current{0.25, -0.15, 0}; // metres per second of the water north and east; cars have none
-    double seabedDepth = 200;        // metres below the sea surface
+    double latitude = 43.1;           // degrees, -85 to 85
+    double longitude = 5.9;           // degrees
+    double altitude = 0;              // metres above the ellipsoid
+    double heading = 30;              // degrees, clockwise from true north
+    Vector3d current{0.25, -0.15, 0}; // metres per second of the water north and east; cars have none
+    double seabedDepth = 200;         // metres below the sea surface
     Outils_Temps::CDateTime utcOrigin =
         Outils_Temps::CDateTime::Invalid(); // UTC of Date zero; invalid: 2024-05-14 08:00
 
@@ -62,7 +74,7 @@ struct SMissionOptions {
     double geoidSeparation = 0; // metres from the ellipsoid up to the geoid
     double dvlScaleError = 0;   // fraction by which the Doppler log reads too much
     double dvlHeadingError = 0; // degrees by which the log is mounted turned to port
-    std::array<Vector3, static_cast<std::size_t>(EMount::count)> leverArms{}; // metres forward, to port, up
+    LeverArms leverArms = MakeLeverArms(); // metres forward, to port, up
 
     std::vector<std::string> channels; // empty: those usual for the vehicle; "IMU" is always written
     std::vector<SChannelOptions> channelOptions; // at most one for each channel

@@ -60,10 +60,10 @@ SKinematics CMotion::At(double time, SMotionHint& hint) const {
 
     const double c = std::cos(course.value), s = std::sin(course.value);
     result.water = release.value * m_plan.current;
-    result.velocity = Vector3{speed.value * c, -speed.value * s, climb.first + heave.first} + result.water;
+    result.velocity = Vector3d{speed.value * c, -speed.value * s, climb.first + heave.first} + result.water;
     result.acceleration =
-        Vector3{speed.first * c - speed.value * course.first * s,
-                -speed.first * s - speed.value * course.first * c, climb.second + heave.second} +
+        Vector3d{speed.first * c - speed.value * course.first * s,
+                 -speed.first * s - speed.value * course.first * c, climb.second + heave.second} +
         release.first * m_plan.current;
     result.altitude = m_altitude + climb.value + heave.value;
     return result;

@@ -3,7 +3,6 @@
 
 #include "simulator/mission_options.h"
 #include "simulator/profile.h"
-#include "simulator/vector3.h"
 
 #include <vector>
 
@@ -15,11 +14,11 @@ struct SAngle {
 };
 
 struct SKinematics {
-    Vector3 velocity;     // over ground, level axes
-    Vector3 acceleration; // its derivative in level axes
-    Vector3 water;        // velocity of the water, level axes
-    double altitude = 0;  // metres above the ellipsoid
-    double distance = 0;  // metres run through the water or on the road
+    Vector3d velocity = Vector3d::Zero();     // over ground, level axes
+    Vector3d acceleration = Vector3d::Zero(); // its derivative in level axes
+    Vector3d water = Vector3d::Zero();        // velocity of the water, level axes
+    double altitude = 0;                      // metres above the ellipsoid
+    double distance = 0;                      // metres run through the water or on the road
     SAngle heading, roll, pitch;
 };
 
@@ -40,9 +39,9 @@ struct SMotionPlan {
     CProfile release{0};     // 0 while the vehicle is made fast, 1 after
     double motionAtRest = 0; // share of the waves felt while made fast
     std::vector<SWave> heave, roll, pitch, yaw;
-    double pitchPerClimb = 0;       // radians per metre per second
-    double rollPerAcceleration = 0; // radians per metre per second squared to starboard
-    Vector3 current;                // of the water, level axes
+    double pitchPerClimb = 0;            // radians per metre per second
+    double rollPerAcceleration = 0;      // radians per metre per second squared to starboard
+    Vector3d current = Vector3d::Zero(); // of the water, level axes
 };
 
 // Where the profiles were asked last.

@@ -9,10 +9,10 @@ namespace Simulation {
 
 namespace {
 
-// Amplitude in degrees or metres, period in seconds of time or length in metres of distance run.
+// Amplitude in degrees or metres, cycle in seconds of time or length in metres of distance run.
 struct SWaveRow {
     double amplitude;
-    double period;
+    double cycle;
     double length;
 };
 
@@ -109,7 +109,7 @@ std::vector<SWave> MakeWaves(const std::array<SWaveRow, 3>& rows, double factor,
     for (const SWaveRow& row : rows) {
         const double phase = random.Uniform(0, 2 * kPi);
         if (row.amplitude == 0) continue;
-        waves.push_back({row.amplitude * factor, row.period > 0 ? 2 * kPi / row.period : 0,
+        waves.push_back({row.amplitude * factor, row.cycle > 0 ? 2 * kPi / row.cycle : 0,
                          row.length > 0 ? 2 * kPi / row.length : 0, phase});
     }
     return waves;
@@ -154,7 +154,7 @@ class CRoute {
         if (m_plan.speed.GetLast() > m_habit.speed * m_habit.speedInTurns)
             SetSpeed(m_habit.speed * m_habit.speedInTurns);
         const bool toPort = m_habit.turnsAtWill ? m_random.Uniform() < 0.5 : leg % 2 == 0;
-        const double angle = m_habit.turn / kRadian * (toPort ? -1 : 1);
+        const double angle = m_habit.turn * kRadiansPerDegree * (toPort ? -1 : 1);
         m_plan.course.ChangeTo(m_plan.course.GetLast() + angle, m_time, m_habit.turnTime);
         m_time += m_habit.turnTime;
     }
@@ -185,18 +185,18 @@ SMotionPlan MakeMotionPlan(const SMissionOptions& options, double duration) {
 
     SMotionPlan plan;
     plan.altitude = options.altitude;
-    plan.course = CProfile(options.heading / kRadian);
+    plan.course = CProfile(options.heading * kRadiansPerDegree);
     plan.release.ChangeTo(1, options.alignmentDuration, kReleaseTime);
     // What shakes a car comes from the road and ends with its speed.
     plan.motionAtRest = onRoad ? 1 : options.alignmentMotion;
     plan.heave = MakeWaves(habit.heave, options.seaState, random);
-    plan.roll = MakeWaves(habit.roll, options.seaState / kRadian, random);
-    plan.pitch = MakeWaves(habit.pitch, options.seaState / kRadian, random);
-    plan.yaw = MakeWaves(habit.yaw, options.seaState / kRadian, random);
+    plan.roll = MakeWaves(habit.roll, options.seaState * kRadiansPerDegree, random);
+    plan.pitch = MakeWaves(habit.pitch, options.seaState * kRadiansPerDegree, random);
+    plan.yaw = MakeWaves(habit.yaw, options.seaState * kRadiansPerDegree, random);
     AddSlope(plan.heave, plan.pitch);
     plan.pitchPerClimb = habit.pitchPerClimb;
     plan.rollPerAcceleration = habit.rollPerAcceleration;
-    if (!onRoad) plan.current = {options.current.x, -options.current.y, 0};
+    if (!onRoad) plan.current = {options.current.x(), -options.current.y(), 0};
     // The yaw of the road is there from the start: the heading that was asked for is the one at rest.
     if (onRoad)
         for (const SWave& wave : plan.yaw)

@@ -50,8 +50,8 @@ void FillGps(CSensor& sensor, CPayload& payload) {
     payload.Put(PlaceOf(kGpsLayout, "Horizontal rejection"), kAuto);
     payload.Put(PlaceOf(kGpsLayout, "Vertical rejection"), kAuto);
     payload.Put(PlaceOf(kGpsLayout, "GPS mode"), options.gpsMode);
-    payload.Put(PlaceOf(kGpsLayout, "Latitude"), fix.latitude * kRadian);
-    payload.Put(PlaceOf(kGpsLayout, "Longitude"), std::remainder(fix.longitude * kRadian, 360));
+    payload.Put(PlaceOf(kGpsLayout, "Latitude"), fix.latitude * kDegreesPerRadian);
+    payload.Put(PlaceOf(kGpsLayout, "Longitude"), std::remainder(fix.longitude * kDegreesPerRadian, 360));
     payload.Put(PlaceOf(kGpsLayout, "Altitude"), fix.altitude - options.geoidSeparation);
     payload.Put(PlaceOf(kGpsLayout, "Std. dev. north"), error.horizontal);
     payload.Put(PlaceOf(kGpsLayout, "Std. dev. east"), error.horizontal);
@@ -65,17 +65,17 @@ void FillDvl(CSensor& sensor, CPayload& payload) {
     const SMissionOptions& options = sensor.GetOptions();
     const bool bottom = sensor.GetChannel() == "DVL_BT";
     const double deviation = bottom ? 0.01 : 0.03, vertical = deviation / 2;
-    Vector3 velocity = sensor.GetVelocityAt(EMount::dvl);
-    if (!bottom) velocity += -1 * sensor.GetState().attitude.ApplyInverse(sensor.GetState().motion.water);
-    const double c = std::cos(options.dvlHeadingError / kRadian),
-                 s = std::sin(options.dvlHeadingError / kRadian);
-    velocity = (1 + options.dvlScaleError) *
-               Vector3{c * velocity.x + s * velocity.y, c * velocity.y - s * velocity.x, velocity.z};
+    Vector3d velocity = sensor.GetVelocityAt(EMount::dvl);
+    if (!bottom) velocity -= sensor.GetState().attitude.transpose() * sensor.GetState().motion.water;
+    const double c = std::cos(options.dvlHeadingError * kRadiansPerDegree),
+                 s = std::sin(options.dvlHeadingError * kRadiansPerDegree);
+    velocity = (1 + options.dvlScaleError) * Vector3d{c * velocity.x() + s * velocity.y(),
+                                                      c * velocity.y() - s * velocity.x(), velocity.z()};
     payload.Put(PlaceOf(kDvlLayout, "Delay"), GetDelay(sensor));
     payload.Put(PlaceOf(kDvlLayout, "Rejection"), kAuto);
-    payload.Put(PlaceOf(kDvlLayout, "Speed X"), velocity.x + sensor.MakeError(deviation));
-    payload.Put(PlaceOf(kDvlLayout, "Speed Y"), velocity.y + sensor.MakeError(deviation));
-    payload.Put(PlaceOf(kDvlLayout, "Speed Z"), velocity.z + sensor.MakeError(vertical));
+    payload.Put(PlaceOf(kDvlLayout, "Speed X"), velocity.x() + sensor.MakeError(deviation));
+    payload.Put(PlaceOf(kDvlLayout, "Speed Y"), velocity.y() + sensor.MakeError(deviation));
+    payload.Put(PlaceOf(kDvlLayout, "Speed Z"), velocity.z() + sensor.MakeError(vertical));
     payload.Put(PlaceOf(kDvlLayout, "Sound velocity (sensor)"), 1500);
     payload.Put(PlaceOf(kDvlLayout, "Sound velocity (external)"), 1500);
     payload.Put(PlaceOf(kDvlLayout, "Altitude"),
@@ -89,7 +89,7 @@ void FillEMLog(CSensor& sensor, CPayload& payload) {
     constexpr double kDeviation = 0.05;
     const SVehicleState& state = sensor.GetState();
     const double speed =
-        sensor.GetVelocityAt(EMount::emLog).x - state.attitude.ApplyInverse(state.motion.water).x;
+        sensor.GetVelocityAt(EMount::emLog).x() - state.attitude.col(0).dot(state.motion.water);
     payload.Put(PlaceOf(kEMLogLayout, "Delay"), GetDelay(sensor));
     payload.Put(PlaceOf(kEMLogLayout, "Rejection"), kAuto);
     payload.Put(PlaceOf(kEMLogLayout, "Speed"), speed + sensor.MakeError(kDeviation));
@@ -116,8 +116,8 @@ void FillUsbl(CSensor& sensor, CPayload& payload) {
     payload.Put(PlaceOf(kUsblLayout, "Vertical rejection"), kAuto);
     payload.Put(PlaceOf(kUsblLayout, "Beacon"), GetNumber(sensor));
     payload.Put(PlaceOf(kUsblLayout, "Mode"), kAbsolute);
-    payload.Put(PlaceOf(kUsblLayout, "Latitude"), fix.latitude * kRadian);
-    payload.Put(PlaceOf(kUsblLayout, "Longitude"), std::remainder(fix.longitude * kRadian, 360));
+    payload.Put(PlaceOf(kUsblLayout, "Latitude"), fix.latitude * kDegreesPerRadian);
+    payload.Put(PlaceOf(kUsblLayout, "Longitude"), std::remainder(fix.longitude * kDegreesPerRadian, 360));
     payload.Put(PlaceOf(kUsblLayout, "Altitude"), fix.altitude - sensor.GetOptions().geoidSeparation);
     payload.Put(PlaceOf(kUsblLayout, "Std. dev. north"), kError.horizontal);
     payload.Put(PlaceOf(kUsblLayout, "Std. dev. east"), kError.horizontal);
@@ -127,21 +127,22 @@ void FillUsbl(CSensor& sensor, CPayload& payload) {
 // Four beacons on the seabed around the start answer in turn.
 void FillLbl(CSensor& sensor, CPayload& payload) {
     constexpr double kDeviation = 0.5;
-    constexpr Vector3 kPlaces[] = {
-        {900, 700, 0}, {800, -900, 0}, {-1000, -600, 0}, {-700, 1000, 0}}; // north, east
+    constexpr double kPlaces[][2] = {{900, 700}, {800, -900}, {-1000, -600}, {-700, 1000}}; // north, east
     const SMissionOptions& options = sensor.GetOptions();
     const std::uint32_t beacon = sensor.GetCount() % std::size(kPlaces);
-    const double latitude = options.latitude / kRadian + kPlaces[beacon].x / kSemiMajorAxis;
-    const double longitude = options.longitude / kRadian +
-                             kPlaces[beacon].y / (kSemiMajorAxis * std::cos(options.latitude / kRadian));
+    const double latitude = options.latitude * kRadiansPerDegree + kPlaces[beacon][0] / kSemiMajorAxis;
+    const double longitude =
+        options.longitude * kRadiansPerDegree +
+        kPlaces[beacon][1] / (kSemiMajorAxis * std::cos(options.latitude * kRadiansPerDegree));
     const CSensor::SPoint point = sensor.GetPointAt(EMount::lbl);
-    const double range = Norm(ToEarthFixed(latitude, longitude, GetSeabed(options)) -
-                              ToEarthFixed(point.latitude, point.longitude, point.altitude));
+    const double range = (ToEarthFixed(latitude, longitude, GetSeabed(options)) -
+                          ToEarthFixed(point.latitude, point.longitude, point.altitude))
+                             .norm();
     payload.Put(PlaceOf(kLblLayout, "Delay"), GetDelay(sensor));
     payload.Put(PlaceOf(kLblLayout, "Rejection"), kAuto);
     payload.Put(PlaceOf(kLblLayout, "Beacon"), beacon + 1);
-    payload.Put(PlaceOf(kLblLayout, "Latitude"), latitude * kRadian);
-    payload.Put(PlaceOf(kLblLayout, "Longitude"), std::remainder(longitude * kRadian, 360));
+    payload.Put(PlaceOf(kLblLayout, "Latitude"), latitude * kDegreesPerRadian);
+    payload.Put(PlaceOf(kLblLayout, "Longitude"), std::remainder(longitude * kDegreesPerRadian, 360));
     payload.Put(PlaceOf(kLblLayout, "Altitude"), -options.seabedDepth);
     payload.Put(PlaceOf(kLblLayout, "Range"), range + sensor.MakeError(kDeviation));
     payload.Put(PlaceOf(kLblLayout, "Std. dev. range"), kDeviation);
@@ -218,19 +219,20 @@ void FillNelixNav(CSensor& sensor, CPayload& payload) {
 
     const CSensor::SPoint point = Shift(sensor, {state.latitude, state.longitude, state.motion.altitude},
                                         errors[0], errors[1], errors[2]);
-    double heading = std::remainder(state.motion.heading.value * kRadian + errors[3], 360);
+    double heading = std::remainder(state.motion.heading.value * kDegreesPerRadian + errors[3], 360);
     if (heading < 0) heading += 360;
     payload.Put(PlaceOf(kNelixNavLayout, "Algorithm status 1"), word1);
     payload.Put(PlaceOf(kNelixNavLayout, "Algorithm status 2"), word2);
-    payload.Put(PlaceOf(kNelixNavLayout, "Latitude"), point.latitude * kRadian);
-    payload.Put(PlaceOf(kNelixNavLayout, "Longitude"), std::remainder(point.longitude * kRadian, 360));
+    payload.Put(PlaceOf(kNelixNavLayout, "Latitude"), point.latitude * kDegreesPerRadian);
+    payload.Put(PlaceOf(kNelixNavLayout, "Longitude"),
+                std::remainder(point.longitude * kDegreesPerRadian, 360));
     payload.Put(PlaceOf(kNelixNavLayout, "Altitude"), point.altitude);
     payload.Put(PlaceOf(kNelixNavLayout, "Heading"), heading);
-    payload.Put(PlaceOf(kNelixNavLayout, "Roll"), state.motion.roll.value * kRadian + errors[4]);
-    payload.Put(PlaceOf(kNelixNavLayout, "Pitch"), state.motion.pitch.value * kRadian + errors[5]);
-    payload.Put(PlaceOf(kNelixNavLayout, "Speed north"), state.motion.velocity.x + errors[6]);
-    payload.Put(PlaceOf(kNelixNavLayout, "Speed east"), -state.motion.velocity.y + errors[7]);
-    payload.Put(PlaceOf(kNelixNavLayout, "Speed up"), state.motion.velocity.z + errors[8]);
+    payload.Put(PlaceOf(kNelixNavLayout, "Roll"), state.motion.roll.value * kDegreesPerRadian + errors[4]);
+    payload.Put(PlaceOf(kNelixNavLayout, "Pitch"), state.motion.pitch.value * kDegreesPerRadian + errors[5]);
+    payload.Put(PlaceOf(kNelixNavLayout, "Speed north"), state.motion.velocity.x() + errors[6]);
+    payload.Put(PlaceOf(kNelixNavLayout, "Speed east"), -state.motion.velocity.y() + errors[7]);
+    payload.Put(PlaceOf(kNelixNavLayout, "Speed up"), state.motion.velocity.z() + errors[8]);
 }
 
 // A unit that warms up after its start, each part to a temperature of its own.
@@ -256,9 +258,9 @@ void FillPlatform(CSensor& sensor, CPayload& payload) {
     constexpr double kDeviation = 0.01;
     payload.Put(PlaceOf(kPlatformOrientationLayout, "Drift (heading)"), sensor.MakeError(kDeviation));
     payload.Put(PlaceOf(kPlatformOrientationLayout, "Roll"),
-                -motion.roll.value * kRadian + sensor.MakeError(kDeviation));
+                -motion.roll.value * kDegreesPerRadian + sensor.MakeError(kDeviation));
     payload.Put(PlaceOf(kPlatformOrientationLayout, "Pitch"),
-                -motion.pitch.value * kRadian + sensor.MakeError(kDeviation));
+                -motion.pitch.value * kDegreesPerRadian + sensor.MakeError(kDeviation));
 }
 
 constexpr SSensorRow kRows[] = {

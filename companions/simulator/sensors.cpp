@@ -5,6 +5,8 @@
 #include "xpf/records.h"
 #include "xpf/tarin_layouts.h"
 
+#include <Eigen/Geometry>
+
 #include <cmath>
 
 namespace Simulation {
@@ -79,15 +81,15 @@ double CSensor::MakeError(double deviation) {
 }
 
 CSensor::SPoint CSensor::GetPointAt(EMount mount) const {
-    const Vector3 arm = m_state.attitude.Apply(GetOptions().leverArms[static_cast<std::size_t>(mount)]);
-    return {m_state.latitude + arm.x / m_state.meridianRadius,
-            m_state.longitude - arm.y / (m_state.normalRadius * std::cos(m_state.latitude)),
-            m_state.motion.altitude + arm.z};
+    const Vector3d arm = m_state.attitude * GetOptions().leverArms[static_cast<std::size_t>(mount)];
+    return {m_state.latitude + arm.x() / m_state.meridianRadius,
+            m_state.longitude - arm.y() / (m_state.normalRadius * std::cos(m_state.latitude)),
+            m_state.motion.altitude + arm.z()};
 }
 
-Vector3 CSensor::GetVelocityAt(EMount mount) const {
-    return m_state.attitude.ApplyInverse(m_state.motion.velocity) +
-           Cross(m_state.earthRelativeRate, GetOptions().leverArms[static_cast<std::size_t>(mount)]);
+Vector3d CSensor::GetVelocityAt(EMount mount) const {
+    return m_state.attitude.transpose() * m_state.motion.velocity +
+           m_state.earthRelativeRate.cross(GetOptions().leverArms[static_cast<std::size_t>(mount)]);
 }
 
 double GetUsualRate(std::string_view channel) {

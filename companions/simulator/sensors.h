@@ -48,7 +48,7 @@ class CSensor {
     };
     SPoint GetPointAt(EMount mount) const;
     // The velocity over ground of a point of the vehicle, in vessel axes.
-    Vector3 GetVelocityAt(EMount mount) const;
+    Vector3d GetVelocityAt(EMount mount) const;
 
   private:
     void Schedule();

@@ -2,6 +2,7 @@
 
 #include "xpf/table_file.h"
 #include "xpf/tarin_layouts.h"
+#include "xpf/utc_fields.h"
 
 #include <algorithm>
 #include <array>
@@ -21,23 +22,6 @@ T Load(std::span<const std::uint8_t> payload, std::uint32_t offset) {
     std::memcpy(&value, payload.data() + offset, sizeof value);
     return value;
 }
-
-// The calendar fields of a UTC packet, their seconds apart, and the packet's own date.
-struct SUtcFields {
-    explicit SUtcFields(std::span<const std::uint8_t> payload)
-        : date(Load<std::int64_t>(payload, kUtcLayout.OffsetOf("Date"))),
-          year(Load<std::uint16_t>(payload, kUtcLayout.OffsetOf("UTC Year"))),
-          month(Load<std::uint8_t>(payload, kUtcLayout.OffsetOf("UTC Month"))),
-          day(Load<std::uint8_t>(payload, kUtcLayout.OffsetOf("UTC day"))),
-          hour(Load<std::uint8_t>(payload, kUtcLayout.OffsetOf("UTC Hour"))),
-          minute(Load<std::uint8_t>(payload, kUtcLayout.OffsetOf("UTC Minute"))),
-          second(Load<float>(payload, kUtcLayout.OffsetOf("UTC Second"))) {}
-
-    CDateTimeSpan date;
-    std::uint16_t year;
-    std::uint8_t month, day, hour, minute;
-    float second;
-};
 
 constexpr std::uint32_t kGpsPacketSize = kGpsLayout.payloadSize + kPacketOverhead;
 constexpr std::uint32_t kUtcPacketSize = kUtcLayout.payloadSize + kPacketOverhead;
@@ -267,11 +251,7 @@ CDateTime FindUtcOrigin(const std::filesystem::path& path, int maxPacketCount,
         if (!header.Check() || header.size != kUtcPacketSize ||
             file->Read(payload, sizeof payload) != sizeof payload)
             break;
-        const SUtcFields utc(payload);
-        CDateTime origin = CDateTime::Invalid();
-        origin.SetDateTime(utc.year, utc.month, utc.day, utc.hour, utc.minute, 0, 0);
-        origin += CDateTimeSpan::FromSeconds(static_cast<double>(utc.second));
-        return origin - utc.date;
+        return SUtcFields(payload).GetOrigin();
     }
     return CDateTime::Invalid();
 }

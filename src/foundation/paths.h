@@ -27,6 +27,9 @@ std::filesystem::path ToAbsolute(const std::filesystem::path& path);
 std::string ToText(const std::filesystem::path& path);
 std::filesystem::path FromText(std::string_view text);
 
+// Whether archives bring the path back as it is: its name is UTF-8 text.
+bool CanBeStored(const std::filesystem::path& path);
+
 // Without regard to case.
 bool SamePath(const std::filesystem::path& a, const std::filesystem::path& b);
 

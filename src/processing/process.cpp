@@ -1,7 +1,7 @@
 #include "processing/process.h"
 
+#include "foundation/descriptor.h"
 #include "processing/command_line.h"
-#include "processing/descriptor.h"
 
 #include <array>
 #include <cerrno>
@@ -23,6 +23,8 @@ extern char** environ;
 namespace Communication_Processus {
 
 namespace {
+
+using Outils_Fichiers::CDescriptor;
 
 constexpr int kFirstFree = 3; // behind the standard descriptors
 

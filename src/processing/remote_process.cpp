@@ -13,6 +13,8 @@ namespace Communication_Processus {
 
 namespace {
 
+using Outils_Fichiers::CDescriptor;
+
 struct SEnds {
     CDescriptor ours;
     CDescriptor childs;

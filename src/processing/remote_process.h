@@ -53,7 +53,7 @@ class CRemoteProcess : public CProcess {
     bool IsHeldBack(EChildOutput output) const;
     void DispatchLine(std::string_view line);
 
-    CDescriptor m_command;
+    Outils_Fichiers::CDescriptor m_command;
     CLineBuffer m_lines; // of the output receiver alone
     std::atomic<bool> m_draining{false};
     CRemoteProcessReceiverThread m_outputReceiver;

@@ -21,10 +21,10 @@ constexpr int kHeldBackPause = 10;   // ms until a full sink is asked again
 
 } // namespace
 
-bool CRemoteProcessReceiverThread::Receive(CDescriptor readEnd) {
+bool CRemoteProcessReceiverThread::Receive(Outils_Fichiers::CDescriptor readEnd) {
     if (IsAlive()) return false;
     Finish();
-    m_wake = CDescriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
+    m_wake = Outils_Fichiers::CDescriptor(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK));
     if (!readEnd.IsOpen() || !m_wake.IsOpen()) return false;
     m_readEnd = std::move(readEnd);
     m_done.Reset();

@@ -1,8 +1,8 @@
 // The thread that reads one output of a child.
 #pragma once
 
+#include "foundation/descriptor.h"
 #include "foundation/thread.h"
-#include "processing/descriptor.h"
 
 #include <chrono>
 
@@ -23,7 +23,7 @@ class CRemoteProcessReceiverThread : public Outils::CThread {
 
     // Starts reading `readEnd`, which is the thread's from now on. False when the thread is running already
     // or the system gives no thread or descriptor; `readEnd` is closed then.
-    bool Receive(CDescriptor readEnd);
+    bool Receive(Outils_Fichiers::CDescriptor readEnd);
     // Waits at most until `end` for the body to return; true when it has, or was never started.
     bool WaitUntil(std::chrono::steady_clock::time_point end);
     // Makes the body end, waits for it and closes the read end. What was not read yet is lost. Another
@@ -39,8 +39,8 @@ class CRemoteProcessReceiverThread : public Outils::CThread {
 
     CRemoteProcess& m_owner;
     const EChildOutput m_output;
-    CDescriptor m_readEnd; // closed only while the thread does not run
-    CDescriptor m_wake;    // becomes readable when the body is to end
+    Outils_Fichiers::CDescriptor m_readEnd; // closed only while the thread does not run
+    Outils_Fichiers::CDescriptor m_wake;    // becomes readable when the body is to end
     Outils::CEvent m_done;
 };
 

@@ -63,7 +63,7 @@ TEST_F(DataFileEdits, PreparesAFileBeforeItIsAdded) {
         EXPECT_EQ(m_view.Take().size(), c.added ? 1u : 0u) << c.chosen;
         EXPECT_EQ(Parameters().externalFiles.size(), before + (c.added ? 1 : 0)) << c.chosen;
     }
-    EXPECT_EQ(m_host.m_format, ERawFormat::depth);
+    EXPECT_EQ(m_host.m_conversions.back().second, ERawFormat::depth);
     m_host.m_dataFile.reset();
     EXPECT_FALSE(m_edits.Do(Edits::kAddDataFile));
     EXPECT_THAT(m_host.m_messages, IsEmpty());

@@ -48,25 +48,6 @@ class CUpdateView : public IDocumentView {
     std::vector<Update> m_updates;
 };
 
-class CFileHost : public CScriptedHost {
-  public:
-    std::optional<std::filesystem::path> AskDataFile(const std::string&) override { return m_dataFile; }
-    bool UpdateDataFile(const std::filesystem::path& path) override {
-        if (m_repaired.empty()) return false;
-        std::filesystem::copy_file(m_repaired, path, std::filesystem::copy_options::overwrite_existing);
-        return true;
-    }
-    std::optional<std::filesystem::path> ConvertRawFiles(const std::vector<std::filesystem::path>&,
-                                                         ERawFormat format) override {
-        m_format = format;
-        return m_converted;
-    }
-    std::optional<std::filesystem::path> m_dataFile; // chosen in the next dialog
-    std::filesystem::path m_repaired;                // what the updater makes of any file
-    std::optional<std::filesystem::path> m_converted;
-    std::optional<ERawFormat> m_format; // of the last conversion
-};
-
 inline std::string Text(EText id) { return std::string(GetText(id)); }
 
 class CEditTest : public testing::Test {
@@ -136,7 +117,7 @@ class CEditTest : public testing::Test {
     }
 
     CTemporaryFolder m_folder;
-    CFileHost m_host;
+    CScriptedHost m_host;
     Outils_Configuration::CTrvCnfConfigFile m_configuration;
     CTrvDocument m_document{m_host, m_host.m_queue, m_configuration};
     CUpdateView m_view{m_document};

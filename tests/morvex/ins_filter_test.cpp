@@ -13,9 +13,10 @@ namespace {
 
 SFilterState MakeState() {
     SFilterState state;
-    state.navigation.position = {48.0 * kRadians, -4.0 * kRadians, 30.0};
+    state.navigation.position = {48.0 * kRadiansPerDegree, -4.0 * kRadiansPerDegree, 30.0};
     state.navigation.velocity = {15.0, -8.0, 1.0};
-    state.navigation.attitude = Quaterniond(MatrixOf({70 * kRadians, 5 * kRadians, -8 * kRadians}));
+    state.navigation.attitude =
+        Quaterniond(MatrixOf({70 * kRadiansPerDegree, 5 * kRadiansPerDegree, -8 * kRadiansPerDegree}));
     auto set = [&state](int group, double deviation) {
         state.covariance.diagonal().segment<3>(group).setConstant(deviation * deviation);
     };

@@ -96,10 +96,10 @@ TEST(NavigationRun, ShipUnderWayIsNavigatedBetterThanItsFixes) {
     for (const CStd& packet : results) {
         const double time = packet.GetPacketDate().GetTotalSeconds();
         const Simulation::STruth truth = mission.GetTruth(time);
-        const Vector3d position(Field(packet, "Latitude0") * kRadians, Field(packet, "Longitude0") * kRadians,
-                                0.0);
-        const Vector3d miss =
-            MetresBetween({truth.latitude * kRadians, truth.longitude * kRadians, 0.0}, position);
+        const Vector3d position(Field(packet, "Latitude0") * kRadiansPerDegree,
+                                Field(packet, "Longitude0") * kRadiansPerDegree, 0.0);
+        const Vector3d miss = MetresBetween(
+            {truth.latitude * kRadiansPerDegree, truth.longitude * kRadiansPerDegree, 0.0}, position);
         squares += miss.squaredNorm();
         within += std::pow(miss.x() / Field(packet, "Std. dev. north"), 2);
         heading =
@@ -107,9 +107,10 @@ TEST(NavigationRun, ShipUnderWayIsNavigatedBetterThanItsFixes) {
         EXPECT_NEAR(Field(packet, "Altitude0"), truth.altitude - 40.0, 3.0);
         EXPECT_NEAR(Field(packet, "Roll"), truth.roll, 0.1);
         EXPECT_NEAR(Field(packet, "Speed east"), truth.speedEast, 0.3);
-        const Vector3d second(Field(packet, "Latitude2") * kRadians, Field(packet, "Longitude2") * kRadians,
-                              0.0);
-        EXPECT_NEAR(MetresBetween(position, second).norm(), 10.0 * std::cos(truth.pitch * kRadians), 0.05);
+        const Vector3d second(Field(packet, "Latitude2") * kRadiansPerDegree,
+                              Field(packet, "Longitude2") * kRadiansPerDegree, 0.0);
+        EXPECT_NEAR(MetresBetween(position, second).norm(), 10.0 * std::cos(truth.pitch * kRadiansPerDegree),
+                    0.05);
     }
     const double count = static_cast<double>(results.size());
     EXPECT_LT(std::sqrt(squares / count), 0.5) << "the fixes are wrong by 0.7 m";
@@ -188,7 +189,7 @@ TEST(NavigationRun, ProgramSpeaksItsProtocol) {
         EXPECT_EQ(pipe(ends.data()), 0);
         EXPECT_EQ(write(ends[1], commands.data(), commands.size()), static_cast<ssize_t>(commands.size()));
         const int output = open(said.c_str(), O_CREAT | O_TRUNC | O_WRONLY, 0600);
-        const int code = RunEngine(arguments, ends[0], output);
+        const int code = Compagnon::RunProgram(kEngineProgram, arguments, ends[0], output);
         for (const int descriptor : {ends[0], ends[1], output}) close(descriptor);
         std::stringstream text;
         text << std::ifstream(said).rdbuf();

@@ -1,11 +1,11 @@
 // A folder with a recording, its parameter file and the result of a run.
 #pragma once
 
+#include "common/run_monitor.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
 #include "foundation/texts.h"
 #include "model/simulation_parameters.h"
-#include "morvex/messages.h"
 #include "simulator/mission_writer.h"
 #include "support/temporary_folder.h"
 #include "xpf/packets.h"
@@ -20,6 +20,8 @@
 
 namespace Morvex {
 
+using Compagnon::ELevel;
+using Compagnon::IRunMonitor;
 using Outils_Texte::EText;
 
 class CListeningMonitor : public IRunMonitor {

@@ -13,61 +13,63 @@ using namespace Morvex;
 
 namespace {
 
-// What a perfect unit sums up over `interval` when it keeps its attitude to the level and flies at a constant
+// What a perfect unit sums up over `span` when it keeps its attitude to the level and flies at a constant
 // velocity against the level: it turns with the level and feels what holds it there.
-SImuSample LevelFlightSample(const SNavigation& navigation, double time, double interval) {
+SImuSample LevelFlightSample(const SNavigation& navigation, double time, double span) {
     const SEarth earth(navigation.position[0], navigation.position[2], navigation.velocity);
     const Matrix3d toVessel = navigation.attitude.toRotationMatrix().transpose();
     SImuSample sample;
     sample.time = time;
-    sample.interval = interval;
-    sample.angle = toVessel * (earth.earthRate + earth.transportRate) * interval;
+    sample.span = span;
+    sample.angle = toVessel * (earth.earthRate + earth.transportRate) * span;
     sample.velocity = toVessel *
                       (Vector3d(0, 0, earth.gravity) +
                        (2.0 * earth.earthRate + earth.transportRate).cross(navigation.velocity)) *
-                      interval;
+                      span;
     return sample;
 }
 
 SNavigation Start(double latitude, double heading, const Vector3d& velocity) {
     SNavigation start;
-    start.position = {latitude * kRadians, 5.0 * kRadians, 100.0};
+    start.position = {latitude * kRadiansPerDegree, 5.0 * kRadiansPerDegree, 100.0};
     start.velocity = velocity;
-    start.attitude = Quaterniond(MatrixOf({heading * kRadians, 3.0 * kRadians, -2.0 * kRadians}));
+    start.attitude = Quaterniond(
+        MatrixOf({heading * kRadiansPerDegree, 3.0 * kRadiansPerDegree, -2.0 * kRadiansPerDegree}));
     return start;
 }
 
 } // namespace
 
 TEST(Earth, GravityAgreesWithTheMeasuredPlace) {
-    EXPECT_NEAR(NormalGravity(std::sin(34.246048 * kRadians), 380.0), 9.79553, 1e-5);
+    EXPECT_NEAR(NormalGravity(std::sin(34.246048 * kRadiansPerDegree), 380.0), 9.79553, 1e-5);
     EXPECT_NEAR(NormalGravity(1.0, 0.0), 9.8321849378, 1e-9); // NIMA TR8350.2, at the pole
 }
 
 TEST(Earth, MetresAndPositionsAreInverse) {
-    const Vector3d from(60 * kRadians, 179.999 * kRadians, 50.0);
+    const Vector3d from(60 * kRadiansPerDegree, 179.999 * kRadiansPerDegree, 50.0);
     const Vector3d metres(300.0, -400.0, 20.0);
     Vector3d to = from;
     MovePosition(to, metres, SEarth(from[0], from[2], Vector3d::Zero()));
     EXPECT_LT(to[1], 0.0) << "across the date line";
     EXPECT_LT((MetresBetween(from, to) - metres).norm(), 0.05);
     double distance = 0.0;
-    GeographicLib::Geodesic::WGS84().Inverse(from[0] / kRadians, from[1] / kRadians, to[0] / kRadians,
-                                             to[1] / kRadians, distance);
+    GeographicLib::Geodesic::WGS84().Inverse(from[0] / kRadiansPerDegree, from[1] / kRadiansPerDegree,
+                                             to[0] / kRadiansPerDegree, to[1] / kRadiansPerDegree, distance);
     EXPECT_NEAR(distance, 500.0, 0.05);
 }
 
 TEST(Rotation, AxesAndSignsAreThoseOfAVessel) {
-    const Matrix3d c = MatrixOf({30 * kRadians, 10 * kRadians, 20 * kRadians});
+    const Matrix3d c = MatrixOf({30 * kRadiansPerDegree, 10 * kRadiansPerDegree, 20 * kRadiansPerDegree});
     const Vector3d bow = c.col(0), port = c.col(1);
-    EXPECT_NEAR(std::atan2(-bow.y(), bow.x()), 30 * kRadians, 1e-12) << "clockwise from north";
+    EXPECT_NEAR(std::atan2(-bow.y(), bow.x()), 30 * kRadiansPerDegree, 1e-12) << "clockwise from north";
     EXPECT_GT(bow.z(), 0.0) << "bow up";
     EXPECT_GT(port.z(), 0.0) << "starboard down";
     for (const double heading : {0.5, 179.0, 359.0}) {
-        const SAttitude a = AttitudeOf(MatrixOf({heading * kRadians, -100 * kRadians, 80 * kRadians}));
-        EXPECT_NEAR(a.heading, heading * kRadians, 1e-12);
-        EXPECT_NEAR(a.roll, -100 * kRadians, 1e-12);
-        EXPECT_NEAR(a.pitch, 80 * kRadians, 1e-12);
+        const SAttitude a = AttitudeOf(
+            MatrixOf({heading * kRadiansPerDegree, -100 * kRadiansPerDegree, 80 * kRadiansPerDegree}));
+        EXPECT_NEAR(a.heading, heading * kRadiansPerDegree, 1e-12);
+        EXPECT_NEAR(a.roll, -100 * kRadiansPerDegree, 1e-12);
+        EXPECT_NEAR(a.pitch, 80 * kRadiansPerDegree, 1e-12);
     }
 }
 
@@ -99,7 +101,8 @@ TEST(Strapdown, FlightAlongTheEquatorAndAMeridianGoesAsFarAsTheGeodesic) {
         }
         const Vector3d& end = strapdown.Get().position;
         double distance = 0.0;
-        GeographicLib::Geodesic::WGS84().Inverse(0.0, 5.0, end[0] / kRadians, end[1] / kRadians, distance);
+        GeographicLib::Geodesic::WGS84().Inverse(0.0, 5.0, end[0] / kRadiansPerDegree,
+                                                 end[1] / kRadiansPerDegree, distance);
         EXPECT_NEAR(distance, 200.0 * 600.0, 0.05);
         EXPECT_LT((strapdown.Get().velocity - velocity).norm(), 1e-4);
         EXPECT_NEAR(end[2], 0.0, 0.05);
@@ -137,7 +140,8 @@ TEST(Strapdown, ConingAndCutSamplesLeaveNoDrift) {
             }
         }
         // Uncompensated, a minute of it would turn the third axis by 0.22 degrees more or less.
-        EXPECT_LT(strapdown.Get().attitude.angularDistance(attitude(60.0)), (cut ? 0.05 : 0.005) * kRadians);
+        EXPECT_LT(strapdown.Get().attitude.angularDistance(attitude(60.0)),
+                  (cut ? 0.05 : 0.005) * kRadiansPerDegree);
     }
 }
 
@@ -168,12 +172,12 @@ TEST(Strapdown, TimeRunsBackwardsToWhereItBegan) {
 TEST(Strapdown, CountsOfASimulatedUnitLeadAlongTheTruth) {
     for (const auto vehicle :
          {Simulation::EVehicle::ship, Simulation::EVehicle::auv, Simulation::EVehicle::car})
-        for (const int rate : {200, 50}) {
+        for (const auto& [rate, duration] : {std::pair{200, 80}, {50, 160}}) {
             Simulation::SMissionOptions options;
             options.vehicle = vehicle;
             options.grade = Simulation::EGrade::perfect;
-            options.alignmentDuration = 20;
-            options.duration = 400;
+            options.alignmentDuration = 10;
+            options.duration = duration;
             options.imuRate = rate;
             options.latitude = vehicle == Simulation::EVehicle::auv ? -33 : 48;
             const Simulation::CMission mission(options);
@@ -181,13 +185,14 @@ TEST(Strapdown, CountsOfASimulatedUnitLeadAlongTheTruth) {
                 const Simulation::STruth t = mission.GetTruth(time);
                 return SNavigation{
                     time,
-                    {t.latitude * kRadians, t.longitude * kRadians, t.altitude},
+                    {t.latitude * kRadiansPerDegree, t.longitude * kRadiansPerDegree, t.altitude},
                     {t.speedNorth, -t.speedEast, t.speedUp},
-                    Quaterniond(MatrixOf({t.heading * kRadians, t.roll * kRadians, t.pitch * kRadians}))};
+                    Quaterniond(MatrixOf({t.heading * kRadiansPerDegree, t.roll * kRadiansPerDegree,
+                                          t.pitch * kRadiansPerDegree}))};
             };
             Simulation::CInertialUnit unit(mission);
             CStrapdown strapdown(truthAt(0.0));
-            for (int i = 1; i < options.duration * rate; ++i) {
+            for (int i = 1; i < duration * rate; ++i) {
                 Persistance_Xpf::CXpfTarinImuPacketV2 packet;
                 std::memcpy(packet.GetPayload(), unit.MakePacket().data(), packet.GetPayloadSize());
                 const double time = packet.GetPacketDate().GetTotalSeconds();
@@ -196,7 +201,7 @@ TEST(Strapdown, CountsOfASimulatedUnitLeadAlongTheTruth) {
                     ASSERT_TRUE(packet.GetDouble(4 + axis, sample.angle[axis]));
                     ASSERT_TRUE(packet.GetDouble(7 + axis, sample.velocity[axis]));
                 }
-                sample.angle *= kRadians / 3.6e6; // from a thousandth of an arc second
+                sample.angle *= kRadiansPerDegree / 3.6e6; // from a thousandth of an arc second
                 sample.velocity *= 1e-7;
                 strapdown.Advance(sample);
                 if (i % (20 * rate) != 0) continue;
@@ -205,6 +210,6 @@ TEST(Strapdown, CountsOfASimulatedUnitLeadAlongTheTruth) {
                 EXPECT_LT((truth.velocity - found.velocity).norm(), 5e-4) << time;
                 EXPECT_LT(truth.attitude.angularDistance(found.attitude), 1e-7) << time;
             }
-            EXPECT_GT(MetresBetween(truthAt(0.0).position, strapdown.Get().position).norm(), 100);
+            EXPECT_GT(MetresBetween(truthAt(0.0).position, strapdown.Get().position).norm(), 50);
         }
 }

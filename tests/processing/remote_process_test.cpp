@@ -15,6 +15,7 @@
 #include <sys/wait.h>
 
 using namespace Communication_Processus;
+using Outils_Fichiers::CDescriptor;
 using testing::ElementsAre;
 using testing::StartsWith;
 

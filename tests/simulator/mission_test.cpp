@@ -20,7 +20,7 @@ TEST(InertialUnitTest, GradesErrByTheirTable) {
     options.imuRate = 20;
     options.grade = EGrade::mems;
     options.duration = 5;
-    const double earth = 15.04106717 * std::sin(options.latitude / kRadian); // degrees per hour
+    const double earth = 15.04106717 * std::sin(options.latitude * kRadiansPerDegree); // degrees per hour
     double sum = 0, squares = 0;
     constexpr int kUnits = 200;
     for (options.seed = 1; options.seed <= kUnits; ++options.seed) {
@@ -59,12 +59,13 @@ TEST(MissionTest, TruthIsTheSameFromAnySide) {
         for (double time = h; time < 399; time += 0.317) {
             const STruth before = mission.GetTruth(time - h, forward), at = mission.GetTruth(time, forward),
                          after = mission.GetTruth(time + h);
-            const SRadii radii = GetRadii(std::sin(at.latitude / kRadian));
-            EXPECT_NEAR((after.latitude - before.latitude) / kRadian * (radii.meridian + at.altitude) /
-                            (2 * h),
+            const SRadii radii = GetRadii(std::sin(at.latitude * kRadiansPerDegree));
+            EXPECT_NEAR((after.latitude - before.latitude) * kRadiansPerDegree *
+                            (radii.meridian + at.altitude) / (2 * h),
                         at.speedNorth, 5e-5);
-            EXPECT_NEAR((after.longitude - before.longitude) / kRadian * (radii.normal + at.altitude) *
-                            std::cos(at.latitude / kRadian) / (2 * h),
+            EXPECT_NEAR((after.longitude - before.longitude) * kRadiansPerDegree *
+                            (radii.normal + at.altitude) * std::cos(at.latitude * kRadiansPerDegree) /
+                            (2 * h),
                         at.speedEast, 5e-5);
             EXPECT_NEAR((after.altitude - before.altitude) / (2 * h), at.speedUp, 1e-4);
             if (time > options.alignmentDuration) continue;
@@ -83,9 +84,9 @@ TEST(EarthTest, GravityAgreesWithTheExactField) {
         for (const double altitude : {-5000.0, 0.0, 1500.0, 8000.0}) {
             double north, up;
             exact.Gravity(latitude, altitude, north, up);
-            const Vector3 gravity = GetGravity(std::sin(latitude / kRadian), altitude);
-            EXPECT_NEAR(gravity.z, up, 1.5e-6) << latitude << ' ' << altitude;
-            EXPECT_NEAR(gravity.x, north, 5e-7) << latitude << ' ' << altitude;
+            const Vector3d gravity = GetGravity(std::sin(latitude * kRadiansPerDegree), altitude);
+            EXPECT_NEAR(gravity.z(), up, 1.5e-6) << latitude << ' ' << altitude;
+            EXPECT_NEAR(gravity.x(), north, 5e-7) << latitude << ' ' << altitude;
         }
 }
 

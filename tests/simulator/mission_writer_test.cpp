@@ -112,17 +112,19 @@ TEST_F(MissionWriterTest, GpsErrsAsItClaims) {
         const double time = date - field("Delay");
         EXPECT_FALSE(time >= 700 && time < 800);
         const SVehicleState state = mission.GetState(time, cursor);
-        const Vector3 arm = state.attitude.Apply({3, -2, 12});
-        const Vector3 vessel = ToEarthFixed(state.latitude, state.longitude, state.motion.altitude);
-        const Vector3 fix = ToEarthFixed(field("Latitude") / kRadian, field("Longitude") / kRadian,
-                                         field("Altitude") + field("Geoidal sep"));
-        const double north = (field("Latitude") / kRadian - state.latitude) * state.meridianRadius - arm.x;
-        const double east =
-            (field("Longitude") / kRadian - state.longitude) * state.normalRadius * std::cos(state.latitude) +
-            arm.y;
-        const double up = field("Altitude") + 48.5 - state.motion.altitude - arm.z;
+        const Vector3d arm = state.attitude * Vector3d(3, -2, 12);
+        const Vector3d vessel = ToEarthFixed(state.latitude, state.longitude, state.motion.altitude);
+        const Vector3d fix =
+            ToEarthFixed(field("Latitude") * kRadiansPerDegree, field("Longitude") * kRadiansPerDegree,
+                         field("Altitude") + field("Geoidal sep"));
+        const double north =
+            (field("Latitude") * kRadiansPerDegree - state.latitude) * state.meridianRadius - arm.x();
+        const double east = (field("Longitude") * kRadiansPerDegree - state.longitude) * state.normalRadius *
+                                std::cos(state.latitude) +
+                            arm.y();
+        const double up = field("Altitude") + 48.5 - state.motion.altitude - arm.z();
         // The distance from the unit, in space, is that of the lever arm with the errors.
-        EXPECT_NEAR(Norm(fix - vessel), Norm(arm + Vector3{north, -east, up}), 0.01);
+        EXPECT_NEAR((fix - vessel).norm(), (arm + Vector3d{north, -east, up}).norm(), 0.01);
         n += north / field("Std. dev. north");
         nn += std::pow(north / field("Std. dev. north"), 2);
         ee += std::pow(east / field("Std. dev. east"), 2);
@@ -233,7 +235,7 @@ TEST(CommandLineTest, OptionsReachTheMission) {
     EXPECT_EQ(options.longitude, -20.5);
     EXPECT_TRUE(options.IsOutage("GPS_1", 75) && options.IsOutage("GPS_3", 100));
     EXPECT_FALSE(options.IsOutage("GPS_1", 95));
-    EXPECT_EQ(options.leverArms[0].z, -3);
+    EXPECT_EQ(options.leverArms[0].z(), -3);
     EXPECT_EQ(options.GetChannels(), (std::vector<std::string_view>{"IMU", "GPS_1", "ODOMETER"}));
     EXPECT_EQ(options.FindChannelOptions("ODOMETER")->rate, 20);
     EXPECT_EQ(options.GetUtcOrigin().GetDay(), 28);

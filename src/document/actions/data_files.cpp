@@ -19,6 +19,8 @@ using Outils_Texte::GetText;
 
 namespace {
 
+constexpr std::string_view kRecordingExtension = "tarin";
+
 struct SRemoval {
     EHint hint;
     const CObject* object; // only an identity once the file is deleted
@@ -66,16 +68,21 @@ std::optional<std::filesystem::path> Prepare(const CEdit& edit, const std::files
     };
     const auto kind =
         document.GetFileLooks().Call(classify, GetTimeForChosenFile(document.GetConfiguration()));
+    const auto convert = [&](ERawFormat format) {
+        std::filesystem::path made;
+        return host.ConvertRawFiles({chosen}, format, made) == EOutcome::done ? std::optional(made)
+                                                                              : std::nullopt;
+    };
     switch (kind ? kind->kind : EDataFileKind::unreadable) {
     case EDataFileKind::packets: return chosen;
     case EDataFileKind::outdatedPackets:
-        if (Ask(host, EText::upgradeDataFile) && host.UpdateDataFile(chosen)) return chosen;
+        if (Ask(host, EText::upgradeDataFile) && host.UpdateDataFile(chosen) == EOutcome::done) return chosen;
         return std::nullopt;
     case EDataFileKind::raw:
-        if (Ask(host, EText::convertDataFile)) return host.ConvertRawFiles({chosen}, kind->format);
+        if (Ask(host, EText::convertDataFile)) return convert(kind->format);
         return std::nullopt;
     case EDataFileKind::unknown:
-        if (Ask(host, EText::unrecognizedDataFile)) return host.ConvertRawFiles({chosen}, ERawFormat::rawIns);
+        if (Ask(host, EText::unrecognizedDataFile)) return convert(ERawFormat::rawIns);
         return std::nullopt;
     case EDataFileKind::unreadable: break;
     }
@@ -87,9 +94,10 @@ std::optional<std::filesystem::path> Prepare(const CEdit& edit, const std::files
 
 bool Procedures::AddDataFile(const CEdit& edit) {
     CTrvDocument& document = edit.GetDocument();
-    const auto chosen = document.GetHost().AskDataFile(std::string(GetText(EText::dataFileFilter)));
-    if (!chosen) return false;
-    const auto path = Prepare(edit, *chosen);
+    const auto chosen = document.GetHost().AskPath(
+        {EPathKind::open, EText::dataFileTitle, EText::dataFileFilter, kRecordingExtension});
+    if (chosen.empty()) return false;
+    const auto path = Prepare(edit, chosen.front());
     if (!path) return false;
     auto& parameters = *edit.GetProject().simulationParameters;
     if (parameters.HasDataFile(*path)) return edit.Refuse(EText::dataFileReferenced);

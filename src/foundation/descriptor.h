@@ -5,7 +5,7 @@
 
 #include <utility>
 
-namespace Communication_Processus {
+namespace Outils_Fichiers {
 
 class CDescriptor {
   public:
@@ -22,12 +22,11 @@ class CDescriptor {
     // -1 without one.
     int Get() const { return m_descriptor; }
     bool IsOpen() const { return m_descriptor >= 0; }
-    void Close() {
-        if (IsOpen()) ::close(std::exchange(m_descriptor, -1));
-    }
+    // False when the system reports that bytes written before are lost. True without a descriptor.
+    bool Close() { return !IsOpen() || ::close(std::exchange(m_descriptor, -1)) == 0; }
 
   private:
     int m_descriptor = -1;
 };
 
-} // namespace Communication_Processus
+} // namespace Outils_Fichiers

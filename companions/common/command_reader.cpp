@@ -1,4 +1,4 @@
-#include "morvex/command_reader.h"
+#include "common/command_reader.h"
 
 #include <array>
 #include <cerrno>
@@ -6,7 +6,7 @@
 #include <poll.h>
 #include <unistd.h>
 
-namespace Morvex {
+namespace Compagnon {
 
 std::string_view CCommandLines::Trim() const {
     std::string_view line = m_line;
@@ -19,22 +19,20 @@ std::string_view CCommandLines::Trim() const {
 }
 
 void CCommandReader::Run() {
-    constexpr int kPollPeriod = 50; // ms: how late the end of the thread may be noticed
+    constexpr int kPollSpan = 50; // ms: how late the thread may notice its own end
     CCommandLines lines;
     std::array<char, 1024> buffer;
     while (!m_ending) {
-        pollfd wait{m_descriptor, POLLIN, 0};
-        const int ready = poll(&wait, 1, kPollPeriod);
+        std::array<pollfd, 2> waits{{{m_input, POLLIN, 0}, {m_signals, POLLIN, 0}}};
+        const int ready = poll(waits.data(), waits.size(), kPollSpan);
         if (ready == 0 || (ready < 0 && errno == EINTR)) continue;
-        const ssize_t size = ready < 0 ? 0 : read(m_descriptor, buffer.data(), buffer.size());
+        if (waits[1].revents != 0) return m_control.Command("stop");
+        const ssize_t size = ready < 0 ? 0 : read(m_input, buffer.data(), buffer.size());
         if (size < 0 && (errno == EINTR || errno == EAGAIN)) continue;
-        if (size <= 0) {
-            m_control.Command("stop");
-            return;
-        }
+        if (size <= 0) return m_control.Command("stop");
         lines.Add({buffer.data(), static_cast<std::size_t>(size)},
                   [this](std::string_view word) { m_control.Command(word); });
     }
 }
 
-} // namespace Morvex
+} // namespace Compagnon

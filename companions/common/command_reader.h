@@ -1,20 +1,20 @@
-// The application's words on standard input.
+// Reads the application's commands from standard input.
 #pragma once
 
+#include "common/run_control.h"
 #include "foundation/thread.h"
-#include "morvex/run_control.h"
 
 #include <atomic>
 #include <string>
 #include <string_view>
 
-namespace Morvex {
+namespace Compagnon {
 
-// Collects bytes into lines, each a command word; blanks around it and a carriage return do not count, and a
-// word in double quotes is taken without them. Lines beyond any word's length are dropped.
+// Collects bytes into lines of one command word each. Removes blanks around a word, a carriage return, and
+// double quotes around the whole word. Drops lines longer than any word.
 class CCommandLines {
   public:
-    // `take(word)` for every line that these bytes complete.
+    // Calls `take(word)` for every line that these bytes complete.
     template <class Take>
     void Add(std::string_view bytes, Take&& take) {
         for (const char c : bytes) {
@@ -38,12 +38,14 @@ class CCommandLines {
     bool m_tooLong = false;
 };
 
-// Hands the words of a descriptor to a control. When the other end closes, the application is gone: that is a
-// stop.
+// Passes the words of a descriptor to a control. Commands "stop" when the other end closes, since the
+// application is then gone, and when a signal arrives.
 class CCommandReader : public Outils::CThread {
   public:
-    // `control` must outlive the reader; the descriptor stays open and the caller's.
-    CCommandReader(int descriptor, CRunControl& control) : m_descriptor(descriptor), m_control(control) {}
+    // `input`: the words; -1 reads none. `signals`: a signal descriptor; -1 watches none. Both stay open and
+    // belong to the caller. `control` must outlive the reader.
+    CCommandReader(int input, CRunControl& control, int signals = -1)
+        : m_input(input), m_signals(signals), m_control(control) {}
     ~CCommandReader() override { Kill(); }
 
   protected:
@@ -51,9 +53,10 @@ class CCommandReader : public Outils::CThread {
     void RequestStop() override { m_ending = true; }
 
   private:
-    int m_descriptor;
+    int m_input;
+    int m_signals;
     CRunControl& m_control;
     std::atomic<bool> m_ending{false};
 };
 
-} // namespace Morvex
+} // namespace Compagnon

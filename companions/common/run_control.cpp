@@ -1,6 +1,6 @@
-#include "morvex/run_control.h"
+#include "common/run_control.h"
 
-namespace Morvex {
+namespace Compagnon {
 
 void CRunControl::Command(std::string_view word) {
     {
@@ -31,4 +31,4 @@ bool CRunControl::GoOn() {
     return !m_stopped;
 }
 
-} // namespace Morvex
+} // namespace Compagnon

@@ -1,8 +1,9 @@
+#include "common/child_program.h"
+#include "common/command_reader.h"
+#include "common/fault_counter.h"
+#include "common/line_monitor.h"
+#include "common/target_file.h"
 #include "foundation/texts.h"
-#include "morvex/command_reader.h"
-#include "morvex/engine_program.h"
-#include "morvex/line_monitor.h"
-#include "morvex/output_schedule.h"
 
 #include <gtest/gtest.h>
 
@@ -11,13 +12,17 @@
 
 #include <unistd.h>
 
-using namespace Morvex;
+using namespace Compagnon;
 
 TEST(Protocol, LinesAreTokensThatTheApplicationReads) {
     EXPECT_EQ(MakeProgressLine(0.0), "progress 0.0\n");
     EXPECT_EQ(MakeProgressLine(150.0), "progress 100.0\n");
-    EXPECT_EQ(MakeMessageLine(ELevel::warning, 10913, "a \"b\"\r\nc"),
-              "message 1 10913 \"a \"\"b\"\"  c\"\n");
+    const std::pair<EDialect, std::string_view> rows[] = {
+        {EDialect::engine, "message 1 10913 \"a \"\"b\"\"  c\"\n"},
+        {EDialect::tool, "message warning \"a \"\"b\"\"  c\"\n"},
+        {EDialect::plain, "WARNING : a \"b\"\r\nc\n"}};
+    for (const auto& [dialect, line] : rows)
+        EXPECT_EQ(MakeMessageLine(dialect, ELevel::warning, 10913, "a \"b\"\r\nc"), line);
 }
 
 TEST(Protocol, CommandLinesAreCutAtLineFeedsOnly) {
@@ -34,7 +39,7 @@ TEST(Protocol, ProgressNeverFallsAndAClosedOutputStopsTheRun) {
     CRunControl control;
     std::string text;
     bool open = true;
-    CLineMonitor monitor(control, true, [&](std::string_view line) {
+    CLineMonitor monitor(control, EDialect::engine, [&](std::string_view line) {
         text += line;
         return open;
     });
@@ -81,29 +86,4 @@ TEST(Protocol, APausedRunWaitsForResumeOrStop) {
         run.join();
         EXPECT_EQ(goesOn, word == "resume");
     }
-}
-
-TEST(Protocol, CommandLineTakesSwitchesInAnyCase) {
-    const auto remote = ParseArguments({"/REMOTE", "/autostart", "Off", "/tmp/a b.dat"});
-    const auto plain = ParseArguments({"x.dat"});
-    ASSERT_TRUE(remote && plain);
-    EXPECT_TRUE(remote->remote && !remote->autostart);
-    EXPECT_EQ(remote->parameters, "/tmp/a b.dat");
-    EXPECT_TRUE(!plain->remote && plain->autostart);
-    const std::vector<std::string> wrong[] = {
-        {}, {"/remote"}, {"a", "b"}, {"a", "/autostart"}, {"a", "/autostart", "maybe"}};
-    for (const auto& words : wrong) EXPECT_FALSE(ParseArguments(words)) << testing::PrintToString(words);
-}
-
-TEST(OutputSchedule, DatesAreMultiplesOfThePeriodInForce) {
-    SRunPlan plan;
-    plan.defaultRate = 1.0;
-    plan.rates = {{{2.5, 4.05}, 10.0}, {{3.0, 3.2}, 50.0}};
-    const COutputSchedule schedule(plan);
-    const std::pair<double, double> rows[] = {{-0.3, 0.0}, {0.0, 1.0}, {1.9, 2.0},  {2.0, 2.5},
-                                              {2.5, 2.6},  {2.9, 3.0}, {3.0, 3.02}, {3.18, 3.2},
-                                              {3.2, 3.3},  {4.0, 5.0}, {7.0, 8.0}};
-    for (const auto& [time, next] : rows) EXPECT_NEAR(schedule.GetNextAfter(time), next, 1e-6) << time;
-    plan.defaultRate = -3.0;
-    EXPECT_GT(schedule.GetNextAfter(10.0), 10.0);
 }

@@ -1,21 +1,21 @@
-// Start, pause, resume and stop of a run, from another thread.
+// Start, pause, resume and stop of a run, commanded from another thread.
 #pragma once
 
 #include <condition_variable>
 #include <mutex>
 #include <string_view>
 
-namespace Morvex {
+namespace Compagnon {
 
-// Thread-safe. Stop is final; a start before or after is forgotten then.
+// Any thread. Stop is final: a start before or after it has no effect.
 class CRunControl {
   public:
-    // One of the words "start", "pause", "resume", "stop"; any other is ignored.
+    // Takes one of the words "start", "pause", "resume", "stop"; ignores any other.
     void Command(std::string_view word);
 
     // Waits for the first start; false when stop comes first.
     bool WaitForStart();
-    // Waits while paused; false once stopped. Cheap enough to be asked once in a few samples.
+    // Waits while paused; false once stopped. Cheap enough for once in a few samples.
     bool GoOn();
 
   private:
@@ -26,4 +26,4 @@ class CRunControl {
     bool m_stopped = false;
 };
 
-} // namespace Morvex
+} // namespace Compagnon

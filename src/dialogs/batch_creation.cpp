@@ -1,4 +1,4 @@
-#include "document/batch_creation.h"
+#include "dialogs/batch_creation.h"
 
 #include "dataaccess/data_file_analyzer.h"
 #include "document/project_creation.h"
