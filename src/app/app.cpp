@@ -2,7 +2,6 @@
 
 #include "foundation/paths.h"
 #include "foundation/texts.h"
-#include "xpf/layout.h"
 
 namespace Application_Tarvel {
 
@@ -33,12 +32,6 @@ std::filesystem::path CTrvApp::GetUserGuide() const {
 std::filesystem::path CTrvApp::GetSettingsPath() const {
     if (m_executable.empty()) return {};
     return Outils_Fichiers::WithExtension(m_executable, GetText(EText::settingsExtension));
-}
-
-bool GetChannelLabel(std::string_view identifier, std::string& label) {
-    const auto* channel = Persistance_Xpf::FindChannelLayout(identifier);
-    if (channel) label = GetText(channel->label);
-    return channel != nullptr;
 }
 
 } // namespace Application_Tarvel

@@ -20,7 +20,7 @@ bool IsRelativePath(std::string_view text);
 // `relative` (either separator) below `folder`, with "." and ".." worked out.
 std::filesystem::path Combine(const std::filesystem::path& folder, std::string_view relative);
 
-// Against the present folder; the path itself when that folder is gone.
+// Against the present folder; the path itself when that folder does not exist.
 std::filesystem::path ToAbsolute(const std::filesystem::path& path);
 
 // UTF-8 text of a path and back.

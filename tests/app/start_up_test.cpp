@@ -71,41 +71,6 @@ TEST(Settings, AreReadAtTheStartAndWrittenAtTheEndOnly) {
     EXPECT_FALSE(nowhere.ExitInstance());
 }
 
-TEST(Settings, EveryChannelHasItsLabel) {
-    constexpr std::pair<const char*, const char*> labels[] = {
-        {"IMU", "Imu data"},
-        {"DVL_BT", "Dvl bottom track"},
-        {"DVL_WT", "Dvl water track"},
-        {"EM_LOG_1", "EM Log #1"},
-        {"EM_LOG_2", "EM Log #2"},
-        {"GPS_1", "Gps #1"},
-        {"GPS_2", "Gps #2"},
-        {"GPS_3", "Gps #3"},
-        {"DEPTH", "Depth sensor"},
-        {"USBL_1", "Usbl beacon #1"},
-        {"USBL_2", "Usbl beacon #2"},
-        {"USBL_3", "Usbl beacon #3"},
-        {"LBL", "Lbl"},
-        {"UTC", "UTC synchronization"},
-        {"ODOMETER", "Odometer"},
-        {"SYNCHRO_1", "External synchro #1"},
-        {"SYNCHRO_2", "External synchro #2"},
-        {"SYNCHRO_3", "External synchro #3"},
-        {"SYNCHRO_4", "External synchro #4"},
-        {"NELIX_NAV", "INS real-time navigation"},
-        {"TEMPERATURE", "INS temperatures"},
-        {"PLATFORM_ORIENT", "Gyro stabilized mount"},
-        {"MORVEX_STD", "Post-processing standard"},
-        {"MORVEX_MSG", "Post-processing messages"},
-        {"MORVEX_EXT", "Post-processing extended"},
-        {"MORVEX_STA", "Post-processing internal states"}};
-    std::string label = "unchanged";
-    EXPECT_FALSE(GetChannelLabel("GPS_4", label));
-    EXPECT_EQ(label, "unchanged");
-    for (const auto& [identifier, text] : labels)
-        EXPECT_TRUE(GetChannelLabel(identifier, label) && label == text) << label;
-}
-
 TEST(Version, TheSupportLinkCarriesIt) {
     CVersionInfo version = GetVersionInfo();
     EXPECT_TRUE(version.releaseDate.IsValid());
