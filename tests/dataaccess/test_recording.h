@@ -5,10 +5,12 @@
 #include "recording/recording_writer.h"
 #include "support/temporary_folder.h"
 #include "xpf/packets.h"
+#include "xpf/records.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +24,16 @@ inline CDateTimeSpan Seconds(double seconds) { return CDateTimeSpan::FromSeconds
 constexpr std::uint16_t kDepthNumber = 8; // rows of the channel table
 constexpr std::uint16_t kGpsNumber = 5;
 constexpr std::uint16_t kUtcNumber = 13;
+
+// Gives a recording the marks of a former layout: a channel name and a packet version of no table.
+inline void MakeOutdated(const std::filesystem::path& path) {
+    using namespace Persistance_Xpf;
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    const int channels = file.seekg(kChannelCountOffset).get(); // below 256
+    file.seekp(kFileHeaderSize + 2).put('X');
+    file.seekp(kFileHeaderSize + channels * kChannelRecordSize + 2).put(99);
+    EXPECT_TRUE(file.flush().good());
+}
 
 class CTestRecording {
   public:

@@ -34,10 +34,8 @@ class ProjectDialogs : public testing::Test {
     ProjectDialogs() {
         Record("dive.tarin", 14);
         Record("blind.tarin", -1);
-        // With a channel of a name that is known no more.
-        auto bytes = Outils_Fichiers::ReadWholeFile(m_folder / "dive.tarin", 1 << 20).value();
-        bytes[123 + 2] = 'X';
-        EXPECT_TRUE(Outils_Fichiers::WriteWholeFile(m_folder / "old.tarin", bytes));
+        std::filesystem::copy_file(m_folder / "dive.tarin", m_folder / "old.tarin");
+        test::MakeOutdated(m_folder / "old.tarin");
         Write("raw1.log", "$\x04__$ and so on");
         Write("raw 2.log", "$\x04__$ and so on");
         Write("decoded.txt", "NAV___: 1\nNAV___: 2\n");

@@ -15,14 +15,12 @@ TEST_F(DataFileEdits, PreparesAFileBeforeItIsAdded) {
     Create();
     const auto good = m_folder / "good.tarin";
     Record(good, 9, 11);
-    // With a channel of a name that is known no more.
-    auto bytes = Outils_Fichiers::ReadWholeFile(good, 1 << 20).value();
-    bytes[123 + 2] = 'X';
     const auto old = m_folder / "old.tarin";
-    ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(old, bytes));
-    bytes.resize(130); // a packet file cut in its list of channels
+    std::filesystem::copy_file(good, old);
+    test::MakeOutdated(old);
     const auto cut = m_folder / "cut.tarin";
-    ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(cut, bytes));
+    std::filesystem::copy_file(old, cut);
+    std::filesystem::resize_file(cut, 130); // in its list of channels
     const auto text = m_folder / "gps.nmea";
     std::ofstream(text) << std::string(500, 'x');
     const auto depth = m_folder / "depth.txt";
@@ -44,7 +42,7 @@ TEST_F(DataFileEdits, PreparesAFileBeforeItIsAdded) {
         {depth, {ok}, true, false, {EText::convertDataFile}, false},
         {old, {cancel}, true, true, {EText::upgradeDataFile}, false},
         {old, {ok}, false, true, {EText::upgradeDataFile}, false},
-        {cut, {ok}, false, true, {EText::upgradeDataFile}, false},
+        {cut, {}, true, true, {EText::dataFileFailed}, false}, // damaged, not of a former layout
         {m_folder / "r.tarin", {}, true, true, {EText::dataFileReferenced}, false},
         {old, {ok}, true, true, {EText::upgradeDataFile}, true},
         {depth, {ok}, true, true, {EText::convertDataFile}, true},

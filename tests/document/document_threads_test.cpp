@@ -305,8 +305,7 @@ TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
         ASSERT_TRUE(project->AddDataFile(files[1], false) && project->AddDataFile(files[2], false));
         ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
     }
-    for (const auto& file : files) // a channel of a name that is known no more
-        std::fstream(file, std::ios::in | std::ios::out | std::ios::binary).seekp(123 + 2).put('X');
+    for (const auto& file : files) test::MakeOutdated(file);
     m_host.m_patience = 0ms;
     m_host.m_answers = {EAnswer::yes};
     {
