@@ -78,9 +78,8 @@ int CreateFromParametersCommand(const COptions& options, SStreams streams) {
     const int most = session.GetConfiguration().Get(Cnf<"general/utcSearch/maxPacketCount">);
     auto made = creation.Create(CBatchCreation::LookInto(creation.GetFiles(), most), message);
     if (!made) return FailWith(message, streams);
-    const bool saved =
-        session.GetDocument().NewFromProject(std::move(made), *project, CTrvDocument::EResultName::kept);
-    return saved ? exitSuccess : exitFailure;
+    return session.Create(std::move(made), *project, CTrvDocument::EResultName::kept) ? exitSuccess
+                                                                                      : exitFailure;
 }
 
 } // namespace Batch

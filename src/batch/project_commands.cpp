@@ -2,6 +2,7 @@
 #include "batch/commands.h"
 #include "batch/file_access.h"
 #include "batch/session.h"
+#include "document/automatic_sensors.h"
 #include "document/project_creation.h"
 #include "foundation/paths.h"
 
@@ -56,7 +57,7 @@ void AddSensors(CTrvSimulationParameters& parameters, ESensorKind kind) {
         if (channel->sensorClass != GetSensorKind(kind).className) continue;
         const auto uses = [&channel](const auto& sensor) { return sensor->channel == channel.get(); };
         if (std::any_of(parameters.sensors.begin(), parameters.sensors.end(), uses)) continue;
-        if (CTrvSensor* sensor = parameters.AddSensor(kind)) sensor->channel = channel.get();
+        if (CTrvSensor* sensor = parameters.AddSensor(kind)) ConnectSensor(*sensor, *channel);
     }
 }
 
@@ -81,7 +82,8 @@ int CreateCommand(const COptions& options, SStreams streams) {
         {recording, *project, Outils_Fichiers::FromText(configuration.value_or("")), ellipsoidal}, message);
     if (!made) return FailWith(message, streams);
     for (const ESensorKind kind : kinds) AddSensors(*made->simulationParameters, kind);
-    return session.GetDocument().NewFromProject(std::move(made), *project) ? exitSuccess : exitFailure;
+    return session.Create(std::move(made), *project, CTrvDocument::EResultName::ofProject) ? exitSuccess
+                                                                                           : exitFailure;
 }
 
 int CopyCommand(const COptions& options, SStreams streams) {

@@ -18,6 +18,8 @@ class CEndSignals {
         sigemptyset(&m_signals);
         sigaddset(&m_signals, SIGINT);
         sigaddset(&m_signals, SIGTERM);
+        sigaddset(&m_signals, SIGHUP);
+        sigaddset(&m_signals, SIGPIPE); // nobody reads the output any more
         pthread_sigmask(SIG_BLOCK, &m_signals, &m_former);
     }
     ~CEndSignals() { pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }

@@ -33,6 +33,13 @@ bool CSession::Open(const std::string& path) {
     return m_document.GetProject() != nullptr;
 }
 
+bool CSession::Create(std::unique_ptr<Metier_Tarvel::CTrvProject> project, const std::filesystem::path& path,
+                      Application_Tarvel::CTrvDocument::EResultName resultName) {
+    if (!m_document.NewFromProject(std::move(project), path, resultName)) return false;
+    WaitForAnalysis();
+    return !m_document.IsModified() || m_document.SaveNew(path, resultName);
+}
+
 void CSession::WaitForAnalysis() {
     while (m_document.IsAnalysing()) m_host.GetQueue().RunOne(std::chrono::milliseconds(50));
     m_host.GetQueue().RunPending();

@@ -26,6 +26,10 @@ class CSession {
 
     // False, with the reason reported, when the file is no project, or one without content.
     bool Open(const std::string& path);
+    // Opens a new project and saves it, with the sensors that the analysis of its recording adds. False, with
+    // the reason reported, when it could not be saved.
+    bool Create(std::unique_ptr<Metier_Tarvel::CTrvProject> project, const std::filesystem::path& path,
+                Application_Tarvel::CTrvDocument::EResultName resultName);
     // Returns when the analysis of every data file has ended and the document has its findings.
     void WaitForAnalysis();
 

@@ -110,8 +110,11 @@ bool CDocumentEx::OnOpenDocument(const std::filesystem::path& path) {
     } catch (const Outils_Objets::CArchiveException& exception) {
         DeleteContents();
         const bool tooNew = exception.GetCause() == Outils_Objets::CArchiveException::badSchema;
-        m_host.ShowMessage(FormatText(tooNew ? EText::projectTooNew : EText::failedToLoad, {ToText(path)}),
-                           EButtons::ok, EIcon::exclamation);
+        std::error_code error;
+        const EText damaged =
+            std::filesystem::is_regular_file(path, error) ? EText::projectDamaged : EText::failedToLoad;
+        m_host.ShowMessage(FormatText(tooNew ? EText::projectTooNew : damaged, {ToText(path)}), EButtons::ok,
+                           EIcon::exclamation);
         return false;
     }
     SetModifiedFlag(false);

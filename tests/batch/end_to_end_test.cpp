@@ -81,7 +81,7 @@ TEST_F(EndToEnd, ARecordingBecomesABetterNavigation) {
     }
     EXPECT_EQ(last, 100) << m_out;
     EXPECT_GT(reached, 400) << m_out; // the date of the result's last packet
-    EXPECT_THAT(m_out, AllOf(HasSubstr("\nINFO;"), HasSubstr(";2024-05-14T08:06:")));
+    EXPECT_THAT(m_out, AllOf(HasSubstr("\nINFO;"), HasSubstr(";420;2024-05-14T08:07:00Z;0;")));
     EXPECT_THAT(m_out, Not(HasSubstr("ERROR")));
     const double fixes = LatitudeError("/m.tarin GPS_1", "Latitude", mission);
     const double result = LatitudeError("/m.tarout MORVEX_STD", "Latitude0", mission);
@@ -104,7 +104,8 @@ TEST_F(EndToEnd, ARecordingBecomesABetterNavigation) {
 // Whatever ends the engine in the middle of its work leaves a result that opens, with whole packets to its
 // end.
 TEST_F(EndToEnd, AnEngineStoppedOrKilledLeavesAResultThatOpens) {
-    Record(1200, 60, {"IMU", "GPS_1", "UTC"});
+    // Long enough for an engine to be at work when the first of its result is seen.
+    Record(7200, 60, {"IMU", "GPS_1", "UTC"});
     const std::tuple<const char*, void (*)(), const char*> endings[] = {
         {"stopped", [] { ::raise(SIGTERM); }, "The processing was stopped."},
         {"killed", KillEngine, "killed by signal 9"}};

@@ -128,6 +128,27 @@ TEST_F(ProjectCommands, ChecksAndTurnsIntoABatchFileAndBack) {
     EXPECT_EQ(Run("create-from-parameters /m.tarin /x.tarprj"), 1);
 }
 
+// What the analysis of the recording adds is saved, with the identifiers of the events.
+TEST_F(ProjectCommands, NewProjectsHaveTheirEventMarkersAndMounts) {
+    Succeed("create /m.tarin /plain.tarprj");
+    Succeed("parameters /plain.tarprj /plain.xml");
+    Succeed("create-from-parameters /plain.xml /again.tarprj");
+    for (const char* name : {"m.tarprj", "plain.tarprj", "again.tarprj"}) {
+        std::ostringstream out, error;
+        ::Batch::CSession session({out, error});
+        ASSERT_TRUE(session.Open(Path(name))) << error.str();
+        std::vector<std::string> events;
+        int mounts = 0;
+        for (const auto& sensor : session.GetDocument().GetProject()->simulationParameters->sensors) {
+            if (const auto* marker = dynamic_cast<Metier_Tarvel::CTrvSensorEventMarker*>(sensor.get()))
+                events.push_back(marker->eventId);
+            if (dynamic_cast<Metier_Tarvel::CTrvSensorPlatformOrientation*>(sensor.get())) ++mounts;
+        }
+        EXPECT_THAT(events, UnorderedElementsAre("1", "2")) << name;
+        EXPECT_EQ(mounts, 1) << name;
+    }
+}
+
 TEST_F(ProjectCommands, BrokenRulesKeepAProjectFromWork) {
     Edit([](Metier_Tarvel::CTrvProject& project) {
         project.simulationParameters->AddZupt(); // its period is empty

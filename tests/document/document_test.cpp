@@ -148,7 +148,7 @@ TEST_F(Document, WhatCannotBeOpenedLeavesAnEmptyDocumentAndAMessage) {
     const struct {
         const char* name;
         EText text;
-    } rows[] = {{"half.tarprj", EText::failedToLoad},
+    } rows[] = {{"half.tarprj", EText::projectDamaged},
                 {"gone.tarprj", EText::failedToLoad},
                 {"", EText::failedToLoad},
                 {"future.tarprj", EText::projectTooNew}};
