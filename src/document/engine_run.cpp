@@ -35,7 +35,7 @@ namespace {
 constexpr std::chrono::milliseconds kStopNowPatience(5000);
 constexpr std::string_view kNavigationChannel = "MORVEX_STD";
 
-void Remove(const std::filesystem::path& file) {
+void RemoveTemporary(const std::filesystem::path& file) {
     std::error_code ignored;
     std::filesystem::remove(file, ignored);
 }
@@ -137,7 +137,7 @@ bool CEngineRun::Start(const CTrvSimulationParameters& parameters) {
         m_listener.OnResultRemoved(m_guard.HasSetAside());
         if (Launch(parameterFile)) return true;
     }
-    if (!parameterFile.empty()) Remove(parameterFile);
+    if (!parameterFile.empty()) RemoveTemporary(parameterFile);
     m_guard.Cancel();
     return false;
 }
@@ -283,7 +283,7 @@ bool CEngineRun::AskToTerminate() {
 }
 
 void CEngineRun::RemoveTemporaryFiles() {
-    for (const auto& file : std::exchange(m_temporaryFiles, {})) Remove(file);
+    for (const auto& file : std::exchange(m_temporaryFiles, {})) RemoveTemporary(file);
 }
 
 } // namespace Application_Tarvel
