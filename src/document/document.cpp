@@ -171,7 +171,7 @@ bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
     return SaveUnder(path, ResultOf(path));
 }
 
-bool CTrvDocument::SaveUnder(const std::filesystem::path& path, const std::filesystem::path& result) {
+bool CTrvDocument::SaveUnder(const std::filesystem::path& path, std::filesystem::path result) {
     if (!StoreWithResult(path, result)) return ReportFailedSave(path);
     SetModifiedFlag(false);
     m_bParametersChanged = false;
@@ -190,9 +190,9 @@ bool CTrvDocument::OnSaveCopy(const std::filesystem::path& path) {
     return StoreWithResult(path, ResultOf(path)) || ReportFailedSave(path);
 }
 
-bool CTrvDocument::StoreWithResult(const std::filesystem::path& path, const std::filesystem::path& result) {
+bool CTrvDocument::StoreWithResult(const std::filesystem::path& path, std::filesystem::path result) {
     if (!m_pProject) return StoreTo(path);
-    const std::filesystem::path former = std::exchange(GetResult().path, result);
+    const std::filesystem::path former = std::exchange(GetResult().path, std::move(result));
     const bool stored = StoreTo(path);
     GetResult().path = former;
     return stored;

@@ -122,8 +122,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     bool RefuseWhileRunning(EText text);
     bool SaveBeforeRun();
     // Stores the project with the result under this path; the open project keeps its own.
-    bool StoreWithResult(const std::filesystem::path& path, const std::filesystem::path& result);
-    bool SaveUnder(const std::filesystem::path& path, const std::filesystem::path& result);
+    bool StoreWithResult(const std::filesystem::path& path, std::filesystem::path result);
+    bool SaveUnder(const std::filesystem::path& path, std::filesystem::path result);
     CTrvDataFile& GetResult() const { return *m_pProject->simulationParameters->outputFile; }
     void FollowProject();
     void SearchFirstData();

@@ -87,7 +87,7 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
     const std::string described = m_out;
     std::istringstream ends(
         ";Algorithm;Standard\n;Channel;GPS_2\n;Lever arm;XV1 1.000 m, XV2 -2.000 m, XV3 3.000 m\n"
-        ";UTC reference;14/05/2024 08:00:00.000\n;Event Id;\n;Value;12.500 Hz\n;Mode;Autostatic\n"
+        ";UTC reference;14/05/2024 08:00:00.000\n;Event Id;2\n;Value;12.500 Hz\n;Mode;Autostatic\n"
         ";Mode;Hydro\n;Time offset;-00:00:01.500\n;Mode;Automatic reacquisition\n;Threshold;7.50 m\n"
         ";Longitude;3.25 m\n;Crossvariance;4.25 m²\n;Altitude;5.250 m\n;X;2.25 m/s\n;Y;3.25 m/s\n"
         ";Z;4.25 m/s\n;Value X;2.25 m/s\n];16 SYNCHRO_2 Event marker\n;Title;Depths\n"

@@ -125,6 +125,33 @@ TEST_F(BatchCreation, ProjectComesBackFromItsCommandFile) {
               ToStoredTime(test::Seconds(2.5)));
 }
 
+TEST_F(BatchCreation, TenExternalFilesComeBackInTheirOrder) {
+    CTrvProject project(m_folder / "main.tarin", m_folder / "result.tarout");
+    auto& parameters = *project.simulationParameters;
+    parameters.SetUtcReference(FindUtcOrigin(m_folder / "main.tarin", kPackets), {});
+    std::vector<std::filesystem::path> paths;
+    for (int i = 0; i < 10; ++i) {
+        const std::string name = "ext" + std::to_string(i) + ".tarin";
+        Record(name.c_str(), i);
+        paths.push_back(m_folder / name);
+        ASSERT_TRUE(project.AddDataFile(paths.back(), false));
+    }
+    parameters.AddSensor(ESensorKind::gps)->channel = parameters.externalFiles[9]->FindChannel("GPS_1");
+    ASSERT_TRUE(Persistance_Parametres::WriteParameterFile(m_file, parameters));
+    CBatchCreation creation;
+    std::string message;
+    ASSERT_TRUE(creation.Load(m_file, message)) << message;
+    const auto back = creation.Create(CBatchCreation::LookInto(creation.GetFiles(), kPackets), message);
+    ASSERT_TRUE(back) << message;
+    const auto& files = back->simulationParameters->externalFiles;
+    ASSERT_EQ(files.size(), paths.size());
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        EXPECT_EQ(files[i]->path, paths[i]);
+        EXPECT_EQ(files[i]->timeOffset, ToStoredTime(test::Seconds(static_cast<double>(i)))) << i;
+    }
+    EXPECT_EQ(back->simulationParameters->sensors.at(0)->channel->file, files[9].get());
+}
+
 TEST_F(BatchCreation, EveryFailureHasItsMessage) {
     Record("silent.tarin", -1);
     Record("empty.tarin", 0, 0);

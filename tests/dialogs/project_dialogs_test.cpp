@@ -279,6 +279,25 @@ TEST_F(ProjectDialogs, NewBringsTheWizardsProjectIntoTheDocument) {
     EXPECT_THAT(m_host.m_messages, IsEmpty());
 }
 
+TEST_F(ProjectDialogs, TheEquipmentChoosesTheAlgorithm) {
+    const std::pair<int, int> rows[] = {{9, algorithmStandard},  {13, algorithmBackward},
+                                        {14, algorithmBackward}, {15, algorithmBackward},
+                                        {17, algorithmStandard}, {18, algorithmBackward}};
+    for (const auto& [equipment, algorithm] : rows) {
+        Record("of.tarin", equipment);
+        std::string message;
+        const auto project = CreateProject({m_folder / "of.tarin", m_folder / "p.tarprj"}, message);
+        ASSERT_TRUE(project) << message;
+        EXPECT_EQ(project->simulationParameters->algorithm, algorithm) << equipment;
+    }
+    // A name that is no UTF-8 text would come back as another one.
+    std::string message;
+    Record("b\xFF.tarin", 14);
+    EXPECT_FALSE(CreateProject({m_folder / "b\xFF.tarin", m_folder / "p.tarprj"}, message));
+    EXPECT_EQ(message, Outils_Texte::FormatText(EText::nameNotStorable,
+                                                {Outils_Fichiers::ToText(m_folder / "b\xFF.tarin")}));
+}
+
 TEST_F(ProjectDialogs, ChoosersListWhatTheProjectHas) {
     Record("more.tarin", 14);
     CTrvProject project(m_folder / "dive.tarin", m_folder / "dive.tarout");
