@@ -2,10 +2,12 @@
 #include "input.h"
 
 #include "dataaccess/date_search.h"
+#include "xpf/channel_walk.h"
 #include "xpf/file.h"
 #include "xpf/packet.h"
+#include "xpf/stream_walk.h"
 
-#include <array>
+#include <vector>
 
 using namespace Persistance_Xpf;
 
@@ -25,25 +27,31 @@ void ReadEveryField(const CXpfPacket& packet) {
     }
 }
 
-// Several packets at once are those that come one by one.
+// A run of packets holds the same packets as single steps.
 void WalkRuns(CXpfFile& file) {
     file.Seek(file.GetDataStart().Get());
-    std::array<const std::uint8_t*, 8> run;
+    CStreamWalk walk(file);
+    CStreamWalk::Run run;
     for (int step = 0; step < kMostSteps; ++step) {
         const std::int64_t start = file.GetPosition();
-        const std::size_t count = file.ReadPackets(run);
-        if (count == 0) break;
-        std::array<std::uint32_t, run.size()> sizes{};
-        for (std::size_t i = 0; i < count; ++i) sizes[i] = LoadPacketSize(run[i]);
+        if (walk.NextRun(run) != EPacketRead::whole) break;
+        std::vector<std::uint32_t> sizes;
+        for (const std::uint8_t* packet : run) {
+            sizes.push_back(LoadPacketSize(packet));
+            [[maybe_unused]] volatile std::uint8_t last = CStreamWalk::GetPayload(packet).data()[-1];
+        }
         const std::int64_t end = file.GetPosition();
         SPacketHeader header;
         std::span<const std::uint8_t> payload;
         file.Seek(start);
-        for (std::size_t i = 0; i < count; ++i)
-            Fuzz::Require(file.ReadPacket(header, payload) == EPacketRead::whole && header.size == sizes[i],
+        for (const std::uint32_t size : sizes)
+            Fuzz::Require(walk.Next(header, payload) == EPacketRead::whole && header.size == size,
                           "a run holds whole packets only");
         Fuzz::Require(file.GetPosition() == end, "a run ends behind its last packet");
     }
+    Fuzz::Require(!file.IsTornTail(file.GetDataStart().Get()) ||
+                      file.GetPosition() == file.GetDataStart().Get(),
+                  "a torn tail begins where the walk ends");
 }
 
 void WalkStream(CXpfFile& file) {
@@ -53,7 +61,8 @@ void WalkStream(CXpfFile& file) {
     std::int64_t last = file.GetDataStart().Get();
     file.Seek(last);
     std::uint64_t sum = 0;
-    for (int step = 0; step < kMostSteps && file.ReadPacket(header, payload) == EPacketRead::whole; ++step) {
+    for (int step = 0; step < kMostSteps && CStreamWalk(file).Next(header, payload) == EPacketRead::whole;
+         ++step) {
         for (const std::uint8_t byte : payload) sum += byte;
         Fuzz::Require(file.GetPosition() > last, "a walk moves forward");
         last = file.GetPosition();
@@ -68,18 +77,19 @@ void WalkStream(CXpfFile& file) {
     }
 }
 
-// The reduction's walk over runs of packets; header and trailer around each payload are its to read.
-void WalkHeldPackets(CXpfFile& file, CXpfChannel& channel, std::uint32_t payloadSize) {
+// The walk of a reduction; header and trailer around each payload are its to read.
+void WalkPayloads(CXpfFile& file, CXpfChannel& channel, std::uint32_t payloadSize) {
     if (!channel.SeekFirstPacket(nullptr)) return;
     const std::int64_t size = file.GetFileSize();
-    std::array<const std::uint8_t*, 8> run;
+    CChannelWalk walk(channel, payloadSize);
     [[maybe_unused]] volatile std::uint8_t seen = 0; // the bytes are read, not only pointed at
-    for (int step = 0; step < kMostSteps && channel.ViewNextPacket(payloadSize); ++step) {
-        const std::size_t count = channel.ViewHeldPackets(payloadSize, run);
-        for (std::size_t i = 0; i < count; ++i)
-            seen = run[i][-static_cast<std::ptrdiff_t>(kPacketHeaderSize)] ^
-                   run[i][payloadSize + kPacketTrailerSize - 1];
-        Fuzz::Require(count == 0 || channel.GetPrevious().Get() < size, "a packet begins in its file");
+    for (int step = 0; step < kMostSteps; ++step) {
+        const auto run = walk.Next([] {});
+        for (const std::uint8_t* payload : run)
+            seen = payload[-static_cast<std::ptrdiff_t>(kPacketHeaderSize)] ^
+                   payload[payloadSize + kPacketTrailerSize - 1];
+        if (run.empty()) break;
+        Fuzz::Require(channel.GetPrevious().Get() < size, "a packet begins in its file");
     }
 }
 
@@ -91,12 +101,10 @@ void WalkChannel(CXpfFile& file, CXpfChannel& channel, Application_Tarvel::CXpfF
     const std::unique_ptr<CXpfPacket> packet = channel.CreatePacket();
     if (packet) {
         for (int step = 0; step < kMostSteps; ++step) {
-            if (!channel.ViewNextPacket(packet->GetPayloadSize()) &&
-                !channel.ReadNextPacket(*packet, &header))
-                break;
+            if (!channel.ReadNextPacket(*packet, &header)) break;
             if (step < 4) ReadEveryField(*packet);
         }
-        WalkHeldPackets(file, channel, packet->GetPayloadSize());
+        WalkPayloads(file, channel, packet->GetPayloadSize());
     } else {
         std::uint8_t buffer[64];
         std::uint32_t sizeRead = 0;
@@ -127,8 +135,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static Fuzz::CMemoryFile input;
     input.Set({data, size});
     for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
-        bool outdated = false;
-        const auto file = OpenXpfFile(input.GetPath(), kind, outdated);
+        const auto file = OpenXpfFile(input.GetPath(), kind).file;
         if (!file) continue;
         WalkStream(*file);
         Application_Tarvel::CXpfFileCache cache;

@@ -25,8 +25,7 @@ struct SWork {
 };
 
 std::uint16_t FindNumber(const std::filesystem::path& path, std::string_view name) {
-    bool outdated = false;
-    const auto file = OpenXpfFile(path, EFileKind::tarin, outdated);
+    const auto file = OpenXpfFile(path, EFileKind::tarin).file;
     return file->FindChannelByName(name)->GetNumber();
 }
 
@@ -83,17 +82,15 @@ void Cancel(benchmark::State& state, SWork (*prepare)(CMadeFile&)) {
             SChannelAddress{work.path, EFileKind::tarin, work.channel},
             SWindow{CDateTimeSpan(1), work.end, CDateTimeSpan(std::int64_t{1} << 32)}, nullptr);
     };
-    bool cancelled = false;
-    const double whole = SecondsOf([&] { makeQuery()->Execute(cancelled); });
+    const double whole = SecondsOf([&] { makeQuery()->Execute(); });
     std::mt19937 random(3);
     std::vector<double> times;
     for (auto _ : state) {
         const auto query = makeQuery();
         std::atomic<bool> running{false};
         std::thread loader([&] {
-            bool stopped = false;
             running = true;
-            query->Execute(stopped);
+            query->Execute();
         });
         while (!running) std::this_thread::yield();
         std::this_thread::sleep_for(std::chrono::duration<double>(whole * (random() % 1000) / 1000));

@@ -46,8 +46,7 @@ std::int64_t Analyse(const std::filesystem::path& path) {
 
 // The inertial data of the whole file in 2000 slices with extremes.
 std::int64_t Reduce(const std::filesystem::path& path) {
-    bool outdated = false;
-    const auto file = OpenXpfFile(path, EFileKind::tarin, outdated);
+    const auto file = OpenXpfFile(path, EFileKind::tarin).file;
     CXpfChannel& channel = *file->FindChannelByName("IMU");
     const auto packet = channel.CreatePacket();
     auto& dated = static_cast<CXpfDatedPacket&>(*packet);
@@ -58,8 +57,7 @@ std::int64_t Reduce(const std::filesystem::path& path) {
     const CDateTimeSpan length = dated.GetPacketDate() - first;
     CTrvView1DDataQuery query({path, EFileKind::tarin, channel.GetNumber()},
                               {first, first + length, CDateTimeSpan(length.GetTicks() / kSlices)}, nullptr);
-    bool cancelled = false;
-    query.Execute(cancelled);
+    query.Execute();
     return static_cast<std::int64_t>(query.TakeSeries().representatives.size());
 }
 

@@ -45,8 +45,7 @@ void TenMinuteWindow(benchmark::State& state) {
         CTrvView1DDataQuery query(
             Address(), {CDateTimeSpan(start), CDateTimeSpan(start + width), CDateTimeSpan(width / kSlices)},
             nullptr);
-        bool cancelled = false;
-        query.Execute(cancelled);
+        query.Execute();
         benchmark::DoNotOptimize(query.TakeSeries());
     }
 }
@@ -72,8 +71,7 @@ void Moment(benchmark::State& state) {
     long reads = 0, worst = 0, over = 0;
     std::int64_t searches = 0;
     const auto search = [&](std::int64_t ticks, bool feeds) {
-        bool outdated = false;
-        const auto file = OpenXpfFile(path, EFileKind::tarin, outdated);
+        const auto file = OpenXpfFile(path, EFileKind::tarin).file;
         CXpfChannel& channel = *file->FindChannelByName(sparse ? "GPS_1" : "IMU");
         file->GetDataStart();
         const auto packet = channel.CreatePacket();

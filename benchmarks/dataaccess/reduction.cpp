@@ -100,8 +100,7 @@ std::size_t QueryReduction(const std::filesystem::path& path) {
     const CDateTimeSpan end(static_cast<std::int64_t>(kPackets) * kStep);
     CTrvView1DDataQuery query({path, EFileKind::tarin, 0},
                               {CDateTimeSpan(1), end, CDateTimeSpan(end.GetTicks() / kSlices)}, nullptr);
-    bool cancelled = false;
-    query.Execute(cancelled);
+    query.Execute();
     return query.TakeSeries().representatives.size();
 }
 

@@ -2,6 +2,7 @@
 // file in the same run, and `ratio` is the quotient of the medians of their alternating runs.
 #include "xpf/channel.h"
 #include "xpf/packet.h"
+#include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
 
 #include <algorithm>
@@ -57,10 +58,7 @@ class CRecording {
     CRecording(const CRecording&) = delete;
     CRecording& operator=(const CRecording&) = delete;
 
-    std::unique_ptr<CXpfFile> Open() const {
-        bool outdated = false;
-        return OpenXpfFile(path, EFileKind::tarin, outdated);
-    }
+    std::unique_ptr<CXpfFile> Open() const { return OpenXpfFile(path, EFileKind::tarin).file; }
 
     void Evict() const {
         fsync(handle);
@@ -183,9 +181,10 @@ std::uint64_t ScanPlainly(const CRecording& file) {
 std::uint64_t ScanStream(const CRecording& recording) {
     const auto file = recording.Open();
     file->Seek(file->GetDataStart().Get());
-    std::array<const std::uint8_t*, 64> run;
+    CStreamWalk walk(*file);
+    CStreamWalk::Run run;
     std::uint64_t packets = 0;
-    while (const std::size_t count = file->ReadPackets(run)) packets += count;
+    while (walk.NextRun(run) == EPacketRead::whole) packets += run.size();
     return packets;
 }
 

@@ -20,7 +20,7 @@ constexpr double kSearchNoise = 0.3; // m
 constexpr double kPruningSpan = 5.0; // s
 constexpr double kHopeless = 25.0;   // in log likelihood behind the best
 constexpr double kAlike = 4.0 * kRadiansPerDegree;
-constexpr double kLargestDistance = 30.0; // of one fix in the misfit: outliers are not the unit's fault
+constexpr double kLargestFixDistance = 30.0; // of one fix in the misfit: outliers are not the unit's fault
 
 bool IsUsable(const SPositionFix& fix) { return fix.horizontal != EUse::never; }
 
@@ -162,7 +162,7 @@ bool CHypothesisBank::RunTo(double time, const SStretch& stretch, const std::fun
                 AdvanceThrough(hypothesis.filter, sample, cursor, [&](const SPositionFix& fix) {
                     const SFixOutcome outcome = hypothesis.filter.Update(Blurred(fix));
                     hypothesis.cost -= outcome.logLikelihood;
-                    hypothesis.distance += std::min(outcome.distance, kLargestDistance);
+                    hypothesis.distance += std::min(outcome.distance, kLargestFixDistance);
                     hypothesis.components += outcome.dimension;
                 });
             }

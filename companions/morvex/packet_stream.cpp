@@ -1,14 +1,14 @@
 #include "morvex/packet_stream.h"
 
 #include "xpf/packets.h"
+#include "xpf/stream_walk.h"
 
 namespace Morvex {
 
 using namespace Persistance_Xpf;
 
 bool CPacketStream::Open(const SChannelPlan& plan, const SPacketLayout& layout) {
-    bool outdated = false;
-    m_file = OpenXpfFile(plan.path, EFileKind::tarin, outdated);
+    m_file = OpenXpfFile(plan.path, EFileKind::tarin).file;
     if (!m_file) return false;
     const CXpfChannel* channel = m_file->FindChannelByName(plan.channel);
     if (!channel || channel->GetPacketType() != layout.type) return false;
@@ -24,7 +24,7 @@ bool CPacketStream::Next(CPayload& payload) {
     for (;;) {
         SPacketHeader header;
         std::span<const std::uint8_t> bytes;
-        switch (m_file->ReadPacket(header, bytes)) {
+        switch (CStreamWalk(*m_file).Next(header, bytes)) {
         case EPacketRead::whole:
             if (header.channel != m_channel || bytes.size() != m_payloadSize) continue;
             payload = CPayload(bytes);

@@ -13,48 +13,6 @@ using namespace Persistance_Xpf;
 
 namespace {
 
-struct SChannelDescription {
-    std::string_view name;
-    std::string_view description;
-};
-
-constexpr SChannelDescription kDescriptions[] = {
-    {"IMU", "Raw inertial data"},
-    {"DVL_BT", "Doppler log, bottom track"},
-    {"DVL_WT", "Doppler log, water track"},
-    {"EM_LOG_1", "Electromagnetic log"},
-    {"EM_LOG_2", "Electromagnetic log"},
-    {"GPS_1", "GPS receiver"},
-    {"GPS_2", "GPS receiver"},
-    {"GPS_3", "GPS receiver"},
-    {"DEPTH", "Depth sensor"},
-    {"USBL_1", "USBL beacon"},
-    {"USBL_2", "USBL beacon"},
-    {"USBL_3", "USBL beacon"},
-    {"LBL", "LBL ranges"},
-    {"UTC", "UTC synchronization"},
-    {"ODOMETER", "Odometer"},
-    {"SYNCHRO_1", "External event"},
-    {"SYNCHRO_2", "External event"},
-    {"SYNCHRO_3", "External event"},
-    {"SYNCHRO_4", "External event"},
-    {"NELIX_NAV", "Real-time navigation"},
-    {"TEMPERATURE", "Temperatures of the unit"},
-    {"PLATFORM_ORIENT", "Orientation of the stabilized mount"},
-    {"MORVEX_STD", "Navigation result"},
-    {"MORVEX_MSG", "Messages of the processing"},
-    {"MORVEX_EXT", "Estimated states"},
-    {"MORVEX_STA", "Internal states"},
-};
-
-// No reader decodes these packets, so that they have no layout: the counts tell how many values follow.
-constexpr SFieldLayout kInternalStateFields[] = {
-    {"Date", EFieldType::date, natureUnknown},  {"Vector size", EFieldType::u32, natureUnknown},
-    {"Vector", EFieldType::f64, natureUnknown}, {"Matrix size", EFieldType::u32, natureUnknown},
-    {"Matrix", EFieldType::f64, natureUnknown},
-};
-constexpr std::uint32_t kInternalStateVersion = 1;
-
 class CBytes {
   public:
     template <class T>
@@ -74,14 +32,11 @@ class CBytes {
     std::vector<std::uint8_t> m_bytes;
 };
 
-void AddDefinition(CBytes& bytes, std::uint16_t type) {
-    const SPacketLayout* layout = FindPacketLayout(type);
-    const std::span<const SFieldLayout> fields =
-        layout ? layout->fields : std::span<const SFieldLayout>(kInternalStateFields);
-    bytes.Add(type);
-    bytes.Add(layout ? layout->version : kInternalStateVersion);
-    bytes.Add(static_cast<std::uint16_t>(fields.size()));
-    for (const SFieldLayout& field : fields) {
+void AddDefinition(CBytes& bytes, const SPacketLayout& layout) {
+    bytes.Add(layout.type);
+    bytes.Add(layout.version);
+    bytes.Add(static_cast<std::uint16_t>(layout.fields.size()));
+    for (const SFieldLayout& field : layout.fields) {
         bytes.AddText(field.name, kFieldNameSize);
         bytes.Add(field.type);
         bytes.Add(field.count);
@@ -91,11 +46,6 @@ void AddDefinition(CBytes& bytes, std::uint16_t type) {
 }
 
 } // namespace
-
-std::string_view GetChannelDescription(std::string_view channelName) {
-    const auto* found = std::ranges::find(kDescriptions, channelName, &SChannelDescription::name);
-    return found == std::end(kDescriptions) ? std::string_view() : found->description;
-}
 
 std::vector<std::uint8_t> MakeRecordingHeader(std::span<const std::string_view> channelNames) {
     std::set<std::uint16_t> types;
@@ -115,10 +65,11 @@ std::vector<std::uint8_t> MakeRecordingHeader(std::span<const std::string_view> 
         const SChannelLayout* row = FindChannelLayout(name);
         bytes.Add(static_cast<std::uint16_t>(row - GetChannelLayouts().data()));
         bytes.AddText(name, kChannelNameSize);
-        bytes.AddText(GetChannelDescription(name), kChannelDescriptionSize);
+        bytes.AddText(row->description, kChannelDescriptionSize);
         bytes.Add(row->packetType);
     }
-    for (const std::uint16_t type : types) AddDefinition(bytes, type);
+    for (const std::uint16_t type : types)
+        AddDefinition(bytes, *FindDescribedLayout((*rows.begin())->kind, type));
     return bytes.Take();
 }
 

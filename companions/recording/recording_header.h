@@ -13,7 +13,4 @@ namespace Enregistrement {
 // kinds.
 std::vector<std::uint8_t> MakeRecordingHeader(std::span<const std::string_view> channelNames);
 
-// What a channel record says of the channel; empty for an unknown name.
-std::string_view GetChannelDescription(std::string_view channelName);
-
 } // namespace Enregistrement

@@ -3,28 +3,11 @@
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace Application_Tarvel {
 
 using Outils_Configuration::Cnf;
 using Outils_Texte::EText;
 using Outils_Texte::GetText;
-
-namespace {
-
-// The labels are consecutive texts in this order.
-constexpr std::string_view kLabelledChannels[] = {
-    "IMU",        "DVL_BT",     "DVL_WT",      "EM_LOG_1",        "EM_LOG_2",   "GPS_1",
-    "GPS_2",      "GPS_3",      "DEPTH",       "USBL_1",          "USBL_2",     "USBL_3",
-    "LBL",        "UTC",        "ODOMETER",    "SYNCHRO_1",       "SYNCHRO_2",  "SYNCHRO_3",
-    "SYNCHRO_4",  "NELIX_NAV",  "TEMPERATURE", "PLATFORM_ORIENT", "MORVEX_STD", "MORVEX_MSG",
-    "MORVEX_EXT", "MORVEX_STA",
-};
-static_assert(std::size(kLabelledChannels) == 26);
-
-} // namespace
 
 void CTrvApp::InitInstance() {
     if (const auto path = GetSettingsPath(); !path.empty())
@@ -49,13 +32,6 @@ std::filesystem::path CTrvApp::GetUserGuide() const {
 std::filesystem::path CTrvApp::GetSettingsPath() const {
     if (m_executable.empty()) return {};
     return Outils_Fichiers::WithExtension(m_executable, GetText(EText::settingsExtension));
-}
-
-bool GetChannelLabel(std::string_view identifier, std::string& label) {
-    const auto place = std::find(std::begin(kLabelledChannels), std::end(kLabelledChannels), identifier);
-    if (place == std::end(kLabelledChannels)) return false;
-    label = GetText(EText::channelImu + static_cast<int>(place - std::begin(kLabelledChannels)));
-    return true;
 }
 
 } // namespace Application_Tarvel

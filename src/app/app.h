@@ -47,7 +47,4 @@ class CTrvApp {
     bool m_expertMode = false; // as at start-up
 };
 
-// The label of a channel identifier such as "GPS_1". False with an unknown one, and `label` stays.
-bool GetChannelLabel(std::string_view identifier, std::string& label);
-
 } // namespace Application_Tarvel

@@ -1,6 +1,7 @@
 #include "app/dialogs.h"
 
 #include "app/icons.h"
+#include "foundation/file_filter.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
 
@@ -44,6 +45,17 @@ QMessageBox::Icon ToIcon(EIcon icon) {
     return QMessageBox::Information;
 }
 
+// "Text files (*.txt *.log);;All files (*.*)"
+QString ToNameFilters(EText filter) {
+    QStringList names;
+    for (const auto& row : Outils_Fichiers::ParseFileFilters(Outils_Texte::GetText(filter))) {
+        QStringList patterns;
+        for (const auto& pattern : row.patterns) patterns << ToQString(pattern);
+        names << QStringLiteral("%1 (%2)").arg(ToQString(row.name), patterns.join(u' '));
+    }
+    return names.join(QStringLiteral(";;"));
+}
+
 } // namespace
 
 EAnswer CWindowDialogs::ShowMessage(QWidget* parent, const std::string& text, EButtons buttons, EIcon icon) {
@@ -57,24 +69,23 @@ EAnswer CWindowDialogs::ShowMessage(QWidget* parent, const std::string& text, EB
     return buttons == EButtons::ok ? EAnswer::ok : buttons == EButtons::yesNo ? EAnswer::no : EAnswer::cancel;
 }
 
-std::optional<std::filesystem::path> CWindowDialogs::AskOpenPath(QWidget* parent,
-                                                                 const std::filesystem::path& folder) {
-    const QString file = QFileDialog::getOpenFileName(parent, Text(EText::openTitle), ToQString(folder),
-                                                      Text(EText::projectFilter));
-    if (file.isEmpty()) return std::nullopt;
-    return ToPath(file);
-}
-
-std::optional<std::filesystem::path> CWindowDialogs::AskSavePath(QWidget* parent,
-                                                                 const std::filesystem::path& proposed) {
-    QFileDialog dialog(parent, Text(EText::saveTitle), ToQString(proposed.parent_path()),
-                       Text(EText::projectFilter));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    // Given to the dialog, not added behind it: it asks about replacing the very file that will be written.
-    dialog.setDefaultSuffix(Text(EText::projectExtension));
-    if (!proposed.empty()) dialog.selectFile(ToQString(proposed.filename()));
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-    return ToPath(dialog.selectedFiles().front());
+std::vector<std::filesystem::path> CWindowDialogs::AskPath(QWidget* parent, const SPathQuestion& question) {
+    std::error_code error;
+    const bool isFolder = std::filesystem::is_directory(question.proposed, error);
+    const auto folder = isFolder ? question.proposed : question.proposed.parent_path();
+    QFileDialog dialog(parent, Text(question.title), ToQString(folder), ToNameFilters(question.filter));
+    constexpr QFileDialog::FileMode kModes[] = {QFileDialog::ExistingFile, QFileDialog::ExistingFiles,
+                                                QFileDialog::AnyFile};
+    dialog.setFileMode(kModes[static_cast<int>(question.kind)]);
+    if (question.kind == EPathKind::save) dialog.setAcceptMode(QFileDialog::AcceptSave);
+    // Given to the dialog, not added afterwards: it asks about replacing the very file that will be written.
+    dialog.setDefaultSuffix(
+        QString::fromUtf8(question.extension.data(), static_cast<qsizetype>(question.extension.size())));
+    if (!isFolder && !question.proposed.empty()) dialog.selectFile(ToQString(question.proposed.filename()));
+    std::vector<std::filesystem::path> paths;
+    if (dialog.exec() != QDialog::Accepted) return paths;
+    for (const QString& file : dialog.selectedFiles()) paths.push_back(ToPath(file));
+    return paths;
 }
 
 void CWindowDialogs::ShowAbout(QWidget* parent, const CVersionInfo& version) {

@@ -8,8 +8,8 @@
 #include <QUrl>
 
 #include <filesystem>
-#include <optional>
 #include <string>
+#include <vector>
 
 class QWidget;
 
@@ -21,12 +21,8 @@ class IDialogs {
     virtual ~IDialogs() = default;
 
     virtual EAnswer ShowMessage(QWidget* parent, const std::string& text, EButtons buttons, EIcon icon) = 0;
-    // A project file that exists; empty when cancelled.
-    virtual std::optional<std::filesystem::path> AskOpenPath(QWidget* parent,
-                                                             const std::filesystem::path& folder) = 0;
-    // Where to save a project. Has the extension of projects, and the user agreed to replace a file.
-    virtual std::optional<std::filesystem::path> AskSavePath(QWidget* parent,
-                                                             const std::filesystem::path& proposed) = 0;
+    // As IQuestions::AskPath.
+    virtual std::vector<std::filesystem::path> AskPath(QWidget* parent, const SPathQuestion& question) = 0;
     virtual void ShowAbout(QWidget* parent, const CVersionInfo& version) = 0;
     // Hands the link to the program that the desktop has for it; false when there is none.
     virtual bool OpenLink(const QUrl& link) = 0;
@@ -35,10 +31,7 @@ class IDialogs {
 class CWindowDialogs final : public IDialogs {
   public:
     EAnswer ShowMessage(QWidget* parent, const std::string& text, EButtons buttons, EIcon icon) override;
-    std::optional<std::filesystem::path> AskOpenPath(QWidget* parent,
-                                                     const std::filesystem::path& folder) override;
-    std::optional<std::filesystem::path> AskSavePath(QWidget* parent,
-                                                     const std::filesystem::path& proposed) override;
+    std::vector<std::filesystem::path> AskPath(QWidget* parent, const SPathQuestion& question) override;
     void ShowAbout(QWidget* parent, const CVersionInfo& version) override;
     bool OpenLink(const QUrl& link) override;
 };

@@ -1,6 +1,7 @@
 #include "app/main_frame.h"
 
 #include "app/status_bar.h"
+#include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
 #include "processing/message_line.h"
@@ -49,9 +50,11 @@ class CTrvProjectMainFrame::CPlainCursor {
 void CTrvProjectMainFrame::NewProject() { m_document.CommandNew(); }
 
 void CTrvProjectMainFrame::AskAndOpen() {
-    const CPlainCursor plain(m_waitCursors);
-    if (const auto path = m_dialogs.AskOpenPath(this, m_document.GetPathName().parent_path()))
-        OpenProject(*path);
+    // A name would be chosen by who only wants to see the folder.
+    const auto paths = AskPath({EPathKind::open, EText::openTitle, EText::projectFilter,
+                                Outils_Texte::GetText(EText::projectExtension).substr(1),
+                                m_document.GetPathName().parent_path()});
+    if (!paths.empty()) OpenProject(paths.front());
 }
 
 bool CTrvProjectMainFrame::OpenProject(const std::filesystem::path& path) {
@@ -97,10 +100,32 @@ EAnswer CTrvProjectMainFrame::ShowMessage(const std::string& text, EButtons butt
     return m_dialogs.ShowMessage(this, text, buttons, icon);
 }
 
-std::optional<std::filesystem::path>
-CTrvProjectMainFrame::AskProjectPath(const std::filesystem::path& proposed) {
+std::vector<std::filesystem::path> CTrvProjectMainFrame::AskPath(const SPathQuestion& question) {
     const CPlainCursor plain(m_waitCursors);
-    return m_dialogs.AskSavePath(this, proposed);
+    return m_dialogs.AskPath(this, question);
+}
+
+EOutcome CTrvProjectMainFrame::Refuse(std::string_view name) {
+    AppendOutputText(Outils_Texte::FormatText(EText::notAvailable, {name}));
+    return EOutcome::unavailable;
+}
+
+EOutcome CTrvProjectMainFrame::MakeProject(SMadeProject&) {
+    return Refuse(Outils_Texte::GetText(EText::makeProjectName));
+}
+
+EOutcome CTrvProjectMainFrame::MakeProjectFrom(const std::filesystem::path&, SMadeProject&) {
+    return Refuse(Outils_Texte::GetText(EText::newFromBatchTitle));
+}
+
+EOutcome CTrvProjectMainFrame::UpdateDataFile(const std::filesystem::path& path) {
+    return Refuse(Outils_Texte::FormatText(EText::updateFileName, {Outils_Fichiers::ToText(path)}));
+}
+
+EOutcome CTrvProjectMainFrame::ConvertRawFiles(const std::vector<std::filesystem::path>& files, ERawFormat,
+                                               std::filesystem::path&) {
+    return Refuse(
+        Outils_Texte::FormatText(EText::convertFilesName, {Outils_Fichiers::ToText(files.front())}));
 }
 
 void CTrvProjectMainFrame::AppendOutputText(const std::string& line) {

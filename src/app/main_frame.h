@@ -69,7 +69,13 @@ class CTrvProjectMainFrame final : public QMainWindow,
     void ApplyAppearance();
 
     EAnswer ShowMessage(const std::string& text, EButtons buttons, EIcon icon) override;
-    std::optional<std::filesystem::path> AskProjectPath(const std::filesystem::path& proposed) override;
+    std::vector<std::filesystem::path> AskPath(const SPathQuestion& question) override;
+    // The dialogs of these have no windows yet.
+    EOutcome MakeProject(SMadeProject& made) override;
+    EOutcome MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made) override;
+    EOutcome UpdateDataFile(const std::filesystem::path& path) override;
+    EOutcome ConvertRawFiles(const std::vector<std::filesystem::path>& files, ERawFormat format,
+                             std::filesystem::path& converted) override;
     void AppendOutputText(const std::string& line) override;
     void SetProgress(int percent) override;
     void ShowProgress(bool visible) override;
@@ -79,6 +85,7 @@ class CTrvProjectMainFrame final : public QMainWindow,
     std::filesystem::path GetProgramFolder() override { return m_application.GetProgramFolder(); }
     Outils_Temps::CDateTime GetTime() override { return Outils_Temps::CDateTime::Now(); }
     void Sleep(std::chrono::milliseconds time) override;
+    std::chrono::milliseconds GetPatience() override { return std::chrono::milliseconds(100); }
 
     void OnUpdate(EHint hint, const Outils_Objets::CObject* object) override;
 
@@ -89,6 +96,9 @@ class CTrvProjectMainFrame final : public QMainWindow,
 
   private:
     class CPlainCursor;
+
+    // Says by name that there is no dialog for this.
+    EOutcome Refuse(std::string_view name);
 
     void OnProgressChanged() override;
     void OnMessageQueued() override;

@@ -17,12 +17,7 @@ class CSilentDialogs final : public IDialogs {
     const std::string& GetMessages() const { return m_messages; }
 
     EAnswer ShowMessage(QWidget*, const std::string& text, EButtons buttons, EIcon) override;
-    std::optional<std::filesystem::path> AskOpenPath(QWidget*, const std::filesystem::path&) override {
-        return std::nullopt;
-    }
-    std::optional<std::filesystem::path> AskSavePath(QWidget*, const std::filesystem::path&) override {
-        return std::nullopt;
-    }
+    std::vector<std::filesystem::path> AskPath(QWidget*, const SPathQuestion&) override { return {}; }
     void ShowAbout(QWidget*, const CVersionInfo&) override {}
     bool OpenLink(const QUrl&) override { return false; }
 

@@ -11,7 +11,10 @@
 
 namespace Batch {
 
+using Outils_Fichiers::ToText;
 using Outils_Texte::EText;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
 
 using namespace Application_Tarvel;
 
@@ -26,16 +29,35 @@ std::string ToLine(std::string_view text) {
     return line;
 }
 
-EAnswer CBatchHost::ShowMessage(const std::string& text, EButtons buttons, EIcon icon) {
+EAnswer CBatchHost::ShowMessage(const std::string& text, EButtons buttons, EIcon) {
     m_streams.error << ToLine(text) << std::endl;
-    if (icon != EIcon::question) m_failed = true;
     return buttons == EButtons::yesNo || buttons == EButtons::yesNoCancel ? EAnswer::yes : EAnswer::ok;
 }
 
-bool CBatchHost::UpdateDataFile(const std::filesystem::path& path) {
+EOutcome CBatchHost::Refuse(std::string_view name) {
+    FailWith(FormatText(EText::notAvailable, {name}), m_streams);
+    return EOutcome::unavailable;
+}
+
+std::vector<std::filesystem::path> CBatchHost::AskPath(const SPathQuestion& question) {
+    Refuse(GetText(question.title));
+    return {};
+}
+
+EOutcome CBatchHost::MakeProject(SMadeProject&) { return Refuse(GetText(EText::makeProjectName)); }
+
+EOutcome CBatchHost::MakeProjectFrom(const std::filesystem::path&, SMadeProject&) {
+    return Refuse(GetText(EText::newFromBatchTitle));
+}
+
+EOutcome CBatchHost::UpdateDataFile(const std::filesystem::path& path) {
     Fail(Outils_Fichiers::ToText(path), EText::olderLayout, m_streams);
-    m_failed = true;
-    return false;
+    return EOutcome::unavailable;
+}
+
+EOutcome CBatchHost::ConvertRawFiles(const std::vector<std::filesystem::path>& files, ERawFormat,
+                                     std::filesystem::path&) {
+    return Refuse(FormatText(EText::convertFilesName, {ToText(files.front())}));
 }
 
 void CBatchHost::AppendOutputText(const std::string& line) {

@@ -21,17 +21,21 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
         : m_streams(streams), m_report(report), m_receiver(m_queue, this) {}
 
     Outils::CMessageQueue& GetQueue() { return m_queue; }
-    // A message box was shown, or a child reported an error.
+    // A child reported an error.
     bool HasFailed() const { return m_failed; }
     // The engine told of all its work being done.
     bool IsRunComplete() const { return m_receiver.LastProgress() >= 100.0f; }
 
     Application_Tarvel::EAnswer ShowMessage(const std::string& text, Application_Tarvel::EButtons buttons,
                                             Application_Tarvel::EIcon icon) override;
-    std::optional<std::filesystem::path> AskProjectPath(const std::filesystem::path&) override {
-        return std::nullopt;
-    }
-    bool UpdateDataFile(const std::filesystem::path& path) override;
+    std::vector<std::filesystem::path> AskPath(const Application_Tarvel::SPathQuestion& question) override;
+    Application_Tarvel::EOutcome MakeProject(Application_Tarvel::SMadeProject&) override;
+    Application_Tarvel::EOutcome MakeProjectFrom(const std::filesystem::path&,
+                                                 Application_Tarvel::SMadeProject&) override;
+    Application_Tarvel::EOutcome UpdateDataFile(const std::filesystem::path& path) override;
+    Application_Tarvel::EOutcome ConvertRawFiles(const std::vector<std::filesystem::path>& files,
+                                                 Application_Tarvel::ERawFormat,
+                                                 std::filesystem::path&) override;
     void AppendOutputText(const std::string& line) override;
     void SetProgress(int percent) override;
     void ShowProgress(bool visible) override;
@@ -45,6 +49,8 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
     std::chrono::milliseconds GetPatience() override { return std::chrono::hours(24); }
 
   private:
+    // Says by name that there is no dialog for this.
+    Application_Tarvel::EOutcome Refuse(std::string_view name);
     void OnProgressChanged() override { SetProgress(static_cast<int>(m_receiver.LastProgress())); }
     void OnMessageQueued() override;
 

@@ -3,7 +3,6 @@
 #include "batch/batch_host.h"
 #include "batch/session.h"
 #include "dataaccess/data_file_analyzer.h"
-#include "dataaccess/format_detection.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/text.h"
@@ -102,16 +101,15 @@ EText FindFileFault(const std::filesystem::path& path) {
 
 EText FindPacketFileFault(const std::filesystem::path& path) {
     if (const EText fault = FindFileFault(path); fault != EText::none) return fault;
-    bool isOutdated = false;
+    bool isDamaged = false;
     for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
-        bool outdated = false;
-        if (OpenXpfFile(path, kind, outdated)) return EText::none;
-        isOutdated = isOutdated || outdated;
+        const EOpening how = OpenXpfFile(path, kind).how;
+        if (how == EOpening::opened) return EText::none;
+        if (how == EOpening::foreign) return EText::noPacketFile;
+        if (how == EOpening::unreadable) return EText::noFile;
+        isDamaged = isDamaged || how == EOpening::damaged;
     }
-    if (!Application_Tarvel::IsXpfFile(path)) return EText::noPacketFile;
-    CXpfFile file;
-    const bool isWhole = file.Open(path) && file.GetDataStart().IsKnown();
-    return isOutdated && isWhole ? EText::olderLayout : EText::headerDamaged;
+    return isDamaged ? EText::headerDamaged : EText::olderLayout;
 }
 
 EText FindProjectFault(const std::filesystem::path& path) {
@@ -155,8 +153,7 @@ SOpenFile OpenFile(const std::string& text, SStreams streams) {
     const auto path = FromText(text);
     if (!CheckFile(text, FindPacketFileFault, streams)) return {};
     for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
-        bool outdated = false;
-        if (auto file = OpenXpfFile(path, kind, outdated)) return {std::move(file), kind};
+        if (auto file = OpenXpfFile(path, kind).file) return {std::move(file), kind};
     }
     Fail(text, EText::noFile, streams); // it went away meanwhile
     return {};

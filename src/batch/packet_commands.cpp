@@ -21,8 +21,7 @@ using EError = CTrvDataQuery::EError;
 
 // Runs a query here and now; false, with the reason reported, when it fails.
 bool Ask(CTrvDataQuery& query, const std::string& path, SStreams streams) {
-    bool cancelled = false;
-    if (query.Execute(cancelled)) return true;
+    if (query.Execute() == EQueryEnd::done) return true;
     Fail(path, query.GetError() == EError::noPackets ? EText::channelEmpty : EText::numbersContradict,
          streams);
     return false;

@@ -3,7 +3,7 @@
 #include "batch/file_access.h"
 #include "batch/session.h"
 #include "batch/table.h"
-#include "document/batch_creation.h"
+#include "dialogs/batch_creation.h"
 #include "exchange/parameter_file.h"
 #include "foundation/paths.h"
 #include "model/rules/rule.h"

@@ -54,9 +54,8 @@ void CRunReport::ReportProgress(int percent) {
 }
 
 CDateTimeSpan FindDateReached(const std::filesystem::path& result) {
-    bool outdated = false;
     CDateTimeSpan date = CDateTimeSpan::Invalid();
-    const auto file = OpenXpfFile(result, EFileKind::tarout, outdated);
+    const auto file = OpenXpfFile(result, EFileKind::tarout).file;
     CXpfChannel* channel = file ? file->FindChannelByName(kResultChannel) : nullptr;
     const auto packet = channel ? channel->CreatePacket() : nullptr;
     if (packet && channel->SeekLastPacket(nullptr) && channel->ReadNextPacket(*packet))

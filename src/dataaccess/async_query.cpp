@@ -9,11 +9,11 @@ namespace Application_Tarvel {
 namespace {
 
 // A result too big for the memory fails its query and nothing else.
-bool Execute(CAsyncQuery& query, bool& cancelled) {
+EQueryEnd Execute(CAsyncQuery& query) {
     try {
-        return query.Execute(cancelled);
+        return query.Execute();
     } catch (const std::bad_alloc&) {
-        return false;
+        return EQueryEnd::failed;
     }
 }
 
@@ -34,18 +34,18 @@ void CAsyncQueryLoaderThread::Run() {
             m_current = query;
         }
         query->m_state = CAsyncQuery::running;
-        bool cancelled = false;
-        const bool success = Execute(*query, cancelled);
+        const EQueryEnd end = Execute(*query);
         {
             const std::lock_guard lock(m_mutex);
             m_current.reset();
         }
-        query->m_state = cancelled ? CAsyncQuery::cancelled : CAsyncQuery::finished;
+        const bool isCancelled = end == EQueryEnd::cancelled;
+        query->m_state = isCancelled ? CAsyncQuery::cancelled : CAsyncQuery::finished;
         // Moved, so that the last hold on a query, and on what it captures, is let go on the UI thread.
-        if (cancelled)
+        if (isCancelled)
             m_port.Post([query = std::move(query)] { query->OnCancelled(); });
         else
-            m_port.Post([query = std::move(query), success] { query->OnFinished(success); });
+            m_port.Post([query = std::move(query), end] { query->OnFinished(end == EQueryEnd::done); });
     }
 }
 

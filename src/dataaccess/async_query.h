@@ -1,5 +1,5 @@
-// Requests that run behind the screen: one first-in first-out queue, one loader thread, no priorities. What
-// makes a view feel live is that it cancels its stale query when the user moves on.
+// Requests that run behind the screen: one first-in first-out queue, one loader thread, no priorities. A view
+// feels live because it cancels its stale query when the user moves on.
 #pragma once
 
 #include "foundation/message_target.h"
@@ -11,6 +11,9 @@
 
 namespace Application_Tarvel {
 
+// How a query ended.
+enum class EQueryEnd { done, failed, cancelled };
+
 // One request. It is shared by its owner and the manager until one of its two closing operations has run.
 class CAsyncQuery {
   public:
@@ -21,9 +24,9 @@ class CAsyncQuery {
     // Thread-safe.
     EState GetState() const { return m_state.load(std::memory_order_acquire); }
 
-    // The work, on the loader thread. Sets `wasCancelled` if it gave up on request; true on success. Of all
-    // exceptions only std::bad_alloc may leave it, and counts as failure.
-    virtual bool Execute(bool& wasCancelled) = 0;
+    // The work. Loader thread only. Of all exceptions only std::bad_alloc may leave it, and counts as
+    // failure.
+    virtual EQueryEnd Execute() = 0;
     // Makes a running Execute stop soon. Called from the owner's thread, while Execute may run.
     virtual void RequestCancel() {}
 
@@ -52,7 +55,7 @@ class CAsyncQueryLoaderThread : public Outils::CThread {
   private:
     friend class CAsyncQueryManager;
 
-    // For a system that has no thread left to give: better a failure now than an answer that never comes.
+    // For a system without a free thread: a failure now is better than an answer that never comes.
     void FailQueued();
 
     Outils::CMessagePort& m_port;
@@ -78,15 +81,15 @@ class CAsyncQueryManager {
     // runs on a loader that was replaced since; then its closing operation is still to come.
     bool Cancel(const std::shared_ptr<CAsyncQuery>& query);
     // Asks the loader to end after its current query, which is asked to stop; true once the loader has ended.
-    // What is still queued stays queued and runs after the next Submit, which does not wait for a loader that
-    // has not ended yet.
+    // Queued queries stay queued and run after the next Submit, which does not wait for a loader that has not
+    // ended yet.
     bool Stop();
 
   private:
     void ReplaceStoppedLoader();
 
     Outils::CMessagePort m_port;
-    Outils::CEndingThreads m_stopped; // loaders that were told to end
+    Outils::CEndingThreads m_stopped; // loaders that were asked to end
     std::unique_ptr<CAsyncQueryLoaderThread> m_loader;
 };
 

@@ -1,27 +1,22 @@
 #include "dataaccess/data_file_analyzer.h"
 
+#include "foundation/bytes.h"
+#include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
 #include "xpf/tarin_layouts.h"
 #include "xpf/utc_fields.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <utility>
 
 namespace Application_Tarvel {
 
 using namespace Persistance_Xpf;
+using Outils::Load;
 using Outils_Temps::CDateTimeSpan;
 
 namespace {
-
-template <class T>
-T Load(std::span<const std::uint8_t> payload, std::uint32_t offset) {
-    T value;
-    std::memcpy(&value, payload.data() + offset, sizeof value);
-    return value;
-}
 
 constexpr std::uint32_t kGpsPacketSize = kGpsLayout.payloadSize + kPacketOverhead;
 constexpr std::uint32_t kUtcPacketSize = kUtcLayout.payloadSize + kPacketOverhead;
@@ -71,42 +66,27 @@ void CTrvDataFileAnalyzerThread::Scan() {
     const CXpfFilePosition start = m_resume.IsKnown() ? m_resume : file->GetDataStart();
     if (!start.IsKnown() || !file->Seek(start.Get())) return;
     m_passed.reset(); // the file may have been written anew
-    std::array<const std::uint8_t*, 64> run;
+    CStreamWalk walk(*file);
+    CStreamWalk::Run run;
     while (!m_stop.IsSet()) {
         const std::int64_t position = file->GetPosition();
-        const std::size_t count = file->ReadPackets(run);
-        if (count == 0) {
-            if (!ScanOne(*file)) return;
-        } else if (!ProcessRun(*file, position, {run.data(), count})) {
-            return;
-        }
+        if (walk.NextRun(run) != EPacketRead::whole) return EndScan(*file);
+        if (!ProcessRun(*file, position, run)) return;
     }
 }
 
-// The packets of a run lie one behind the other, the first at `position`.
+// The packets of a run follow each other in the file, the first one at `position`.
 bool CTrvDataFileAnalyzerThread::ProcessRun(CXpfFile& file, std::int64_t position,
                                             std::span<const std::uint8_t* const> packets) {
     for (const std::uint8_t* packet : packets) {
         SPacketHeader header;
         std::memcpy(&header, packet, sizeof header);
         if (m_passed.test(header.channel)) continue;
-        if (!ProcessPacket(file, header, {packet + kPacketHeaderSize, header.GetPayloadSize()})) {
+        if (!ProcessPacket(file, header, CStreamWalk::GetPayload(packet))) {
             m_resume = position + (packet - packets.front());
             return false;
         }
     }
-    m_resume = file.GetPosition();
-    return true;
-}
-
-bool CTrvDataFileAnalyzerThread::ScanOne(CXpfFile& file) {
-    SPacketHeader header;
-    std::span<const std::uint8_t> payload;
-    if (file.ReadPacket(header, payload) != EPacketRead::whole) {
-        EndScan(file);
-        return false;
-    }
-    if (!ProcessPacket(file, header, payload)) return false;
     m_resume = file.GetPosition();
     return true;
 }
@@ -124,7 +104,7 @@ bool CTrvDataFileAnalyzerThread::IsDamaged(CXpfFile& file, std::int64_t position
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
     if (!file.Seek(position)) return false;
-    return file.ReadPacket(header, payload) != EPacketRead::whole && !file.IsTornTail(position);
+    return CStreamWalk(file).Next(header, payload) != EPacketRead::whole && !file.IsTornTail(position);
 }
 
 // What a packet says counts as soon as its payload is there. Its trailer only decides whether the scan goes
@@ -174,8 +154,7 @@ void CTrvTarinDataFileAnalyzerThread::Run() {
 }
 
 std::unique_ptr<CXpfFile> CTrvTarinDataFileAnalyzerThread::OpenDataFile(const std::filesystem::path& path) {
-    bool outdated = false;
-    auto file = OpenXpfFile(path, EFileKind::tarin, outdated, &GetStopEvent());
+    auto file = OpenXpfFile(path, EFileKind::tarin, &GetStopEvent()).file;
     if (!file) return nullptr;
     m_types.assign(65536, kNoChannel);
     for (const auto& channel : file->GetChannels())
@@ -202,9 +181,10 @@ bool CTrvTarinDataFileAnalyzerThread::ProcessGps(const SPacketHeader& header,
     m_positionSeen = true;
     const std::lock_guard lock(m_mutex);
     m_data.hasPosition = true;
-    m_data.position.latitude = Load<double>(payload, kGpsLayout.OffsetOf("Latitude"));
-    m_data.position.longitude = Load<double>(payload, kGpsLayout.OffsetOf("Longitude"));
-    m_data.position.altitude = static_cast<double>(Load<float>(payload, kGpsLayout.OffsetOf("Altitude")));
+    m_data.position.latitude = Load<double>(payload.data() + kGpsLayout.OffsetOf("Latitude"));
+    m_data.position.longitude = Load<double>(payload.data() + kGpsLayout.OffsetOf("Longitude"));
+    m_data.position.altitude =
+        static_cast<double>(Load<float>(payload.data() + kGpsLayout.OffsetOf("Altitude")));
     m_firstData.notify_all();
     return true;
 }
@@ -233,8 +213,7 @@ bool CTrvTarinDataFileAnalyzerThread::ProcessUtc(const SPacketHeader& header,
 
 CDateTime FindUtcOrigin(const std::filesystem::path& path, int maxPacketCount,
                         const Outils::CEvent* interrupt) {
-    bool outdated = false;
-    const auto file = OpenXpfFile(path, EFileKind::tarin, outdated, interrupt);
+    const auto file = OpenXpfFile(path, EFileKind::tarin, interrupt).file;
     const CXpfChannel* channel = file ? file->FindChannelByName("UTC") : nullptr;
     const CXpfFilePosition start = channel ? file->GetDataStart() : CXpfFilePosition();
     if (!start.IsKnown()) return CDateTime::Invalid();

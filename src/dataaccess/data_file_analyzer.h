@@ -26,11 +26,11 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
   public:
     // Runs on the UI thread at the first packet of each channel.
     using OnChannel = std::function<void(std::uint16_t channel)>;
-    // Runs on the UI thread when a scan has met what is no packet; the position is in bytes. A file that
-    // merely ends inside a packet is not damaged: its writer is at work, or was killed.
+    // Runs on the UI thread when a scan has met bytes that are no packet; the position is in bytes. A torn
+    // tail is no damage: the writer is at work, or was killed.
     using OnDamage = std::function<void(std::int64_t position)>;
 
-    // `port` must outlive the thread. No `onDamage` for an owner who does not want to know.
+    // `port` must outlive the thread. `onDamage` may be empty.
     CTrvDataFileAnalyzerThread(std::filesystem::path path, Outils::CMessagePort& port, OnChannel onChannel,
                                OnDamage onDamage = {})
         : m_path(std::move(path)),
@@ -40,9 +40,9 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
     ~CTrvDataFileAnalyzerThread() override { Kill(); }
 
     // True when a scan begins. While one is on, another follows it on the same thread, so that no growth is
-    // missed; also while one that was told to stop has not ended yet.
+    // missed; also while a stopped scan has not ended yet.
     bool Start() override;
-    // Where the next run begins: behind the last packet that passed the packet check. Only while no run is
+    // Where the next run begins: after the last packet that passed the packet check. Only while no run is
     // on.
     Persistance_Xpf::CXpfFilePosition GetResumePosition() const { return m_resume; }
 
@@ -66,7 +66,6 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
     void Scan();
     bool ProcessRun(Persistance_Xpf::CXpfFile& file, std::int64_t position,
                     std::span<const std::uint8_t* const> packets);
-    bool ScanOne(Persistance_Xpf::CXpfFile& file);
     void EndScan(Persistance_Xpf::CXpfFile& file);
     bool IsDamaged(Persistance_Xpf::CXpfFile& file, std::int64_t position);
     void LookAtUnchecked(Persistance_Xpf::CXpfFile& file);
@@ -85,7 +84,7 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
     bool m_scanAgain = false;
 };
 
-// What an input file tells of itself early.
+// The values that the first packets of an input file give.
 struct SFirstData {
     bool hasUtc = false;
     CDateTime utcOrigin; // instant of packet date zero

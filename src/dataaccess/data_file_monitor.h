@@ -1,5 +1,5 @@
-// Polls the sizes of data files and tells when one appears, grows, shrinks or goes away. Only a regular file
-// counts as one: a folder, a FIFO or a device of that name does not, and nothing is opened.
+// Polls the sizes of data files and reports when one appears, grows, shrinks or goes away. Only a regular
+// file counts as one: a folder, a FIFO or a device of that name does not, and nothing is opened.
 #pragma once
 
 #include "foundation/message_target.h"
@@ -31,7 +31,7 @@ struct SFileEntry {
 // The state of one watched file between two looks at its size.
 class CWatchedFile {
   public:
-    // Takes in what is found now, or nothing when there is no such file; tells what changed. A file that took
+    // Takes in what is found now, or nothing when there is no such file; returns the change. A file that took
     // the place of another one is no growth of it, however long it is: it counts as one that shrank. A file
     // rewritten to exactly the same size goes unnoticed.
     std::optional<EFileChange> Update(const std::optional<SFileEntry>& found);
@@ -53,9 +53,10 @@ class CTrvDataFileMonitorThread : public Outils::CThread {
     ~CTrvDataFileMonitorThread() override { Kill(); }
 
     // Adds a file and starts the thread if need be; a file that is watched already changes nothing. One that
-    // exists is told as appeared by the next poll. On the UI thread.
+    // exists is reported as appeared by the next poll. On the UI thread.
     void Watch(FileKey file, std::filesystem::path path);
-    // From here on nothing is told of the file, not even what was posted already. On the UI thread.
+    // From here on nothing is reported of the file, not even a change that was posted already. On the UI
+    // thread.
     void Unwatch(FileKey file);
 
   protected:

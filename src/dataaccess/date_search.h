@@ -1,4 +1,4 @@
-// The packet of a channel that stands nearest to a date, found by bisection over packet numbers.
+// The packet of a channel nearest to a date, found by bisection over packet numbers.
 #pragma once
 
 #include "foundation/date_time.h"

@@ -1,6 +1,7 @@
 #include "dataaccess/file_scan.h"
 
 #include "foundation/message_target.h"
+#include "xpf/stream_walk.h"
 
 #include <algorithm>
 #include <cstring>
@@ -76,11 +77,11 @@ void CFileScan::Run(const std::function<void(int percent)>& progress) {
     const std::int64_t size = m_file.GetFileSize();
     std::int64_t step = 1;
     m_file.Seek(m_file.GetDataStart().Get());
+    CStreamWalk walk(m_file);
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
     for (std::int64_t position = m_file.GetPosition(); position < size; position = m_file.GetPosition()) {
-        const EPacketRead read = m_file.ReadPacket(header, payload);
-        if (read == EPacketRead::whole) {
+        if (walk.Next(header, payload) == EPacketRead::whole) {
             Take(position, header, payload);
         } else {
             if (m_firstData) m_firstData->End();

@@ -1,4 +1,4 @@
-// Which kind of recording a file is, told by its content, so that the right converter can be offered.
+// Which kind of recording a file is, by its content, so that the right converter can be offered.
 #pragma once
 
 #include "values/date_time_adaptor.h"
@@ -40,7 +40,7 @@ bool IsXpfFile(const std::filesystem::path& path);
 // The format by the first bytes of a file that are in memory already.
 EFileFormat DetectFormat(std::string_view head, const Outils_Valeurs::CDateTimeAdaptor& dates);
 
-// The number of the text that names a format; that of "unknown" for any other code.
+// The number of the text that names a format; the text of "unknown" for any other code.
 Outils_Texte::EText GetFormatText(int code);
 
 } // namespace Application_Tarvel

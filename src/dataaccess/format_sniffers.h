@@ -1,4 +1,4 @@
-// The tests by which file formats are told apart, each over the first bytes of a file.
+// The tests that tell file formats apart, each over the first bytes of a file.
 #pragma once
 
 #include "dataaccess/format_detection.h"
@@ -45,7 +45,7 @@ bool AnyLineBegins(std::string_view head, const SSniffer& sniffer, const Outils_
 bool EachWordBegins(std::string_view head, const SSniffer& sniffer, const Outils_Valeurs::CDateTimeAdaptor&);
 // At least four of five lines begin with one of the words.
 bool MostLinesBegin(std::string_view head, const SSniffer& sniffer, const Outils_Valeurs::CDateTimeAdaptor&);
-// Two frame marks stand as far apart as the byte behind the first one says.
+// Two frame marks lie as far apart as the byte after the first one says.
 bool HoldsFrame(std::string_view head, const SSniffer&, const Outils_Valeurs::CDateTimeAdaptor&);
 // At least four lines are events: a date, then perhaps an edge and a number.
 bool HoldsEvents(std::string_view head, const SSniffer& sniffer,

@@ -163,22 +163,9 @@ bool CPacketExtremes::Prepare(std::uint16_t packetType) {
         SFunctions (*functions)(bool wide);
     };
     static constexpr SRow rows[] = {
-        {typeImu, FunctionsFor<kImuLayout>},
-        {typeDvl, FunctionsFor<kDvlLayout>},
-        {typeEMLog, FunctionsFor<kEMLogLayout>},
-        {typeGps, FunctionsFor<kGpsLayout>},
-        {typeDepth, FunctionsFor<kDepthLayout>},
-        {typeUsbl, FunctionsFor<kUsblLayout>},
-        {typeLbl, FunctionsFor<kLblLayout>},
-        {typeUtc, FunctionsFor<kUtcLayout>},
-        {typeOdometer, FunctionsFor<kOdometerLayout>},
-        {typeSynchro, FunctionsFor<kSynchroLayout>},
-        {typeNelixNav, FunctionsFor<kNelixNavLayout>},
-        {typeTemperature, FunctionsFor<kTemperatureLayout>},
-        {typePlatformOrientation, FunctionsFor<kPlatformOrientationLayout>},
-        {typeMorvexStd, FunctionsFor<kMorvexStdLayout>},
-        {typeMorvexMsg, FunctionsFor<kMorvexMsgLayout>},
-        {typeMorvexExt, FunctionsFor<kMorvexExtLayout>},
+#define PACKET_TYPE(code, kind, name, packetClass) {type##name, FunctionsFor<k##name##Layout>},
+#define UNDECODED_TYPE(code, kind, name)
+#include "xpf/packet_types.inc"
     };
 #ifdef VARNE_HAS_AVX2_FORM
     const bool wide = __builtin_cpu_supports("avx2");

@@ -18,8 +18,8 @@ class CPacketExtremes {
     // False for a packet type that is not decoded; the object is then not to be used.
     bool Prepare(std::uint16_t packetType);
 
-    // Starts a run with its first packet. `payload` must be a payload of the type that stands in its packet,
-    // with the header before it and the trailer behind it: vectors at the ends reach that far.
+    // Starts a run with its first packet. `payload` must be a payload of the type within its packet,
+    // with the header before it and the trailer after it: vectors at the ends reach that far.
     void Begin(const std::uint8_t* payload) { m_functions.begin(payload, m_low.data(), m_high.data()); }
     // Takes in further packets; many at once, so that the extremes stay in registers.
     void Include(std::span<const std::uint8_t* const> payloads) {

@@ -17,7 +17,7 @@ class CSliceCollector {
 
     // Takes in the next packets of the walk, each standing in its packet with header and trailer around it.
     // False once one at or beyond the window's end has been taken, or there are more slices than memory is
-    // meant for. What stands in the reader's block has to stay until Settle.
+    // meant for. The packets in the reader's block have to stay until Settle.
     bool Add(std::span<const std::uint8_t* const> payloads);
     // Copies what is kept as a place in the reader's block: to be called before the block moves.
     void Settle();

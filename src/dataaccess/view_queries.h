@@ -1,6 +1,6 @@
-// What the views ask of a data file: the packet nearest to one moment, and a time window reduced to one
-// packet per time slice. Both open a file object of their own on the loader thread and touch no object of the
-// model. A cancelled query ends at its next packet or read, whichever comes first.
+// The questions of the views to a data file: the packet nearest to one moment, and a time window reduced to
+// one packet per time slice. Both open a file object of their own on the loader thread and touch no object of
+// the model. A cancelled query ends at its next packet or read, whichever comes first.
 #pragma once
 
 #include "dataaccess/async_query.h"
@@ -49,14 +49,14 @@ class CTrvDataQuery : public CAsyncQuery {
     // Why Execute has failed; to be asked once it has returned.
     EError GetError() const { return m_error; }
 
-    bool Execute(bool& wasCancelled) final;
+    EQueryEnd Execute() final;
     void RequestCancel() override { m_cancel.Set(); }
 
   protected:
-    // The search of the kind, on the loader thread. `packet` is a new packet of the channel's type. Once the
-    // query is cancelled every read fails; false counts as cancelled then.
-    virtual bool Search(Persistance_Xpf::CXpfChannel& channel,
-                        std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) = 0;
+    // The search of the kind. Loader thread only. `packet` is a new packet of the channel's type. Once the
+    // query is cancelled every read fails, and a failure counts as cancelled.
+    virtual EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
+                             std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) = 0;
 
     SDateSearch MakeSearch(bool feedsCache) const {
         return {m_address.path, m_address.cache, feedsCache, m_cancel};
@@ -65,7 +65,7 @@ class CTrvDataQuery : public CAsyncQuery {
     Outils::CEvent m_cancel;
 
   private:
-    bool SearchIn(Persistance_Xpf::CXpfFile& file, bool& wasCancelled);
+    EQueryEnd SearchIn(Persistance_Xpf::CXpfFile& file);
     void ForgetReplaced(const Persistance_Xpf::CXpfFile& file) const;
 
     SChannelAddress m_address;
@@ -91,8 +91,8 @@ class CTrvViewValueDataQuery : public CTrvDataQuery {
     void OnCancelled() override {}
 
   protected:
-    bool Search(Persistance_Xpf::CXpfChannel& channel,
-                std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) override;
+    EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
+                     std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) override;
 
   private:
     CDateTimeSpan m_time;
@@ -110,7 +110,7 @@ struct SWindow {
 // A window reduced to slices. The walk starts at the packet at or before the window's start and ends with the
 // first one at or beyond its end, so that a curve reaches both edges; a window that begins before the data
 // starts at the first packet. Dates that jump to and fro begin a slice at every jump; after some ten thousand
-// more slices than fit into the window the walk ends, and what was collected stands.
+// more slices than fit into the window the walk ends, and the series keeps what was collected.
 class CTrvView1DDataQuery : public CTrvDataQuery {
   public:
     // On the UI thread; on failure the series is empty.
@@ -128,8 +128,8 @@ class CTrvView1DDataQuery : public CTrvDataQuery {
     void OnCancelled() override {}
 
   protected:
-    bool Search(Persistance_Xpf::CXpfChannel& channel,
-                std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) override;
+    EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
+                     std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) override;
 
   private:
     // Positions the channel for the walk; `empty` when the window holds no data.

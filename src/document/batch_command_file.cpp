@@ -31,8 +31,9 @@ bool PrepareBatchCommandFile(IDocumentHost& host,
     const std::filesystem::path proposed =
         FromText(ToText(std::filesystem::path(project).replace_extension()) +
                  std::string(GetText(EText::parametersSuffix)) + std::string(GetText(EText::xmlExtension)));
-    const auto path = host.AskCommandFilePath(proposed, std::string(GetText(EText::xmlFilter)));
-    if (!path) return false;
+    const auto path = host.AskPath({EPathKind::save, EText::commandFileTitle, EText::xmlFilter,
+                                    GetText(EText::xmlExtension).substr(1), proposed});
+    if (path.empty()) return false;
     // The file hides the factory misalignment of a ciphered recording.
     const CFileLooks::Key cipher = parameters.nelixConfiguration.get();
     {
@@ -41,7 +42,7 @@ bool PrepareBatchCommandFile(IDocumentHost& host,
     }
     if (looks.IsAsked(cipher))
         return refuse(FormatText(EText::cipherUnknown, {ToText(parameters.mainInputFile->path)}));
-    if (Persistance_Parametres::WriteParameterFile(*path, parameters)) return true;
+    if (Persistance_Parametres::WriteParameterFile(path.front(), parameters)) return true;
     return refuse(std::string(GetText(EText::parametersNotWritten)));
 }
 

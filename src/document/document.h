@@ -92,14 +92,16 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener {
     bool PrepareBatchCommandFile();
 
     // The commands New, New from batch command file, Open and Save As with their guard against a running
-    // engine. The two New have the project made by a dialog; a cancelled one leaves an empty document.
+    // engine. The two New have the project made by a dialog of the host; the present project stays until the
+    // user has accepted it.
     bool CommandNew();
     bool CommandNewBatch();
     bool CommandOpen(const std::filesystem::path& path);
     bool CommandSaveAs();
 
-    // Each empties the document and sets up the project that the user makes in the dialog. False when it
-    // could not be saved, or the command file not be read.
+    // Each has the host make a project, and sets it up in the place of the present one. A cancelled dialog
+    // changes nothing and returns true; false when there is no new project for another reason, or it could
+    // not be saved.
     bool OnNewDocument() override;
     bool OnNewBatchDocument(const std::filesystem::path& commandFile);
     bool OnNewEmptyDocument();
@@ -113,8 +115,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener {
     bool StoreTo(const std::filesystem::path& path) override;
 
   private:
-    // Empties the document and has the views let go of the former project.
-    bool Clear();
+    // Puts the project in the place of the present one; false when it could not be saved.
+    bool TakeProject(SMadeProject made, EResultName resultName);
     // Fills the empty document with a new project; false when it could not be saved.
     bool SetUpProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path,
                       EResultName resultName);

@@ -30,13 +30,7 @@ bool CDocumentEx::DoAction(std::unique_ptr<CUserAction> action) {
     return true;
 }
 
-bool CDocumentEx::NewDocument() {
-    if (!SaveModified()) return false;
-    SetPathName({});
-    const bool made = OnNewDocument();
-    UpdateAllViews(nullptr, hintRefresh);
-    return made;
-}
+bool CDocumentEx::NewDocument() { return SaveModified() && OnNewDocument(); }
 
 bool CDocumentEx::OpenDocument(const std::filesystem::path& path) {
     if (!SaveModified()) return false;
@@ -66,9 +60,10 @@ bool CDocumentEx::CloseDocument() {
 
 bool CDocumentEx::DoSave(std::filesystem::path path, bool replace) {
     if (path.empty()) {
-        const auto asked = m_host.AskProjectPath(m_path);
-        if (!asked) return false;
-        path = *asked;
+        const auto asked = m_host.AskPath({EPathKind::save, EText::saveTitle, EText::projectFilter,
+                                           GetText(EText::projectExtension).substr(1), m_path});
+        if (asked.empty()) return false;
+        path = asked.front();
     }
     const bool modified = m_modified;
     if (!OnSaveDocument(path)) return false;
@@ -93,6 +88,7 @@ bool CDocumentEx::SaveModified() {
 
 bool CDocumentEx::OnNewDocument() {
     DeleteContents();
+    SetPathName({});
     SetModifiedFlag(false);
     return true;
 }

@@ -1,98 +1,131 @@
-// The one door from the document to its surroundings: the application implements it with windows, the batch
-// program with lines of text, the tests with a script.
+// The surroundings of a document: the application implements them with windows, the batch program with lines
+// of text, the tests with a script. All operations are called on the UI thread, and none has a default body.
 #pragma once
 
 #include "document/actions/data_file_kind.h"
 #include "foundation/date_time.h"
+#include "foundation/texts.h"
+#include "model/project.h"
 
 #include <chrono>
 #include <filesystem>
-#include <optional>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Communication_Interfaces {
 class IMorvexNotification;
 }
 
-namespace Dialogue_Tarvel {
-class CNewFromBatchParametersDlg;
-class CNewProjectWizard;
-} // namespace Dialogue_Tarvel
-
 namespace Application_Tarvel {
 
 enum class EButtons { ok, okCancel, yesNo, yesNoCancel };
+// What a box looks like. Says nothing of failure: the caller of a failed operation says that.
 enum class EIcon { information, exclamation, question };
 enum class EAnswer { ok, cancel, yes, no };
 
-// All operations are called on the UI thread.
-class IDocumentHost {
+enum class EPathKind { open, openSeveral, save };
+
+struct SPathQuestion {
+    EPathKind kind;
+    Outils_Texte::EText title;
+    Outils_Texte::EText filter;       // a text of "name|patterns|" pairs: foundation/file_filter.h
+    std::string_view extension;       // of a name typed without one, without the dot
+    std::filesystem::path proposed{}; // a file or a folder; may be empty
+};
+
+class IQuestions {
   public:
-    virtual ~IDocumentHost() = default;
+    virtual ~IQuestions() = default;
 
     // Shows a text and waits for the answer.
     virtual EAnswer ShowMessage(const std::string& text, EButtons buttons, EIcon icon) = 0;
-    // Asks where to save a project; the user has agreed to replace an existing file. Empty when cancelled.
-    virtual std::optional<std::filesystem::path> AskProjectPath(const std::filesystem::path& proposed) = 0;
-    // Asks for an existing data file; `filter` is a list of "name|patterns|" pairs, and "tarin" the extension
-    // of a name typed without one. Empty when cancelled.
-    virtual std::optional<std::filesystem::path> AskDataFile(const std::string& /*filter*/) {
-        return std::nullopt;
-    }
-    // Asks where to write a batch command file; the user has agreed to replace an existing one.
-    virtual std::optional<std::filesystem::path> AskCommandFilePath(const std::filesystem::path& /*proposed*/,
-                                                                    const std::string& /*filter*/) {
-        return std::nullopt;
-    }
-    // Has the file brought up to the present layout in its place; false when that was not done.
-    virtual bool UpdateDataFile(const std::filesystem::path& /*path*/) { return false; }
-    // Has a raw recording of one or more files converted; the packet file made of it, empty when that was not
-    // done.
-    virtual std::optional<std::filesystem::path>
-    ConvertRawFiles(const std::vector<std::filesystem::path>& /*files*/, ERawFormat /*format*/) {
-        return std::nullopt;
-    }
-    // Asks for an existing batch command file; "xml" is the extension of a name typed without one.
-    virtual std::optional<std::filesystem::path> AskCommandFile(const std::string& /*filter*/) {
-        return std::nullopt;
-    }
-    // Each shows the user the choices of a new project until their OnOK has succeeded; false when cancelled.
-    virtual bool ShowNewProjectWizard(Dialogue_Tarvel::CNewProjectWizard& /*wizard*/) { return false; }
-    virtual bool ShowNewFromBatch(Dialogue_Tarvel::CNewFromBatchParametersDlg& /*dialog*/) { return false; }
+    // Returns the chosen paths, one unless several may be opened; empty when cancelled. The user agreed to
+    // replace an existing file that is to be saved.
+    virtual std::vector<std::filesystem::path> AskPath(const SPathQuestion& question) = 0;
+};
 
-    // One line at the end of the output panel.
+// How a dialog ended. `failed` and `unavailable` were reported by the host.
+enum class EOutcome {
+    done,
+    cancelled,
+    failed,
+    unavailable // the host has no such dialog
+};
+
+// A project that is not saved yet, and where it is to be saved.
+struct SMadeProject {
+    std::unique_ptr<Metier_Tarvel::CTrvProject> project;
+    std::filesystem::path path;
+};
+
+// Each shows the user a dialog and sets its last argument only when done.
+class IProjectDialogs {
+  public:
+    virtual ~IProjectDialogs() = default;
+
+    virtual EOutcome MakeProject(SMadeProject& made) = 0;
+    virtual EOutcome MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made) = 0;
+    // Brings the file up to the present layout, in its place.
+    virtual EOutcome UpdateDataFile(const std::filesystem::path& path) = 0;
+    // Converts a raw recording of one or more files into one packet file.
+    virtual EOutcome ConvertRawFiles(const std::vector<std::filesystem::path>& files, ERawFormat format,
+                                     std::filesystem::path& converted) = 0;
+};
+
+class IOutput {
+  public:
+    virtual ~IOutput() = default;
+
+    // Adds one line at the end of the output panel.
     virtual void AppendOutputText(const std::string& line) = 0;
-    // The progress bar of a run: 0 to 100, and whether it shows.
+    // Sets the progress bar of a run, 0 to 100.
     virtual void SetProgress(int percent) = 0;
     virtual void ShowProgress(bool visible) = 0;
-    // Calls nest.
-    virtual void ShowWaitCursor(bool on) = 0;
-    // The commands that the project's equipment offers; 0 without a project.
-    virtual void UpdateMenuForEquipment(std::int32_t equipment) = 0;
+};
 
-    // Receives progress and messages of a run, on a thread of its own; null for none.
-    virtual Communication_Interfaces::IMorvexNotification* GetReceiver() = 0;
-    // The folder of the program, where the child programs stand.
-    virtual std::filesystem::path GetProgramFolder() = 0;
+class IClock {
+  public:
+    virtual ~IClock() = default;
 
     virtual Outils_Temps::CDateTime GetTime() = 0;
     virtual void Sleep(std::chrono::milliseconds time) = 0;
     // How long a command waits for what the files of a project tell of themselves. It goes on without those
-    // that do not answer in time; what they tell comes later.
-    virtual std::chrono::milliseconds GetPatience() { return std::chrono::milliseconds(100); }
+    // that do not answer in time; their answers come later.
+    virtual std::chrono::milliseconds GetPatience() = 0;
 };
 
-// The wait cursor as long as the object lives.
+class ISurroundings {
+  public:
+    virtual ~ISurroundings() = default;
+
+    // Calls nest.
+    virtual void ShowWaitCursor(bool on) = 0;
+    // The commands that the project's equipment offers; 0 without a project.
+    virtual void UpdateMenuForEquipment(std::int32_t equipment) = 0;
+    // Receives progress and messages of a run, on a thread of its own; null for none.
+    virtual Communication_Interfaces::IMorvexNotification* GetReceiver() = 0;
+    // The folder of the program and of its child programs.
+    virtual std::filesystem::path GetProgramFolder() = 0;
+};
+
+class IDocumentHost : public IQuestions,
+                      public IProjectDialogs,
+                      public IOutput,
+                      public IClock,
+                      public ISurroundings {};
+
+// Shows the wait cursor as long as the object lives.
 class CWaitCursor {
   public:
-    explicit CWaitCursor(IDocumentHost& host) : m_host(host) { m_host.ShowWaitCursor(true); }
+    explicit CWaitCursor(ISurroundings& host) : m_host(host) { m_host.ShowWaitCursor(true); }
     ~CWaitCursor() { m_host.ShowWaitCursor(false); }
     CWaitCursor(const CWaitCursor&) = delete;
     CWaitCursor& operator=(const CWaitCursor&) = delete;
 
   private:
-    IDocumentHost& m_host;
+    ISurroundings& m_host;
 };
 
 } // namespace Application_Tarvel

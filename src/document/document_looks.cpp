@@ -138,12 +138,13 @@ void CTrvDocument::CheckDataFileVersions(const std::map<const CTrvDataFile*, SFi
     }
     if (upgradable.empty()) return;
     const std::string question(GetText(EText::upgradeDataFiles));
-    if (GetHost().ShowMessage(question, EButtons::yesNo, EIcon::question) != EAnswer::yes) return;
+    if (GetHost().ShowMessage(question, EButtons::yesNo, EIcon::exclamation) != EAnswer::yes) return;
     for (CTrvDataFile* file : upgradable) {
         // What the updater does to it is no news, and what it leaves is a new file in all respects.
         StopAnalysis(*file, true);
         Unwatch(*file);
-        GetHost().UpdateDataFile(file->path);
+        // Whether it succeeded shows in the look that follows.
+        static_cast<void>(GetHost().UpdateDataFile(file->path));
         m_fileCache.InvalidateFile(file->path);
         WatchAnew(*file);
         m_fileStates[file].followFile = m_fileStates[file].tellMissing = true;

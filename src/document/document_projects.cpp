@@ -1,11 +1,11 @@
 // How the document comes to a new project.
 #include "document/document.h"
-#include "document/project_dialogs.h"
 #include "foundation/texts.h"
+
+#include <utility>
 
 namespace Application_Tarvel {
 
-using namespace Dialogue_Tarvel;
 using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
@@ -13,21 +13,15 @@ bool CTrvDocument::CommandNew() { return !RefuseWhileRunning(EText::stopBeforeCl
 
 bool CTrvDocument::CommandNewBatch() {
     if (RefuseWhileRunning(EText::stopBeforeClose)) return false;
-    const auto commandFile = GetHost().AskCommandFile(std::string(GetText(EText::xmlFilter)));
-    if (!commandFile || !SaveModified()) return false;
-    SetPathName({});
-    const bool made = OnNewBatchDocument(*commandFile);
-    UpdateAllViews(nullptr, hintRefresh);
-    return made;
+    const auto commandFile = GetHost().AskPath(
+        {EPathKind::open, EText::commandFileTitle, EText::xmlFilter, GetText(EText::xmlExtension).substr(1)});
+    return !commandFile.empty() && SaveModified() && OnNewBatchDocument(commandFile.front());
 }
 
 bool CTrvDocument::NewFromProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path,
                                   EResultName resultName) {
     if (RefuseWhileRunning(EText::stopBeforeClose) || !SaveModified()) return false;
-    SetPathName({});
-    const bool saved = Clear() && SetUpProject(std::move(project), path, resultName);
-    UpdateAllViews(nullptr, hintRefresh);
-    return saved;
+    return TakeProject({std::move(project), path}, resultName);
 }
 
 bool CTrvDocument::OnNewEmptyDocument() {
@@ -36,25 +30,26 @@ bool CTrvDocument::OnNewEmptyDocument() {
 }
 
 bool CTrvDocument::OnNewDocument() {
-    if (!Clear()) return false;
-    CNewProjectWizard wizard(GetHost(), m_configuration, m_fileLooks);
-    if (!GetHost().ShowNewProjectWizard(wizard)) return true;
-    return SetUpProject(wizard.TakeProject(), wizard.GetProjectPath(), EResultName::ofProject);
+    SMadeProject made;
+    const EOutcome outcome = GetHost().MakeProject(made);
+    return outcome == EOutcome::done ? TakeProject(std::move(made), EResultName::ofProject)
+                                     : outcome == EOutcome::cancelled;
 }
 
 bool CTrvDocument::OnNewBatchDocument(const std::filesystem::path& commandFile) {
-    if (!Clear()) return false;
-    CNewFromBatchParametersDlg dialog(GetHost(), m_configuration, m_fileLooks);
-    if (!dialog.Load(commandFile)) return false;
-    if (!GetHost().ShowNewFromBatch(dialog)) return true;
-    return SetUpProject(dialog.TakeProject(), dialog.GetProjectPath(), EResultName::kept);
+    SMadeProject made;
+    const EOutcome outcome = GetHost().MakeProjectFrom(commandFile, made);
+    return outcome == EOutcome::done ? TakeProject(std::move(made), EResultName::kept)
+                                     : outcome == EOutcome::cancelled;
 }
 
-bool CTrvDocument::Clear() {
-    const bool cleared = OnNewEmptyDocument();
-    // A dialog may be next, and the windows behind it are painted meanwhile.
+bool CTrvDocument::TakeProject(SMadeProject made, EResultName resultName) {
+    if (!OnNewEmptyDocument()) return false;
+    // The views let go of the former project.
     UpdateAllViews(nullptr, hintRefresh);
-    return cleared;
+    const bool saved = SetUpProject(std::move(made.project), made.path, resultName);
+    UpdateAllViews(nullptr, hintRefresh);
+    return saved;
 }
 
 bool CTrvDocument::SetUpProject(std::unique_ptr<CTrvProject> project, const std::filesystem::path& path,

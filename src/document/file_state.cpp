@@ -1,6 +1,5 @@
 #include "document/file_state.h"
 
-#include "dataaccess/format_detection.h"
 #include "foundation/texts.h"
 #include "xpf/file.h"
 
@@ -39,11 +38,10 @@ SFileLook LookInto(const std::filesystem::path& path, Persistance_Xpf::EFileKind
     SFileLook look;
     look.fault = FindFault(path);
     if (look.fault != EText::none) return look;
-    bool outdated = false;
-    const bool current = Persistance_Xpf::OpenXpfFile(path, kind, outdated, &cancel) != nullptr;
+    const auto how = Persistance_Xpf::OpenXpfFile(path, kind, &cancel).how;
     Metier_Tarvel_DataModel::ReadFileDescription(path, look.description);
-    if (current) return look;
-    look.outdated = outdated && IsXpfFile(path);
+    if (how == Persistance_Xpf::EOpening::opened) return look;
+    look.outdated = how == Persistance_Xpf::EOpening::outdated;
     if (!look.outdated) look.fault = CanReadHead(path) ? EText::fileNoHeader : EText::fileNotReadable;
     return look;
 }

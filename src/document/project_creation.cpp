@@ -32,9 +32,13 @@ bool CheckRecording(const std::filesystem::path& path, std::string& message) {
         message = FormatText(EText::unknownFileType, {ToText(path)});
         return false;
     }
-    bool outdated = false;
-    if (Persistance_Xpf::OpenXpfFile(path, Persistance_Xpf::EFileKind::tarin, outdated)) return true;
-    message = FormatText(outdated ? EText::recordingOutdated : EText::unknownFileType, {ToText(path)});
+    using Persistance_Xpf::EOpening;
+    const EOpening how = Persistance_Xpf::OpenXpfFile(path, Persistance_Xpf::EFileKind::tarin).how;
+    if (how == EOpening::opened) return true;
+    message = FormatText(how == EOpening::outdated  ? EText::recordingOutdated
+                         : how == EOpening::damaged ? EText::recordingDamaged
+                                                    : EText::unknownFileType,
+                         {ToText(path)});
     return false;
 }
 

@@ -94,7 +94,7 @@ class CArchive {
     void WriteString(std::string_view text);
     std::string ReadString();
 
-    // The counts of the framework's own containers (maps of strings, arrays): 16 bits, or 32 bits behind
+    // The counts of the framework's own containers (maps of strings, arrays): 16 bits, or 32 bits after
     // FFFF.
     void WriteCount(std::uint32_t count);
     std::uint32_t ReadCount();

@@ -27,19 +27,47 @@ bool WriteAll(int file, std::span<const std::uint8_t> bytes) {
     return true;
 }
 
-// Creates a file of a new name in `folder`; `path` receives the name. The name does not grow with that of
-// another file, which may have the longest that the file system takes.
-CDescriptor CreateUnique(const fs::path& folder, std::string_view prefix, mode_t mode, fs::path& path) {
+// Calls `make` with new names in `folder` until it does not fail for one that exists; `path` receives the
+// name, or stays empty on failure. The name does not grow with that of another file, which may have the
+// longest that the file system takes.
+template <class Make>
+int MakeUnique(const fs::path& folder, std::string_view prefix, fs::path& path, Make make) {
     std::random_device random;
     for (int attempt = 0; attempt < 100; ++attempt) {
         char suffix[24];
         std::snprintf(suffix, sizeof suffix, "%08x%08x.tmp", random(), random());
-        path = folder / (std::string(prefix) + suffix);
-        const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (file >= 0 || errno != EEXIST) return CDescriptor(file);
+        const fs::path name = folder / (std::string(prefix) + suffix);
+        const int result = make(name.c_str());
+        if (result >= 0) path = name;
+        if (result >= 0 || errno != EEXIST) return result;
     }
-    return CDescriptor(-1);
+    return -1;
 }
+
+CDescriptor CreateUnique(const fs::path& folder, std::string_view prefix, mode_t mode, fs::path& path) {
+    return CDescriptor(MakeUnique(folder, prefix, path, [mode](const char* name) {
+        return ::open(name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    }));
+}
+
+std::string LinkOf(const CDescriptor& file) { return "/proc/self/fd/" + std::to_string(file.Get()); }
+
+// Creates a file that goes with its last descriptor, so that a program that is killed leaves nothing. Closed
+// where the file system or the platform has no such files.
+CDescriptor CreateNameless(const fs::path& folder) {
+    CDescriptor file(::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
+    if (file.IsOpen() && ::access(LinkOf(file).c_str(), F_OK) != 0) file.Close();
+    return file;
+}
+
+// Gives a nameless file a name.
+bool LinkUnique(const CDescriptor& file, const fs::path& folder, std::string_view prefix, fs::path& path) {
+    return MakeUnique(folder, prefix, path, [link = LinkOf(file)](const char* name) {
+               return ::linkat(AT_FDCWD, link.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW);
+           }) >= 0;
+}
+
+constexpr std::string_view kSavePrefix = ".save-";
 
 // The file that a link leads to at last, which need not exist; empty for a ring of links.
 std::optional<fs::path> FollowLinks(fs::path path) {
@@ -128,13 +156,19 @@ bool SaveAtomically(const fs::path& path, std::span<const std::uint8_t> bytes) {
     if (replaces && (!S_ISREG(former.st_mode) || ::access(target->c_str(), W_OK) != 0)) return false;
 
     const fs::path folder = FolderOf(*target);
-    fs::path temporary;
-    CDescriptor file = CreateUnique(folder, ".save-", 0666, temporary);
-    if (!file.IsOpen()) return false;
-    const bool written = (!replaces || ::fchmod(file.Get(), former.st_mode & 0777) == 0) &&
-                         WriteAll(file.Get(), bytes) && ::fsync(file.Get()) == 0;
+    const auto fill = [&](const CDescriptor& file) {
+        return (!replaces || ::fchmod(file.Get(), former.st_mode & 0777) == 0) &&
+               WriteAll(file.Get(), bytes) && ::fsync(file.Get()) == 0;
+    };
+    fs::path temporary; // empty while the file has no name
+    CDescriptor file = CreateNameless(folder);
+    bool written = file.IsOpen() && fill(file);
+    if (!file.IsOpen() || (written && !LinkUnique(file, folder, kSavePrefix, temporary))) {
+        file = CreateUnique(folder, kSavePrefix, 0666, temporary);
+        written = file.IsOpen() && fill(file);
+    }
     if (!file.Close() || !written || ::rename(temporary.c_str(), target->c_str()) != 0) {
-        ::unlink(temporary.c_str());
+        if (!temporary.empty()) ::unlink(temporary.c_str());
         return false;
     }
     FlushFolder(folder);

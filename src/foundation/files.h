@@ -27,7 +27,7 @@ bool SaveAtomically(const std::filesystem::path& path, std::span<const std::uint
 // Writes in place, creating or truncating; for files that nobody else knows yet. False on any failure.
 bool WriteWholeFile(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
 
-// The file of the running executable; empty when the platform does not tell.
+// The file of the running executable; empty when the platform does not give it.
 std::filesystem::path GetExecutablePath();
 
 // Makes an empty file of a new unique name in the folder for temporary files. Empty on failure.

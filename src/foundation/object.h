@@ -11,7 +11,7 @@ namespace Outils_Objets {
 class CObject;
 class CArchive;
 
-// What is known of a class at run time. One constant per class, obtained by `Class()`; compared by address.
+// The run-time description of a class. One constant per class, obtained by `Class()`; compared by address.
 struct CRuntimeClass {
     std::string_view name;                // the bare class name, as archives write it
     const CRuntimeClass* base;            // null for CObject

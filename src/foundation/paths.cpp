@@ -76,6 +76,11 @@ std::string ToText(const fs::path& path) {
 
 fs::path FromText(std::string_view text) { return fs::path(std::u8string(text.begin(), text.end())); }
 
+bool CanBeStored(const fs::path& path) {
+    const std::string text = ToText(path);
+    return Outils_Texte::Utf16ToUtf8(Outils_Texte::Utf8ToUtf16(text)) == text;
+}
+
 bool SamePath(const fs::path& a, const fs::path& b) {
     return Outils_Texte::EqualsNoCase(ToText(Normal(a)), ToText(Normal(b)));
 }

@@ -20,12 +20,15 @@ bool IsRelativePath(std::string_view text);
 // `relative` (either separator) below `folder`, with "." and ".." worked out.
 std::filesystem::path Combine(const std::filesystem::path& folder, std::string_view relative);
 
-// Against the present folder; the path itself when that folder is gone.
+// Against the present folder; the path itself when that folder does not exist.
 std::filesystem::path ToAbsolute(const std::filesystem::path& path);
 
 // UTF-8 text of a path and back.
 std::string ToText(const std::filesystem::path& path);
 std::filesystem::path FromText(std::string_view text);
+
+// Whether archives bring the path back as it is: its name is UTF-8 text.
+bool CanBeStored(const std::filesystem::path& path);
 
 // Without regard to case.
 bool SamePath(const std::filesystem::path& a, const std::filesystem::path& b);

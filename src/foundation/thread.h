@@ -52,7 +52,7 @@ class CThread {
     void Kill();
     // False when the thread is running already, or the system has no thread left to give.
     virtual bool Start();
-    // Asks the body to end, yields, and tells whether it has ended; the caller polls.
+    // Asks the body to end, and yields. True when the body has ended; the caller polls.
     virtual bool Stop();
 
     // Waits for the body to return. Does not ask it to.
@@ -69,7 +69,7 @@ class CThread {
     std::atomic<bool> m_alive{false};
 };
 
-// Runs one function, which is given the event that tells it to give up.
+// Runs one function with an event that asks it to give up.
 class CTask final : public CThread {
   public:
     explicit CTask(std::function<void(const CEvent& cancel)> work) : m_work(std::move(work)) {}
@@ -84,9 +84,9 @@ class CTask final : public CThread {
     CEvent m_cancel;
 };
 
-// Threads whose owner goes on without waiting for their end: one may be held by a read that the system does
-// not answer, of a disk that is gone, say. They are joined here, with this object at the latest. One thread
-// uses it, that of the owners.
+// Threads whose owner goes on without waiting for their end: a read that the system does not answer, of a
+// lost disk for example, may hold one. They are joined here, with this object at the latest. Owner's thread
+// only.
 class CEndingThreads {
   public:
     // Asks the thread to end and takes it over, with what it uses.

@@ -8,16 +8,16 @@ namespace Presentation_Tarvel_Graphics {
 
 using namespace Application_Tarvel;
 
-bool CTrv1DExtentQuery::Search(Persistance_Xpf::CXpfChannel& channel,
-                               std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) {
+EQueryEnd CTrv1DExtentQuery::Search(Persistance_Xpf::CXpfChannel& channel,
+                                    std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) {
     // A date before everything: the search ends as soon as it knows both ends of the channel.
     const Outils_Temps::CDateTimeSpan before(std::numeric_limits<std::int64_t>::min());
     SDateBracket bracket;
     const EDateSearch end = SearchDate(channel, *packet, before, MakeSearch(false), bracket);
-    wasCancelled = end == EDateSearch::cancelled;
     m_first = bracket.lowerDate;
     m_last = bracket.upperDate;
-    return end == EDateSearch::outside || end == EDateSearch::found;
+    if (end == EDateSearch::cancelled) return EQueryEnd::cancelled;
+    return end == EDateSearch::failed ? EQueryEnd::failed : EQueryEnd::done;
 }
 
 } // namespace Presentation_Tarvel_Graphics

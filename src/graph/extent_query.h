@@ -24,8 +24,8 @@ class CTrv1DExtentQuery final : public Application_Tarvel::CTrvDataQuery {
     void OnCancelled() override { m_onDone(*this, false, true); }
 
   protected:
-    bool Search(Persistance_Xpf::CXpfChannel& channel,
-                std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet, bool& wasCancelled) override;
+    Application_Tarvel::EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
+                                         std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) override;
 
   private:
     Callback m_onDone;

@@ -29,10 +29,9 @@ CImuChannel::CImuChannel() = default;
 CImuChannel::~CImuChannel() = default;
 
 bool CImuChannel::Open(const std::filesystem::path& path, const Outils::CEvent* interrupt) {
-    bool outdated = false;
     m_channel = nullptr;
     m_packet.reset();
-    m_file = OpenXpfFile(path, EFileKind::tarin, outdated, interrupt);
+    m_file = OpenXpfFile(path, EFileKind::tarin, interrupt).file;
     if (!m_file) return false;
     m_channel = m_file->FindChannelByName("IMU");
     if (m_channel) m_packet = m_channel->CreatePacket();

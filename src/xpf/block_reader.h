@@ -1,6 +1,6 @@
 // The file pointer of a packet file over blocks read ahead, so that a walk costs no system call per packet.
 //
-// One window of the file is held. It is replaced whenever bytes outside it are wanted, and then read anew
+// One window of the file is held. It is replaced whenever bytes outside it are wanted, and then read again
 // from the page of the first wanted byte on (of a lone access, from the 256 bytes that hold it): what a
 // writer has appended since is seen, and the two halves of a packet never come from two moments. Bytes inside
 // the window are as old as the window: Forget() before a look at what a writer may have changed. Windows grow
@@ -54,12 +54,12 @@ class CBlockReader {
     }
     // Bytes that Holds has answered for.
     const std::uint8_t* GetHeld(std::int64_t offset) const { return m_buffer.get() + (offset - m_begin); }
-    // The window: its first byte, and behind its last.
+    // The window: its first byte, and the byte after its last.
     std::int64_t GetHeldBegin() const { return m_begin; }
     std::int64_t GetHeldEnd() const { return m_end; }
-    // Seek to a place within or behind held bytes, which needs no test.
+    // Seek to a place within or right after held bytes, which needs no test.
     void MoveTo(std::int64_t offset) { m_position = offset; }
-    // Moves the pointer on within or behind a view.
+    // Moves the pointer on within a view or to its end.
     void Advance(std::int64_t count) { m_position += count; }
     // Moves the pointer by the count read, short at the end of the file.
     std::size_t Read(void* buffer, std::size_t size);
@@ -105,8 +105,8 @@ class CBlockReader {
     std::unique_ptr<std::uint8_t, SFree> m_buffer;
     std::size_t m_capacity = 0;
     std::size_t m_block = 0;         // size of the last block
-    std::size_t m_walked = 0;        // bytes before it that were read one block behind the other
-    bool m_adviseSequential = false; // what the system was told
+    std::size_t m_walked = 0;        // bytes before it that were read block after block
+    bool m_adviseSequential = false; // as the system was last advised
 };
 
 } // namespace Persistance_Xpf

@@ -3,10 +3,8 @@
 #include "xpf/block_reader.h"
 #include "xpf/file.h"
 #include "xpf/packet.h"
-#include "xpf/stride.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstring>
 #include <utility>
 
@@ -14,8 +12,6 @@ namespace Persistance_Xpf {
 
 namespace {
 
-// Packets above this are not taken from the block but read into the caller's buffer.
-constexpr std::size_t kLargestInBlock = std::size_t{64} << 10;
 // What is looked at of a file's end at once: the last trailer, its packet, and some that lie before it.
 constexpr std::int64_t kTail = 4096;
 
@@ -81,54 +77,6 @@ void CXpfChannel::StepOn(std::int64_t position, const SPacketHeader& header) {
     // Without a link this packet was the last of its channel when it was read; the next read walks on from
     // behind it through whatever the writer has appended since.
     m_current = position + (header.forwardLink != 0 ? header.forwardLink : header.size);
-}
-
-const std::uint8_t* CXpfChannel::ViewNextPacket(std::uint32_t payloadSize) {
-    if (!m_current.IsKnown() || payloadSize > kLargestInBlock) return nullptr;
-    CBlockReader& reader = *m_file.m_reader;
-    const std::uint32_t size = payloadSize + kPacketOverhead;
-    std::int64_t position = m_current.Get();
-    const std::uint8_t* packet = m_file.WalkToChannel(m_number, position);
-    if (!packet || LoadPacketSize(packet) != size) return nullptr;
-    if (!reader.Holds(position, size)) {
-        packet = reader.View(position, size);
-        if (!packet || LoadPacketSize(packet) != size) return nullptr;
-    }
-    SPacketHeader header;
-    std::memcpy(&header, packet, sizeof header);
-    StepOn(position, header);
-    return reader.Seek(m_current.Get()) ? packet + kPacketHeaderSize : nullptr;
-}
-
-std::size_t CXpfChannel::ViewHeldPackets(std::uint32_t payloadSize, std::span<const std::uint8_t*> payloads) {
-    CBlockReader& reader = *m_file.m_reader;
-    const std::uint32_t size = payloadSize + kPacketOverhead;
-    const std::uint16_t number = m_number;
-    std::int64_t next = m_current.Get(), last = 0;
-    CStride stride;
-    std::size_t count = 0;
-    if (next == 0) return 0;
-    for (std::int64_t position = next; count < payloads.size() && reader.Holds(position, size);) {
-        const std::uint8_t* packet = reader.GetHeld(position);
-        const std::uint32_t found = LoadPacketSize(packet);
-        if (LoadWord(packet) >> 16 != number) {
-            if (found < kPacketOverhead) break;
-            position += found;
-            continue;
-        }
-        if (found != size) break;
-        payloads[count++] = packet + kPacketHeaderSize;
-        last = position;
-        const std::uint32_t link = LoadWord(packet + offsetof(SPacketHeader, forwardLink));
-        position += stride.Take(link != 0 ? link : size);
-        next = position;
-    }
-    if (count == 0) return 0;
-    m_last = std::max(m_last, CXpfFilePosition(last));
-    m_previous = last;
-    m_current = next;
-    reader.MoveTo(next);
-    return count;
 }
 
 bool CXpfChannel::ReadNextPacket(CXpfPacket& packet, SPacketHeader* header) {

@@ -39,17 +39,6 @@ class CXpfChannel {
     // The same into a packet object.
     bool ReadNextPacket(CXpfPacket& packet, SPacketHeader* header = nullptr);
 
-    // The same without a copy, for long walks: the payload of the packet at the current position, standing in
-    // its packet with header and trailer around it; valid until the next operation on this file. Null, with
-    // the position unchanged, when ReadNextPacket has to be asked instead: nothing to read, no position yet,
-    // or a payload of another size.
-    const std::uint8_t* ViewNextPacket(std::uint32_t payloadSize);
-
-    // ViewNextPacket for a run of packets, as far as it needs no read from the file: the views given before
-    // stay valid. The count of payloads put into `payloads`; 0, with nothing changed, when the next packet
-    // would have to be read, and in all cases in which ViewNextPacket gives none.
-    std::size_t ViewHeldPackets(std::uint32_t payloadSize, std::span<const std::uint8_t*> payloads);
-
     // Positions on the first or last packet, or on the packet with this running number. `header` may be null.
     bool SeekFirstPacket(SPacketHeader* header);
     bool SeekLastPacket(SPacketHeader* header);
@@ -58,8 +47,9 @@ class CXpfChannel {
     // first such search reads them all at once. A hint only.
     void ExpectNumbers(std::uint32_t lowest, std::uint32_t highest);
 
-    // What the walk remembers; 0 is not known. `first` and `last` may be given from a cache: the next seek to
-    // the last packet tests its position against the file, the one to the first packet takes it as it is.
+    // The places that the walk remembers; 0 is not known. `first` and `last` may be given from a cache: the
+    // next seek to the last packet tests its position against the file, the one to the first packet takes it
+    // as it is.
     CXpfFilePosition GetCurrent() const { return m_current; }
     CXpfFilePosition GetFirst() const { return m_first; }
     CXpfFilePosition GetLast() const { return m_last; }
@@ -68,6 +58,11 @@ class CXpfChannel {
     void SetLast(CXpfFilePosition position) { m_last = position; }
 
   private:
+    friend class CChannelWalk;
+
+    // Bytes. Greater packets are not taken from the block but read into the caller's buffer.
+    static constexpr std::size_t kLargestInBlock = std::size_t{64} << 10;
+
     struct SBracket {
         std::uint32_t number = 0;
         std::int64_t position = 0;

@@ -1,7 +1,6 @@
 #include "xpf/file.h"
 
 #include "xpf/block_reader.h"
-#include "xpf/stride.h"
 #include "xpf/table_file.h"
 
 #include <algorithm>
@@ -54,84 +53,6 @@ std::int64_t CXpfFile::GetPosition() const { return m_reader->GetPosition(); }
 bool CXpfFile::Seek(std::int64_t offset) { return m_reader->Seek(offset); }
 
 std::size_t CXpfFile::Read(void* buffer, std::size_t size) { return m_reader->Read(buffer, size); }
-
-// The way of nearly every packet, kept so short that it needs no registers saved.
-EPacketRead CXpfFile::ReadPacket(SPacketHeader& header, std::span<const std::uint8_t>& payload) {
-    CBlockReader& reader = *m_reader;
-    const std::int64_t position = reader.GetPosition();
-    if (!reader.Holds(position, kPacketHeaderSize)) return ReadPacketAnew(header, payload);
-    const std::uint8_t* packet = reader.GetHeld(position);
-    const std::uint32_t size = LoadPacketSize(packet);
-    if (!CheckHeaderBytes(packet) || !reader.Holds(position, size) ||
-        !TrailerBytesMatch(packet, packet + size - kPacketTrailerSize))
-        return ReadPacketAnew(header, payload);
-    std::memcpy(&header, packet, sizeof header);
-    payload = {packet + kPacketHeaderSize, size - kPacketOverhead};
-    reader.Advance(size);
-    return EPacketRead::whole;
-}
-
-std::size_t CXpfFile::ReadPackets(std::span<const std::uint8_t*> packets) {
-    CBlockReader& reader = *m_reader;
-    const std::int64_t position = reader.GetPosition();
-    const std::uint8_t* first = reader.View(position, kPacketHeaderSize);
-    if (!first || !CheckHeaderBytes(first) || !reader.View(position, LoadPacketSize(first))) return 0;
-    const std::uint8_t* const begin = reader.GetHeld(position);
-    const std::uint8_t* const end = begin + (reader.GetHeldEnd() - position);
-    const std::uint8_t* packet = begin;
-    CStride stride;
-    std::size_t count = 0;
-    while (count < packets.size() && end - packet >= std::int64_t{kPacketOverhead}) {
-        const std::uint32_t size = LoadPacketSize(packet);
-        if (!CheckHeaderBytes(packet) || size > end - packet ||
-            !TrailerBytesMatch(packet, packet + size - kPacketTrailerSize))
-            break;
-        packets[count++] = packet;
-        packet += stride.Take(size);
-    }
-    reader.Advance(packet - begin);
-    return count;
-}
-
-EPacketRead CXpfFile::ReadPacketAnew(SPacketHeader& header, std::span<const std::uint8_t>& payload) {
-    CBlockReader& reader = *m_reader;
-    const std::int64_t position = reader.GetPosition();
-    const std::uint8_t* packet = reader.View(position, kPacketHeaderSize);
-    if (!packet) return EPacketRead::torn;
-    std::memcpy(&header, packet, sizeof header);
-    const std::uint32_t size = LoadPacketSize(packet);
-    if (!CheckHeaderBytes(packet)) {
-        reader.Forget(); // so that a later try sees what the writer has made of it
-        return EPacketRead::damaged;
-    }
-    if (!reader.Holds(position, size)) {
-        if (size > CBlockReader::kLargestView) return ReadHugePacket(header, payload);
-        packet = reader.View(position, size);
-        if (!packet) return EPacketRead::torn;
-        std::memcpy(&header, packet, sizeof header); // of the same moment as the rest
-        if (header.size != size) return EPacketRead::torn;
-    }
-    if (!TrailerBytesMatch(packet, packet + size - kPacketTrailerSize)) {
-        reader.Forget();
-        return EPacketRead::damaged;
-    }
-    payload = {packet + kPacketHeaderSize, size - kPacketOverhead};
-    reader.Advance(size);
-    return EPacketRead::whole;
-}
-
-EPacketRead CXpfFile::ReadHugePacket(const SPacketHeader& header, std::span<const std::uint8_t>& payload) {
-    const std::int64_t position = m_reader->GetPosition();
-    SPacketTrailer trailer;
-    if (!m_reader->Probe(position + header.size - kPacketTrailerSize, &trailer, sizeof trailer))
-        return EPacketRead::torn;
-    if (!trailer.Matches(header)) return EPacketRead::damaged;
-    const std::uint8_t* packet = m_reader->View(position, CBlockReader::kLargestView);
-    if (!packet) return EPacketRead::torn;
-    payload = {packet + kPacketHeaderSize, CBlockReader::kLargestView - kPacketHeaderSize};
-    m_reader->Seek(position + header.size);
-    return EPacketRead::whole;
-}
 
 bool CXpfFile::IsTornTail(std::int64_t position) {
     const std::int64_t size = GetFileSize();
@@ -216,18 +137,18 @@ bool CXpfFile::GetStatusLiteral(std::uint16_t, std::uint32_t, std::uint32_t, std
     return false;
 }
 
-std::unique_ptr<CXpfFile> OpenXpfFile(const std::filesystem::path& path, EFileKind kind, bool& outdated,
-                                      const Outils::CEvent* interrupt) {
-    outdated = false;
-    std::unique_ptr<CXpfFile> file;
+SOpenedFile OpenXpfFile(const std::filesystem::path& path, EFileKind kind, const Outils::CEvent* interrupt) {
+    std::unique_ptr<CXpfTableFile> file;
     if (kind == EFileKind::tarin)
         file = std::make_unique<CXpfTarinFileV3>();
     else
         file = std::make_unique<CXpfTaroutFileV2>();
     file->SetInterrupt(interrupt);
     CXpfFile::HeaderBuffer header;
-    if (!file->Open(path) || !file->ReadFileHeader(outdated, header)) return nullptr;
-    return file;
+    bool outdated = false;
+    if (!file->Open(path)) return {};
+    if (file->ReadFileHeader(outdated, header)) return {std::move(file), EOpening::opened};
+    return {nullptr, file->ExplainRefusal()};
 }
 
 } // namespace Persistance_Xpf

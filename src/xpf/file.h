@@ -27,13 +27,6 @@ namespace Persistance_Xpf {
 
 class CBlockReader; // block_reader.h: blocks read ahead under the file pointer
 
-// How reading one packet from the running stream ended.
-enum class EPacketRead {
-    whole,  // a packet that passes the packet check
-    torn,   // the file ends inside a packet: the writer may be at work, read again later
-    damaged // what stands here is no packet
-};
-
 class CXpfFile {
   public:
     using HeaderBuffer = std::array<std::uint8_t, kFileHeaderSize>;
@@ -47,16 +40,17 @@ class CXpfFile {
     // a FIFO or a device is refused, so that no reader can stall on opening.
     bool Open(const std::filesystem::path& path);
 
-    // Reads header, channel records and definitions, each file kind by its own tables. On false `outdated`
-    // tells that this is a packet file of an older layout. The base class knows no channel and answers false.
+    // Reads header, channel records and definitions, each file kind by its own tables. On false
+    // `outdated` says that channels or versions are not those of the tables; OpenXpfFile tells a former
+    // layout from damage. The base class knows no channel and returns false.
     virtual bool ReadFileHeader(bool& outdated, HeaderBuffer& headerBuffer);
 
     // Position of the first packet; 0 on failure. The file pointer stays.
     CXpfFilePosition GetDataStart();
     // Size now; 0 on failure. The file pointer stays.
     std::int64_t GetFileSize() const;
-    // False once another file stands under this path, or none, or the file was cut since it was opened: what
-    // was read may then be of a recording that is no more.
+    // False once the path names another file or none, or the file was cut since it was opened: the bytes read
+    // may then be of a former recording.
     bool IsAt(const std::filesystem::path& path) const;
 
     // While the event is set, operations fail as at the end of the file as soon as they would have to read:
@@ -71,26 +65,13 @@ class CXpfFile {
     // Reads at the file pointer and moves it by the count read, which is short at the end of the file.
     std::size_t Read(void* buffer, std::size_t size);
 
-    // Reads the packet at the file pointer with its packet check and moves behind it; on any other result the
-    // file pointer stays, and the next call reads anew. At the end of the file the result is `torn`.
-    // `payload` is valid until the next operation on this file; one above 16 MiB is cut, far beyond anything
-    // that is decoded, so that no size in a file can exhaust the memory. For walking a whole stream: no
-    // system call and no copy per packet.
-    EPacketRead ReadPacket(SPacketHeader& header, std::span<const std::uint8_t>& payload);
-    // Reads on as ReadPacket does, but several packets at once: those that lie in the block at hand, which is
-    // replaced first when it does not hold the next one. Each is given as the place of its header, with its
-    // payload and trailer behind it, valid until the next operation on this file. The count, or 0 when
-    // ReadPacket has to be asked: no whole packet stands here, or one that is too big for this. For scans
-    // that look into few packets, and need not wait for each one's size to find the next.
-    std::size_t ReadPackets(std::span<const std::uint8_t*> packets);
-
     // Whether the file has a torn tail from `position` on: it ends inside the packet there, or zero bytes
     // replace the rest of that packet and all that follows, as a writer or a crash leaves them. The file
     // pointer stays.
     bool IsTornTail(std::int64_t position);
 
     // The nearest valid packet before, or the first one at or after, the file pointer. On success the pointer
-    // stands on it and its header is copied; a failed backward search restores the pointer.
+    // is on it and its header is copied; a failed backward search restores the pointer.
     bool SearchPacketBackward(SPacketHeader& header);
     bool SearchPacketForward(SPacketHeader& header);
 
@@ -110,6 +91,8 @@ class CXpfFile {
 
   protected:
     friend class CXpfChannel;
+    friend class CChannelWalk;
+    friend class CStreamWalk;
 
     std::vector<std::unique_ptr<CXpfChannel>> m_channels;             // in file order
     std::vector<std::unique_ptr<CXpfPacketDefinition>> m_definitions; // in file order
@@ -125,16 +108,27 @@ class CXpfFile {
     bool IsPacket(std::int64_t position, const SPacketHeader& header, std::int64_t fileSize);
     // Whether all bytes from `position` up to the end are zero; false as well when they cannot be read.
     bool HoldsOnlyZeros(std::int64_t position);
-    EPacketRead ReadPacketAnew(SPacketHeader& header, std::span<const std::uint8_t>& payload);
-    EPacketRead ReadHugePacket(const SPacketHeader& header, std::span<const std::uint8_t>& payload);
 
     CXpfFilePosition m_dataStart;
 };
 
-// The file object that fits a file of the project: input layout or result layout. Opened, with its header
-// read; null when that fails, and then `outdated` tells that the file is of an older layout. `interrupt` is
-// set for the file before its header is read.
-std::unique_ptr<CXpfFile> OpenXpfFile(const std::filesystem::path& path, EFileKind kind, bool& outdated,
-                                      const Outils::CEvent* interrupt = nullptr);
+// How the opening of a packet file ended.
+enum class EOpening {
+    opened,
+    unreadable, // no regular file, no right to read it, or the disk does not give it
+    foreign,    // no packet file
+    outdated,   // a whole header of an older layout, which the file updater can raise
+    damaged     // the header is cut, or contradicts itself
+};
+
+struct SOpenedFile {
+    std::unique_ptr<CXpfFile> file; // with its header read; null unless opened
+    EOpening how = EOpening::unreadable;
+};
+
+// Opens a file of the project as input layout or result layout, and reads its header. `interrupt` is set for
+// the file before its header is read.
+SOpenedFile OpenXpfFile(const std::filesystem::path& path, EFileKind kind,
+                        const Outils::CEvent* interrupt = nullptr);
 
 } // namespace Persistance_Xpf

@@ -1,6 +1,6 @@
-// What the system knows of each packet type and channel at compile time: one row per field, one row per
-// packet type, one row per channel. Decoder, dictionary, exports, recording writer and tests all read these
-// rows.
+// The packet types and channels as the system knows them at compile time: one row a field, one row a packet
+// type (packet_types.inc), one row a channel. Decoder, dictionary, exports, recording writer and tests all
+// read these rows.
 #pragma once
 
 #include "foundation/texts.h"
@@ -28,7 +28,7 @@ enum class EFieldType : std::uint8_t {
     date = 8
 };
 
-// What one element is stored as, in the order of the codes; a date is its tick count.
+// The stored type of one element, in the order of the codes; a date is its tick count.
 using FieldElements = std::tuple<std::uint8_t, std::uint16_t, std::uint32_t, std::int8_t, std::int16_t,
                                  std::int32_t, float, double, std::int64_t>;
 template <EFieldType Type>
@@ -52,7 +52,8 @@ constexpr std::uint32_t GetWidth(EFieldType type) {
     return code < widths.size() ? widths[code] : 0;
 }
 
-// The physical kind of a field. The numbers stand in files; the labels are the numbered texts 771 + nature.
+// The physical kind of a field. The numbers are those in files; the labels are the numbered texts 771 +
+// nature.
 enum ENature : std::uint8_t {
     natureUnknown = 0,
     natureLatitude,
@@ -119,40 +120,33 @@ struct SPacketLayout {
 };
 
 enum EPacketType : std::uint16_t {
-    typeImu = 0,
-    typeDvl = 1,
-    typeEMLog = 2,
-    typeGps = 3,
-    typeDepth = 4,
-    typeUsbl = 5,
-    typeLbl = 6,
-    typeUtc = 7,
-    typeOdometer = 8,
-    typeSynchro = 9,
-    typeNelixNav = 10,
-    typeMorvexStd = 11,
-    typeMorvexMsg = 12,
-    typeMorvexExt = 13,
-    typeMorvexSta = 14,
-    typeTemperature = 15,
-    typePlatformOrientation = 16
+#define PACKET_TYPE(code, kind, name, packetClass) type##name = code,
+#define UNDECODED_TYPE(code, kind, name) type##name = code,
+#include "xpf/packet_types.inc"
 };
 
-// The layouts of the decoded packet types (all but the internal states of the engine), defined in
-// tarin_layouts.cpp and tarout_layouts.cpp; the constexpr rows are in tarin_layouts.h and tarout_layouts.h.
-const SPacketLayout* FindPacketLayout(std::uint16_t type);
-
 enum class EFileKind : std::uint8_t { tarin, tarout };
+
+// The layout of a decoded packet type; null for all others. The constexpr rows are in tarin_layouts.h and
+// tarout_layouts.h.
+const SPacketLayout* FindPacketLayout(std::uint16_t type);
+// The layout of any packet type of a file kind, also of the internal states of the engine, which are
+// described in a file and never decoded; null for a type that the kind does not have.
+const SPacketLayout* FindDescribedLayout(EFileKind kind, std::uint16_t type);
 
 struct SChannelLayout {
     std::string_view name; // the 16-byte key of the channel record
     std::uint16_t packetType;
     EFileKind kind;
-    Outils_Texte::EText label; // number of the display text
+    Outils_Texte::EText label;    // number of the display text
+    std::string_view description; // in the channel records that this system writes
 };
 
 // The 26 channels, input file first.
 std::span<const SChannelLayout> GetChannelLayouts();
+// Null for an unknown name.
 const SChannelLayout* FindChannelLayout(std::string_view name);
+// The display text of a channel; empty for an unknown name.
+std::string_view GetChannelLabel(std::string_view name);
 
 } // namespace Persistance_Xpf

@@ -21,22 +21,9 @@ constexpr SPacketClass Row() {
 }
 
 constexpr SPacketClass kClasses[] = {
-    Row<kImuLayout>(),
-    Row<kDvlLayout>(),
-    Row<kEMLogLayout>(),
-    Row<kGpsLayout>(),
-    Row<kDepthLayout>(),
-    Row<kUsblLayout>(),
-    Row<kLblLayout>(),
-    Row<kUtcLayout>(),
-    Row<kOdometerLayout>(),
-    Row<kSynchroLayout>(),
-    Row<kNelixNavLayout>(),
-    Row<kTemperatureLayout>(),
-    Row<kPlatformOrientationLayout>(),
-    Row<kMorvexStdLayout>(),
-    Row<kMorvexMsgLayout>(),
-    Row<kMorvexExtLayout>(),
+#define PACKET_TYPE(code, kind, name, packetClass) Row<k##name##Layout>(),
+#define UNDECODED_TYPE(code, kind, name)
+#include "xpf/packet_types.inc"
 };
 
 } // namespace
@@ -44,6 +31,11 @@ constexpr SPacketClass kClasses[] = {
 const SPacketClass* FindPacketClass(std::uint16_t type) {
     const auto* found = std::ranges::find(kClasses, type, &SPacketClass::type);
     return found == std::end(kClasses) ? nullptr : found;
+}
+
+std::unique_ptr<CXpfPacket> CreateXpfPacket(std::uint16_t packetType) {
+    const SPacketClass* row = FindPacketClass(packetType);
+    return row ? row->createPacket() : nullptr;
 }
 
 } // namespace Persistance_Xpf

@@ -1,4 +1,4 @@
-// Which classes stand for a packet type: one row per decoded type.
+// The classes of each packet type: one row a decoded type.
 #pragma once
 
 #include "xpf/channel.h"

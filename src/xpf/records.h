@@ -45,7 +45,7 @@ struct SPacketTrailer {
     std::uint32_t size;
 
     bool CheckMagic() const { return magic[0] == '!' && magic[1] == '!' && size >= kPacketOverhead; }
-    // The packet check, given that the header stands `size - 8` bytes before this trailer.
+    // The packet check, given that the header lies `size - 8` bytes before this trailer.
     bool Matches(const SPacketHeader& header) const {
         return header.Check() && magic[0] == '!' && magic[1] == '!' && channel == header.channel &&
                size == header.size;

@@ -1,6 +1,6 @@
 #include "xpf/table_file.h"
 
-#include "xpf/layout_lists.h"
+#include "foundation/bytes.h"
 #include "xpf/packet_classes.h"
 #include "xpf/status_fields.h"
 
@@ -10,19 +10,14 @@
 
 namespace Persistance_Xpf {
 
+using Outils::Load;
+
 namespace {
 
 // Far above any real file (17 types of at most 71 fields); bounds what the header of a hostile file costs.
 constexpr std::uint32_t kLargestFieldTotal = 1u << 18;
 
-template <class T>
-T Load(const std::uint8_t* bytes) {
-    T value;
-    std::memcpy(&value, bytes, sizeof value);
-    return value;
-}
-
-// Compared over all 16 bytes: what stands behind a terminator counts too.
+// Compared over all 16 bytes: bytes after a terminator count too.
 const SChannelLayout* FindChannelOfRecord(const std::uint8_t* name, EFileKind kind) {
     const SChannelLayout* row = FindChannelLayout(LoadPaddedText(name, kChannelNameSize));
     if (!row || row->kind != kind) return nullptr;
@@ -51,10 +46,48 @@ bool CXpfTableFile::ReadFileHeader(bool& outdated, HeaderBuffer& headerBuffer) {
     if (!ReadDefinitions(definitionCount)) return false;
 
     outdated = std::ranges::any_of(m_definitions, [this](const auto& definition) {
-        const std::uint32_t* expected = FindExpectedVersion(m_kind, definition->type);
-        return expected && *expected != definition->version;
+        const SPacketLayout* layout = FindDescribedLayout(m_kind, definition->type);
+        return layout && layout->version != definition->version;
     });
     return !outdated;
+}
+
+EOpening CXpfTableFile::ExplainRefusal() {
+    HeaderBuffer header{};
+    const std::size_t count = Seek(0) ? Read(header.data(), header.size()) : 0;
+    if (count == 0 && GetFileSize() > 0) return EOpening::unreadable;
+    if (std::memcmp(header.data(), "XPF", 3) != 0) return EOpening::foreign;
+    if (count < header.size()) return EOpening::damaged;
+    const EOpening channels = ExplainChannels(Load<std::uint16_t>(&header[kChannelCountOffset]));
+    if (channels == EOpening::damaged) return channels;
+    m_definitions.clear();
+    if (!ReadDefinitions(Load<std::uint16_t>(&header[kDefinitionCountOffset]))) return EOpening::damaged;
+    bool isCurrent = false;
+    for (const auto& definition : m_definitions) {
+        const SPacketLayout* layout = FindDescribedLayout(m_kind, definition->type);
+        if (!layout) continue;
+        if (layout->version != definition->version) return EOpening::outdated;
+        isCurrent = true;
+    }
+    // Channels of no table beside packets of the current versions: no former layout has had both.
+    return isCurrent ? EOpening::damaged : channels;
+}
+
+// Damaged for records that no writer has made; outdated otherwise.
+EOpening CXpfTableFile::ExplainChannels(std::uint32_t count) {
+    std::vector<std::string> names;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        std::uint8_t record[kChannelRecordSize];
+        if (Read(record, sizeof record) != sizeof record) return EOpening::damaged;
+        const std::string name(LoadPaddedText(record + 2, kChannelNameSize));
+        const auto isZero = [](std::uint8_t byte) { return byte == 0; };
+        const bool isName = !name.empty() &&
+                            std::ranges::all_of(name, [](char c) { return c > ' ' && c < 127; }) &&
+                            std::all_of(record + 2 + name.size(), record + 2 + kChannelNameSize, isZero);
+        if (!isName || std::ranges::find(names, name) != names.end()) return EOpening::damaged;
+        names.push_back(name);
+    }
+    return EOpening::outdated;
 }
 
 bool CXpfTableFile::ReadChannelRecord() {
@@ -111,7 +144,7 @@ CXpfChannel* CXpfTableFile::FindChannelByNumber(std::uint16_t number) {
 
 // The table of a type, as far as files of this kind carry the type.
 const SStatusTable* CXpfTableFile::FindStatus(std::uint16_t packetType) const {
-    return FindExpectedVersion(m_kind, packetType) ? FindStatusTable(packetType) : nullptr;
+    return FindDescribedLayout(m_kind, packetType) ? FindStatusTable(packetType) : nullptr;
 }
 
 std::uint32_t CXpfTableFile::GetStatusFieldCount(std::uint16_t packetType) const {

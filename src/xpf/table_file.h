@@ -1,4 +1,4 @@
-// The input data file (.tarin): the recording of an INS and its aiding sensors.
+// The two kinds of packet files: input data file (.tarin) and result file (.tarout).
 #pragma once
 
 #include "xpf/file.h"
@@ -15,6 +15,8 @@ class CXpfTableFile : public CXpfFile {
     explicit CXpfTableFile(EFileKind kind) : m_kind(kind) {}
 
     bool ReadFileHeader(bool& outdated, HeaderBuffer& headerBuffer) override;
+    // Why ReadFileHeader has returned false; reads the header again.
+    EOpening ExplainRefusal();
     CXpfChannel* FindChannelByName(std::string_view name) override;
     CXpfChannel* FindChannelByNumber(std::uint16_t number) override;
     std::uint32_t GetStatusFieldCount(std::uint16_t packetType) const override;
@@ -25,6 +27,7 @@ class CXpfTableFile : public CXpfFile {
 
   private:
     bool ReadChannelRecord();
+    EOpening ExplainChannels(std::uint32_t count);
     bool ReadDefinitions(std::uint32_t count);
     const SStatusTable* FindStatus(std::uint16_t packetType) const;
 
@@ -32,6 +35,7 @@ class CXpfTableFile : public CXpfFile {
     std::map<std::uint16_t, CXpfChannel*> m_byNumber; // of a repeated number the later record
 };
 
+// The recording of an INS and its aiding sensors.
 class CXpfTarinFileV3 : public CXpfTableFile {
   public:
     CXpfTarinFileV3() : CXpfTableFile(EFileKind::tarin) {}

@@ -155,7 +155,13 @@ static_assert(kMorvexExtLayout.IndexOf("Qbody_log") == 23 && kMorvexExtLayout.In
 static_assert(kMorvexExtLayout.IndexOf("Heave") == 70 && kMorvexExtLayout.OffsetOf("Heave") == 660);
 static_assert(kMorvexExtLayout.OffsetOf("Algorithm status 1") == 576);
 
-// The packets of the engine's internal states are never decoded; this is all that is known of them.
-inline constexpr std::uint32_t kMorvexStaVersion = 1;
+// The packets of the engine's internal states vary in size and are never decoded: the two size fields say how
+// many values follow each.
+inline constexpr SFieldLayout kMorvexStaFields[] = {
+    {"Date", EFieldType::date, natureUnknown},  {"Vector size", EFieldType::u32, natureUnknown},
+    {"Vector", EFieldType::f64, natureUnknown}, {"Matrix size", EFieldType::u32, natureUnknown},
+    {"Matrix", EFieldType::f64, natureUnknown},
+};
+inline constexpr SPacketLayout kMorvexStaLayout{typeMorvexSta, 1, kMorvexStaFields};
 
 } // namespace Persistance_Xpf

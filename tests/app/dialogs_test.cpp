@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 using namespace Application_Tarvel;
+using Outils_Texte::EText;
 
 namespace {
 
@@ -60,14 +61,16 @@ TEST(Dialogs, AProjectIsSavedUnderItsExtension) {
         OnNext<QFileDialog>([&](QFileDialog& dialog) {
             auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
             EXPECT_EQ(name->text(), "old.tarprj");
+            EXPECT_EQ(dialog.nameFilters(), QStringList("VARNE NAV project files (*.tarprj)"));
             name->setText(typed);
             QTest::keyClick(name, typed ? Qt::Key_Return : Qt::Key_Escape);
         });
-        return dialogs.AskSavePath(nullptr, folder / "old.tarprj");
+        return dialogs.AskPath(nullptr, {EPathKind::save, EText::saveTitle, EText::projectFilter, "tarprj",
+                                         folder / "old.tarprj"});
     };
-    EXPECT_EQ(save("new"), folder / "new.tarprj");
-    EXPECT_EQ(save("new.tarprj"), folder / "new.tarprj");
-    EXPECT_EQ(save(nullptr), std::nullopt);
+    EXPECT_EQ(save("new"), std::vector{folder / "new.tarprj"});
+    EXPECT_EQ(save("new.tarprj"), std::vector{folder / "new.tarprj"});
+    EXPECT_TRUE(save(nullptr).empty());
 }
 
 } // namespace

@@ -102,8 +102,10 @@ TEST_F(MainFrame, WhatTheMenusOfferFollowsTheProject) {
     EXPECT_EQ(m_frame->GetView().AreLegendsVisible(), !legends);
     EXPECT_EQ(Action(commandLegends).isChecked(), !legends);
 
+    // The project stays until another one is made.
     Action(commandNew).trigger();
-    EXPECT_FALSE(m_frame->HasProject());
+    EXPECT_TRUE(m_frame->HasProject());
+    m_frame->GetDocument().CloseDocument();
     EXPECT_EQ(m_frame->windowTitle(), "Untitled[*] - VARNE NAV");
     EXPECT_FALSE(Action(commandSave).isEnabled());
 }

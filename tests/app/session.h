@@ -34,9 +34,10 @@ class CScriptedDialogs final : public IDialogs {
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr); // no question under a wait cursor
         return Take(m_answers, EAnswer::ok);
     }
-    using Path = std::optional<std::filesystem::path>;
-    Path AskOpenPath(QWidget*, const std::filesystem::path&) override { return Take(m_paths, {}); }
-    Path AskSavePath(QWidget*, const std::filesystem::path&) override { return Take(m_paths, {}); }
+    std::vector<std::filesystem::path> AskPath(QWidget*, const SPathQuestion&) override {
+        const auto path = Take(m_paths, {});
+        return path ? std::vector{*path} : std::vector<std::filesystem::path>();
+    }
     void ShowAbout(QWidget*, const CVersionInfo&) override { ++m_abouts; }
     bool OpenLink(const QUrl& link) override {
         m_links.push_back(link);

@@ -71,16 +71,6 @@ TEST(Settings, AreReadAtTheStartAndWrittenAtTheEndOnly) {
     EXPECT_FALSE(nowhere.ExitInstance());
 }
 
-// The labels stand in a table beside that of the identifiers.
-TEST(Settings, EveryChannelHasItsLabel) {
-    std::string label = "unchanged";
-    EXPECT_FALSE(GetChannelLabel("GPS_4", label));
-    EXPECT_EQ(label, "unchanged");
-    for (const auto& [identifier, text] :
-         {std::pair("IMU", "Imu data"), {"GPS_3", "Gps #3"}, {"ODOMETER", "Odometer"}})
-        EXPECT_TRUE(GetChannelLabel(identifier, label) && label == text) << label;
-}
-
 TEST(Version, TheSupportLinkCarriesIt) {
     CVersionInfo version = GetVersionInfo();
     EXPECT_TRUE(version.releaseDate.IsValid());

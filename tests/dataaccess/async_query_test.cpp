@@ -20,12 +20,12 @@ class CScriptedQuery : public CAsyncQuery {
         if (!waits) m_go.Set();
     }
 
-    bool Execute(bool& wasCancelled) override {
+    EQueryEnd Execute() override {
         m_started.Set();
         m_go.Wait(30s);
-        wasCancelled = m_cancel.IsSet();
         if (m_needsTooMuch) throw std::bad_alloc();
-        return m_succeeds;
+        if (m_cancel.IsSet()) return EQueryEnd::cancelled;
+        return m_succeeds ? EQueryEnd::done : EQueryEnd::failed;
     }
     void RequestCancel() override {
         m_cancel.Set();

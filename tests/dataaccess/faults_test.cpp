@@ -5,6 +5,7 @@
 #include "dataaccess/test_recording.h"
 #include "dataaccess/view_queries.h"
 #include "foundation/files.h"
+#include "xpf/stream_walk.h"
 
 #include <gtest/gtest.h>
 
@@ -54,8 +55,8 @@ SBytes MakeBytes(const std::filesystem::path& path) {
     sane.data = static_cast<std::size_t>(file.GetDataStart().Get());
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
-    for (auto at = sane.data;
-         file.Seek(static_cast<std::int64_t>(at)) && file.ReadPacket(header, payload) == EPacketRead::whole;
+    for (auto at = sane.data; file.Seek(static_cast<std::int64_t>(at)) &&
+                              CStreamWalk(file).Next(header, payload) == EPacketRead::whole;
          at += header.size)
         if (header.channel == test::kDepthNumber) sane.depth.push_back(at);
     EXPECT_EQ(sane.depth.size(), std::size_t{kDepths});
@@ -128,11 +129,10 @@ class Faults : public testing::Test {
     }
     std::pair<std::int64_t, EError> CountSlices(double start, double end, CXpfFileCache* cache) const {
         CTrvView1DDataQuery query(Address(cache), {Seconds(start), Seconds(end), Seconds(1)}, nullptr);
-        bool cancelled = false;
-        const bool success = query.Execute(cancelled);
-        EXPECT_FALSE(cancelled);
+        const EQueryEnd ended = query.Execute();
+        EXPECT_NE(ended, EQueryEnd::cancelled);
         const std::size_t count = query.TakeSeries().representatives.size();
-        return {success ? static_cast<std::int64_t>(count) : kFailed, query.GetError()};
+        return {ended == EQueryEnd::done ? static_cast<std::int64_t>(count) : kFailed, query.GetError()};
     }
     std::int64_t CountChannels() {
         std::int64_t count = 0;

@@ -30,8 +30,7 @@ class FileScan : public testing::Test {
 
     std::unique_ptr<CFileScan> Scan() {
         EXPECT_TRUE(Outils_Fichiers::WriteWholeFile(m_path, m_bytes));
-        bool outdated = false;
-        m_file = OpenXpfFile(m_path, EFileKind::tarin, outdated);
+        m_file = OpenXpfFile(m_path, EFileKind::tarin).file;
         auto scan = std::make_unique<CFileScan>(*m_file, EFileKind::tarin, m_path);
         scan->Run();
         return scan;

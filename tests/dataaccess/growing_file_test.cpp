@@ -88,8 +88,7 @@ class GrowingFile : public testing::TestWithParam<bool> {
         for (;;) {
             const std::int64_t whole = m_writer.GetWhole(), begun = m_writer.GetBegun();
             auto query = std::make_unique<Query>(m_address, arguments..., nullptr);
-            bool cancelled = false;
-            if (query->Execute(cancelled)) return query;
+            if (query->Execute() == EQueryEnd::done) return query;
             if (whole == begun && m_writer.GetBegun() == begun) return nullptr;
         }
     }

@@ -48,8 +48,7 @@ class ViewQueries : public testing::Test {
 
     std::optional<SSample> ValueAt(std::int64_t ticks) {
         CTrvViewValueDataQuery query(Address(), CDateTimeSpan(ticks), nullptr);
-        bool cancelled = false;
-        EXPECT_TRUE(query.Execute(cancelled));
+        EXPECT_EQ(query.Execute(), EQueryEnd::done);
         const auto packet = query.TakePacket();
         return packet ? std::optional(SampleOf(*packet)) : std::nullopt;
     }
@@ -57,8 +56,7 @@ class ViewQueries : public testing::Test {
     // Leaves the samples of a search in the cache.
     void WarmCache(std::int64_t start) {
         const SWindow window{CDateTimeSpan(start), CDateTimeSpan(start + 1), CDateTimeSpan(1)};
-        bool cancelled = false;
-        EXPECT_TRUE(CTrvView1DDataQuery(Address(), window, nullptr).Execute(cancelled));
+        EXPECT_EQ(CTrvView1DDataQuery(Address(), window, nullptr).Execute(), EQueryEnd::done);
     }
 
     // The answer for a moment, the earlier on a tie. One that the cache knows to the tick is answered by the
@@ -137,8 +135,7 @@ void ViewQueries::CheckWindows(std::int64_t beyond, std::int64_t longest) {
         CTrvView1DDataQuery query(Address(), {CDateTimeSpan(start), CDateTimeSpan(end), CDateTimeSpan(slice)},
                                   nullptr);
         const auto truth = test::ReducePlainly(m_truth, start, end, slice, FirstOfPass(start));
-        bool cancelled = false;
-        ASSERT_TRUE(query.Execute(cancelled));
+        ASSERT_EQ(query.Execute(), EQueryEnd::done);
         const SReducedSeries series = query.TakeSeries();
         ASSERT_EQ(series.representatives.size(), truth.size()) << start << " to " << end << " by " << slice;
         ASSERT_EQ(series.minima.size(), truth.size());
@@ -182,10 +179,10 @@ TEST_F(ViewQueries, ACancelledQueryLeavesNoPart) {
             for (int turns = 0; turns < i; ++turns) std::this_thread::yield();
             if (i > 0) query.RequestCancel();
         });
-        bool cancelled = false;
-        const bool success = query.Execute(cancelled);
+        const EQueryEnd end = query.Execute();
         other.join();
-        EXPECT_EQ(success, !cancelled);
+        const bool cancelled = end == EQueryEnd::cancelled;
+        EXPECT_TRUE(cancelled || end == EQueryEnd::done);
         const std::size_t count = query.TakeSeries().representatives.size();
         if (i == 0) whole = count;
         EXPECT_EQ(count, cancelled ? 0 : whole);
@@ -193,29 +190,26 @@ TEST_F(ViewQueries, ACancelledQueryLeavesNoPart) {
 }
 
 TEST_F(ViewQueries, OddRequests) {
-    bool cancelled = false;
     const SWindow whole{Seconds(0), Seconds(1000), Seconds(1), false};
     CTrvView1DDataQuery withoutExtremes(Address(), whole, nullptr);
-    ASSERT_TRUE(withoutExtremes.Execute(cancelled));
+    ASSERT_EQ(withoutExtremes.Execute(), EQueryEnd::done);
     const SReducedSeries series = withoutExtremes.TakeSeries();
     EXPECT_FALSE(series.representatives.empty());
     EXPECT_TRUE(series.minima.empty() && series.maxima.empty());
 
     CTrvView1DDataQuery noSlice(Address(), {Seconds(0), Seconds(10), Seconds(0)}, nullptr);
-    EXPECT_FALSE(noSlice.Execute(cancelled));
+    EXPECT_EQ(noSlice.Execute(), EQueryEnd::failed);
     CTrvView1DDataQuery silentChannel(Address(test::kUtcNumber), whole, nullptr);
-    EXPECT_FALSE(silentChannel.Execute(cancelled));
+    EXPECT_EQ(silentChannel.Execute(), EQueryEnd::failed);
     CTrvView1DDataQuery noChannel(Address(77), whole, nullptr);
-    EXPECT_FALSE(noChannel.Execute(cancelled));
+    EXPECT_EQ(noChannel.Execute(), EQueryEnd::failed);
     CTrvView1DDataQuery noFile({m_folder / "gone.tarin", EFileKind::tarin, test::kDepthNumber}, whole,
                                nullptr);
-    EXPECT_FALSE(noFile.Execute(cancelled));
-    EXPECT_FALSE(cancelled);
+    EXPECT_EQ(noFile.Execute(), EQueryEnd::failed);
 
     // A search that finds nothing gives up as well.
     silentChannel.RequestCancel();
-    EXPECT_FALSE(silentChannel.Execute(cancelled));
-    EXPECT_TRUE(std::exchange(cancelled, false));
+    EXPECT_EQ(silentChannel.Execute(), EQueryEnd::cancelled);
 }
 
 // Draws one field of two extremes out to a packet, in the field's own type.
@@ -273,8 +267,7 @@ TEST_F(ViewQueries, ExtremesOfEveryPacketType) {
         ASSERT_TRUE(writer.Flush());
         CTrvView1DDataQuery query({path, row.kind, number},
                                   {CDateTimeSpan(0), Seconds(1), CDateTimeSpan(kPerSlice)}, nullptr);
-        bool cancelled = false;
-        ASSERT_TRUE(query.Execute(cancelled));
+        ASSERT_EQ(query.Execute(), EQueryEnd::done);
         const SReducedSeries series = query.TakeSeries();
         ASSERT_EQ(series.minima.size(), lows.size());
         for (std::size_t k = 0; k < lows.size(); ++k) {
@@ -308,8 +301,7 @@ TEST_F(ViewQueries, OneDateForAllPacketsShowsAll) {
     for (const double start : {6.0, 7.0}) {
         CTrvView1DDataQuery query({recording.GetPath(), EFileKind::tarin, test::kDepthNumber},
                                   {Seconds(start), Seconds(8), Seconds(2)}, nullptr);
-        bool cancelled = false;
-        ASSERT_TRUE(query.Execute(cancelled));
+        ASSERT_EQ(query.Execute(), EQueryEnd::done);
         const SReducedSeries series = query.TakeSeries();
         ASSERT_EQ(series.minima.size(), 1u);
         EXPECT_EQ(SampleOf(*series.minima[0]).depth, 1);
@@ -337,8 +329,7 @@ TEST_F(ViewQueries, PacketsOfOtherSizes) {
     recording.Flush();
     CTrvView1DDataQuery query({recording.GetPath(), EFileKind::tarin, test::kDepthNumber},
                               {Seconds(0), Seconds(9), Seconds(0.5)}, nullptr);
-    bool cancelled = false;
-    ASSERT_TRUE(query.Execute(cancelled));
+    ASSERT_EQ(query.Execute(), EQueryEnd::done);
     const SReducedSeries series = query.TakeSeries();
     std::vector<float> depths;
     for (const auto& found : series.representatives) depths.push_back(SampleOf(*found).depth);
@@ -354,8 +345,7 @@ TEST_F(ViewQueries, JumpingDatesCostNoMemoryWithoutEnd) {
     recording.Flush();
     CTrvView1DDataQuery query({recording.GetPath(), EFileKind::tarin, test::kDepthNumber},
                               {Seconds(0), Seconds(100), Seconds(1), false}, nullptr);
-    bool cancelled = false;
-    ASSERT_TRUE(query.Execute(cancelled));
+    ASSERT_EQ(query.Execute(), EQueryEnd::done);
     EXPECT_LT(query.TakeSeries().representatives.size(), 70'000u);
 }
 
@@ -368,12 +358,11 @@ class CReplacingQuery : public CTrvDataQuery {
     void OnCancelled() override {}
 
   protected:
-    bool Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet, bool&) override {
+    EQueryEnd Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet) override {
         SDateBracket bracket;
-        const bool found =
-            SearchDate(channel, *packet, Seconds(9), MakeSearch(true), bracket) == EDateSearch::found;
+        const EDateSearch found = SearchDate(channel, *packet, Seconds(9), MakeSearch(true), bracket);
         if (!m_replacement.empty()) std::filesystem::rename(m_replacement, GetAddress().path);
-        return found;
+        return found == EDateSearch::found ? EQueryEnd::done : EQueryEnd::failed;
     }
 
   private:
@@ -392,10 +381,9 @@ TEST_F(ViewQueries, NothingStaysInTheCacheOfAFileThatWasReplaced) {
                           m_cache.GetLastPosition(m_recording.GetPath(), test::kDepthNumber, position),
                           samples.lowerDate.IsValid()};
     };
-    bool cancelled = false;
-    EXPECT_TRUE(CReplacingQuery(Address(), {}).Execute(cancelled));
+    EXPECT_EQ(CReplacingQuery(Address(), {}).Execute(), EQueryEnd::done);
     EXPECT_EQ(isKnown(), (std::array{true, true, true}));
-    EXPECT_TRUE(CReplacingQuery(Address(), other.GetPath()).Execute(cancelled));
+    EXPECT_EQ(CReplacingQuery(Address(), other.GetPath()).Execute(), EQueryEnd::done);
     EXPECT_EQ(isKnown(), (std::array{false, false, false}));
 }
 

@@ -306,7 +306,7 @@ TEST_F(Document, ABrokenRuleStopsRunAndBatchFileAlike) {
     EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(EText::parametersNotWritten)));
     m_host.m_commandFile = m_folder / "c.xml";
     EXPECT_TRUE(m_document.PrepareBatchCommandFile());
-    EXPECT_EQ(m_host.m_proposedCommandFile, m_folder / "p-parameters.xml");
+    EXPECT_EQ(m_host.m_proposed, m_folder / "p-parameters.xml");
     EXPECT_TRUE(std::filesystem::exists(m_folder / "c.xml"));
 
     // While the recording does not answer, nothing is written that a ciphered one would hide.

@@ -1,9 +1,9 @@
 // Projects that are opened, replaced and closed while the threads of the document are at work on their files.
 #include "config/config_file.h"
 #include "dataaccess/test_recording.h"
+#include "dialogs/project_dialogs.h"
 #include "document/document.h"
 #include "document/project_creation.h"
-#include "document/project_dialogs.h"
 #include "document/scripted_host.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -55,14 +55,13 @@ class CUpdatingHost final : public test::CScriptedHost {
         m_queue.RunPending();
         return answer;
     }
-    bool UpdateDataFile(const std::filesystem::path& path) override {
+    EOutcome UpdateDataFile(const std::filesystem::path& path) override {
         const std::filesystem::path made = path.native() + ".new";
         std::filesystem::copy_file(m_repaired, made);
         std::filesystem::rename(made, path);
         m_queue.RunPending();
-        return true;
+        return EOutcome::done;
     }
-    std::filesystem::path m_repaired; // what the updater makes of any file
 };
 
 class DocumentThreads : public testing::Test, private IDocumentView {

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -41,19 +42,41 @@ class CScriptedHost : public IDocumentHost, private Communication_Processus::INo
         m_answers.pop_front();
         return answer;
     }
-    std::optional<std::filesystem::path> AskProjectPath(const std::filesystem::path&) override {
-        if (m_paths.empty()) return std::nullopt;
-        const auto path = m_paths.front();
-        m_paths.pop_front();
-        return path;
+    std::optional<std::filesystem::path> m_commandFile, m_dataFile; // chosen in the next dialogs
+    std::filesystem::path m_proposed;                               // to the last dialog
+    std::vector<std::filesystem::path> AskPath(const SPathQuestion& question) override {
+        using enum Outils_Texte::EText;
+        m_proposed = question.proposed;
+        auto answer = question.filter == xmlFilter ? m_commandFile : m_dataFile;
+        if (question.filter == projectFilter) {
+            answer = m_paths.empty() ? std::nullopt : m_paths.front();
+            if (!m_paths.empty()) m_paths.pop_front();
+        }
+        return answer ? std::vector{*answer} : std::vector<std::filesystem::path>();
     }
-    std::optional<std::filesystem::path> m_commandFile;
-    std::filesystem::path m_proposedCommandFile;
-    std::optional<std::filesystem::path> AskCommandFilePath(const std::filesystem::path& proposed,
-                                                            const std::string&) override {
-        m_proposedCommandFile = proposed;
-        return m_commandFile;
+
+    // Makes a project, from the command file if the path is not empty; cancelled when not set.
+    std::function<EOutcome(const std::filesystem::path&, SMadeProject&)> m_makeProject;
+    EOutcome MakeProject(SMadeProject& made) override { return MakeProjectFrom({}, made); }
+    EOutcome MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made) override {
+        return m_makeProject ? m_makeProject(commandFile, made) : EOutcome::cancelled;
     }
+    std::filesystem::path m_repaired; // what the updater makes of any file; empty when it fails
+    EOutcome UpdateDataFile(const std::filesystem::path& path) override {
+        if (m_repaired.empty()) return EOutcome::failed;
+        std::filesystem::copy_file(m_repaired, path, std::filesystem::copy_options::overwrite_existing);
+        return EOutcome::done;
+    }
+    using CConversion = std::pair<std::vector<std::filesystem::path>, ERawFormat>;
+    std::vector<CConversion> m_conversions;
+    std::optional<std::filesystem::path> m_converted; // what the converters make of any file
+    EOutcome ConvertRawFiles(const std::vector<std::filesystem::path>& files, ERawFormat format,
+                             std::filesystem::path& converted) override {
+        m_conversions.emplace_back(files, format);
+        if (m_converted) converted = *m_converted;
+        return m_converted ? EOutcome::done : EOutcome::cancelled;
+    }
+
     void AppendOutputText(const std::string& line) override { m_output.push_back(line); }
     void SetProgress(int percent) override { m_progress.push_back(percent); }
     void ShowProgress(bool visible) override { m_progressShows = visible; }

@@ -48,25 +48,6 @@ class CUpdateView : public IDocumentView {
     std::vector<Update> m_updates;
 };
 
-class CFileHost : public test::CScriptedHost {
-  public:
-    std::optional<std::filesystem::path> AskDataFile(const std::string&) override { return m_dataFile; }
-    bool UpdateDataFile(const std::filesystem::path& path) override {
-        if (m_repaired.empty()) return false;
-        std::filesystem::copy_file(m_repaired, path, std::filesystem::copy_options::overwrite_existing);
-        return true;
-    }
-    std::optional<std::filesystem::path> ConvertRawFiles(const std::vector<std::filesystem::path>&,
-                                                         ERawFormat format) override {
-        m_format = format;
-        return m_converted;
-    }
-    std::optional<std::filesystem::path> m_dataFile; // chosen in the next dialog
-    std::filesystem::path m_repaired;                // what the updater makes of any file
-    std::optional<std::filesystem::path> m_converted;
-    std::optional<ERawFormat> m_format; // of the last conversion
-};
-
 std::string Text(EText id) { return std::string(GetText(id)); }
 
 class UserActions : public testing::Test {
@@ -149,7 +130,7 @@ class UserActions : public testing::Test {
     }
 
     test::CTemporaryFolder m_folder;
-    CFileHost m_host;
+    test::CScriptedHost m_host;
     Outils_Configuration::CTrvCnfConfigFile m_configuration;
     CTrvDocument m_document{m_host, m_host.m_queue, m_configuration};
     CUpdateView m_view{m_document};
@@ -335,7 +316,8 @@ TEST_F(UserActions, EveryActionTellsTheViewsByItsHint) {
         const auto* failure = std::ranges::find_if(failures, [&](const auto& known) {
             return row.className.substr(std::string_view("CTrvAct").size()).starts_with(known.first);
         });
-        EXPECT_EQ(static_cast<int>(row.failureText), failure == std::end(failures) ? 0 : failure->second) << row.className;
+        EXPECT_EQ(static_cast<int>(row.failureText), failure == std::end(failures) ? 0 : failure->second)
+            << row.className;
     }
     EXPECT_THAT(tried, IsEmpty());
 }
@@ -517,7 +499,7 @@ TEST_F(UserActions, ADataFileIsPreparedBeforeItIsAdded) {
         EXPECT_EQ(m_view.Take().size(), c.added ? 1u : 0u) << c.chosen;
         EXPECT_EQ(Parameters().externalFiles.size(), before + (c.added ? 1 : 0)) << c.chosen;
     }
-    EXPECT_EQ(m_host.m_format, ERawFormat::depth);
+    EXPECT_EQ(m_host.m_conversions.back().second, ERawFormat::depth);
     m_host.m_dataFile.reset();
     EXPECT_FALSE(m_edits.AddDataFile());
     EXPECT_THAT(m_host.m_messages, IsEmpty());

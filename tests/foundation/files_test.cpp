@@ -6,8 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace Outils_Fichiers;
@@ -105,6 +107,27 @@ TEST_F(Files, FailedSaveKeepsTheOldFileAndLeavesNothingBehind) {
 
     EXPECT_FALSE(SaveAtomically(m_folder / "none" / "x", m_new));
     EXPECT_FALSE(SaveAtomically(m_folder.GetPath(), m_new));
+    EXPECT_EQ(CountEntries(), 1);
+}
+
+TEST_F(Files, AKillDuringASaveLeavesNothingBehind) {
+    const int nameless = ::open(m_folder.GetPath().c_str(), O_TMPFILE | O_WRONLY, 0600);
+    if (nameless < 0) GTEST_SKIP() << "the file system has no files without a name";
+    ::close(nameless);
+    // The write beyond the limit kills the child.
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const rlimit small{1000, 1000}, none{0, 0};
+        ::setrlimit(RLIMIT_CORE, &none);
+        ::setrlimit(RLIMIT_FSIZE, &small);
+        std::signal(SIGXFSZ, SIG_DFL);
+        SaveAtomically(m_file, m_new);
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status));
+    EXPECT_EQ(ReadWholeFile(m_file, 5000), m_old);
     EXPECT_EQ(CountEntries(), 1);
 }
 

@@ -4,6 +4,7 @@
 #include "morvex/engine_program.h"
 #include "recording/recording_writer.h"
 #include "run_folder.h"
+#include "xpf/stream_walk.h"
 
 #include <cmath>
 #include <fstream>
@@ -56,7 +57,7 @@ void DropInertialData(const std::filesystem::path& path, const std::function<boo
     ASSERT_TRUE(writer.Create(path, names));
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
-    while (file.ReadPacket(header, payload) == EPacketRead::whole) {
+    while (CStreamWalk(file).Next(header, payload) == EPacketRead::whole) {
         const CXpfChannel* channel = file.FindChannelByNumber(header.channel);
         if (channel->GetName() == "IMU" && drop(CPayload(payload).GetSeconds())) continue;
         ASSERT_TRUE(writer.WriteRaw(*writer.FindChannel(channel->GetName()), payload));

@@ -3,6 +3,7 @@
 #include "recording/recording_header.h"
 #include "support/temporary_folder.h"
 #include "xpf/packets.h"
+#include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
 
 #include <gtest/gtest.h>
@@ -29,8 +30,7 @@ Names GetNames(EFileKind kind) {
 }
 
 std::unique_ptr<CXpfFile> OpenFile(const fs::path& path, EFileKind kind) {
-    bool outdated = false;
-    return OpenXpfFile(path, kind, outdated);
+    return OpenXpfFile(path, kind).file;
 }
 
 class RecordingTest : public testing::Test {
@@ -64,7 +64,7 @@ class RecordingTest : public testing::Test {
         SPacketHeader header;
         std::span<const std::uint8_t> payload;
         for (std::int64_t position = file.GetPosition();
-             file.ReadPacket(header, payload) == EPacketRead::whole; position = file.GetPosition()) {
+             CStreamWalk(file).Next(header, payload) == EPacketRead::whole; position = file.GetPosition()) {
             const std::string& name = file.FindChannelByNumber(header.channel)->GetName();
             SLast& last = channels[name];
             ASSERT_EQ(header.number, last.count);
@@ -106,7 +106,7 @@ TEST_F(RecordingTest, EveryChannelComesBackLinkedAndNumbered) {
         for (const auto& [name, packets] : m_written) {
             CXpfChannel* channel = file->FindChannelByName(name);
             ASSERT_TRUE(channel) << name;
-            EXPECT_EQ(channel->GetDescription(), GetChannelDescription(name));
+            EXPECT_EQ(channel->GetDescription(), FindChannelLayout(name)->description);
             EXPECT_NE(channel->GetDescription(), "");
             SPacketHeader header;
             ASSERT_TRUE(channel->SeekLastPacket(&header)) << name;
@@ -165,14 +165,15 @@ TEST_F(RecordingTest, AnyCutShowsWholePacketsAndATornTail) {
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
     ends.push_back(whole->GetPosition());
-    while (whole->ReadPacket(header, payload) == EPacketRead::whole) ends.push_back(whole->GetPosition());
+    while (CStreamWalk(*whole).Next(header, payload) == EPacketRead::whole)
+        ends.push_back(whole->GetPosition());
 
     for (std::int64_t size = ends.back(); size >= ends.front(); size -= 5) {
         fs::resize_file(m_path, static_cast<std::uintmax_t>(size));
         const auto file = OpenFile(m_path, EFileKind::tarin);
         ASSERT_TRUE(file && file->Seek(file->GetDataStart().Get()));
         EPacketRead end;
-        while ((end = file->ReadPacket(header, payload)) == EPacketRead::whole) {
+        while ((end = CStreamWalk(*file).Next(header, payload)) == EPacketRead::whole) {
         }
         EXPECT_EQ(end, EPacketRead::torn) << size;
         EXPECT_EQ(file->GetPosition(), *(std::ranges::upper_bound(ends, size) - 1)) << size;

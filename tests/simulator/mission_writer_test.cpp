@@ -5,6 +5,7 @@
 #include "simulator/earth.h"
 #include "support/temporary_folder.h"
 #include "xpf/packets.h"
+#include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
 
 #include <gtest/gtest.h>
@@ -37,10 +38,7 @@ class MissionWriterTest : public testing::Test {
     std::vector<std::uint8_t> Bytes(const fs::path& path) {
         return *Outils_Fichiers::ReadWholeFile(path, 1 << 28);
     }
-    std::unique_ptr<CXpfFile> WriteAndOpen() {
-        bool outdated = false;
-        return OpenXpfFile(Write("m.tarin"), EFileKind::tarin, outdated);
-    }
+    std::unique_ptr<CXpfFile> WriteAndOpen() { return OpenXpfFile(Write("m.tarin"), EFileKind::tarin).file; }
 
     // Calls `visit` for each packet of a channel with its time and a function that gives its fields by name.
     template <class TPacket, class TVisit>
@@ -71,7 +69,7 @@ TEST_F(MissionWriterTest, AllChannelsComeInTimeOrderAtTheirRates) {
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
     std::int64_t before = 1;
-    while (file->ReadPacket(header, payload) == EPacketRead::whole) {
+    while (CStreamWalk(*file).Next(header, payload) == EPacketRead::whole) {
         std::int64_t date;
         std::memcpy(&date, payload.data(), sizeof date);
         ASSERT_GE(date, before);

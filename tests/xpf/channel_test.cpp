@@ -1,5 +1,7 @@
 #include "foundation/thread.h"
 #include "packet_file_builder.h"
+#include "xpf/channel_walk.h"
+#include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
 
 #include <array>
@@ -12,10 +14,7 @@ constexpr std::uint16_t kImu = 0, kDepth = 8, kUtc = 13, kMount = 21;
 
 class Channel : public PacketFileTest {
   protected:
-    std::unique_ptr<CXpfFile> Open() const {
-        bool outdated = false;
-        return OpenXpfFile(m_path, EFileKind::tarin, outdated);
-    }
+    std::unique_ptr<CXpfFile> Open() const { return OpenXpfFile(m_path, EFileKind::tarin).file; }
 
     // Dense, sparse and late channels with sizes and rates that share no rhythm, and a pause in the middle.
     static CPacketFileBuilder MakeMixed(unsigned seed, int rounds) {
@@ -132,7 +131,8 @@ TEST_F(Channel, FollowsAGrowingFileByteByByte) {
     std::uint32_t size = 0;
     SPacketHeader header;
     std::span<const std::uint8_t> payload;
-    std::array<const std::uint8_t*, 3> run;
+    CStreamWalk walk(*file);
+    CStreamWalk::Run run;
     std::size_t walked = 0;
     std::int64_t scanned = builder.dataStart;
     ASSERT_TRUE(file->Seek(scanned));
@@ -147,10 +147,11 @@ TEST_F(Channel, FollowsAGrowingFileByteByByte) {
             ASSERT_EQ(buffer, packets[walked++].payload);
         }
         ASSERT_TRUE(file->Seek(scanned));
-        const EPacketRead read = file->ReadPacket(header, payload);
+        const EPacketRead read = CStreamWalk(*file).Next(header, payload);
         ASSERT_NE(read, EPacketRead::damaged) << end;
         ASSERT_TRUE(file->Seek(scanned));
-        ASSERT_EQ(file->ReadPackets(run), read == EPacketRead::whole ? 1u : 0u) << end;
+        ASSERT_EQ(walk.NextRun(run), read) << end;
+        ASSERT_EQ(run.size(), read == EPacketRead::whole ? 1u : 0u) << end;
         if (read == EPacketRead::whole) {
             scanned = file->GetPosition();
             ASSERT_EQ(scanned, static_cast<std::int64_t>(end)) << "late, or torn";
@@ -161,10 +162,13 @@ TEST_F(Channel, FollowsAGrowingFileByteByByte) {
     EXPECT_EQ(scanned, static_cast<std::int64_t>(builder.bytes.size()));
     // Once more in one go, and the run must have the bytes of the file.
     ASSERT_TRUE(file->Seek(builder.dataStart));
-    for (auto at = start; const std::size_t count = file->ReadPackets(run);)
-        for (std::size_t i = 0; i < count; at += LoadPacketSize(run[i++]))
-            ASSERT_EQ(Bytes(run[i], run[i] + LoadPacketSize(run[i])),
-                      Bytes(&builder.bytes[at], &builder.bytes[at] + LoadPacketSize(run[i])));
+    for (auto at = start; walk.NextRun(run) == EPacketRead::whole;)
+        for (const std::uint8_t* packet : run) {
+            const std::uint32_t length = LoadPacketSize(packet);
+            ASSERT_EQ(Bytes(packet, packet + length), Bytes(&builder.bytes[at], &builder.bytes[at] + length));
+            ASSERT_EQ(CStreamWalk::GetPayload(packet).size(), length - kPacketOverhead);
+            at += length;
+        }
     EXPECT_EQ(file->GetPosition(), scanned);
 }
 
@@ -179,14 +183,15 @@ TEST_F(Channel, SeesWhatAWriterMakesOfADamagedPlace) {
     std::span<const std::uint8_t> payload;
     std::uint32_t size = 0;
     file->Seek(position);
-    std::array<const std::uint8_t*, 3> run;
-    EXPECT_EQ(file->ReadPacket(header, payload), EPacketRead::damaged);
-    EXPECT_EQ(file->ReadPackets(run), 0u);
+    CStreamWalk walk(*file);
+    CStreamWalk::Run run;
+    EXPECT_EQ(CStreamWalk(*file).Next(header, payload), EPacketRead::damaged);
+    EXPECT_EQ(walk.NextRun(run), EPacketRead::damaged);
     EXPECT_FALSE(file->GetChannels()[0]->ReadNextPacket(size, nullptr, nullptr, 0)) << "a size of 0";
     WriteAt(0, builder.bytes.data(), builder.bytes.size());
     EXPECT_TRUE(file->GetChannels()[0]->ReadNextPacket(size, nullptr, nullptr, 0));
     file->Seek(position);
-    EXPECT_EQ(file->ReadPacket(header, payload), EPacketRead::whole);
+    EXPECT_EQ(CStreamWalk(*file).Next(header, payload), EPacketRead::whole);
     EXPECT_EQ(payload.size(), 40u);
 }
 
@@ -241,9 +246,10 @@ TEST_F(Channel, WalksOnOverALinkThatIsNotSetYet) {
     CXpfChannel& imu = *file->FindChannelByNumber(kImu);
     ExpectWalk(imu, builder.packets[kImu]);
     ASSERT_TRUE(imu.SeekFirstPacket(nullptr));
-    ASSERT_TRUE(imu.ViewNextPacket(40)); // fills the block
-    std::array<const std::uint8_t*, 9> run;
-    EXPECT_EQ(imu.ViewHeldPackets(40, run), 5u);
+    CChannelWalk walk(imu, 40);
+    std::size_t count = 0;
+    while (const std::size_t size = walk.Next([] {}).size()) count += size;
+    EXPECT_EQ(count, 6u);
     imu.SetLast(0);
     SPacketHeader header;
     ASSERT_TRUE(imu.SeekLastPacket(&header));

@@ -16,10 +16,8 @@ TEST_F(FileHeader, GivesChannelsAndDefinitionsInFileOrder) {
         {{13, "UTC", typeUtc}, {7, "PLATFORM_ORIENT", typePlatformOrientation, std::string(64, 'd')}},
         {{typeUtc, 2, 10}, {200, 77, 0}});
     Save(builder.bytes);
-    bool outdated = true;
-    const auto file = OpenXpfFile(m_path, EFileKind::tarin, outdated);
+    const auto file = OpenXpfFile(m_path, EFileKind::tarin).file;
     ASSERT_TRUE(file);
-    EXPECT_FALSE(outdated);
     EXPECT_EQ(file->GetDataStart().Get(), builder.dataStart);
     EXPECT_EQ(file->GetFileSize(), builder.dataStart);
     ASSERT_EQ(file->GetChannels().size(), 2u);
@@ -42,8 +40,7 @@ TEST_F(FileHeader, DecodesNoInternalStates) {
     Builder builder({{5, "MORVEX_STA", typeMorvexSta}, {5, "MORVEX_MSG", typeMorvexMsg}},
                     {{typeMorvexSta, 1, 0}});
     Save(builder.bytes);
-    bool outdated = true;
-    const auto file = OpenXpfFile(m_path, EFileKind::tarout, outdated);
+    const auto file = OpenXpfFile(m_path, EFileKind::tarout).file;
     ASSERT_TRUE(file);
     EXPECT_EQ(file->GetChannels()[0]->CreatePacket(), nullptr);
     EXPECT_EQ(file->FindChannelByNumber(5), file->GetChannels()[1].get())
@@ -61,32 +58,49 @@ TEST_F(FileHeader, TellsFormerLayoutsFromDamage) {
         const char* what;
         Bytes bytes;
         EFileKind kind;
-        bool opens, outdated;
+        EOpening how;
+        bool isFlagged = false; // by the reading of the header itself
     } const rows[] = {
-        {"whole", whole.bytes, EFileKind::tarin, true, false},
-        {"other kind", whole.bytes, EFileKind::tarout, false, true},
-        {"empty", {}, EFileKind::tarin, false, false},
-        {"cut header", cut(122), EFileKind::tarin, false, false},
-        {"cut channel record", cut(150), EFileKind::tarin, false, true},
-        {"cut definition", cut(210), EFileKind::tarin, false, false},
-        {"cut field", cut(whole.dataStart - 1), EFileKind::tarin, false, false},
-        {"junk in name", junk.bytes, EFileKind::tarin, false, true},
-        {"unknown name", Builder({{0, "IMU2", typeImu}}).bytes, EFileKind::tarin, false, true},
-        {"full width name", Builder({{0, "0123456789ABCDEF", 0}}).bytes, EFileKind::tarin, false, true},
-        {"wrong type", Builder({{0, "IMU", typeDvl}}).bytes, EFileKind::tarin, false, true},
-        {"repeated", Builder({{0, "GPS_1", 3}, {1, "GPS_1", 3}}).bytes, EFileKind::tarin, false, true},
-        {"old version", Builder({{0, "IMU", 0}}, {{0, 1, 11}}).bytes, EFileKind::tarin, false, true},
-        {"old result", Builder({}, {{typeMorvexStd, 1, 0}}).bytes, EFileKind::tarout, false, true},
-        {"old states", Builder({}, {{typeMorvexSta, 2, 0}}).bytes, EFileKind::tarout, false, true},
-        {"type of the other kind", Builder({}, {{typeMorvexStd, 1, 0}}).bytes, EFileKind::tarin, true, false},
+        {"whole", whole.bytes, EFileKind::tarin, EOpening::opened},
+        {"other kind", whole.bytes, EFileKind::tarout, EOpening::outdated, true},
+        {"empty", {}, EFileKind::tarin, EOpening::foreign},
+        {"cut header", cut(122), EFileKind::tarin, EOpening::damaged},
+        {"cut channel record", cut(150), EFileKind::tarin, EOpening::damaged, true},
+        {"cut definition", cut(210), EFileKind::tarin, EOpening::damaged},
+        {"cut field", cut(whole.dataStart - 1), EFileKind::tarin, EOpening::damaged},
+        {"junk in name", junk.bytes, EFileKind::tarin, EOpening::damaged, true},
+        {"unknown name", Builder({{0, "IMU2", typeImu}}).bytes, EFileKind::tarin, EOpening::outdated, true},
+        {"full width name", Builder({{0, "0123456789ABCDEF", 0}}).bytes, EFileKind::tarin, EOpening::outdated,
+         true},
+        {"wrong type", Builder({{0, "IMU", typeDvl}}).bytes, EFileKind::tarin, EOpening::outdated, true},
+        {"repeated", Builder({{0, "GPS_1", 3}, {1, "GPS_1", 3}}).bytes, EFileKind::tarin, EOpening::damaged,
+         true},
+        {"old version", Builder({{0, "IMU", 0}}, {{0, 1, 11}}).bytes, EFileKind::tarin, EOpening::outdated,
+         true},
+        {"old result", Builder({}, {{typeMorvexStd, 1, 0}}).bytes, EFileKind::tarout, EOpening::outdated,
+         true},
+        {"old states", Builder({}, {{typeMorvexSta, 2, 0}}).bytes, EFileKind::tarout, EOpening::outdated,
+         true},
+        {"no mark", Bytes(300, 'x'), EFileKind::tarin, EOpening::foreign, true},
+        {"unknown name in a current file", Builder({{0, "IMV", typeImu}}, {{typeImu, 2, 11}}).bytes,
+         EFileKind::tarin, EOpening::damaged, true},
+        {"unreadable name", Builder({{0, "I\x01U", typeImu}}).bytes, EFileKind::tarin, EOpening::damaged,
+         true},
+        {"type of the other kind", Builder({}, {{typeMorvexStd, 1, 0}}).bytes, EFileKind::tarin,
+         EOpening::opened},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         Save(row.bytes);
-        bool outdated = !row.outdated;
-        const auto file = OpenXpfFile(m_path, row.kind, outdated);
-        EXPECT_EQ(file != nullptr, row.opens);
-        EXPECT_EQ(outdated, row.outdated);
+        const SOpenedFile opened = OpenXpfFile(m_path, row.kind);
+        EXPECT_EQ(opened.how, row.how);
+        EXPECT_EQ(opened.file != nullptr, row.how == EOpening::opened);
+        bool outdated = !row.isFlagged;
+        CXpfFile::HeaderBuffer header;
+        CXpfTableFile file(row.kind);
+        EXPECT_TRUE(file.Open(m_path));
+        file.ReadFileHeader(outdated, header);
+        EXPECT_EQ(outdated, row.isFlagged);
     }
 }
 
@@ -123,6 +137,7 @@ TEST_F(FileHeader, OpensOnlyRegularFiles) {
     EXPECT_FALSE(file.Open(m_path.parent_path()));
     ASSERT_EQ(mkfifo(m_path.c_str(), 0600), 0);
     EXPECT_FALSE(file.Open(m_path));
+    EXPECT_EQ(OpenXpfFile(m_path, EFileKind::tarin).how, EOpening::unreadable);
     EXPECT_FALSE(file.Seek(0));
     EXPECT_EQ(file.GetFileSize(), 0);
     EXPECT_FALSE(file.GetDataStart().IsKnown());

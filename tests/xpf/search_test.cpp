@@ -1,8 +1,8 @@
 // Searches in damaged streams, files above 4 GB, and bytes that mean harm.
 #include "packet_file_builder.h"
+#include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
 
-#include <array>
 #include <gmock/gmock.h>
 #include <random>
 
@@ -13,10 +13,7 @@ constexpr std::uint16_t kImu = 0, kUtc = 13;
 
 class Search : public PacketFileTest {
   protected:
-    std::unique_ptr<CXpfFile> Open() const {
-        bool outdated = false;
-        return OpenXpfFile(m_path, EFileKind::tarin, outdated);
-    }
+    std::unique_ptr<CXpfFile> Open() const { return OpenXpfFile(m_path, EFileKind::tarin).file; }
 };
 
 TEST_F(Search, FindsTheNearestPacketFromEveryByte) {
@@ -130,7 +127,7 @@ TEST_F(Search, ReachesBeyondFourGigabytes) {
     std::span<const std::uint8_t> payload;
     std::uint32_t count = 0;
     ASSERT_TRUE(file->Seek(builder.dataStart));
-    for (; file->ReadPacket(header, payload) == EPacketRead::whole; ++count)
+    for (; CStreamWalk(*file).Next(header, payload) == EPacketRead::whole; ++count)
         EXPECT_LE(payload.size(), std::size_t{64} << 20);
     EXPECT_EQ(count, kCount + 2);
     EXPECT_EQ(file->GetPosition(), end);
@@ -147,9 +144,9 @@ TEST_F(Search, TakesAGiantSizeInASmallFileForTorn) {
         SPacketHeader header;
         std::span<const std::uint8_t> payload;
         file->Seek(builder.dataStart);
-        std::array<const std::uint8_t*, 3> run;
-        EXPECT_EQ(file->ReadPackets(run), 0u) << size;
-        EXPECT_EQ(file->ReadPacket(header, payload), EPacketRead::torn) << size;
+        CStreamWalk::Run run;
+        EXPECT_EQ(CStreamWalk(*file).NextRun(run), EPacketRead::torn) << size;
+        EXPECT_EQ(CStreamWalk(*file).Next(header, payload), EPacketRead::torn) << size;
         EXPECT_EQ(file->GetPosition(), builder.dataStart);
         std::uint8_t buffer[40];
         std::uint32_t count = 0;
@@ -287,7 +284,7 @@ void UseEverything(CXpfFile& file, std::mt19937& random) {
     std::span<const std::uint8_t> payload;
     std::uint64_t sum = 0;
     const std::int64_t size = file.GetFileSize();
-    for (file.Seek(file.GetDataStart().Get()); file.ReadPacket(header, payload) == EPacketRead::whole;)
+    for (file.Seek(file.GetDataStart().Get()); CStreamWalk(file).Next(header, payload) == EPacketRead::whole;)
         for (const std::uint8_t byte : payload) sum += byte;
     ASSERT_LE(file.GetPosition(), size);
     for (const auto& channel : file.GetChannels()) {

@@ -18,6 +18,8 @@ using Outils_Texte::GetText;
 
 namespace {
 
+constexpr std::string_view kRecordingExtension = "tarin";
+
 struct SRemoval {
     EHint hint;
     const CObject* object; // an identity once the file is gone
@@ -65,16 +67,21 @@ std::optional<std::filesystem::path> CTrvActAddDataFile::Prepare(const std::file
     };
     const auto kind =
         m_document.GetFileLooks().Call(classify, GetTimeForChosenFile(m_document.GetConfiguration()));
+    const auto convert = [&](ERawFormat format) {
+        std::filesystem::path made;
+        return host.ConvertRawFiles({chosen}, format, made) == EOutcome::done ? std::optional(made)
+                                                                              : std::nullopt;
+    };
     switch (kind ? kind->kind : EDataFileKind::unreadable) {
     case EDataFileKind::packets: return chosen;
     case EDataFileKind::outdatedPackets:
-        if (Ask(EText::upgradeDataFile) && host.UpdateDataFile(chosen)) return chosen;
+        if (Ask(EText::upgradeDataFile) && host.UpdateDataFile(chosen) == EOutcome::done) return chosen;
         return std::nullopt;
     case EDataFileKind::raw:
-        if (Ask(EText::convertDataFile)) return host.ConvertRawFiles({chosen}, kind->format);
+        if (Ask(EText::convertDataFile)) return convert(kind->format);
         return std::nullopt;
     case EDataFileKind::unknown:
-        if (Ask(EText::unrecognizedDataFile)) return host.ConvertRawFiles({chosen}, ERawFormat::rawIns);
+        if (Ask(EText::unrecognizedDataFile)) return convert(ERawFormat::rawIns);
         return std::nullopt;
     case EDataFileKind::unreadable: break;
     }
@@ -83,9 +90,10 @@ std::optional<std::filesystem::path> CTrvActAddDataFile::Prepare(const std::file
 }
 
 bool CTrvActAddDataFile::Perform(CTrvProject& project) {
-    const auto chosen = m_document.GetHost().AskDataFile(std::string(GetText(EText::dataFileFilter)));
-    if (!chosen) return false;
-    const auto path = Prepare(*chosen);
+    const auto chosen = m_document.GetHost().AskPath(
+        {EPathKind::open, EText::dataFileTitle, EText::dataFileFilter, kRecordingExtension});
+    if (chosen.empty()) return false;
+    const auto path = Prepare(chosen.front());
     if (!path) return false;
     auto& parameters = *project.simulationParameters;
     if (parameters.HasDataFile(*path)) return Refuse(EText::dataFileReferenced);

@@ -36,8 +36,7 @@ SDataFileKind ClassifyDataFile(const std::filesystem::path& path,
     int code = formatUnknown;
     if (!DetectFileFormat(path, code, dates)) return {EDataFileKind::unreadable};
     if (code == formatXpf) {
-        bool outdated = false;
-        OpenXpfFile(path, EFileKind::tarin, outdated);
+        const bool outdated = OpenXpfFile(path, EFileKind::tarin).how == EOpening::outdated;
         // One that is damaged otherwise is left to who opens it.
         return {outdated ? EDataFileKind::outdatedPackets : EDataFileKind::packets};
     }

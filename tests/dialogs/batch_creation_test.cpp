@@ -1,9 +1,9 @@
-#include "document/batch_creation.h"
+#include "dialogs/batch_creation.h"
 
 #include "config/config_file.h"
 #include "dataaccess/test_recording.h"
+#include "dialogs/project_dialogs.h"
 #include "document/document.h"
-#include "document/project_dialogs.h"
 #include "document/scripted_host.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -170,28 +170,20 @@ TEST_F(BatchCreation, ASearchThatHadToGiveUpIsNoFileWithoutUtc) {
     EXPECT_EQ(message, FormatText(EText::noSynchronization, {ToText(m_folder / "ext.tarin")}));
 }
 
-namespace {
-
-// Chooses a command file and changes nothing in the dialog.
-class CBatchHost : public test::CScriptedHost {
-  public:
-    std::optional<std::filesystem::path> AskCommandFile(const std::string&) override { return m_commandFile; }
-    bool ShowNewFromBatch(Dialogue_Tarvel::CNewFromBatchParametersDlg& dialog) override {
-        if (!m_accepts) return false;
+TEST_F(BatchCreation, TheCommandSetsUpTheProjectOfTheDialog) {
+    test::CScriptedHost host;
+    Outils_Configuration::CTrvCnfConfigFile configuration;
+    CTrvDocument document(host, host.m_queue, configuration);
+    host.m_makeProject = [&](const std::filesystem::path& commandFile, SMadeProject& made) {
+        Dialogue_Tarvel::CNewFromBatchParametersDlg dialog(host, configuration, document.GetFileLooks());
+        if (!dialog.Load(commandFile)) return EOutcome::failed;
         for (const auto& row : dialog.GetRows())
             EXPECT_EQ(row.path.extension(), std::string(".") + dialog.GetExtension(row));
         Dialogue_Tarvel::EProjectField focus{};
-        return dialog.OnOK(focus);
-    }
-    bool m_accepts = true;
-};
-
-} // namespace
-
-TEST_F(BatchCreation, TheCommandSetsUpTheProjectOfTheDialog) {
-    CBatchHost host;
-    Outils_Configuration::CTrvCnfConfigFile configuration;
-    CTrvDocument document(host, host.m_queue, configuration);
+        if (!dialog.OnOK(focus)) return EOutcome::cancelled;
+        made = {dialog.TakeProject(), dialog.GetProjectPath()};
+        return EOutcome::done;
+    };
     EXPECT_FALSE(document.CommandNewBatch()); // no file chosen
     host.m_commandFile = m_file;
     ASSERT_TRUE(document.CommandNewBatch());
@@ -203,13 +195,10 @@ TEST_F(BatchCreation, TheCommandSetsUpTheProjectOfTheDialog) {
 
     host.m_answers = {EAnswer::cancel}; // the project exists already
     EXPECT_TRUE(document.CommandNewBatch());
-    EXPECT_FALSE(document.GetProject());
     EXPECT_EQ(host.TakeMessages(), std::vector{std::string(GetText(EText::overwriteProject))});
-    host.m_accepts = false;
-    EXPECT_TRUE(document.CommandNewBatch());
-    EXPECT_FALSE(document.GetProject());
     Edit("outputFile", "output");
     EXPECT_FALSE(document.CommandNewBatch());
     EXPECT_EQ(host.TakeMessages(), std::vector{std::string(GetText(EText::batchFileCorrupted))});
+    EXPECT_EQ(document.GetPathName(), m_folder / "p-parameters.tarprj"); // which stays open
     EXPECT_EQ(host.m_waitCursors, 0);
 }

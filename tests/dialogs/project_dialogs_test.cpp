@@ -1,11 +1,11 @@
-#include "document/project_dialogs.h"
+#include "dialogs/project_dialogs.h"
 
 #include "config/config_file.h"
 #include "dataaccess/test_recording.h"
-#include "document/choosers.h"
+#include "dialogs/choosers.h"
+#include "dialogs/rough_misalignment.h"
 #include "document/document.h"
 #include "document/project_creation.h"
-#include "document/rough_misalignment.h"
 #include "document/scripted_host.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
@@ -28,26 +28,6 @@ using testing::IsEmpty;
 namespace {
 
 std::string Text(EText id) { return std::string(GetText(id)); }
-
-// Answers for the operator in front of the dialogs.
-class CDialogHost : public test::CScriptedHost {
-  public:
-    bool UpdateDataFile(const std::filesystem::path& path) override {
-        std::filesystem::copy_file(m_repaired, path, std::filesystem::copy_options::overwrite_existing);
-        return true;
-    }
-    std::optional<std::filesystem::path> ConvertRawFiles(const std::vector<std::filesystem::path>& files,
-                                                         ERawFormat format) override {
-        m_conversions.push_back({files, format});
-        return m_converted;
-    }
-    bool ShowNewProjectWizard(CNewProjectWizard& wizard) override { return m_wizard && m_wizard(wizard); }
-
-    std::filesystem::path m_repaired; // what the updater makes of any file
-    std::optional<std::filesystem::path> m_converted;
-    std::vector<std::pair<std::vector<std::filesystem::path>, ERawFormat>> m_conversions;
-    std::function<bool(CNewProjectWizard&)> m_wizard;
-};
 
 class ProjectDialogs : public testing::Test {
   protected:
@@ -87,7 +67,7 @@ class ProjectDialogs : public testing::Test {
     }
 
     test::CTemporaryFolder m_folder;
-    CDialogHost m_host;
+    test::CScriptedHost m_host;
     CTrvCnfConfigFile m_configuration;
     CFileLooks m_looks{m_host.m_queue};
 };
@@ -211,7 +191,7 @@ TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
     EXPECT_EQ(run({"raw1.log", "raw 2.log"}), InFolder({"dive.tarin"}));
     run({"decoded.txt"});
     run({"other.bin"});
-    using CConversion = std::pair<std::vector<std::filesystem::path>, ERawFormat>;
+    using CConversion = test::CScriptedHost::CConversion;
     EXPECT_THAT(m_host.m_conversions,
                 ElementsAre(CConversion(InFolder({"raw1.log", "raw 2.log"}), ERawFormat::rawIns),
                             CConversion(InFolder({"decoded.txt"}), ERawFormat::decodedIns),
@@ -232,7 +212,7 @@ TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
     ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
     const auto putBack = [this](std::initializer_list<const char*> names) {
         m_host.m_repaired = m_folder / "old.tarin";
-        for (const auto& file : InFolder(names)) m_host.UpdateDataFile(file);
+        for (const auto& file : InFolder(names)) static_cast<void>(m_host.UpdateDataFile(file));
         m_host.m_repaired = m_folder / "repaired.tarin";
     };
     putBack({"dive.tarin", "second.tarin"});
@@ -269,12 +249,14 @@ TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
 TEST_F(ProjectDialogs, NewBringsTheWizardsProjectIntoTheDocument) {
     m_configuration.Set(Cnf<"general/gpsAltitudeMode">, EGpsAltitudeMode::ellipsoid);
     CTrvDocument document(m_host, m_host.m_queue, m_configuration);
-    m_host.m_wizard = [&](CNewProjectWizard& wizard) {
-        EXPECT_FALSE(document.GetProject()); // the former one is gone before the dialog shows
+    m_host.m_makeProject = [&](const auto&, SMadeProject& made) {
+        CNewProjectWizard wizard(m_host, m_configuration, m_looks);
         wizard.ChooseInputFiles(InFolder({"dive.tarin"}));
         wizard.insConfigurationFile = m_folder / "ini.txt";
         EProjectField focus{};
-        return wizard.OnOK(focus);
+        EXPECT_TRUE(wizard.OnOK(focus));
+        made = {wizard.TakeProject(), wizard.GetProjectPath()};
+        return EOutcome::done;
     };
     ASSERT_TRUE(document.CommandNew());
     ASSERT_TRUE(document.GetProject());
@@ -291,12 +273,11 @@ TEST_F(ProjectDialogs, NewBringsTheWizardsProjectIntoTheDocument) {
     EXPECT_EQ(ToSpan(parameters.begin), test::Seconds(1));
     EXPECT_EQ(ToSpan(parameters.end), test::Seconds(3));
 
-    std::filesystem::remove(m_folder / "dive.tarprj");
-    m_host.m_wizard = {}; // cancelled
+    // The project stays until another one is accepted.
+    m_host.m_makeProject = {};
     EXPECT_TRUE(document.CommandNew());
-    EXPECT_FALSE(document.GetProject() || document.IsModified());
-    EXPECT_TRUE(document.GetPathName().empty());
-    EXPECT_FALSE(std::filesystem::exists(m_folder / "dive.tarprj"));
+    EXPECT_EQ(&parameters, document.GetProject()->simulationParameters.get());
+    EXPECT_EQ(document.GetPathName(), m_folder / "dive.tarprj");
     EXPECT_THAT(m_host.m_messages, IsEmpty());
 }
 

@@ -1,4 +1,4 @@
-#include "document/choosers.h"
+#include "dialogs/choosers.h"
 
 #include "foundation/paths.h"
 

@@ -1,4 +1,4 @@
-#include "document/rough_misalignment.h"
+#include "dialogs/rough_misalignment.h"
 
 #include "foundation/texts.h"
 #include "model/nelix_configuration.h"

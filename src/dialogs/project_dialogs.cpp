@@ -1,4 +1,4 @@
-#include "document/project_dialogs.h"
+#include "dialogs/project_dialogs.h"
 
 #include "config/config_file.h"
 #include "document/project_creation.h"
@@ -133,16 +133,16 @@ bool CNewProjectWizard::PrepareFiles() {
     const SDataFileKind& kind = kinds[0];
     if (kind.kind == EDataFileKind::packets) return true;
     if (kind.kind == EDataFileKind::outdatedPackets)
-        return Ask(EText::upgradeDataFile) && m_host.UpdateDataFile(m_inputFiles[0]);
+        return Ask(EText::upgradeDataFile) && m_host.UpdateDataFile(m_inputFiles[0]) == EOutcome::done;
     if (isRawIns(kind) || isRaw(kind, ERawFormat::decodedIns)) return Convert(kind.format);
     return Ask(EText::unrecognizedRecording) && Convert(ERawFormat::rawIns);
 }
 
 bool CNewProjectWizard::Convert(ERawFormat format) {
     if (!Ask(EText::convertDataFile)) return false;
-    const auto converted = m_host.ConvertRawFiles(m_inputFiles, format);
-    if (!converted) return false;
-    m_inputFiles = {ToAbsolute(*converted)};
+    std::filesystem::path converted;
+    if (m_host.ConvertRawFiles(m_inputFiles, format, converted) != EOutcome::done) return false;
+    m_inputFiles = {ToAbsolute(converted)};
     // A converter that failed tells it in its output alone.
     return CheckExists(m_inputFiles[0]);
 }

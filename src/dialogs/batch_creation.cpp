@@ -1,4 +1,4 @@
-#include "document/batch_creation.h"
+#include "dialogs/batch_creation.h"
 
 #include "dataaccess/data_file_analyzer.h"
 #include "document/project_creation.h"
@@ -60,9 +60,9 @@ CBatchCreation::SRecordings CBatchCreation::LookInto(const std::vector<SParamete
     SRecordings recordings;
     for (const SParameterFileRow& file : files) {
         if (file.isOutput) continue;
-        bool outdated = false;
-        const bool opened = Persistance_Xpf::OpenXpfFile(file.path, Persistance_Xpf::EFileKind::tarin,
-                                                         outdated, interrupt) != nullptr;
+        const bool opened =
+            Persistance_Xpf::OpenXpfFile(file.path, Persistance_Xpf::EFileKind::tarin, interrupt).how ==
+            Persistance_Xpf::EOpening::opened;
         if (opened) {
             std::int32_t equipment = 0;
             if (recordings.origins.empty() &&

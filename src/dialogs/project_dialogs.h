@@ -2,7 +2,7 @@
 // fields and calls OnOK; every question and message goes through the host. UI thread.
 #pragma once
 
-#include "document/batch_creation.h"
+#include "dialogs/batch_creation.h"
 #include "document/document_host.h"
 #include "document/file_looks.h"
 #include "foundation/texts.h"

@@ -1,0 +1,71 @@
+#include "xpf/channel_walk.h"
+
+#include "xpf/block_reader.h"
+#include "xpf/file.h"
+#include "xpf/stride.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+namespace Persistance_Xpf {
+
+CChannelWalk::CChannelWalk(CXpfChannel& channel, std::uint32_t payloadSize)
+    : m_channel(channel), m_size(payloadSize), m_copy(kPacketOverhead + payloadSize) {}
+
+std::size_t CChannelWalk::TakeHeld() {
+    CBlockReader& reader = *m_channel.m_file.m_reader;
+    const std::uint32_t size = m_size + kPacketOverhead;
+    const std::uint16_t number = m_channel.m_number;
+    std::int64_t next = m_channel.m_current.Get(), last = 0;
+    CStride stride;
+    std::size_t count = 0;
+    if (next == 0) return 0;
+    for (std::int64_t position = next; count < m_run.size() && reader.Holds(position, size);) {
+        const std::uint8_t* packet = reader.GetHeld(position);
+        const std::uint32_t found = LoadPacketSize(packet);
+        if (LoadWord(packet) >> 16 != number) {
+            if (found < kPacketOverhead) break;
+            position += found;
+            continue;
+        }
+        if (found != size) break;
+        m_run[count++] = packet + kPacketHeaderSize;
+        last = position;
+        const std::uint32_t link = LoadWord(packet + offsetof(SPacketHeader, forwardLink));
+        position += stride.Take(link != 0 ? link : size);
+        next = position;
+    }
+    if (count == 0) return 0;
+    m_channel.m_last = std::max(m_channel.m_last, CXpfFilePosition(last));
+    m_channel.m_previous = last;
+    m_channel.m_current = next;
+    reader.MoveTo(next);
+    return count;
+}
+
+const std::uint8_t* CChannelWalk::ViewNext() {
+    if (!m_channel.m_current.IsKnown() || m_size > CXpfChannel::kLargestInBlock) return nullptr;
+    CBlockReader& reader = *m_channel.m_file.m_reader;
+    const std::uint32_t size = m_size + kPacketOverhead;
+    std::int64_t position = m_channel.m_current.Get();
+    const std::uint8_t* packet = m_channel.m_file.WalkToChannel(m_channel.m_number, position);
+    if (!packet || LoadPacketSize(packet) != size) return nullptr;
+    if (!reader.Holds(position, size)) {
+        packet = reader.View(position, size);
+        if (!packet || LoadPacketSize(packet) != size) return nullptr;
+    }
+    SPacketHeader header;
+    std::memcpy(&header, packet, sizeof header);
+    m_channel.StepOn(position, header);
+    return reader.Seek(m_channel.m_current.Get()) ? packet + kPacketHeaderSize : nullptr;
+}
+
+const std::uint8_t* CChannelWalk::CopyNext() {
+    std::uint32_t sizeRead = 0;
+    std::uint8_t* payload = m_copy.data() + kPacketHeaderSize;
+    std::memset(payload, 0, m_size);
+    return m_channel.ReadNextPacket(sizeRead, nullptr, payload, m_size) ? payload : nullptr;
+}
+
+} // namespace Persistance_Xpf
