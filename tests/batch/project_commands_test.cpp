@@ -91,7 +91,7 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
         ";Mode;Hydro\n;Time offset;-00:00:01.500\n;Mode;Automatic reacquisition\n;Threshold;7.50 m\n"
         ";Longitude;3.25 m\n;Crossvariance;4.25 m²\n;Altitude;5.250 m\n;X;2.25 m/s\n;Y;3.25 m/s\n"
         ";Z;4.25 m/s\n;Value X;2.25 m/s\n];16 SYNCHRO_2 Event marker\n;Title;Depths\n"
-        ";Label;Immersion\n;Channel;DEPTH\n;Field;3\n;Color;#FF000000\n;Factor;-2.000\n"
+        ";Label;Immersion\n;Channel;DEPTH\n;Field;3\n;Color;#FF4682B4\n;Factor;-2.000\n"
         ";Data file;none\n;Channel;77\n;Second field;9\n");
     for (std::string end; std::getline(ends, end);) EXPECT_THAT(described, HasSubstr(end + '\n'));
     EXPECT_THAT(described, Not(HasSubstr("?")));

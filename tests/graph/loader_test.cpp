@@ -340,7 +340,7 @@ TEST_F(LoaderTest, AnswersFindNobodyAfterTheEnd) {
     Open();
     m_loader->ZoomTime(1);
     m_loader.reset();
-    m_document->DeleteContents();
+    m_document->CloseDocument();
     Tell(hintRefresh);
     m_host.m_queue.RunPending();
     m_loader.emplace(*m_document, m_adaptors, m_settings);

@@ -271,7 +271,7 @@ TEST_F(View1DTest, ProjectMayGoDuringAGesture) {
     m_view->SetMode(EView1DMode::pan);
     Mouse(QEvent::MouseButtonPress, At(0.5, 0.5));
     Mouse(QEvent::MouseMove, At(0.4, 0.4));
-    m_document->DeleteContents();
+    m_document->CloseDocument();
     m_document->UpdateAllViews(nullptr, hintRefresh);
     Mouse(QEvent::MouseMove, QPointF(300, 80));
     Mouse(QEvent::MouseButtonRelease, QPointF(300, 80));
