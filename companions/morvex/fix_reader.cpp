@@ -29,15 +29,6 @@ constexpr std::array<SModeDeviation, 10> kModes{{{false, 0.0, 0.0},
                                                  {true, 5.0, 8.0},
                                                  {true, 0.4, 0.6}}};
 
-// The low two bits of a rejection byte.
-EUse UseOf(std::uint8_t rejection) {
-    switch (rejection & 3u) {
-    case 1: return EUse::always;
-    case 2: return EUse::never;
-    default: return EUse::tested;
-    }
-}
-
 double Usable(double deviation, double otherwise) {
     return std::isfinite(deviation) && deviation > 0.0 ? deviation : otherwise;
 }
@@ -63,11 +54,14 @@ std::vector<int> CFixReader::Open(const SRunPlan& plan) {
     std::vector<int> missing;
     m_plan = &plan;
     m_sources.clear();
+    int usbls = 0;
     for (std::size_t i = 0; i < plan.gps.size(); ++i) {
         auto source = std::make_unique<SSource>();
         source->plan = &plan.gps[i];
-        source->number = static_cast<std::uint8_t>(i);
-        if (!source->stream.Open(plan.gps[i].source, kGpsLayout)) {
+        const bool isUsbl = plan.gps[i].isUsbl;
+        source->number =
+            isUsbl ? static_cast<std::uint8_t>(kFirstUsbl + usbls++) : static_cast<std::uint8_t>(i);
+        if (!source->stream.Open(plan.gps[i].source, isUsbl ? kUsblLayout : kGpsLayout)) {
             missing.push_back(static_cast<int>(i));
             continue;
         }
@@ -105,42 +99,70 @@ void CFixReader::Advance(SSource& source) {
     source.hasNext = false;
 }
 
-bool CFixReader::MakeFix(const SSource& source, const CPayload& payload, SPositionFix& fix) const {
-    constexpr auto at = [](const char* name) consteval { return kGpsLayout.OffsetOf(name); };
-    const auto mode = payload.Get<std::uint8_t>(at("GPS mode"));
-    if (mode >= kModes.size() || !kModes[mode].taken) return false;
-    const double delay = payload.Get<float>(at("Delay"));
-    const double latitude = payload.Get<double>(at("Latitude"));
-    const double longitude = payload.Get<double>(at("Longitude"));
-    const double altitude = payload.Get<float>(at("Altitude"));
-    const double separation = payload.Get<float>(at("Geoidal sep"));
+namespace {
+
+// Where a packet of positions has its fields.
+struct SPositionFields {
+    std::uint32_t delay, horizontal, vertical, mode, latitude, longitude, altitude, north, east, up,
+        covariance;
+};
+consteval SPositionFields FieldsOf(const SPacketLayout& layout, std::string_view mode) {
+    const auto at = [&](std::string_view name) { return layout.OffsetOf(name); };
+    return {at("Delay"),
+            at("Horizontal rejection"),
+            at("Vertical rejection"),
+            at(mode),
+            at("Latitude"),
+            at("Longitude"),
+            at("Altitude"),
+            at("Std. dev. north"),
+            at("Std. dev. east"),
+            at("Std. dev. altitude"),
+            at("Covariance XY")};
+}
+constexpr SPositionFields kGpsFields = FieldsOf(kGpsLayout, "GPS mode");
+constexpr SPositionFields kUsblFields = FieldsOf(kUsblLayout, "Mode");
+constexpr std::uint8_t kRelative = 2; // mode of a USBL position that is none of the earth
+constexpr SModeDeviation kUsblDeviation{true, 3.0, 3.0};
+
+} // namespace
+
+bool CFixReader::MakeFix(SSource& source, const CPayload& payload, SPositionFix& fix) {
+    const bool isUsbl = source.plan->isUsbl;
+    const SPositionFields& at = isUsbl ? kUsblFields : kGpsFields;
+    const auto mode = payload.Get<std::uint8_t>(at.mode);
+    if (isUsbl ? mode == kRelative : mode >= kModes.size() || !kModes[mode].taken) return false;
+    const double delay = payload.Get<float>(at.delay);
+    const double latitude = payload.Get<double>(at.latitude);
+    const double longitude = payload.Get<double>(at.longitude);
+    const double altitude = payload.Get<float>(at.altitude);
     if (!(std::abs(latitude) <= 90.0) || !(std::abs(longitude) <= 360.0) || !(std::abs(altitude) < 1e6))
         return false;
 
     // The delay is the age of the position at the packet's date.
     fix.time = payload.GetSeconds() + source.stream.GetTimeOffset() - (std::isfinite(delay) ? delay : 0.0);
     if (!(std::abs(fix.time) < 1e9)) return false;
-    fix.geoidHeight = std::abs(separation) < 1e3 ? separation : 0.0;
+    if (!isUsbl) {
+        const double separation = payload.Get<float>(kGpsLayout.OffsetOf("Geoidal sep"));
+        m_geoidHeight = std::abs(separation) < 1e3 ? separation : 0.0;
+    }
+    fix.geoidHeight = m_geoidHeight;
     fix.position = {latitude * kRadiansPerDegree, longitude * kRadiansPerDegree,
                     altitude + (m_plan->aboveGeoid ? fix.geoidHeight : 0.0)};
     fix.leverArm = source.plan->leverArm;
     fix.source = source.number;
 
-    SFixDeviation stated{payload.Get<float>(at("Std. dev. north")), payload.Get<float>(at("Std. dev. east")),
-                         payload.Get<float>(at("Std. dev. altitude")),
-                         payload.Get<float>(at("Covariance XY"))};
+    SFixDeviation stated{payload.Get<float>(at.north), payload.Get<float>(at.east), payload.Get<float>(at.up),
+                         payload.Get<float>(at.covariance)};
     if (const SFixDeviation* user = FindInForce(source.plan->userDeviations, fix.time)) stated = *user;
-    SetVariances(stated, source.plan->leastDeviation, kModes[mode], fix);
+    SetVariances(stated, source.plan->leastDeviation, isUsbl ? kUsblDeviation : kModes[mode], fix);
 
-    fix.horizontal = UseOf(payload.Get<std::uint8_t>(at("Horizontal rejection")));
-    fix.vertical = UseOf(payload.Get<std::uint8_t>(at("Vertical rejection")));
-    if (const ERejection* rejection = FindInForce(source.plan->rejections, fix.time)) {
-        constexpr EUse uses[] = {EUse::tested, EUse::never, EUse::always, EUse::reacquired};
-        if (*rejection != ERejection::asPacketSays) fix.horizontal = uses[static_cast<int>(*rejection)];
-    }
+    fix.horizontal =
+        CombineUse(payload.Get<std::uint8_t>(at.horizontal), FindInForce(source.plan->rejections, fix.time));
+    fix.vertical = CombineUse(payload.Get<std::uint8_t>(at.vertical), nullptr);
     if (const EHeightAid* aid = FindInForce(m_plan->heightAids, fix.time)) {
-        if (*aid == EHeightAid::other) fix.vertical = EUse::never;
-        if (*aid == EHeightAid::gps && fix.vertical == EUse::never) fix.vertical = EUse::tested;
+        if (*aid == EHeightAid::depth || *aid == EHeightAid::reference) fix.vertical = EUse::never;
+        if (*aid == EHeightAid::gps && !isUsbl && fix.vertical == EUse::never) fix.vertical = EUse::tested;
     }
     return fix.horizontal != EUse::never || fix.vertical != EUse::never;
 }

@@ -1,4 +1,4 @@
-// The fixes of all GPS of a run, in one order of their instants of validity.
+// The fixes of all GPS and USBL of a run, in one order of their instants of validity.
 #pragma once
 
 #include "morvex/measurements.h"
@@ -33,9 +33,10 @@ class CFixReader {
     };
     void Advance(SSource& source);
     void FindFirst();
-    bool MakeFix(const SSource& source, const CPayload& payload, SPositionFix& fix) const;
+    bool MakeFix(SSource& source, const CPayload& payload, SPositionFix& fix);
 
     const SRunPlan* m_plan = nullptr;
+    double m_geoidHeight = 0.0; // that a GPS stated last, m
     std::vector<std::unique_ptr<SSource>> m_sources;
     std::size_t m_first = 0; // the source whose fix is next; beyond the last at the end
 };

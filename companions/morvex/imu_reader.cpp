@@ -24,7 +24,7 @@ bool CImuReader::Open(const SRunPlan& plan) {
     m_angleScale = Compagnon::kRadiansPerFogCount * plan.unitToVessel;
     m_velocityScale = Compagnon::kSpeedPerAccCount * plan.unitToVessel;
 
-    // The usual span is the median of the first ones: dates jitter, and packets may be missing.
+    // Late dates come in pairs of a long and a short span, and packets may be missing: the median.
     std::vector<double> spans;
     SRaw raw, last;
     if (!ReadRaw(last)) return false;
@@ -33,13 +33,24 @@ bool CImuReader::Open(const SRunPlan& plan) {
         last = raw;
     }
     if (spans.empty()) return false;
-    std::nth_element(spans.begin(), spans.begin() + static_cast<std::ptrdiff_t>(spans.size() / 2),
-                     spans.end());
-    m_nominal = spans[spans.size() / 2];
+    const auto middle = spans.begin() + static_cast<std::ptrdiff_t>(spans.size() / 2);
+    std::nth_element(spans.begin(), middle, spans.end());
+    m_nominal = *middle;
+    // The mean of the spans near the median is free of the rounding of single dates.
+    double sum = 0.0;
+    int count = 0;
+    for (const double span : spans)
+        if (std::abs(span - m_nominal) < 0.25 * m_nominal) {
+            sum += span;
+            ++count;
+        }
+    m_nominal = sum / count;
 
     if (!m_stream.Open(plan.imu, kImuLayout)) return false;
     m_hasNext = ReadRaw(m_next);
     m_last = m_next.time - m_nominal;
+    m_clock = CImuClock(m_nominal);
+    m_bridge = {};
     return m_hasNext;
 }
 
@@ -48,6 +59,7 @@ bool CImuReader::ReadRaw(SRaw& raw) {
     while (m_stream.Next(payload)) {
         raw.time = payload.GetSeconds() + m_stream.GetTimeOffset();
         if (!(std::abs(raw.time) < kLargestDate)) continue;
+        raw.counter = payload.Get<std::uint16_t>(kImuLayout.OffsetOf("FrameCounter"));
         constexpr std::array<std::uint32_t, 3> fog{kImuLayout.OffsetOf("Fog 1"), kImuLayout.OffsetOf("Fog 2"),
                                                    kImuLayout.OffsetOf("Fog 3")};
         constexpr std::array<std::uint32_t, 3> acc{kImuLayout.OffsetOf("Acc 1"), kImuLayout.OffsetOf("Acc 2"),
@@ -68,16 +80,18 @@ bool CImuReader::Next(SImuSample& sample) {
     while (m_hasNext) {
         const SRaw raw = m_next;
         m_hasNext = ReadRaw(m_next);
-        const double span = raw.time - m_last;
-        if (!(span > 0.0)) continue;
-        if (span > kImplausibleJump && m_hasNext && m_next.time < raw.time && m_next.time > m_last) continue;
-        sample = {raw.time, span, raw.angle, raw.velocity};
-        if (span > 1.75 * m_nominal) {
-            sample.gap = span - m_nominal;
-            sample.angle *= span / m_nominal;
-            sample.velocity *= span / m_nominal;
-        }
-        m_last = raw.time;
+        if (raw.time - m_last > kImplausibleJump && m_hasNext && m_next.time < raw.time &&
+            m_next.time > m_last)
+            continue;
+        const auto span = m_clock.Add(raw.time, raw.counter);
+        if (!span) continue;
+        sample = {};
+        sample.time = m_last = span->time;
+        sample.span = span->length;
+        sample.gap = span->lost > 0 ? std::max(span->length - m_nominal, 0.0) : 0.0;
+        sample.angle = raw.angle;
+        sample.velocity = raw.velocity;
+        m_bridge.Fill(sample, m_nominal);
         return true;
     }
     return false;

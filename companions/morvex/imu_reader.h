@@ -1,6 +1,8 @@
 // The inertial data of a recording as samples in vessel axes.
 #pragma once
 
+#include "morvex/gap_bridge.h"
+#include "morvex/imu_clock.h"
 #include "morvex/measurements.h"
 #include "morvex/packet_stream.h"
 #include "morvex/run_plan.h"
@@ -11,8 +13,8 @@ class CImuReader {
   public:
     // False when there is no such file or channel, or less than two packets in it.
     bool Open(const SRunPlan& plan);
-    // The next sample; false at the end. Packets dated before their predecessor, and single ones dated far
-    // ahead of their successor, are left out.
+    // The next sample; false at the end. Leaves out doubled packets and single ones dated far ahead of their
+    // successor, sets late dates right, and bridges lost packets.
     bool Next(SImuSample& sample);
 
     double GetNominalSpan() const { return m_nominal; }
@@ -21,6 +23,7 @@ class CImuReader {
   private:
     struct SRaw {
         double time = 0.0;
+        std::uint16_t counter = 0;
         Vector3d angle = Vector3d::Zero();
         Vector3d velocity = Vector3d::Zero();
     };
@@ -33,6 +36,8 @@ class CImuReader {
     bool m_hasNext = false;
     double m_last = 0.0;
     double m_nominal = 0.0;
+    CImuClock m_clock;
+    CGapBridge m_bridge;
 };
 
 } // namespace Morvex

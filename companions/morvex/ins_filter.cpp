@@ -30,15 +30,15 @@ SFilterState SFilterState::Reversed() const {
     reversed.navigation.time = -navigation.time;
     reversed.navigation.velocity = -navigation.velocity;
     reversed.gyroBias = -gyroBias;
-    StateVector signs = StateVector::Ones();
+    StateVector signs = StateVector::Ones(covariance.rows());
     signs.segment<3>(stateVelocity).setConstant(-1.0);
     signs.segment<3>(stateGyroBias).setConstant(-1.0);
     reversed.covariance = signs.asDiagonal() * covariance * signs.asDiagonal();
     return reversed;
 }
 
-StateMatrix ErrorDynamics(const SNavigation& navigation, const Vector3d& levelForce, const Matrix3d& attitude,
-                          double direction) {
+CoreMatrix ErrorDynamics(const SNavigation& navigation, const Vector3d& levelForce, const Matrix3d& attitude,
+                         double direction) {
     const Vector3d& v = navigation.velocity;
     const SEarth earth(navigation.position[0], navigation.position[2], v, direction);
     const double rm = earth.meridian, rn = earth.normal, t = earth.tangent;
@@ -54,7 +54,7 @@ StateMatrix ErrorDynamics(const SNavigation& navigation, const Vector3d& levelFo
     transportByVelocity(1, 0) = 1.0 / rm;
     transportByVelocity(2, 1) = -t / rn;
 
-    StateMatrix f = StateMatrix::Zero();
+    CoreMatrix f = CoreMatrix::Zero();
     f.block<3, 3>(statePosition, stateVelocity).setIdentity();
     f(0, 0) = v.z() / rm;
     f(0, 2) = -v.x() / rm;
@@ -78,13 +78,43 @@ StateMatrix ErrorDynamics(const SNavigation& navigation, const Vector3d& levelFo
     return f;
 }
 
-CInsFilter::CInsFilter(const SFilterState& start, const SSensorGrade& grade, EMode mode)
+CInsFilter::CInsFilter(const SFilterState& start, const SSensorGrade& grade, EMode mode,
+                       const CStateLayout& layout)
     : m_state(start),
       m_strapdown(start.navigation, start.direction),
       m_grade(grade),
       m_mode(mode),
+      m_layout(layout),
       m_contradictedSince{kNone, kNone},
-      m_lastFix(kNone) {}
+      m_lastFix(kNone) {
+    const int size = layout.GetSize();
+    const auto had = static_cast<int>(m_state.covariance.rows());
+    if (had < size) {
+        m_state.covariance.conservativeResizeLike(StateMatrix::Zero(size, size));
+        m_state.sensors = StateVector::Zero(size - kStates);
+        for (const SGroupRow& any : kGroupRows) {
+            const SGroupRow& row = layout.GetRow(any.group);
+            const int first = layout.Find(any.group);
+            for (int i = 0; first >= 0 && i < row.size; ++i)
+                m_state.covariance(first + i, first + i) = row.deviation * row.deviation;
+        }
+    }
+    m_transition = StateMatrix::Identity(size, size);
+    m_corrected = StateVector::Zero(size);
+}
+
+StateMatrix CInsFilter::TakeTransition() {
+    PropagateCovariance();
+    StateMatrix transition = m_transition;
+    m_transition.setIdentity();
+    return transition;
+}
+
+StateVector CInsFilter::TakeCorrection() {
+    StateVector correction = m_corrected;
+    m_corrected.setZero();
+    return correction;
+}
 
 void CInsFilter::Advance(const SImuSample& sample) {
     SImuSample corrected = sample;
@@ -104,14 +134,41 @@ void CInsFilter::Advance(const SImuSample& sample) {
 void CInsFilter::PropagateCovariance() {
     const double dt = m_pending;
     if (dt <= 0.0) return;
-    const StateMatrix a =
+    const CoreMatrix a =
         dt * ErrorDynamics(m_strapdown.Get(), m_pendingForce / dt, m_pendingAttitude / dt, m_state.direction);
-    StateMatrix transition = a + 0.5 * a * a;
+    CoreMatrix transition = a + 0.5 * a * a;
     transition.diagonal().array() += 1.0;
 
+    // The sensors' states drive nothing of the navigation: their part of the transition is a diagonal.
     StateMatrix& p = m_state.covariance;
-    const StateMatrix half = transition * p;
-    p.noalias() = half * transition.transpose();
+    const CoreMatrix half = transition * p.topLeftCorner<kStates, kStates>();
+    p.topLeftCorner<kStates, kStates>().noalias() = half * transition.transpose();
+    const auto sensors = p.rows() - kStates;
+    if (sensors > 0) {
+        StateVector keep = StateVector::Ones(sensors);
+        StateVector noise = StateVector::Zero(sensors);
+        for (const SGroupRow& any : kGroupRows) {
+            const int first = m_layout.Find(any.group) - kStates;
+            if (first < 0) continue;
+            const SGroupRow& row = m_layout.GetRow(any.group);
+            const double fade = row.time > 0.0 ? std::exp(-dt / row.time) : 1.0;
+            const double walk =
+                row.drift * row.drift * dt + row.deviation * row.deviation * (1.0 - fade * fade);
+            keep.segment(first, row.size).setConstant(fade);
+            noise.segment(first, row.size).setConstant(walk);
+        }
+        m_state.sensors.array() *= keep.array();
+        p.topRightCorner(kStates, sensors) =
+            (transition * p.topRightCorner(kStates, sensors) * keep.asDiagonal()).eval();
+        p.bottomLeftCorner(sensors, kStates) = p.topRightCorner(kStates, sensors).transpose();
+        p.bottomRightCorner(sensors, sensors) =
+            (keep.asDiagonal() * p.bottomRightCorner(sensors, sensors) * keep.asDiagonal()).eval();
+        p.bottomRightCorner(sensors, sensors).diagonal() += noise;
+        m_transition.bottomRows(sensors) = (keep.asDiagonal() * m_transition.bottomRows(sensors)).eval();
+    }
+    if (m_mode == EMode::navigation)
+        m_transition.topLeftCorner<kStates, kStates>() =
+            (transition * m_transition.topLeftCorner<kStates, kStates>()).eval();
 
     // The noise is the same along all axes of the unit, so it needs no turning into the level.
     auto addNoise = [&p](int group, double variance) { p.diagonal().segment<3>(group).array() += variance; };
@@ -121,7 +178,9 @@ void CInsFilter::PropagateCovariance() {
     addNoise(stateVelocity, m_grade.accelNoise * m_grade.accelNoise * dt);
     addNoise(stateGyroBias, m_grade.gyroDrift * m_grade.gyroDrift * dt);
     addNoise(stateAccelBias, m_grade.accelDrift * m_grade.accelDrift * dt);
-    p = (0.5 * (p + p.transpose())).eval();
+    p.topLeftCorner<kStates, kStates>() =
+        (0.5 * (p.topLeftCorner<kStates, kStates>() + p.topLeftCorner<kStates, kStates>().transpose()))
+            .eval();
 
     m_pending = 0.0;
     m_pendingForce.setZero();
@@ -129,68 +188,78 @@ void CInsFilter::PropagateCovariance() {
     m_pendingRotation.setZero();
 }
 
-template <int N>
-EFixResult CInsFilter::UpdatePart(const Eigen::Matrix<double, N, kStates>& h,
-                                  const Eigen::Matrix<double, N, 1>& innovation,
-                                  const Eigen::Matrix<double, N, N>& noise, EUse use,
-                                  double& contradictedSince, SFixOutcome& outcome, StateVector& correction) {
-    using Square = Eigen::Matrix<double, N, N>;
-    if (use == EUse::never) return EFixResult::notTaken;
+EFixResult CInsFilter::UpdatePart(const SObservation& observation, double& contradictedSince, bool givesIn,
+                                  SFixOutcome& outcome, StateVector& correction) {
+    using Small = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, 0, 3, 3>;
+    using Column = Eigen::Matrix<double, Eigen::Dynamic, 1, 0, 3, 1>;
+    using Wide = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, 0, 3, kMostStates>;
+    using Tall = Eigen::Matrix<double, Eigen::Dynamic, Eigen::Dynamic, 0, kMostStates, 3>;
+    if (observation.use == EUse::never) return EFixResult::notTaken;
     StateMatrix& p = m_state.covariance;
+    const int n = observation.size;
+    const Wide h = observation.h.topLeftCorner(n, p.cols());
     // What an earlier part of the same fix has corrected is taken off.
-    const Eigen::Matrix<double, N, 1> z = innovation - h * correction;
-    Square r = noise;
-    Eigen::Matrix<double, kStates, N> ph = p * h.transpose();
-    Square s = h * ph + r;
-    Eigen::LLT<Square> llt(s);
+    const Column z = observation.innovation.head(n) - h * correction;
+    Small r = observation.noise.topLeftCorner(n, n);
+    Tall ph = p * h.transpose();
+    Small s = h * ph + r;
+    Eigen::LLT<Small> llt(s);
     if (llt.info() != Eigen::Success) return EFixResult::rejected;
-    double distance = z.dot(llt.solve(z));
+    const double distance = z.dot(llt.solve(z));
     if (!std::isfinite(distance)) return EFixResult::rejected;
     const double logDeterminant = 2.0 * llt.matrixLLT().diagonal().array().log().sum();
     outcome.logLikelihood -= 0.5 * (std::min(distance, kLargestCost) + logDeterminant);
     outcome.distance += distance;
-    outcome.dimension += N;
+    outcome.dimension += n;
 
     EFixResult result = EFixResult::accepted;
     const double time = m_strapdown.Get().time;
-    const bool contradicts = distance > kGate[N] && use != EUse::always;
+    const bool contradicts = distance > kGate[n] && observation.use != EUse::always;
     if (contradicts && m_mode == EMode::navigation) {
         if (std::isnan(contradictedSince)) contradictedSince = time;
-        const double patience = GetPatience(use);
-        if (time - contradictedSince > kGiveInAfter * patience) {
+        const double patience = GetPatience(observation.use);
+        if (givesIn && time - contradictedSince > kGiveInAfter * patience) {
             // As much uncertainty of position, and of a velocity that may have caused it, as makes the fix
             // plausible.
-            for (int i = 0; i < N; ++i) {
+            for (int i = 0; i < n; ++i) {
                 Eigen::Index state = 0;
-                h.row(i).template head<3>().cwiseAbs().maxCoeff(&state);
+                h.row(i).head(3).cwiseAbs().maxCoeff(&state);
                 const double miss = z[i] * z[i];
                 p(state, state) += miss;
                 p(stateVelocity + state, stateVelocity + state) += miss / (patience * patience);
             }
             ph = p * h.transpose();
             result = EFixResult::forced;
-        } else if (distance > kFarOut * kGate[N]) {
+        } else if (distance > kFarOut * kGate[n]) {
             return EFixResult::rejected;
         }
     }
     if (contradicts) {
         // Between the gate and far out a fix pulls as much as one on the gate would (Huber, Robust
         // Statistics).
-        if (result == EFixResult::accepted) r *= distance / kGate[N];
+        if (result == EFixResult::accepted) r *= distance / kGate[n];
         s = h * ph + r;
         llt.compute(s);
         if (llt.info() != Eigen::Success) return EFixResult::rejected;
     }
     if (!contradicts || result == EFixResult::forced) contradictedSince = kNone;
 
-    const Eigen::Matrix<double, kStates, N> gain = llt.solve(ph.transpose()).transpose();
+    const Tall gain = llt.solve(ph.transpose()).transpose();
     correction += gain * z;
-    // Joseph's form keeps the covariance positive over millions of updates.
-    StateMatrix keep = -gain * h;
-    keep.diagonal().array() += 1.0;
-    const StateMatrix half = keep * p;
-    p.noalias() = half * keep.transpose();
-    p.noalias() += gain * r * gain.transpose();
+    // Joseph's form multiplied out: as tolerant of an inexact gain, without products of the whole matrix.
+    const Tall back = gain * s - ph;
+    p.noalias() += back * gain.transpose();
+    p.noalias() -= gain * ph.transpose();
+    p = (0.5 * (p + p.transpose())).eval();
+    return result;
+}
+
+EFixResult CInsFilter::Observe(const SObservation& observation, double& contradictedSince,
+                               SFixOutcome& outcome) {
+    PropagateCovariance();
+    StateVector correction = StateVector::Zero(m_state.covariance.rows());
+    const EFixResult result = UpdatePart(observation, contradictedSince, false, outcome, correction);
+    ApplyCorrection(correction);
     return result;
 }
 
@@ -198,23 +267,39 @@ SFixOutcome CInsFilter::Update(const SPositionFix& fix) {
     PropagateCovariance();
     SFixOutcome outcome;
     const SNavigation& navigation = m_strapdown.Get();
-    const Vector3d arm = navigation.attitude * fix.leverArm;
+    const int armState = fix.source == 0 ? m_layout.Find(EGroup::gpsArm) : -1;
+    const int biasState = fix.source >= kFirstUsbl ? m_layout.Find(EGroup::usblBias) : -1;
+    const Vector3d vesselArm =
+        armState < 0 ? fix.leverArm : Vector3d(fix.leverArm + GetSensor3(EGroup::gpsArm));
+    const Vector3d arm = navigation.attitude * vesselArm;
     outcome.innovation = MetresBetween(navigation.position, fix.position) - arm;
+    if (biasState >= 0) outcome.innovation -= GetSensor3(EGroup::usblBias);
 
-    Eigen::Matrix<double, 3, kStates> h = Eigen::Matrix<double, 3, kStates>::Zero();
+    Eigen::Matrix<double, 3, kMostStates> h = Eigen::Matrix<double, 3, kMostStates>::Zero();
     h.block<3, 3>(0, statePosition).setIdentity();
     h.block<3, 3>(0, stateAttitude) = -SkewOf(arm);
-    Eigen::Matrix2d noise;
-    noise << fix.varianceNorth, -fix.covarianceNorthEast, -fix.covarianceNorthEast, fix.varianceEast;
+    if (armState >= 0) h.block<3, 3>(0, armState) = navigation.attitude.toRotationMatrix();
+    if (biasState >= 0) h.block<3, 3>(0, biasState).setIdentity();
 
-    StateVector correction = StateVector::Zero();
-    outcome.horizontal = UpdatePart<2>(h.topRows<2>(), outcome.innovation.head<2>(), noise, fix.horizontal,
-                                       m_contradictedSince[0], outcome, correction);
-    outcome.vertical = UpdatePart<1>(h.bottomRows<1>(), outcome.innovation.tail<1>(),
-                                     Eigen::Matrix<double, 1, 1>(fix.varianceUp), fix.vertical,
-                                     m_contradictedSince[1], outcome, correction);
+    SObservation horizontal(2), vertical(1);
+    horizontal.h.topRows<2>() = h.topRows<2>();
+    horizontal.innovation.head<2>() = outcome.innovation.head<2>();
+    horizontal.noise.topLeftCorner<2, 2>() << fix.varianceNorth, -fix.covarianceNorthEast,
+        -fix.covarianceNorthEast, fix.varianceEast;
+    horizontal.use = fix.horizontal;
+    vertical.h.row(0) = h.row(2);
+    vertical.innovation[0] = outcome.innovation[2];
+    vertical.noise(0, 0) = fix.varianceUp;
+    vertical.use = fix.vertical;
+
+    StateVector correction = StateVector::Zero(m_state.covariance.rows());
+    const bool givesIn = fix.source < kFirstUsbl;
+    double ignored[2] = {kNone, kNone};
+    double* since = givesIn ? m_contradictedSince : ignored;
+    outcome.horizontal = UpdatePart(horizontal, since[0], givesIn, outcome, correction);
+    outcome.vertical = UpdatePart(vertical, since[1], givesIn, outcome, correction);
     ApplyCorrection(correction);
-    Doubt(fix);
+    if (givesIn) Doubt(fix);
     return outcome;
 }
 
@@ -229,27 +314,25 @@ void CInsFilter::Doubt(const SPositionFix& fix) {
     const double since = std::isnan(m_lastFix) ? 0.0 : std::min(fix.time - m_lastFix, 2.0);
     m_lastFix = fix.time;
     if (m_mode != EMode::navigation || since <= 0.0) return;
-    StateVector factor = StateVector::Ones();
+    StateVector factor = StateVector::Ones(m_state.covariance.rows());
     if (!std::isnan(m_contradictedSince[0]))
         factor.head<9>().setConstant(std::exp(0.5 * since / GetPatience(fix.horizontal)));
     if (!std::isnan(m_contradictedSince[1]))
         factor[statePosition + 2] = factor[stateVelocity + 2] =
             std::exp(0.5 * since / GetPatience(fix.vertical));
     if (factor.maxCoeff() == 1.0) return;
-    m_state.covariance = factor.asDiagonal() * m_state.covariance * factor.asDiagonal();
+    m_state.covariance = (factor.asDiagonal() * m_state.covariance * factor.asDiagonal()).eval();
 }
 
 void CInsFilter::HoldHeight(double height, double deviation) {
-    PropagateCovariance();
-    Eigen::Matrix<double, 1, kStates> h = Eigen::Matrix<double, 1, kStates>::Zero();
-    h(0, statePosition + 2) = 1.0;
+    SObservation observation(1);
+    observation.h(0, statePosition + 2) = 1.0;
+    observation.innovation[0] = height - m_strapdown.Get().position[2];
+    observation.noise(0, 0) = deviation * deviation;
+    observation.use = EUse::always;
     SFixOutcome outcome;
-    StateVector correction = StateVector::Zero();
-    double ignored = kNone;
-    UpdatePart<1>(h, Eigen::Matrix<double, 1, 1>(height - m_strapdown.Get().position[2]),
-                  Eigen::Matrix<double, 1, 1>(deviation * deviation), EUse::always, ignored, outcome,
-                  correction);
-    ApplyCorrection(correction);
+    double since = kNone;
+    Observe(observation, since, outcome);
 }
 
 void CInsFilter::ApplyCorrection(const StateVector& correction) {
@@ -257,17 +340,19 @@ void CInsFilter::ApplyCorrection(const StateVector& correction) {
                         correction.segment<3>(stateAttitude));
     m_state.gyroBias += correction.segment<3>(stateGyroBias);
     m_state.accelBias += correction.segment<3>(stateAccelBias);
+    m_state.sensors += correction.tail(correction.size() - kStates);
+    m_corrected += correction;
 }
 
-void CInsFilter::AdmitGap(double seconds) {
+void CInsFilter::AdmitGap(const SImuSample& sample, double share) {
     PropagateCovariance();
-    // Turns and accelerations of an ordinary vehicle that nobody saw.
-    const double turn = std::min(0.1 * seconds, 1.0);
-    const double speed = std::min(1.0 * seconds, 20.0);
-    auto diagonal = m_state.covariance.diagonal();
-    diagonal.segment<3>(stateAttitude).array() += turn * turn;
-    diagonal.segment<3>(stateVelocity).array() += speed * speed;
-    diagonal.segment<3>(statePosition).array() += 0.25 * speed * speed * seconds * seconds;
+    const Matrix3d toLevel = m_strapdown.Get().attitude.toRotationMatrix();
+    const Matrix3d turn = share * toLevel * sample.gapTurn.cwiseAbs2().asDiagonal() * toLevel.transpose();
+    const Matrix3d speed = share * toLevel * sample.gapSpeed.cwiseAbs2().asDiagonal() * toLevel.transpose();
+    StateMatrix& p = m_state.covariance;
+    p.block<3, 3>(stateAttitude, stateAttitude) += turn;
+    p.block<3, 3>(stateVelocity, stateVelocity) += speed;
+    p.block<3, 3>(statePosition, statePosition) += 0.25 * share * share * sample.gap * sample.gap * speed;
 }
 
 const SFilterState& CInsFilter::Get() {

@@ -15,8 +15,11 @@ struct SImuSample {
     double span = 0.0;                    // its length, s, above 0
     Vector3d angle = Vector3d::Zero();    // rotation, rad
     Vector3d velocity = Vector3d::Zero(); // integral of the specific force, m/s
-    // The share of the span for which data is missing, s; there the rates of the rest are taken to hold.
+    // The share of the span for which data is missing and was bridged, s.
     double gap = 0.0;
+    // How far the bridge may be off, by axis: standard deviations of its angle, rad, and its speed, m/s.
+    Vector3d gapTurn = Vector3d::Zero();
+    Vector3d gapSpeed = Vector3d::Zero();
 };
 
 // Whether a measurement is taken.
@@ -27,7 +30,10 @@ enum class EUse : std::uint8_t {
     reacquired, // the same, given in to sooner
 };
 
-// A position of a GPS antenna.
+// Number of the first USBL among the sources of positions.
+inline constexpr std::uint8_t kFirstUsbl = 3;
+
+// A position of a GPS antenna or of a transponder.
 struct SPositionFix {
     double time = 0.0;                    // instant of validity, s
     Vector3d position = Vector3d::Zero(); // latitude and longitude in rad, height above the ellipsoid in m
@@ -39,7 +45,7 @@ struct SPositionFix {
     double geoidHeight = 0.0; // of the geoid above the ellipsoid, m
     EUse horizontal = EUse::tested;
     EUse vertical = EUse::tested;
-    std::uint8_t source = 0; // which GPS, 0 to 2
+    std::uint8_t source = 0; // GPS 0 to 2, or USBL from kFirstUsbl on
 };
 
 } // namespace Morvex

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace Morvex {
@@ -17,14 +18,19 @@ using Outils_Temps::CDateTime;
 using Outils_Temps::CDateTimeSpan;
 using Outils_Texte::FormatFixed;
 
-constexpr double kLongestGap = 10.0; // s of missing inertial data that are bridged
+constexpr double kLongestGap = 60.0; // s of missing inertial data that are bridged
 constexpr double kGapWithoutResult = 1.0;
 constexpr double kReadAhead = 30.0; // s, between two looks at the alignment
 constexpr double kGpsGap = 10.0;    // s, from which a gap is told
 constexpr int kMostGapsTold = 50;
 constexpr double kHeightUnaided = 120.0; // s, after which the height is held
 constexpr double kHeightHoldSpan = 10.0;
-constexpr double kHeightHoldDeviation = 30.0; // m
+constexpr double kHeightHoldDeviation = 20.0; // m, of the last height that was aided
+constexpr double kReferenceDeviation = 5.0;   // m, of the height that the user states
+constexpr double kRestSpan = 1.0;             // s, between two observations of a vehicle at rest
+constexpr double kEpochSpan = 1.0;            // s, longest between two epochs of the smoother
+constexpr double kJustBefore = 1e-7;          // s: a tick
+constexpr double kForwardShare = 0.8;         // of a smoothed run
 constexpr int kSamplesPerLook = 64;           // between two looks at the commands and the clock
 
 std::string Degrees(double radians) { return FormatFixed(radians / kRadiansPerDegree, 2); }
@@ -53,6 +59,42 @@ SNavigation Between(const SNavigation& a, const SNavigation& b, double time) {
     return result;
 }
 
+// A result that waits for its smoothed errors: bytes for a temporary file of this process.
+struct SOutput {
+    double values[15];
+    std::uint32_t status1, status2, sensorData;
+    const char* sensor;
+    std::size_t sensorSize;
+
+    SOutput() = default;
+    SOutput(const SNavigation& n, const SResultContext& c)
+        : values{n.time,         n.position[0], n.position[1],  n.position[2],  n.velocity[0],
+                 n.velocity[1],  n.velocity[2], n.attitude.w(), n.attitude.x(), n.attitude.y(),
+                 n.attitude.z(), c.geoidHeight, c.rate[0],      c.rate[1],      c.rate[2]},
+          status1(c.status1),
+          status2(c.status2),
+          sensorData(c.sensorData),
+          sensor(c.sensor.data()),
+          sensorSize(c.sensor.size()) {}
+
+    SNavigation GetNavigation() const {
+        return {values[0],
+                {values[1], values[2], values[3]},
+                {values[4], values[5], values[6]},
+                Quaterniond(values[7], values[8], values[9], values[10])};
+    }
+    SResultContext GetContext() const {
+        SResultContext context;
+        context.geoidHeight = values[11];
+        context.rate = Vector3d(values[12], values[13], values[14]);
+        context.status1 = status1;
+        context.status2 = status2;
+        context.sensorData = sensorData;
+        context.sensor = std::string_view(sensor, sensorSize);
+        return context;
+    }
+};
+
 } // namespace
 
 // First what was read ahead for the alignment, then the files.
@@ -75,8 +117,47 @@ class CNavigationRun::CFixSource {
     CFixReader& m_reader;
 };
 
+// Positions and other packets in one order of time.
+class CNavigationRun::CItems {
+  public:
+    struct SItem {
+        double time = 0.0;
+        const SPositionFix* fix = nullptr; // one of the two
+        const SAiding* aiding = nullptr;
+    };
+    CItems(CFixSource& fixes, CAidingReader& aidings) : m_fixes(fixes), m_aidings(aidings) {}
+    const SItem* Peek() {
+        const SPositionFix* fix = m_fixes.Peek();
+        const SAiding* aiding = m_aidings.Peek();
+        if (!fix && !aiding) return nullptr;
+        if (fix && (!aiding || fix->time <= aiding->time))
+            m_item = {fix->time, fix, nullptr};
+        else
+            m_item = {aiding->time, nullptr, aiding};
+        return &m_item;
+    }
+    void Pop() {
+        if (m_item.fix)
+            m_fixes.Pop();
+        else
+            m_aidings.Pop();
+    }
+
+  private:
+    CFixSource& m_fixes;
+    CAidingReader& m_aidings;
+    SItem m_item;
+};
+
 CNavigationRun::CNavigationRun(const SRunPlan& plan, IRunMonitor& monitor)
-    : m_plan(plan), m_monitor(monitor), m_schedule(plan), m_fixMonitor(plan.gps.size()) {}
+    : m_plan(plan),
+      m_monitor(monitor),
+      m_layout(MakeStateLayout(plan)),
+      m_schedule(plan),
+      m_fixMonitor(plan),
+      m_smoothing(plan.backwardAsked) {
+    m_contradicted.fill(std::nan(""));
+}
 
 void CNavigationRun::Tell(ELevel level, EText code, std::initializer_list<std::string_view> arguments) {
     const std::string text = Outils_Texte::FormatText(code, arguments);
@@ -92,7 +173,12 @@ ERunEnd CNavigationRun::Execute() {
         return ERunEnd::failed;
     }
     if (!m_plan.sensorsNotUsed.empty()) Tell(ELevel::warning, EText::sensorsNotUsed, {m_plan.sensorsNotUsed});
-    if (m_plan.backwardAsked) Tell(ELevel::warning, EText::forwardOnly);
+    const std::filesystem::path folder = m_plan.output.parent_path();
+    if (m_smoothing &&
+        !(m_smoother.Open(folder, m_layout.GetSize()) && m_outputs.Open(folder, sizeof(SOutput)))) {
+        Tell(ELevel::error, EText::temporaryFailed, {folder.string()});
+        return ERunEnd::failed;
+    }
     FindUtcOrigin();
 
     do {
@@ -102,6 +188,8 @@ ERunEnd CNavigationRun::Execute() {
         if (alignment && !m_stopped && !NavigateSegment(stretch, *alignment)) break;
     } while (m_hasCarry && !m_stopped && !m_writeFailed);
 
+    if (m_smoothing && m_navigated && !m_stopped && !m_writeFailed && !Smooth() && !m_stopped)
+        m_writeFailed = true;
     if (m_stopped) Tell(ELevel::information, EText::stopped);
     if (!m_stopped && !m_writeFailed) Finish();
     if (!m_result.Close()) m_writeFailed = true;
@@ -136,6 +224,9 @@ bool CNavigationRun::OpenInputs() {
         Tell(ELevel::error, EText::noGps);
         return false;
     }
+    for (const SAidingPlan* aiding : m_aidings.Open(m_plan))
+        Tell(ELevel::warning, EText::gpsChannelMissing,
+             {aiding->source.channel, aiding->source.path.string()});
     m_marks.Open(m_plan);
     SImuSample first;
     if (!NextSample(first)) {
@@ -260,17 +351,23 @@ std::optional<SAlignment> CNavigationRun::Align(SStretch& stretch) {
 }
 
 bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& alignment) {
-    CInsFilter filter(alignment.start, alignment.grade);
+    CInsFilter filter(alignment.start, alignment.grade, CInsFilter::EMode::navigation, m_layout);
     CFixSource fixes(stretch, m_fixes);
+    CItems items(fixes, m_aidings);
     const double begin = filter.GetNavigation().time;
+    m_aidings.SkipTo(begin);
     m_nextOutput = m_schedule.GetNextAfter(begin - 1e-6);
     m_nextHeightHold = begin + kHeightUnaided;
+    m_heldHeight = filter.GetNavigation().position[2];
+    m_nextRest = begin + kRestSpan;
     m_lastFix = begin;
     if (!stretch.fixes.empty()) m_fixMonitor.SetGeoidHeight(stretch.fixes.front().geoidHeight);
     while (m_marks.Peek() && m_marks.Peek()->time < begin) m_marks.Pop();
     m_navigated = true;
+    BeginEpoch(filter);
+    EndEpoch(filter, true);
     for (const SImuSample& sample : stretch.samples)
-        if (!NavigateSample(filter, sample, fixes)) return false;
+        if (!NavigateSample(filter, sample, items)) return false;
     if (m_segmentEnded) return true;
     SImuSample sample;
     while (NextSample(sample)) {
@@ -281,40 +378,112 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
             m_hasCarry = true;
             return true;
         }
-        if (!NavigateSample(filter, sample, fixes)) return false;
+        if (!NavigateSample(filter, sample, items)) return false;
     }
     return true;
 }
 
-bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample, CFixSource& fixes) {
-    const SNavigation before = filter.GetNavigation();
-    AdvanceThrough(filter, sample, fixes, [&](const SPositionFix& fix) {
-        m_fixMonitor.Add(fix, filter.Update(fix));
-        if (m_fixMonitor.GetLastUsed() == fix.time) TellGpsGap(fix.time);
+bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample, CItems& items) {
+    if (sample.gap > kGapWithoutResult) {
+        Tell(ELevel::warning, EText::imuGap,
+             {FormatFixed(sample.time - sample.gap, 1), FormatFixed(sample.time, 1)});
+        m_nextOutput = m_schedule.GetNextAfter(sample.time - 1e-6);
+        while (m_marks.Peek() && m_marks.Peek()->time < sample.time) m_marks.Pop();
+    }
+    SNavigation before = filter.GetNavigation();
+    const auto change = [&](double time, auto&& apply) {
+        if (!WriteBetween(filter, before, time - kJustBefore)) m_writeFailed = true;
+        BeginEpoch(filter);
+        apply();
+        EndEpoch(filter);
+        before = filter.GetNavigation();
+    };
+    AdvanceThrough(filter, sample, items, [&](const CItems::SItem& item) {
+        change(item.time, [&] { item.fix ? Use(filter, *item.fix) : Use(filter, *item.aiding); });
     });
     m_time = sample.time;
-    if (m_time - m_fixMonitor.GetLastHeight() > kHeightUnaided && m_time >= m_nextHeightHold) {
-        filter.HoldHeight(filter.GetNavigation().position[2], kHeightHoldDeviation);
-        m_nextHeightHold = m_time + kHeightHoldSpan;
-    }
-    if (sample.gap > kGapWithoutResult) {
-        m_nextOutput = m_schedule.GetNextAfter(m_time - 1e-6);
-        while (m_marks.Peek() && m_marks.Peek()->time < m_time) m_marks.Pop();
-    }
-    if (!WriteBetween(filter, before)) return false;
+    if (m_time >= m_nextRest) change(m_time, [&] { ObserveRest(filter); });
+    if (m_time >= m_nextHeightHold) change(m_time, [&] { ObserveHeight(filter); });
+    if (m_smoothing && m_time - m_lastEpoch >= kEpochSpan) change(m_time, [] {});
+    if (!WriteBetween(filter, before, m_time + kJustBefore) || m_writeFailed) return false;
     if (++m_samplesSinceAlive < kSamplesPerLook) return true;
     m_samplesSinceAlive = 0;
     return KeepAlive(m_time);
 }
 
-bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before) {
-    const double until = filter.GetNavigation().time + 1e-7;
+void CNavigationRun::Use(CInsFilter& filter, const SPositionFix& fix) {
+    const SFixOutcome outcome = filter.Update(fix);
+    m_fixMonitor.Add(fix, outcome);
+    if (m_fixMonitor.GetLastUsed() == fix.time) TellGpsGap(fix.time);
+    if (m_fixMonitor.GetLastHeight() == fix.time) m_heldHeight = filter.GetNavigation().position[2];
+}
+
+void CNavigationRun::Use(CInsFilter& filter, const SAiding& aiding) {
+    const EHeightAid* aid = FindInForce(m_plan.heightAids, aiding.time);
+    const bool otherHeight = aid && (*aid == EHeightAid::gps || *aid == EHeightAid::reference);
+    if (aiding.kind == EAiding::depth && otherHeight) return;
+    const SNavigation& navigation = filter.GetNavigation();
+    const SEarth earth(navigation.position[0], navigation.position[2], navigation.velocity);
+    SAidingContext context;
+    context.geoidHeight = m_fixMonitor.GetGeoidHeight();
+    context.rate = filter.GetStrapdown().GetRate() - navigation.attitude.conjugate() * earth.earthRate;
+    SFixOutcome outcome;
+    double& since = m_contradicted[static_cast<std::size_t>(aiding.kind)];
+    const EFixResult result = filter.Observe(ObserveAiding(aiding, filter, context), since, outcome);
+    m_fixMonitor.Add(aiding, result, outcome);
+    if (aiding.kind == EAiding::depth && result == EFixResult::accepted)
+        m_heldHeight = filter.GetNavigation().position[2];
+}
+
+void CNavigationRun::ObserveRest(CInsFilter& filter) {
+    m_nextRest = m_time + kRestSpan;
+    const double* deviation = FindInForce(m_plan.atRest, m_time);
+    if (!deviation || *deviation <= 0.0) return;
+    SObservation observation(3);
+    observation.innovation = -filter.GetNavigation().velocity;
+    observation.h.block<3, 3>(0, stateVelocity).setIdentity();
+    observation.noise = Matrix3d::Identity() * *deviation * *deviation;
+    SFixOutcome outcome;
+    double since = 0.0;
+    filter.Observe(observation, since, outcome);
+}
+
+// Without an aid the vertical channel errs exponentially: it is drawn to the height that the user states, or
+// to the last one that was aided.
+void CNavigationRun::ObserveHeight(CInsFilter& filter) {
+    m_nextHeightHold = m_time + kHeightHoldSpan;
+    const EHeightAid* aid = FindInForce(m_plan.heightAids, m_time);
+    if (aid && *aid == EHeightAid::reference) {
+        const double geoid = m_plan.aboveGeoid ? m_fixMonitor.GetGeoidHeight() : 0.0;
+        filter.HoldHeight(m_plan.referenceAltitude + geoid, kReferenceDeviation);
+    } else if (m_time - m_fixMonitor.GetLastHeightAid() > kHeightUnaided) {
+        filter.HoldHeight(m_heldHeight, kHeightHoldDeviation);
+    }
+}
+
+void CNavigationRun::BeginEpoch(CInsFilter& filter) {
+    if (!m_smoothing) return;
+    m_epoch.before = filter.Get().covariance;
+    m_epoch.transition = filter.TakeTransition();
+    filter.TakeCorrection();
+}
+
+void CNavigationRun::EndEpoch(CInsFilter& filter, bool begins) {
+    if (!m_smoothing) return;
+    m_epoch.time = m_lastEpoch = filter.GetNavigation().time;
+    m_epoch.begins = begins;
+    m_epoch.after = filter.Get().covariance;
+    m_epoch.correction = filter.TakeCorrection();
+    if (!m_smoother.Add(m_epoch)) m_writeFailed = true;
+}
+
+bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before, double until) {
     for (;;) {
         const SMark* mark = m_marks.Peek();
         const bool isMark = mark && mark->time < m_nextOutput;
         const double time = isMark ? mark->time : m_nextOutput;
         if (time > until) return true;
-        const StateMatrix& covariance = filter.Get().covariance;
+        const NavigationCovariance covariance = filter.Get().covariance.topLeftCorner<9, 9>();
         SResultContext context;
         context.geoidHeight = m_fixMonitor.GetGeoidHeight();
         context.rate = filter.GetStrapdown().GetRate();
@@ -324,7 +493,7 @@ bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before)
             context.sensor = mark->channel;
             context.sensorData = mark->data;
         }
-        if (!m_result.Write(Between(before, filter.GetNavigation(), time), covariance, context)) {
+        if (!WriteResult(Between(before, filter.GetNavigation(), time), covariance, context)) {
             m_writeFailed = true;
             return false;
         }
@@ -335,17 +504,58 @@ bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before)
     }
 }
 
+bool CNavigationRun::WriteResult(const SNavigation& navigation, const NavigationCovariance& covariance,
+                                 const SResultContext& context) {
+    if (!m_smoothing) return m_result.Write(navigation, covariance, context);
+    const SOutput output(navigation, context);
+    return m_outputs.Append(&output);
+}
+
+// The passes after the forward one: backwards over the epochs, and forward over the results that wait.
+bool CNavigationRun::Smooth() {
+    const auto goOn = [this](double share) {
+        m_monitor.Progress(100.0 * share);
+        m_stopped = m_stopped || !m_monitor.GoOn();
+        return !m_stopped;
+    };
+    constexpr double kBackwardShare = 0.1;
+    if (!m_smoother.Run([&](double share) { return goOn(kForwardShare + kBackwardShare * share); }))
+        return false;
+    constexpr double kBefore = kForwardShare + kBackwardShare;
+    for (std::int64_t i = 0; i < m_outputs.GetCount(); ++i) {
+        if (i % 256 == 0) {
+            const double share = static_cast<double>(i) / static_cast<double>(m_outputs.GetCount());
+            if (!goOn(std::min(kBefore + (1.0 - kBefore) * share, 0.999)) || !m_result.FlushIfDue())
+                return false;
+        }
+        const std::uint8_t* bytes = m_outputs.Read(i);
+        if (!bytes) return false;
+        SOutput output;
+        std::memcpy(&output, bytes, sizeof output);
+        NavigationErrors errors;
+        NavigationCovariance covariance;
+        SNavigation navigation = output.GetNavigation();
+        if (!m_smoother.GetErrors(navigation.time, errors, covariance)) return false;
+        CStrapdown corrected(navigation);
+        corrected.Correct(errors.segment<3>(statePosition), errors.segment<3>(stateVelocity),
+                          errors.segment<3>(stateAttitude));
+        if (!m_result.Write(corrected.Get(), covariance, output.GetContext())) return false;
+    }
+    return true;
+}
+
 // Tells a gap between the last fix that was used and this time, if there was one.
 void CNavigationRun::TellGpsGap(double time) {
     const double last = std::exchange(m_lastFix, time);
-    if (time - last < kGpsGap || ++m_gapsTold > kMostGapsTold) return;
+    if (time - last < kGpsGap || ++m_gaps > kMostGapsTold) return;
     Tell(ELevel::warning, EText::gpsGap,
          {FormatFixed(last, 1), FormatFixed(time, 1), FormatFixed(time - last, 1)});
 }
 
 bool CNavigationRun::KeepAlive(double time) {
     if (m_end > m_begin)
-        m_monitor.Progress(std::clamp(100.0 * (time - m_begin) / (m_end - m_begin), 0.0, 99.9));
+        m_monitor.Progress((m_smoothing ? kForwardShare : 1.0) *
+                           std::clamp(100.0 * (time - m_begin) / (m_end - m_begin), 0.0, 99.9));
     if (!m_result.FlushIfDue()) m_writeFailed = true;
     m_stopped = m_stopped || !m_monitor.GoOn();
     return !m_stopped && !m_writeFailed;
@@ -359,6 +569,12 @@ void CNavigationRun::Finish() {
     if (m_fixMonitor.GetRejectedCount() > 0)
         Tell(ELevel::warning, EText::rejectedFixes,
              {std::to_string(m_fixMonitor.GetRejectedCount()), std::to_string(m_fixMonitor.GetUsedCount())});
+    m_fixMonitor.ForEachAiding([&](std::string_view channel, const CFixMonitor::SUse& use) {
+        Tell(ELevel::information, EText::aidingUse,
+             {channel, std::to_string(use.used), std::to_string(use.rejected),
+              FormatFixed(use.components > 0 ? use.distance / use.components : 0.0, 2)});
+    });
+    if (m_gaps > 0 && !m_smoothing) Tell(ELevel::information, EText::smoothable, {std::to_string(m_gaps)});
     Tell(ELevel::information, EText::finished, {std::to_string(m_result.GetCount())});
 }
 

@@ -3,6 +3,7 @@
 
 #include "common/run_monitor.h"
 #include "foundation/texts.h"
+#include "morvex/aiding.h"
 #include "morvex/alignment.h"
 #include "morvex/fix_monitor.h"
 #include "morvex/fix_reader.h"
@@ -11,7 +12,10 @@
 #include "morvex/output_schedule.h"
 #include "morvex/result_writer.h"
 #include "morvex/run_plan.h"
+#include "morvex/smoother.h"
+#include "morvex/spool.h"
 
+#include <array>
 #include <initializer_list>
 #include <string_view>
 
@@ -36,6 +40,7 @@ class CNavigationRun {
 
   private:
     class CFixSource;
+    class CItems;
 
     bool OpenInputs();
     void FindUtcOrigin();
@@ -43,8 +48,19 @@ class CNavigationRun {
     bool ReadAhead(SStretch& stretch, double seconds);
     std::optional<SAlignment> Align(SStretch& stretch);
     bool NavigateSegment(const SStretch& stretch, const SAlignment& alignment);
-    bool NavigateSample(CInsFilter& filter, const SImuSample& sample, CFixSource& fixes);
-    bool WriteBetween(CInsFilter& filter, const SNavigation& before);
+    bool NavigateSample(CInsFilter& filter, const SImuSample& sample, CItems& items);
+    void Use(CInsFilter& filter, const SPositionFix& fix);
+    void Use(CInsFilter& filter, const SAiding& aiding);
+    void ObserveRest(CInsFilter& filter);
+    void ObserveHeight(CInsFilter& filter);
+    // Writes what is wanted up to `until`, interpolated from `before` to the filter's state.
+    bool WriteBetween(CInsFilter& filter, const SNavigation& before, double until);
+    bool WriteResult(const SNavigation& navigation, const NavigationCovariance& covariance,
+                     const SResultContext& context);
+    // What the pass backwards needs of a date: around every change of the filter's state.
+    void BeginEpoch(CInsFilter& filter);
+    void EndEpoch(CInsFilter& filter, bool begins = false);
+    bool Smooth();
     void TellGpsGap(double time);
     bool KeepAlive(double time);
     void Finish();
@@ -54,11 +70,20 @@ class CNavigationRun {
     IRunMonitor& m_monitor;
     CImuReader m_imu;
     CFixReader m_fixes;
+    CAidingReader m_aidings;
+    CStateLayout m_layout;
     CMarkReader m_marks;
     COutputSchedule m_schedule;
     CResultWriter m_result;
     CFixMonitor m_fixMonitor;
-    SImuSample m_carry; // the first sample behind a long gap
+    // With the algorithm Backward the results wait for their smoothed errors.
+    bool m_smoothing = false;
+    CSmoother m_smoother;
+    CSpool m_outputs;
+    SEpoch m_epoch;
+    double m_lastEpoch = 0.0;
+    std::array<double, static_cast<std::size_t>(EAiding::count)> m_contradicted{}; // since when, by kind
+    SImuSample m_carry; // the first sample after a long gap
     bool m_hasCarry = false;
     bool m_segmentEnded = false;
     bool m_stopped = false;
@@ -68,8 +93,10 @@ class CNavigationRun {
     double m_time = 0.0;               // how far the run has come, s
     double m_nextOutput = 0.0;
     double m_nextHeightHold = 0.0;
-    double m_lastFix = 0.0; // the last that was used, or the begin of the segment, s
-    int m_gapsTold = 0;
+    double m_heldHeight = 0.0; // when the height was aided last, m
+    double m_nextRest = 0.0;   // look at the periods at rest, s
+    double m_lastFix = 0.0;    // the last that was used, or the begin of the segment, s
+    int m_gaps = 0;            // without a position
     int m_samplesSinceAlive = 0;
 };
 

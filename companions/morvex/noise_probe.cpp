@@ -9,6 +9,7 @@ namespace {
 constexpr double kWindow = 20.0;       // s
 constexpr int kFewestDifferences = 12; // in a window
 constexpr double kQuiet = 0.05;        // share of the windows that are taken for quiet
+constexpr double kLongestBridge = 0.2; // s
 constexpr double kUnknown = 1e3;
 // A third difference of white noise has the variance of 1 + 9 + 9 + 1 of it.
 constexpr double kDifferenceVariance = 20.0;
@@ -18,7 +19,8 @@ constexpr double kDifferenceVariance = 20.0;
 void CNoiseProbe::Add(const SImuSample& sample) {
     for (std::size_t i = 0; i < kLengths.size(); ++i) {
         SLength& length = m_lengths[i];
-        if (sample.gap > 0.0) {
+        // A few lost samples are bridged from their neighbours, which adds next to nothing.
+        if (sample.gap > kLongestBridge) {
             length.sum.setZero();
             length.duration = 0.0;
             length.count = 0;

@@ -43,7 +43,7 @@ bool CResultWriter::Open(const SRunPlan& plan) {
     return true;
 }
 
-bool CResultWriter::Write(const SNavigation& navigation, const StateMatrix& covariance,
+bool CResultWriter::Write(const SNavigation& navigation, const NavigationCovariance& covariance,
                           const SResultContext& context) {
     m_packet.Clear();
     const CDateTimeSpan date = CDateTimeSpan::FromSeconds(navigation.time);

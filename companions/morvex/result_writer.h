@@ -4,6 +4,7 @@
 #include "foundation/date_time.h"
 #include "morvex/ins_filter.h"
 #include "morvex/run_plan.h"
+#include "morvex/smoother.h"
 #include "recording/recording_writer.h"
 #include "xpf/packets.h"
 
@@ -32,7 +33,8 @@ class CResultWriter {
     // The navigation at its time, with the covariance of a moment at most one sample away. Position 0 and the
     // speeds are those of the primary lever arm's point, positions 1 to 3 those of the secondary ones; the
     // attitude is that of the user's axes. False when the disk does not take it.
-    bool Write(const SNavigation& navigation, const StateMatrix& covariance, const SResultContext& context);
+    bool Write(const SNavigation& navigation, const NavigationCovariance& covariance,
+               const SResultContext& context);
     // A text longer than the packet's field is cut at a whole character.
     bool WriteMessage(double time, int level, std::string_view text);
     // Hands over to readers what waits since half a second or more.

@@ -44,26 +44,101 @@ SChannelPlan ChannelPlanOf(const CTrvSensor& sensor) {
     return plan;
 }
 
-SGpsPlan GpsPlanOf(const CTrvSensorGps& gps) {
+std::vector<SInPeriod<ERejection>> RejectionsOf(const CTrvSensor& sensor, std::size_t group) {
+    std::vector<SInPeriod<ERejection>> rejections;
+    if (group >= sensor.rejectionGroups.size()) return rejections;
+    for (const auto& instruction : sensor.rejectionGroups[group]->instructions)
+        rejections.push_back(
+            {PeriodOf(*instruction),
+             static_cast<ERejection>(std::clamp(instruction->mode, std::int32_t{0}, std::int32_t{3}))});
+    return rejections;
+}
+
+// The period and the values of a deviation that the user states; empty when the packets' own hold.
+template <class Value>
+std::vector<SInPeriod<Value>> UserDeviationOf(const CTrvStdDevInstruction* user, const Value& value) {
+    if (!user || user->mode != stdDevUserDefined) return {};
+    return {{user->isDefault ? SPeriod{-HUGE_VAL, HUGE_VAL} : PeriodOf(*user), value}};
+}
+
+template <class Sensor>
+SGpsPlan PositionPlanOf(const Sensor& sensor) {
     SGpsPlan plan;
-    plan.source = ChannelPlanOf(gps);
-    plan.leverArm = VectorOf(gps.leverArm);
-    if (!gps.rejectionGroups.empty())
-        for (const auto& instruction : gps.rejectionGroups.front()->instructions)
-            plan.rejections.push_back(
-                {PeriodOf(*instruction),
-                 static_cast<ERejection>(std::clamp(instruction->mode, std::int32_t{0}, std::int32_t{3}))});
-    if (const auto& user = gps.stdDevInstruction; user && user->mode == stdDevUserDefined) {
-        const SPeriod period = user->isDefault ? SPeriod{-HUGE_VAL, HUGE_VAL} : PeriodOf(*user);
-        plan.userDeviations.push_back(
-            {period, {user->latitude, user->longitude, user->altitude, user->crossvariance}});
-    }
+    plan.source = ChannelPlanOf(sensor);
+    plan.leverArm = VectorOf(sensor.leverArm);
+    plan.rejections = RejectionsOf(sensor, 0);
+    if (const auto& user = sensor.stdDevInstruction)
+        plan.userDeviations = UserDeviationOf<SFixDeviation>(
+            user.get(), {user->latitude, user->longitude, user->altitude, user->crossvariance});
+    return plan;
+}
+
+SGpsPlan GpsPlanOf(const CTrvSensorGps& gps) {
+    SGpsPlan plan = PositionPlanOf(gps);
     if (const auto& least = gps.stdDevThreshold)
         plan.leastDeviation = {least->latitude, least->longitude, least->altitude, 0.0};
     return plan;
 }
 
+template <class Sensor>
+SAidingPlan ScalarPlanOf(EAiding kind, const Sensor& sensor) {
+    SAidingPlan plan;
+    plan.kind = kind;
+    plan.source = ChannelPlanOf(sensor);
+    plan.leverArm = VectorOf(sensor.leverArm);
+    plan.rejections = RejectionsOf(sensor, 0);
+    if (const auto& user = sensor.stdDevInstruction)
+        plan.userDeviations = UserDeviationOf<Vector3d>(user.get(), Vector3d::Constant(user->GetValue(0)));
+    return plan;
+}
+
+SAidingPlan OdometerPlanOf(const CTrvSensorOdometer& odometer) {
+    SAidingPlan plan;
+    plan.kind = EAiding::odometer;
+    plan.source = ChannelPlanOf(odometer);
+    plan.leverArm = VectorOf(odometer.leverArm);
+    plan.sensorToVessel = MatrixOfMisalignment(odometer.misalignment);
+    plan.scale = odometer.scaleFactor;
+    plan.rejections = RejectionsOf(odometer, 0);
+    if (const auto& user = odometer.stdDevInstruction)
+        plan.userDeviations = UserDeviationOf<Vector3d>(user.get(), {user->x, user->y, user->z});
+    return plan;
+}
+
+// The log on the bottom and, where its file has the channel, the same log on the water.
+void AddDvl(const CTrvSensorDvl& dvl, SRunPlan& plan) {
+    SAidingPlan bottom;
+    bottom.kind = EAiding::dvlBottom;
+    bottom.source = ChannelPlanOf(dvl);
+    bottom.leverArm = VectorOf(dvl.leverArm);
+    bottom.sensorToVessel = MatrixOfMisalignment(dvl.misalignment);
+    bottom.scale = dvl.scaleFactor;
+    if (dvl.speedBias) bottom.bias = {dvl.speedBias->x, dvl.speedBias->y, dvl.speedBias->z};
+    SAidingPlan water = bottom;
+    const auto deviations = [](const CTrvDvlStdDevInstruction* user) {
+        return user ? UserDeviationOf<Vector3d>(user, {user->x, user->y, user->z})
+                    : std::vector<SInPeriod<Vector3d>>();
+    };
+    bottom.rejections = RejectionsOf(dvl, 0);
+    bottom.userDeviations = deviations(dvl.bottomTrackStdDevInstruction.get());
+    water.kind = EAiding::dvlWater;
+    water.rejections = RejectionsOf(dvl, 1);
+    water.userDeviations = deviations(dvl.waterTrackStdDevInstruction.get());
+    const bool onWater = bottom.source.channel == "DVL_WT";
+    bottom.source.channel = "DVL_BT";
+    water.source.channel = "DVL_WT";
+    bottom.isOptional = onWater;
+    water.isOptional = !onWater;
+    plan.aidings.push_back(std::move(bottom));
+    plan.aidings.push_back(std::move(water));
+    if (dvl.currentModeling) {
+        plan.currentDeviation = dvl.currentModeling->sigma;
+        plan.currentTime = dvl.currentModeling->time;
+    }
+}
+
 void AddSensors(const CTrvSimulationParameters& parameters, SRunPlan& plan) {
+    std::vector<SGpsPlan> usbls;
     for (const auto& sensor : parameters.sensors) {
         if (sensor->synchronizedOutput) plan.synchronized.push_back(ChannelPlanOf(*sensor));
         switch (sensor->GetKind().kind) {
@@ -71,12 +146,34 @@ void AddSensors(const CTrvSimulationParameters& parameters, SRunPlan& plan) {
             if (plan.gps.size() < 3)
                 plan.gps.push_back(GpsPlanOf(static_cast<const CTrvSensorGps&>(*sensor)));
             break;
+        case ESensorKind::usbl:
+            if (usbls.size() < 3) {
+                usbls.push_back(PositionPlanOf(static_cast<const CTrvSensorUsbl&>(*sensor)));
+                usbls.back().isUsbl = true;
+            }
+            break;
+        case ESensorKind::dvl: AddDvl(static_cast<const CTrvSensorDvl&>(*sensor), plan); break;
+        case ESensorKind::emLog:
+            plan.aidings.push_back(
+                ScalarPlanOf(EAiding::emLog, static_cast<const CTrvSensorEMLog&>(*sensor)));
+            break;
+        case ESensorKind::depth:
+            plan.aidings.push_back(
+                ScalarPlanOf(EAiding::depth, static_cast<const CTrvSensorDepth&>(*sensor)));
+            break;
+        case ESensorKind::lbl:
+            plan.aidings.push_back(ScalarPlanOf(EAiding::range, static_cast<const CTrvSensorLbl&>(*sensor)));
+            break;
+        case ESensorKind::odometer:
+            plan.aidings.push_back(OdometerPlanOf(static_cast<const CTrvSensorOdometer&>(*sensor)));
+            break;
         case ESensorKind::eventMarker: break; // only its dates are of interest
         default:
             if (!plan.sensorsNotUsed.empty()) plan.sensorsNotUsed += ", ";
             plan.sensorsNotUsed += Outils_Texte::GetText(sensor->GetKind().label);
         }
     }
+    plan.gps.insert(plan.gps.end(), usbls.begin(), usbls.end());
 }
 
 } // namespace
@@ -100,6 +197,17 @@ std::unique_ptr<CTrvSimulationParameters> LoadParameters(const std::filesystem::
     }
 }
 
+EUse CombineUse(std::uint8_t rejection, const ERejection* instruction) {
+    constexpr EUse byInstruction[] = {EUse::tested, EUse::never, EUse::always, EUse::reacquired};
+    if (instruction && *instruction != ERejection::asPacketSays)
+        return byInstruction[static_cast<int>(*instruction)];
+    switch (rejection & 3u) {
+    case 1: return EUse::always;
+    case 2: return EUse::never;
+    default: return EUse::tested;
+    }
+}
+
 SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
     SRunPlan plan;
     plan.imu = {parameters.mainInputFile->path, "IMU", Seconds(parameters.mainInputFile->timeOffset)};
@@ -113,11 +221,19 @@ SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
     for (const auto& rate : parameters.outputRates) plan.rates.push_back({PeriodOf(*rate), rate->value});
     for (const auto& mode : parameters.altitudeModes) {
         // In the order of the words: live, none, GPS, depth sensor, hydro.
-        constexpr EHeightAid aids[] = {EHeightAid::asPacketSays, EHeightAid::other, EHeightAid::gps,
-                                       EHeightAid::other, EHeightAid::gps};
+        constexpr EHeightAid aids[] = {EHeightAid::asPacketSays, EHeightAid::reference, EHeightAid::gps,
+                                       EHeightAid::depth, EHeightAid::gps};
         const bool known = mode->mode >= 0 && mode->mode < 5;
         plan.heightAids.push_back({PeriodOf(*mode), known ? aids[mode->mode] : EHeightAid::asPacketSays});
     }
+    for (const auto& zupt : parameters.zupts) {
+        // In the order of the words: live, none, static 10 m/s, static 0.1 m/s, autostatic, its bench form,
+        // and one without a meaning here. 0: no speed is taken for granted.
+        constexpr double deviations[] = {0.0, 0.0, 10.0, 0.1, 0.02, 0.02, 0.0};
+        const bool known = zupt->mode >= 0 && zupt->mode < 7;
+        plan.atRest.push_back({PeriodOf(*zupt), known ? deviations[zupt->mode] : 0.0});
+    }
+    plan.referenceAltitude = parameters.referencePosition.altitude;
     plan.aboveGeoid = parameters.gpsAltitudeReference == altitudeGeoid;
     plan.backwardAsked = parameters.algorithm == algorithmBackward;
     if (parameters.hasUtcReference) plan.utcOrigin = parameters.utcReference;

@@ -54,7 +54,9 @@ struct SFixDeviation {
 
 enum class ERejection : std::uint8_t { asPacketSays, always, never, automatic };
 
+// A GPS or a USBL.
 struct SGpsPlan {
+    bool isUsbl = false;
     SChannelPlan source;
     Vector3d leverArm = Vector3d::Zero();
     std::vector<SInPeriod<ERejection>> rejections;        // of the horizontal position
@@ -62,15 +64,38 @@ struct SGpsPlan {
     SFixDeviation leastDeviation;                         // the covariance is not used
 };
 
-enum class EHeightAid : std::uint8_t { asPacketSays, gps, other };
+// The use of a packet: its own rejection byte, unless an instruction (null: none) says otherwise.
+EUse CombineUse(std::uint8_t rejection, const ERejection* instruction);
+
+// What the height comes from.
+enum class EHeightAid : std::uint8_t { asPacketSays, gps, depth, reference };
+
+// The kinds of aiding sensors other than positions.
+enum class EAiding : std::uint8_t { dvlBottom, dvlWater, emLog, depth, range, odometer, count };
+
+struct SAidingPlan {
+    EAiding kind = EAiding::count;
+    SChannelPlan source;
+    Vector3d leverArm = Vector3d::Zero();
+    Matrix3d sensorToVessel = Matrix3d::Identity();
+    double scale = 0.0;               // by which the sensor reads too much, one part in one
+    Vector3d bias = Vector3d::Zero(); // of a speed, sensor axes, m/s
+    std::vector<SInPeriod<ERejection>> rejections;
+    std::vector<SInPeriod<Vector3d>> userDeviations; // instead of the packet's
+    bool isOptional = false;                         // a channel that may be missing
+};
 
 struct SRunPlan {
     SChannelPlan imu;
     std::optional<double> begin, end; // s; empty: from the first or to the last sample
     Matrix3d unitToVessel = Matrix3d::Identity();
     Matrix3d userToVessel = Matrix3d::Identity(); // axes whose attitude is written
-    std::vector<SGpsPlan> gps;                    // at most three
+    std::vector<SGpsPlan> gps;                    // at most three, then at most three USBL
+    std::vector<SAidingPlan> aidings;
+    double currentDeviation = 0.0, currentTime = 0.0; // of the water, m/s and s; 0: the usual
+    std::vector<SInPeriod<double>> atRest;            // periods without speed: its standard deviation, m/s
     std::vector<SInPeriod<EHeightAid>> heightAids;
+    double referenceAltitude = 0.0; // for EHeightAid::reference, m
     // Altitudes of the fixes and of the result are above the geoid, not above the ellipsoid.
     bool aboveGeoid = true;
 

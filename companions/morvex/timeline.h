@@ -45,23 +45,27 @@ inline constexpr double kSameTime = 1e-6;
 template <class Source, class Take>
 void AdvanceThrough(CInsFilter& filter, const SImuSample& sample, Source& source, Take&& take) {
     SImuSample rest = sample;
-    if (sample.gap > 0.0) filter.AdmitGap(sample.gap);
+    // What a bridge over lost data may be off grows with the time on it: fixes on the way help against it.
+    const auto advance = [&](const SImuSample& piece) {
+        filter.Advance(piece);
+        if (sample.gap > 0.0) filter.AdmitGap(sample, piece.span / sample.span);
+    };
     while (const auto* item = source.Peek()) {
         if (item->time > sample.time) break;
         if (sample.time - item->time < kSameTime && rest.span > 0.0) {
-            filter.Advance(rest);
+            advance(rest);
             rest.span = 0.0;
         }
         const double part = item->time - (rest.time - rest.span);
         if (rest.span > 0.0 && part > kSameTime) {
             const double share = part / rest.span;
-            filter.Advance({item->time, part, rest.angle * share, rest.velocity * share});
+            advance({item->time, part, rest.angle * share, rest.velocity * share});
             rest = {rest.time, rest.span - part, rest.angle * (1.0 - share), rest.velocity * (1.0 - share)};
         }
         take(*item);
         source.Pop();
     }
-    if (rest.span > 0.0) filter.Advance(rest);
+    if (rest.span > 0.0) advance(rest);
 }
 
 } // namespace Morvex

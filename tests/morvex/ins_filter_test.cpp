@@ -1,3 +1,4 @@
+#include "morvex/aiding.h"
 #include "morvex/ins_filter.h"
 #include "morvex/noise_probe.h"
 
@@ -35,11 +36,12 @@ SFilterState Displaced(SFilterState state, const StateVector& x) {
     state.navigation = strapdown.Get();
     state.gyroBias += x.segment<3>(stateGyroBias);
     state.accelBias += x.segment<3>(stateAccelBias);
+    state.sensors += x.tail(state.sensors.size());
     return state;
 }
 
 StateVector Difference(const SFilterState& from, const SFilterState& to) {
-    StateVector x;
+    StateVector x(kStates);
     x.segment<3>(statePosition) = MetresBetween(from.navigation.position, to.navigation.position);
     x.segment<3>(stateVelocity) = to.navigation.velocity - from.navigation.velocity;
     const Quaterniond turn = to.navigation.attitude * from.navigation.attitude.conjugate();
@@ -73,7 +75,7 @@ TEST(InsFilter, CovarianceFollowsTheMechanisation) {
     SFilterState start = MakeState();
     const double steps[] = {10.0, 0.1, 1e-4, 1e-5, 1e-3};
     for (int state = 0; state < kStates; ++state) {
-        StateVector x = StateVector::Zero();
+        StateVector x = StateVector::Zero(kStates);
         const double step = steps[state / 3];
         x[state] = step;
         start.covariance.setZero();
@@ -90,6 +92,45 @@ TEST(InsFilter, CovarianceFollowsTheMechanisation) {
     }
 }
 
+// What each sensor predicts, against moving the state of the filter, for every state.
+TEST(Aiding, DerivativesAgreeWithDifferences) {
+    SRunPlan plan;
+    for (int kind = 0; kind < static_cast<int>(EAiding::count); ++kind) {
+        SAidingPlan aiding;
+        aiding.kind = static_cast<EAiding>(kind);
+        aiding.leverArm = {2.0, -1.0, 0.5};
+        aiding.sensorToVessel = MatrixOf({0.1, -0.05, 0.03});
+        aiding.scale = 0.02;
+        plan.aidings.push_back(aiding);
+    }
+    const CStateLayout layout = MakeStateLayout(plan);
+    SFilterState state = MakeState();
+    state.covariance = StateMatrix::Identity(layout.GetSize(), layout.GetSize());
+    state.sensors = StateVector::LinSpaced(layout.GetSize() - kStates, -0.02, 0.03);
+    for (const SAidingPlan& aidingPlan : plan.aidings) {
+        SAiding aiding;
+        aiding.kind = aidingPlan.kind;
+        aiding.plan = &aidingPlan;
+        aiding.place = state.navigation.position + Vector3d(1e-4, -2e-4, -80.0);
+        const auto observe = [&](const StateVector& x) {
+            const CInsFilter filter(Displaced(state, x), kSensorGrades[0], CInsFilter::EMode::navigation,
+                                    layout);
+            return ObserveAiding(aiding, filter,
+                                 {40.0, Vector3d(0.1, 0.2, -0.3) - x.segment<3>(stateGyroBias)});
+        };
+        const SObservation here = observe(StateVector::Zero(layout.GetSize()));
+        for (int i = 0; i < layout.GetSize(); ++i) {
+            constexpr double kStep = 1e-4;
+            StateVector x = StateVector::Zero(layout.GetSize());
+            x[i] = kStep;
+            const Vector3d moved = (observe(-x).innovation - observe(x).innovation) / (2.0 * kStep);
+            for (int row = 0; row < here.size; ++row)
+                EXPECT_NEAR(here.h(row, i), moved[row], 2e-3 * std::abs(moved[row]) + 1e-5)
+                    << static_cast<int>(aiding.kind) << " state " << i;
+        }
+    }
+}
+
 // A tilt by a known angle moves an antenna on its arm, and precise fixes find the tilt.
 TEST(InsFilter, LeverArmTurnsWithTheAttitude) {
     const SFilterState state = MakeState();
@@ -97,7 +138,7 @@ TEST(InsFilter, LeverArmTurnsWithTheAttitude) {
     fix.leverArm = {3.0, -2.0, 10.0};
     EXPECT_LT(CInsFilter(state, kSensorGrades[0]).Update(fix).innovation.norm(), 1e-4);
 
-    StateVector tilt = StateVector::Zero();
+    StateVector tilt = StateVector::Zero(kStates);
     tilt.segment<3>(stateAttitude) = Vector3d(0.004, -0.003, 0.0);
     SFilterState tilted = Displaced(state, tilt);
     tilted.covariance.block<6, 6>(0, 0).setZero();
@@ -151,7 +192,13 @@ TEST(InsFilter, CovarianceStaysPositiveThroughExtremes) {
         if (i % 10 == 0)
             filter.Update(
                 FixAt(filter.Get(), {normal(random), normal(random), normal(random)}, i % 20 ? 1e-3 : 1e3));
-        if (i % 500 == 0) filter.AdmitGap(2.0);
+        if (i % 500 == 0) {
+            SImuSample gap = MakeSample(0.01 * i);
+            gap.gap = 2.0;
+            gap.gapTurn.setConstant(0.2);
+            gap.gapSpeed.setConstant(2.0);
+            filter.AdmitGap(gap);
+        }
         if (i % 700 == 0) filter.HoldHeight(30.0, 30.0);
     }
     const StateMatrix& p = filter.Get().covariance;

@@ -131,6 +131,70 @@ TEST(NavigationRun, ShipUnderWayIsNavigatedBetterThanItsFixes) {
     EXPECT_EQ(folder.ReadResult<CXpfTaroutMorvexMsgPacketV1>("MORVEX_MSG").size(), monitor.messages.size());
 }
 
+namespace {
+
+// Root mean square of the horizontal misses, m.
+double GetMiss(const CRunFolder& folder, const Simulation::SMissionOptions& options) {
+    const Simulation::CMission mission(options);
+    double squares = 0.0, count = 0.0;
+    for (const CStd& packet : folder.ReadResult<CStd>("MORVEX_STD")) {
+        const Simulation::STruth truth = mission.GetTruth(packet.GetPacketDate().GetTotalSeconds());
+        const Vector3d found(Field(packet, "Latitude0") * kRadiansPerDegree,
+                             Field(packet, "Longitude0") * kRadiansPerDegree, 0.0);
+        squares += MetresBetween(
+                       {truth.latitude * kRadiansPerDegree, truth.longitude * kRadiansPerDegree, 0.0}, found)
+                       .squaredNorm();
+        ++count;
+    }
+    return count > 0.0 ? std::sqrt(squares / count) : HUGE_VAL;
+}
+
+} // namespace
+
+// A mission without GPS from its middle on: each sensor brings the vehicle nearer to its way, and smoothing
+// the gap of a ship brings it nearer still.
+TEST(NavigationRun, SensorsAndSmoothingBridgeAGap) {
+    struct SCase {
+        Simulation::EVehicle vehicle;
+        std::vector<std::string> channels;
+        std::vector<ESensorKind> kinds; // besides the GPS
+        bool backward;
+        double longest; // m
+    };
+    const SCase cases[] = {
+        {Simulation::EVehicle::ship, {"IMU", "GPS_1"}, {}, true, 1.0},
+        {Simulation::EVehicle::ship, {"IMU", "GPS_1", "DVL_BT"}, {ESensorKind::dvl}, false, 1.0},
+        {Simulation::EVehicle::ship, {"IMU", "GPS_1", "LBL"}, {ESensorKind::lbl}, false, 3.0},
+        {Simulation::EVehicle::auv,
+         {"IMU", "GPS_1", "DVL_BT", "DVL_WT", "DEPTH", "USBL_1"},
+         {ESensorKind::dvl, ESensorKind::depth, ESensorKind::usbl},
+         true,
+         1.0},
+        {Simulation::EVehicle::car, {"IMU", "GPS_1", "ODOMETER"}, {ESensorKind::odometer}, false, 5.0},
+    };
+    for (const SCase& c : cases) {
+        const CRunFolder folder;
+        Simulation::SMissionOptions options = ShortMission();
+        options.vehicle = c.vehicle;
+        options.channels = c.channels;
+        options.outliers = 0.0;
+        options.leverArms[0].setZero();
+        options.GetChannelOptions("GPS_1").outages.push_back({150.0, c.backward ? 210.0 : 1000.0});
+        folder.Simulate(options);
+        auto parameters = folder.MakeParameters();
+        for (const ESensorKind kind : c.kinds) ASSERT_TRUE(parameters->AddSensor(kind));
+        parameters->algorithm = c.backward ? algorithmBackward : 0;
+        folder.Store(*parameters);
+        CListeningMonitor monitor;
+        ASSERT_EQ(Execute(folder, monitor), ERunEnd::finished);
+        EXPECT_TRUE(std::is_sorted(monitor.progress.begin(), monitor.progress.end()));
+        EXPECT_LT(GetMiss(folder, options), c.longest) << c.channels.back() << " " << c.backward;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.Output().parent_path()))
+            EXPECT_FALSE(entry.path().filename().string().starts_with(".spool"))
+                << "temporary files are gone";
+    }
+}
+
 TEST(NavigationRun, LostInertialDataBeginsANewSegmentAndDamageIsPassed) {
     const CRunFolder folder;
     Simulation::SMissionOptions options = ShortMission();
