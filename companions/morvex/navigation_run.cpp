@@ -5,6 +5,7 @@
 #include "xpf/utc_fields.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -30,8 +31,9 @@ constexpr double kReferenceDeviation = 5.0;   // m, of the height that the user 
 constexpr double kRestSpan = 1.0;             // s, between two observations of a vehicle at rest
 constexpr double kEpochSpan = 1.0;            // s, longest between two epochs of the smoother
 constexpr double kJustBefore = 1e-7;          // s: a tick
-constexpr double kForwardShare = 0.8;         // of a smoothed run
-constexpr int kSamplesPerLook = 64;           // between two looks at the commands and the clock
+constexpr std::chrono::seconds kStopPatience(3);
+constexpr double kForwardShare = 0.8; // of a smoothed run
+constexpr int kSamplesPerLook = 64;   // between two looks at the commands and the clock
 
 std::string Degrees(double radians) { return FormatFixed(radians / kRadiansPerDegree, 2); }
 
@@ -188,8 +190,7 @@ ERunEnd CNavigationRun::Execute() {
         if (alignment && !m_stopped && !NavigateSegment(stretch, *alignment)) break;
     } while (m_hasCarry && !m_stopped && !m_writeFailed);
 
-    if (m_smoothing && m_navigated && !m_stopped && !m_writeFailed && !Smooth() && !m_stopped)
-        m_writeFailed = true;
+    if (m_smoothing && m_navigated && !m_writeFailed && !Smooth() && !m_stopped) m_writeFailed = true;
     if (m_stopped) Tell(ELevel::information, EText::stopped);
     if (!m_stopped && !m_writeFailed) Finish();
     if (!m_result.Close()) m_writeFailed = true;
@@ -513,7 +514,12 @@ bool CNavigationRun::WriteResult(const SNavigation& navigation, const Navigation
 
 // The passes after the forward one: backwards over the epochs, and forward over the results that wait.
 bool CNavigationRun::Smooth() {
-    const auto goOn = [this](double share) {
+    // A run that was stopped keeps what it has come to, as far as that is ready before the user is asked
+    // whether the engine hangs.
+    const bool wasStopped = m_stopped;
+    const auto deadline = std::chrono::steady_clock::now() + kStopPatience;
+    const auto goOn = [&](double share) {
+        if (wasStopped) return std::chrono::steady_clock::now() < deadline;
         m_monitor.Progress(100.0 * share);
         m_stopped = m_stopped || !m_monitor.GoOn();
         return !m_stopped;

@@ -68,14 +68,22 @@ bool CResultWriter::Write(const SNavigation& navigation, const NavigationCovaria
     Put(m_packet, At("Speed east"), -velocity.y());
     Put(m_packet, At("Speed up"), velocity.z());
 
-    auto deviation = [&](int state) { return Deviation(covariance(state, state)); };
-    Put(m_packet, At("Std. dev. north"), deviation(statePosition));
-    Put(m_packet, At("Std. dev. east"), deviation(statePosition + 1));
-    Put(m_packet, At("Std. dev. altitude"), deviation(statePosition + 2));
-    Put(m_packet, At("Covariance XY"), -covariance(statePosition, statePosition + 1));
-    Put(m_packet, At("Std. dev. speed north"), deviation(stateVelocity));
-    Put(m_packet, At("Std. dev. speed east"), deviation(stateVelocity + 1));
-    Put(m_packet, At("Std. dev. speed up"), deviation(stateVelocity + 2));
+    // The written point moves with the errors of the attitude by its lever arm.
+    const auto ofPoint = [&](int group, const Vector3d& arm) -> Matrix3d {
+        Eigen::Matrix<double, 3, 9> h = Eigen::Matrix<double, 3, 9>::Zero();
+        h.block<3, 3>(0, group).setIdentity();
+        h.block<3, 3>(0, stateAttitude) = -SkewOf(arm);
+        return h * covariance * h.transpose();
+    };
+    const Matrix3d place = ofPoint(statePosition, toLevel * m_plan->points[0]);
+    const Matrix3d speed = ofPoint(stateVelocity, velocity - navigation.velocity);
+    Put(m_packet, At("Std. dev. north"), Deviation(place(0, 0)));
+    Put(m_packet, At("Std. dev. east"), Deviation(place(1, 1)));
+    Put(m_packet, At("Std. dev. altitude"), Deviation(place(2, 2)));
+    Put(m_packet, At("Covariance XY"), -place(0, 1));
+    Put(m_packet, At("Std. dev. speed north"), Deviation(speed(0, 0)));
+    Put(m_packet, At("Std. dev. speed east"), Deviation(speed(1, 1)));
+    Put(m_packet, At("Std. dev. speed up"), Deviation(speed(2, 2)));
 
     const Matrix3d userToLevel = toLevel * m_plan->userToVessel;
     const SAttitude attitude = AttitudeOf(userToLevel);

@@ -151,48 +151,67 @@ double GetMiss(const CRunFolder& folder, const Simulation::SMissionOptions& opti
 
 } // namespace
 
-// A mission without GPS from its middle on: each sensor brings the vehicle nearer to its way, and smoothing
-// the gap of a ship brings it nearer still.
-TEST(NavigationRun, SensorsAndSmoothingBridgeAGap) {
-    struct SCase {
-        Simulation::EVehicle vehicle;
-        std::vector<std::string> channels;
-        std::vector<ESensorKind> kinds; // besides the GPS
-        bool backward;
-        double longest; // m
-    };
-    const SCase cases[] = {
-        {Simulation::EVehicle::ship, {"IMU", "GPS_1"}, {}, true, 1.0},
-        {Simulation::EVehicle::ship, {"IMU", "GPS_1", "DVL_BT"}, {ESensorKind::dvl}, false, 1.0},
-        {Simulation::EVehicle::ship, {"IMU", "GPS_1", "LBL"}, {ESensorKind::lbl}, false, 3.0},
-        {Simulation::EVehicle::auv,
-         {"IMU", "GPS_1", "DVL_BT", "DVL_WT", "DEPTH", "USBL_1"},
-         {ESensorKind::dvl, ESensorKind::depth, ESensorKind::usbl},
-         true,
-         1.0},
-        {Simulation::EVehicle::car, {"IMU", "GPS_1", "ODOMETER"}, {ESensorKind::odometer}, false, 5.0},
-    };
-    for (const SCase& c : cases) {
-        const CRunFolder folder;
-        Simulation::SMissionOptions options = ShortMission();
-        options.vehicle = c.vehicle;
-        options.channels = c.channels;
-        options.outliers = 0.0;
-        options.leverArms[0].setZero();
-        options.GetChannelOptions("GPS_1").outages.push_back({150.0, c.backward ? 210.0 : 1000.0});
-        folder.Simulate(options);
-        auto parameters = folder.MakeParameters();
-        for (const ESensorKind kind : c.kinds) ASSERT_TRUE(parameters->AddSensor(kind));
-        parameters->algorithm = c.backward ? algorithmBackward : 0;
-        folder.Store(*parameters);
-        CListeningMonitor monitor;
-        ASSERT_EQ(Execute(folder, monitor), ERunEnd::finished);
-        EXPECT_TRUE(std::is_sorted(monitor.progress.begin(), monitor.progress.end()));
-        EXPECT_LT(GetMiss(folder, options), c.longest) << c.channels.back() << " " << c.backward;
-        for (const auto& entry : std::filesystem::directory_iterator(folder.Output().parent_path()))
-            EXPECT_FALSE(entry.path().filename().string().starts_with(".spool"))
-                << "temporary files are gone";
-    }
+struct SSensorCase {
+    Simulation::EVehicle vehicle;
+    std::vector<std::string> channels;
+    std::vector<ESensorKind> kinds; // besides the GPS
+    bool backward;
+    double longest; // m
+};
+
+class SensorMission : public testing::TestWithParam<SSensorCase> {};
+
+// A mission without GPS from its middle on: each sensor keeps the vehicle near its way, and so does smoothing
+// when the GPS comes back.
+TEST_P(SensorMission, BridgesAGapOfGps) {
+    const SSensorCase& c = GetParam();
+    const CRunFolder folder;
+    Simulation::SMissionOptions options = ShortMission();
+    options.vehicle = c.vehicle;
+    options.channels = c.channels;
+    options.outliers = 0.0;
+    options.leverArms[0].setZero();
+    options.GetChannelOptions("GPS_1").outages.push_back({150.0, c.backward ? 210.0 : 1000.0});
+    folder.Simulate(options);
+    auto parameters = folder.MakeParameters();
+    for (const ESensorKind kind : c.kinds) ASSERT_TRUE(parameters->AddSensor(kind));
+    parameters->algorithm = c.backward ? algorithmBackward : 0;
+    folder.Store(*parameters);
+    CListeningMonitor monitor;
+    ASSERT_EQ(Execute(folder, monitor), ERunEnd::finished);
+    EXPECT_TRUE(std::is_sorted(monitor.progress.begin(), monitor.progress.end()));
+    EXPECT_LT(GetMiss(folder, options), c.longest);
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Output().parent_path()))
+        EXPECT_FALSE(entry.path().filename().string().starts_with(".spool")) << "temporary files are gone";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Engine, SensorMission,
+    testing::Values(
+        SSensorCase{Simulation::EVehicle::ship, {"IMU", "GPS_1"}, {}, true, 1.0},
+        SSensorCase{Simulation::EVehicle::ship, {"IMU", "GPS_1", "DVL_BT"}, {ESensorKind::dvl}, false, 1.0},
+        SSensorCase{Simulation::EVehicle::ship, {"IMU", "GPS_1", "LBL"}, {ESensorKind::lbl}, false, 3.0},
+        SSensorCase{Simulation::EVehicle::auv,
+                    {"IMU", "GPS_1", "DVL_BT", "DVL_WT", "DEPTH", "USBL_1"},
+                    {ESensorKind::dvl, ESensorKind::depth, ESensorKind::usbl},
+                    true,
+                    1.0},
+        SSensorCase{
+            Simulation::EVehicle::car, {"IMU", "GPS_1", "ODOMETER"}, {ESensorKind::odometer}, false, 5.0}));
+
+// What a run under Backward has come to is kept when it is stopped.
+TEST(NavigationRun, AStoppedBackwardRunKeepsItsResults) {
+    const CRunFolder folder;
+    folder.Simulate(ShortMission());
+    auto parameters = folder.MakeParameters();
+    parameters->algorithm = algorithmBackward;
+    folder.Store(*parameters);
+    CListeningMonitor monitor;
+    monitor.goOn = [&] { return monitor.progress.empty() || monitor.progress.back() < 40.0; };
+    EXPECT_EQ(Execute(folder, monitor), ERunEnd::stopped);
+    const auto results = folder.ReadResult<CStd>("MORVEX_STD");
+    EXPECT_GT(results.size(), 60u);
+    EXPECT_LT(results.size(), 200u);
 }
 
 TEST(NavigationRun, LostInertialDataBeginsANewSegmentAndDamageIsPassed) {
