@@ -2,6 +2,7 @@
 
 #include "config/config_file.h"
 #include "document/project_creation.h"
+#include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "values/adaptors.h"
@@ -45,7 +46,9 @@ bool CProjectDialog::CheckPlace(EProjectField& focus) {
     if (projectName.empty()) return Refuse(EText::enterValue);
     focus = EProjectField::folder;
     switch (FindType(projectFolder)) {
-    case file_type::directory: return true;
+    case file_type::directory:
+        return IsWritable(projectFolder) ||
+               Refuse(FormatText(EText::folderReadOnly, {ToText(projectFolder)}));
     case file_type::none: return false;
     case file_type::not_found: return Refuse(EText::folderNotFound);
     default: return Refuse(EText::notAFolder);
@@ -65,6 +68,12 @@ file_type CProjectDialog::FindType(const std::filesystem::path& path) {
     if (type.value_or(file_type::none) != file_type::none) return *type;
     Refuse(FormatText(EText::fileNotReadable, {ToText(path)}));
     return file_type::none;
+}
+
+bool CProjectDialog::IsWritable(const std::filesystem::path& folder) {
+    return LookInto([folder](const Outils::CEvent&) {
+               return Outils_Fichiers::CanWriteInto(folder);
+           }).value_or(false);
 }
 
 bool CProjectDialog::CheckExists(const std::filesystem::path& path) {

@@ -72,6 +72,8 @@ class CProjectDialog {
   private:
     bool CheckPlace(EProjectField& focus);
     bool AgreeToOverwrite();
+    // False too when the disk does not answer in time.
+    bool IsWritable(const std::filesystem::path& folder);
     // `none`, and told, when the disk does not answer in time or refuses to.
     std::filesystem::file_type FindType(const std::filesystem::path& path);
 

@@ -41,17 +41,10 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     CFileLooks& GetFileLooks() { return m_fileLooks; }
     using CDocumentEx::GetHost;
 
-    // As the operations of CProjectFiles. REQUIRES: there is a project, but for IsAnalysing, OnQueryFailed.
+    // What follows the data files of the project; null without one. Goes with the project.
+    CProjectFiles* GetFiles() const { return m_files.get(); }
+    // Whether any file is still looked at or analysed, also for no project.
     bool IsAnalysing() const { return m_fileLooks.IsBusy() || (m_files && m_files->IsAnalysing()); }
-    SChannelAddress GetAddress(const CTrvDataFile& file, std::uint16_t channel) const {
-        return m_files->GetAddress(file, channel);
-    }
-    void FollowDataFile(CTrvDataFile& file) { m_files->Follow(file); }
-    void ForgetDataFile(const CTrvDataFile& file) { m_files->Forget(file); }
-    SFirstData WaitForFirstData(const CTrvDataFile& file) { return m_files->WaitForFirstData(file); }
-    void OnQueryFailed(const CTrvDataFile& file) {
-        if (m_files) m_files->OnQueryFailed(file);
-    }
 
     // The edits of the project, one method each: document/edits.h.
     CTrvDocumentEdits GetEdits();

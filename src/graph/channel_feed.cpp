@@ -25,6 +25,11 @@ bool IsFault(const CTrvDataQuery& query) {
            query.GetError() == CTrvDataQuery::EError::damaged;
 }
 
+// The project may have been closed since the query began.
+void ReportFault(const CTrvDocument& document, const SChannelKey& key) {
+    if (CProjectFiles* files = document.GetFiles()) files->OnQueryFailed(*key.file);
+}
+
 } // namespace
 
 // A window query that reports its cancelling too: the document also cancels queries.
@@ -86,7 +91,7 @@ void CTrv1DChannelFeed::Update() {
         portlet->ForEachSource([&](const CTrv1DGraphDataSource& source) {
             const SChannelKey& key = source.GetChannel();
             if (!key.file || channels.contains(key)) return;
-            const SChannelAddress address = m_document.GetAddress(*key.file, key.channel);
+            const SChannelAddress address = m_document.GetFiles()->GetAddress(*key.file, key.channel);
             const CDateTimeSpan origin = Metier_Tarvel::ToSpan(key.file->timeOffset);
             SChannel& channel = channels[key];
             const auto known = m_channels.find(key);
@@ -208,7 +213,7 @@ void CTrv1DChannelFeed::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
     if (cancelled) return;
 
     if (!success && IsFault(query)) {
-        m_document.OnQueryFailed(*key.file);
+        ReportFault(m_document, key);
         // What was read of the file, and where it began and ended, is all that is left of it.
         if (channel.dataset) {
             channel.answered = true;
@@ -244,7 +249,7 @@ void CTrv1DChannelFeed::OnWindow(const SChannelKey& key, CWindowQuery& query, bo
     if (place == m_channels.end() || place->second.windowQuery.get() != &query) return;
     SChannel& channel = place->second;
     channel.windowQuery.reset();
-    if (!success && !cancelled && IsFault(query)) m_document.OnQueryFailed(*key.file);
+    if (!success && !cancelled && IsFault(query)) ReportFault(m_document, key);
     if (success && !cancelled) {
         channel.dataset =
             std::make_shared<CTrv1DGraphDataset>(query.TakeSeries(), query.GetWindow().slice, channel.origin);

@@ -156,8 +156,8 @@ TEST_F(DocumentThreads, ProjectsComeAndGoWhileTheirFilesAreRead) {
         const auto start = test::Seconds(random() % 20);
         const SWindow window{start, start + test::Seconds(10), test::Seconds(0.05)};
         const std::uint16_t channel = random() % 3 ? kImuNumber : test::kGpsNumber;
-        queries.push_back(
-            std::make_shared<CCountingQuery>(m_document.GetAddress(file, channel), window, nullptr));
+        queries.push_back(std::make_shared<CCountingQuery>(m_document.GetFiles()->GetAddress(file, channel),
+                                                           window, nullptr));
         m_document.GetQueryManager().Submit(queries.back());
     };
     for (; rounds < kRounds; ++rounds) {
@@ -251,7 +251,7 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
         Record(recording, 0, 300);
         CTrvDataFile* file = m_document.GetProject()->AddDataFile(recording.GetPath(), false);
         ASSERT_TRUE(file);
-        m_document.FollowDataFile(*file);
+        m_document.GetFiles()->Follow(*file);
     }
     const auto seen = [&] { return std::count(m_hints.begin(), m_hints.end(), hintDataFileContentChanged); };
     ASSERT_TRUE(PumpUntil([&] { return seen() == 1 + std::ssize(rows); })); // all have appeared
@@ -268,12 +268,12 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
     // What has lost its rights is as large as before: the next query tells.
     for (const auto& file : {m_folder.GetPath(), m_folder / "damaged"}) permissions(file, perms::all);
     auto withoutRights = std::make_optional<SWithoutRights>();
-    for (const auto& file : parameters.GetDataFiles()) m_document.OnQueryFailed(*file);
+    for (const auto& file : parameters.GetDataFiles()) m_document.GetFiles()->OnQueryFailed(*file);
     ASSERT_TRUE(PumpUntil(
         [&] { return m_host.m_output.size() >= expected.size() && seen() == 2 * std::ssize(rows); }));
     // Later looks, at the file that goes on growing among them, find no news.
     std::ofstream(m_folder / "damaged", std::ios::app) << std::string(4000, 'x');
-    for (const auto& file : parameters.GetDataFiles()) m_document.OnQueryFailed(*file);
+    for (const auto& file : parameters.GetDataFiles()) m_document.GetFiles()->OnQueryFailed(*file);
     ASSERT_TRUE(PumpUntil([&] { return seen() > 2 * std::ssize(rows); }));
     while (m_document.IsAnalysing()) m_host.m_queue.RunOne(10ms);
     m_host.m_queue.RunPending();
@@ -286,6 +286,31 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
     withoutRights.emplace();
     ASSERT_TRUE(m_document.CommandOpen(m_folder / "p.tarprj"));
     EXPECT_EQ(m_host.m_output.size(), 6u); // vanished, folder, fifo, cut, locked, unplugged
+}
+
+TEST_F(DocumentThreads, ReplacedFileReportsItsDamageAgain) {
+    test::CTestRecording main(m_folder / "main.tarin"), recording(m_folder / "damaged");
+    for (test::CTestRecording* each : {&main, &recording}) Record(*each, 0, 300);
+    const auto place = std::filesystem::file_size(recording.GetPath());
+    const auto damage = [](const std::filesystem::path& file) {
+        std::ofstream(file, std::ios::app) << std::string(4000, 'x');
+    };
+    damage(recording.GetPath());
+    ASSERT_TRUE(m_document.NewFromProject(Make(main.GetPath()), m_folder / "p.tarprj"));
+    CTrvDataFile* file = m_document.GetProject()->AddDataFile(recording.GetPath(), false);
+    ASSERT_TRUE(file);
+    m_document.GetFiles()->Follow(*file);
+    const auto appeared = [&] { return std::ranges::count(m_hints, hintDataFileContentChanged); };
+    ASSERT_TRUE(PumpUntil([&] { return m_host.m_output.size() == 1 && appeared() == 2; }));
+    std::filesystem::copy_file(recording.GetPath(), m_folder / "other");
+    damage(m_folder / "other"); // the place stays
+    std::filesystem::rename(m_folder / "other", recording.GetPath());
+    ASSERT_TRUE(PumpUntil([&] { return m_host.m_output.size() == 3; }));
+    const std::string name = Outils_Fichiers::ToText(recording.GetPath());
+    const auto damaged = Outils_Texte::FormatText(EText::fileDamaged, {name, std::to_string(place)});
+    EXPECT_THAT(m_host.m_output,
+                testing::UnorderedElementsAre(damaged, damaged,
+                                              Outils_Texte::FormatText(EText::fileReplaced, {name})));
 }
 
 TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
@@ -343,8 +368,8 @@ TEST_F(DocumentThreads, ADiskThatDoesNotAnswerHoldsUpNothing) {
     const auto ask = [&] {
         const CTrvDataFile& file = *m_document.GetProject()->simulationParameters->mainInputFile;
         const SWindow window{test::Seconds(0), test::Seconds(3), test::Seconds(0.05)};
-        queries.push_back(
-            std::make_shared<CCountingQuery>(m_document.GetAddress(file, kImuNumber), window, nullptr));
+        queries.push_back(std::make_shared<CCountingQuery>(
+            m_document.GetFiles()->GetAddress(file, kImuNumber), window, nullptr));
         m_document.GetQueryManager().Submit(queries.back());
     };
     const auto answered = [&] { return queries.back()->m_answers == 1; };
@@ -357,7 +382,7 @@ TEST_F(DocumentThreads, ADiskThatDoesNotAnswerHoldsUpNothing) {
         ask();
         disk.WaitForHeld(5); // the look, the cipher mode, the frequency, the analyser and the query
         EXPECT_FALSE(hasLayers());
-        m_document.OnQueryFailed(*m_document.GetProject()->simulationParameters->mainInputFile);
+        m_document.GetFiles()->OnQueryFailed(*m_document.GetProject()->simulationParameters->mainInputFile);
         CNewProjectWizard wizard(m_host, m_configuration, m_document.GetFileLooks());
         wizard.ChooseInputFiles({bad.GetPath()});
         EProjectField focus{};

@@ -105,9 +105,9 @@ bool Procedures::AddDataFile(const CEdit& edit) {
     CTrvDataFile* file =
         edit.GetProject().AddDataFile(*path, document.GetConfiguration().Get(Cnf<"general/expertMode">));
     if (!file) return edit.Refuse();
-    document.FollowDataFile(*file);
+    document.GetFiles()->Follow(*file);
     // On its own clock the file is as far from the recording as the two origins are from one another.
-    const SFirstData data = document.WaitForFirstData(*file);
+    const SFirstData data = document.GetFiles()->WaitForFirstData(*file);
     if (data.hasUtc && parameters.hasUtcReference)
         if (const auto offset = data.utcOrigin - parameters.utcReference; offset.IsValid())
             file->timeOffset = Metier_Tarvel::ToStoredTime(offset);
@@ -130,7 +130,7 @@ bool RemoveDataFile(CTrvDocument& document, CTrvProject& project, CTrvDataFile& 
     const std::vector<SRemoval> dependents = FindDependents(project, file);
     // The views let go of the file while it still exists.
     document.ProjectChanged(hintDataFileRemoved, &file);
-    document.ForgetDataFile(file);
+    document.GetFiles()->Forget(file);
     project.RemoveDataFile(&file);
     // A view that rebuilt itself by the first hint met them again.
     for (const SRemoval& dependent : dependents) document.ProjectChanged(dependent.hint, dependent.object);
