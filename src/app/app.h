@@ -3,6 +3,7 @@
 #pragma once
 
 #include "config/config_file.h"
+#include "config/settings_files.h"
 #include "plot/settings.h"
 #include "values/adaptors.h"
 
@@ -16,19 +17,19 @@ using Outils_Configuration::CTrvCnfConfigFile;
 
 class CTrvApp {
   public:
-    // `executable` is the path of the running program, empty when it is unknown. `userFolder` takes the settings
-    // where the program's folder cannot be written; empty for none. Touches no file.
-    explicit CTrvApp(std::filesystem::path executable, std::filesystem::path userFolder = {})
-        : m_executable(std::move(executable)), m_userFolder(std::move(userFolder)) {}
+    // `executable` is the path of the running program, empty when it is unknown. `userFolder` takes the
+    // settings where the program's folder cannot be written; empty for none. Touches no file.
+    explicit CTrvApp(std::filesystem::path executable, const std::filesystem::path& userFolder = {})
+        : m_executable(std::move(executable)), m_settingsFiles(m_executable, userFolder) {}
     CTrvApp(const CTrvApp&) = delete;
     CTrvApp& operator=(const CTrvApp&) = delete;
 
-    // Reads the settings, from the user's folder if there are some, otherwise from the program's, and sets up
-    // all that follows them. A file that is missing or bad leaves the defaults in force and is not reported.
+    // Reads the settings and sets up all that follows them. A file that is missing or bad leaves the defaults
+    // in force and is not reported.
     void InitInstance();
-    // Writes the settings; nothing else does, so that they last from a normal exit only. Writes them to the
-    // user's folder where the program's folder refuses them. False when both failed or the path is unknown.
-    bool ExitInstance() const;
+    // Writes the settings; nothing else does, so that they last from a normal exit only. False when no folder
+    // takes them.
+    bool ExitInstance() const { return m_settingsFiles.Save(m_configuration); }
 
     CTrvCnfConfigFile& GetConfiguration() { return m_configuration; }
     const Outils_Valeurs::CTrvAdaptors& GetAdaptors() const { return m_adaptors; }
@@ -37,15 +38,11 @@ class CTrvApp {
     // The folder of the executable, where the child programs and the user guide stand.
     std::filesystem::path GetProgramFolder() const { return m_executable.parent_path(); }
     std::filesystem::path GetUserGuide() const;
-    // The settings file beside the executable: the executable's own name, also when it was renamed. Empty when
-    // that is unknown.
-    std::filesystem::path GetSettingsPath() const;
-    // The settings file in the user's folder; empty when one of the two is unknown.
-    std::filesystem::path GetUserSettingsPath() const;
+    const Outils_Configuration::CSettingsFiles& GetSettingsFiles() const { return m_settingsFiles; }
 
   private:
     const std::filesystem::path m_executable;
-    const std::filesystem::path m_userFolder;
+    const Outils_Configuration::CSettingsFiles m_settingsFiles;
     CTrvCnfConfigFile m_configuration;
     Outils_Valeurs::CTrvAdaptors m_adaptors;
     Outils_Plot2D::CPlot2DSettings m_plotSettings;

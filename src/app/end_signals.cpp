@@ -26,10 +26,12 @@ CEndSignals::CEndSignals() {
     pthread_sigmask(SIG_BLOCK, &m_signals, &m_former);
 }
 
-CEndSignals::~CEndSignals() {
+CEndSignals::~CEndSignals() { Stop(); }
+
+void CEndSignals::Stop() {
     g_end = {};
     m_notifier.reset();
-    if (m_descriptor >= 0) ::close(m_descriptor);
+    if (const int descriptor = std::exchange(m_descriptor, -1); descriptor >= 0) ::close(descriptor);
     pthread_sigmask(SIG_SETMASK, &m_former, nullptr);
 }
 

@@ -25,14 +25,12 @@ CTrvFrameHost::CPlainCursor::~CPlainCursor() {
     for (int i = 0; i < m_count; ++i) QApplication::setOverrideCursor(Qt::WaitCursor);
 }
 
-CTrvFrameHost::CTrvFrameHost(QWidget& window, Outils::IMessageTarget& target, IDialogs& dialogs,
+CTrvFrameHost::CTrvFrameHost(Outils::IMessageTarget& target, IDialogs& dialogs,
                              std::filesystem::path programFolder)
-    : m_window(window),
-      m_dialogs(dialogs),
-      m_programFolder(std::move(programFolder)),
-      m_receiver(target, this) {}
+    : m_dialogs(dialogs), m_programFolder(std::move(programFolder)), m_receiver(target, this) {}
 
-void CTrvFrameHost::Attach(CTrvOutputWnd* output, CTrvStatusBar* statusBar) {
+void CTrvFrameHost::Attach(QWidget* window, CTrvOutputWnd* output, CTrvStatusBar* statusBar) {
+    m_window = window;
     m_output = output;
     m_statusBar = statusBar;
 }
@@ -43,12 +41,12 @@ void CTrvFrameHost::UpdateMenuForEquipment(std::int32_t equipment) {
 
 EAnswer CTrvFrameHost::ShowMessage(const std::string& text, EButtons buttons, EIcon icon) {
     const CPlainCursor plain(*this);
-    return m_dialogs.ShowMessage(&m_window, text, buttons, icon);
+    return m_dialogs.ShowMessage(m_window, text, buttons, icon);
 }
 
 std::vector<std::filesystem::path> CTrvFrameHost::AskPath(const SPathQuestion& question) {
     const CPlainCursor plain(*this);
-    return m_dialogs.AskPath(&m_window, question);
+    return m_dialogs.AskPath(m_window, question);
 }
 
 EOutcome CTrvFrameHost::Refuse(std::string_view name) {

@@ -26,14 +26,13 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
         const int m_count;
     };
 
-    // `window` is the parent of all dialogs. It, `target` and `dialogs` must outlive the host.
-    CTrvFrameHost(QWidget& window, Outils::IMessageTarget& target, IDialogs& dialogs,
-                  std::filesystem::path programFolder);
+    // `target` and `dialogs` must outlive the host.
+    CTrvFrameHost(Outils::IMessageTarget& target, IDialogs& dialogs, std::filesystem::path programFolder);
 
-    // Where lines and progress go; null, as at the start, for nowhere. Both must outlive the host or be
-    // detached.
-    void Attach(CTrvOutputWnd* output, CTrvStatusBar* statusBar);
-    // Calls `onEquipment` with the equipment of each project that opens.
+    // The parent of all dialogs, and where lines and progress go; null, as at the start, for none. Each must
+    // outlive the host or be detached.
+    void Attach(QWidget* window, CTrvOutputWnd* output, CTrvStatusBar* statusBar);
+    // Calls `onEquipment` with the equipment of each project that opens; an empty function ends that.
     void SetOnEquipment(std::function<void(std::int32_t)> onEquipment) {
         m_onEquipment = std::move(onEquipment);
     }
@@ -64,12 +63,12 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
     void OnProgressChanged() override;
     void OnMessageQueued() override;
 
-    QWidget& m_window;
     IDialogs& m_dialogs;
     const std::filesystem::path m_programFolder;
     Communication_Processus::CMorvexReceiver m_receiver;
     std::function<void(std::int32_t)> m_onEquipment;
     int m_waitCursors = 0;
+    QWidget* m_window = nullptr;          // not owned
     CTrvOutputWnd* m_output = nullptr;    // not owned
     CTrvStatusBar* m_statusBar = nullptr; // not owned
 };

@@ -61,14 +61,14 @@ std::filesystem::path ProjectOf(const QMimeData& data) {
 
 } // namespace
 
-CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, Outils::IMessageTarget& target,
+CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& host, CTrvDocument& document,
                                            IDialogs& dialogs, QSettings& settings)
     : m_application(application),
       m_dialogs(dialogs),
       m_settings(settings),
       m_recentFiles(settings),
-      m_host(*this, target, dialogs, application.GetProgramFolder()),
-      m_document(m_host, target, application.GetConfiguration()) {
+      m_host(host),
+      m_document(document) {
     setObjectName("mainFrame");
     setWindowIcon(GetProductIcon());
     setAcceptDrops(true);
@@ -82,7 +82,7 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, Outils::IMessag
     m_output = new CTrvOutputWnd;
     m_statusBar = new CTrvStatusBar(this);
     setStatusBar(m_statusBar);
-    m_host.Attach(m_output, m_statusBar);
+    m_host.Attach(this, m_output, m_statusBar);
     m_host.SetOnEquipment([this](std::int32_t equipment) {
         m_equipment = equipment;
         m_commands->ShowAllMenus();
@@ -115,12 +115,12 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, Outils::IMessag
 }
 
 CTrvProjectMainFrame::~CTrvProjectMainFrame() {
+    // The widgets go after this: from here on nothing reaches a window that is half gone.
     m_document.RemoveView(this);
+    m_view->disconnect(this);
     for (auto& [command, bar] : m_bars) bar->disconnect(this);
-    // The views leave the document before it goes, and nothing is shown on a window that is half gone.
-    delete m_view;
-    delete m_processing;
-    m_host.Attach(nullptr, nullptr);
+    m_host.SetOnEquipment({});
+    m_host.Attach(nullptr, nullptr, nullptr);
 }
 
 QAction& CTrvProjectMainFrame::GetAction(int command) const { return m_commands->GetAction(command); }

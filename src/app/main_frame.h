@@ -29,14 +29,13 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     Q_OBJECT
 
   public:
-    // Makes the whole window, not shown yet, over an empty document. `settings` keeps the places of bars and
-    // panels and the recent projects. All four must outlive the frame.
-    CTrvProjectMainFrame(CTrvApp& application, Outils::IMessageTarget& target, IDialogs& dialogs,
+    // Makes the whole window, not shown yet, over the document. `host` is that of the document; `settings`
+    // keeps the places of bars and panels and the recent projects. All five must outlive the frame.
+    CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& host, CTrvDocument& document, IDialogs& dialogs,
                          QSettings& settings);
     ~CTrvProjectMainFrame() override;
 
-    CTrvFrameHost& GetHost() { return m_host; }
-    CTrvDocument& GetDocument() { return m_document; }
+    CTrvDocument& GetDocument() const { return m_document; }
     CTrvView1D& GetView() const { return *m_view; }
     CTrvViewProcessing& GetProcessing() const { return *m_processing; }
     CTrvOutputWnd& GetOutput() const { return *m_output; }
@@ -86,11 +85,11 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     IDialogs& m_dialogs;
     QSettings& m_settings;
     CRecentFiles m_recentFiles;
-    CTrvFrameHost m_host; // before the document
+    CTrvFrameHost& m_host;
+    CTrvDocument& m_document;
+    // The widgets belong to the window.
     CTrvStatusBar* m_statusBar = nullptr;
     CTrvOutputWnd* m_output = nullptr;
-    CTrvDocument m_document;
-    // The widgets belong to the window.
     CTrvView1D* m_view = nullptr;
     CTrvViewProcessing* m_processing = nullptr;
     std::unique_ptr<CTrvCommandBars> m_commands;

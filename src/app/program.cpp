@@ -3,16 +3,15 @@
 #include "app/app.h"
 #include "app/end_signals.h"
 #include "app/event_loop_target.h"
-#include "app/main_frame.h"
 #include "app/snapshot.h"
 #include "app/splash.h"
 #include "app/start_up.h"
+#include "app/window_session.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
 
 #include <QApplication>
 #include <QSettings>
-#include <QStandardPaths>
 
 #include <cstdlib>
 #include <iostream>
@@ -23,6 +22,7 @@ using Outils_Plot2D::ToPath;
 using Outils_Plot2D::ToQString;
 
 using Outils_Configuration::Cnf;
+using Outils_Fichiers::ToText;
 using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
@@ -44,18 +44,12 @@ bool HasDisplay() {
 #endif
 }
 
-// Where the user's own settings are. The application's name is of no account: files have the executable's.
-std::filesystem::path GetUserFolder() {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return folder.isEmpty() ? std::filesystem::path() : ToPath(folder) / kSettingsName;
-}
-
 void StoreSettings(const CTrvApp& application) {
     if (application.ExitInstance()) return;
+    const auto& files = application.GetSettingsFiles();
     CWindowDialogs().ShowMessage(
         nullptr,
-        FormatText(EText::settingsNotSaved, {Outils_Fichiers::ToText(application.GetSettingsPath()),
-                                             Outils_Fichiers::ToText(application.GetUserSettingsPath())}),
+        FormatText(EText::settingsNotSaved, {ToText(files.GetProgramFile()), ToText(files.GetUserFile())}),
         EButtons::ok, EIcon::exclamation);
 }
 
@@ -63,8 +57,8 @@ int RunSnapshot(CTrvApp& application, Outils::IMessageTarget& target, const SCom
     // The same picture on every desk: nothing of the user's window is read or written.
     QSettings settings(QString(), QSettings::IniFormat);
     CSilentDialogs dialogs;
-    CTrvProjectMainFrame frame(application, target, dialogs, settings);
-    const std::string error = TakeSnapshot(frame, line);
+    CWindowSession session(application, target, dialogs, settings);
+    const std::string error = TakeSnapshot(session.GetFrame(), line);
     std::cerr << dialogs.GetMessages();
     if (error.empty()) return 0;
     std::cerr << error << std::endl;
@@ -77,15 +71,15 @@ int RunSession(CTrvApp& application, Outils::IMessageTarget& target, const SComm
     splash->show();
     QSettings settings(QSettings::IniFormat, QSettings::UserScope, kSettingsName, kSettingsName);
     CWindowDialogs dialogs;
-    CTrvProjectMainFrame frame(application, target, dialogs, settings);
-    endSignals.Listen([&frame] {
-        frame.GetDocument().EndNow();
-        QApplication::exit();
-    });
+    CWindowSession session(application, target, dialogs, settings);
+    CTrvProjectMainFrame& frame = session.GetFrame();
+    session.EndOn(endSignals);
     const auto mode = application.GetConfiguration().Get(Cnf<"general/startMode">);
     Start(frame, ChooseStart(line.project, mode, frame.GetRecentFiles().GetFirst()),
           [&] { splash->CloseFor(frame); });
-    return QApplication::exec();
+    const int code = QApplication::exec();
+    endSignals.Stop();
+    return code;
 }
 
 int Answer(const SCommandLine& line) {
@@ -117,7 +111,8 @@ int RunProgram(int argc, char* argv[]) {
     QApplication qt(noArguments, argv);
     QApplication::setApplicationVersion(ToQString(GetVersionInfo().productVersion));
     CEventLoopTarget target;
-    CTrvApp application(ToPath(QApplication::applicationFilePath()), GetUserFolder());
+    CTrvApp application(ToPath(QApplication::applicationFilePath()),
+                        Outils_Configuration::FindUserSettingsFolder());
     application.InitInstance();
     if (line.request == ERequest::snapshot) return RunSnapshot(application, target, line);
     const int code = RunSession(application, target, line, endSignals);

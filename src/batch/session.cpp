@@ -1,30 +1,34 @@
 #include "batch/session.h"
 
 #include "batch/file_access.h"
+#include "config/settings_files.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
 
 namespace Batch {
 
-void LoadSettings(Outils_Configuration::CTrvCnfConfigFile& configuration) {
-    const auto program = Outils_Fichiers::GetExecutablePath();
-    if (program.empty()) return;
-    static_cast<void>(configuration.Load(program.parent_path() / "VarneNav.conf.xml"));
+using Outils_Configuration::Cnf;
+
+namespace {
+
+constexpr const char* kWindowProgram = "VarneNav"; // its settings are the batch program's too
+
+} // namespace
+
+CSettings::CSettings() {
+    auto program = Outils_Fichiers::GetExecutablePath();
+    if (!program.empty()) program.replace_filename(kWindowProgram);
+    const Outils_Configuration::CSettingsFiles files(program, Outils_Configuration::FindUserSettingsFolder());
+    static_cast<void>(files.Load(*this)); // the defaults serve as well
 }
 
-void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors) {
-    Outils_Configuration::CTrvCnfConfigFile configuration;
-    LoadSettings(configuration);
-    adaptors.Configure(configuration);
-}
+void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors) { adaptors.Configure(CSettings()); }
 
 CSession::CSession(SStreams streams, IReport* report)
     : m_streams(streams),
       m_errorLines(streams.error),
       m_host(streams, report ? *report : m_errorLines),
-      m_document(m_host, m_host.GetQueue(), m_configuration) {
-    LoadSettings(m_configuration);
-}
+      m_document(m_host, m_host.GetQueue(), m_settings, m_settings.Get(Cnf<"general/expertMode">)) {}
 
 bool CSession::Open(const std::string& path) {
     if (!CheckFile(path, FindProjectFault, m_streams)) return false;

@@ -8,8 +8,12 @@
 
 namespace Batch {
 
-// The settings of the application, which is in the same folder; without its file the defaults hold.
-void LoadSettings(Outils_Configuration::CTrvCnfConfigFile& configuration);
+// The settings of the window's program, which is in the same folder; without its files the defaults hold.
+class CSettings final : public Outils_Configuration::CTrvCnfConfigFile {
+  public:
+    CSettings();
+};
+
 // Sets adaptors up from those settings, for commands that need no document.
 void ConfigureAdaptors(Outils_Valeurs::CTrvAdaptors& adaptors);
 
@@ -22,7 +26,7 @@ class CSession {
 
     CBatchHost& GetHost() { return m_host; }
     Application_Tarvel::CTrvDocument& GetDocument() { return m_document; }
-    const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
+    const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_settings; }
 
     // False, with the reason reported, when the file is no project, or one without content.
     bool Open(const std::string& path);
@@ -38,7 +42,7 @@ class CSession {
 
     SStreams m_streams;
     CLineReport m_errorLines;
-    Outils_Configuration::CTrvCnfConfigFile m_configuration;
+    const CSettings m_settings;
     CBatchHost m_host;
     Application_Tarvel::CTrvDocument m_document;
 };

@@ -71,9 +71,8 @@ file_type CProjectDialog::FindType(const std::filesystem::path& path) {
 }
 
 bool CProjectDialog::IsWritable(const std::filesystem::path& folder) {
-    return LookInto([folder](const Outils::CEvent&) {
-               return Outils_Fichiers::CanWriteInto(folder);
-           }).value_or(false);
+    return LookInto([folder](const Outils::CEvent&) { return Outils_Fichiers::CanWriteInto(folder); })
+        .value_or(false);
 }
 
 bool CProjectDialog::CheckExists(const std::filesystem::path& path) {

@@ -41,9 +41,10 @@ void Remove(const std::filesystem::path& file) {
 } // namespace
 
 CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
-                           const Outils_Configuration::CTrvCnfConfigFile& configuration)
+                           const Outils_Configuration::CTrvCnfConfigFile& configuration, bool expertMode)
     : CDocumentEx(host),
       m_configuration(configuration),
+      m_expertMode(expertMode),
       m_target(target),
       m_fileLooks(target),
       m_engineRun(host, configuration, m_fileLooks, *this),
@@ -101,7 +102,7 @@ bool CTrvDocument::TakeProject(EOutcome outcome, SMadeProject made, EResultName 
 }
 
 void CTrvDocument::FollowProject() {
-    const SFileServices services{GetHost(),   m_target,    m_configuration,
+    const SFileServices services{GetHost(),   m_target,    m_configuration, m_expertMode,
                                  m_fileLooks, m_fileCache, m_endingThreads};
     IProjectFilesListener& listener = *this;
     m_files = std::make_unique<CProjectFiles>(*m_pProject, services, listener);

@@ -27,9 +27,10 @@ class CTrvDocumentEdits;
 
 class CTrvDocument final : public CDocumentEx, private IEngineRunListener, private IProjectFilesListener {
   public:
-    // All three must outlive the document.
+    // All three must outlive the document. `expertMode` is the setting as read at the start: a later change
+    // waits for the next start.
     CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
-                 const Outils_Configuration::CTrvCnfConfigFile& configuration);
+                 const Outils_Configuration::CTrvCnfConfigFile& configuration, bool expertMode = false);
     ~CTrvDocument() override;
 
     // Null for the empty document.
@@ -37,6 +38,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     CAsyncQueryManager& GetQueryManager() { return m_queryManager; }
     CXpfFileCache& GetFileCache() { return m_fileCache; }
     const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
+    // Whether the layers of an added file offer what is for experts.
+    bool IsExpertMode() const { return m_expertMode; }
     // For work on files for which the UI thread must not wait.
     CFileLooks& GetFileLooks() { return m_fileLooks; }
     using CDocumentEx::GetHost;
@@ -131,6 +134,7 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     bool IsResultBeingWritten() const override { return m_engineRun.IsActive(); }
 
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
+    const bool m_expertMode;
     Outils::IMessageTarget& m_target;
     std::unique_ptr<CTrvProject> m_pProject;
     bool m_bParametersChanged = false;

@@ -120,8 +120,7 @@ void CProjectFiles::Unwatch(const CTrvDataFile& file) {
 void CProjectFiles::RefreshLayers(CTrvDataFile& file,
                                   const Metier_Tarvel_DataModel::SFileDescription& description) {
     auto& model = *m_project.dataModel;
-    const bool changed =
-        model.Refresh(file, description, m_services.configuration.Get(Cnf<"general/expertMode">));
+    const bool changed = model.Refresh(file, description, m_services.expertMode);
     for (const std::uint16_t channel : m_files[&file].channels) model.SetLayerHasData(&file, channel);
     if (changed && !m_starting) m_listener.OnLayersChanged(file);
 }

@@ -39,6 +39,7 @@ struct SFileServices {
     IDocumentHost& host;
     Outils::IMessageTarget& target;
     const Outils_Configuration::CTrvCnfConfigFile& configuration;
+    bool expertMode;
     CFileLooks& looks;
     CXpfFileCache& cache;
     Outils::CEndingThreads& ending;

@@ -278,9 +278,9 @@ TEST_F(MainFrame, AProjectDroppedOnItOpens) {
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(file)});
         QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        QCoreApplication::sendEvent(m_frame.get(), &enter);
+        QCoreApplication::sendEvent(m_frame, &enter);
         QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
-        if (enter.isAccepted()) QCoreApplication::sendEvent(m_frame.get(), &event);
+        if (enter.isAccepted()) QCoreApplication::sendEvent(m_frame, &event);
         return enter.isAccepted();
     };
     EXPECT_FALSE(drop("/somewhere/r.tarin"));

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/event_loop_target.h"
-#include "app/main_frame.h"
+#include "app/window_session.h"
 #include "dataaccess/test_recording.h"
 #include "document/project_creation.h"
 #include "foundation/texts.h"
@@ -64,7 +64,7 @@ class Session : public testing::Test {
         MakeFrame();
     }
     ~Session() override {
-        m_frame.reset();
+        m_session.reset();
         EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
         EXPECT_TRUE(m_dialogs.m_messages.empty()) << m_dialogs.m_messages[0];
         ::unsetenv("TMPDIR");
@@ -72,8 +72,9 @@ class Session : public testing::Test {
 
     // A new frame in place of the present one, over what the settings keep.
     void MakeFrame() {
-        m_frame.reset();
-        m_frame = std::make_unique<CTrvProjectMainFrame>(m_application, m_target, m_dialogs, m_settings);
+        m_session.reset();
+        m_session = std::make_unique<CWindowSession>(m_application, m_target, m_dialogs, m_settings);
+        m_frame = &m_session->GetFrame();
     }
     // Writes a small recording and a project over it.
     std::filesystem::path MakeProject(const std::string& name) {
@@ -92,7 +93,8 @@ class Session : public testing::Test {
         auto project = CreateProject({m_folder / (name + ".tarin"), path}, message);
         EXPECT_TRUE(project) << message;
         Outils::CMessageQueue queue;
-        CTrvDocument document(m_frame->GetHost(), queue, m_application.GetConfiguration()); // beside the frame's
+        CTrvDocument document(m_session->GetHost(), queue,
+                              m_application.GetConfiguration()); // beside the frame's
         EXPECT_TRUE(document.NewFromProject(std::move(project), path));
         return path;
     }
@@ -110,7 +112,8 @@ class Session : public testing::Test {
     CEventLoopTarget m_target;
     CScriptedDialogs m_dialogs;
     QSettings m_settings{QString::fromStdString((m_folder / "settings.ini").string()), QSettings::IniFormat};
-    std::unique_ptr<CTrvProjectMainFrame> m_frame;
+    std::unique_ptr<CWindowSession> m_session;
+    CTrvProjectMainFrame* m_frame = nullptr; // of the session
 };
 
 } // namespace test

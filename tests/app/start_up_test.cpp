@@ -1,15 +1,19 @@
 #include "app/start_up.h"
 
+#include "app/end_signals.h"
 #include "app/program.h"
 #include "app/snapshot.h"
 #include "app/splash.h"
+#include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "session.h"
 
 #include <QImage>
 #include <QMessageBox>
 #include <QPointer>
+#include <QTimer>
 
+#include <csignal>
 #include <fstream>
 #include <optional>
 
@@ -121,6 +125,32 @@ TEST_F(StartUp, SplashCoversNoWindowAndNoQuestion) {
         EXPECT_FALSE(splash->isVisible());
     });
     EXPECT_TRUE(PumpUntil([&] { return !splash; })) << "it ends by itself";
+}
+
+// What is unsaved is kept without a question, and offered when the project opens again.
+TEST_F(StartUp, SignalEndsTheSessionAndKeepsTheChanges) {
+    const auto project = MakeProject("p");
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        MakeFrame();
+        m_dialogs.m_answers = {EAnswer::no};
+        ASSERT_TRUE(m_frame->OpenProject(project));
+        m_dialogs.TakeMessages();
+        m_frame->GetDocument().ProjectChanged(hintSimulationParametersChanged, nullptr);
+        CEndSignals endSignals;
+        m_session->EndOn(endSignals);
+        QTimer::singleShot(0, [signal] { std::raise(signal); });
+        QTimer::singleShot(30'000, m_frame, [] { QApplication::exit(1); });
+        EXPECT_EQ(QApplication::exec(), 0);
+        EXPECT_THAT(m_dialogs.m_messages, IsEmpty());
+    }
+    MakeFrame();
+    m_dialogs.m_answers = {EAnswer::yes};
+    ASSERT_TRUE(m_frame->OpenProject(project));
+    EXPECT_THAT(m_dialogs.TakeMessages(),
+                ElementsAre(Outils_Texte::FormatText(Outils_Texte::EText::restoreUnsaved,
+                                                     {Outils_Fichiers::ToText(project)})));
+    EXPECT_TRUE(m_frame->isWindowModified());
+    m_frame->GetDocument().SetModifiedFlag(false);
 }
 
 TEST(Program, NamesTheOtherProgramWithoutADisplay) {

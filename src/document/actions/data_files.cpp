@@ -1,4 +1,3 @@
-#include "config/config_file.h"
 #include "document/actions/data_file_kind.h"
 #include "document/actions/procedures.h"
 #include "document/document.h"
@@ -13,7 +12,6 @@
 namespace Application_Tarvel {
 
 using namespace Metier_Tarvel_Graphics;
-using Outils_Configuration::Cnf;
 using Outils_Texte::EText;
 using Outils_Texte::GetText;
 
@@ -102,8 +100,7 @@ bool Procedures::AddDataFile(const CEdit& edit) {
     auto& parameters = *edit.GetProject().simulationParameters;
     if (parameters.HasDataFile(*path)) return edit.Refuse(EText::dataFileReferenced);
     const CWaitCursor wait(document.GetHost());
-    CTrvDataFile* file =
-        edit.GetProject().AddDataFile(*path, document.GetConfiguration().Get(Cnf<"general/expertMode">));
+    CTrvDataFile* file = edit.GetProject().AddDataFile(*path, document.IsExpertMode());
     if (!file) return edit.Refuse();
     document.GetFiles()->Follow(*file);
     // On its own clock the file is as far from the recording as the two origins are from one another.

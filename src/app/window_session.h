@@ -1,0 +1,30 @@
+// One session with a window: the document, its surroundings, and the frame that shows it. UI thread.
+#pragma once
+
+#include "app/main_frame.h"
+
+namespace Application_Tarvel {
+
+class CEndSignals;
+
+class CWindowSession {
+  public:
+    // All four must outlive the session. The frame is not shown yet, and the document is empty.
+    CWindowSession(CTrvApp& application, Outils::IMessageTarget& target, IDialogs& dialogs,
+                   QSettings& settings);
+
+    CTrvFrameHost& GetHost() { return m_host; }
+    CTrvDocument& GetDocument() { return m_document; }
+    CTrvProjectMainFrame& GetFrame() { return m_frame; }
+
+    // From now on a signal ends the event loop: it asks nothing, and what is unsaved is kept beside the
+    // project. The session must outlive `endSignals`, or these stop listening before.
+    void EndOn(CEndSignals& endSignals);
+
+  private:
+    CTrvFrameHost m_host;
+    CTrvDocument m_document;
+    CTrvProjectMainFrame m_frame; // goes first: its views leave the document
+};
+
+} // namespace Application_Tarvel
