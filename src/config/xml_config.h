@@ -30,7 +30,6 @@ class CXmlConfigValue {
     CXmlConfigValue(const CXmlConfigValue&) = delete;
     CXmlConfigValue& operator=(const CXmlConfigValue&) = delete;
 
-    const std::string& GetKey() const { return m_key; }
     const std::string& GetDefault() const { return m_default; }
     EForm GetForm() const { return m_form; }
 
