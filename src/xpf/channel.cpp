@@ -58,7 +58,7 @@ bool CXpfChannel::ReadNextPacket(std::uint32_t& sizeRead, SPacketHeader* header,
     } else {
         if (!reader.Holds(position, length)) {
             packet = reader.View(position, length);
-            // Read anew, header and all; it has changed only under a reader that came upon a place being
+            // Read again, header and all; it has changed only under a reader that came upon a place being
             // written.
             if (!packet || LoadPacketSize(packet) != size) return false;
             std::memcpy(&found, packet, sizeof found);
@@ -76,7 +76,7 @@ void CXpfChannel::StepOn(std::int64_t position, const SPacketHeader& header) {
     if (position > m_last.Get()) m_last = position;
     m_previous = position;
     // Without a link this packet was the last of its channel when it was read; the next read walks on from
-    // behind it through whatever the writer has appended since.
+    // after it through whatever the writer has appended since.
     m_current = position + (header.forwardLink != 0 ? header.forwardLink : header.size);
 }
 
