@@ -25,9 +25,7 @@ struct SSample {
     const char* what;
     std::string head;
     int code;
-};
-
-const SSample kSamples[] = {
+} const kSamples[] = {
     {"empty", "", formatUnknown},
     {"packet file", {"XPF\0\1$", 6}, formatXpf},
     {"packet file cut in its magic", "XP", formatUnknown},
@@ -66,14 +64,11 @@ const SSample kSamples[] = {
     {"depth in the second line", "\nDEPTH TO VARNE NAV EXTERNAL DATA", formatUnknown},
 };
 
-TEST(FormatDetection, TellsFormatsByTheirFirstLines) {
-    const Outils_Valeurs::CDateTimeAdaptor dates;
+TEST(FormatDetection, FirstLinesTellTheFormat) {
+    Outils_Valeurs::CDateTimeAdaptor dates;
     for (const SSample& sample : kSamples)
         EXPECT_EQ(DetectFormat(sample.head, dates), sample.code) << sample.what;
-}
-
-TEST(FormatDetection, ReadsEventDatesAsTheUserWritesThem) {
-    Outils_Valeurs::CDateTimeAdaptor dates;
+    // Events are dated as the user writes dates.
     const std::string text = Repeat("2026-11-24 12:30:01,5\t0\n", 4);
     EXPECT_EQ(DetectFormat(text, dates), formatUnknown);
     dates.notation = Outils_Valeurs::EDateNotation::yearMonthDay;
