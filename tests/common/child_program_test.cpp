@@ -57,9 +57,8 @@ TEST(ChildProgram, CommandLineAndCommandsDecideTheEnd) {
         std::vector<std::string> arguments;
         std::string_view commands;
         int code;
-        std::string_view part; // of what is written
-    };
-    const SRow rows[] = {
+        std::string_view part; // of the output
+    } const rows[] = {
         {kTool, {"x"}, "", 0, "50.0 %"},
         {kTool, {"/REMOTE", "x"}, "start\n", 0, "progress 50.0\n"},
         {kTool, {"/remote", "x"}, "stop\n", 1, ""},

@@ -1,8 +1,5 @@
-#include "common/child_program.h"
 #include "common/command_reader.h"
-#include "common/fault_counter.h"
 #include "common/line_monitor.h"
-#include "common/target_file.h"
 #include "foundation/texts.h"
 
 #include <gtest/gtest.h>
@@ -35,7 +32,7 @@ TEST(Protocol, CommandLinesAreCutAtLineFeedsOnly) {
     EXPECT_EQ(words, (std::vector<std::string>{"start", "pause", "", "stop", "resume"}));
 }
 
-TEST(Protocol, ProgressNeverFallsAndAClosedOutputStopsTheRun) {
+TEST(Protocol, ProgressRisesAndClosedOutputStops) {
     CRunControl control;
     std::string text;
     bool open = true;
