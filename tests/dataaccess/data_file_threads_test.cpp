@@ -7,6 +7,7 @@
 
 #include <fstream>
 #include <optional>
+#include <sys/stat.h>
 #include <vector>
 
 using namespace Application_Tarvel;
@@ -128,14 +129,17 @@ TEST_F(DataFileThreads, MonitorFollowsAFile) {
     expect(EFileChange::grew);
     std::filesystem::remove(path);
     expect(EFileChange::disappeared);
-    // A folder of that name is no data file.
-    std::filesystem::create_directory(path);
+    std::filesystem::create_directory(path); // no data file
+    const auto pipe = m_folder / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    monitor.Watch(&pipe, pipe);
     const auto other = m_folder / "other";
     std::ofstream(other) << "x";
     monitor.Watch(&path, other);
     ASSERT_TRUE(m_queue.RunUntil([&] { return changes.back().second == &path; }, 30s));
     monitor.Kill();
     EXPECT_EQ(changes.back().first, EFileChange::appeared);
+    EXPECT_TRUE(std::ranges::none_of(changes, [&](const auto& change) { return change.second == &pipe; }));
 }
 
 TEST_F(DataFileThreads, MessagesOfFormerWatchesAreIgnored) {

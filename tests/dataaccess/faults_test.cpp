@@ -1,7 +1,5 @@
-// Recordings that are damaged, are no files, or change under their readers: what the scan, the monitor and
-// the queries make of each.
+// What the scan and the queries make of recordings that are damaged or change under their readers.
 #include "dataaccess/data_file_analyzer.h"
-#include "dataaccess/data_file_monitor.h"
 #include "dataaccess/test_recording.h"
 #include "dataaccess/view_queries.h"
 #include "foundation/files.h"
@@ -13,7 +11,6 @@
 #include <cstring>
 #include <limits>
 #include <random>
-#include <sys/stat.h>
 #include <thread>
 
 using namespace Application_Tarvel;
@@ -154,38 +151,6 @@ TEST_F(Faults, DamagedFilesGiveWhatCanBeRead) {
         for (int round = 0; round < 2; ++round)
             EXPECT_EQ(CountSlices(20.5, 30, &cache), std::pair(fault.middle, fault.error));
     }
-}
-
-TEST_F(Faults, OnlyRegularFilesAreOpened) {
-    using Path = const std::filesystem::path&;
-    struct SRow {
-        const char* what;
-        void (*make)(Path);
-    } const rows[] = {{"nothing", [](Path) {}},
-                      {"a folder", [](Path path) { std::filesystem::create_directory(path); }},
-                      {"a pipe", [](Path path) { mkfifo(path.c_str(), 0600); }},
-                      {"a device", [](Path path) { std::filesystem::create_symlink("/dev/zero", path); }},
-                      {"a link to itself", [](Path path) { std::filesystem::create_symlink(path, path); }}};
-    std::vector<const void*> seen;
-    CTrvDataFileMonitorThread monitor(
-        m_port, [&seen](EFileChange, const void* file) { seen.push_back(file); }, 1ms);
-    monitor.Watch(this, m_folder / "sane");
-    for (const SRow& row : rows) {
-        SCOPED_TRACE(row.what);
-        std::filesystem::remove(m_path);
-        row.make(m_path);
-        EXPECT_EQ(CountChannels(), 0);
-        EXPECT_EQ(CountSlices(0, 100, nullptr), std::pair(kFailed, EError::noFile));
-        EXPECT_FALSE(FindUtcOrigin(m_path, 1000).IsValid());
-        const auto path = m_folder / std::string_view(row.what);
-        row.make(path);
-        monitor.Watch(&row, path);
-    }
-    ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(m_folder / "sane", m_sane.bytes));
-    EXPECT_TRUE(m_queue.RunUntil([&seen] { return !seen.empty(); }, 30s));
-    monitor.Kill();
-    m_queue.RunPending();
-    EXPECT_EQ(seen, std::vector<const void*>{this});
 }
 
 // A file that changes while it is read gives some answer, and the right one once it is at rest.

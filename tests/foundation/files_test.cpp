@@ -39,7 +39,7 @@ TEST(Paths, RelativePathsComeBack) {
     EXPECT_FALSE(RelativePathTo("/p", "/proc/none/x")) << "another volume";
 }
 
-TEST(Paths, SeparatorsAndCaseOfTheOriginalPlatformAreUnderstood) {
+TEST(Paths, SeparatorsAndCaseOfTheOriginalPlatform) {
     EXPECT_EQ(Combine("/p/a", "..\\b/./c\\x"), "/p/b/c/x");
     EXPECT_EQ(Combine("/p", "..\\..\\..\\x"), "/x");
     EXPECT_EQ(Combine("/p/a", "."), "/p/a");
@@ -92,7 +92,7 @@ TEST_F(Files, SaveFollowsLinks) {
     EXPECT_FALSE(SaveAtomically(folder / "ring", m_new));
 }
 
-TEST_F(Files, FailedSaveKeepsTheOldFileAndLeavesNothingBehind) {
+TEST_F(Files, FailedSaveKeepsTheOldFile) {
     // A limit on the size of files stands for a full disk.
     rlimit former;
     ::getrlimit(RLIMIT_FSIZE, &former);
@@ -110,7 +110,7 @@ TEST_F(Files, FailedSaveKeepsTheOldFileAndLeavesNothingBehind) {
     EXPECT_EQ(CountEntries(), 1);
 }
 
-TEST_F(Files, AKillDuringASaveLeavesNothingBehind) {
+TEST_F(Files, KilledSaveLeavesNothing) {
     const int nameless = ::open(m_folder.GetPath().c_str(), O_TMPFILE | O_WRONLY, 0600);
     if (nameless < 0) GTEST_SKIP() << "the file system has no files without a name";
     ::close(nameless);

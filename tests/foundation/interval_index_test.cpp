@@ -77,7 +77,7 @@ TEST(IntervalIndex, AgreesWithAPlainMapAndUseList) {
     EXPECT_EQ(Find(tree, 1), CModel().Find(1));
 }
 
-TEST(IntervalIndex, AValueReplacedEvictsToo) {
+TEST(IntervalIndex, ReplacedValueEvictsToo) {
     Tree tree;
     for (int key = 0; key < 9; ++key) tree.Insert(CDateTimeSpan(key), 1);
     tree.SetEviction(true, 9, 4);

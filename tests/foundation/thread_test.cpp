@@ -14,7 +14,7 @@ namespace {
 
 constexpr auto kForever = std::chrono::milliseconds::max();
 
-// Counts its runs; a run lasts until it is told to end.
+// Counts its runs; a run lasts until Stop.
 class CWorker : public CThread {
   public:
     ~CWorker() override { Kill(); }
@@ -99,7 +99,7 @@ TEST(MessageQueue, KeepsTheOrderOfEveryThread) {
     for (const auto& order : seen) EXPECT_TRUE(std::ranges::is_sorted(order));
 }
 
-TEST(MessagePort, WhatIsQueuedWhenItClosesNeverRuns) {
+TEST(MessagePort, ClosedPortRunsNothing) {
     CMessageQueue queue;
     int runs = 0;
     auto closing = std::make_unique<CMessagePort>(queue);
