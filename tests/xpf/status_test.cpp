@@ -55,8 +55,6 @@ TEST(Status, NamesAndDescribesFieldsAndLiterals) {
         {typeNelixNav, 31, "Acc or rotation speed dynamic exceeded",
          "Acceleration or rotation speed dynamic exceeded", 2, "Yes", "Value is set to Yes"},
         {typeNelixNav, 36, "Gps2 on", "Gps2 on", 2, "On", "Value is set to On"},
-        {typeNelixNav, 37, "Gps2 data valid", "Gps2 data valid", 2, "Yes", "Value is set to Yes"},
-        {typeNelixNav, 38, "Waiting for Gps2 data", "Waiting for Gps2 data", 2, "Yes", "Value is set to Yes"},
         {typeNelixNav, 39, "Gps2 data rejected", "Gps2 data rejected", 2, "Yes", "Value is set to Yes"},
         {typeNelixNav, 61, "Gps3 data rejected", "Gps3 data rejected", 2, "Yes", "Value is set to Yes"},
     };
