@@ -51,7 +51,7 @@ std::pair<int, std::string> RunWith(const SProgram& program, const std::vector<s
 
 } // namespace
 
-TEST(ChildProgram, CommandLineAndCommandsDecideTheEnd) {
+TEST(ChildProgram, LineAndCommandsDecideTheEnd) {
     struct SRow {
         const SProgram& program;
         std::vector<std::string> arguments;

@@ -79,7 +79,7 @@ TEST(Schema, DefaultsReadAsTheirTextsSay) {
     }
 }
 
-TEST_F(Settings, FileOfDefaultsHoldsEveryKeyInItsForm) {
+TEST_F(Settings, FileOfDefaultsHoldsEveryKey) {
     const std::string text = Saved();
     EXPECT_TRUE(text.starts_with("<?xml version=\"1.0\" encoding=\"ISO-8859-1\" standalone=\"yes\"?>\n"
                                  "<configuration>\n\t<general>\n\t\t<utcSearch>\n"))
@@ -108,7 +108,7 @@ TEST_F(Settings, FileOfDefaultsHoldsEveryKeyInItsForm) {
               "viewMetadata viewProcessing adaptors settingsDialog printing ");
 }
 
-TEST_F(Settings, TypedKeysKeepTheirValuesThroughAFile) {
+TEST_F(Settings, TypedKeysComeBackFromAFile) {
     CTrvCnfConfigFile other;
     const auto expectKept = [&](auto key, auto value) {
         settings.Set(key, value);
@@ -140,7 +140,7 @@ TEST_F(Settings, NumbersOutsideTheirRangeAreClamped) {
     EXPECT_EQ(settings.Get(Cnf<"printing/margins/left">), 20.0);
 }
 
-TEST_F(Settings, TextsAreReadByTheRulesOfTheirTypes) {
+TEST_F(Settings, TextsAreReadByTheirTypes) {
     const std::tuple<std::string_view, bool, double, std::int32_t, std::uint32_t, char16_t> rows[] = {
         {"OUI", true, 0.5, 3, 0xFF000000, u'O'},
         {"maybe", false, 0.5, 3, 0xFF000000, u'm'},
@@ -172,7 +172,7 @@ TEST_F(Settings, TextsAreReadByTheRulesOfTheirTypes) {
     }
 }
 
-TEST_F(Settings, EnumerationsFallBackOnTheirDefaultWord) {
+TEST_F(Settings, UnknownWordsGiveTheDefault) {
     ASSERT_TRUE(LoadGeneral("<startMode>OPENLAST</startMode><appearance>mauve</appearance>"));
     EXPECT_EQ(settings.Get(Cnf<"general/startMode">), EStartMode::openLast);
     EXPECT_EQ(settings.Get(Cnf<"general/appearance">), EAppearance::blue);
@@ -180,7 +180,7 @@ TEST_F(Settings, EnumerationsFallBackOnTheirDefaultWord) {
     EXPECT_EQ(settings.Get(Cnf<"general/appearance">), EAppearance::standard);
 }
 
-TEST_F(Settings, UnknownContentSurvivesALoadAndASave) {
+TEST_F(Settings, UnknownContentSurvivesASave) {
     ASSERT_TRUE(Load(
         "<?xml version='1.0' encoding='utf-8'?><!-- mine -->"
         "<configuration><general colour='\xC3\xA9'>\n</general><?general x?><general a='1'><later>7</later>"

@@ -96,7 +96,7 @@ TEST_F(AsyncQueries, LoaderStartsAgainForEveryBurst) {
     }
 }
 
-TEST_F(AsyncQueries, StopCancelsTheRunningAndKeepsTheQueued) {
+TEST_F(AsyncQueries, StopCancelsRunningKeepsQueued) {
     for (const bool isHeld : {false, true}) {
         m_log.clear();
         const auto running = Make("running", true), queued = Make("queued");
@@ -117,7 +117,7 @@ TEST_F(AsyncQueries, StopCancelsTheRunningAndKeepsTheQueued) {
     }
 }
 
-TEST_F(AsyncQueries, CallbacksOfADestroyedManagerNeverRun) {
+TEST_F(AsyncQueries, DestroyedManagersCallNothing) {
     auto manager = std::make_unique<CAsyncQueryManager>(m_queue);
     const auto query = Make("query");
     manager->Submit(query);

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <optional>
 #include <sys/stat.h>
@@ -66,7 +67,7 @@ TEST_F(DataFileThreads, ScanReportsChannelsOnceAndResumes) {
     EXPECT_TRUE(analyzer.WaitForFirstData(0ms).hasUtc);
 }
 
-TEST_F(DataFileThreads, FirstUtcGivesTheInstantOfDateZero) {
+TEST_F(DataFileThreads, FirstUtcGivesTheOrigin) {
     Outils_Temps::CDateTime origin;
     origin.SetDateTime(2024, 3, 14, 10, 20, 30, Outils_Temps::kTicksPerSecond / 2);
     for (const float second : {34.5f, 60.0f, -1.0f, std::numeric_limits<float>::quiet_NaN(), 1e30f}) {
@@ -138,6 +139,7 @@ TEST_F(DataFileThreads, MonitorFollowsAFile) {
     monitor.Watch(&path, other);
     ASSERT_TRUE(m_queue.RunUntil([&] { return changes.back().second == &path; }, 30s));
     monitor.Kill();
+    m_queue.RunPending();
     EXPECT_EQ(changes.back().first, EFileChange::appeared);
     EXPECT_TRUE(std::ranges::none_of(changes, [&](const auto& change) { return change.second == &pipe; }));
 }

@@ -139,7 +139,7 @@ class Faults : public testing::Test {
     Outils::CMessagePort m_port{m_queue};
 };
 
-TEST_F(Faults, DamagedFilesGiveWhatCanBeRead) {
+TEST_F(Faults, DamagedFilesGiveTheirSanePackets) {
     for (const SFault& fault : kFaults) {
         SCOPED_TRACE(fault.what);
         SBytes damaged = m_sane;

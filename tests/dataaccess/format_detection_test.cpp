@@ -42,7 +42,7 @@ struct SSample {
     {"frame", {"ab$\3c$", 6}, formatRawIns},
     {"frame of length 255", "$\xFF" + std::string(253, '\0') + "$", formatRawIns},
     {"frame of length 0 meets its own mark", {"$\0", 2}, formatRawIns},
-    {"frame that ends behind the file", {"$\3c", 3}, formatUnknown},
+    {"frame that ends after the file", {"$\3c", 3}, formatUnknown},
     {"frame beyond 512 bytes", std::string(509, '\0') + std::string("$\3c$", 4), formatUnknown},
     {"four of five lines", ":UT,\n:BD,1\n:WS,\n:SA,\nUT\n", formatRdiPd6},
     {"79 of 100 lines", Repeat(":UT,1\n", 79) + Repeat("-\n", 21) + Repeat(":UT,1\n", 9), formatUnknown},

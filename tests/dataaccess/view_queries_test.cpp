@@ -160,7 +160,7 @@ void ViewQueries::CheckWindows(std::int64_t beyond, std::int64_t longest) {
 TEST_F(ViewQueries, WindowsAgreeWithAPlainPass) { CheckWindows(50'000'000, 5'000'000); }
 
 // Dates a few ticks apart lie on the edges of windows and slices, and as far from a centre as others.
-TEST_F(ViewQueries, DatesOnEdgesAgreeWithAPlainPass) {
+TEST_F(ViewQueries, EdgesAgreeWithAPlainPass) {
     std::mt19937 random(29);
     test::CTestRecording recording(m_folder / "edges.tarin");
     m_path = recording.GetPath();
@@ -277,7 +277,7 @@ TEST_F(ViewQueries, ExtremesOfEveryPacketType) {
     }
 }
 
-TEST_F(ViewQueries, CacheKeepsBeginsAndLearnsNewEnds) {
+TEST_F(ViewQueries, CacheKeepsBeginsLearnsNewEnds) {
     m_usesCache = true;
     const auto lastKnown = [this] {
         ValueAt(m_truth.front().ticks);
@@ -294,7 +294,7 @@ TEST_F(ViewQueries, CacheKeepsBeginsAndLearnsNewEnds) {
     EXPECT_EQ(ValueAt(m_truth.back().ticks)->ticks, m_truth.back().ticks);
 }
 
-TEST_F(ViewQueries, OneDateForAllPacketsShowsAll) {
+TEST_F(ViewQueries, EqualDatesShowAllPackets) {
     test::CTestRecording recording(m_folder / "still.tarin");
     for (int i = 1; i <= 5; ++i) recording.Depth(7, static_cast<float>(i));
     recording.Flush();
@@ -331,7 +331,7 @@ TEST_F(ViewQueries, PacketsOfOtherSizes) {
     EXPECT_EQ(ValueAt(Seconds(3).GetTicks())->depth, 0);
 }
 
-// Dates that jump to and fro would make a slice of each packet.
+// Jumping dates would make a slice of each packet.
 TEST_F(ViewQueries, JumpingDatesKeepMemoryBounded) {
     test::CTestRecording recording(m_folder / "jumps.tarin");
     for (int i = 0; i < 100'000; ++i) recording.Depth(i % 2 ? 90 : 1, 0);
@@ -360,7 +360,7 @@ class CReplacingQuery : public CTrvDataQuery {
     std::filesystem::path m_replacement;
 };
 
-TEST_F(ViewQueries, ReplacedFileLeavesNothingInTheCache) {
+TEST_F(ViewQueries, ReplacedFilesLeaveNothingCached) {
     m_usesCache = true;
     test::CTestRecording other(m_folder / "other.tarin");
     const auto isKnown = [this] {

@@ -82,7 +82,7 @@ class Archive : public testing::Test {
     std::string m_fileName;
 };
 
-TEST_F(Archive, ScalarsAreLittleEndianInTheirOwnWidth) {
+TEST_F(Archive, ScalarsAreLittleEndian) {
     const Bytes bytes = Store([](CArchive& archive) {
         archive << true << std::uint8_t{0xAB} << std::int16_t{-2} << std::int64_t{-2} << 1.0f << -2.0;
         for (std::uint32_t count : {0xFFFEu, 0xFFFFu}) archive.WriteCount(count);
@@ -159,7 +159,7 @@ TEST_F(Archive, ObjectsAndClassesShareOneTable) {
     }
 }
 
-TEST_F(Archive, IndexesBeyondFifteenBitsTakeTheBigForm) {
+TEST_F(Archive, LargeIndexesTakeTheBigForm) {
     std::vector<CObjetMetier> plain(0x7FFF); // class 1, objects 2 to 0x8000
     CLeverArm first, second;                 // class 0x8001, objects 0x8002 and 0x8003
     std::vector<const CObject*> objects;

@@ -39,7 +39,7 @@ TEST(Paths, RelativePathsComeBack) {
     EXPECT_FALSE(RelativePathTo("/p", "/proc/none/x")) << "another volume";
 }
 
-TEST(Paths, SeparatorsAndCaseOfTheOriginalPlatform) {
+TEST(Paths, UnderstandsPathsOfTheOriginalPlatform) {
     EXPECT_EQ(Combine("/p/a", "..\\b/./c\\x"), "/p/b/c/x");
     EXPECT_EQ(Combine("/p", "..\\..\\..\\x"), "/x");
     EXPECT_EQ(Combine("/p/a", "."), "/p/a");
@@ -93,7 +93,7 @@ TEST_F(Files, SaveFollowsLinks) {
 }
 
 TEST_F(Files, FailedSaveKeepsTheOldFile) {
-    // A limit on the size of files stands for a full disk.
+    // A limit on the size of files imitates a full disk.
     rlimit former;
     ::getrlimit(RLIMIT_FSIZE, &former);
     const rlimit small{1000, former.rlim_max};
@@ -131,7 +131,7 @@ TEST_F(Files, KilledSaveLeavesNothing) {
     EXPECT_EQ(CountEntries(), 1);
 }
 
-TEST_F(Files, OnlyRegularFilesWithinTheLimitAreRead) {
+TEST_F(Files, ReadsSmallRegularFilesOnly) {
     EXPECT_EQ(ReadWholeFile(m_file, 100), m_old);
     EXPECT_FALSE(ReadWholeFile(m_file, 99));
     EXPECT_FALSE(ReadWholeFile(m_folder.GetPath(), 1000));
@@ -145,7 +145,7 @@ TEST_F(Files, OnlyRegularFilesWithinTheLimitAreRead) {
     EXPECT_FALSE(ReadWholeFile("/proc/self/status", 10));
 }
 
-TEST_F(Files, TemporaryFilesHaveNamesOfTheirOwn) {
+TEST_F(Files, TemporaryFilesHaveUniqueNames) {
     const auto first = CreateTemporaryFile("mvx");
     const auto second = CreateTemporaryFile("mvx");
     ASSERT_TRUE(first && second);

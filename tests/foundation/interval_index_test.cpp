@@ -59,7 +59,7 @@ class CModel {
     std::list<std::int64_t> m_ages;
 };
 
-TEST(IntervalIndex, AgreesWithAPlainMapAndUseList) {
+TEST(IntervalIndex, AgreesWithAPlainMap) {
     std::mt19937 random(7);
     Tree tree;
     tree.SetEviction(true, 60, 7);

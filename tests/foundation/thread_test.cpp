@@ -54,7 +54,7 @@ TEST(Thread, StartsAgainAfterItHasEnded) {
     ASSERT_TRUE(worker.Start()); // destroyed while it runs
 }
 
-TEST(Event, ManualStaysAndAutomaticLetsOnePass) {
+TEST(Event, ManualStaysAutomaticLetsOnePass) {
     CEvent manual;
     EXPECT_FALSE(manual.Wait(0ms));
     manual.Set();

@@ -81,7 +81,7 @@ class RecordingTest : public testing::Test {
 };
 
 // Links lie within a block, over the edge of one, and over several flushes.
-TEST_F(RecordingTest, EveryChannelComesBackLinkedAndNumbered) {
+TEST_F(RecordingTest, ChannelsComeBackLinkedAndNumbered) {
     for (const EFileKind kind : {EFileKind::tarin, EFileKind::tarout}) {
         m_written.clear();
         CRecordingWriter writer;

@@ -45,7 +45,7 @@ TEST(InertialUnitTest, GradesErrByTheirTable) {
 }
 
 // The truth does not depend on the order of the questions, and moves by its speeds.
-TEST(MissionTest, TruthIsTheSameFromAnySide) {
+TEST(MissionTest, TruthIsTheSameEitherWay) {
     for (const EVehicle vehicle : {EVehicle::ship, EVehicle::auv, EVehicle::car}) {
         SMissionOptions options;
         options.vehicle = vehicle;

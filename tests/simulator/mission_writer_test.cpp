@@ -60,7 +60,7 @@ class MissionWriterTest : public testing::Test {
     SMissionOptions m_options;
 };
 
-TEST_F(MissionWriterTest, AllChannelsComeInTimeOrderAtTheirRates) {
+TEST_F(MissionWriterTest, ChannelsComeInTimeOrder) {
     for (const SChannelLayout& row : GetChannelLayouts())
         if (row.kind == EFileKind::tarin) m_options.channels.emplace_back(row.name);
     m_options.GetChannelOptions("GPS_2").rate = 4;
@@ -194,7 +194,7 @@ TEST_F(MissionWriterTest, PerfectSensorsReadTheTruth) {
     });
 }
 
-TEST_F(MissionWriterTest, DivingVehiclesHaveGpsAtTheSurface) {
+TEST_F(MissionWriterTest, DivingVehiclesLoseGps) {
     m_options.vehicle = EVehicle::auv;
     m_options.altitude = m_options.geoidSeparation = 20;
     const CMission mission(m_options);

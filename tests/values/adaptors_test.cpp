@@ -118,7 +118,7 @@ TEST(Adaptors, AreSetUpFromTheFile) {
     EXPECT_EQ(Shown(adaptors.GetForNature(4000000000u), 0.5), "0,500");
 }
 
-TEST(PhysicalValueAdaptor, ReadsNumbersWithTheUnitsOfItsTable) {
+TEST(PhysicalValueAdaptor, ReadsNumbersWithItsUnits) {
     CPhysicalValueAdaptor metres = CTrvAdaptors().Get(EQuantity::distance);
     EXPECT_EQ(Read(metres, "\t12ft "), Read(metres, "12 ft"));
     EXPECT_EQ(Read(metres, ".5"), 0.5);
@@ -160,7 +160,7 @@ TEST(NumericValueAdaptor, GivesTheRestOfTheText) {
     EXPECT_EQ(Shown(adaptor, -1.5), "-001.500");
 }
 
-TEST(LatitudeLongitudeAdaptor, ShowsEveryNotationAndCarriesAtSixty) {
+TEST(LatitudeLongitudeAdaptor, ShowsNotationsAndCarriesAtSixty) {
     const double minute = 1.0 / 60.0;
     const double second = minute / 60.0;
     const std::tuple<EAngleNotation, double, std::string_view> rows[] = {
@@ -185,7 +185,7 @@ TEST(LatitudeLongitudeAdaptor, ShowsEveryNotationAndCarriesAtSixty) {
     EXPECT_EQ(Shown(longitude, -4.5), "-004°30.000");
 }
 
-TEST(LatitudeLongitudeAdaptor, ReadsTheUsualFormsAndRefusesTheRest) {
+TEST(LatitudeLongitudeAdaptor, ReadsTheUsualFormsOnly) {
     const CLatitudeLongitudeAdaptor latitude(true);
     const CLatitudeLongitudeAdaptor longitude(false);
     for (const char* text : {"48°30'N", "48 30", "+48.5", "48,5", "N48°30.000", " 48d 30m 0 n", "48°30'00\"N",

@@ -135,7 +135,7 @@ TEST_F(RoundTrip, Dates) {
                                     static_cast<std::int64_t>(m_random() * 201ULL % kTicksPerDay);
         CDateTime value(116700000000000000ULL + static_cast<std::uint64_t>(offset));
         if (m_random() % 8 == 0) value = newYear;
-        CDateTime read = value; // tells the day to the notations without one
+        CDateTime read = value; // gives the day to the notations without one
         const std::string text = ShowAndRead(adaptor, value, read);
         const double half =
             adaptor.notation == EDateNotation::compact ? 1e7 : 0.5 * std::pow(10.0, 7 - adaptor.precision);

@@ -93,7 +93,7 @@ TEST_F(Channel, CutsThePayloadToTheBuffer) {
     EXPECT_EQ(buffer, Bytes(200'000, 9));
 }
 
-TEST_F(Channel, FollowsAGrowingFileByteByByte) {
+TEST_F(Channel, FollowsAFileByteByByte) {
     auto builder = MakeMixed(5, 80);
     const auto start = static_cast<std::size_t>(builder.dataStart);
     Bytes before(builder.bytes.begin(), builder.bytes.begin() + builder.dataStart);
@@ -142,7 +142,7 @@ TEST_F(Channel, FollowsAGrowingFileByteByByte) {
     EXPECT_EQ(file->GetPosition(), scanned);
 }
 
-TEST_F(Channel, SeesWhatAWriterMakesOfADamagedPlace) {
+TEST_F(Channel, SeesADamagedPlaceMended) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU"});
     const auto position = builder.Add(kImu, Bytes(40, 7)).position;
     Bytes zeroed = builder.bytes;
@@ -161,7 +161,7 @@ TEST_F(Channel, SeesWhatAWriterMakesOfADamagedPlace) {
     EXPECT_EQ(payload.size(), 40u);
 }
 
-TEST_F(Channel, FindsTheLastPacketAsTheFileChanges) {
+TEST_F(Channel, FindsTheLastPacketAfterChanges) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
     builder.Add(kUtc, Bytes(31, 1));
     for (int i = 0; i < 5; ++i) builder.Add(kImu, Bytes(40, 7));
@@ -200,7 +200,7 @@ TEST_F(Channel, FindsTheLastPacketAsTheFileChanges) {
 }
 
 // A writer sets the link to a packet after the packet itself: the walk goes on without it.
-TEST_F(Channel, WalksOnOverALinkThatIsNotSetYet) {
+TEST_F(Channel, WalksOverMissingLinks) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
     for (int i = 0; i < 6; ++i) {
         builder.Add(kImu, Bytes(40, 7));

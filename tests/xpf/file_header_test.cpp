@@ -10,7 +10,7 @@ using Builder = CPacketFileBuilder;
 
 using FileHeader = PacketFileTest;
 
-TEST_F(FileHeader, GivesChannelsAndDefinitionsInFileOrder) {
+TEST_F(FileHeader, GivesRecordsInFileOrder) {
     Builder builder(
         {{13, "UTC", typeUtc}, {7, "PLATFORM_ORIENT", typePlatformOrientation, std::string(64, 'd')}},
         {{typeUtc, 2, 10}, {200, 77, 0}});
@@ -48,7 +48,7 @@ TEST_F(FileHeader, DecodesNoInternalStates) {
 TEST_F(FileHeader, TellsFormerLayoutsFromDamage) {
     const Builder whole({{0, "IMU", typeImu}}, {{typeImu, 2, 11}});
     Builder junk = whole;
-    junk.bytes[kFileHeaderSize + 2 + 10] = 'x'; // behind the terminator, within the 16 bytes
+    junk.bytes[kFileHeaderSize + 2 + 10] = 'x'; // after the terminator, within the 16 bytes
     const auto cut = [&whole](std::int64_t size) {
         return Bytes(whole.bytes.begin(), whole.bytes.begin() + size);
     };
@@ -100,7 +100,7 @@ TEST_F(FileHeader, TellsFormerLayoutsFromDamage) {
     }
 }
 
-TEST_F(FileHeader, CutHeaderKeepsWhatLiesBeforeTheCut) {
+TEST_F(FileHeader, CutHeaderKeepsRecordsBeforeTheCut) {
     const Builder whole({{0, "IMU", typeImu}, {8, "DEPTH", typeDepth}},
                         {{typeImu, 2, 11}, {typeDepth, 1, 5}});
     std::size_t ends[5] = {kFileHeaderSize + kChannelRecordSize, kFileHeaderSize + 2 * kChannelRecordSize};

@@ -45,7 +45,7 @@ void ExpectOnly(CXpfPacket& packet, std::uint32_t field, EFieldType type, T valu
     EXPECT_EQ(number, static_cast<double>(value)) << "field " << field;
 }
 
-TEST_P(EveryPacket, GivesEachFieldThroughItsOwnAccessorOnly) {
+TEST_P(EveryPacket, FieldsAnswerTheirOwnAccessorOnly) {
     ASSERT_TRUE(m_packet);
     ASSERT_EQ(m_packet->GetFieldCount(), m_layout.fields.size());
     EXPECT_EQ(m_packet->GetPayloadSize(), m_layout.payloadSize);
@@ -104,7 +104,7 @@ TEST_P(EveryPacket, WritesOneTextPerElement) {
 INSTANTIATE_TEST_SUITE_P(Types, EveryPacket,
                          testing::Values(0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 15, 16));
 
-TEST(Packets, TextHasEightSignificantDigitsAndBytesAsNumbers) {
+TEST(Packets, TextHasEightSignificantDigits) {
     CXpfTarinGpsPacketV2 packet;
     packet.SetDate(0, CDateTimeSpan(-5'000'001));
     packet.SetFloat(1, 0.1f);

@@ -14,7 +14,7 @@ class Search : public PacketFileTest {
     void UseEverything(CXpfFile& file, std::mt19937& random);
 };
 
-TEST_F(Search, FindsTheNearestPacketFromEveryByte) {
+TEST_F(Search, FindsNearestPacketFromEveryByte) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU"});
     for (int i = 0; i < 12; ++i) builder.Add(kImu, Bytes(static_cast<std::size_t>(i) * 23, '.'));
     builder.bytes.insert(builder.bytes.end(), 300, '?');
@@ -48,7 +48,7 @@ TEST_F(Search, FindsTheNearestPacketFromEveryByte) {
     EXPECT_FALSE(file->Seek(std::int64_t{1} << 60) && file->SearchPacketForward(header));
 }
 
-TEST_F(Search, ForwardSearchLagsAfterARejectedCandidate) {
+TEST_F(Search, ForwardSearchLagsAfterRejectedCandidates) {
     // False magic at `lure` bytes from the pointer, the packet at `packet` bytes.
     struct {
         std::size_t lure, packet;
@@ -69,7 +69,7 @@ TEST_F(Search, ForwardSearchLagsAfterARejectedCandidate) {
     }
 }
 
-TEST_F(Search, BackwardSearchCopesWithRunsOfDollars) {
+TEST_F(Search, BackwardSearchPassesRunsOfDollars) {
     for (std::size_t count = 0; count < 140; ++count) {
         auto builder = CPacketFileBuilder::ForChannels({"IMU"});
         builder.bytes.resize(builder.bytes.size() + count, '$');
@@ -124,7 +124,7 @@ TEST_F(Search, ReachesBeyondFourGigabytes) {
 }
 
 // A size that the file does not hold must cost neither memory nor the walk.
-TEST_F(Search, GiantSizeInASmallFileIsTorn) {
+TEST_F(Search, GiantSizesAreTorn) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU"});
     for (const std::uint32_t size : {100u, 50'000'000u, 4'000'000'000u, 0xFFFFFFFFu}) {
         Bytes bytes = builder.bytes;
@@ -229,7 +229,7 @@ TEST_F(Search, EarlierSearchesDoNotShow) {
 }
 
 // A place is remembered by its number and tested before use: after a rewrite another packet lies there.
-TEST_F(Search, RememberedPlaceOfAnotherPacketIsNotTaken) {
+TEST_F(Search, RememberedPlacesAreTested) {
     constexpr std::uint32_t kCount = 9, kSought = 4;
     const auto build = [](int extra, std::uint16_t swapped) {
         auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});

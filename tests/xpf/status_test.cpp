@@ -13,7 +13,7 @@ std::uint32_t Value(const CXpfPacket& packet, std::uint32_t index) {
     return packet.GetStatusValue(index, value) ? value : kNone;
 }
 
-TEST(Status, CountsFieldsPerTypeAndFileKind) {
+TEST(Status, CountsFieldsPerType) {
     const CXpfTarinFileV3 input;
     const CXpfTaroutFileV2 output;
     constexpr std::uint32_t expected[] = {0, 1, 1, 3, 1, 3, 1, 1, 1, 1, 62, 0, 0, 0, 0, 0, 0};
@@ -23,7 +23,7 @@ TEST(Status, CountsFieldsPerTypeAndFileKind) {
         EXPECT_EQ(input.GetStatusFieldCount(type), expected[type]) << type;
         EXPECT_EQ(output.GetStatusFieldCount(type), type == typeMorvexStd ? 62u : 0u) << type;
         EXPECT_FALSE(input.GetStatusField(type, expected[type], name, description, literals));
-        // Every literal that a field counts has a name, and there is none behind them.
+        // Every literal that a field counts has a name, and there are no more.
         for (std::uint32_t index = 0; index < expected[type]; ++index) {
             ASSERT_TRUE(input.GetStatusField(type, index, name, description, literals));
             EXPECT_FALSE(name.empty() || description.empty());
@@ -71,7 +71,7 @@ TEST(Status, NamesAndDescribesFieldsAndLiterals) {
     }
 }
 
-TEST(Status, ReadsRejectionsAndModesFromTheirBytes) {
+TEST(Status, ReadsRejectionsAndModes) {
     struct {
         std::uint8_t byte;
         std::uint32_t rejection, gpsMode, usblMode;
@@ -94,7 +94,7 @@ TEST(Status, ReadsRejectionsAndModesFromTheirBytes) {
 }
 
 // Which status fields answer for one bit of a word, by their indexes; bits without one are absent.
-TEST(Status, EveryAlgorithmBitMovesItsOwnField) {
+TEST(Status, EveryBitMovesItsOwnField) {
     CXpfTarinNelixNavPacketV2 navigation;
     CXpfTaroutMorvexStdPacketV2 result;
     for (std::uint32_t word = 0; word < 2; ++word) {
@@ -118,7 +118,7 @@ TEST(Status, EveryAlgorithmBitMovesItsOwnField) {
     }
 }
 
-TEST(Status, AltitudeModeIsOneOfFourBits) {
+TEST(Status, AltitudeModeNeedsOneBit) {
     CXpfTarinNelixNavPacketV2 packet;
     constexpr std::uint32_t expected[16] = {kNone, 0,     1,     kNone, 2,     kNone, kNone, kNone,
                                             3,     kNone, kNone, kNone, kNone, kNone, kNone, kNone};
