@@ -120,6 +120,7 @@ TEST_F(DataFileEdits, RemovesOnlyUnusedFiles) {
     EXPECT_TRUE(m_view.m_removedFileWasThere);
     EXPECT_THAT(Parameters().externalFiles, IsEmpty());
     EXPECT_EQ(mixed->curves.size(), 1u);
+    EXPECT_TRUE(m_document.GetProject()->instantValuesSettings->measures.empty());
     EXPECT_EQ(m_document.GetProject()->instantValuesSettings->enums.size(), 1u);
     EXPECT_EQ(m_document.GetProject()->dataModel->m_layers.size(), layers / 2);
     m_host.m_queue.RunPending(); // whatever the threads had still to say of the file
