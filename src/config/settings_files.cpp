@@ -1,6 +1,6 @@
 #include "config/settings_files.h"
 
-#include "config/xml_config.h"
+#include "config/xml_config_file.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
