@@ -26,12 +26,10 @@ CEndSignals::CEndSignals() {
     pthread_sigmask(SIG_BLOCK, &m_signals, &m_former);
 }
 
-CEndSignals::~CEndSignals() { Stop(); }
-
-void CEndSignals::Stop() {
+CEndSignals::~CEndSignals() {
     g_end = {};
     m_notifier.reset();
-    if (const int descriptor = std::exchange(m_descriptor, -1); descriptor >= 0) ::close(descriptor);
+    if (m_descriptor >= 0) ::close(m_descriptor);
     pthread_sigmask(SIG_SETMASK, &m_former, nullptr);
 }
 

@@ -21,8 +21,6 @@ class CEndSignals {
     // system calls when its display is closed. REQUIRES: there is an application; one object listens at a
     // time.
     void Listen(std::function<void()> end);
-    // Calls `end` no more; a signal ends the program as before the object was made.
-    void Stop();
 
   private:
     sigset_t m_signals;

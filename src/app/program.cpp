@@ -45,21 +45,6 @@ bool HasDisplay() {
 #endif
 }
 
-<<<<<<< HEAD
-void StoreSettings(const CTrvApp& application) {
-    if (application.ExitInstance()) return;
-    const auto& files = application.GetSettingsFiles();
-    CWindowDialogs().ShowMessage(
-        nullptr,
-        FormatText(EText::settingsNotSaved, {ToText(files.GetProgramFile()), ToText(files.GetUserFile())}),
-        EButtons::ok, EIcon::exclamation);
-=======
-// Where the user's own settings are. The application's name is of no account: files have the executable's.
-std::filesystem::path GetUserFolder() {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return folder.isEmpty() ? std::filesystem::path() : ToPath(folder) / kSettingsName;
-}
-
 // How a session has ended; from outside there is nobody to ask.
 struct SSessionEnd {
     int code = 0;
@@ -68,14 +53,13 @@ struct SSessionEnd {
 
 void StoreSettings(const CTrvApp& application, bool canAsk) {
     if (application.ExitInstance()) return;
+    const auto& files = application.GetSettingsFiles();
     const std::string text =
-        FormatText(EText::settingsNotSaved, {Outils_Fichiers::ToText(application.GetSettingsPath()),
-                                             Outils_Fichiers::ToText(application.GetUserSettingsPath())});
+        FormatText(EText::settingsNotSaved, {ToText(files.GetProgramFile()), ToText(files.GetUserFile())});
     if (canAsk)
         CWindowDialogs().ShowMessage(nullptr, text, EButtons::ok, EIcon::exclamation);
     else
         std::cerr << text << std::endl;
->>>>>>> main
 }
 
 int RunSnapshot(CTrvApp& application, Outils::IMessageTarget& target, const SCommandLine& line) {
@@ -98,31 +82,17 @@ SSessionEnd RunSession(CTrvApp& application, Outils::IMessageTarget& target, con
     splash->show();
     QSettings settings(QSettings::IniFormat, QSettings::UserScope, kSettingsName, kSettingsName);
     CWindowDialogs dialogs;
-<<<<<<< HEAD
     CWindowSession session(application, target, dialogs, settings);
     CTrvProjectMainFrame& frame = session.GetFrame();
-    session.EndOn(endSignals);
-    const auto mode = application.GetConfiguration().Get(Cnf<"general/startMode">);
-    Start(frame, ChooseStart(line.project, mode, frame.GetRecentFiles().GetFirst()),
-          [&] { splash->CloseFor(frame); });
-    const int code = QApplication::exec();
-    endSignals.Stop();
-    return code;
-=======
-    CTrvProjectMainFrame frame(application, target, dialogs, settings);
-    endSignals->Listen([&frame, &end] {
-        end.fromOutside = true;
-        frame.GetDocument().EndNow();
-        QApplication::exit();
-    });
+    session.EndOn(*endSignals);
     const auto mode = application.GetConfiguration().Get(Cnf<"general/startMode">);
     Start(frame, ChooseStart(line.project, mode, frame.GetRecentFiles().GetFirst()),
           [&] { splash->CloseFor(frame); });
     // A signal may have closed a box of the start: the loop would not know of it.
-    if (!end.fromOutside) end.code = QApplication::exec();
+    if (!session.IsEndedFromOutside()) end.code = QApplication::exec();
+    end.fromOutside = session.IsEndedFromOutside();
     endSignals.reset();
     return end;
->>>>>>> main
 }
 
 int Answer(const SCommandLine& line) {

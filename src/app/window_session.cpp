@@ -14,6 +14,7 @@ CWindowSession::CWindowSession(CTrvApp& application, Outils::IMessageTarget& tar
 
 void CWindowSession::EndOn(CEndSignals& endSignals) {
     endSignals.Listen([this] {
+        m_endedFromOutside = true;
         m_document.EndNow();
         QApplication::exit();
     });

@@ -18,10 +18,13 @@ class CWindowSession {
     CTrvProjectMainFrame& GetFrame() { return m_frame; }
 
     // From now on a signal ends the event loop: it asks nothing, and what is unsaved is kept beside the
-    // project. The session must outlive `endSignals`, or these stop listening before.
+    // project. The session must
+    // outlive `endSignals`.
     void EndOn(CEndSignals& endSignals);
+    bool IsEndedFromOutside() const { return m_endedFromOutside; }
 
   private:
+    bool m_endedFromOutside = false;
     CTrvFrameHost m_host;
     CTrvDocument m_document;
     CTrvProjectMainFrame m_frame; // goes first: its views leave the document

@@ -39,8 +39,8 @@ class CProjectDialog {
     std::string projectName; // of the project file, without extension
     std::filesystem::path projectFolder;
 
-    // Checks the fields and makes the project; true when it did. Otherwise the reason was reported or the user
-    // cancelled a question: the dialog stays open with the focus on `focus`, and there is no project.
+    // Checks the fields and makes the project; true when it did. Otherwise the reason was reported or the
+    // user cancelled a question: the dialog stays open with the focus on `focus`, and there is no project.
     bool OnOK(EProjectField& focus);
 
     // The result, once: null before OnOK has succeeded.
@@ -72,13 +72,9 @@ class CProjectDialog {
   private:
     bool CheckPlace(EProjectField& focus);
     bool AgreeToOverwrite();
-<<<<<<< HEAD
     // False too when the disk does not answer in time.
     bool IsWritable(const std::filesystem::path& folder);
-    // `none`, and told, when the disk does not answer in time or refuses to.
-=======
     // `none`, and reported, when the disk does not answer in time or refuses to.
->>>>>>> main
     std::filesystem::file_type FindType(const std::filesystem::path& path);
 
     CFileLooks& m_looks;
