@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <sstream>
@@ -33,6 +34,10 @@ class CWatchedText : public std::stringbuf {
 
 class Batch : public testing::Test {
   protected:
+    // The settings of whoever runs the test are not read.
+    Batch() { ::setenv("XDG_CONFIG_HOME", Path("").c_str(), 1); }
+    ~Batch() override { ::unsetenv("XDG_CONFIG_HOME"); }
+
     // Runs a command line of words without blanks; '/' begins the name of a file in the test's folder, and ''
     // is a word of no letters. Returns the exit status; the streams' texts are in m_out and m_error. `onLine`
     // runs after every line that the command writes while it works, such as a progress line.

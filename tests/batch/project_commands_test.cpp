@@ -15,6 +15,17 @@ using testing::UnorderedElementsAre;
 
 namespace {
 
+using test::Batch;
+
+TEST_F(Batch, ReadsTheUsersSettingsFirst) {
+    using Outils_Configuration::Cnf;
+    EXPECT_FALSE(::Batch::CSettings().Get(Cnf<"general/expertMode">));
+    std::filesystem::create_directory(Path("Qetral"));
+    std::ofstream(Path("Qetral/VarneNav.conf.xml"))
+        << "<configuration><general><expertMode>yes</expertMode></general></configuration>";
+    EXPECT_TRUE(::Batch::CSettings().Get(Cnf<"general/expertMode">));
+}
+
 class ProjectCommands : public test::Batch {
   protected:
     ProjectCommands() {

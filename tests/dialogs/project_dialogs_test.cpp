@@ -13,6 +13,9 @@
 
 #include <gmock/gmock.h>
 
+#include <sys/fsuid.h>
+#include <unistd.h>
+
 using namespace Dialogue_Tarvel;
 using namespace Metier_Tarvel;
 using namespace Outils_Configuration;
@@ -122,6 +125,24 @@ TEST_F(ProjectDialogs, WizardChecksInOrderAndSaysWhere) {
     }
     EXPECT_FALSE(std::filesystem::exists(m_folder / "p.tarprj"));
     EXPECT_EQ(m_host.m_waitCursors, 0);
+}
+
+TEST_F(ProjectDialogs, ReadOnlyFolderIsRefusedByName) {
+    using std::filesystem::perms;
+    const auto locked = m_folder / "locked";
+    std::filesystem::create_directory(locked);
+    permissions(m_folder.GetPath(), perms::all);
+    permissions(locked, perms::owner_read | perms::owner_exec | perms::others_read | perms::others_exec);
+    CNewProjectWizard wizard(m_host, m_configuration, m_looks);
+    wizard.ChooseInputFiles({m_folder / "dive.tarin"});
+    wizard.projectFolder = locked;
+    EProjectField focus{};
+    ::setfsuid(65534); // the superuser's rights to files are none for this thread
+    EXPECT_FALSE(wizard.OnOK(focus));
+    ::setfsuid(::geteuid());
+    EXPECT_EQ(focus, EProjectField::folder);
+    EXPECT_THAT(m_host.TakeMessages(),
+                ElementsAre(Outils_Texte::FormatText(EText::folderReadOnly, {locked.string()})));
 }
 
 // The search for the last inertial packet must give up after its first read, of external data alone.
