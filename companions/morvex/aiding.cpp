@@ -11,10 +11,6 @@ namespace {
 
 using namespace Persistance_Xpf;
 
-double Usable(double deviation, double otherwise) {
-    return std::isfinite(deviation) && deviation > 0.0 ? deviation : otherwise;
-}
-
 // Velocity of the sensor's point in vessel axes, against the earth or against the water, and its derivative.
 struct SVesselSpeed {
     Vector3d value;
@@ -316,7 +312,7 @@ bool CAidingReader::Read(SSource& source, const CPayload& payload, SAiding& aidi
     for (std::size_t i = 0; i < 3 && row.values[i] != kNoField; ++i) {
         const auto axis = static_cast<Eigen::Index>(i);
         aiding.value[axis] = payload.Get<float>(row.values[i]);
-        aiding.deviation[axis] = Usable(payload.Get<float>(row.deviations[i]), row.otherwise);
+        aiding.deviation[axis] = GetUsableDeviation(payload.Get<float>(row.deviations[i]), row.otherwise);
     }
     if (row.kind == EAiding::odometer) {
         const double span = date - std::exchange(source.lastDate, date);
@@ -324,7 +320,8 @@ bool CAidingReader::Read(SSource& source, const CPayload& payload, SAiding& aidi
         const double measure = payload.Get<double>(kOdometerLayout.OffsetOf("Measure"));
         const double stated = payload.Get<double>(kOdometerLayout.OffsetOf("Std. dev. measure"));
         aiding.value = Vector3d(measure / span, 0.0, 0.0);
-        aiding.deviation = Vector3d(Usable(stated / span, row.otherwise), row.otherwise, row.otherwise);
+        aiding.deviation =
+            Vector3d(GetUsableDeviation(stated / span, row.otherwise), row.otherwise, row.otherwise);
         aiding.time -= 0.5 * span; // the mean speed is that of the middle
     }
     if (row.kind == EAiding::range) {
@@ -336,7 +333,8 @@ bool CAidingReader::Read(SSource& source, const CPayload& payload, SAiding& aidi
         aiding.place = {latitude * kRadiansPerDegree, longitude * kRadiansPerDegree, altitude};
     }
     if (const Vector3d* user = FindInForce(source.plan->userDeviations, aiding.time))
-        for (Eigen::Index i = 0; i < 3; ++i) aiding.deviation[i] = Usable((*user)[i], aiding.deviation[i]);
+        for (Eigen::Index i = 0; i < 3; ++i)
+            aiding.deviation[i] = GetUsableDeviation((*user)[i], aiding.deviation[i]);
     aiding.use = CombineUse(payload.Get<std::uint8_t>(row.layout->offsets[2]),
                             FindInForce(source.plan->rejections, aiding.time));
     return aiding.use != EUse::never && aiding.value.allFinite() && aiding.value.norm() < 1e5 &&

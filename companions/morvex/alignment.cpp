@@ -16,7 +16,6 @@ constexpr double kSettled = 0.3 * kRadiansPerDegree; // heading deviation at whi
 // of the fixes are not taken for errors of the unit, nor are deviations that a receiver states too small.
 constexpr double kLargestMisfit = 3.0;
 constexpr double kLargestRatio = 2.5;
-constexpr double kLargestDistance = 30.0; // of one fix: outliers are not the unit's fault
 constexpr double kKnown = 3.0 * kRadiansPerDegree;
 
 bool IsWorse(double misfit, double reference) {

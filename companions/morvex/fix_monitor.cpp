@@ -12,8 +12,6 @@ constexpr double kHeightRecent = 10.0; // s
 constexpr double kAligning = 3.0 * kRadiansPerDegree;
 constexpr double kFineAligning = 0.5 * kRadiansPerDegree;
 
-constexpr double kLargestDistance = 30.0; // of one packet in the mean
-
 // Bits of the status words.
 constexpr std::uint32_t kFilterOn = 1u << 0, kAlignment = 1u << 1, kFineAlignment = 1u << 2,
                         kAltitudeGps = 1u << 4, kAltitudeDepth = 1u << 5, kAltitudeStabilized = 1u << 6;

@@ -29,15 +29,11 @@ constexpr std::array<SModeDeviation, 10> kModes{{{false, 0.0, 0.0},
                                                  {true, 5.0, 8.0},
                                                  {true, 0.4, 0.6}}};
 
-double Usable(double deviation, double otherwise) {
-    return std::isfinite(deviation) && deviation > 0.0 ? deviation : otherwise;
-}
-
 void SetVariances(const SFixDeviation& stated, const SFixDeviation& least, const SModeDeviation& mode,
                   SPositionFix& fix) {
-    const double north = std::max(Usable(stated.north, mode.horizontal), least.north);
-    const double east = std::max(Usable(stated.east, mode.horizontal), least.east);
-    const double up = std::max(Usable(stated.up, mode.vertical), least.up);
+    const double north = std::max(GetUsableDeviation(stated.north, mode.horizontal), least.north);
+    const double east = std::max(GetUsableDeviation(stated.east, mode.horizontal), least.east);
+    const double up = std::max(GetUsableDeviation(stated.up, mode.vertical), least.up);
     // Zero would make a fix infallible; a millimetre is beyond any receiver.
     auto variance = [](double deviation) { return std::max(deviation * deviation, 1e-6); };
     fix.varianceNorth = variance(north);

@@ -3,6 +3,7 @@
 
 #include <Eigen/Core>
 
+#include <cmath>
 #include <cstdint>
 
 namespace Morvex {
@@ -29,6 +30,15 @@ enum class EUse : std::uint8_t {
     tested,     // taken unless it contradicts the filter; given in to after a long contradiction
     reacquired, // the same, given in to sooner
 };
+
+// The deviation that a packet or the user states; `otherwise` when it is none.
+inline double GetUsableDeviation(double stated, double otherwise) {
+    return std::isfinite(stated) && stated > 0.0 ? stated : otherwise;
+}
+
+// How far one measurement counts in a mean of normalised squared innovations: outliers are no fault of what
+// is judged by the mean.
+inline constexpr double kLargestDistance = 30.0;
 
 // Number of the first USBL among the sources of positions.
 inline constexpr std::uint8_t kFirstUsbl = 3;
