@@ -11,8 +11,6 @@
 #include <QTest>
 #include <QTimer>
 
-#include <gtest/gtest.h>
-
 using namespace Application_Tarvel;
 using Outils_Plot2D::ToQString;
 using Outils_Texte::EText;

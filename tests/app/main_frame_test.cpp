@@ -1,6 +1,5 @@
 #include "app/main_frame.h"
 
-#include "foundation/texts.h"
 #include "plot/text.h"
 #include "session.h"
 
@@ -18,7 +17,6 @@
 #include <QPushButton>
 #include <QToolBar>
 
-#include <fstream>
 #include <set>
 
 using namespace Application_Tarvel;
@@ -111,9 +109,6 @@ TEST_F(MainFrame, WhatTheMenusOfferFollowsTheProject) {
     EXPECT_EQ(m_frame->GetView().AreLegendsVisible(), !legends);
     EXPECT_EQ(Action(commandLegends).isChecked(), !legends);
 
-    // The project stays until another one is made.
-    Action(commandNew).trigger();
-    EXPECT_TRUE(m_frame->HasProject());
     m_frame->GetDocument().CloseDocument();
     EXPECT_EQ(m_frame->windowTitle(), "Untitled[*] - VARNE NAV");
     EXPECT_FALSE(Action(commandSave).isEnabled());
@@ -240,12 +235,7 @@ TEST_F(MainFrame, ARunIsShownAndGuarded) {
     EXPECT_EQ(progress.value(), 100);
 
     EXPECT_FALSE(m_frame->close());
-    Action(commandNew).trigger();
-    Action(commandSaveAs).trigger();
-    const auto text = [](Outils_Texte::EText id) { return std::string(Outils_Texte::GetText(id)); };
-    EXPECT_THAT(m_dialogs.TakeMessages(),
-                ElementsAre(text(EText::stopBeforeExit), text(EText::stopBeforeClose),
-                            text(EText::stopBeforeSaveAs)));
+    EXPECT_THAT(m_dialogs.TakeMessages(), ElementsAre(Outils_Texte::GetText(EText::stopBeforeExit)));
     EXPECT_TRUE(m_frame->isVisible() && m_frame->HasProject());
 
     // Nobody asks after the end but the view itself.
@@ -288,7 +278,7 @@ TEST_F(MainFrame, AProjectDroppedOnItOpens) {
     EXPECT_TRUE(PumpUntil([&] { return m_frame->HasProject(); }));
 }
 
-TEST_F(MainFrame, HelpIsOfferedAsFarAsThereIsAny) {
+TEST_F(MainFrame, HelpIsOfferedWhenThereIsAny) {
     EXPECT_FALSE(Action(commandUserGuide).isEnabled());
     std::ofstream(m_folder / "VARNE NAV 2.4 User Guide.pdf") << "a guide";
     MakeFrame();
@@ -300,7 +290,7 @@ TEST_F(MainFrame, HelpIsOfferedAsFarAsThereIsAny) {
     EXPECT_TRUE(m_dialogs.m_links[0].isLocalFile() && m_dialogs.m_links[1].scheme() == "mailto");
     EXPECT_TRUE(m_dialogs.m_links[1].toEncoded().toLower().contains("version:%202.4.0%0d%0abuild%20number:"));
     EXPECT_EQ(m_dialogs.m_abouts, 1);
-    // No menu looks at the disk: what has gone meanwhile is said when it is asked for.
+    // No menu looks at the disk: a missing file is reported when the user asks for it.
     std::filesystem::remove(m_folder / "VARNE NAV 2.4 User Guide.pdf");
     m_frame->UpdateFrame();
     EXPECT_TRUE(Action(commandUserGuide).isEnabled());
@@ -312,7 +302,7 @@ TEST_F(MainFrame, HelpIsOfferedAsFarAsThereIsAny) {
                             testing::StartsWith("Failed to prepare the e-mail.")));
 }
 
-TEST_F(MainFrame, OutputGrowsAtItsEndWhereverTheCaretStands) {
+TEST_F(MainFrame, OutputGrowsAtItsEnd) {
     CTrvOutputWnd output;
     output.AppendLine("first");
     output.moveCursor(QTextCursor::Start);

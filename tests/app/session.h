@@ -80,11 +80,8 @@ class Session : public testing::Test {
         const auto path = m_folder / (name + ".tarprj");
         {
             CTestRecording recording(m_folder / (name + ".tarin"));
-            Persistance_Xpf::CXpfTarinImuPacketV2 imu;
-            imu.SetUInt8(2, 14);
             for (int i = 0; i < 100; ++i) {
-                imu.SetDate(0, Seconds(i * 0.01));
-                EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
+                recording.Imu(i * 0.01, 14);
                 if (i % 10 == 5) recording.Gps(i * 0.01, 48.5, -4.5, 10);
             }
         }
@@ -92,7 +89,8 @@ class Session : public testing::Test {
         auto project = CreateProject({m_folder / (name + ".tarin"), path}, message);
         EXPECT_TRUE(project) << message;
         Outils::CMessageQueue queue;
-        CTrvDocument document(m_frame->GetHost(), queue, m_application.GetConfiguration()); // beside the frame's
+        CTrvDocument document(m_frame->GetHost(), queue,
+                              m_application.GetConfiguration()); // beside the frame's
         EXPECT_TRUE(document.NewFromProject(std::move(project), path));
         return path;
     }

@@ -3,14 +3,12 @@
 #include "app/program.h"
 #include "app/snapshot.h"
 #include "app/splash.h"
-#include "foundation/texts.h"
 #include "session.h"
 
 #include <QImage>
 #include <QMessageBox>
 #include <QPointer>
 
-#include <fstream>
 #include <optional>
 
 using namespace Application_Tarvel;

@@ -9,7 +9,6 @@
 #include <cmath>
 #include <csignal>
 #include <cstdio>
-#include <fstream>
 #include <unistd.h>
 
 using namespace Simulation;

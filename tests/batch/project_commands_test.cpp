@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <fstream>
 
 using testing::ElementsAre;
 using testing::HasSubstr;

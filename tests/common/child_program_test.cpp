@@ -51,15 +51,14 @@ std::pair<int, std::string> RunWith(const SProgram& program, const std::vector<s
 
 } // namespace
 
-TEST(ChildProgram, CommandLineAndCommandsDecideTheEnd) {
+TEST(ChildProgram, LineAndCommandsDecideTheEnd) {
     struct SRow {
         const SProgram& program;
         std::vector<std::string> arguments;
         std::string_view commands;
         int code;
-        std::string_view part; // of what is written
-    };
-    const SRow rows[] = {
+        std::string_view part; // of the output
+    } const rows[] = {
         {kTool, {"x"}, "", 0, "50.0 %"},
         {kTool, {"/REMOTE", "x"}, "start\n", 0, "progress 50.0\n"},
         {kTool, {"/remote", "x"}, "stop\n", 1, ""},

@@ -1,8 +1,5 @@
-#include "common/child_program.h"
 #include "common/command_reader.h"
-#include "common/fault_counter.h"
 #include "common/line_monitor.h"
-#include "common/target_file.h"
 #include "foundation/texts.h"
 
 #include <gtest/gtest.h>
@@ -14,7 +11,7 @@
 
 using namespace Compagnon;
 
-TEST(Protocol, LinesAreTokensThatTheApplicationReads) {
+TEST(Protocol, LinesAreTokens) {
     EXPECT_EQ(MakeProgressLine(0.0), "progress 0.0\n");
     EXPECT_EQ(MakeProgressLine(150.0), "progress 100.0\n");
     const std::pair<EDialect, std::string_view> rows[] = {
@@ -25,7 +22,7 @@ TEST(Protocol, LinesAreTokensThatTheApplicationReads) {
         EXPECT_EQ(MakeMessageLine(dialect, ELevel::warning, 10913, "a \"b\"\r\nc"), line);
 }
 
-TEST(Protocol, CommandLinesAreCutAtLineFeedsOnly) {
+TEST(Protocol, LineFeedsEndCommands) {
     CCommandLines lines;
     std::vector<std::string> words;
     auto take = [&](std::string_view word) { words.emplace_back(word); };
@@ -35,7 +32,7 @@ TEST(Protocol, CommandLinesAreCutAtLineFeedsOnly) {
     EXPECT_EQ(words, (std::vector<std::string>{"start", "pause", "", "stop", "resume"}));
 }
 
-TEST(Protocol, ProgressNeverFallsAndAClosedOutputStopsTheRun) {
+TEST(Protocol, ProgressRisesAndClosedOutputStops) {
     CRunControl control;
     std::string text;
     bool open = true;
@@ -51,7 +48,7 @@ TEST(Protocol, ProgressNeverFallsAndAClosedOutputStopsTheRun) {
     EXPECT_FALSE(monitor.GoOn());
 }
 
-TEST(Protocol, WordsFromAPipeDriveTheControl) {
+TEST(Protocol, PipedWordsDriveTheControl) {
     std::array<int, 2> ends;
     ASSERT_EQ(pipe(ends.data()), 0);
     CRunControl control;
@@ -64,14 +61,14 @@ TEST(Protocol, WordsFromAPipeDriveTheControl) {
     EXPECT_TRUE(control.WaitForStart());
     say("pause\nresume\n");
     EXPECT_TRUE(control.GoOn());
-    close(ends[1]); // the application is gone
+    close(ends[1]); // the application has ended
     reader.Join();
     EXPECT_FALSE(control.GoOn());
     EXPECT_FALSE(control.WaitForStart());
     close(ends[0]);
 }
 
-TEST(Protocol, APausedRunWaitsForResumeOrStop) {
+TEST(Protocol, PausedRunsWaitForResumeOrStop) {
     for (const std::string_view word : {"resume", "stop"}) {
         CRunControl control;
         control.Command("start");

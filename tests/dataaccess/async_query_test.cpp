@@ -64,10 +64,7 @@ TEST_F(AsyncQueries, RunInOrderAndReportOnce) {
     const auto first = Make("first", true), second = Make("second"), third = Make("third");
     third->m_succeeds = false;
     first->m_needsTooMuch = true;
-    m_manager.Submit(first);
-    m_manager.Submit(second);
-    m_manager.Submit(third);
-    m_manager.Submit(second); // queued already
+    for (const auto& query : {first, second, third, second}) m_manager.Submit(query); // one queued already
     first->WaitUntilStarted();
     m_manager.Submit(first); // running already
     EXPECT_EQ(first->GetState(), CAsyncQuery::running);
@@ -81,9 +78,7 @@ TEST_F(AsyncQueries, RunInOrderAndReportOnce) {
 
 TEST_F(AsyncQueries, CancelledQueuedAndRunning) {
     const auto running = Make("running", true), queued = Make("queued"), last = Make("last");
-    m_manager.Submit(running);
-    m_manager.Submit(queued);
-    m_manager.Submit(last);
+    for (const auto& query : {running, queued, last}) m_manager.Submit(query);
     running->WaitUntilStarted();
     EXPECT_TRUE(m_manager.Cancel(queued));
     EXPECT_FALSE(m_manager.Cancel(queued));
@@ -94,14 +89,14 @@ TEST_F(AsyncQueries, CancelledQueuedAndRunning) {
     EXPECT_EQ(queued->GetState(), CAsyncQuery::cancelled);
 }
 
-TEST_F(AsyncQueries, TheLoaderStartsAnewForEveryBurst) {
+TEST_F(AsyncQueries, LoaderStartsAgainForEveryBurst) {
     for (std::size_t i = 1; i <= 200; ++i) {
         m_manager.Submit(Make("q"));
         RunUntil(i);
     }
 }
 
-TEST_F(AsyncQueries, StopCancelsTheRunningAndKeepsTheQueued) {
+TEST_F(AsyncQueries, StopCancelsRunningKeepsQueued) {
     for (const bool isHeld : {false, true}) {
         m_log.clear();
         const auto running = Make("running", true), queued = Make("queued");
@@ -112,7 +107,7 @@ TEST_F(AsyncQueries, StopCancelsTheRunningAndKeepsTheQueued) {
         while (!m_manager.Stop() && !isHeld) std::this_thread::yield();
         EXPECT_EQ(running->GetState(), isHeld ? CAsyncQuery::running : CAsyncQuery::cancelled);
         EXPECT_EQ(queued->GetState(), CAsyncQuery::queued);
-        m_manager.Submit(Make("later")); // not behind a loader that does not end
+        m_manager.Submit(Make("later")); // waits for no loader that does not end
         if (isHeld) RunUntil(2);
         running->Release();
         RunUntil(3);
@@ -122,7 +117,7 @@ TEST_F(AsyncQueries, StopCancelsTheRunningAndKeepsTheQueued) {
     }
 }
 
-TEST_F(AsyncQueries, CallbacksOfADestroyedManagerNeverRun) {
+TEST_F(AsyncQueries, DestroyedManagersCallNothing) {
     auto manager = std::make_unique<CAsyncQueryManager>(m_queue);
     const auto query = Make("query");
     manager->Submit(query);

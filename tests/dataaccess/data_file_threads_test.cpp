@@ -5,8 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <optional>
+#include <sys/stat.h>
 #include <vector>
 
 using namespace Application_Tarvel;
@@ -65,38 +67,29 @@ TEST_F(DataFileThreads, ScanReportsChannelsOnceAndResumes) {
     EXPECT_TRUE(analyzer.WaitForFirstData(0ms).hasUtc);
 }
 
-TEST_F(DataFileThreads, FirstUtcGivesTheInstantOfDateZero) {
-    test::CTestRecording recording(m_folder / "r.tarin");
-    for (int i = 0; i < 10; ++i) recording.Depth(i * 0.1, 0);
-    recording.Utc(4, 2024, 10, 20, 34.5f);
-    recording.Gps(5, 1, 2, 3);
-    recording.Flush();
+TEST_F(DataFileThreads, FirstUtcGivesTheOrigin) {
     Outils_Temps::CDateTime origin;
     origin.SetDateTime(2024, 3, 14, 10, 20, 30, Outils_Temps::kTicksPerSecond / 2);
-    CTrvTarinDataFileAnalyzerThread analyzer(recording.GetPath(), m_port, Report());
-    ASSERT_TRUE(analyzer.Start());
-    const SFirstData data = analyzer.WaitForFirstData(30s);
-    EXPECT_TRUE(data.hasUtc && data.hasPosition);
-    EXPECT_EQ(data.utcOrigin, origin);
-    EXPECT_EQ(FindUtcOrigin(recording.GetPath(), 1000), origin);
-    EXPECT_FALSE(FindUtcOrigin(recording.GetPath(), 10).IsValid());
-    EXPECT_FALSE(FindUtcOrigin(m_folder / "gone", 1000).IsValid());
-}
-
-TEST_F(DataFileThreads, DatesThatNameNoInstantAreInvalid) {
-    for (const float second : {60.0f, -1.0f, std::numeric_limits<float>::quiet_NaN(), 1e30f}) {
+    for (const float second : {34.5f, 60.0f, -1.0f, std::numeric_limits<float>::quiet_NaN(), 1e30f}) {
         test::CTestRecording recording(m_folder / "r.tarin");
+        for (int i = 0; i < 10; ++i) recording.Depth(i * 0.1, 0);
         recording.Utc(4, 2024, 10, 20, second);
+        recording.Gps(5, 1, 2, 3);
         recording.Flush();
         CTrvTarinDataFileAnalyzerThread analyzer(recording.GetPath(), m_port, Report());
         ASSERT_TRUE(analyzer.Start());
         const SFirstData data = analyzer.WaitForFirstData(30s);
-        EXPECT_TRUE(data.hasUtc);
-        EXPECT_FALSE(data.utcOrigin.IsValid());
+        EXPECT_TRUE(data.hasUtc && data.hasPosition);
+        EXPECT_EQ(data.utcOrigin.IsValid(), second == 34.5f) << second;
+        if (second != 34.5f) continue;
+        EXPECT_EQ(data.utcOrigin, origin);
+        EXPECT_EQ(FindUtcOrigin(recording.GetPath(), 1000), origin);
+        EXPECT_FALSE(FindUtcOrigin(recording.GetPath(), 10).IsValid());
     }
+    EXPECT_FALSE(FindUtcOrigin(m_folder / "gone", 1000).IsValid());
 }
 
-TEST(WatchedFile, TellsWhatChanged) {
+TEST(WatchedFile, ReportsWhatChanged) {
     struct SStep {
         std::optional<SFileEntry> found;
         std::optional<EFileChange> change;
@@ -137,32 +130,36 @@ TEST_F(DataFileThreads, MonitorFollowsAFile) {
     expect(EFileChange::grew);
     std::filesystem::remove(path);
     expect(EFileChange::disappeared);
-    // A folder of that name is no data file.
-    std::filesystem::create_directory(path);
+    std::filesystem::create_directory(path); // no data file
+    const auto pipe = m_folder / "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    monitor.Watch(&pipe, pipe);
     const auto other = m_folder / "other";
     std::ofstream(other) << "x";
     monitor.Watch(&path, other);
     ASSERT_TRUE(m_queue.RunUntil([&] { return changes.back().second == &path; }, 30s));
     monitor.Kill();
+    m_queue.RunPending();
     EXPECT_EQ(changes.back().first, EFileChange::appeared);
+    EXPECT_TRUE(std::ranges::none_of(changes, [&](const auto& change) { return change.second == &pipe; }));
 }
 
-TEST_F(DataFileThreads, WhatWasPostedOfAFormerWatchIsNotHeard) {
+TEST_F(DataFileThreads, MessagesOfFormerWatchesAreIgnored) {
     const std::filesystem::path files[] = {m_folder / "a", m_folder / "b"};
-    std::vector<const void*> told;
+    std::vector<const void*> reported;
     CTrvDataFileMonitorThread monitor(
-        m_port, [&](EFileChange, const void* file) { told.push_back(file); }, 1ms);
+        m_port, [&](EFileChange, const void* file) { reported.push_back(file); }, 1ms);
     for (const auto& file : files) std::ofstream(file) << "x";
     for (const auto& file : files) monitor.Watch(&file, file);
-    ASSERT_TRUE(m_queue.RunUntil([&] { return !told.empty(); }, 30s));
-    // Of the other one the same poll told.
+    ASSERT_TRUE(m_queue.RunUntil([&] { return !reported.empty(); }, 30s));
+    // The same poll reported the other one.
     for (const auto& file : files) {
         monitor.Unwatch(&file);
         monitor.Watch(&file, m_folder / "gone");
     }
     monitor.Kill();
     m_queue.RunPending();
-    EXPECT_EQ(told.size(), 1u);
+    EXPECT_EQ(reported.size(), 1u);
 }
 
 } // namespace

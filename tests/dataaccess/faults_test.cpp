@@ -1,7 +1,5 @@
-// Recordings that are damaged, are no files, or change under their readers: what the scan, the monitor and
-// the queries make of each.
+// What the scan and the queries make of recordings that are damaged or change under their readers.
 #include "dataaccess/data_file_analyzer.h"
-#include "dataaccess/data_file_monitor.h"
 #include "dataaccess/test_recording.h"
 #include "dataaccess/view_queries.h"
 #include "foundation/files.h"
@@ -13,7 +11,6 @@
 #include <cstring>
 #include <limits>
 #include <random>
-#include <sys/stat.h>
 #include <thread>
 
 using namespace Application_Tarvel;
@@ -63,8 +60,7 @@ SBytes MakeBytes(const std::filesystem::path& path) {
     return sane;
 }
 
-constexpr std::size_t kRecords = kFileHeaderSize;
-constexpr std::size_t kDefinitions = kRecords + 4 * kChannelRecordSize;
+constexpr std::size_t kDefinitions = kFileHeaderSize + 4 * kChannelRecordSize;
 
 struct SFault {
     const char* what;
@@ -81,13 +77,6 @@ const SFault kFaults[] = {
     {"a head cut", [](SBytes& b) { b.bytes.resize(100); }, 0, kFailed, kFailed, EError::noFile},
     {"channels beyond count", [](SBytes& b) { b.Put<std::uint16_t>(kChannelCountOffset, 0xFFFF); }, 0,
      kFailed, kFailed, EError::noFile},
-    {"a channel record repeated",
-     [](SBytes& b) {
-         std::memcpy(&b.bytes[kRecords + kChannelRecordSize], &b.bytes[kRecords], kChannelRecordSize);
-     },
-     0, kFailed, kFailed, EError::noFile},
-    {"definitions cut", [](SBytes& b) { b.bytes.resize(kDefinitions + 50); }, 0, kFailed, kFailed,
-     EError::noFile},
     {"fields beyond count", [](SBytes& b) { b.Put<std::uint16_t>(kDefinitions + 6, 0xFFFF); }, 0, kFailed,
      kFailed, EError::noFile},
     {"no packets", [](SBytes& b) { b.bytes.resize(b.data); }, 0, kFailed, kFailed, EError::noPackets},
@@ -150,7 +139,7 @@ class Faults : public testing::Test {
     Outils::CMessagePort m_port{m_queue};
 };
 
-TEST_F(Faults, DamagedFilesGiveWhatCanBeRead) {
+TEST_F(Faults, DamagedFilesGiveTheirSanePackets) {
     for (const SFault& fault : kFaults) {
         SCOPED_TRACE(fault.what);
         SBytes damaged = m_sane;
@@ -164,44 +153,7 @@ TEST_F(Faults, DamagedFilesGiveWhatCanBeRead) {
     }
 }
 
-TEST_F(Faults, WhatIsNoFileIsNotOpened) {
-    struct SRow {
-        const char* what;
-        void (*make)(const std::filesystem::path&);
-    };
-    const SRow rows[] = {
-        {"nothing", [](const std::filesystem::path&) {}},
-        {"a folder", [](const std::filesystem::path& path) { std::filesystem::create_directory(path); }},
-        {"a pipe", [](const std::filesystem::path& path) { mkfifo(path.c_str(), 0600); }},
-        {"a device",
-         [](const std::filesystem::path& path) { std::filesystem::create_symlink("/dev/zero", path); }},
-        {"a link to itself",
-         [](const std::filesystem::path& path) { std::filesystem::create_symlink(path, path); }},
-    };
-    std::vector<const void*> seen;
-    CTrvDataFileMonitorThread monitor(
-        m_port, [&seen](EFileChange, const void* file) { seen.push_back(file); }, 1ms);
-    monitor.Watch(this, m_folder / "sane");
-    for (const SRow& row : rows) {
-        SCOPED_TRACE(row.what);
-        std::filesystem::remove(m_path);
-        row.make(m_path);
-        EXPECT_EQ(CountChannels(), 0);
-        EXPECT_EQ(CountSlices(0, 100, nullptr), std::pair(kFailed, EError::noFile));
-        EXPECT_FALSE(FindUtcOrigin(m_path, 1000).IsValid());
-        const auto path = m_folder / std::string_view(row.what);
-        row.make(path);
-        monitor.Watch(&row, path);
-    }
-    ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(m_folder / "sane", m_sane.bytes));
-    EXPECT_TRUE(m_queue.RunUntil([&seen] { return !seen.empty(); }, 30s));
-    monitor.Kill();
-    m_queue.RunPending();
-    EXPECT_EQ(seen, std::vector<const void*>{this});
-}
-
-// A file that is cut, written anew and replaced while it is read gives answers of some kind, and the right
-// one once it is at rest and its changes were told.
+// A file that changes while it is read gives some answer, and the right one once it is at rest.
 TEST_F(Faults, FilesThatChangeUnderTheirReaders) {
     std::atomic<bool> done{false};
     std::thread writer([this, &done] {

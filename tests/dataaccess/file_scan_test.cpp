@@ -70,7 +70,7 @@ TEST_F(FileScan, EqualDatesAreNoJumpBack) {
     }
 }
 
-TEST_F(FileScan, TornTailIsToldFromDamage) {
+TEST_F(FileScan, TornTailsDifferFromDamage) {
     struct {
         const char* what;
         std::size_t kept, zeros; // of the last packet, and after them

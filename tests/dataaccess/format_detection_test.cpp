@@ -1,13 +1,12 @@
 #include "dataaccess/format_detection.h"
 
 #include "foundation/files.h"
-#include "foundation/texts.h"
+#include "support/temporary_folder.h"
 
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace Application_Tarvel {
 namespace {
@@ -25,9 +24,7 @@ struct SSample {
     const char* what;
     std::string head;
     int code;
-};
-
-const SSample kSamples[] = {
+} const kSamples[] = {
     {"empty", "", formatUnknown},
     {"packet file", {"XPF\0\1$", 6}, formatXpf},
     {"packet file cut in its magic", "XP", formatUnknown},
@@ -45,7 +42,7 @@ const SSample kSamples[] = {
     {"frame", {"ab$\3c$", 6}, formatRawIns},
     {"frame of length 255", "$\xFF" + std::string(253, '\0') + "$", formatRawIns},
     {"frame of length 0 meets its own mark", {"$\0", 2}, formatRawIns},
-    {"frame that ends behind the file", {"$\3c", 3}, formatUnknown},
+    {"frame that ends after the file", {"$\3c", 3}, formatUnknown},
     {"frame beyond 512 bytes", std::string(509, '\0') + std::string("$\3c$", 4), formatUnknown},
     {"four of five lines", ":UT,\n:BD,1\n:WS,\n:SA,\nUT\n", formatRdiPd6},
     {"79 of 100 lines", Repeat(":UT,1\n", 79) + Repeat("-\n", 21) + Repeat(":UT,1\n", 9), formatUnknown},
@@ -66,14 +63,13 @@ const SSample kSamples[] = {
     {"depth in the second line", "\nDEPTH TO VARNE NAV EXTERNAL DATA", formatUnknown},
 };
 
-TEST(FormatDetection, TellsFormatsByTheirFirstLines) {
-    const Outils_Valeurs::CDateTimeAdaptor dates;
+TEST(FormatDetection, FirstLinesTellTheFormat) {
+    Outils_Valeurs::CDateTimeAdaptor dates;
     for (const SSample& sample : kSamples)
         EXPECT_EQ(DetectFormat(sample.head, dates), sample.code) << sample.what;
-}
-
-TEST(FormatDetection, ReadsEventDatesAsTheUserWritesThem) {
-    Outils_Valeurs::CDateTimeAdaptor dates;
+    for (int code = formatUnknown; code <= formatDepth; ++code)
+        EXPECT_EQ(GetFormatText(code) == GetFormatText(formatUnknown), code == formatUnknown) << code;
+    // Events are dated as the user writes dates.
     const std::string text = Repeat("2026-11-24 12:30:01,5\t0\n", 4);
     EXPECT_EQ(DetectFormat(text, dates), formatUnknown);
     dates.notation = Outils_Valeurs::EDateNotation::yearMonthDay;
@@ -82,16 +78,10 @@ TEST(FormatDetection, ReadsEventDatesAsTheUserWritesThem) {
     EXPECT_EQ(DetectFormat(text, dates), formatEvents);
 }
 
-TEST(FormatDetection, EveryFormatHasANameOfItsOwn) {
-    for (int code = formatUnknown; code <= formatDepth; ++code) {
-        EXPECT_NE(Outils_Texte::GetText(GetFormatText(code)), "?") << code;
-        EXPECT_EQ(GetFormatText(code) == GetFormatText(formatUnknown), code == formatUnknown) << code;
-    }
-}
-
 TEST(FormatDetection, OpensRegularFilesOnly) {
     const Outils_Valeurs::CDateTimeAdaptor dates;
-    const auto path = std::filesystem::path(testing::TempDir()) / ("format" + std::to_string(getpid()));
+    const test::CTemporaryFolder folder;
+    const auto path = folder / "format";
     int code = -1;
     EXPECT_FALSE(DetectFileFormat(path, code, dates));
     EXPECT_EQ(code, formatUnknown);
@@ -109,7 +99,6 @@ TEST(FormatDetection, OpensRegularFilesOnly) {
         EXPECT_TRUE(DetectFileFormat(path, code, dates));
         EXPECT_EQ(code, expected);
     }
-    std::filesystem::remove(path);
 }
 
 } // namespace

@@ -16,8 +16,7 @@ using test::SSample;
 
 namespace {
 
-// What the writer writes, known to all: even ticks at an uneven rate, so that an odd tick is never a
-// packet's.
+// Even ticks at an uneven rate: an odd tick is never a packet's.
 SSample SampleAt(std::int64_t i) {
     return {(i + 1) * 100'000 + 2 * (i * 7919 % 20'000), static_cast<float>(i * 37 % 1000),
             static_cast<std::uint8_t>(i % 200)};
@@ -46,11 +45,7 @@ class CWriter {
             }
             for (const std::int64_t end = i + 1 + random() % 100; i < end; ++i) {
                 const SSample sample = SampleAt(i);
-                CXpfTarinDepthPacketV1 packet;
-                packet.SetDate(0, CDateTimeSpan(sample.ticks));
-                packet.SetUInt8(2, sample.rejection);
-                packet.SetFloat(3, sample.depth);
-                EXPECT_TRUE(m_recording.GetWriter().Write("DEPTH", packet));
+                m_recording.Depth(CDateTimeSpan(sample.ticks), sample.depth, sample.rejection);
                 if (i % 7 == 0) m_recording.Gps(static_cast<double>(sample.ticks) * 1e-7, 48, -4, 0);
             }
             m_begun = i;
@@ -155,7 +150,7 @@ void GrowingFile::CheckMoment() {
               ticks - below->ticks <= above->ticks - ticks ? below->ticks : above->ticks);
 }
 
-TEST_P(GrowingFile, AnswersAgreeWithWhatWasWholeAtTheTime) {
+TEST_P(GrowingFile, AnswersAgreeWithWholePackets) {
     for (int i = 0; i < 200 && !HasFatalFailure(); ++i) {
         CheckWindow();
         CheckMoment();

@@ -18,6 +18,7 @@ struct SSample {
     std::int64_t ticks;
     float depth;
     std::uint8_t rejection;
+    bool operator==(const SSample&) const = default;
 };
 
 inline SSample SampleOf(const Persistance_Xpf::CXpfPacket& packet) {

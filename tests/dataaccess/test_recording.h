@@ -74,6 +74,14 @@ class CTestRecording {
         packet.SetFloat(8, second);
         EXPECT_TRUE(m_writer.Write("UTC", packet));
     }
+    // A packet of the inertial unit of this equipment.
+    void Imu(double seconds, int equipment, int number = 0) {
+        Persistance_Xpf::CXpfTarinImuPacketV2 packet;
+        packet.SetDate(0, Seconds(seconds));
+        packet.SetUInt16(1, static_cast<std::uint16_t>(number));
+        packet.SetUInt8(2, static_cast<std::uint8_t>(equipment));
+        EXPECT_TRUE(m_writer.Write("IMU", packet));
+    }
     void Flush() { EXPECT_TRUE(m_writer.Flush()); }
 
   private:

@@ -46,6 +46,17 @@ class ViewQueries : public testing::Test {
         return {m_path, EFileKind::tarin, channel, m_usesCache ? &m_cache : nullptr};
     }
 
+    // The answer of a window over the file of the truth.
+    SReducedSeries Reduce(const SWindow& window) {
+        CTrvView1DDataQuery query(Address(), window, nullptr);
+        EXPECT_EQ(query.Execute(), EQueryEnd::done);
+        return query.TakeSeries();
+    }
+    SReducedSeries Reduce(const test::CTestRecording& recording, const SWindow& window) {
+        m_path = recording.GetPath();
+        return Reduce(window);
+    }
+
     std::optional<SSample> ValueAt(std::int64_t ticks) {
         CTrvViewValueDataQuery query(Address(), CDateTimeSpan(ticks), nullptr);
         EXPECT_EQ(query.Execute(), EQueryEnd::done);
@@ -55,8 +66,7 @@ class ViewQueries : public testing::Test {
 
     // Leaves the samples of a search in the cache.
     void WarmCache(std::int64_t start) {
-        const SWindow window{CDateTimeSpan(start), CDateTimeSpan(start + 1), CDateTimeSpan(1)};
-        EXPECT_EQ(CTrvView1DDataQuery(Address(), window, nullptr).Execute(), EQueryEnd::done);
+        Reduce({CDateTimeSpan(start), CDateTimeSpan(start + 1), CDateTimeSpan(1)});
     }
 
     // The answer for a moment, the earlier on a tie. One that the cache knows to the tick is answered by the
@@ -132,21 +142,17 @@ void ViewQueries::CheckWindows(std::int64_t beyond, std::int64_t longest) {
         const std::int64_t slice =
             1 + static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(longest));
         m_usesCache = i % 2 == 0; // a warm one, from the first window on
-        CTrvView1DDataQuery query(Address(), {CDateTimeSpan(start), CDateTimeSpan(end), CDateTimeSpan(slice)},
-                                  nullptr);
         const auto truth = test::ReducePlainly(m_truth, start, end, slice, FirstOfPass(start));
-        ASSERT_EQ(query.Execute(), EQueryEnd::done);
-        const SReducedSeries series = query.TakeSeries();
+        const auto series = Reduce({CDateTimeSpan(start), CDateTimeSpan(end), CDateTimeSpan(slice)});
         ASSERT_EQ(series.representatives.size(), truth.size()) << start << " to " << end << " by " << slice;
         ASSERT_EQ(series.minima.size(), truth.size());
         ASSERT_EQ(series.maxima.size(), truth.size());
         for (std::size_t k = 0; k < truth.size(); ++k) {
+            const SSample low = SampleOf(*series.minima[k]), high = SampleOf(*series.maxima[k]);
             ASSERT_EQ(SampleOf(*series.representatives[k]).ticks, truth[k][0].ticks);
-            ASSERT_EQ(SampleOf(*series.minima[k]).depth, truth[k][1].depth);
-            ASSERT_EQ(SampleOf(*series.maxima[k]).depth, truth[k][2].depth);
-            ASSERT_EQ(SampleOf(*series.minima[k]).rejection, truth[k][1].rejection);
-            ASSERT_EQ(SampleOf(*series.maxima[k]).rejection, truth[k][2].rejection);
-            ASSERT_EQ(SampleOf(*series.minima[k]).ticks, truth[k][1].ticks);
+            ASSERT_EQ(low, truth[k][1]);
+            ASSERT_EQ(std::pair(high.depth, high.rejection),
+                      std::pair(truth[k][2].depth, truth[k][2].rejection));
         }
     }
 }
@@ -154,7 +160,7 @@ void ViewQueries::CheckWindows(std::int64_t beyond, std::int64_t longest) {
 TEST_F(ViewQueries, WindowsAgreeWithAPlainPass) { CheckWindows(50'000'000, 5'000'000); }
 
 // Dates a few ticks apart lie on the edges of windows and slices, and as far from a centre as others.
-TEST_F(ViewQueries, DatesOnEdgesAgreeWithAPlainPass) {
+TEST_F(ViewQueries, EdgesAgreeWithAPlainPass) {
     std::mt19937 random(29);
     test::CTestRecording recording(m_folder / "edges.tarin");
     m_path = recording.GetPath();
@@ -191,24 +197,18 @@ TEST_F(ViewQueries, ACancelledQueryLeavesNoPart) {
 
 TEST_F(ViewQueries, OddRequests) {
     const SWindow whole{Seconds(0), Seconds(1000), Seconds(1), false};
-    CTrvView1DDataQuery withoutExtremes(Address(), whole, nullptr);
-    ASSERT_EQ(withoutExtremes.Execute(), EQueryEnd::done);
-    const SReducedSeries series = withoutExtremes.TakeSeries();
+    const SReducedSeries series = Reduce(whole);
     EXPECT_FALSE(series.representatives.empty());
     EXPECT_TRUE(series.minima.empty() && series.maxima.empty());
 
-    CTrvView1DDataQuery noSlice(Address(), {Seconds(0), Seconds(10), Seconds(0)}, nullptr);
-    EXPECT_EQ(noSlice.Execute(), EQueryEnd::failed);
+    const SWindow noSlice{Seconds(0), Seconds(10), Seconds(0)};
+    const SChannelAddress noFile{m_folder / "gone.tarin", EFileKind::tarin, test::kDepthNumber};
+    for (const auto& [address, window] :
+         {std::pair(Address(), noSlice), {Address(77), whole}, {noFile, whole}})
+        EXPECT_EQ(CTrvView1DDataQuery(address, window, nullptr).Execute(), EQueryEnd::failed);
     CTrvView1DDataQuery silentChannel(Address(test::kUtcNumber), whole, nullptr);
     EXPECT_EQ(silentChannel.Execute(), EQueryEnd::failed);
-    CTrvView1DDataQuery noChannel(Address(77), whole, nullptr);
-    EXPECT_EQ(noChannel.Execute(), EQueryEnd::failed);
-    CTrvView1DDataQuery noFile({m_folder / "gone.tarin", EFileKind::tarin, test::kDepthNumber}, whole,
-                               nullptr);
-    EXPECT_EQ(noFile.Execute(), EQueryEnd::failed);
-
-    // A search that finds nothing gives up as well.
-    silentChannel.RequestCancel();
+    silentChannel.RequestCancel(); // a search that finds nothing gives up as well
     EXPECT_EQ(silentChannel.Execute(), EQueryEnd::cancelled);
 }
 
@@ -277,7 +277,7 @@ TEST_F(ViewQueries, ExtremesOfEveryPacketType) {
     }
 }
 
-TEST_F(ViewQueries, TheCacheTellsWhereAChannelBeginsAndLearnsWhereItEndsNow) {
+TEST_F(ViewQueries, CacheKeepsBeginsLearnsNewEnds) {
     m_usesCache = true;
     const auto lastKnown = [this] {
         ValueAt(m_truth.front().ticks);
@@ -294,15 +294,12 @@ TEST_F(ViewQueries, TheCacheTellsWhereAChannelBeginsAndLearnsWhereItEndsNow) {
     EXPECT_EQ(ValueAt(m_truth.back().ticks)->ticks, m_truth.back().ticks);
 }
 
-TEST_F(ViewQueries, OneDateForAllPacketsShowsAll) {
+TEST_F(ViewQueries, EqualDatesShowAllPackets) {
     test::CTestRecording recording(m_folder / "still.tarin");
     for (int i = 1; i <= 5; ++i) recording.Depth(7, static_cast<float>(i));
     recording.Flush();
     for (const double start : {6.0, 7.0}) {
-        CTrvView1DDataQuery query({recording.GetPath(), EFileKind::tarin, test::kDepthNumber},
-                                  {Seconds(start), Seconds(8), Seconds(2)}, nullptr);
-        ASSERT_EQ(query.Execute(), EQueryEnd::done);
-        const SReducedSeries series = query.TakeSeries();
+        const SReducedSeries series = Reduce(recording, {Seconds(start), Seconds(8), Seconds(2)});
         ASSERT_EQ(series.minima.size(), 1u);
         EXPECT_EQ(SampleOf(*series.minima[0]).depth, 1);
         EXPECT_EQ(SampleOf(*series.maxima[0]).depth, 5);
@@ -327,26 +324,20 @@ TEST_F(ViewQueries, PacketsOfOtherSizes) {
     write(3, 7, sizeof(std::int64_t));
     write(4, 8, whole);
     recording.Flush();
-    CTrvView1DDataQuery query({recording.GetPath(), EFileKind::tarin, test::kDepthNumber},
-                              {Seconds(0), Seconds(9), Seconds(0.5)}, nullptr);
-    ASSERT_EQ(query.Execute(), EQueryEnd::done);
-    const SReducedSeries series = query.TakeSeries();
+    const auto series = Reduce(recording, {Seconds(0), Seconds(9), Seconds(0.5)});
     std::vector<float> depths;
     for (const auto& found : series.representatives) depths.push_back(SampleOf(*found).depth);
     EXPECT_EQ(depths, (std::vector<float>{5, 6, 0, 8}));
-    m_path = recording.GetPath();
     EXPECT_EQ(ValueAt(Seconds(3).GetTicks())->depth, 0);
 }
 
-// Dates that jump to and fro would make a slice of each packet.
-TEST_F(ViewQueries, JumpingDatesCostNoMemoryWithoutEnd) {
+// Jumping dates would make a slice of each packet.
+TEST_F(ViewQueries, JumpingDatesKeepMemoryBounded) {
     test::CTestRecording recording(m_folder / "jumps.tarin");
     for (int i = 0; i < 100'000; ++i) recording.Depth(i % 2 ? 90 : 1, 0);
     recording.Flush();
-    CTrvView1DDataQuery query({recording.GetPath(), EFileKind::tarin, test::kDepthNumber},
-                              {Seconds(0), Seconds(100), Seconds(1), false}, nullptr);
-    ASSERT_EQ(query.Execute(), EQueryEnd::done);
-    EXPECT_LT(query.TakeSeries().representatives.size(), 70'000u);
+    const auto series = Reduce(recording, {Seconds(0), Seconds(100), Seconds(1), false});
+    EXPECT_LT(series.representatives.size(), 70'000u);
 }
 
 // Searches like a window, and has the file replaced before it ends.
@@ -369,7 +360,7 @@ class CReplacingQuery : public CTrvDataQuery {
     std::filesystem::path m_replacement;
 };
 
-TEST_F(ViewQueries, NothingStaysInTheCacheOfAFileThatWasReplaced) {
+TEST_F(ViewQueries, ReplacedFilesLeaveNothingCached) {
     m_usesCache = true;
     test::CTestRecording other(m_folder / "other.tarin");
     const auto isKnown = [this] {

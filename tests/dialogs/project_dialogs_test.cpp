@@ -9,25 +9,19 @@
 #include "document/scripted_host.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
-#include "foundation/texts.h"
 #include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>
-
-#include <fstream>
-#include <functional>
 
 using namespace Dialogue_Tarvel;
 using namespace Metier_Tarvel;
 using namespace Outils_Configuration;
 using Outils_Texte::EText;
-using Outils_Texte::GetText;
+using test::Text;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
 namespace {
-
-std::string Text(EText id) { return std::string(GetText(id)); }
 
 class ProjectDialogs : public testing::Test {
   protected:
@@ -48,12 +42,7 @@ class ProjectDialogs : public testing::Test {
     // Without an IMU packet for an equipment below 0.
     void Record(const char* name, int equipment) {
         test::CTestRecording recording(m_folder / name);
-        Persistance_Xpf::CXpfTarinImuPacketV2 imu;
-        imu.SetUInt8(2, static_cast<std::uint8_t>(equipment));
-        for (int i = 0; equipment >= 0 && i < 3; ++i) {
-            imu.SetDate(0, test::Seconds(1 + i));
-            EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
-        }
+        for (int i = 0; equipment >= 0 && i < 3; ++i) recording.Imu(1 + i, equipment);
         recording.Gps(4, 48.5, -4.5, 10);
         recording.Flush();
     }
@@ -70,70 +59,53 @@ class ProjectDialogs : public testing::Test {
     CFileLooks m_looks{m_host.m_queue};
 };
 
-TEST_F(ProjectDialogs, TheWizardChecksInItsOrderAndSaysWhere) {
+TEST_F(ProjectDialogs, WizardChecksInOrderAndSaysWhere) {
     using enum EAnswer;
     using enum EProjectField;
     Write("taken.tarprj", "a project");
-    const std::string unknown =
-        Outils_Texte::FormatText(EText::unknownFileType, {Outils_Fichiers::ToText(m_folder / ".")});
     struct SCase {
-        std::vector<std::filesystem::path> files;
-        const char* configuration;
-        std::string name;
-        const char* folder;
+        const char *files, *configuration, *name, *folder;
         std::vector<EAnswer> answers;
         const char* converted;
-        std::vector<std::string> messages;
+        std::vector<EText> messages;
         std::optional<EProjectField> focus; // none when the project is made
     };
-    const auto dive = InFolder({"dive.tarin"}), raw = InFolder({"raw1.log"});
     const SCase cases[] = {
-        {{}, "gone", "", "gone", {}, "", {Text(EText::enterValue)}, files},
-        {InFolder({"dive.tarin", "gone"}), "gone", "", "gone", {}, "", {Text(EText::fileNotFound)}, files},
-        {dive, "gone", "", "gone", {}, "", {Text(EText::fileNotFound)}, configurationFile},
-        {dive, "", "", "gone", {}, "", {Text(EText::enterValue)}, name},
-        {dive, "", "p", "gone", {}, "", {Text(EText::folderNotFound)}, folder},
-        {dive, "", "p", "ini.txt", {}, "", {Text(EText::notAFolder)}, folder},
-        {InFolder({"dive.tarin", "."}), "", "p", "", {}, "", {unknown}, files}, // a folder has no type
-        {InFolder({"dive.tarin", "old.tarin"}),
-         "",
-         "p",
-         "",
-         {},
-         "",
-         {Text(EText::onlyRawFilesTogether)},
-         files},
-        {InFolder({"raw1.log", "decoded.txt"}),
-         "",
-         "p",
-         "",
-         {},
-         "",
-         {Text(EText::onlyRawFilesTogether)},
-         files},
-        {InFolder({"old.tarin"}), "", "p", "", {cancel}, "", {Text(EText::upgradeDataFile)}, files},
-        {InFolder({"other.bin"}), "", "p", "", {cancel}, "", {Text(EText::unrecognizedRecording)}, files},
-        {InFolder({"depth.txt"}),
+        {"", "gone", "", "gone", {}, "", {EText::enterValue}, files},
+        {"dive.tarin gone", "gone", "", "gone", {}, "", {EText::fileNotFound}, files},
+        {"dive.tarin", "gone", "", "gone", {}, "", {EText::fileNotFound}, configurationFile},
+        {"dive.tarin", "", "", "gone", {}, "", {EText::enterValue}, name},
+        {"dive.tarin", "", "p", "gone", {}, "", {EText::folderNotFound}, folder},
+        {"dive.tarin", "", "p", "ini.txt", {}, "", {EText::notAFolder}, folder},
+        {"dive.tarin .", "", "p", "", {}, "", {EText::unknownFileType}, files}, // a folder has no type
+        {"dive.tarin old.tarin", "", "p", "", {}, "", {EText::onlyRawFilesTogether}, files},
+        {"raw1.log decoded.txt", "", "p", "", {}, "", {EText::onlyRawFilesTogether}, files},
+        {"old.tarin", "", "p", "", {cancel}, "", {EText::upgradeDataFile}, files},
+        {"other.bin", "", "p", "", {cancel}, "", {EText::unrecognizedRecording}, files},
+        {"depth.txt",
          "",
          "p",
          "",
          {ok, cancel},
          "dive.tarin",
-         {Text(EText::unrecognizedRecording), Text(EText::convertDataFile)},
+         {EText::unrecognizedRecording, EText::convertDataFile},
          files},
-        {raw, "", "p", "", {cancel}, "dive.tarin", {Text(EText::convertDataFile)}, files},
-        {raw, "", "p", "", {ok}, "", {Text(EText::convertDataFile)}, files},
-        {raw, "", "p", "", {ok}, "gone", {Text(EText::convertDataFile), Text(EText::fileNotFound)}, files},
-        {dive, "", "taken", "", {cancel}, "", {Text(EText::overwriteProject)}, name},
-        {dive, "bad.txt", "p", "", {}, "", {Text(EText::insConfigurationFailed)}, configurationFile},
-        {InFolder({"blind.tarin"}), "", "p", "", {}, "", {Text(EText::noEquipment)}, files},
-        {dive, "ini.txt", "taken", "", {ok}, "", {Text(EText::overwriteProject)}, {}},
-        {raw, "", "p", "", {ok}, "dive.tarin", {Text(EText::convertDataFile)}, {}},
+        {"raw1.log", "", "p", "", {cancel}, "dive.tarin", {EText::convertDataFile}, files},
+        {"raw1.log", "", "p", "", {ok}, "", {EText::convertDataFile}, files},
+        {"raw1.log", "", "p", "", {ok}, "gone", {EText::convertDataFile, EText::fileNotFound}, files},
+        {"dive.tarin", "", "taken", "", {cancel}, "", {EText::overwriteProject}, name},
+        {"dive.tarin", "bad.txt", "p", "", {}, "", {EText::insConfigurationFailed}, configurationFile},
+        {"blind.tarin", "", "p", "", {}, "", {EText::noEquipment}, files},
+        {"dive.tarin", "ini.txt", "taken", "", {ok}, "", {EText::overwriteProject}, {}},
+        {"raw1.log", "", "p", "", {ok}, "dive.tarin", {EText::convertDataFile}, {}},
     };
     for (std::size_t i = 0; i < std::size(cases); ++i) {
         const SCase& c = cases[i];
         CNewProjectWizard wizard(m_host, m_configuration, m_looks);
-        wizard.ChooseInputFiles(c.files);
+        std::istringstream files(c.files);
+        std::vector<std::filesystem::path> chosen;
+        for (std::string name; files >> name;) chosen.push_back(m_folder / name);
+        wizard.ChooseInputFiles(chosen);
         if (*c.configuration) wizard.insConfigurationFile = m_folder / c.configuration;
         wizard.projectName = c.name;
         wizard.projectFolder = m_folder / c.folder;
@@ -141,36 +113,28 @@ TEST_F(ProjectDialogs, TheWizardChecksInItsOrderAndSaysWhere) {
         m_host.m_converted = *c.converted ? std::optional(m_folder / c.converted) : std::nullopt;
         EProjectField focus = folder;
         EXPECT_EQ(wizard.OnOK(focus), !c.focus) << i;
-        EXPECT_EQ(m_host.TakeMessages(), c.messages) << i;
+        std::vector<std::string> messages;
+        for (const EText text : c.messages)
+            messages.push_back(Outils_Texte::FormatText(text, {Outils_Fichiers::ToText(m_folder / ".")}));
+        EXPECT_EQ(m_host.TakeMessages(), messages) << i;
         EXPECT_EQ(wizard.TakeProject() != nullptr, !c.focus) << i;
-        if (c.focus) {
-            EXPECT_EQ(focus, *c.focus) << i;
-        }
+        EXPECT_EQ(focus, c.focus.value_or(focus)) << i;
     }
     EXPECT_FALSE(std::filesystem::exists(m_folder / "p.tarprj"));
     EXPECT_EQ(m_host.m_waitCursors, 0);
 }
 
-// The search for the last inertial packet is told to give up behind its first read, of external data alone.
-TEST_F(ProjectDialogs, ARecordingThatDidNotTellAllInTimeMakesNoProject) {
+// The search for the last inertial packet must give up after its first read, of external data alone.
+TEST_F(ProjectDialogs, AnUnfinishedLookMakesNoProject) {
     test::CTestRecording recording(m_folder / "dive.tarin");
-    Persistance_Xpf::CXpfTarinImuPacketV2 imu;
-    imu.SetDate(0, test::Seconds(1));
-    for (int i = 0; i < 2; ++i) EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
+    for (int i = 0; i < 2; ++i) recording.Imu(1, 0);
     for (int i = 0; i < 20000; ++i) recording.Gps(i, 48.5, -4.5, 10);
     recording.Flush();
-    std::optional<test::CFaultyDisk> disk(std::in_place, m_folder / "dive.tarin", test::CFaultyDisk::stalls,
-                                          file_size(m_folder / "dive.tarin") / 2);
     std::unique_ptr<CTrvProject> project;
     EText failure = EText::none;
-    Outils::CTask look([&](const Outils::CEvent& cancel) {
+    test::StopHalfWay(recording.GetPath(), [&](const Outils::CEvent& cancel) {
         project = BuildProject({m_folder / "dive.tarin", m_folder / "p.tarprj"}, failure, &cancel);
     });
-    ASSERT_TRUE(look.Start());
-    disk->WaitForHeld(1);
-    look.Stop();
-    disk.reset();
-    look.Join();
     EXPECT_FALSE(project);
     EXPECT_EQ(failure, EText::fileNotReadable);
 }
@@ -200,7 +164,7 @@ TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
     EXPECT_EQ(wizard.GetInputLine(), "/d/raw1.log \"/d/raw 2.log\"");
 }
 
-TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
+TEST_F(ProjectDialogs, OldFilesAreAskedAboutTogether) {
     CTrvDocument document(m_host, m_host.m_queue, m_configuration);
     Record("second.tarin", 14);
     Record("repaired.tarin", 14);
@@ -208,12 +172,8 @@ TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
     auto project = CreateProject({m_folder / "dive.tarin", m_folder / "p.tarprj"}, message);
     ASSERT_TRUE(project && project->AddDataFile(m_folder / "second.tarin", false));
     ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
-    const auto putBack = [this](std::initializer_list<const char*> names) {
-        m_host.m_repaired = m_folder / "old.tarin";
-        for (const auto& file : InFolder(names)) static_cast<void>(m_host.UpdateDataFile(file));
-        m_host.m_repaired = m_folder / "repaired.tarin";
-    };
-    putBack({"dive.tarin", "second.tarin"});
+    for (const auto& file : InFolder({"dive.tarin", "second.tarin"})) test::MakeOutdated(file);
+    m_host.m_repaired = m_folder / "repaired.tarin";
     std::vector<std::string> names; // of the first channels, as the dictionary has them
     for (const bool upgrade : {false, true}) {
         m_host.m_answers = {upgrade ? EAnswer::yes : EAnswer::no};
@@ -224,27 +184,9 @@ TEST_F(ProjectDialogs, TheOldFilesOfAProjectAreAskedAboutTogether) {
                 names.push_back(layer->m_name);
     }
     EXPECT_THAT(names, ElementsAre("XMU", "XMU", "IMU", "IMU"));
-
-    // Of a file that answers late, behind the opening.
-    putBack({"dive.tarin"});
-    m_host.m_patience = {};
-    {
-        const test::CFaultyDisk disk(m_folder / "dive.tarin", test::CFaultyDisk::stalls);
-        ASSERT_TRUE(document.CommandOpen(m_folder / "p.tarprj"));
-        EXPECT_THAT(m_host.m_messages, IsEmpty());
-    }
-    const auto isFollowed = [&] {
-        const auto& main = *document.GetProject()->simulationParameters->mainInputFile;
-        const auto* layer = document.GetProject()->dataModel->FindLayer(&main, 0);
-        return layer && layer->m_name == "IMU" && layer->m_hasData;
-    };
-    m_host.m_answers = {EAnswer::yes};
-    EXPECT_TRUE(m_host.m_queue.RunUntil(isFollowed, std::chrono::seconds(30)));
-    EXPECT_THAT(m_host.m_messages, ElementsAre(Text(EText::upgradeDataFiles)));
-    EXPECT_THAT(m_host.m_output, IsEmpty());
 }
 
-TEST_F(ProjectDialogs, NewBringsTheWizardsProjectIntoTheDocument) {
+TEST_F(ProjectDialogs, NewOpensTheWizardsProject) {
     m_configuration.Set(Cnf<"general/gpsAltitudeMode">, EGpsAltitudeMode::ellipsoid);
     CTrvDocument document(m_host, m_host.m_queue, m_configuration);
     m_host.m_makeProject = [&](const auto&, SMadeProject& made) {
@@ -264,8 +206,6 @@ TEST_F(ProjectDialogs, NewBringsTheWizardsProjectIntoTheDocument) {
     const auto& parameters = *document.GetProject()->simulationParameters;
     EXPECT_EQ(parameters.outputFile->path, m_folder / "dive.tarout");
     EXPECT_EQ(parameters.gpsAltitudeReference, altitudeEllipsoid);
-    EXPECT_EQ(parameters.algorithm, algorithmBackward);
-    EXPECT_EQ(parameters.heaveAlgorithm, heaveKelvar);
     EXPECT_EQ(parameters.nelixConfiguration->roughMisalignment, 9);
     EXPECT_EQ(parameters.nelixConfiguration->type->equipment, 14); // the recording's, not the file's
     EXPECT_EQ(ToSpan(parameters.begin), test::Seconds(1));

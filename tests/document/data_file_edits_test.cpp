@@ -3,8 +3,6 @@
 #include "foundation/files.h"
 #include "foundation/paths.h"
 
-#include <fstream>
-
 namespace test {
 
 using testing::ElementsAre;
@@ -107,16 +105,24 @@ TEST_F(DataFileEdits, RemovesOnlyUnusedFiles) {
     EXPECT_EQ(mixed->curves[1]->label, "GPS_1 - Altitude (e.tarin)");
     ASSERT_TRUE(m_edits.Do(Edits::kAddInstantValuesMeasure, Measure("DEPTH", "Depth", file)));
     const CObject* value = m_document.GetProject()->instantValuesSettings->measures.back().get();
+    ASSERT_TRUE(m_edits.Do(Edits::kAdd1DGraphEnum, Enum(file)));
+    const CObject* states = graphs[2].get();
+    ASSERT_TRUE(m_edits.Do(Edits::kAddInstantValuesEnum, Enum()));
+    const auto layers = m_document.GetProject()->dataModel->m_layers.size();
     const CObject* curves[] = {mixed->curves[1].get(), lonely->curves[0].get()};
     ASSERT_TRUE(m_edits.Do(Edits::kChangeSensorDataFileChannel, gps, external));
     m_view.Take();
     m_host.m_answers = {EAnswer::yes};
     EXPECT_TRUE(m_edits.Do(Edits::kChangeSensorDataFileChannel, gps, main));
-    EXPECT_THAT(m_view.Take(), ElementsAre(Update(11, &gps), Update(2, file), Update(44, curves[0]),
-                                           Update(44, curves[1]), Update(30, lonely), Update(34, value)));
+    EXPECT_THAT(m_view.Take(),
+                ElementsAre(Update(11, &gps), Update(2, file), Update(44, curves[0]), Update(44, curves[1]),
+                            Update(30, lonely), Update(30, states), Update(34, value)));
     EXPECT_TRUE(m_view.m_removedFileWasThere);
     EXPECT_THAT(Parameters().externalFiles, IsEmpty());
     EXPECT_EQ(mixed->curves.size(), 1u);
+    EXPECT_TRUE(m_document.GetProject()->instantValuesSettings->measures.empty());
+    EXPECT_EQ(m_document.GetProject()->instantValuesSettings->enums.size(), 1u);
+    EXPECT_EQ(m_document.GetProject()->dataModel->m_layers.size(), layers / 2);
     m_host.m_queue.RunPending(); // whatever the threads had still to say of the file
 
     // A file that only a damaged archive brings in is no part of the project: nobody is asked to remove it.

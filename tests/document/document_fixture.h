@@ -26,7 +26,15 @@ class CRecordingView : public IDocumentView {
     std::vector<EHint> m_hints;
 };
 
-inline std::string Text(Outils_Texte::EText id) { return std::string(Outils_Texte::GetText(id)); }
+// An inertial packet each hundredth of a second, a position each second, and the UTC at 0.2 s.
+inline void Record(CTestRecording& recording, int from, int to) {
+    for (int i = from; i < to; ++i) {
+        recording.Imu(i * 0.01, 14, i % 6000);
+        if (i % 100 == 50) recording.Gps(i * 0.01, 48.5, -4.5, 10);
+        if (i == 20) recording.Utc(0.2, 2024, 10, 0, 0.2f);
+    }
+    recording.Flush();
+}
 
 inline std::vector<std::uint8_t> BytesOf(const std::filesystem::path& path) {
     return Outils_Fichiers::ReadWholeFile(path, 1 << 20).value_or(std::vector<std::uint8_t>());
@@ -41,16 +49,8 @@ class CDocumentFixture : public testing::Test {
         m_host.m_programFolder = TEST_ENGINE_FOLDER;
         m_configuration.Set(Outils_Configuration::Cnf<"process/morvex">, "test_engine");
         m_document.AddView(&m_view);
-        test::CTestRecording recording(m_recording);
-        Persistance_Xpf::CXpfTarinImuPacketV2 imu;
-        imu.SetUInt8(2, 14);
-        for (int i = 0; i < 300; ++i) {
-            imu.SetDate(0, test::Seconds(i * 0.01));
-            imu.SetUInt16(1, static_cast<std::uint16_t>(i));
-            EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
-            if (i % 100 == 50) recording.Gps(i * 0.01, 48.5, -4.5, 10);
-            if (i == 20) recording.Utc(0.2, 2024, 10, 0, 0.2f);
-        }
+        CTestRecording recording(m_recording);
+        Record(recording, 0, 300);
     }
     ~CDocumentFixture() override {
         EXPECT_EQ(m_host.m_waitCursors, 0);

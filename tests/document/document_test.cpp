@@ -4,9 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <fstream>
-
 using namespace Application_Tarvel;
 using namespace Outils_Configuration;
 using namespace std::chrono_literals;
@@ -39,25 +36,11 @@ TEST_F(Document, ANewProjectKnowsItsRecording) {
     EXPECT_LT(std::abs((parameters.utcReference - origin).GetTicks()), 10);
     EXPECT_FALSE(m_document.IsModified());
     EXPECT_TRUE(PumpUntil([&] { return m_view.Saw(hintChannelFound); }));
-
-    std::string message;
-    EXPECT_FALSE(CreateProject({m_folder / "gone.tarin", m_project}, message));
-    EXPECT_FALSE(message.empty());
-    std::ofstream(m_folder / "text.tarin") << "no packets here";
-    EXPECT_FALSE(CreateProject({m_folder / "text.tarin", m_project}, message));
 }
 
 TEST_F(Document, OpensSavesAndFollowsItsName) {
     Create();
     const auto bytes = BytesOf(m_project);
-    const std::string head("\xFF\xFF\x01\x00\x0B\x00"
-                           "CTrvProject\x03\x00\x00\x00\x01\x00\x00\x00\x01\x00\x00\x00\xFF\xFF\x01\x00"
-                           "\x18\x00"
-                           "CTrvSimulationParameters",
-                           17 + 12 + 6 + 24);
-    ASSERT_GT(bytes.size(), head.size());
-    EXPECT_TRUE(std::equal(head.begin(), head.end(), bytes.begin(),
-                           [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; }));
 
     ASSERT_TRUE(m_document.CommandOpen(m_project));
     EXPECT_FALSE(m_document.IsModified());
@@ -278,7 +261,15 @@ TEST_F(Document, AResultThatAppearsAndGrowsIsFollowed) {
     ASSERT_TRUE(writer.Write("MORVEX_MSG", Persistance_Xpf::CXpfTaroutMorvexMsgPacketV1()));
     ASSERT_TRUE(writer.Close());
     EXPECT_TRUE(PumpUntil([&] { return hasData("MORVEX_MSG"); }));
-    std::filesystem::remove(result);
+    // Under a new name the former result is no longer shown; one that appears there is, until it goes.
+    m_host.m_paths = {m_folder / "q.tarprj"};
+    m_view.m_hints.clear();
+    ASSERT_TRUE(m_document.CommandSaveAs());
+    EXPECT_FALSE(hasData("MORVEX_STD"));
+    EXPECT_TRUE(m_view.Saw(hintDataLayersRebuilt) && m_view.Saw(hintDataFileContentChanged));
+    std::filesystem::rename(result, m_folder / "q.tarout");
+    EXPECT_TRUE(PumpUntil([&] { return hasData("MORVEX_STD"); }));
+    std::filesystem::remove(m_folder / "q.tarout");
     EXPECT_TRUE(PumpUntil([&] { return !hasData("MORVEX_STD"); }));
 }
 

@@ -1,18 +1,11 @@
 // Projects that are opened, replaced and closed while the threads of the document are at work on their files.
-#include "config/config_file.h"
-#include "dataaccess/test_recording.h"
 #include "dialogs/project_dialogs.h"
-#include "document/document.h"
-#include "document/project_creation.h"
-#include "document/scripted_host.h"
+#include "document/document_fixture.h"
 #include "foundation/paths.h"
-#include "foundation/texts.h"
 #include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>
 
-#include <algorithm>
-#include <fstream>
 #include <list>
 #include <optional>
 #include <random>
@@ -29,6 +22,7 @@ using Dialogue_Tarvel::EProjectField;
 namespace {
 
 using Outils_Texte::EText;
+using test::Record;
 
 constexpr std::uint16_t kImuNumber = 0;
 
@@ -74,18 +68,6 @@ class DocumentThreads : public testing::Test, private IDocumentView {
         EXPECT_TRUE(project) << message;
         return project;
     }
-    void Record(test::CTestRecording& recording, int from, int to) {
-        Persistance_Xpf::CXpfTarinImuPacketV2 imu;
-        imu.SetUInt8(2, 14);
-        for (int i = from; i < to; ++i) {
-            imu.SetDate(0, test::Seconds(i * 0.01));
-            imu.SetUInt16(1, static_cast<std::uint16_t>(i % 6000));
-            EXPECT_TRUE(recording.GetWriter().Write("IMU", imu));
-            if (i % 100 == 50) recording.Gps(i * 0.01, 48.5, -4.5, 10);
-            if (i == 20) recording.Utc(0.2, 2024, 10, 0, 0.2f);
-        }
-        recording.Flush();
-    }
     static std::size_t LastPacket(const std::filesystem::path& path) {
         Persistance_Xpf::CXpfFile file;
         EXPECT_TRUE(file.Open(path) && file.Seek(file.GetFileSize()));
@@ -99,19 +81,6 @@ class DocumentThreads : public testing::Test, private IDocumentView {
         std::string bytes(static_cast<std::size_t>(file_size(file)), '\0');
         in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         std::ofstream(file, std::ios::app).write(bytes.data() + LastPacket(file), 30);
-    }
-    void WriteResult(const std::filesystem::path& path) {
-        constexpr std::string_view channels[] = {"MORVEX_STD"};
-        Enregistrement::CRecordingWriter writer;
-        ASSERT_TRUE(writer.Create(path, channels));
-        ASSERT_TRUE(writer.Write("MORVEX_STD", Persistance_Xpf::CXpfTaroutMorvexStdPacketV2()));
-        ASSERT_TRUE(writer.Close());
-    }
-    CTrvDataFile& Output() { return *m_document.GetProject()->simulationParameters->outputFile; }
-    bool HasResultLayer() {
-        const auto& layers = m_document.GetProject()->dataModel->m_layers;
-        return std::any_of(layers.begin(), layers.end(),
-                           [this](const auto& layer) { return layer->m_dataFile == &Output(); });
     }
     bool Saw(EHint hint) const { return std::find(m_hints.begin(), m_hints.end(), hint) != m_hints.end(); }
     bool PumpUntil(const std::function<bool()>& done) { return m_host.m_queue.RunUntil(done, 30s); }
@@ -188,18 +157,6 @@ TEST_F(DocumentThreads, ProjectsComeAndGoWhileTheirFilesAreRead) {
     }));
     for (const auto& query : queries) EXPECT_EQ(query->m_answers, 1);
     EXPECT_TRUE(Saw(hintChannelFound));
-}
-
-TEST_F(DocumentThreads, UnderANewNameTheFormerResultIsNoLongerShown) {
-    test::CTestRecording recording(m_folder / "r.tarin");
-    Record(recording, 0, 300);
-    WriteResult(m_folder / "p.tarout");
-    ASSERT_TRUE(m_document.NewFromProject(Make(recording.GetPath()), m_folder / "p.tarprj"));
-    ASSERT_TRUE(HasResultLayer());
-    m_host.m_paths.push_back(m_folder / "q.tarprj");
-    ASSERT_TRUE(m_document.CommandSaveAs());
-    EXPECT_FALSE(HasResultLayer());
-    EXPECT_TRUE(Saw(hintDataLayersRebuilt) && Saw(hintDataFileContentChanged));
 }
 
 // Many recordings are broken at once, each in its own way. The output panel tells each event once, however

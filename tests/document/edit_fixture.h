@@ -48,22 +48,18 @@ class CUpdateView : public IDocumentView {
     std::vector<Update> m_updates;
 };
 
-inline std::string Text(EText id) { return std::string(GetText(id)); }
-
 class CEditTest : public testing::Test {
   protected:
     CEditTest() { Record(m_folder / "r.tarin", 9, 10); }
 
     // A recording with a channel for every kind of sensor, whose UTC origin is at `hour`.
-    static void Record(const std::filesystem::path& path, std::uint8_t equipment, int hour) {
+    static void Record(const std::filesystem::path& path, int equipment, int hour) {
         constexpr std::string_view channels[] = {"IMU",      "DVL_BT",    "EM_LOG_1",  "GPS_1",
                                                  "DEPTH",    "USBL_1",    "LBL",       "UTC",
                                                  "ODOMETER", "SYNCHRO_1", "NELIX_NAV", "PLATFORM_ORIENT"};
         CTestRecording recording(path);
         ASSERT_TRUE(recording.GetWriter().Create(path, channels));
-        Persistance_Xpf::CXpfTarinImuPacketV2 imu;
-        imu.SetUInt8(2, equipment);
-        ASSERT_TRUE(recording.GetWriter().Write("IMU", imu));
+        recording.Imu(0, equipment);
         recording.Gps(0.1, 48.5, -4.5, 10);
         recording.Utc(0.2, 2024, hour, 0, 0.2f);
         ASSERT_TRUE(recording.GetWriter().Close());
@@ -92,9 +88,10 @@ class CEditTest : public testing::Test {
                     return *measure;
         throw std::runtime_error("no such measure");
     }
-    const CTrvEnumDef& Enum() {
+    const CTrvEnumDef& Enum(const CTrvDataFile* file = nullptr) {
+        if (!file) file = Parameters().mainInputFile.get();
         for (const auto& layer : m_document.GetProject()->dataModel->m_layers)
-            if (!layer->m_enums.empty()) return *layer->m_enums.front();
+            if (layer->m_dataFile == file && !layer->m_enums.empty()) return *layer->m_enums.front();
         throw std::runtime_error("no enumeration");
     }
     CTrvDataFile* AddFile(const char* name, int hour = 11) {

@@ -3,6 +3,7 @@
 
 #include "document/document_host.h"
 #include "foundation/message_target.h"
+#include "foundation/texts.h"
 #include "processing/message_line.h"
 #include "processing/receivers.h"
 
@@ -16,6 +17,8 @@
 namespace test {
 
 using namespace Application_Tarvel;
+
+inline std::string Text(Outils_Texte::EText id) { return std::string(Outils_Texte::GetText(id)); }
 
 class CScriptedHost : public IDocumentHost, private Communication_Processus::INotificationWindow {
   public:

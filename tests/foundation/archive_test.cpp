@@ -50,6 +50,8 @@ const Bytes kNodeStart = Bytes{2, 0, 0, 0} + kRoots + Bytes{0xFF, 0xFE, 0xFF, 0}
 // And from its parent on, all null.
 const Bytes kNodeEnd = Bytes{0, 0, 0, 0, 0, 0, 5, 0};
 
+void LoadNode(CArchive& archive) { archive.Claim(archive.ReadObject<CNode>()); }
+
 class Archive : public testing::Test {
   protected:
     Archive() { m_registry.Register<CNode, CPosition, CLeverArm, CTrvObject>(); }
@@ -80,7 +82,7 @@ class Archive : public testing::Test {
     std::string m_fileName;
 };
 
-TEST_F(Archive, ScalarsAreLittleEndianInTheirOwnWidth) {
+TEST_F(Archive, ScalarsAreLittleEndian) {
     const Bytes bytes = Store([](CArchive& archive) {
         archive << true << std::uint8_t{0xAB} << std::int16_t{-2} << std::int64_t{-2} << 1.0f << -2.0;
         for (std::uint32_t count : {0xFFFEu, 0xFFFFu}) archive.WriteCount(count);
@@ -157,7 +159,7 @@ TEST_F(Archive, ObjectsAndClassesShareOneTable) {
     }
 }
 
-TEST_F(Archive, IndexesBeyondFifteenBitsTakeTheBigForm) {
+TEST_F(Archive, LargeIndexesTakeTheBigForm) {
     std::vector<CObjetMetier> plain(0x7FFF); // class 1, objects 2 to 0x8000
     CLeverArm first, second;                 // class 0x8001, objects 0x8002 and 0x8003
     std::vector<const CObject*> objects;
@@ -181,7 +183,6 @@ TEST_F(Archive, IndexesBeyondFifteenBitsTakeTheBigForm) {
 }
 
 TEST_F(Archive, HostileBytesGiveTheirCause) {
-    const auto oneNode = [](CArchive& archive) { archive.Claim(archive.ReadObject<CNode>()); };
     const auto twoObjects = [](CArchive& archive) {
         archive.ReadObject(CObject::Class());
         archive.ReadObject(CObject::Class());
@@ -205,26 +206,26 @@ TEST_F(Archive, HostileBytesGiveTheirCause) {
         int cause;
         const char* fileName = "/data/x.file";
     } rows[] = {
-        {"index not in the table", {1, 0}, oneNode, 5},
-        {"big index not in the table", {0xFF, 0x7F, 0xFF, 0xFF, 0xFF, 0x7F}, oneNode, 5},
-        {"class index 0", {0, 0x80}, oneNode, 5},
-        {"big class index not in the table", {0xFF, 0x7F, 9, 0, 0, 0x80}, oneNode, 5},
+        {"index not in the table", {1, 0}, LoadNode, 5},
+        {"big index not in the table", {0xFF, 0x7F, 0xFF, 0xFF, 0xFF, 0x7F}, LoadNode, 5},
+        {"class index 0", {0, 0x80}, LoadNode, 5},
+        {"big class index not in the table", {0xFF, 0x7F, 9, 0, 0, 0x80}, LoadNode, 5},
         {"class where an object is meant", node + Bytes{1, 0}, twoObjects, 5},
         {"object where a class is meant", node + Bytes{2, 0x80}, twoObjects, 5},
-        {"class unknown", Bytes{0xFF, 0xFF, 1, 0, 9, 0} + Ascii("CStranger"), oneNode, 6},
-        {"class not derived", lever, oneNode, 6},
-        {"member of another class", kNewNode + kNodeStart + lever, oneNode, 6},
-        {"schema", otherSchema, oneNode, 7},
-        {"version", laterVersion, oneNode, 7, ""},
-        {"class name longer than the file", {0xFF, 0xFF, 1, 0, 0xFF, 0xFF, 'C'}, oneNode, 3},
+        {"class unknown", Bytes{0xFF, 0xFF, 1, 0, 9, 0} + Ascii("CStranger"), LoadNode, 6},
+        {"class not derived", lever, LoadNode, 6},
+        {"member of another class", kNewNode + kNodeStart + lever, LoadNode, 6},
+        {"schema", otherSchema, LoadNode, 7},
+        {"version", laterVersion, LoadNode, 7, ""},
+        {"class name longer than the file", {0xFF, 0xFF, 1, 0, 0xFF, 0xFF, 'C'}, LoadNode, 3},
         {"wide string of 4 GB", Bytes{0xFF, 0xFE} + Bytes(8, 0xFF), string, 3, ""},
         {"wide string short by one byte", {0xFF, 0xFE, 0xFF, 2, 'a', 0, 'b'}, string, 3, ""},
         {"narrow string of 2 GB", Bytes(6, 0xFF) + Bytes{0x7F, 'a'}, string, 3, ""},
         {"child claimed twice",
          kNewNode + kNodeStart + Bytes{1, 0x80} + kNodeStart + Bytes(2) + kNodeEnd + kNodeEnd, claimedTwice,
          5},
-        {"object its own member", kNewNode + kNodeStart + Bytes{2, 0} + kNodeEnd, oneNode, 5},
-        {"null element", kNewNode + kNodeStart + Bytes{0, 0, 0, 0, 9, 0, 0, 0, 0, 0}, oneNode, 5, ""}};
+        {"object its own member", kNewNode + kNodeStart + Bytes{2, 0} + kNodeEnd, LoadNode, 5},
+        {"null element", kNewNode + kNodeStart + Bytes{0, 0, 0, 0, 9, 0, 0, 0, 0, 0}, LoadNode, 5, ""}};
     for (const auto& row : rows) {
         EXPECT_EQ(CauseOf(row.bytes, row.load), row.cause) << row.what;
         EXPECT_EQ(m_fileName, row.fileName) << row.what;
@@ -239,8 +240,8 @@ TEST_F(Archive, NestingIsBounded) {
         for (int i = 0; i < depth; ++i) bytes = std::move(bytes) + kNodeEnd;
         return bytes;
     };
-    const auto load = [](CArchive& archive) { archive.Claim(archive.ReadObject<CNode>()); };
-    for (const int depth : {400, 401, 100000}) EXPECT_EQ(CauseOf(nested(depth), load), depth > 400) << depth;
+    for (const int depth : {400, 401, 100000})
+        EXPECT_EQ(CauseOf(nested(depth), LoadNode), depth > 400) << depth;
 }
 
 TEST_F(Archive, WrongDirectionAndFailingStreamThrow) {
@@ -251,8 +252,7 @@ TEST_F(Archive, WrongDirectionAndFailingStreamThrow) {
     } stream;
     CArchive archive(stream, CArchive::store, nullptr);
     int value = 1;
-    archive << value;
-    EXPECT_THROW(archive >> value, CArchiveException);
+    EXPECT_THROW((archive << value) >> value, CArchiveException);
     EXPECT_THROW(archive.Close(), CArchiveException);
 }
 

@@ -112,7 +112,7 @@ TEST(DateTimeSpan, SecondsRoundAwayFromZero) {
         EXPECT_FALSE(CDateTimeSpan::FromSeconds(seconds).IsValid()) << seconds;
 }
 
-TEST(DateTimeSpan, ComparisonWithAnInvalidSideIsFalse) {
+TEST(DateTimeSpan, InvalidSidesCompareFalse) {
     const CDateTimeSpan valid(1);
     const CDateTimeSpan invalid(0, kStatusInvalid);
     EXPECT_TRUE(CDateTimeSpan(-1) < valid && valid <= valid && valid >= CDateTimeSpan(-1));

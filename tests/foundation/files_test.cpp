@@ -39,7 +39,7 @@ TEST(Paths, RelativePathsComeBack) {
     EXPECT_FALSE(RelativePathTo("/p", "/proc/none/x")) << "another volume";
 }
 
-TEST(Paths, SeparatorsAndCaseOfTheOriginalPlatformAreUnderstood) {
+TEST(Paths, UnderstandsPathsOfTheOriginalPlatform) {
     EXPECT_EQ(Combine("/p/a", "..\\b/./c\\x"), "/p/b/c/x");
     EXPECT_EQ(Combine("/p", "..\\..\\..\\x"), "/x");
     EXPECT_EQ(Combine("/p/a", "."), "/p/a");
@@ -92,8 +92,8 @@ TEST_F(Files, SaveFollowsLinks) {
     EXPECT_FALSE(SaveAtomically(folder / "ring", m_new));
 }
 
-TEST_F(Files, FailedSaveKeepsTheOldFileAndLeavesNothingBehind) {
-    // A limit on the size of files stands for a full disk.
+TEST_F(Files, FailedSaveKeepsTheOldFile) {
+    // A limit on the size of files imitates a full disk.
     rlimit former;
     ::getrlimit(RLIMIT_FSIZE, &former);
     const rlimit small{1000, former.rlim_max};
@@ -110,7 +110,7 @@ TEST_F(Files, FailedSaveKeepsTheOldFileAndLeavesNothingBehind) {
     EXPECT_EQ(CountEntries(), 1);
 }
 
-TEST_F(Files, AKillDuringASaveLeavesNothingBehind) {
+TEST_F(Files, KilledSaveLeavesNothing) {
     const int nameless = ::open(m_folder.GetPath().c_str(), O_TMPFILE | O_WRONLY, 0600);
     if (nameless < 0) GTEST_SKIP() << "the file system has no files without a name";
     ::close(nameless);
@@ -131,7 +131,7 @@ TEST_F(Files, AKillDuringASaveLeavesNothingBehind) {
     EXPECT_EQ(CountEntries(), 1);
 }
 
-TEST_F(Files, OnlyRegularFilesWithinTheLimitAreRead) {
+TEST_F(Files, ReadsSmallRegularFilesOnly) {
     EXPECT_EQ(ReadWholeFile(m_file, 100), m_old);
     EXPECT_FALSE(ReadWholeFile(m_file, 99));
     EXPECT_FALSE(ReadWholeFile(m_folder.GetPath(), 1000));
@@ -145,7 +145,7 @@ TEST_F(Files, OnlyRegularFilesWithinTheLimitAreRead) {
     EXPECT_FALSE(ReadWholeFile("/proc/self/status", 10));
 }
 
-TEST_F(Files, TemporaryFilesHaveNamesOfTheirOwn) {
+TEST_F(Files, TemporaryFilesHaveUniqueNames) {
     const auto first = CreateTemporaryFile("mvx");
     const auto second = CreateTemporaryFile("mvx");
     ASSERT_TRUE(first && second);

@@ -59,7 +59,7 @@ class CModel {
     std::list<std::int64_t> m_ages;
 };
 
-TEST(IntervalIndex, AgreesWithAPlainMapAndUseList) {
+TEST(IntervalIndex, AgreesWithAPlainMap) {
     std::mt19937 random(7);
     Tree tree;
     tree.SetEviction(true, 60, 7);
@@ -77,7 +77,7 @@ TEST(IntervalIndex, AgreesWithAPlainMapAndUseList) {
     EXPECT_EQ(Find(tree, 1), CModel().Find(1));
 }
 
-TEST(IntervalIndex, AValueReplacedEvictsToo) {
+TEST(IntervalIndex, ReplacedValueEvictsToo) {
     Tree tree;
     for (int key = 0; key < 9; ++key) tree.Insert(CDateTimeSpan(key), 1);
     tree.SetEviction(true, 9, 4);

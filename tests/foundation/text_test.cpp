@@ -26,7 +26,7 @@ TEST(Text, EveryUtf16SequenceComesBack) {
     EXPECT_EQ(Utf16ToUtf8(u"\U0001F6A2"), "\xF0\x9F\x9A\xA2");
 }
 
-TEST(Text, BytesThatAreNotUtf8BecomeReplacements) {
+TEST(Text, BadUtf8BecomesReplacements) {
     const std::pair<std::string_view, std::u16string_view> rows[] = {
         {"a\x80z", u"a\xFFFDz"},
         {"\xC0\xAF", u"\xFFFD\xFFFD"},                    // over-long
@@ -110,7 +110,7 @@ TEST(Numbers, ParseIntegers) {
     EXPECT_EQ(ParseUInt("1ffffffff", 16), 0xFFFFFFFFu);
 }
 
-TEST(Numbers, ShortestTextComesBackToTheSameBits) {
+TEST(Numbers, ShortestTextKeepsEveryBit) {
     std::mt19937_64 random(20240229);
     for (int i = 0; i < 20000; ++i) {
         const auto value = std::bit_cast<double>(random());

@@ -14,7 +14,7 @@ namespace {
 
 constexpr auto kForever = std::chrono::milliseconds::max();
 
-// Counts its runs; a run lasts until it is told to end.
+// Counts its runs; a run lasts until Stop.
 class CWorker : public CThread {
   public:
     ~CWorker() override { Kill(); }
@@ -54,7 +54,7 @@ TEST(Thread, StartsAgainAfterItHasEnded) {
     ASSERT_TRUE(worker.Start()); // destroyed while it runs
 }
 
-TEST(Event, ManualStaysAndAutomaticLetsOnePass) {
+TEST(Event, ManualStaysAutomaticLetsOnePass) {
     CEvent manual;
     EXPECT_FALSE(manual.Wait(0ms));
     manual.Set();
@@ -99,7 +99,7 @@ TEST(MessageQueue, KeepsTheOrderOfEveryThread) {
     for (const auto& order : seen) EXPECT_TRUE(std::ranges::is_sorted(order));
 }
 
-TEST(MessagePort, WhatIsQueuedWhenItClosesNeverRuns) {
+TEST(MessagePort, ClosedPortRunsNothing) {
     CMessageQueue queue;
     int runs = 0;
     auto closing = std::make_unique<CMessagePort>(queue);

@@ -1,18 +1,12 @@
 #include "config/config_file.h"
 #include "document/scripted_host.h"
-#include "foundation/texts.h"
 #include "graph/fabricated.h"
 #include "graph/loader.h"
 #include "recording/recording_writer.h"
 #include "support/temporary_folder.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
-#include <functional>
-#include <string_view>
 
 using namespace test;
 using namespace Persistance_Xpf;

@@ -231,29 +231,3 @@ TEST_F(DataModelTest, HeadersThatMultiplyAreCutOff) {
     EXPECT_FALSE(model.BuildFromFile(*parameters.mainInputFile, false));
     EXPECT_LT(model.m_layers.size(), 1000u);
 }
-
-TEST_F(DataModelTest, RemovingAFileForgetsAllThatShowedIt) {
-    CTrvProject project(Create("a.tarin", {"IMU"}), folder / "a.tarout");
-    project.RebuildDataModel(false);
-    CTrvDataFile* main = project.simulationParameters->mainInputFile.get();
-    CTrvDataFile* other = project.AddDataFile(Create("b.tarin", {"DEPTH", "GPS_1"}), false);
-    ASSERT_TRUE(other);
-    EXPECT_EQ(project.dataModel->m_layers.size(), 3u);
-    auto& graphs = *project.graphSettings;
-    auto* mixed = graphs.AddMeasureGraph("mixed");
-    mixed->AddCurve(main, 1, 4, "kept");
-    mixed->AddCurve(other, 1, 4, "gone");
-    graphs.AddMeasureGraph("gone")->AddCurve(other, 1, 4, "gone");
-    graphs.AddEnumGraph("gone", other, 1, 0, "gone");
-    project.instantValuesSettings->AddMeasure(other, 1, 4, "gone");
-    project.instantValuesSettings->AddEnum(main, 1, 0, "kept");
-
-    EXPECT_FALSE(project.RemoveDataFile(main));
-    EXPECT_TRUE(project.RemoveDataFile(other));
-    EXPECT_EQ(project.dataModel->m_layers.size(), 1u);
-    ASSERT_EQ(graphs.graphs.size(), 1u);
-    ASSERT_EQ(mixed->curves.size(), 1u);
-    EXPECT_EQ(mixed->curves[0]->label, "kept");
-    EXPECT_TRUE(project.instantValuesSettings->measures.empty());
-    EXPECT_EQ(project.instantValuesSettings->enums.size(), 1u);
-}

@@ -148,7 +148,7 @@ TEST(InsFilter, LeverArmTurnsWithTheAttitude) {
     EXPECT_LT(corrected.GetNavigation().attitude.angularDistance(state.navigation.attitude), 2e-4);
 }
 
-TEST(InsFilter, OutliersAreLeftOutAndALastingContradictionIsGivenInTo) {
+TEST(InsFilter, OutliersAreIgnoredLastingContradictionsWin) {
     // The use, the grade, and the seconds until a contradiction is over.
     for (const auto& [use, grade, longest] :
          {std::tuple{EUse::tested, 0, 130.0}, {EUse::reacquired, 0, 30.0}, {EUse::tested, 3, 10.0}}) {
@@ -207,7 +207,7 @@ TEST(InsFilter, CovarianceStaysPositiveThroughExtremes) {
     EXPECT_GT(Eigen::SelfAdjointEigenSolver<StateMatrix>(scale * p * scale).eigenvalues().minCoeff(), -1e-9);
 }
 
-// White noise under waves is told by its level; waves, rounding and a slow drift are not taken for it.
+// The level of white noise gives the grade; waves, rounding and a slow drift do not count.
 TEST(NoiseProbe, FindsTheGradeUnderWaves) {
     // The noise in degrees per root of an hour.
     for (const auto& [noise, grade] :

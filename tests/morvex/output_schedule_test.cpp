@@ -4,7 +4,7 @@
 
 using namespace Morvex;
 
-TEST(OutputSchedule, DatesAreMultiplesOfThePeriodInForce) {
+TEST(OutputSchedule, DatesAreMultiplesOfThePeriod) {
     SRunPlan plan;
     plan.defaultRate = 1.0;
     plan.rates = {{{2.5, 4.05}, 10.0}, {{3.0, 3.2}, 50.0}};

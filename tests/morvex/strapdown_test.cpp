@@ -58,7 +58,7 @@ TEST(Earth, MetresAndPositionsAreInverse) {
     EXPECT_NEAR(distance, 500.0, 0.05);
 }
 
-TEST(Rotation, AxesAndSignsAreThoseOfAVessel) {
+TEST(Rotation, AxesAndSignsSuitAVessel) {
     const Matrix3d c = MatrixOf({30 * kRadiansPerDegree, 10 * kRadiansPerDegree, 20 * kRadiansPerDegree});
     const Vector3d bow = c.col(0), port = c.col(1);
     EXPECT_NEAR(std::atan2(-bow.y(), bow.x()), 30 * kRadiansPerDegree, 1e-12) << "clockwise from north";
@@ -88,7 +88,7 @@ TEST(Rotation, MountingsAreTheTwentyFourRotations) {
     EXPECT_EQ(RoughMounting(4) * Vector3d::UnitX(), Vector3d(-Vector3d::UnitX()));
 }
 
-TEST(Strapdown, FlightAlongTheEquatorAndAMeridianGoesAsFarAsTheGeodesic) {
+TEST(Strapdown, FlightsEndWhereTheGeodesicEnds) {
     for (const Vector3d& velocity : {Vector3d(0.0, -200.0, 0.0), Vector3d(200.0, 0.0, 0.0)}) {
         SNavigation truth = Start(0.0, 90.0, velocity);
         truth.position[2] = 0.0;
@@ -110,7 +110,7 @@ TEST(Strapdown, FlightAlongTheEquatorAndAMeridianGoesAsFarAsTheGeodesic) {
 }
 
 // Coning: two axes swing a quarter of a period apart, and the third drifts. The truth is the closed form.
-TEST(Strapdown, ConingAndCutSamplesLeaveNoDrift) {
+TEST(Strapdown, ConingLeavesNoDrift) {
     constexpr double amplitude = 0.02, omega = 2.0 * std::numbers::pi * 3.0;
     auto attitude = [&](double t) {
         return RotationOf(amplitude * Vector3d(std::cos(omega * t), std::sin(omega * t), 0.0));
@@ -145,7 +145,7 @@ TEST(Strapdown, ConingAndCutSamplesLeaveNoDrift) {
     }
 }
 
-TEST(Strapdown, TimeRunsBackwardsToWhereItBegan) {
+TEST(Strapdown, TimeRunsBackToItsBegin) {
     const SNavigation start = Start(-35.0, 200.0, {12.0, -7.0, 0.4});
     CStrapdown forward(start);
     SStretch stretch;
@@ -169,7 +169,7 @@ TEST(Strapdown, TimeRunsBackwardsToWhereItBegan) {
 
 // Two programs that share no formula: the one says where a vessel was and counts what its sensors felt there,
 // the other finds the way from the counts.
-TEST(Strapdown, CountsOfASimulatedUnitLeadAlongTheTruth) {
+TEST(Strapdown, SimulatedCountsLeadAlongTheTruth) {
     for (const auto vehicle :
          {Simulation::EVehicle::ship, Simulation::EVehicle::auv, Simulation::EVehicle::car})
         for (const auto& [rate, duration] : {std::pair{200, 80}, {50, 160}}) {

@@ -247,22 +247,6 @@ TEST_F(RemoteProcess, AFullSinkHoldsAFloodBack) {
     EXPECT_EQ(child.lines.size(), 1u);
 }
 
-TEST_F(RemoteProcess, SaysHowAChildEnded) {
-    const struct {
-        const char* script;
-        const char* text;
-    } rows[] = {{"exit", "exit code 0"}, {"exit 3", "exit code 3"}, {"kill -9 $$", "killed by signal 9"}};
-    CListener child;
-    for (const auto& [script, text] : rows) {
-        ASSERT_TRUE(child.Open(Shell(script), false));
-        child.Finish();
-        EXPECT_EQ(ToText(child.GetEnd()), text);
-    }
-    ASSERT_TRUE(child.Open(Shell(kDeaf), false));
-    child.Terminate();
-    EXPECT_EQ(ToText(child.GetEnd()), "killed by signal 9");
-}
-
 TEST_F(RemoteProcess, AGrandchildDoesNotDelayClose) {
     CListener child;
     ASSERT_TRUE(child.Open(Shell("exit"), false)); // its end is not taken for that of the next

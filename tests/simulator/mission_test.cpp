@@ -44,9 +44,8 @@ TEST(InertialUnitTest, GradesErrByTheirTable) {
     EXPECT_NEAR(sum / kUnits, 0, 0.25 * expected);
 }
 
-// What is true does not depend on the order of asking, starts as asked and at rest, and moves by its speeds,
-// also across the steps of the integration.
-TEST(MissionTest, TruthIsTheSameFromAnySide) {
+// The truth does not depend on the order of the questions, and moves by its speeds.
+TEST(MissionTest, TruthIsTheSameEitherWay) {
     for (const EVehicle vehicle : {EVehicle::ship, EVehicle::auv, EVehicle::car}) {
         SMissionOptions options;
         options.vehicle = vehicle;

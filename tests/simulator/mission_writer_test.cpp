@@ -14,7 +14,9 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <iterator>
 #include <map>
+#include <sstream>
 
 namespace Simulation {
 namespace {
@@ -58,7 +60,7 @@ class MissionWriterTest : public testing::Test {
     SMissionOptions m_options;
 };
 
-TEST_F(MissionWriterTest, AllChannelsComeInTimeOrderAtTheirRates) {
+TEST_F(MissionWriterTest, ChannelsComeInTimeOrder) {
     for (const SChannelLayout& row : GetChannelLayouts())
         if (row.kind == EFileKind::tarin) m_options.channels.emplace_back(row.name);
     m_options.GetChannelOptions("GPS_2").rate = 4;
@@ -85,16 +87,17 @@ TEST_F(MissionWriterTest, AllChannelsComeInTimeOrderAtTheirRates) {
     EXPECT_EQ(counts["SYNCHRO_4"], 30);
 }
 
-TEST_F(MissionWriterTest, EqualSeedsGiveEqualBytes) {
+TEST_F(MissionWriterTest, SeedsAndSizeDecideTheBytes) {
     m_options.outliers = 0.05;
     const auto first = Bytes(Write("a")), firstTruth = Bytes(m_folder / "a.csv");
     EXPECT_EQ(Bytes(Write("b")), first);
     EXPECT_EQ(Bytes(m_folder / "b.csv"), firstTruth);
     m_options.seed = 2;
     EXPECT_NE(Bytes(Write("c")), first);
+    m_options.targetSize = 3'000'000;
+    EXPECT_NEAR(static_cast<double>(fs::file_size(Write("size.tarin"))), 3e6, 3e4);
 }
 
-// The errors against the truth at the antenna have the deviations and the covariance that the packets claim.
 TEST_F(MissionWriterTest, GpsErrsAsItClaims) {
     m_options.duration = 1500;
     m_options.imuRate = 1;
@@ -191,7 +194,7 @@ TEST_F(MissionWriterTest, PerfectSensorsReadTheTruth) {
     });
 }
 
-TEST_F(MissionWriterTest, ADivingVehicleHasGpsAtTheSurfaceOnly) {
+TEST_F(MissionWriterTest, DivingVehiclesLoseGps) {
     m_options.vehicle = EVehicle::auv;
     m_options.altitude = m_options.geoidSeparation = 20;
     const CMission mission(m_options);
@@ -211,22 +214,17 @@ TEST_F(MissionWriterTest, ADivingVehicleHasGpsAtTheSurfaceOnly) {
     EXPECT_NEAR(navigated, fixes * 10, 20);
 }
 
-TEST_F(MissionWriterTest, ASizeIsMet) {
-    m_options.targetSize = 3'000'000;
-    EXPECT_NEAR(static_cast<double>(fs::file_size(Write("size.tarin"))), 3e6, 3e4);
-}
-
 TEST(CommandLineTest, OptionsReachTheMission) {
-    const auto parse = [](std::vector<std::string> words, SCommandLine& line) {
+    const auto parse = [](const char* text, SCommandLine& line) {
+        std::istringstream stream(text);
+        const std::vector<std::string> words{std::istream_iterator<std::string>(stream), {}};
         std::string error;
         return ParseCommandLine(words, line, error) && line.options.Validate().empty();
     };
     SCommandLine line;
-    ASSERT_TRUE(parse({"--vehicle",           "car",          "--start",      "10,-20.5,30",
-                       "--gps-outage",        "60:90",        "--gps-outage", "100:130",
-                       "--lever-arm",         "gps",          "1,2,-3",       "--channels",
-                       "GPS_1,ODOMETER",      "--rate",       "ODOMETER=20",  "--utc",
-                       "2023-02-28T23:59:58", "/tmp/x.tarin", "--seed",       "77"},
+    ASSERT_TRUE(parse("--vehicle car --start 10,-20.5,30 --gps-outage 60:90 --gps-outage 100:130 "
+                      "--lever-arm gps 1,2,-3 --channels GPS_1,ODOMETER --rate ODOMETER=20 "
+                      "--utc 2023-02-28T23:59:58 /tmp/x.tarin --seed 77",
                       line));
     const SMissionOptions& options = line.options;
     EXPECT_EQ(options.vehicle, EVehicle::car);
@@ -239,26 +237,13 @@ TEST(CommandLineTest, OptionsReachTheMission) {
     EXPECT_EQ(options.GetUtcOrigin().GetDay(), 28);
     EXPECT_EQ(line.truth, fs::path("/tmp/x.truth.csv"));
 
-    const std::vector<std::vector<std::string>> rows = {{},
-                                                        {"--duration", "10"},
-                                                        {"x", "--duration"},
-                                                        {"x", "y"},
-                                                        {"x", "--nonsense", "1"},
-                                                        {"x", "-n"},
-                                                        {"x", "--vehicle", "boat"},
-                                                        {"x", "--start", "1,2"},
-                                                        {"x", "--duration", "nan"},
-                                                        {"x", "--imu-rate", "0"},
-                                                        {"x", "--utc", "2023-02-29"},
-                                                        {"x", "--lever-arm", "gps"},
-                                                        {"x", "--channels", "IMU,MORVEX_STD"},
-                                                        {"x", "--rate", "GPS_1"},
-                                                        {"x", "--rate", "=5"},
-                                                        {"x", "--size", "99999999999999"},
-                                                        {"x", "--start", "90,0,0"}};
-    for (const std::vector<std::string>& wrong : rows) {
+    for (const char* wrong :
+         {"", "--duration 10", "x --duration", "x y", "x --nonsense 1", "x -n", "x --vehicle boat",
+          "x --start 1,2", "x --duration nan", "x --imu-rate 0", "x --utc 2023-02-29", "x --lever-arm gps",
+          "x --channels IMU,MORVEX_STD", "x --rate GPS_1", "x --rate =5", "x --size 99999999999999",
+          "x --start 90,0,0"}) {
         SCommandLine ignored;
-        EXPECT_FALSE(parse(wrong, ignored)) << testing::PrintToString(wrong);
+        EXPECT_FALSE(parse(wrong, ignored)) << wrong;
     }
 }
 

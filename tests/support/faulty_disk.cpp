@@ -7,6 +7,7 @@
 #include <condition_variable>
 #include <list>
 #include <mutex>
+#include <optional>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -88,6 +89,16 @@ void CFaultyDisk::WaitForHeld(int count) const {
         return std::any_of(Faults().faults.begin(), Faults().faults.end(),
                            [&](const SFault& fault) { return fault.owner == this && fault.held >= count; });
     });
+}
+
+void StopHalfWay(const std::filesystem::path& file, std::function<void(const Outils::CEvent&)> look) {
+    std::optional<CFaultyDisk> disk(std::in_place, file, CFaultyDisk::stalls, file_size(file) / 2);
+    Outils::CTask task(std::move(look));
+    if (!task.Start()) return;
+    disk->WaitForHeld(1);
+    task.Stop();
+    disk.reset();
+    task.Join();
 }
 
 } // namespace test

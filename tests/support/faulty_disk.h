@@ -2,8 +2,11 @@
 // system.
 #pragma once
 
+#include "foundation/thread.h"
+
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 
 namespace test {
 
@@ -23,5 +26,8 @@ class CFaultyDisk {
     // Returns once so many reads are held.
     void WaitForHeld(int count) const;
 };
+
+// Runs `look` on a thread until a read of the second half of `file` is held, and tells it to stop there.
+void StopHalfWay(const std::filesystem::path& file, std::function<void(const Outils::CEvent&)> look);
 
 } // namespace test

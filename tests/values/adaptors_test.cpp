@@ -52,43 +52,39 @@ TEST(Units, RowsAreSound) {
     }
 }
 
-// Of each quantity a value as the default settings show it, then what may be typed in its other units.
+// A value of each quantity as the default settings show it, then texts in its other units.
 TEST(Adaptors, AreSetUpFromTheFile) {
     CTrvCnfConfigFile configuration;
     CTrvAdaptors adaptors;
     adaptors.Configure(configuration);
     constexpr double degree = 180 / std::numbers::pi;
-    const std::tuple<EQuantity, double, std::string_view, std::vector<std::pair<const char*, double>>>
-        rows[] = {
-            {EQuantity::rate, 0.1, "0.100 s", {}},
-            {EQuantity::altitude, -12.0625, "-12.062 m", {{"1 nm", NAN}, {"2 km", 2000}}},
-            {EQuantity::misalignment, 90.0, "90.000 °", {{"1 rad", degree}}},
-            {EQuantity::leverArm, 1.5, "1.500 m", {{"-2 cm", -0.02}}},
-            {EQuantity::scaleFactor, 0.0125, "1.25 %", {{"50 %", 0.5}}},
-            {EQuantity::currentSpeed, 0.5, "0.50 m/s", {}},
-            {EQuantity::currentTime, 3600.0, "3600 s", {}},
-            {EQuantity::linearSpeed, 2.0, "2.00 m/s", {{"36 kt", 18.52}}},
-            {EQuantity::linearAcceleration, 9.81, "9.81 m/s2", {{"1 ft/s2", 0.3048}}},
-            {EQuantity::angularSpeed,
-             std::numbers::pi / 180 / 3600 * 15,
-             "15.0 °/h",
-             {{"3600 °/h", 1 / degree}}},
-            {EQuantity::distance,
-             1.0,
-             "1.00 m",
-             {{"12 ft", 3.6576}, {"1 in", 0.0254}, {"1 yd", 0.9144}, {"1 mi", 1609.344}, {"1 nm", 1852}}},
-            {EQuantity::attitude, 1.0, "1.000 °", {}},
-            {EQuantity::crossvariance, 4.0, "4.00 m²", {}},
-            {EQuantity::timeDrift, 0.0015, "1.500 ms", {{"1 µs", 1e-6}, {"1 s", 1}}},
-            {EQuantity::rawFogMeasurement,
-             648.0,
-             "3.142 µrad",
-             {{"1 °", 3600000},
-              {"1 rad", 3600000 * degree},
-              {"1 mrad", 3600 * degree},
-              {"1 µrad", 3.6 * degree}}},
-            {EQuantity::rawAccMeasurement, 10000.0, "1.000 mm/s", {{"1 m/s", 1e7}, {"1 µm/s", 10}}},
-        };
+    using E = EQuantity;
+    const std::tuple<E, double, std::string_view, std::vector<std::pair<const char*, double>>> rows[] = {
+        {E::rate, 0.1, "0.100 s", {}},
+        {E::altitude, -12.0625, "-12.062 m", {{"1 nm", NAN}, {"2 km", 2000}}},
+        {E::misalignment, 90.0, "90.000 °", {{"1 rad", degree}}},
+        {E::leverArm, 1.5, "1.500 m", {{"-2 cm", -0.02}}},
+        {E::scaleFactor, 0.0125, "1.25 %", {{"50 %", 0.5}}},
+        {E::currentSpeed, 0.5, "0.50 m/s", {}},
+        {E::currentTime, 3600.0, "3600 s", {}},
+        {E::linearSpeed, 2.0, "2.00 m/s", {{"36 kt", 18.52}}},
+        {E::linearAcceleration, 9.81, "9.81 m/s2", {{"1 ft/s2", 0.3048}}},
+        {E::angularSpeed, 15 / degree / 3600, "15.0 °/h", {{"3600 °/h", 1 / degree}}},
+        {E::distance,
+         1.0,
+         "1.00 m",
+         {{"12 ft", 3.6576}, {"1 in", 0.0254}, {"1 yd", 0.9144}, {"1 mi", 1609.344}, {"1 nm", 1852}}},
+        {E::attitude, 1.0, "1.000 °", {}},
+        {E::crossvariance, 4.0, "4.00 m²", {}},
+        {E::timeDrift, 0.0015, "1.500 ms", {{"1 µs", 1e-6}, {"1 s", 1}}},
+        {E::rawFogMeasurement,
+         648.0,
+         "3.142 µrad",
+         {{"1 °", 3600000},
+          {"1 rad", 3600000 * degree},
+          {"1 mrad", 3600 * degree},
+          {"1 µrad", 3.6 * degree}}},
+        {E::rawAccMeasurement, 10000.0, "1.000 mm/s", {{"1 m/s", 1e7}, {"1 µm/s", 10}}}};
     ASSERT_EQ(std::size(rows), static_cast<std::size_t>(EQuantity::count));
     for (const auto& [quantity, value, text, typed] : rows) {
         EXPECT_EQ(Shown(adaptors.Get(quantity), value), text);
@@ -122,7 +118,7 @@ TEST(Adaptors, AreSetUpFromTheFile) {
     EXPECT_EQ(Shown(adaptors.GetForNature(4000000000u), 0.5), "0,500");
 }
 
-TEST(PhysicalValueAdaptor, ReadsNumbersWithTheUnitsOfItsTable) {
+TEST(PhysicalValueAdaptor, ReadsNumbersWithItsUnits) {
     CPhysicalValueAdaptor metres = CTrvAdaptors().Get(EQuantity::distance);
     EXPECT_EQ(Read(metres, "\t12ft "), Read(metres, "12 ft"));
     EXPECT_EQ(Read(metres, ".5"), 0.5);
@@ -148,7 +144,7 @@ TEST(PhysicalValueAdaptor, ReadsNumbersWithTheUnitsOfItsTable) {
     EXPECT_EQ(Read(warm, "132 C"), 100.0);
 }
 
-TEST(NumericValueAdaptor, GivesWhatFollowsTheNumber) {
+TEST(NumericValueAdaptor, GivesTheRestOfTheText) {
     CNumericValueAdaptor adaptor;
     adaptor.decimalSeparator = u'\u00B7';
     double value = 0.0;
@@ -164,7 +160,7 @@ TEST(NumericValueAdaptor, GivesWhatFollowsTheNumber) {
     EXPECT_EQ(Shown(adaptor, -1.5), "-001.500");
 }
 
-TEST(LatitudeLongitudeAdaptor, ShowsEveryNotationAndCarriesAtSixty) {
+TEST(LatitudeLongitudeAdaptor, ShowsNotationsAndCarriesAtSixty) {
     const double minute = 1.0 / 60.0;
     const double second = minute / 60.0;
     const std::tuple<EAngleNotation, double, std::string_view> rows[] = {
@@ -189,7 +185,7 @@ TEST(LatitudeLongitudeAdaptor, ShowsEveryNotationAndCarriesAtSixty) {
     EXPECT_EQ(Shown(longitude, -4.5), "-004°30.000");
 }
 
-TEST(LatitudeLongitudeAdaptor, ReadsTheUsualFormsAndRefusesTheRest) {
+TEST(LatitudeLongitudeAdaptor, ReadsTheUsualFormsOnly) {
     const CLatitudeLongitudeAdaptor latitude(true);
     const CLatitudeLongitudeAdaptor longitude(false);
     for (const char* text : {"48°30'N", "48 30", "+48.5", "48,5", "N48°30.000", " 48d 30m 0 n", "48°30'00\"N",
@@ -302,7 +298,7 @@ TEST(Adaptors, TakeAnyNumberAndAnySetting) {
             }
 }
 
-// What an adaptor has become behind an archive.
+// The adaptor after a store and a load.
 template <class Adaptor>
 Adaptor Archived(Adaptor adaptor) {
     using Outils_Objets::CArchive;

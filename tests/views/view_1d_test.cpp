@@ -14,8 +14,6 @@
 #include <QSvgRenderer>
 #include <QWheelEvent>
 
-#include <gtest/gtest.h>
-
 using namespace test;
 
 namespace {

@@ -1,8 +1,6 @@
 #include "foundation/thread.h"
 #include "packet_file_builder.h"
 #include "xpf/channel_walk.h"
-#include "xpf/stream_walk.h"
-#include "xpf/table_file.h"
 
 #include <array>
 #include <random>
@@ -14,8 +12,6 @@ constexpr std::uint16_t kImu = 0, kDepth = 8, kUtc = 13, kMount = 21;
 
 class Channel : public PacketFileTest {
   protected:
-    std::unique_ptr<CXpfFile> Open() const { return OpenXpfFile(m_path, EFileKind::tarin).file; }
-
     // Dense, sparse and late channels with sizes and rates that share no rhythm, and a pause in the middle.
     static CPacketFileBuilder MakeMixed(unsigned seed, int rounds) {
         auto builder = CPacketFileBuilder::ForChannels({"IMU", "DEPTH", "UTC", "PLATFORM_ORIENT", "LBL"});
@@ -36,10 +32,9 @@ class Channel : public PacketFileTest {
     }
 
     // One walk from the first packet on, against the packets as they were added.
-    static void ExpectWalk(CXpfChannel& channel, const std::vector<SPlacedPacket>& packets) {
+    void ExpectWalk(CXpfChannel& channel, const std::vector<SPlacedPacket>& packets) {
         Bytes buffer(1000);
         std::uint32_t size = 0;
-        SPacketHeader header;
         for (const SPlacedPacket& packet : packets) {
             ASSERT_TRUE(channel.ReadNextPacket(size, &header, buffer.data(), 1000));
             ASSERT_EQ(Bytes(buffer.begin(), buffer.begin() + size), packet.payload);
@@ -52,15 +47,22 @@ class Channel : public PacketFileTest {
     }
 };
 
-TEST_F(Channel, WalksEachChannelThroughTheOthers) {
+TEST_F(Channel, WalksAndSeeksThroughOtherChannels) {
     auto builder = MakeMixed(1, 5000);
-    Save(builder.bytes);
-    const auto file = Open();
+    const auto file = Open(builder.bytes);
     for (const auto& channel : file->GetChannels()) {
         SCOPED_TRACE(channel->GetName());
-        if (channel->GetName() != "LBL") ExpectWalk(*channel, builder.packets[channel->GetNumber()]);
+        const auto& packets = builder.packets[channel->GetNumber()];
+        if (channel->GetName() != "LBL") ExpectWalk(*channel, packets);
+        const CXpfFilePosition first = channel->GetFirst();
+        for (std::uint32_t number = 0; number < packets.size(); ++number) {
+            ASSERT_TRUE(channel->SeekPacketNumber(number)) << number;
+            ASSERT_EQ(channel->GetCurrent(), packets[number].position) << number;
+        }
+        EXPECT_FALSE(channel->SeekPacketNumber(static_cast<std::uint32_t>(packets.size())));
+        EXPECT_FALSE(channel->SeekPacketNumber(0xFFFFFFFF));
+        EXPECT_EQ(channel->GetFirst(), first);
     }
-    SPacketHeader header;
     CXpfChannel& empty = *file->FindChannelByName("LBL");
     empty.SetFirst(builder.dataStart);
     EXPECT_TRUE(empty.SeekFirstPacket(nullptr)) << "a position that is given is taken as it is";
@@ -71,39 +73,12 @@ TEST_F(Channel, WalksEachChannelThroughTheOthers) {
                  empty.SeekPacketNumber(1));
 }
 
-TEST_F(Channel, SeeksEveryNumberFromAnywhere) {
-    for (const unsigned seed : {3u, 4u}) {
-        auto builder = MakeMixed(seed, 4000);
-        Save(builder.bytes);
-        const auto file = Open();
-        std::mt19937 random(seed);
-        for (const auto& channel : file->GetChannels()) {
-            const std::vector<SPlacedPacket>& packets = builder.packets[channel->GetNumber()];
-            std::vector<std::uint32_t> numbers(packets.size());
-            for (std::uint32_t i = 0; i < numbers.size(); ++i) numbers[i] = i;
-            if (seed == 4) std::shuffle(numbers.begin(), numbers.end(), random);
-            for (const std::uint32_t number : numbers) {
-                SCOPED_TRACE(channel->GetName() + " " + std::to_string(number));
-                ASSERT_TRUE(channel->SeekPacketNumber(number));
-                ASSERT_EQ(channel->GetCurrent(), packets[number].position);
-                ASSERT_EQ(file->GetPosition(), packets[number].position);
-            }
-            const auto count = static_cast<std::uint32_t>(packets.size());
-            const CXpfFilePosition first = channel->GetFirst();
-            EXPECT_FALSE(channel->SeekPacketNumber(count));
-            EXPECT_FALSE(channel->SeekPacketNumber(0xFFFFFFFF));
-            EXPECT_EQ(channel->GetFirst(), first);
-        }
-    }
-}
-
 TEST_F(Channel, CutsThePayloadToTheBuffer) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU"});
     builder.Add(kImu, {});
     builder.Add(kImu, Bytes(40, 7));
     builder.Add(kImu, Bytes(200'000, 9));
-    Save(builder.bytes);
-    const auto file = Open();
+    const auto file = Open(builder.bytes);
     Bytes buffer(200'000, 1);
     std::uint32_t size = 0;
     for (const std::uint32_t expected : {0u, 10u, 200'000u}) {
@@ -118,28 +93,23 @@ TEST_F(Channel, CutsThePayloadToTheBuffer) {
     EXPECT_EQ(buffer, Bytes(200'000, 9));
 }
 
-TEST_F(Channel, FollowsAGrowingFileByteByByte) {
+TEST_F(Channel, FollowsAFileByteByByte) {
     auto builder = MakeMixed(5, 80);
     const auto start = static_cast<std::size_t>(builder.dataStart);
     Bytes before(builder.bytes.begin(), builder.bytes.begin() + builder.dataStart);
-    Save(before);
-    const auto file = Open();
+    const auto file = Open(before);
     CXpfChannel& imu = *file->FindChannelByNumber(kImu);
     const std::vector<SPlacedPacket>& packets = builder.packets[kImu];
     std::ofstream writer(m_path, std::ios::binary | std::ios::app);
     Bytes buffer(40);
     std::uint32_t size = 0;
-    SPacketHeader header;
-    std::span<const std::uint8_t> payload;
     CStreamWalk walk(*file);
-    CStreamWalk::Run run;
     std::size_t walked = 0;
     std::int64_t scanned = builder.dataStart;
     ASSERT_TRUE(file->Seek(scanned));
     for (std::size_t end = start + 1; end <= builder.bytes.size(); ++end) {
         writer.put(static_cast<char>(builder.bytes[end - 1])).flush();
-        // The walk and the scan take turns on one pointer, as the scan of a query never would: both must
-        // hold.
+        // The walk and the scan take turns on one pointer: both must hold.
         const bool expected =
             walked < packets.size() && end >= static_cast<std::size_t>(packets[walked].position) + 68;
         ASSERT_EQ(imu.ReadNextPacket(size, &header, buffer.data(), 40), expected) << end;
@@ -172,19 +142,15 @@ TEST_F(Channel, FollowsAGrowingFileByteByByte) {
     EXPECT_EQ(file->GetPosition(), scanned);
 }
 
-TEST_F(Channel, SeesWhatAWriterMakesOfADamagedPlace) {
+TEST_F(Channel, SeesADamagedPlaceMended) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU"});
     const auto position = builder.Add(kImu, Bytes(40, 7)).position;
     Bytes zeroed = builder.bytes;
     std::fill(zeroed.begin() + position, zeroed.end(), std::uint8_t{0});
-    Save(zeroed);
-    const auto file = Open();
-    SPacketHeader header;
-    std::span<const std::uint8_t> payload;
+    const auto file = Open(zeroed);
     std::uint32_t size = 0;
     file->Seek(position);
     CStreamWalk walk(*file);
-    CStreamWalk::Run run;
     EXPECT_EQ(CStreamWalk(*file).Next(header, payload), EPacketRead::damaged);
     EXPECT_EQ(walk.NextRun(run), EPacketRead::damaged);
     EXPECT_FALSE(file->GetChannels()[0]->ReadNextPacket(size, nullptr, nullptr, 0)) << "a size of 0";
@@ -195,15 +161,13 @@ TEST_F(Channel, SeesWhatAWriterMakesOfADamagedPlace) {
     EXPECT_EQ(payload.size(), 40u);
 }
 
-TEST_F(Channel, FindsTheLastPacketOfAGrowingFile) {
+TEST_F(Channel, FindsTheLastPacketAfterChanges) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
     builder.Add(kUtc, Bytes(31, 1));
     for (int i = 0; i < 5; ++i) builder.Add(kImu, Bytes(40, 7));
-    Save(builder.bytes);
-    const auto file = Open();
+    const auto file = Open(builder.bytes);
     CXpfChannel& imu = *file->FindChannelByNumber(kImu);
     CXpfChannel& utc = *file->FindChannelByNumber(kUtc);
-    SPacketHeader header;
     ASSERT_TRUE(utc.SeekLastPacket(&header));
     EXPECT_EQ(utc.GetCurrent(), builder.dataStart);
     ASSERT_TRUE(imu.SeekLastPacket(&header));
@@ -219,10 +183,16 @@ TEST_F(Channel, FindsTheLastPacketOfAGrowingFile) {
     EXPECT_EQ(imu.GetCurrent(), builder.packets[kImu][5].position);
 
     // A last packet of which only a part is there: the one before it.
+    EXPECT_TRUE(file->IsAt(m_path));
     std::filesystem::resize_file(m_path, builder.bytes.size() - 30);
-    const auto again = Open();
-    ASSERT_TRUE(again->FindChannelByNumber(kImu)->SeekLastPacket(&header));
+    ASSERT_TRUE(Open()->FindChannelByNumber(kImu)->SeekLastPacket(&header));
     EXPECT_EQ(header.number, 6u);
+    std::filesystem::resize_file(m_path, static_cast<std::uintmax_t>(builder.packets[kImu][3].position));
+    EXPECT_FALSE(file->IsAt(m_path));
+    EXPECT_FALSE(imu.SeekLastPacket(&header)) << "the remembered packet is no longer in the file";
+    imu.SetLast(0);
+    ASSERT_TRUE(imu.SeekLastPacket(&header));
+    EXPECT_EQ(header.number, 2u);
     imu.SetLast(1 << 20);
     EXPECT_FALSE(imu.SeekLastPacket(&header)) << "a given position is tested";
     imu.SetLast(builder.dataStart + 1);
@@ -230,7 +200,7 @@ TEST_F(Channel, FindsTheLastPacketOfAGrowingFile) {
 }
 
 // A writer sets the link to a packet after the packet itself: the walk goes on without it.
-TEST_F(Channel, WalksOnOverALinkThatIsNotSetYet) {
+TEST_F(Channel, WalksOverMissingLinks) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
     for (int i = 0; i < 6; ++i) {
         builder.Add(kImu, Bytes(40, 7));
@@ -241,8 +211,7 @@ TEST_F(Channel, WalksOnOverALinkThatIsNotSetYet) {
         std::memcpy(&builder.bytes[static_cast<std::size_t>(packet.position)], &packet.header,
                     sizeof packet.header);
     }
-    Save(builder.bytes);
-    const auto file = Open();
+    const auto file = Open(builder.bytes);
     CXpfChannel& imu = *file->FindChannelByNumber(kImu);
     ExpectWalk(imu, builder.packets[kImu]);
     ASSERT_TRUE(imu.SeekFirstPacket(nullptr));
@@ -251,41 +220,20 @@ TEST_F(Channel, WalksOnOverALinkThatIsNotSetYet) {
     while (const std::size_t size = walk.Next([] {}).size()) count += size;
     EXPECT_EQ(count, 6u);
     imu.SetLast(0);
-    SPacketHeader header;
     ASSERT_TRUE(imu.SeekLastPacket(&header));
     EXPECT_EQ(header.number, 5u);
 }
 
-TEST_F(Channel, CutFileIsNotReadFromTheBlock) {
-    auto builder = CPacketFileBuilder::ForChannels({"IMU"});
-    for (int i = 0; i < 5; ++i) builder.Add(kImu, Bytes(40, 7));
-    Save(builder.bytes);
-    const auto file = Open();
-    CXpfChannel& imu = *file->FindChannelByNumber(kImu);
-    SPacketHeader header;
-    ASSERT_TRUE(imu.SeekLastPacket(&header));
-    EXPECT_TRUE(file->IsAt(m_path));
-    std::filesystem::resize_file(m_path, static_cast<std::uintmax_t>(builder.packets[kImu][3].position));
-    EXPECT_FALSE(file->IsAt(m_path));
-    EXPECT_FALSE(imu.SeekLastPacket(&header)) << "the remembered packet is no longer in the file";
-    imu.SetLast(0);
-    ASSERT_TRUE(imu.SeekLastPacket(&header));
-    EXPECT_EQ(header.number, 2u);
-}
-
-// Searches that would go through the whole file end when their reader has lost interest, and no result is
-// mistaken for one.
+// Interrupted searches end at once and find nothing.
 TEST_F(Channel, ReadsNothingWhileInterrupted) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
     for (int i = 0; i < 5; ++i) builder.Add(kImu, Bytes(40, 7));
     builder.bytes.resize(builder.bytes.size() + 5'000'000);
-    Save(builder.bytes);
-    const auto file = Open();
+    const auto file = Open(builder.bytes);
     CXpfChannel& imu = *file->FindChannelByNumber(kImu);
     Outils::CEvent interrupt;
     file->SetInterrupt(&interrupt);
     interrupt.Set();
-    SPacketHeader header;
     EXPECT_FALSE(imu.SeekLastPacket(&header));
     EXPECT_FALSE(file->Seek(file->GetFileSize()) && file->SearchPacketBackward(header));
     EXPECT_FALSE(file->FindChannelByNumber(kUtc)->SeekFirstPacket(&header));

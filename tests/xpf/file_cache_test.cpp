@@ -6,7 +6,7 @@ using namespace Application_Tarvel;
 
 namespace {
 
-TEST(FileCache, PositionsBelongToOneChannelOfOneFile) {
+TEST(FileCache, PositionsBelongToOneChannel) {
     CXpfFileCache cache;
     CXpfFilePosition position;
     EXPECT_FALSE(cache.GetFirstPosition("/a", 1, position));
@@ -54,7 +54,7 @@ TEST(FileCache, SamplesBracketADate) {
     EXPECT_EQ(find(20, samples), 77u);
 }
 
-TEST(FileCache, SamplesStayWithinTheirNumberAndKeepWhatWasHit) {
+TEST(FileCache, SamplesAreBoundedAndKeepHits) {
     CXpfFileCache cache;
     std::uint32_t exact = 0;
     SDateSamples samples;

@@ -1,8 +1,11 @@
 // Packet files made byte by byte, for the tests of their reader.
 #pragma once
 
+#include "support/temporary_folder.h"
 #include "xpf/layout.h"
 #include "xpf/records.h"
+#include "xpf/stream_walk.h"
+#include "xpf/table_file.h"
 
 #include <cstring>
 #include <filesystem>
@@ -11,7 +14,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <unistd.h>
 #include <vector>
 
 namespace Persistance_Xpf {
@@ -119,10 +121,6 @@ class CPacketFileBuilder {
 // A file of its own for each test, removed at its end.
 class PacketFileTest : public testing::Test {
   protected:
-    PacketFileTest()
-        : m_path(std::filesystem::path(testing::TempDir()) / ("xpf" + std::to_string(getpid()))) {}
-    ~PacketFileTest() override { std::filesystem::remove(m_path); }
-
     void Save(const Bytes& bytes) const {
         std::ofstream(m_path, std::ios::binary | std::ios::trunc)
             .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
@@ -132,7 +130,17 @@ class PacketFileTest : public testing::Test {
         stream.seekp(offset).write(static_cast<const char*>(data), static_cast<std::streamsize>(size));
     }
 
-    std::filesystem::path m_path;
+    std::unique_ptr<CXpfFile> Open() const { return OpenXpfFile(m_path, EFileKind::tarin).file; }
+    std::unique_ptr<CXpfFile> Open(const Bytes& bytes) const {
+        Save(bytes);
+        return Open();
+    }
+
+    test::CTemporaryFolder m_folder;
+    std::filesystem::path m_path = m_folder / "xpf";
+    SPacketHeader header; // of the packet read last, as the rest
+    std::span<const std::uint8_t> payload;
+    CStreamWalk::Run run;
 };
 
 } // namespace Persistance_Xpf

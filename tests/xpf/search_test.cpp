@@ -1,7 +1,5 @@
 // Searches in damaged streams, files above 4 GB, and bytes that mean harm.
 #include "packet_file_builder.h"
-#include "xpf/stream_walk.h"
-#include "xpf/table_file.h"
 
 #include <gmock/gmock.h>
 #include <random>
@@ -13,10 +11,10 @@ constexpr std::uint16_t kImu = 0, kUtc = 13;
 
 class Search : public PacketFileTest {
   protected:
-    std::unique_ptr<CXpfFile> Open() const { return OpenXpfFile(m_path, EFileKind::tarin).file; }
+    void UseEverything(CXpfFile& file, std::mt19937& random);
 };
 
-TEST_F(Search, FindsTheNearestPacketFromEveryByte) {
+TEST_F(Search, FindsNearestPacketFromEveryByte) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU"});
     for (int i = 0; i < 12; ++i) builder.Add(kImu, Bytes(static_cast<std::size_t>(i) * 23, '.'));
     builder.bytes.insert(builder.bytes.end(), 300, '?');
@@ -25,10 +23,8 @@ TEST_F(Search, FindsTheNearestPacketFromEveryByte) {
     Bytes large(70'000, '.');
     for (std::size_t i = 0; i < large.size(); i += 6'000 - i / 12) large[i] = '$';
     for (int i = 0; i < 2; ++i) builder.Add(kImu, large);
-    Save(builder.bytes);
-    const auto file = Open();
+    const auto file = Open(builder.bytes);
     const std::vector<SPlacedPacket>& packets = builder.packets[kImu];
-    SPacketHeader header;
     for (std::int64_t at = 0; at <= static_cast<std::int64_t>(builder.bytes.size());
          at += at < everyByte ? 1 : 101) {
         const SPlacedPacket *before = nullptr, *after = nullptr;
@@ -52,7 +48,7 @@ TEST_F(Search, FindsTheNearestPacketFromEveryByte) {
     EXPECT_FALSE(file->Seek(std::int64_t{1} << 60) && file->SearchPacketForward(header));
 }
 
-TEST_F(Search, ForwardSearchLagsAChunkBehindARejectedCandidate) {
+TEST_F(Search, ForwardSearchLagsAfterRejectedCandidates) {
     // False magic at `lure` bytes from the pointer, the packet at `packet` bytes.
     struct {
         std::size_t lure, packet;
@@ -65,9 +61,7 @@ TEST_F(Search, ForwardSearchLagsAChunkBehindARejectedCandidate) {
         const auto lure = builder.bytes.begin() + builder.dataStart + static_cast<std::ptrdiff_t>(row.lure);
         lure[0] = lure[1] = '$';
         builder.Add(kImu, Bytes(2000, '.'));
-        Save(builder.bytes);
-        const auto file = Open();
-        SPacketHeader header;
+        const auto file = Open(builder.bytes);
         ASSERT_TRUE(file->Seek(builder.dataStart));
         EXPECT_EQ(file->SearchPacketForward(header), row.found) << row.lure << " " << row.packet;
         ASSERT_TRUE(file->Seek(static_cast<std::int64_t>(builder.bytes.size())));
@@ -75,18 +69,16 @@ TEST_F(Search, ForwardSearchLagsAChunkBehindARejectedCandidate) {
     }
 }
 
-TEST_F(Search, BackwardSearchTakesARunOfDollarsByteByByte) {
-    for (std::size_t run = 0; run < 140; ++run) {
+TEST_F(Search, BackwardSearchPassesRunsOfDollars) {
+    for (std::size_t count = 0; count < 140; ++count) {
         auto builder = CPacketFileBuilder::ForChannels({"IMU"});
-        builder.bytes.resize(builder.bytes.size() + run, '$');
+        builder.bytes.resize(builder.bytes.size() + count, '$');
         const auto position = builder.Add(kImu, {}).position;
-        builder.bytes.resize(builder.bytes.size() + run, '.');
-        Save(builder.bytes);
-        const auto file = Open();
-        SPacketHeader header;
+        builder.bytes.resize(builder.bytes.size() + count, '.');
+        const auto file = Open(builder.bytes);
         ASSERT_TRUE(file->Seek(static_cast<std::int64_t>(builder.bytes.size())));
-        ASSERT_TRUE(file->SearchPacketBackward(header)) << run;
-        EXPECT_EQ(file->GetPosition(), position) << run;
+        ASSERT_TRUE(file->SearchPacketBackward(header)) << count;
+        EXPECT_EQ(file->GetPosition(), position) << count;
     }
 }
 
@@ -98,9 +90,9 @@ TEST_F(Search, ReachesBeyondFourGigabytes) {
     std::vector<std::int64_t> positions;
     const auto write = [&](std::uint16_t channel, std::uint32_t size, std::uint32_t number,
                            std::uint32_t back, std::uint32_t forward) {
-        const SPacketHeader header{{'$', '$'}, channel, size, number, back, forward};
+        const SPacketHeader head{{'$', '$'}, channel, size, number, back, forward};
         const SPacketTrailer trailer{{'!', '!'}, channel, size};
-        WriteAt(end, &header, sizeof header);
+        WriteAt(end, &head, sizeof head);
         WriteAt(end + size - kPacketTrailerSize, &trailer, sizeof trailer);
         if (channel == kImu) positions.push_back(end);
         end += size;
@@ -118,13 +110,11 @@ TEST_F(Search, ReachesBeyondFourGigabytes) {
         ASSERT_TRUE(imu.SeekPacketNumber(i)) << i;
         EXPECT_EQ(imu.GetCurrent(), positions[i]);
     }
-    SPacketHeader header;
     ASSERT_TRUE(imu.SeekLastPacket(&header));
     EXPECT_EQ(imu.GetCurrent(), positions.back());
     ASSERT_TRUE(file->FindChannelByNumber(kUtc)->SeekLastPacket(&header));
     EXPECT_EQ(file->GetPosition(), positions[2] - kHuge);
 
-    std::span<const std::uint8_t> payload;
     std::uint32_t count = 0;
     ASSERT_TRUE(file->Seek(builder.dataStart));
     for (; CStreamWalk(*file).Next(header, payload) == EPacketRead::whole; ++count)
@@ -134,17 +124,13 @@ TEST_F(Search, ReachesBeyondFourGigabytes) {
 }
 
 // A size that the file does not hold must cost neither memory nor the walk.
-TEST_F(Search, TakesAGiantSizeInASmallFileForTorn) {
+TEST_F(Search, GiantSizesAreTorn) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU"});
     for (const std::uint32_t size : {100u, 50'000'000u, 4'000'000'000u, 0xFFFFFFFFu}) {
         Bytes bytes = builder.bytes;
         Append(bytes, SPacketHeader{{'$', '$'}, kImu, size, 0, 0, 0});
-        Save(bytes);
-        const auto file = Open();
-        SPacketHeader header;
-        std::span<const std::uint8_t> payload;
+        const auto file = Open(bytes);
         file->Seek(builder.dataStart);
-        CStreamWalk::Run run;
         EXPECT_EQ(CStreamWalk(*file).NextRun(run), EPacketRead::torn) << size;
         EXPECT_EQ(CStreamWalk(*file).Next(header, payload), EPacketRead::torn) << size;
         EXPECT_EQ(file->GetPosition(), builder.dataStart);
@@ -154,8 +140,7 @@ TEST_F(Search, TakesAGiantSizeInASmallFileForTorn) {
     }
 }
 
-// However much of the last packet is there, and whether the file ends behind it or goes on with zeros, the
-// packet before it is the last one.
+// However much of the last packet is there, with or without zeros after it.
 TEST_F(Search, TornTailHidesNoPacket) {
     auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
     const auto utc = builder.Add(kUtc, Bytes(31, 1)).position;
@@ -168,9 +153,7 @@ TEST_F(Search, TornTailHidesNoPacket) {
             Bytes bytes = builder.bytes;
             bytes.resize(size);
             bytes.resize(size + zeros, 0);
-            Save(bytes);
-            const auto file = Open();
-            SPacketHeader header;
+            const auto file = Open(bytes);
             // The size ends the trailer, so that zeros after its first byte complete it.
             const bool whole = size + std::min<std::size_t>(zeros, 3) >= builder.bytes.size();
             ASSERT_TRUE(file->FindChannelByNumber(kImu)->SeekLastPacket(&header));
@@ -193,26 +176,23 @@ TEST_F(Search, TornTailHidesNoPacket) {
         Bytes bytes = builder.bytes;
         bytes[damaged] = '?';
         bytes.resize(bytes.size() + 100, 0);
-        Save(bytes);
-        EXPECT_FALSE(Open()->IsTornTail(packets[2].position)) << damaged - last;
+        EXPECT_FALSE(Open(bytes)->IsTornTail(packets[2].position)) << damaged - last;
     }
 }
 
-// What a search keeps for the next one must not show: numbers in any order, in channels whose packets lie
-// near and far by turns, and in a file that is written anew under its reader.
-TEST_F(Search, FindsNumbersWhateverWasSoughtBefore) {
+// Numbers in any order, packets near and far by turns, and a file rewritten under its reader.
+TEST_F(Search, EarlierSearchesDoNotShow) {
     std::mt19937 random(7);
-    const auto build = [&random](std::uint32_t run) {
+    const auto build = [&random](std::uint32_t stretch) {
         auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
         for (std::uint32_t i = 0; i < 6000; ++i) {
             builder.Add(kImu, Bytes(40 + random() % 40, '$'));
-            if (i / run % 2 && random() % 3 == 0) builder.Add(kUtc, Bytes(31, '.'));
+            if (i / stretch % 2 && random() % 3 == 0) builder.Add(kUtc, Bytes(31, '.'));
         }
         return builder;
     };
     auto builder = build(1500);
-    Save(builder.bytes);
-    const auto file = Open();
+    const auto file = Open(builder.bytes);
     for (int round = 0; round < 2; ++round) {
         for (const std::uint16_t number : {kImu, kUtc}) {
             CXpfChannel& channel = *file->FindChannelByNumber(number);
@@ -226,7 +206,7 @@ TEST_F(Search, FindsNumbersWhateverWasSoughtBefore) {
                 channel.ExpectNumbers(std::min(low, high), std::max(low, high));
                 ASSERT_TRUE(channel.SeekPacketNumber(target)) << target;
                 ASSERT_EQ(channel.GetCurrent(), packets[target].position) << target;
-                SPacketHeader header;
+                ASSERT_EQ(file->GetPosition(), packets[target].position);
                 std::uint8_t buffer[80];
                 std::uint32_t size = 0;
                 if (i % 3 == 0) {
@@ -249,7 +229,7 @@ TEST_F(Search, FindsNumbersWhateverWasSoughtBefore) {
 }
 
 // A place is remembered by its number and tested before use: after a rewrite another packet lies there.
-TEST_F(Search, RememberedPlaceOfAnotherPacketIsNotTaken) {
+TEST_F(Search, RememberedPlacesAreTested) {
     constexpr std::uint32_t kCount = 9, kSought = 4;
     const auto build = [](int extra, std::uint16_t swapped) {
         auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
@@ -265,12 +245,10 @@ TEST_F(Search, RememberedPlaceOfAnotherPacketIsNotTaken) {
     };
     auto before = build(0, kImu);
     for (auto after : {build(1, kImu), build(0, kUtc)}) {
-        Save(before.bytes);
-        const auto file = Open();
+        const auto file = Open(before.bytes);
         CXpfChannel& imu = *file->FindChannelByNumber(kImu);
         ASSERT_TRUE(imu.SeekPacketNumber(kSought));
         Save(after.bytes);
-        SPacketHeader header;
         imu.SetLast(0);
         ASSERT_TRUE(imu.SeekFirstPacket(nullptr) && imu.SeekLastPacket(&header));
         ASSERT_TRUE(imu.SeekPacketNumber(kSought));
@@ -279,9 +257,7 @@ TEST_F(Search, RememberedPlaceOfAnotherPacketIsNotTaken) {
 }
 
 // Everything that a reader can do with a file, whatever is in it.
-void UseEverything(CXpfFile& file, std::mt19937& random) {
-    SPacketHeader header;
-    std::span<const std::uint8_t> payload;
+void Search::UseEverything(CXpfFile& file, std::mt19937& random) {
     std::uint64_t sum = 0;
     const std::int64_t size = file.GetFileSize();
     for (file.Seek(file.GetDataStart().Get()); CStreamWalk(file).Next(header, payload) == EPacketRead::whole;)
@@ -330,8 +306,7 @@ TEST_F(Search, SurvivesDamagedBytes) {
         if (random() % 4 == 0)
             bytes.insert(bytes.begin() + static_cast<std::ptrdiff_t>(random() % bytes.size()), random() % 300,
                          values[random() % std::size(values)]);
-        Save(bytes);
-        const auto file = Open();
+        const auto file = Open(bytes);
         if (!file) continue;
         ++opened;
         SCOPED_TRACE(round);

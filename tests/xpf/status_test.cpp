@@ -13,7 +13,7 @@ std::uint32_t Value(const CXpfPacket& packet, std::uint32_t index) {
     return packet.GetStatusValue(index, value) ? value : kNone;
 }
 
-TEST(Status, CountsFieldsPerTypeAndFileKind) {
+TEST(Status, CountsFieldsPerType) {
     const CXpfTarinFileV3 input;
     const CXpfTaroutFileV2 output;
     constexpr std::uint32_t expected[] = {0, 1, 1, 3, 1, 3, 1, 1, 1, 1, 62, 0, 0, 0, 0, 0, 0};
@@ -23,7 +23,7 @@ TEST(Status, CountsFieldsPerTypeAndFileKind) {
         EXPECT_EQ(input.GetStatusFieldCount(type), expected[type]) << type;
         EXPECT_EQ(output.GetStatusFieldCount(type), type == typeMorvexStd ? 62u : 0u) << type;
         EXPECT_FALSE(input.GetStatusField(type, expected[type], name, description, literals));
-        // Every literal that a field counts has a name, and there is none behind them.
+        // Every literal that a field counts has a name, and there are no more.
         for (std::uint32_t index = 0; index < expected[type]; ++index) {
             ASSERT_TRUE(input.GetStatusField(type, index, name, description, literals));
             EXPECT_FALSE(name.empty() || description.empty());
@@ -55,8 +55,6 @@ TEST(Status, NamesAndDescribesFieldsAndLiterals) {
         {typeNelixNav, 31, "Acc or rotation speed dynamic exceeded",
          "Acceleration or rotation speed dynamic exceeded", 2, "Yes", "Value is set to Yes"},
         {typeNelixNav, 36, "Gps2 on", "Gps2 on", 2, "On", "Value is set to On"},
-        {typeNelixNav, 37, "Gps2 data valid", "Gps2 data valid", 2, "Yes", "Value is set to Yes"},
-        {typeNelixNav, 38, "Waiting for Gps2 data", "Waiting for Gps2 data", 2, "Yes", "Value is set to Yes"},
         {typeNelixNav, 39, "Gps2 data rejected", "Gps2 data rejected", 2, "Yes", "Value is set to Yes"},
         {typeNelixNav, 61, "Gps3 data rejected", "Gps3 data rejected", 2, "Yes", "Value is set to Yes"},
     };
@@ -73,7 +71,7 @@ TEST(Status, NamesAndDescribesFieldsAndLiterals) {
     }
 }
 
-TEST(Status, ReadsRejectionsAndModesFromTheirBytes) {
+TEST(Status, ReadsRejectionsAndModes) {
     struct {
         std::uint8_t byte;
         std::uint32_t rejection, gpsMode, usblMode;
@@ -96,7 +94,7 @@ TEST(Status, ReadsRejectionsAndModesFromTheirBytes) {
 }
 
 // Which status fields answer for one bit of a word, by their indexes; bits without one are absent.
-TEST(Status, EveryAlgorithmBitMovesItsOwnField) {
+TEST(Status, EveryBitMovesItsOwnField) {
     CXpfTarinNelixNavPacketV2 navigation;
     CXpfTaroutMorvexStdPacketV2 result;
     for (std::uint32_t word = 0; word < 2; ++word) {
@@ -120,7 +118,7 @@ TEST(Status, EveryAlgorithmBitMovesItsOwnField) {
     }
 }
 
-TEST(Status, AltitudeModeIsOneOfFourBits) {
+TEST(Status, AltitudeModeNeedsOneBit) {
     CXpfTarinNelixNavPacketV2 packet;
     constexpr std::uint32_t expected[16] = {kNone, 0,     1,     kNone, 2,     kNone, kNone, kNone,
                                             3,     kNone, kNone, kNone, kNone, kNone, kNone, kNone};
