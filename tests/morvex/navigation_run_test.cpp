@@ -206,7 +206,7 @@ INSTANTIATE_TEST_SUITE_P(
         SSensorCase{
             Simulation::EVehicle::car, {"IMU", "GPS_1", "ODOMETER"}, {ESensorKind::odometer}, false, 5.0},
         // Without a sensor: a land vehicle keeps to its wheels, and the run sees when they do not roll ahead.
-        SSensorCase{Simulation::EVehicle::car, {"IMU", "GPS_1"}, {}, false, 2.0, kLandEquipment},
+        SSensorCase{Simulation::EVehicle::car, {"IMU", "GPS_1"}, {}, false, 0.6, kLandEquipment},
         SSensorCase{
             Simulation::EVehicle::car, {"IMU", "GPS_1"}, {}, false, 20.0, kLandEquipment, kForwardIsPort}));
 
