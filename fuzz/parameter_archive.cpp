@@ -1,7 +1,7 @@
 // A parameter file as the engine gets it: loaded, edited, stored and loaded again.
 #include "archive_round.h"
 
-#include "model/rules/rule.h"
+#include "model/rules/rule_report.h"
 #include "model/simulation_parameters.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

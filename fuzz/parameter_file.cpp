@@ -2,7 +2,7 @@
 #include "exchange/parameter_file.h"
 
 #include "archive_round.h"
-#include "model/rules/rule.h"
+#include "model/rules/rule_report.h"
 
 #include <memory>
 

@@ -2,7 +2,7 @@
 #include "archive_round.h"
 
 #include "model/project.h"
-#include "model/rules/rule.h"
+#include "model/rules/rule_report.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const auto project = Fuzz::LoadRaised<Metier_Tarvel::CTrvProject>({data, size});

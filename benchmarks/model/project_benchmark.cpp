@@ -3,7 +3,7 @@
 #include "foundation/archive.h"
 #include "model/project.h"
 #include "model/registration.h"
-#include "model/rules/rule.h"
+#include "model/rules/rule_report.h"
 
 #include <benchmark/benchmark.h>
 

@@ -27,10 +27,9 @@ EText CTargetFile::Open(const fs::path& target, std::span<const fs::path> source
 
     const fs::path folder = m_target.parent_path();
     m_file = CDescriptor(open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666));
-    if (m_file.IsOpen()) {
-        m_path = "/proc/self/fd/" + std::to_string(m_file.Get());
-        return EText::none;
-    }
+    m_path = "/proc/self/fd/" + std::to_string(m_file.Get());
+    // Without this path the file could neither be written nor given its name.
+    if (m_file.IsOpen() && access(m_path.c_str(), W_OK) == 0) return EText::none;
     m_path = NameBeside(m_target);
     m_file = CDescriptor(open(m_path.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0666));
     m_named = m_file.IsOpen();

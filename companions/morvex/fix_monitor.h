@@ -1,4 +1,4 @@
-// What became of the fixes of a run: the status words of the result, and what is to be told at the end.
+// What became of the fixes of a run: the status words of the result, and what the end of the run reports.
 #pragma once
 
 #include "morvex/aiding.h"

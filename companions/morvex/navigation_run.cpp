@@ -22,7 +22,7 @@ using Outils_Texte::FormatFixed;
 constexpr double kLongestGap = 60.0; // s of missing inertial data that are bridged
 constexpr double kGapWithoutResult = 1.0;
 constexpr double kReadAhead = 30.0; // s, between two looks at the alignment
-constexpr double kGpsGap = 10.0;    // s, from which a gap is told
+constexpr double kGpsGap = 10.0;    // s, from which a gap is reported
 constexpr int kMostGapsTold = 50;
 constexpr double kHeightUnaided = 120.0; // s, after which the height is held
 constexpr double kHeightHoldSpan = 10.0;

@@ -35,7 +35,7 @@ class CNavigationRun {
     // Both must outlive the run.
     CNavigationRun(const SRunPlan& plan, IRunMonitor& monitor);
 
-    // Everything. What went wrong has been told to the monitor.
+    // Everything. What went wrong has gone to the monitor.
     ERunEnd Execute();
 
   private:

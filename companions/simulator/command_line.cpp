@@ -314,9 +314,10 @@ bool SetOption(std::span<const std::string> words, std::size_t& i, SCommandLine&
 
 void AddOption(std::string& usage, std::string_view name, std::string_view value, std::string_view help,
                const std::string& shownDefault = {}) {
-    std::string left = "  " + std::string(name) + ' ' + std::string(value);
+    std::string left = "  ";
+    ((left += name) += ' ') += value;
     left.resize(std::max<std::size_t>(left.size() + 2, 30), ' ');
-    usage += left + std::string(help);
+    (usage += left) += help;
     if (!shownDefault.empty()) usage += FormatText(EText::simDefault, {shownDefault});
     usage += '\n';
 }

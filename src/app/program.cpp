@@ -16,6 +16,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <optional>
 
 namespace Application_Tarvel {
 
@@ -50,13 +51,21 @@ std::filesystem::path GetUserFolder() {
     return folder.isEmpty() ? std::filesystem::path() : ToPath(folder) / kSettingsName;
 }
 
-void StoreSettings(const CTrvApp& application) {
+// How a session has ended; from outside there is nobody to ask.
+struct SSessionEnd {
+    int code = 0;
+    bool fromOutside = false;
+};
+
+void StoreSettings(const CTrvApp& application, bool canAsk) {
     if (application.ExitInstance()) return;
-    CWindowDialogs().ShowMessage(
-        nullptr,
+    const std::string text =
         FormatText(EText::settingsNotSaved, {Outils_Fichiers::ToText(application.GetSettingsPath()),
-                                             Outils_Fichiers::ToText(application.GetUserSettingsPath())}),
-        EButtons::ok, EIcon::exclamation);
+                                             Outils_Fichiers::ToText(application.GetUserSettingsPath())});
+    if (canAsk)
+        CWindowDialogs().ShowMessage(nullptr, text, EButtons::ok, EIcon::exclamation);
+    else
+        std::cerr << text << std::endl;
 }
 
 int RunSnapshot(CTrvApp& application, Outils::IMessageTarget& target, const SCommandLine& line) {
@@ -71,21 +80,27 @@ int RunSnapshot(CTrvApp& application, Outils::IMessageTarget& target, const SCom
     return 1;
 }
 
-int RunSession(CTrvApp& application, Outils::IMessageTarget& target, const SCommandLine& line,
-               CEndSignals& endSignals) {
+// Lets the signals end the program again once there is no frame any more.
+SSessionEnd RunSession(CTrvApp& application, Outils::IMessageTarget& target, const SCommandLine& line,
+                       std::optional<CEndSignals>& endSignals) {
+    SSessionEnd end;
     auto* splash = new CSplashWnd; // Deletes itself.
     splash->show();
     QSettings settings(QSettings::IniFormat, QSettings::UserScope, kSettingsName, kSettingsName);
     CWindowDialogs dialogs;
     CTrvProjectMainFrame frame(application, target, dialogs, settings);
-    endSignals.Listen([&frame] {
+    endSignals->Listen([&frame, &end] {
+        end.fromOutside = true;
         frame.GetDocument().EndNow();
         QApplication::exit();
     });
     const auto mode = application.GetConfiguration().Get(Cnf<"general/startMode">);
     Start(frame, ChooseStart(line.project, mode, frame.GetRecentFiles().GetFirst()),
           [&] { splash->CloseFor(frame); });
-    return QApplication::exec();
+    // A signal may have closed a box of the start: the loop would not know of it.
+    if (!end.fromOutside) end.code = QApplication::exec();
+    endSignals.reset();
+    return end;
 }
 
 int Answer(const SCommandLine& line) {
@@ -112,7 +127,8 @@ int RunProgram(int argc, char* argv[]) {
         }
         qputenv("QT_QPA_PLATFORM", "offscreen"); // a picture needs no screen
     }
-    CEndSignals endSignals;
+    std::optional<CEndSignals> endSignals;
+    if (line.request == ERequest::run) endSignals.emplace(); // the work on a picture may end at any place
     int noArguments = std::min(argc, 1); // the words are read: none is the window system's
     QApplication qt(noArguments, argv);
     QApplication::setApplicationVersion(ToQString(GetVersionInfo().productVersion));
@@ -120,9 +136,9 @@ int RunProgram(int argc, char* argv[]) {
     CTrvApp application(ToPath(QApplication::applicationFilePath()), GetUserFolder());
     application.InitInstance();
     if (line.request == ERequest::snapshot) return RunSnapshot(application, target, line);
-    const int code = RunSession(application, target, line, endSignals);
-    StoreSettings(application);
-    return code;
+    const SSessionEnd end = RunSession(application, target, line, endSignals);
+    StoreSettings(application, !end.fromOutside);
+    return end.code;
 }
 
 } // namespace Application_Tarvel

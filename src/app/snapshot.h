@@ -10,7 +10,7 @@ namespace Application_Tarvel {
 class CTrvProjectMainFrame;
 struct SCommandLine;
 
-// Takes questions for refused and keeps what was told.
+// Takes questions for refused and keeps what was reported.
 class CSilentDialogs final : public IDialogs {
   public:
     // One line for each message; empty when there was none.

@@ -99,7 +99,10 @@ int AnalyseCommand(const COptions& options, SStreams streams) {
     if (!open.file) return exitFailure;
     const auto resultOrigin = FindUtcOriginOf(open, FromText(path));
     CFileScan scan(*open.file, open.kind, FromText(path));
-    scan.Run([&](int percent) { streams.error << "progress " << percent << std::endl; });
+    scan.Run([&](int percent) {
+        streams.error << Outils_Texte::FormatText(EText::progressLine, {std::to_string(percent)})
+                      << std::endl;
+    });
     const SFirstData first = scan.GetFirstData();
     const auto origin = first.hasUtc ? first.utcOrigin : resultOrigin;
 

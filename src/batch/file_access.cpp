@@ -45,7 +45,7 @@ bool CheckFolder(const std::filesystem::path& path, const std::string& shown, SS
     const std::filesystem::path folder = path.parent_path();
     std::error_code error;
     const bool exists = std::filesystem::is_directory(folder, error);
-    if (exists && ::faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0) return true;
+    if (exists && Outils_Fichiers::CanWriteInto(folder)) return true;
     Fail(shown, exists ? EText::folderNotWritable : EText::noFolder, streams, {ToText(folder)});
     return false;
 }

@@ -7,7 +7,7 @@
 #include "exchange/parameter_file.h"
 #include "foundation/paths.h"
 #include "model/properties/classes.h"
-#include "model/rules/rule.h"
+#include "model/rules/rule_report.h"
 
 #include <ostream>
 

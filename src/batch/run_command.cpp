@@ -4,7 +4,9 @@
 #include "batch/run_report.h"
 #include "batch/session.h"
 
+#include <chrono>
 #include <csignal>
+#include <optional>
 
 namespace Batch {
 
@@ -51,10 +53,15 @@ int RunCommand(const COptions& options, SStreams streams) {
                                                       ? parameters.utcReference
                                                       : Outils_Temps::CDateTime::Invalid());
     if (!document.StartSimulation()) return exitFailure;
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::seconds kPatience(6); // a second request this late ends an engine that is frozen
+    std::optional<Clock::time_point> nextRequest;
     while (document.IsSimulationRunning()) {
         host.GetQueue().RunOne(std::chrono::milliseconds(50));
-        // A second signal more than five seconds after the first ends an engine that does not answer.
-        if (signals.Take()) document.StopSimulation();
+        // Who sends one signal may send no other: a closed terminal or output does not.
+        if (!signals.Take() && !(nextRequest && Clock::now() > *nextRequest)) continue;
+        document.StopSimulation();
+        nextRequest = Clock::now() + kPatience;
     }
     host.GetQueue().RunPending();
     // An engine that was stopped or has died leaves a result that ends early: no success for a script.

@@ -14,7 +14,7 @@ namespace {
 
 constexpr char kSeparator = ';';
 
-bool IsControl(char16_t c) { return c < 0x20 || c == 0x7F; }
+bool IsControl(char16_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
 
 // Bytes that are no UTF-8 come from old programs, which wrote in the code page of their time.
 std::u16string Decode(std::string_view text) {

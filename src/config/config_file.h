@@ -2,7 +2,7 @@
 #pragma once
 
 #include "config/schema.h"
-#include "config/xml_config.h"
+#include "config/xml_config_file.h"
 
 #include <type_traits>
 #include <vector>

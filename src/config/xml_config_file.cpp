@@ -1,4 +1,5 @@
-#include "config/xml_config.h"
+#include "config/xml_config_file.h"
+
 #include "config/xml_document.h"
 
 namespace Outils_Configuration {

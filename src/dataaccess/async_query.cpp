@@ -65,7 +65,7 @@ void CAsyncQueryLoaderThread::RequestStop() {
     if (m_current) m_current->RequestCancel();
 }
 
-// A loader that was told to end may be held by a read that the system does not answer: another one takes its
+// A loader that was asked to end may be held by a read that the system does not answer: another one takes its
 // queue over.
 void CAsyncQueryManager::ReplaceStoppedLoader() {
     std::deque<std::shared_ptr<CAsyncQuery>> queue;

@@ -65,7 +65,7 @@ void CTrvDataFileAnalyzerThread::Scan() {
     if (!file) return;
     const CXpfFilePosition start = m_resume.IsKnown() ? m_resume : file->GetDataStart();
     if (!start.IsKnown() || !file->Seek(start.Get())) return;
-    m_passed.reset(); // the file may have been written anew
+    m_passed.reset(); // the file may have been written again
     CStreamWalk walk(*file);
     CStreamWalk::Run run;
     while (!m_stop.IsSet()) {

@@ -25,7 +25,7 @@ std::uint64_t Distance(std::int64_t a, std::int64_t b) {
     return a >= b ? x - y : y - x;
 }
 
-// In time order a window cannot have more slices than fit into it. Dates that jump back begin slices anew,
+// In time order a window cannot have more slices than fit into it. Dates that jump back begin slices again,
 // and in a damaged file each packet could: the memory for that is limited.
 std::size_t FindMostSlices(const SWindow& window) {
     constexpr std::size_t kJumps = 1 << 16;

@@ -39,7 +39,7 @@ class CProjectDialog {
     std::string projectName; // of the project file, without extension
     std::filesystem::path projectFolder;
 
-    // Checks the fields and makes the project; true when it did. Otherwise the reason was told or the user
+    // Checks the fields and makes the project; true when it did. Otherwise the reason was reported or the user
     // cancelled a question: the dialog stays open with the focus on `focus`, and there is no project.
     bool OnOK(EProjectField& focus);
 
@@ -49,7 +49,7 @@ class CProjectDialog {
     std::filesystem::path GetProjectPath() const;
 
   protected:
-    // What a dialog has of its own, in the order of the calls; each false was told, with the focus set.
+    // What a dialog has of its own, in the order of the calls; each false was reported, with the focus set.
     virtual bool CheckFiles(EProjectField& /*focus*/) { return true; }
     virtual bool PrepareFiles() { return true; }
     virtual std::unique_ptr<CTrvProject> MakeProject(EProjectField& focus) = 0;
@@ -57,7 +57,7 @@ class CProjectDialog {
     bool Refuse(std::string message); // tells the reason; false
     bool Refuse(EText text);
     bool Ask(EText question);
-    // False, and told, when there is nothing of this name or its disk does not answer.
+    // False, and reported, when there is nothing of this name or its disk does not answer.
     bool CheckExists(const std::filesystem::path& path);
     // What `look` finds in the files, if they answer in time.
     template <class Look>
@@ -72,7 +72,7 @@ class CProjectDialog {
   private:
     bool CheckPlace(EProjectField& focus);
     bool AgreeToOverwrite();
-    // `none`, and told, when the disk does not answer in time or refuses to.
+    // `none`, and reported, when the disk does not answer in time or refuses to.
     std::filesystem::file_type FindType(const std::filesystem::path& path);
 
     CFileLooks& m_looks;
@@ -114,7 +114,7 @@ class CNewFromBatchParametersDlg final : public CProjectDialog {
     static constexpr EText kColumns[] = {EText::identifierColumn, EText::pathColumn};
     static constexpr EText kLabels[] = {EText::nameLabel, EText::folderLabel};
 
-    // Reads the rows and proposes name and folder; false when that failed, which was told.
+    // Reads the rows and proposes name and folder; false when that failed, which was reported.
     bool Load(const std::filesystem::path& commandFile);
     const std::vector<SRow>& GetRows() const { return m_creation.GetFiles(); }
     // For the dialog that asks for another file in the place of the row's: the number of its filter, and the

@@ -127,12 +127,18 @@ bool CTrvDocument::CommandOpen(std::filesystem::path path) {
         if (asked.empty()) return false;
         path = asked.front();
     }
+    // Before the offer: the answer may write or remove the very file that is offered.
+    if (!SaveModified()) return false;
+    SetModifiedFlag(false);
     std::error_code error;
     const std::filesystem::path unsaved = UnsavedOf(Outils_Fichiers::ToAbsolute(path));
     const bool isOffered = std::filesystem::is_regular_file(unsaved, error);
+    m_ended = false;
     const bool restores =
         isOffered && GetHost().ShowMessage(FormatText(EText::restoreUnsaved, {ToText(path)}), EButtons::yesNo,
                                            EIcon::question) == EAnswer::yes;
+    // Nobody has answered a box that the end of the program closes: what is kept stays.
+    if (m_ended) return false;
     m_restoredFrom = restores ? unsaved : std::filesystem::path();
     const bool opened = OpenDocument(path);
     m_restoredFrom.clear();
@@ -203,6 +209,7 @@ void CTrvDocument::DiscardChanges() {
 }
 
 void CTrvDocument::EndNow() {
+    m_ended = true;
     if (m_pProject && IsModified() && !GetPathName().empty())
         static_cast<void>(StoreTo(UnsavedOf(GetPathName())));
     m_engineRun.StopNow();
@@ -311,6 +318,8 @@ void CTrvDocument::ProjectChanged(EHint hint, const CObject* object) {
 }
 
 void CTrvDocument::LoadFrom(const std::filesystem::path& path) {
+    // The views let go of the former project before a box can let them draw or ask for data again.
+    UpdateAllViews(nullptr, hintRefresh);
     const std::filesystem::path& source = m_restoredFrom.empty() ? path : m_restoredFrom;
     auto bytes = Outils_Fichiers::ReadWholeFile(source, kMaximumProjectSize);
     if (!bytes) AfxThrowArchiveException(CArchiveException::generic, ToText(source));

@@ -141,6 +141,7 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     Outils::IMessageTarget& m_target;
     std::unique_ptr<CTrvProject> m_pProject;
     bool m_bParametersChanged = false;
+    bool m_ended = false;                 // by EndNow, since the last question about unsaved changes
     std::filesystem::path m_restoredFrom; // read in the place of the project while it is opened
     std::optional<CAutomaticSensors> m_automaticSensors; // of a project that was not reopened since it is new
 

@@ -33,7 +33,7 @@ void CFileLooks::TakeAnswer(SQuestion& question) {
     const auto take = std::exchange(question.take, nullptr);
     Retire(std::move(*place));
     m_questions.erase(place);
-    if (take) take(); // may ask anew
+    if (take) take(); // may ask again
 }
 
 void CFileLooks::Wait(std::chrono::milliseconds patience, Key only) {

@@ -1,7 +1,7 @@
 #include "document/project_check.h"
 
 #include "document/document_host.h"
-#include "model/rules/rule.h"
+#include "model/rules/rule_report.h"
 #include "model/simulation_parameters.h"
 
 #include <string>

@@ -28,7 +28,7 @@ class IProjectFilesListener {
     virtual void OnLayersChanged(const CTrvDataFile& file) = 0;
     virtual void OnContentChanged(const CTrvDataFile& file) = 0;
     virtual void OnChannelFound(CTrvDataFile& file, std::uint16_t channel) = 0;
-    // The recording has told its frequency or its cipher mode.
+    // The recording has given its frequency or its cipher mode.
     virtual void OnRecordingKnown() = 0;
     // Whether a running engine writes the result: nothing that happens to it is then a fault.
     virtual bool IsResultBeingWritten() const = 0;

@@ -81,6 +81,8 @@ CResultGuard::ETake CResultGuard::Take(const fs::path& result) {
 bool CResultGuard::SetAside() {
     if (!Exists(m_result)) return true;
     const fs::path former = GetFormerPath(m_result);
+    // Without a mark no run has left it there: it is the user's, and is not written over.
+    if (!m_wasPartial && IsFileOrLink(former)) return false;
     if (m_wasPartial && IsFileOrLink(former)) {
         m_setAside = ::unlink(m_result.c_str()) == 0;
     } else {

@@ -107,10 +107,11 @@ std::string DescribeSwitches(std::span<const SSwitchRow> rows) {
     constexpr std::size_t kHelpColumn = 34;
     std::string text;
     for (const SSwitchRow& row : rows) {
-        std::string left = "  " + std::string(row.name);
-        if (!row.value.empty()) left += " " + std::string(row.value);
+        std::string left = "  ";
+        left += row.name;
+        if (!row.value.empty()) (left += ' ') += row.value;
         left.resize(std::max(left.size() + 2, kHelpColumn), ' ');
-        text += left + std::string(Outils_Texte::GetText(row.help)) + "\n";
+        ((text += left) += Outils_Texte::GetText(row.help)) += '\n';
     }
     return text;
 }

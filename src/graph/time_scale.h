@@ -33,7 +33,7 @@ class CTrv1DGraphSimulationTimeScale : public Outils_Plot2D::CPlot2DLinearScale 
     // outlive the scale.
     explicit CTrv1DGraphSimulationTimeScale(const SSimulationTimeText& text);
 
-    // Chooses the ticks anew. Ignored unless start < end.
+    // Chooses the ticks again. Ignored unless start < end.
     void SetDisplay(CDateTimeSpan start, CDateTimeSpan end);
     CDateTimeSpan GetDisplayStart() const { return m_start; }
     CDateTimeSpan GetDisplayEnd() const { return m_end; }

@@ -2,7 +2,7 @@
 
 #include "foundation/paths.h"
 #include "model/loading.h"
-#include "model/rules/rule.h"
+#include "model/rules/rules.h"
 
 #include <algorithm>
 

@@ -57,7 +57,6 @@ class CPlot2DAxis {
     void SetPen(std::unique_ptr<CPlot2DPen> pen) { m_pen = std::move(pen); }
     const QFont& GetFont() const { return m_font; }
     void SetFont(const QFont& font) { m_font = font; }
-    CPlot2DSolidBrush& GetTextBrush() { return m_textBrush; }
     CPlot2DGrid& GetGrid() { return m_grid; }
 
   private:

@@ -1,8 +1,13 @@
 #include "plot/graphics.h"
 
 #include "plot/clipping.h"
+#include "plot/pens.h"
+#include "plot/text_layout.h"
 
 #include <QBrush>
+#include <QFontInfo>
+#include <QFontMetricsF>
+#include <QGuiApplication>
 #include <QPaintEngine>
 #include <QPainter>
 #include <QPainterPath>
@@ -66,6 +71,12 @@ void AddSpline(QPainterPath& path, std::span<const QPointF> points) {
 }
 
 } // namespace
+
+QFont DefaultFont() {
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(std::max(QFontInfo(font).pixelSize(), 1));
+    return font;
+}
 
 CGraphics::CGraphics(QPainter& painter) : m_painter(&painter) {
     m_painter->setRenderHint(QPainter::Antialiasing, false);
@@ -266,6 +277,40 @@ void CGraphics::DrawRectangle(const QPen& pen, const SRect& rect) {
     m_painter->setPen(DevicePen(pen));
     m_painter->setBrush(Qt::NoBrush);
     m_painter->drawRect(ToNative(ClampInto(rect, Sight(kShapeMargin))));
+}
+
+void CGraphics::DrawString(std::string_view text, const QFont& font, SPoint anchor,
+                           const SStringFormat& format, Colour colour) {
+    if (!Begin(IsFinite(anchor) && kEverything.Contains(anchor))) return;
+    m_painter->setFont(font);
+    m_painter->setPen(ToNative(colour));
+    CTextLayout(text, font).Draw(*m_painter, {anchor.x, anchor.y, 0, 0}, format);
+}
+
+void CGraphics::DrawString(std::string_view text, const QFont& font, const SRect& box,
+                           const SStringFormat& format, Colour colour) {
+    if (!Begin(IsFinite(box) && kEverything.Contains({box.x, box.y}))) return;
+    m_painter->save();
+    if (!format.noClip)
+        m_painter->setClipRect(QRectF(box.x, box.y, box.width, box.height), Qt::IntersectClip);
+    m_painter->setFont(font);
+    m_painter->setPen(ToNative(colour));
+    CTextLayout(text, font, box, format.trimming).Draw(*m_painter, box, format);
+    m_painter->restore();
+}
+
+SRect CGraphics::MeasureString(std::string_view text, const QFont& font, SPoint anchor,
+                               const SStringFormat& format) const {
+    return CTextLayout(text, font).GetBounds({anchor.x, anchor.y, 0, 0}, format);
+}
+
+SRect CGraphics::MeasureString(std::string_view text, const QFont& font, const SRect& box,
+                               const SStringFormat& format) const {
+    return CTextLayout(text, font, box, format.trimming).GetBounds(box, format);
+}
+
+float CGraphics::GetFontHeight(const QFont& font) const {
+    return static_cast<float>(QFontMetricsF(font).lineSpacing());
 }
 
 } // namespace Outils_Plot2D

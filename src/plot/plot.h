@@ -7,6 +7,8 @@
 #include "plot/axis.h"
 #include "plot/legend.h"
 #include "plot/serie.h"
+#include "plot/serie_chronogram.h"
+#include "plot/serie_curve.h"
 #include "plot/settings.h"
 
 #include <memory>

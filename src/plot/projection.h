@@ -16,7 +16,6 @@ class CProjection {
     // Both axes have a scale; without, nothing else may be asked.
     bool IsValid() const { return m_horizontal && m_vertical; }
 
-    const SRect& GetArea() const { return m_area; }
     const CPlot2DScale& GetVertical() const { return *m_vertical; }
     float X(double value) const { return m_area.x + m_horizontal->ToPixel(value, m_area.width); }
     // The vertical axis grows upwards.

@@ -1,12 +1,12 @@
-// The series of a plot: curves and chronograms. They are made by CPlot2D, which owns them. GUI thread.
+// What the curves and chronograms of a plot share. CPlot2D makes and owns them. GUI thread.
 #pragma once
 
 #include "plot/data_source.h"
-#include "plot/pens.h"
+#include "plot/graphics.h"
 
 #include <memory>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace Outils_Plot2D {
 
@@ -41,59 +41,6 @@ class CPlot2DSerie {
     std::string m_name;
     std::unique_ptr<CPlot2DDataSource> m_source;
     Colour m_color = 0xFF000000;
-};
-
-// A line through the points and, above it, a translucent band between the extrema of the buckets.
-class CPlot2DSerieCurve : public CPlot2DSerie {
-  public:
-    // Takes the next colour of the palette.
-    CPlot2DSerieCurve(CPlot2D& plot, std::unique_ptr<CPlot2DDataSource> source, std::string name);
-
-    // Points that are not finite break the line and the band.
-    void Draw(CGraphics& graphics) override;
-    // The band takes the same colour with the transparency of the settings.
-    void SetColor(Colour colour) override;
-
-    const CPlot2DPen& GetPen() const { return m_pen; }
-    const CPlot2DSolidBrush& GetBrush() const { return m_brush; }
-
-  private:
-    struct SBand {
-        std::size_t first;
-        std::size_t count;
-    };
-
-    void Project(const CPlot2DDataSource& source);
-    void AddBucket(SPoint minimum, SPoint maximum, float halfWidth);
-    void CloseBand();
-
-    // Kept between paints, filled anew by each. The upper edges stand apart until the end of a band is known.
-    std::vector<SPoint> m_screenPoints;
-    std::vector<SPoint> m_bandPoints;
-    std::vector<SPoint> m_upperEdge;
-    std::vector<SBand> m_bands;
-    CPlot2DPen m_pen;
-    CPlot2DSolidBrush m_brush;
-};
-
-// A step signal of whole states. Buckets that hold several states are drawn as blocks over all rows.
-class CPlot2DSerieChronogram : public CPlot2DSerie {
-  public:
-    CPlot2DSerieChronogram(CPlot2D& plot, std::unique_ptr<CPlot2DDataSource> source, std::string name);
-
-    void Draw(CGraphics& graphics) override;
-    void SetColor(Colour colour) override;
-
-    const CPlot2DPen& GetPen() const { return m_pen; }
-    const CPlot2DSolidBrush& GetBrush() const { return m_brush; }
-
-  private:
-    void DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source);
-    void DrawSteps(CGraphics& graphics);
-
-    std::vector<SPoint> m_steps; // kept between paints
-    CPlot2DPen m_pen;
-    CPlot2DSolidBrush m_brush;
 };
 
 } // namespace Outils_Plot2D

@@ -1,3 +1,5 @@
+#include "plot/serie_chronogram.h"
+
 #include "plot/clipping.h"
 #include "plot/projection.h"
 

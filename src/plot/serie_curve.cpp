@@ -1,3 +1,5 @@
+#include "plot/serie_curve.h"
+
 #include "plot/clipping.h"
 #include "plot/projection.h"
 

@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <memory>
 
@@ -69,6 +70,13 @@ class CBlockReader {
     const std::uint8_t* View(std::int64_t offset, std::size_t size) {
         if (Holds(offset, size)) return m_buffer.get() + (offset - m_begin);
         return Load(offset, size) ? m_buffer.get() + (offset - m_begin) : nullptr;
+    }
+    // Copies the record at `offset`, as View gives it.
+    template <class T>
+    bool ReadRecord(std::int64_t offset, T& record) {
+        const std::uint8_t* bytes = View(offset, sizeof record);
+        if (bytes) std::memcpy(&record, bytes, sizeof record);
+        return bytes != nullptr;
     }
     // A few bytes copied without moving the window; false when the file does not hold them. For a look far
     // off from where the walk goes on.

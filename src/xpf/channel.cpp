@@ -23,7 +23,8 @@ CXpfChannel::CXpfChannel(CXpfFile& file, std::uint16_t number, std::string name,
       m_name(std::move(name)),
       m_description(std::move(description)),
       m_packetType(packetType),
-      m_file(file) {}
+      m_file(file),
+      m_numberSearch(*this, file) {}
 
 std::unique_ptr<CXpfPacket> CXpfChannel::CreatePacket() const { return nullptr; }
 
@@ -57,7 +58,7 @@ bool CXpfChannel::ReadNextPacket(std::uint32_t& sizeRead, SPacketHeader* header,
     } else {
         if (!reader.Holds(position, length)) {
             packet = reader.View(position, length);
-            // Read anew, header and all; it has changed only under a reader that came upon a place being
+            // Read again, header and all; it has changed only under a reader that came upon a place being
             // written.
             if (!packet || LoadPacketSize(packet) != size) return false;
             std::memcpy(&found, packet, sizeof found);
@@ -75,7 +76,7 @@ void CXpfChannel::StepOn(std::int64_t position, const SPacketHeader& header) {
     if (position > m_last.Get()) m_last = position;
     m_previous = position;
     // Without a link this packet was the last of its channel when it was read; the next read walks on from
-    // behind it through whatever the writer has appended since.
+    // after it through whatever the writer has appended since.
     m_current = position + (header.forwardLink != 0 ? header.forwardLink : header.size);
 }
 
@@ -98,7 +99,7 @@ bool CXpfChannel::SeekFirstPacket(SPacketHeader* header) {
         done = FindFirstPacket(found);
     } else if (m_file.Seek(m_first.Get())) {
         m_current = m_first;
-        done = !header || m_file.ReadHeaderAt(m_first.Get(), found);
+        done = !header || m_file.m_reader->ReadRecord(m_first.Get(), found);
     }
     m_previous = 0;
     if (!done)
@@ -118,6 +119,10 @@ bool CXpfChannel::FindFirstPacket(SPacketHeader& header) {
     return m_file.Seek(position);
 }
 
+bool CXpfChannel::SeekPacketNumber(std::uint32_t number) {
+    return number == 0 ? SeekFirstPacket(nullptr) : m_numberSearch.Seek(number);
+}
+
 bool CXpfChannel::SeekLastPacket(SPacketHeader* header) {
     m_previous = 0;
     SPacketHeader found;
@@ -130,10 +135,10 @@ bool CXpfChannel::FindLastPacket(SPacketHeader& header) {
     // What was read ahead may be older than the writer's last link.
     m_file.m_reader->Forget();
     if (m_last.IsKnown()) {
-        if (!m_file.ReadHeaderAt(m_last.Get(), header) || !header.Check()) return false;
+        if (!m_file.m_reader->ReadRecord(m_last.Get(), header) || !header.Check()) return false;
         if (header.forwardLink == 0) {
             m_current = m_last;
-            m_landmarks[2] = {header.number, m_last.Get(), header};
+            m_numberSearch.RememberLast(m_last.Get(), header);
             return m_file.Seek(m_last.Get());
         }
     }
@@ -149,10 +154,10 @@ bool CXpfChannel::FindLastPacket(SPacketHeader& header) {
         std::memcpy(&trailer, bytes, sizeof trailer);
         if (!trailer.CheckMagic()) return false;
         position = end - trailer.size;
-        if (!m_file.ReadHeaderAt(position, header) || !trailer.Matches(header)) return false;
+        if (!m_file.m_reader->ReadRecord(position, header) || !trailer.Matches(header)) return false;
     }
     m_current = m_last = position;
-    m_landmarks[2] = {header.number, position, header};
+    m_numberSearch.RememberLast(position, header);
     return m_file.Seek(position);
 }
 
@@ -164,7 +169,7 @@ bool CXpfChannel::FindStreamEnd(std::int64_t& position, SPacketHeader& header) {
     if (m_file.m_reader->Probe(fileSize - kPacketTrailerSize, &trailer, sizeof trailer) &&
         trailer.CheckMagic()) {
         position = fileSize - trailer.size;
-        if (m_file.ReadHeaderAt(position, header) && trailer.Matches(header)) return true;
+        if (m_file.m_reader->ReadRecord(position, header) && trailer.Matches(header)) return true;
     }
     // The tail is damaged, or being written just now.
     if (!m_file.Seek(fileSize) || !m_file.SearchPacketBackward(header)) return false;

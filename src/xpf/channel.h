@@ -2,9 +2,9 @@
 #pragma once
 
 #include "xpf/file_position.h"
+#include "xpf/packet_number_search.h"
 #include "xpf/records.h"
 
-#include <array>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -21,6 +21,8 @@ class CXpfChannel {
     CXpfChannel(CXpfFile& file, std::uint16_t number, std::string name, std::string description,
                 std::uint32_t packetType);
     virtual ~CXpfChannel() = default;
+    CXpfChannel(const CXpfChannel&) = delete;
+    CXpfChannel& operator=(const CXpfChannel&) = delete;
 
     // A new empty packet of the channel's type; null for a channel that is not decoded.
     virtual std::unique_ptr<CXpfPacket> CreatePacket() const;
@@ -45,7 +47,9 @@ class CXpfChannel {
     bool SeekPacketNumber(std::uint32_t number);
     // The next searches by number will stay between these two: once the packets between them are few, the
     // first such search reads them all at once. A hint only.
-    void ExpectNumbers(std::uint32_t lowest, std::uint32_t highest);
+    void ExpectNumbers(std::uint32_t lowest, std::uint32_t highest) {
+        m_numberSearch.Expect(lowest, highest);
+    }
 
     // The places that the walk remembers; 0 is not known. `first` and `last` may be given from a cache: the
     // next seek to the last packet tests its position against the file, the one to the first packet takes it
@@ -59,27 +63,15 @@ class CXpfChannel {
 
   private:
     friend class CChannelWalk;
+    friend class CPacketNumberSearch;
 
     // Bytes. Greater packets are not taken from the block but read into the caller's buffer.
     static constexpr std::size_t kLargestInBlock = std::size_t{64} << 10;
-
-    struct SBracket {
-        std::uint32_t number = 0;
-        std::int64_t position = 0;
-        SPacketHeader header{};
-    };
-    enum class EStep { found, narrowed, failed };
 
     bool FindFirstPacket(SPacketHeader& header);
     bool FindLastPacket(SPacketHeader& header);
     // The last packet of any channel: from the trailer at the end, or by search in a damaged tail.
     bool FindStreamEnd(std::int64_t& position, SPacketHeader& header);
-    bool FindBrackets(std::uint32_t target, SBracket& lower, SBracket& upper, bool& done);
-    bool FindLandmarks(std::uint32_t target, SBracket& lower, SBracket& upper) const;
-    bool NarrowBrackets(std::uint32_t target, SBracket lower, SBracket upper, bool exact);
-    void FetchAround(std::uint32_t target, std::int64_t estimate, const SBracket& lower,
-                     const SBracket& upper);
-    EStep NarrowBracket(std::uint32_t target, std::int64_t estimate, SBracket& lower, SBracket& upper);
     bool MoveTo(std::int64_t position, std::int64_t previous);
     // What every read does once the packet has been read whole.
     void StepOn(std::int64_t position, const SPacketHeader& header);
@@ -93,11 +85,7 @@ class CXpfChannel {
     CXpfFilePosition m_first;    // the channel's first packet
     CXpfFilePosition m_last;     // the greatest position at which a packet of the channel was seen
     CXpfFilePosition m_previous; // the packet that was read last, 0 after any seek
-    // The brackets of the last search by number and what it found between them, in any order; position 0 is
-    // none. The next target often lies on one side of what was found, as in every bisection.
-    std::array<SBracket, 3> m_landmarks;
-    std::uint32_t m_lowestExpected = 0;
-    std::uint32_t m_highestExpected = UINT32_MAX;
+    CPacketNumberSearch m_numberSearch;
 };
 
 // A channel whose packets are all of class T.

@@ -26,7 +26,6 @@ class CXpfFieldDefinition {
     std::string_view GetDescription() const {
         return LoadPaddedText(&m_record[kFieldNameSize + 5], kFieldDescriptionSize);
     }
-    std::uint8_t GetNature() const { return m_record.back(); }
 
   private:
     Record m_record;

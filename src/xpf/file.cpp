@@ -1,6 +1,7 @@
 #include "xpf/file.h"
 
 #include "xpf/block_reader.h"
+#include "xpf/packet_search.h"
 #include "xpf/table_file.h"
 
 #include <algorithm>
@@ -89,17 +90,12 @@ bool CXpfFile::HoldsOnlyZeros(std::int64_t position) {
     return true;
 }
 
-bool CXpfFile::ReadHeaderAt(std::int64_t position, SPacketHeader& header) {
-    const std::uint8_t* bytes = m_reader->View(position, kPacketHeaderSize);
-    if (bytes) std::memcpy(&header, bytes, sizeof header);
-    return bytes != nullptr;
+bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
+    return CPacketSearch(*m_reader).SearchBackward(header);
 }
 
-bool CXpfFile::IsPacket(std::int64_t position, const SPacketHeader& header, std::int64_t fileSize) {
-    SPacketTrailer trailer;
-    return header.Check() && position + header.size <= fileSize &&
-           m_reader->Probe(position + header.size - kPacketTrailerSize, &trailer, sizeof trailer) &&
-           trailer.Matches(header);
+bool CXpfFile::SearchPacketForward(SPacketHeader& header) {
+    return CPacketSearch(*m_reader).SearchForward(header);
 }
 
 const std::uint8_t* CXpfFile::WalkToChannel(std::uint16_t channel, std::int64_t& position) {

@@ -92,6 +92,7 @@ class CXpfFile {
   protected:
     friend class CXpfChannel;
     friend class CChannelWalk;
+    friend class CPacketNumberSearch;
     friend class CStreamWalk;
 
     std::vector<std::unique_ptr<CXpfChannel>> m_channels;             // in file order
@@ -102,10 +103,6 @@ class CXpfFile {
     // Steps from `position` over packets of other channels to one of `channel`: its header in the block. Null
     // at the end of the stream, with `position` where it stopped. Tests no magic; the file pointer stays.
     const std::uint8_t* WalkToChannel(std::uint16_t channel, std::int64_t& position);
-    bool ReadHeaderAt(std::int64_t position, SPacketHeader& header);
-    // The packet check against the trailer in the file. `fileSize` spares the look for a trailer that would
-    // lie beyond: what a search meets in damaged bytes mostly does.
-    bool IsPacket(std::int64_t position, const SPacketHeader& header, std::int64_t fileSize);
     // Whether all bytes from `position` up to the end are zero; false as well when they cannot be read.
     bool HoldsOnlyZeros(std::int64_t position);
 

@@ -1,5 +1,4 @@
-// The jump to a packet by its running number: interpolation over the byte range between two packets of the
-// channel.
+#include "xpf/packet_number_search.h"
 
 #include "xpf/block_reader.h"
 #include "xpf/channel.h"
@@ -38,23 +37,24 @@ std::int64_t Interpolate(std::uint32_t target, std::uint32_t lowerNumber, std::i
 
 } // namespace
 
-bool CXpfChannel::SeekPacketNumber(std::uint32_t target) {
-    if (target == 0) return SeekFirstPacket(nullptr);
+bool CPacketNumberSearch::Seek(std::uint32_t target) {
     SBracket lower, upper;
-    // What was found before spares the looks at both ends. It may mislead, when the file was written anew
+    // What was found before spares the looks at both ends. It may mislead, when the file was written again
     // under its reader or its numbers jump: then the search begins without it.
     SPacketHeader header;
     for (const SBracket& known : m_landmarks)
-        if (known.position != 0 && known.number == target && m_file.ReadHeaderAt(known.position, header) &&
-            header.Check() && header.channel == m_number && header.number == target)
-            return MoveTo(known.position, 0);
+        if (known.position != 0 && known.number == target &&
+            m_file.m_reader->ReadRecord(known.position, header) && header.Check() &&
+            header.channel == m_channel.m_number && header.number == target)
+            return m_channel.MoveTo(known.position, 0);
     if (FindLandmarks(target, lower, upper)) {
         // A walk that has come to damage has no place to search from; one at a torn tail has come to the end.
-        if (m_current.IsKnown() && m_file.m_reader->Holds(m_current.Get(), kPacketHeaderSize) &&
-            m_file.ReadHeaderAt(m_current.Get(), header)) {
-            if (!header.Check() && !m_file.IsTornTail(m_current.Get())) return false;
-            const SBracket here{header.number, m_current.Get(), header};
-            if (header.Check() && header.channel == m_number && here.number >= lower.number &&
+        if (m_channel.m_current.IsKnown() &&
+            m_file.m_reader->Holds(m_channel.m_current.Get(), kPacketHeaderSize) &&
+            m_file.m_reader->ReadRecord(m_channel.m_current.Get(), header)) {
+            if (!header.Check() && !m_file.IsTornTail(m_channel.m_current.Get())) return false;
+            const SBracket here{header.number, m_channel.m_current.Get(), header};
+            if (header.Check() && header.channel == m_channel.m_number && here.number >= lower.number &&
                 here.number < target && here.position < upper.position)
                 lower = here;
         }
@@ -66,14 +66,9 @@ bool CXpfChannel::SeekPacketNumber(std::uint32_t target) {
     return done || NarrowBrackets(target, lower, upper, false);
 }
 
-void CXpfChannel::ExpectNumbers(std::uint32_t lowest, std::uint32_t highest) {
-    m_lowestExpected = lowest;
-    m_highestExpected = highest;
-}
-
 // The closest on either side; false when there is none on one side. The first packet needs no look at it.
-bool CXpfChannel::FindLandmarks(std::uint32_t target, SBracket& lower, SBracket& upper) const {
-    if (m_first.IsKnown()) lower.position = m_first.Get();
+bool CPacketNumberSearch::FindLandmarks(std::uint32_t target, SBracket& lower, SBracket& upper) const {
+    if (m_channel.m_first.IsKnown()) lower.position = m_channel.m_first.Get();
     for (const SBracket& known : m_landmarks) {
         if (known.position == 0) continue;
         if (known.number < target && known.number >= lower.number && known.position >= lower.position)
@@ -86,7 +81,7 @@ bool CXpfChannel::FindLandmarks(std::uint32_t target, SBracket& lower, SBracket&
 // `exact` interpolates without the truncation of the usual rule, which in a long file misses by many packets
 // and costs a further step. Which packet a search in damage ends on depends on the rule, so that a first
 // search keeps to it.
-bool CXpfChannel::NarrowBrackets(std::uint32_t target, SBracket lower, SBracket upper, bool exact) {
+bool CPacketNumberSearch::NarrowBrackets(std::uint32_t target, SBracket lower, SBracket upper, bool exact) {
     m_landmarks = {lower, {}, upper};
     for (int step = 0; step < kInterpolations + kHalvings; ++step) {
         if (target <= lower.number || target >= upper.number || lower.position >= upper.position)
@@ -104,45 +99,45 @@ bool CXpfChannel::NarrowBrackets(std::uint32_t target, SBracket lower, SBracket 
         const EStep result = NarrowBracket(target, estimate, lower, upper);
         if (result == EStep::narrowed) continue;
         if (result == EStep::failed) return false;
-        SBracket& found = m_landmarks[1] = {target, m_current.Get(), {}};
+        SBracket& found = m_landmarks[1] = {target, m_channel.m_current.Get(), {}};
         if (m_file.m_reader->Holds(found.position, kPacketHeaderSize))
-            m_file.ReadHeaderAt(found.position, found.header);
+            m_file.m_reader->ReadRecord(found.position, found.header);
         return true;
     }
     return false;
 }
 
 // `done` when one of the ends is the target.
-bool CXpfChannel::FindBrackets(std::uint32_t target, SBracket& lower, SBracket& upper, bool& done) {
+bool CPacketNumberSearch::FindBrackets(std::uint32_t target, SBracket& lower, SBracket& upper, bool& done) {
     bool hasLower = false, hasUpper = false;
     SPacketHeader header;
-    if (m_current.IsKnown() && m_file.ReadHeaderAt(m_current.Get(), header) &&
-        !m_file.IsTornTail(m_current.Get())) {
+    if (m_channel.m_current.IsKnown() && m_file.m_reader->ReadRecord(m_channel.m_current.Get(), header) &&
+        !m_file.IsTornTail(m_channel.m_current.Get())) {
         if (!header.Check()) return false;
-        if (header.channel == m_number) {
+        if (header.channel == m_channel.m_number) {
             done = header.number == target;
-            if (done) return m_file.Seek(m_current.Get());
+            if (done) return m_file.Seek(m_channel.m_current.Get());
             hasLower = header.number < target;
             hasUpper = !hasLower;
-            (hasLower ? lower : upper) = {header.number, m_current.Get(), header};
+            (hasLower ? lower : upper) = {header.number, m_channel.m_current.Get(), header};
         }
     }
     if (!hasLower) {
-        if (!SeekFirstPacket(&lower.header)) return false;
-        lower.position = m_current.Get();
+        if (!m_channel.SeekFirstPacket(&lower.header)) return false;
+        lower.position = m_channel.m_current.Get();
     }
     if (!hasUpper) {
-        if (!SeekLastPacket(&upper.header)) return false;
+        if (!m_channel.SeekLastPacket(&upper.header)) return false;
         upper.number = upper.header.number;
-        upper.position = m_current.Get();
+        upper.position = m_channel.m_current.Get();
         done = upper.number == target;
     }
     return true;
 }
 
 // One read for what a step looks at and, as far as it is little, for the steps to come.
-void CXpfChannel::FetchAround(std::uint32_t target, std::int64_t estimate, const SBracket& lower,
-                              const SBracket& upper) {
+void CPacketNumberSearch::FetchAround(std::uint32_t target, std::int64_t estimate, const SBracket& lower,
+                                      const SBracket& upper) {
     constexpr std::int64_t largest = CBlockReader::kLargestFetch;
     CBlockReader& reader = *m_file.m_reader;
     const std::int64_t span = upper.position + kPacketOverhead - lower.position;
@@ -164,28 +159,28 @@ void CXpfChannel::FetchAround(std::uint32_t target, std::int64_t estimate, const
     reader.Fetch(estimate - before, static_cast<std::size_t>(before + after));
 }
 
-CXpfChannel::EStep CXpfChannel::NarrowBracket(std::uint32_t target, std::int64_t estimate, SBracket& lower,
-                                              SBracket& upper) {
+CPacketNumberSearch::EStep CPacketNumberSearch::NarrowBracket(std::uint32_t target, std::int64_t estimate,
+                                                              SBracket& lower, SBracket& upper) {
     FetchAround(target, estimate, lower, upper);
     SPacketHeader header;
     if (!m_file.Seek(estimate) || !m_file.SearchPacketForward(header)) return EStep::failed;
     std::int64_t position = m_file.GetPosition();
-    if (!m_file.WalkToChannel(m_number, position)) return EStep::failed;
-    if (!m_file.ReadHeaderAt(position, header)) return EStep::failed;
+    if (!m_file.WalkToChannel(m_channel.m_number, position)) return EStep::failed;
+    if (!m_file.m_reader->ReadRecord(position, header)) return EStep::failed;
     if (header.number == upper.number) {
         // Overshot: the packet before the upper one.
         position -= header.backLink;
-        if (!m_file.ReadHeaderAt(position, header)) return EStep::failed;
+        if (!m_file.m_reader->ReadRecord(position, header)) return EStep::failed;
     }
 
     const std::int64_t before = position - header.backLink;
     bool moved = false;
     if (header.number == target)
-        moved = MoveTo(position, before);
+        moved = m_channel.MoveTo(position, before);
     else if (header.number == std::int64_t{target} + 1)
-        moved = MoveTo(before, 0);
+        moved = m_channel.MoveTo(before, 0);
     else if (header.number == std::int64_t{target} - 1)
-        moved = MoveTo(position + header.forwardLink, 0);
+        moved = m_channel.MoveTo(position + header.forwardLink, 0);
     else {
         // A packet that does not lie between the brackets is damage, and would keep the search going for
         // ever.

@@ -1,7 +1,6 @@
-// Finding one's bearings in a stream that is damaged, or entered at an arbitrary byte.
+#include "xpf/packet_search.h"
 
 #include "xpf/block_reader.h"
-#include "xpf/file.h"
 
 #include <algorithm>
 #include <cstring>
@@ -14,7 +13,7 @@ constexpr std::int64_t kChunkSize = 128;
 
 constexpr std::int64_t WholeChunks(std::int64_t size) { return size / kChunkSize * kChunkSize; }
 
-// How much of the block at hand before or behind `offset` is chunks without a dollar sign: what a hole of
+// How much of the block at hand before or after `offset` is chunks without a dollar sign: what a hole of
 // gigabytes consists of is passed a block at a time.
 std::int64_t PassBackward(const CBlockReader& reader, std::int64_t offset) {
     const std::int64_t begin = reader.GetHeldBegin();
@@ -36,22 +35,22 @@ std::int64_t PassForward(const CBlockReader& reader, std::int64_t offset) {
 
 } // namespace
 
-bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
-    const std::int64_t origin = m_reader->GetPosition();
-    const std::int64_t fileSize = GetFileSize();
+bool CPacketSearch::SearchBackward(SPacketHeader& header) {
+    const std::int64_t origin = m_reader.GetPosition();
+    const std::int64_t fileSize = m_reader.GetFileSize();
     std::uint8_t chunk[kChunkSize];
     bool afterDollar = false; // the byte after the present one is a dollar sign
     for (std::int64_t chunkEnd = std::min(origin, fileSize);;) {
         const std::int64_t length = std::min(chunkEnd, kChunkSize);
         const std::int64_t chunkStart = chunkEnd - length;
         if (length < 2) break;
-        if (!m_reader->Seek(chunkStart) || m_reader->IsInterrupted()) break;
+        if (!m_reader.Seek(chunkStart) || m_reader.IsInterrupted()) break;
         // Less than asked for only when the file shrinks meanwhile.
-        const auto count = static_cast<std::int64_t>(m_reader->Read(chunk, static_cast<std::size_t>(length)));
+        const auto count = static_cast<std::int64_t>(m_reader.Read(chunk, static_cast<std::size_t>(length)));
         if (count < length) afterDollar = false;
         if (!std::memchr(chunk, '$', static_cast<std::size_t>(count))) {
             afterDollar = false;
-            chunkEnd = chunkStart - PassBackward(*m_reader, chunkStart);
+            chunkEnd = chunkStart - PassBackward(m_reader, chunkStart);
             continue;
         }
         for (std::int64_t i = count - 1; i >= 0; --i) {
@@ -59,30 +58,30 @@ bool CXpfFile::SearchPacketBackward(SPacketHeader& header) {
             if (dollar && afterDollar) {
                 SPacketHeader candidate;
                 // A header that the end of the file cuts is part of a torn tail, and the search goes on.
-                if (ReadHeaderAt(chunkStart + i, candidate) &&
+                if (m_reader.ReadRecord(chunkStart + i, candidate) &&
                     IsPacket(chunkStart + i, candidate, fileSize)) {
                     header = candidate;
-                    return m_reader->Seek(chunkStart + i);
+                    return m_reader.Seek(chunkStart + i);
                 }
             }
             afterDollar = dollar;
         }
         chunkEnd = chunkStart;
     }
-    m_reader->Seek(origin);
+    m_reader.Seek(origin);
     return false;
 }
 
-bool CXpfFile::SearchPacketForward(SPacketHeader& header) {
-    std::int64_t chunkOffset = m_reader->GetPosition();
-    const std::int64_t fileSize = GetFileSize();
+bool CPacketSearch::SearchForward(SPacketHeader& header) {
+    std::int64_t chunkOffset = m_reader.GetPosition();
+    const std::int64_t fileSize = m_reader.GetFileSize();
     std::uint8_t chunk[kChunkSize];
     bool afterDollar = false; // the byte before the present one is a dollar sign
-    while (const std::size_t count = m_reader->Read(chunk, kChunkSize)) {
+    while (const std::size_t count = m_reader.Read(chunk, kChunkSize)) {
         if (!std::memchr(chunk, '$', count)) {
             afterDollar = false;
-            const std::int64_t passed = PassForward(*m_reader, m_reader->GetPosition());
-            m_reader->Advance(passed);
+            const std::int64_t passed = PassForward(m_reader, m_reader.GetPosition());
+            m_reader.Advance(passed);
             chunkOffset += static_cast<std::int64_t>(count) + passed;
             continue;
         }
@@ -92,12 +91,12 @@ bool CXpfFile::SearchPacketForward(SPacketHeader& header) {
                 const std::int64_t position = chunkOffset + static_cast<std::int64_t>(i) - 1;
                 SPacketHeader candidate;
                 // Candidates only move on: where one no longer fits into the file, no later one does.
-                if (!ReadHeaderAt(position, candidate)) return false;
+                if (!m_reader.ReadRecord(position, candidate)) return false;
                 if (IsPacket(position, candidate, fileSize)) {
                     header = candidate;
-                    return m_reader->Seek(position);
+                    return m_reader.Seek(position);
                 }
-                m_reader->Seek(chunkOffset);
+                m_reader.Seek(chunkOffset);
             }
             afterDollar = dollar;
         }
@@ -107,6 +106,14 @@ bool CXpfFile::SearchPacketForward(SPacketHeader& header) {
         chunkOffset += static_cast<std::int64_t>(count);
     }
     return false;
+}
+
+bool CPacketSearch::IsPacket(std::int64_t position, const SPacketHeader& header,
+                             std::int64_t fileSize) const {
+    SPacketTrailer trailer;
+    return header.Check() && position + header.size <= fileSize &&
+           m_reader.Probe(position + header.size - kPacketTrailerSize, &trailer, sizeof trailer) &&
+           trailer.Matches(header);
 }
 
 } // namespace Persistance_Xpf

@@ -116,7 +116,11 @@ TEST_F(Document, UnsavedChangesAreOfferedAtTheNextOpen) {
         EXPECT_EQ(std::filesystem::exists(unsaved), isRestored);
     }
     EXPECT_EQ(m_document.GetPathName(), m_project);
-    ASSERT_TRUE(m_document.Save());
+    // Opened again: the changes are saved first, so that nothing is left to offer.
+    m_host.m_answers = {EAnswer::yes};
+    ASSERT_TRUE(m_document.CommandOpen(m_project));
+    EXPECT_THAT(m_host.TakeMessages(), testing::SizeIs(1));
+    EXPECT_EQ(rate(), former + 1);
     EXPECT_FALSE(std::filesystem::exists(unsaved));
 }
 

@@ -280,6 +280,18 @@ TEST_F(EngineRun, KeepsTheLastGoodResultOverFailedRuns) {
     EXPECT_EQ(CountTraces(), 0u);
 }
 
+TEST_F(EngineRun, LeavesAForeignFileOfItsNameAlone) {
+    Create();
+    WriteOldResult();
+    const std::string former = m_result.native() + ".former";
+    std::ofstream(former) << "mine";
+    UseEngine("work");
+    EXPECT_FALSE(m_document.StartSimulation());
+    EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Format(EText::resultNotMoved)));
+    EXPECT_EQ(BytesOf(former).size(), 4u);
+    EXPECT_TRUE(HasOldResult());
+}
+
 TEST_F(EngineRun, RefusesASecondRunOnAProject) {
     UseEngine("stop");
     Create();

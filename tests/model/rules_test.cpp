@@ -1,5 +1,6 @@
 #include "foundation/texts.h"
 #include "model/properties/classes.h"
+#include "model/rules/rule_report.h"
 #include "model/rules/rules.h"
 #include "model/simulation_parameters.h"
 

@@ -42,7 +42,7 @@ double Field(const CStd& packet, std::string_view name) {
 
 CDateTime At(double seconds) { return ToStoredTime(CDateTimeSpan::FromSeconds(seconds)); }
 
-// Writes the recording anew without the inertial packets of some dates.
+// Writes the recording again without the inertial packets of some dates.
 void DropInertialData(const std::filesystem::path& path, const std::function<bool(double)>& drop) {
     const std::filesystem::path source = path.string() + ".source";
     std::filesystem::rename(path, source);

@@ -2,11 +2,12 @@
 
 #include "foundation/texts.h"
 #include "model/properties/rows.h"
+#include "model/rules/rule_report.h"
 #include "model/simulation_parameters.h"
 
-#include <algorithm>
 #include <array>
 #include <iterator>
+#include <unordered_set>
 #include <utility>
 
 namespace Metier_Tarvel_Regles {
@@ -150,23 +151,6 @@ std::vector<std::unique_ptr<CTrvRule>> CreateRows(const CTrvSimulationParameters
 }
 
 } // namespace
-
-void CTrvRuleReport::Add(const CTrvRule& rule, const CObject& object) {
-    CTrvRuleViolation& violation = m_violations.emplace_back();
-    violation.rule = &rule;
-    violation.object = &object;
-    m_atFault.insert({nullptr, &object});
-    m_atFault.insert({&rule.GetRuntimeClass(), &object});
-}
-
-const CTrvRule* CTrvRuleReport::FindFault(const CObject* object,
-                                          const Metier_Tarvel_Proprietes::SProperty& property) const {
-    for (const CTrvRuleViolation& violation : m_violations)
-        if (violation.object == object && std::ranges::find(violation.rule->GetProperties(), &property) !=
-                                              violation.rule->GetProperties().end())
-            return violation.rule;
-    return nullptr;
-}
 
 template <ERule Rule>
 bool TTrvRule<Rule>::Validate(CTrvRuleReport& report) const {

@@ -1,7 +1,10 @@
-// The rule classes by name, to ask a report for the violations of one of them.
+// The rule classes by name, to ask a report for the violations of one of them, and one object of each.
 #pragma once
 
 #include "model/rules/rule.h"
+
+#include <memory>
+#include <vector>
 
 namespace Metier_Tarvel_Regles {
 
@@ -81,5 +84,8 @@ using CTrvRuleOdometerStdDevInstructionPeriod = TTrvRule<ERule::odometerStdDevIn
 using CTrvRuleHorizontalFilteringInstructionPeriod = TTrvRule<ERule::horizontalFilteringInstructionPeriod>;
 using CTrvRuleHorizontalFilteringInstructionThreshold =
     TTrvRule<ERule::horizontalFilteringInstructionThreshold>;
+
+// The 18 rules over `parameters`, in the order of checking.
+std::vector<std::unique_ptr<CTrvRule>> CreateRules(const Metier_Tarvel::CTrvSimulationParameters& parameters);
 
 } // namespace Metier_Tarvel_Regles
