@@ -88,6 +88,29 @@ SObservation ObserveOdometer(const SAiding& aiding, const CInsFilter& filter, co
     return observation;
 }
 
+// Sideways and upwards of a vehicle on wheels. Neither its rear axle nor its springs are known: the unit may
+// be some metres from where the vehicle does not slide, tyres slip as the vehicle turns, and its body
+// pitches.
+SObservation ObserveLand(const SAiding& aiding, const CInsFilter& filter, const SAidingContext& context) {
+    constexpr double kArm = 1.5;        // m
+    constexpr double kSlip = 0.006;     // rad, by m/s² across the way
+    constexpr double kPitching = 0.015; // rad
+    SObservation observation(2);
+    Vector3d predicted;
+    Eigen::Matrix<double, 3, kMostStates> h;
+    TurnIntoSensor(aiding, filter, GetVesselSpeed(aiding, filter, context, false), EGroup::odometerScale,
+                   EGroup::odometerTurn, predicted, h);
+    observation.innovation.head<2>() = -predicted.tail<2>();
+    observation.h.topRows<2>() = h.bottomRows<2>();
+    const double speed = std::abs(predicted.x());
+    const double turn = std::abs(context.rate.z()), pitch = std::abs(context.rate.y());
+    const Vector3d deviation = aiding.deviation + Vector3d(0.0, kArm * turn + kSlip * speed * speed * turn,
+                                                           kArm * pitch + kPitching * speed);
+    observation.noise(0, 0) = deviation.y() * deviation.y();
+    observation.noise(1, 1) = deviation.z() * deviation.z();
+    return observation;
+}
+
 SObservation ObserveDepth(const SAiding& aiding, const CInsFilter& filter, const SAidingContext& context) {
     SObservation observation(1);
     const SNavigation& navigation = filter.GetNavigation();
@@ -120,12 +143,15 @@ SObservation ObserveRange(const SAiding& aiding, const CInsFilter& filter, const
     return observation;
 }
 
+// A unit for vehicles on wheels is mounted by eye.
+constexpr double kLandTurn = 0.1; // rad
+
 constexpr std::uint32_t kNoField = ~0u;
 
 // How a kind's packets are laid out, what they bring, and how they are observed.
 struct SAidingRow {
     EAiding kind;
-    const SPacketLayout* layout;
+    const SPacketLayout* layout;                     // null: there are none
     std::array<std::uint32_t, 3> values, deviations; // offsets of 32-bit floats
     double otherwise;                                // standard deviation of packets that state none
     std::array<EGroup, 3> groups;                    // EGroup::count: none
@@ -186,6 +212,13 @@ constexpr SAidingRow kRows[] = {
      0.1,
      {EGroup::odometerScale, EGroup::odometerTurn, EGroup::count},
      ObserveOdometer},
+    {EAiding::land,
+     nullptr,
+     {kNoField, kNoField, kNoField},
+     {kNoField, kNoField, kNoField},
+     0.1,
+     {EGroup::odometerTurn, EGroup::count, EGroup::count},
+     ObserveLand},
 };
 
 const SAidingRow& GetRow(EAiding kind) { return kRows[static_cast<std::size_t>(kind)]; }
@@ -198,6 +231,15 @@ SObservation ObserveAiding(const SAiding& aiding, const CInsFilter& filter, cons
     return observation;
 }
 
+SAiding MakeLandAiding(const SAidingPlan& plan, double time) {
+    SAiding aiding;
+    aiding.time = time;
+    aiding.kind = EAiding::land;
+    aiding.deviation.setConstant(GetRow(EAiding::land).otherwise);
+    aiding.plan = &plan;
+    return aiding;
+}
+
 CStateLayout MakeStateLayout(const SRunPlan& plan) {
     CStateLayout layout;
     for (const SAidingPlan& aiding : plan.aidings)
@@ -206,7 +248,7 @@ CStateLayout MakeStateLayout(const SRunPlan& plan) {
             if (group == EGroup::current)
                 layout.Add(group, plan.currentDeviation, plan.currentTime);
             else
-                layout.Add(group);
+                layout.Add(group, aiding.kind == EAiding::land ? kLandTurn : 0.0);
         }
     if (std::ranges::any_of(plan.gps, [](const SGpsPlan& p) { return p.isUsbl; }))
         layout.Add(EGroup::usblBias);
@@ -218,6 +260,7 @@ std::vector<const SAidingPlan*> CAidingReader::Open(const SRunPlan& plan) {
     m_plan = &plan;
     m_sources.clear();
     for (const SAidingPlan& aiding : plan.aidings) {
+        if (!GetRow(aiding.kind).layout) continue;
         auto source = std::make_unique<SSource>();
         source->plan = &aiding;
         if (!source->stream.Open(aiding.source, *GetRow(aiding.kind).layout)) {

@@ -29,6 +29,9 @@ struct SAidingContext {
     Vector3d rate = Vector3d::Zero(); // of the vessel against the earth, vessel axes, rad/s
 };
 
+// What the plan of a vehicle on wheels says at an instant, as if a sensor had measured it.
+SAiding MakeLandAiding(const SAidingPlan& plan, double time);
+
 // The observation of a packet by the filter's present state: innovation, derivative and noise.
 SObservation ObserveAiding(const SAiding& aiding, const CInsFilter& filter, const SAidingContext& context);
 

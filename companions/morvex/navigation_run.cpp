@@ -26,11 +26,15 @@ constexpr double kGpsGap = 10.0;    // s, from which a gap is reported
 constexpr int kMostGapsTold = 50;
 constexpr double kHeightUnaided = 120.0; // s, after which the height is held
 constexpr double kHeightHoldSpan = 10.0;
-constexpr double kHeightHoldDeviation = 20.0; // m, of the last height that was aided
-constexpr double kReferenceDeviation = 5.0;   // m, of the height that the user states
-constexpr double kRestSpan = 1.0;             // s, between two observations of a vehicle at rest
-constexpr double kEpochSpan = 1.0;            // s, longest between two epochs of the smoother
-constexpr double kJustBefore = 1e-7;          // s: a tick
+constexpr double kHeightHoldDeviation = 20.0;            // m, of the last height that was aided
+constexpr double kReferenceDeviation = 5.0;              // m, of the height that the user states
+constexpr double kRestSpan = 1.0;                        // s, between two observations of a vehicle at rest
+constexpr double kLandSpan = 0.2;                        // s, between two observations of a vehicle on wheels
+constexpr double kLandMoving = 2.0;                      // m/s
+constexpr double kLandPatience = 5.0;                    // s of contradictions more than of agreement
+constexpr double kLandHeading = 5.0 * kRadiansPerDegree; // deviation up to which they are made
+constexpr double kEpochSpan = 1.0;                       // s, longest between two epochs of the smoother
+constexpr double kJustBefore = 1e-7;                     // s: a tick
 constexpr std::chrono::seconds kStopPatience(3);
 constexpr double kForwardShare = 0.8; // of a smoothed run
 constexpr int kSamplesPerLook = 64;   // between two looks at the commands and the clock
@@ -159,6 +163,8 @@ CNavigationRun::CNavigationRun(const SRunPlan& plan, IRunMonitor& monitor)
       m_fixMonitor(plan),
       m_smoothing(plan.backwardAsked) {
     m_contradicted.fill(std::nan(""));
+    for (const SAidingPlan& aiding : plan.aidings)
+        if (aiding.kind == EAiding::land) m_land = &aiding;
 }
 
 void CNavigationRun::Tell(ELevel level, EText code, std::initializer_list<std::string_view> arguments) {
@@ -363,6 +369,7 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
     m_nextHeightHold = begin + kHeightUnaided;
     m_heldHeight = filter.GetNavigation().position[2];
     m_nextRest = begin + kRestSpan;
+    m_nextLand = begin + kLandSpan;
     m_lastFix = begin;
     if (!stretch.fixes.empty()) m_fixMonitor.SetGeoidHeight(stretch.fixes.front().geoidHeight);
     while (m_marks.Peek() && m_marks.Peek()->time < begin) m_marks.Pop();
@@ -402,10 +409,16 @@ bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample
         before = filter.GetNavigation();
     };
     AdvanceThrough(filter, sample, items, [&](const CItems::SItem& item) {
-        change(item.time, [&] { item.fix ? Use(filter, *item.fix) : Use(filter, *item.aiding); });
+        change(item.time, [&] {
+            if (item.fix)
+                Use(filter, *item.fix);
+            else
+                Use(filter, *item.aiding);
+        });
     });
     m_time = sample.time;
     if (m_time >= m_nextRest) change(m_time, [&] { ObserveRest(filter); });
+    if (m_land && m_time >= m_nextLand) change(m_time, [&] { ObserveLand(filter); });
     if (m_time >= m_nextHeightHold) change(m_time, [&] { ObserveHeight(filter); });
     if (m_smoothing && m_time - m_lastEpoch >= kEpochSpan) change(m_time, [] {});
     if (!WriteBetween(filter, before, m_time + kJustBefore) || m_writeFailed) return false;
@@ -421,10 +434,10 @@ void CNavigationRun::Use(CInsFilter& filter, const SPositionFix& fix) {
     if (m_fixMonitor.GetLastHeight() == fix.time) m_heldHeight = filter.GetNavigation().position[2];
 }
 
-void CNavigationRun::Use(CInsFilter& filter, const SAiding& aiding) {
+EFixResult CNavigationRun::Use(CInsFilter& filter, const SAiding& aiding) {
     const EHeightAid* aid = FindInForce(m_plan.heightAids, aiding.time);
     const bool otherHeight = aid && (*aid == EHeightAid::gps || *aid == EHeightAid::reference);
-    if (aiding.kind == EAiding::depth && otherHeight) return;
+    if (aiding.kind == EAiding::depth && otherHeight) return EFixResult::notTaken;
     const SNavigation& navigation = filter.GetNavigation();
     const SEarth earth(navigation.position[0], navigation.position[2], navigation.velocity);
     SAidingContext context;
@@ -436,6 +449,7 @@ void CNavigationRun::Use(CInsFilter& filter, const SAiding& aiding) {
     m_fixMonitor.Add(aiding, result, outcome);
     if (aiding.kind == EAiding::depth && result == EFixResult::accepted)
         m_heldHeight = filter.GetNavigation().position[2];
+    return result;
 }
 
 void CNavigationRun::ObserveRest(CInsFilter& filter) {
@@ -449,6 +463,21 @@ void CNavigationRun::ObserveRest(CInsFilter& filter) {
     SFixOutcome outcome;
     double since = 0.0;
     filter.Observe(observation, since, outcome);
+}
+
+// While the heading is not known, the way of the vehicle must not be taken for it: the unit may be mounted
+// across.
+void CNavigationRun::ObserveLand(CInsFilter& filter) {
+    m_nextLand = m_time + kLandSpan;
+    if (filter.Get().covariance(stateAttitude + 2, stateAttitude + 2) > kLandHeading * kLandHeading) return;
+    const EFixResult result = Use(filter, MakeLandAiding(*m_land, m_time));
+    // A skid is short. What lasts is a unit that is mounted otherwise than stated, or no land vehicle at all.
+    if (filter.GetNavigation().velocity.norm() < kLandMoving) return;
+    m_landDoubt =
+        result == EFixResult::rejected ? m_landDoubt + kLandSpan : std::max(0.0, m_landDoubt - kLandSpan);
+    if (m_landDoubt < kLandPatience) return;
+    Tell(ELevel::warning, EText::landRefused, {FormatFixed(m_time, 1)});
+    m_land = nullptr;
 }
 
 // Without an aid the vertical channel errs exponentially: it is drawn to the height that the user states, or

@@ -50,8 +50,9 @@ class CNavigationRun {
     bool NavigateSegment(const SStretch& stretch, const SAlignment& alignment);
     bool NavigateSample(CInsFilter& filter, const SImuSample& sample, CItems& items);
     void Use(CInsFilter& filter, const SPositionFix& fix);
-    void Use(CInsFilter& filter, const SAiding& aiding);
+    EFixResult Use(CInsFilter& filter, const SAiding& aiding);
     void ObserveRest(CInsFilter& filter);
+    void ObserveLand(CInsFilter& filter);
     void ObserveHeight(CInsFilter& filter);
     // Writes what is wanted up to `until`, interpolated from `before` to the filter's state.
     bool WriteBetween(CInsFilter& filter, const SNavigation& before, double until);
@@ -94,10 +95,13 @@ class CNavigationRun {
     double m_time = 0.0;               // how far the run has come, s
     double m_nextOutput = 0.0;
     double m_nextHeightHold = 0.0;
-    double m_heldHeight = 0.0; // when the height was aided last, m
-    double m_nextRest = 0.0;   // look at the periods at rest, s
-    double m_lastFix = 0.0;    // the last that was used, or the begin of the segment, s
-    int m_gaps = 0;            // without a position
+    double m_heldHeight = 0.0;           // when the height was aided last, m
+    double m_nextRest = 0.0;             // look at the periods at rest, s
+    const SAidingPlan* m_land = nullptr; // of a vehicle on wheels
+    double m_nextLand = 0.0;             // s
+    double m_landDoubt = 0.0;            // how long its wheels have contradicted, s
+    double m_lastFix = 0.0;              // the last that was used, or the begin of the segment, s
+    int m_gaps = 0;                      // without a position
     int m_samplesSinceAlive = 0;
 };
 

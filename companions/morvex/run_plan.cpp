@@ -17,6 +17,7 @@ namespace {
 using namespace Metier_Tarvel;
 
 constexpr std::uint64_t kLargestParameterFile = 256u << 20;
+constexpr std::int32_t kSaturationLand = 1; // the first of its words
 
 double Seconds(CDateTime stored) { return ToSpan(stored).GetTotalSeconds(); }
 
@@ -243,11 +244,20 @@ SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
                             RoughMounting(ins->roughMisalignment) *
                             MatrixOfMisalignment(ins->factoryMisalignment);
         plan.ciphered = ins->imuCipherMode != 0;
+        plan.onLand = ins->type && ins->type->saturation == kSaturationLand;
         plan.userToVessel = MatrixOfMisalignment(ins->userMisalignment);
         plan.points = {VectorOf(ins->primaryLeverArm), VectorOf(ins->secondaryLeverArmA),
                        VectorOf(ins->secondaryLeverArmB), VectorOf(ins->secondaryLeverArmC)};
     }
     AddSensors(parameters, plan);
+    // An odometer says the same, and at which rate.
+    const auto isOdometer = [](const SAidingPlan& aiding) { return aiding.kind == EAiding::odometer; };
+    if (plan.onLand && std::ranges::none_of(plan.aidings, isOdometer)) {
+        SAidingPlan land;
+        land.kind = EAiding::land;
+        land.source.channel = Outils_Texte::GetText(EText::landModel);
+        plan.aidings.push_back(std::move(land));
+    }
     return plan;
 }
 

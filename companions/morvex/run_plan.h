@@ -71,7 +71,16 @@ EUse CombineUse(std::uint8_t rejection, const ERejection* instruction);
 enum class EHeightAid : std::uint8_t { asPacketSays, gps, depth, reference };
 
 // The kinds of aiding sensors other than positions.
-enum class EAiding : std::uint8_t { dvlBottom, dvlWater, emLog, depth, range, odometer, count };
+enum class EAiding : std::uint8_t {
+    dvlBottom,
+    dvlWater,
+    emLog,
+    depth,
+    range,
+    odometer,
+    land, // not a sensor: a vehicle on wheels moves neither sideways nor upwards
+    count
+};
 
 struct SAidingPlan {
     EAiding kind = EAiding::count;
@@ -110,6 +119,7 @@ struct SRunPlan {
 
     bool backwardAsked = false;
     bool ciphered = false;
+    bool onLand = false;        // the unit is one for vehicles on wheels
     std::string sensorsNotUsed; // labels of the kinds that are declared and that this engine does not use
 };
 

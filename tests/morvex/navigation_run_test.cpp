@@ -151,12 +151,16 @@ double GetMiss(const CRunFolder& folder, const Simulation::SMissionOptions& opti
 
 } // namespace
 
+constexpr int kLandEquipment = 15, kForwardIsPort = 8;
+
 struct SSensorCase {
     Simulation::EVehicle vehicle;
     std::vector<std::string> channels;
     std::vector<ESensorKind> kinds; // besides the GPS
     bool backward;
     double longest; // m
+    int equipment = 9;
+    std::int32_t mounting = 0; // rough misalignment that the parameters state
 };
 
 class SensorMission : public testing::TestWithParam<SSensorCase> {};
@@ -176,11 +180,14 @@ TEST_P(SensorMission, BridgesAGapOfGps) {
     auto parameters = folder.MakeParameters();
     for (const ESensorKind kind : c.kinds) ASSERT_TRUE(parameters->AddSensor(kind));
     parameters->algorithm = c.backward ? algorithmBackward : 0;
+    parameters->nelixConfiguration->type->SetFromEquipment(c.equipment);
+    parameters->nelixConfiguration->roughMisalignment = c.mounting;
     folder.Store(*parameters);
     CListeningMonitor monitor;
     ASSERT_EQ(Execute(folder, monitor), ERunEnd::finished);
     EXPECT_TRUE(std::is_sorted(monitor.progress.begin(), monitor.progress.end()));
     EXPECT_LT(GetMiss(folder, options), c.longest);
+    EXPECT_EQ(monitor.Has(EText::landRefused), c.mounting != 0);
     for (const auto& entry : std::filesystem::directory_iterator(folder.Output().parent_path()))
         EXPECT_FALSE(entry.path().filename().string().starts_with(".spool")) << "temporary files are gone";
 }
@@ -197,7 +204,11 @@ INSTANTIATE_TEST_SUITE_P(
                     true,
                     1.0},
         SSensorCase{
-            Simulation::EVehicle::car, {"IMU", "GPS_1", "ODOMETER"}, {ESensorKind::odometer}, false, 5.0}));
+            Simulation::EVehicle::car, {"IMU", "GPS_1", "ODOMETER"}, {ESensorKind::odometer}, false, 5.0},
+        // Without a sensor: a land vehicle keeps to its wheels, and the run sees when they do not roll ahead.
+        SSensorCase{Simulation::EVehicle::car, {"IMU", "GPS_1"}, {}, false, 0.6, kLandEquipment},
+        SSensorCase{
+            Simulation::EVehicle::car, {"IMU", "GPS_1"}, {}, false, 20.0, kLandEquipment, kForwardIsPort}));
 
 // What a run under Backward has come to is kept when it is stopped.
 TEST(NavigationRun, AStoppedBackwardRunKeepsItsResults) {
