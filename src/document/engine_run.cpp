@@ -1,6 +1,7 @@
 #include "document/engine_run.h"
 
 #include "config/config_file.h"
+#include "dataaccess/date_search.h"
 #include "document/document_host.h"
 #include "document/file_look.h"
 #include "foundation/archive.h"
@@ -11,8 +12,6 @@
 #include "model/simulation_parameters.h"
 #include "processing/engine_command.h"
 #include "processing/message_line.h"
-#include "xpf/file.h"
-#include "xpf/packet.h"
 
 #include <atomic>
 #include <cstdio>
@@ -33,7 +32,6 @@ using Outils_Texte::GetText;
 namespace {
 
 constexpr std::chrono::milliseconds kStopNowPatience(5000);
-constexpr std::string_view kNavigationChannel = "MORVEX_STD";
 
 void RemoveTemporary(const std::filesystem::path& file) {
     std::error_code ignored;
@@ -61,18 +59,6 @@ EText FindFault(const SInput& input, const std::filesystem::path& result, const 
     if (!input.isRead) return EText::none;
     const EText fault = LookInto(input.path, Persistance_Xpf::EFileKind::tarin, cancel).fault;
     return fault == EText::fileVanished ? EText::inputMissing : fault;
-}
-
-// The date of the last navigation in a result; empty when it has none.
-std::optional<Outils_Temps::CDateTimeSpan> FindLastDate(const std::filesystem::path& result,
-                                                        const Outils::CEvent& cancel) {
-    using namespace Persistance_Xpf;
-    const SOpenedFile opened = OpenXpfFile(result, EFileKind::tarout, &cancel);
-    CXpfChannel* channel = opened.file ? opened.file->FindChannelByName(kNavigationChannel) : nullptr;
-    const auto packet = channel ? channel->CreatePacket() : nullptr;
-    const auto* dated = dynamic_cast<const CXpfDatedPacket*>(packet.get());
-    if (!dated || !channel->SeekLastPacket(nullptr) || !channel->ReadNextPacket(*packet)) return std::nullopt;
-    return dated->GetPacketDate();
 }
 
 // "2024-03-14T10:00:02.5Z" when the recording's UTC is known, else "2.5 s".
@@ -220,7 +206,7 @@ void CEngineRun::End() {
     bool hasResult = true;
     if (!finished) {
         const auto look = [result = m_result](const Outils::CEvent& cancel) {
-            return FindLastDate(result, cancel);
+            return FindDateReached(result, &cancel);
         };
         const auto found = m_looks.Call(look, GetTimeForChosenFile(m_configuration));
         // A disk that does not answer may hold a result.
