@@ -54,7 +54,8 @@ void Start(CTrvProjectMainFrame& frame, const SStart& start, const std::function
     frame.repaint();
     if (!start.file.empty()) frame.OpenProject(start.file);
     opened();
-    if (start.newProject) frame.NewProject();
+    frame.GetDocument().OfferUnsaved(frame.GetRecentFiles().GetFiles());
+    if (start.newProject && !frame.HasProject()) frame.NewProject();
 }
 
 } // namespace Application_Tarvel

@@ -17,9 +17,8 @@ class CWindowSession {
     CTrvDocument& GetDocument() { return m_document; }
     CTrvProjectMainFrame& GetFrame() { return m_frame; }
 
-    // From now on a signal ends the event loop: it asks nothing, and what is unsaved is kept beside the
-    // project. The session must
-    // outlive `endSignals`.
+    // From now on a signal ends the event loop: it asks nothing, and what is unsaved is kept. Standard error
+    // says so when it cannot be. The session must outlive `endSignals`.
     void EndOn(CEndSignals& endSignals);
     bool IsEndedFromOutside() const { return m_endedFromOutside; }
 

@@ -45,10 +45,13 @@ bool CDocumentEx::DoAction(std::unique_ptr<CUserAction> action) {
 bool CDocumentEx::NewDocument() { return SaveModified() && OnNewDocument(); }
 
 bool CDocumentEx::OpenDocument(const std::filesystem::path& path) {
-    if (!SaveModified()) return false;
     const auto absolute = Outils_Fichiers::ToAbsolute(path);
-    const bool opened = OnOpenDocument(absolute);
-    SetPathName(opened ? absolute : std::filesystem::path());
+    return SaveModified() && OpenFrom(absolute, absolute);
+}
+
+bool CDocumentEx::OpenFrom(const std::filesystem::path& source, const std::filesystem::path& path) {
+    const bool opened = OnOpenDocument(source);
+    SetPathName(opened ? path : std::filesystem::path());
     // A document that could not be opened is empty: there is nothing that a later question could save.
     if (!opened) SetModifiedFlag(false);
     UpdateAllViews(nullptr, hintRefresh);

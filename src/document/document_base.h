@@ -62,7 +62,7 @@ class CDocumentEx {
     virtual bool OnSaveDocument(const std::filesystem::path& path);
     // Writes a copy; changes nothing of the document.
     virtual bool OnSaveCopy(const std::filesystem::path& path);
-    // The user does not want to keep the changes.
+    // The user does not want to keep the changes. The document may stay open for all that.
     virtual void DiscardChanges() {}
     virtual void DeleteContents();
     virtual bool CanCloseFrame();
@@ -74,6 +74,9 @@ class CDocumentEx {
     // Writes the content to the file as one step; false on failure, and an existing file is as it was.
     virtual bool StoreTo(const std::filesystem::path& path) = 0;
 
+    // Opens what `source` holds as the document of `path`, which is empty for one that was never saved. Asks
+    // nothing about the present one.
+    bool OpenFrom(const std::filesystem::path& source, const std::filesystem::path& path);
     // Says that the file was not saved, and why if that is known; returns false.
     bool ReportFailedSave(const std::filesystem::path& path);
 

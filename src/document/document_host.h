@@ -108,6 +108,8 @@ class ISurroundings {
     virtual Communication_Interfaces::IMorvexNotification* GetReceiver() = 0;
     // The folder of the program and of its child programs.
     virtual std::filesystem::path GetProgramFolder() = 0;
+    // The user's own folder, for what waits for the next start; empty for none. It may not exist yet.
+    virtual std::filesystem::path GetUserFolder() = 0;
 };
 
 class IDocumentHost : public IQuestions,

@@ -145,10 +145,12 @@ TEST_F(StartUp, SignalEndsTheSessionAndKeepsTheChanges) {
     }
     MakeFrame();
     m_dialogs.m_answers = {EAnswer::yes};
-    ASSERT_TRUE(m_frame->OpenProject(project));
+    Start(*m_frame, {{}, true});
+    EXPECT_TRUE(PumpUntil([&] { return m_frame->HasProject(); }));
     EXPECT_THAT(m_dialogs.TakeMessages(),
-                ElementsAre(Outils_Texte::FormatText(Outils_Texte::EText::restoreUnsaved,
+                ElementsAre(Outils_Texte::FormatText(Outils_Texte::EText::openUnsaved,
                                                      {Outils_Fichiers::ToText(project)})));
+    EXPECT_EQ(m_frame->GetDocument().GetPathName(), project);
     EXPECT_TRUE(m_frame->isWindowModified());
     m_frame->GetDocument().SetModifiedFlag(false);
 }

@@ -107,7 +107,7 @@ TEST_F(BatchCreation, ProjectComesBackFromItsCommandFile) {
     // The document searches the reference once more, and finds the same.
     test::CScriptedHost host;
     Outils_Configuration::CTrvCnfConfigFile configuration;
-    CTrvDocument document(host, host.m_queue, configuration);
+    CTrvDocument document(host, host.m_queue, configuration, false);
     ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
     check(*document.GetProject()->simulationParameters);
 
@@ -182,7 +182,7 @@ TEST_F(BatchCreation, AnUnfinishedSearchIsAFailure) {
 TEST_F(BatchCreation, TheCommandSetsUpTheProjectOfTheDialog) {
     test::CScriptedHost host;
     Outils_Configuration::CTrvCnfConfigFile configuration;
-    CTrvDocument document(host, host.m_queue, configuration);
+    CTrvDocument document(host, host.m_queue, configuration, false);
     host.m_makeProject = [&](const std::filesystem::path& commandFile, SMadeProject& made) {
         Dialogue_Tarvel::CNewFromBatchParametersDlg dialog(host, configuration, document.GetFileLooks());
         if (!dialog.Load(commandFile)) return EOutcome::failed;

@@ -186,7 +186,7 @@ TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
 }
 
 TEST_F(ProjectDialogs, OldFilesAreAskedAboutTogether) {
-    CTrvDocument document(m_host, m_host.m_queue, m_configuration);
+    CTrvDocument document(m_host, m_host.m_queue, m_configuration, false);
     Record("second.tarin", 14);
     Record("repaired.tarin", 14);
     std::string message;
@@ -209,7 +209,7 @@ TEST_F(ProjectDialogs, OldFilesAreAskedAboutTogether) {
 
 TEST_F(ProjectDialogs, NewOpensTheWizardsProject) {
     m_configuration.Set(Cnf<"general/gpsAltitudeMode">, EGpsAltitudeMode::ellipsoid);
-    CTrvDocument document(m_host, m_host.m_queue, m_configuration);
+    CTrvDocument document(m_host, m_host.m_queue, m_configuration, false);
     m_host.m_makeProject = [&](const auto&, SMadeProject& made) {
         CNewProjectWizard wizard(m_host, m_configuration, m_looks);
         wizard.ChooseInputFiles(InFolder({"dive.tarin"}));

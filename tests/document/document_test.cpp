@@ -124,6 +124,65 @@ TEST_F(Document, UnsavedChangesAreOfferedAtTheNextOpen) {
     EXPECT_FALSE(std::filesystem::exists(unsaved));
 }
 
+TEST_F(Document, UnsavedWorkWithoutAFolderIsOfferedAtStart) {
+    Create();
+    const auto end = [&] {
+        m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
+        const bool kept = m_document.EndNow();
+        m_document.SetModifiedFlag(false); // the program has ended
+        EXPECT_TRUE(m_document.CloseDocument());
+        return kept;
+    };
+    std::filesystem::create_directory(m_project.string() + ".unsaved"); // in the way
+    EXPECT_FALSE(end());
+    m_host.m_userFolder = m_folder / "user";
+    for (const char* name : {"p.tarprj.unsaved", "p-2.tarprj.unsaved"}) {
+        ASSERT_TRUE(m_document.CommandOpen(m_project));
+        EXPECT_TRUE(end());
+        EXPECT_TRUE(std::filesystem::exists(m_host.m_userFolder / name));
+    }
+    m_host.m_answers = {EAnswer::no, EAnswer::yes};
+    m_document.OfferUnsaved({m_project});
+    EXPECT_THAT(m_host.TakeMessages(), testing::SizeIs(2));
+    ASSERT_TRUE(m_document.GetProject());
+    EXPECT_EQ(m_document.GetProject()->simulationParameters->mainInputFile->path, m_recording);
+    EXPECT_TRUE(m_document.IsModified() && m_document.GetPathName().empty());
+
+    // Once it is saved, only the other one is offered, and not before the next start.
+    m_host.m_paths = {m_folder / "q.tarprj"};
+    EXPECT_TRUE(m_document.Save());
+    m_host.m_answers = {EAnswer::no};
+    m_document.OfferUnsaved({m_project});
+    EXPECT_THAT(m_host.TakeMessages(), testing::SizeIs(1));
+}
+
+TEST_F(Document, KeptChangesGoWithTheirProjectOnly) {
+    Create();
+    m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
+    ASSERT_TRUE(m_document.EndNow());
+    const auto hasKept = [&] { return std::filesystem::exists(m_project.string() + ".unsaved"); };
+    m_host.m_answers = {EAnswer::no}; // to the save, before a dialog that the user cancels
+    EXPECT_TRUE(m_document.CommandNew());
+    EXPECT_TRUE(hasKept());
+    m_host.m_answers = {EAnswer::no};
+    EXPECT_TRUE(m_document.CloseDocument());
+    EXPECT_FALSE(hasKept());
+}
+
+TEST_F(Document, ExpertModeChangesTheLayers) {
+    Create();
+    const auto count = [](const CTrvDocument& document) {
+        std::size_t fields = 0;
+        for (const auto& layer : document.GetProject()->dataModel->m_layers)
+            fields += layer->m_measures.size() + layer->m_enums.size();
+        return fields;
+    };
+    const std::size_t usual = count(m_document);
+    CTrvDocument expert(m_host, m_host.m_queue, m_configuration, true);
+    ASSERT_TRUE(expert.CommandOpen(m_project));
+    EXPECT_GT(count(expert), usual);
+}
+
 TEST_F(Document, WhatCannotBeOpenedLeavesAnEmptyDocumentAndAMessage) {
     Create();
     auto bytes = BytesOf(m_project);

@@ -98,7 +98,7 @@ class DocumentThreads : public testing::Test, private IDocumentView {
     CUpdatingHost m_host;
     Outils_Configuration::CTrvCnfConfigFile m_configuration;
     std::vector<EHint> m_hints;
-    CTrvDocument m_document{m_host, m_host.m_queue, m_configuration};
+    CTrvDocument m_document{m_host, m_host.m_queue, m_configuration, false};
 };
 
 TEST_F(DocumentThreads, ProjectsComeAndGoWhileTheirFilesAreRead) {
@@ -282,7 +282,7 @@ TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
     std::filesystem::copy_file(files[0], m_host.m_repaired);
     {
         test::CScriptedHost host;
-        CTrvDocument document(host, host.m_queue, m_configuration);
+        CTrvDocument document(host, host.m_queue, m_configuration, false);
         auto project = Make(files[0]);
         ASSERT_TRUE(project->AddDataFile(files[1], false) && project->AddDataFile(files[2], false));
         ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));

@@ -295,7 +295,7 @@ TEST_F(EngineRun, LeavesAForeignFileOfItsNameAlone) {
 TEST_F(EngineRun, RefusesASecondRunOnAProject) {
     UseEngine("stop");
     Create();
-    CTrvDocument second(m_host, m_host.m_queue, m_configuration);
+    CTrvDocument second(m_host, m_host.m_queue, m_configuration, false);
     ASSERT_TRUE(second.CommandOpen(m_project));
     ASSERT_TRUE(m_document.StartSimulation());
     EXPECT_FALSE(second.StartSimulation());
