@@ -19,7 +19,7 @@ struct SCommandLine {
     ERequest request = ERequest::run;
     std::filesystem::path project;  // empty when none was named
     std::filesystem::path snapshot; // the picture to write
-    std::string error;              // of wrong usage
+    std::string error;              // of a wrong line; also when help is asked for
 };
 
 // `words` without the name of the program, UTF-8. What follows "--" is no option.

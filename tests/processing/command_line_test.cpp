@@ -1,5 +1,5 @@
+#include "processing/command_switches.h"
 #include "processing/engine_command.h"
-#include "processing/switches.h"
 
 #include <gmock/gmock.h>
 
@@ -57,7 +57,7 @@ TEST(CommandLine, SwitchesAreWrittenRowByRow) {
         std::string format = "KML";
     };
     using Values = std::vector<std::string>;
-    constexpr SSwitchRow<SOptions> rows[] = {
+    constexpr SCommandSwitch<SOptions> rows[] = {
         {"/a", EArgument::flag, [](const SOptions& o) { return o.accuracy ? Values{""} : Values{}; }},
         {"/dec", EArgument::word,
          [](const SOptions& o) {
