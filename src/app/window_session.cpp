@@ -1,7 +1,5 @@
 #include "app/window_session.h"
 
-#include "app/end_signals.h"
-
 #include <QApplication>
 
 #include <iostream>
@@ -14,8 +12,8 @@ CWindowSession::CWindowSession(CTrvApp& application, Outils::IMessageTarget& tar
       m_document(m_host, target, application.GetConfiguration(), application.IsExpertMode()),
       m_frame(application, m_host, m_document, dialogs, settings) {}
 
-void CWindowSession::EndOn(CEndSignals& endSignals) {
-    endSignals.Listen([this] {
+void CWindowSession::EndOn(const Outils::CEndSignals& endSignals) {
+    m_endListener.emplace(endSignals, [this] {
         m_endedFromOutside = true;
         // There is nobody to answer a box.
         if (!m_document.EndNow()) std::cerr << Outils_Texte::GetText(EText::unsavedLost) << std::endl;

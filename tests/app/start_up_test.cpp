@@ -1,6 +1,5 @@
 #include "app/start_up.h"
 
-#include "app/end_signals.h"
 #include "app/program.h"
 #include "app/snapshot.h"
 #include "app/splash.h"
@@ -129,6 +128,7 @@ TEST_F(StartUp, SplashCoversNoWindowAndNoQuestion) {
 
 // What is unsaved is kept without a question, and offered when the project opens again.
 TEST_F(StartUp, SignalEndsTheSessionAndKeepsTheChanges) {
+    const Outils::CEndSignals endSignals;
     const auto project = MakeProject("p");
     for (const int signal : {SIGTERM, SIGHUP}) {
         MakeFrame();
@@ -136,7 +136,6 @@ TEST_F(StartUp, SignalEndsTheSessionAndKeepsTheChanges) {
         ASSERT_TRUE(m_frame->OpenProject(project));
         m_dialogs.TakeMessages();
         m_frame->GetDocument().ProjectChanged(hintSimulationParametersChanged, nullptr);
-        CEndSignals endSignals;
         m_session->EndOn(endSignals);
         QTimer::singleShot(0, [signal] { std::raise(signal); });
         QTimer::singleShot(30'000, m_frame, [] { QApplication::exit(1); });
@@ -153,6 +152,21 @@ TEST_F(StartUp, SignalEndsTheSessionAndKeepsTheChanges) {
     EXPECT_EQ(m_frame->GetDocument().GetPathName(), project);
     EXPECT_TRUE(m_frame->isWindowModified());
     m_frame->GetDocument().SetModifiedFlag(false);
+}
+
+TEST_F(StartUp, SignalClosesAnOpenBox) {
+    const Outils::CEndSignals endSignals;
+    const auto project = MakeProject("p");
+    ASSERT_TRUE(m_frame->OpenProject(project));
+    m_frame->GetDocument().ProjectChanged(hintSimulationParametersChanged, nullptr);
+    m_session->EndOn(endSignals);
+    QTimer::singleShot(0, [] { std::raise(SIGTERM); });
+    QTimer::singleShot(30'000, m_frame, [] { QApplication::exit(1); });
+    const EAnswer answer = CWindowDialogs().ShowMessage(m_frame, "", EButtons::yesNoCancel, EIcon::question);
+    EXPECT_EQ(answer, EAnswer::cancel);
+    EXPECT_TRUE(m_session->IsEndedFromOutside());
+    EXPECT_TRUE(std::filesystem::exists(project.string() + ".unsaved"));
+    MakeFrame();
 }
 
 TEST(Program, NamesTheOtherProgramWithoutADisplay) {

@@ -2,6 +2,7 @@
 #include "batch/batch_fixture.h"
 
 #include "simulator/mission_writer.h"
+#include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>
 
@@ -9,6 +10,7 @@
 #include <cmath>
 #include <csignal>
 #include <cstdio>
+#include <thread>
 #include <unistd.h>
 
 using namespace Simulation;
@@ -148,6 +150,21 @@ TEST_F(EndToEnd, TheResultIsNoCopyOfTheRealTimeNavigation) {
     }
     EXPECT_GT(results[0].size(), 10'000u);
     EXPECT_EQ(results[0], results[1]);
+}
+
+TEST_F(EndToEnd, SignalEndsTheWaitForADeadDisk) {
+    Record(20, 5, {"IMU", "GPS_1"});
+    EXPECT_EXIT(
+        {
+            ::alarm(60); // for a program that waits on
+            const test::CFaultyDisk disk(Path("m.tarin"), test::CFaultyDisk::stalls);
+            std::thread([&disk] {
+                disk.WaitForHeld(1);
+                ::kill(::getpid(), SIGINT);
+            }).detach();
+            Run("run /m.tarprj");
+        },
+        testing::KilledBySignal(SIGINT), "");
 }
 
 } // namespace
