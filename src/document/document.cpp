@@ -2,6 +2,7 @@
 
 #include "config/config_file.h"
 #include "document/batch_command_file.h"
+#include "document/edits.h"
 #include "document/project_check.h"
 #include "document/project_file.h"
 #include "foundation/paths.h"
@@ -304,6 +305,8 @@ bool CTrvDocument::PrepareBatchCommandFile() {
            Application_Tarvel::PrepareBatchCommandFile(GetHost(), m_configuration, m_fileLooks,
                                                        *m_pProject->simulationParameters, GetPathName());
 }
+
+CTrvDocumentEdits CTrvDocument::GetEdits() { return CTrvDocumentEdits(*this); }
 
 void CTrvDocument::ProjectChanged(EHint hint, const Outils_Objets::CObject* object) {
     SetModifiedFlag(true);
