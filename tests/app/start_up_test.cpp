@@ -102,6 +102,10 @@ TEST(Settings, FallBackToTheUsersFolder) {
     EXPECT_TRUE(std::filesystem::is_regular_file(inProgram));
     EXPECT_FALSE(std::filesystem::exists(inUser)) << "it would hide the newer ones";
     EXPECT_EQ(startMode(std::nullopt), EStartMode::openLast);
+    // What cannot be removed would hide the new settings.
+    std::filesystem::create_directories(inUser / "in");
+    EXPECT_FALSE(CTrvApp(program, user).ExitInstance());
+    std::filesystem::remove_all(inUser);
 
     std::filesystem::remove(inProgram);
     std::filesystem::create_directory(inProgram);
