@@ -171,7 +171,8 @@ bool CTrvDocument::SaveNew(const std::filesystem::path& path, EResultName result
 }
 
 bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
-    return SaveUnder(path, ResultOf(path));
+    // The engine goes on writing under the name that it was given.
+    return SaveUnder(path, m_pProject && IsResultBeingWritten() ? GetResult().path : ResultOf(path));
 }
 
 bool CTrvDocument::SaveUnder(const std::filesystem::path& path, std::filesystem::path result) {

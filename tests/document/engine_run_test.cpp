@@ -134,6 +134,20 @@ TEST_F(EngineRun, GuardsTheProjectUntilItEnds) {
     EXPECT_TRUE(m_document.CanCloseFrame());
 }
 
+TEST_F(EngineRun, SaveDuringARunKeepsTheResultsName) {
+    UseEngine("stop");
+    Create();
+    auto& result = m_document.GetProject()->simulationParameters->outputFile->path;
+    result = m_folder / "kept.tarout";
+    ASSERT_TRUE(m_document.StartSimulation());
+    EXPECT_TRUE(m_document.Save());
+    EXPECT_EQ(result, m_folder / "kept.tarout");
+    m_document.StopSimulation();
+    PumpRunToItsEnd();
+    EXPECT_TRUE(m_document.Save());
+    EXPECT_EQ(result, m_result);
+}
+
 TEST_F(EngineRun, AsksToSaveWhatChanged) {
     UseEngine("work");
     Create();
@@ -180,7 +194,7 @@ TEST_F(EngineRun, ShowsWhatIsWholeOfACutResult) {
     EXPECT_THAT(m_host.m_output, IsEmpty());
     runAndCutAt(60);
     EXPECT_TRUE(PumpUntil([&] { return !m_host.m_output.empty(); }));
-    EXPECT_THAT(m_host.m_output, ElementsAre(Outils_Texte::FormatText(EText::fileNoHeader,
+    EXPECT_THAT(m_host.m_output, ElementsAre(Outils_Texte::FormatText(EText::fileHeaderDamaged,
                                                                       {Outils_Fichiers::ToText(m_result)})));
     EXPECT_FALSE(hasData("MORVEX_STD"));
 }
@@ -324,7 +338,7 @@ TEST_F(EngineRun, RefusesBeforeTheOldResultIsTouched) {
         {[&] { std::filesystem::rename(m_recording, away); },
          [&] { std::filesystem::rename(away, m_recording); }, refused(EText::inputMissing, m_recording)},
         {[&] { std::filesystem::rename(m_recording, away), std::ofstream(m_recording) << "no recording"; },
-         [&] { std::filesystem::rename(away, m_recording); }, refused(EText::fileNoHeader, m_recording)},
+         [&] { std::filesystem::rename(away, m_recording); }, refused(EText::fileForeign, m_recording)},
         {[&] { m_host.m_programFolder = m_folder / "nowhere"; }, [&] { m_host.m_programFolder = engines; },
          Text(EText::noProcess)},
         {[&] { std::filesystem::create_directory(m_result.native() + ".run"); },
