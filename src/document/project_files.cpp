@@ -235,8 +235,9 @@ void CProjectFiles::CheckVersions(const std::map<const CTrvDataFile*, SFileLook>
         if (look->second.outdated)
             upgradable.push_back(file);
         else if (fault != EText::none && fault != EText::fileVanished)
-            host.ShowMessage(FormatText(EText::failedToLoad, {ToText(file->path)}), EButtons::ok,
-                             EIcon::exclamation);
+            host.ShowMessage(FormatText(EText::failedToLoad, {ToText(file->path)}) + "\n\n" +
+                                 FormatText(fault, {ToText(file->path)}),
+                             EButtons::ok, EIcon::exclamation);
     }
     if (upgradable.empty()) return;
     const std::string question(GetText(EText::upgradeDataFiles));

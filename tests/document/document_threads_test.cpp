@@ -174,7 +174,9 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
         {"folder", [](const path& file) { remove(file), create_directory(file); }, EText::fileIsFolder},
         {"fifo", [](const path& file) { remove(file), ::mkfifo(file.c_str(), 0600); }, EText::fileIsNoFile},
         {"shrunk", [](const path& file) { resize_file(file, file_size(file) / 2); }, EText::fileReplaced},
-        {"cut", [](const path& file) { resize_file(file, 50); }, EText::fileNoHeader},
+        {"cut", [](const path& file) { resize_file(file, 50); }, EText::fileHeaderDamaged},
+        {"empty", [](const path& file) { resize_file(file, 0); }, EText::fileEmpty},
+        {"foreign", [](const path& file) { std::ofstream(file) << "no recording"; }, EText::fileForeign},
         {"overtaken",
          [this](const path& file) {
              test::CTestRecording other(m_folder / "other");
@@ -242,7 +244,12 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
     m_host.m_output.clear();
     withoutRights.emplace();
     ASSERT_TRUE(m_document.CommandOpen(m_folder / "p.tarprj"));
-    EXPECT_EQ(m_host.m_output.size(), 6u); // vanished, folder, fifo, cut, locked, unplugged
+    // Vanished, folder, fifo, cut, empty, foreign, locked, unplugged.
+    EXPECT_EQ(m_host.m_output.size(), 8u);
+    const std::string cut = Outils_Fichiers::ToText(m_folder / "cut");
+    EXPECT_THAT(m_host.m_messages,
+                testing::Contains(Outils_Texte::FormatText(EText::failedToLoad, {cut}) + "\n\n" +
+                                  Outils_Texte::FormatText(EText::fileHeaderDamaged, {cut})));
 }
 
 TEST_F(DocumentThreads, ReplacedFileReportsItsDamageAgain) {

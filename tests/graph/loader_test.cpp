@@ -54,7 +54,7 @@ class LoaderTest : public testing::Test {
         EXPECT_TRUE(m_result.Flush());
     }
     void Open() {
-        m_document.emplace(m_host, m_host.m_queue, m_config);
+        m_document.emplace(m_host, m_host.m_queue, m_config, false);
         auto project =
             std::make_unique<Metier_Tarvel::CTrvProject>(m_folder / "dive.tarin", m_folder / "dive.tarout");
         m_document->NewFromProject(std::move(project), m_folder / "dive.tarprj");
@@ -248,7 +248,7 @@ TEST_F(LoaderTest, CurvesOfABrokenFileStayUntilARun) {
     expectTheCurve();
     // Each fault is reported once, whether or not the monitor came by while the file was missing.
     using Outils_Texte::EText;
-    for (const EText fault : {EText::fileIsFolder, EText::fileNoHeader})
+    for (const EText fault : {EText::fileIsFolder, EText::fileForeign})
         EXPECT_EQ(std::ranges::count(m_host.m_output, Outils_Texte::FormatText(fault, {file.string()})), 1);
     Tell(hintRunStarted);
     EXPECT_EQ(CurveCount(), 1u);
