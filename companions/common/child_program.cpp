@@ -76,7 +76,7 @@ int RunProgram(const SProgram& program, const std::vector<std::string>& argument
     if (parsed.Has("--version"))
         return write(FormatText(EText::programVersion, {program.name, VARNE_VERSION}) + "\n") ? 0 : 1;
 
-    // A line that is refused may hold the switch behind the fault.
+    // A line that is refused may hold the switch after the fault.
     const bool remote = std::ranges::any_of(
         arguments, [](const std::string& argument) { return EqualsNoCase(argument, "/remote"); });
     CRunControl control;

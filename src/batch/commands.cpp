@@ -129,7 +129,7 @@ int Run(std::span<const std::string> words, SStreams streams) {
     try {
         const int status = RunWords(words, streams, command);
         streams.out.flush();
-        // A full disk or a closed pipe behind standard output must not pass for success.
+        // A full disk or a closed pipe at standard output must not pass for success.
         if (streams.out) return status;
         streams.error << kProgram << ": " << GetText(EText::outputNotWritten) << '\n';
         return exitFailure;

@@ -1,4 +1,4 @@
-// The one project document: it keeps the project, loads and saves it, and tells the views of every change.
+// The one project document: it keeps the project, loads and saves it, and reports every change to the views.
 // CProjectFiles follows its data files, CEngineRun runs the engine. UI thread only; background threads come
 // back through the message target.
 #pragma once
@@ -52,7 +52,7 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
 
     // The edits of the project, one method each: document/edits.h.
     CTrvDocumentEdits GetEdits();
-    // Marks the project modified and tells the views: every edit calls it after its change of the model.
+    // Marks the project modified and informs the views: every edit calls it after its change of the model.
     void ProjectChanged(EHint hint, const Outils_Objets::CObject* object);
     // The project changed since the last save or load.
     bool AreParametersChanged() const { return m_bParametersChanged; }
@@ -70,7 +70,7 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     // failure, which leaves file and project as they were.
     bool SaveNew(const std::filesystem::path& path, EResultName resultName);
 
-    // Whether the engine is at work; the first call after its end tells the views.
+    // Whether the engine is at work; the first call after its end informs the views.
     bool IsSimulationRunning();
     // Starts the engine on the project; true when the run started. A message box reports every refusal.
     bool StartSimulation();

@@ -26,7 +26,7 @@ EText FindFaultOf(const std::filesystem::path& folder) {
 } // namespace
 
 void CDocumentEx::UpdateAllViews(IDocumentView* sender, EHint hint, const Outils_Objets::CObject* object) {
-    // A view may add or remove views meanwhile, so the list is a copy, and who is gone is left out.
+    // A view may add or remove views meanwhile, so the list is a copy, and removed views are skipped.
     const auto views = m_views;
     for (IDocumentView* view : views)
         if (view != sender && std::find(m_views.begin(), m_views.end(), view) != m_views.end())

@@ -17,7 +17,7 @@ namespace Application_Tarvel {
 class IDocumentView {
   public:
     virtual ~IDocumentView() = default;
-    // `object` may have been destroyed already when the hint tells of a removal: compare it by identity only.
+    // `object` may have been destroyed already when the hint reports a removal: compare it by identity only.
     virtual void OnUpdate(EHint hint, const Outils_Objets::CObject* object) = 0;
 };
 
@@ -36,7 +36,7 @@ class CDocumentEx {
 
     void AddView(IDocumentView* view) { m_views.push_back(view); }
     void RemoveView(IDocumentView* view) { std::erase(m_views, view); }
-    // Tells every view but the sender, before it returns.
+    // Informs every view but the sender, before it returns.
     void UpdateAllViews(IDocumentView* sender, EHint hint, const Outils_Objets::CObject* object = nullptr);
 
     // Runs the action. An action that cannot be undone ends the undo history.

@@ -147,7 +147,7 @@ void CProjectFiles::LookAtFile(CTrvDataFile& file) {
         [this, &file](SFileLook look) { OnLooked(file, std::move(look)); });
 }
 
-// Two questions: the first packet tells the cipher mode, but the frequency takes a hundred more, and a
+// Two questions: the first packet gives the cipher mode, but the frequency takes a hundred more, and a
 // recording that has fewer is walked to its end.
 void CProjectFiles::LookAtRecording() {
     CTrvSimulationParameters& parameters = *m_project.simulationParameters;
