@@ -107,7 +107,7 @@ TEST_F(EndToEnd, ARecordingBecomesABetterNavigation) {
 
 // Whatever ends the engine in the middle of its work leaves a result that opens, with whole packets to its
 // end.
-TEST_F(EndToEnd, AnEngineStoppedOrKilledLeavesAResultThatOpens) {
+TEST_F(EndToEnd, InterruptedRunLeavesAResult) {
     Record(14400, 60, {"IMU", "GPS_1", "UTC"}); // the engine is at work when the first of its result is seen
     const std::tuple<const char*, void (*)(), const char*> endings[] = {
         {"stopped", [] { ::raise(SIGTERM); }, "The processing was stopped."},
@@ -138,7 +138,7 @@ TEST_F(EndToEnd, AnEngineStoppedOrKilledLeavesAResultThatOpens) {
 }
 
 // The engine navigates by itself: what the unit thought during the mission is none of its inputs.
-TEST_F(EndToEnd, TheResultIsNoCopyOfTheRealTimeNavigation) {
+TEST_F(EndToEnd, ResultIgnoresRealTimeNavigation) {
     std::string results[2];
     for (const bool realTime : {false, true}) {
         std::vector<std::string> channels = {"IMU", "GPS_1", "UTC"};

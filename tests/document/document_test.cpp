@@ -18,7 +18,7 @@ namespace {
 
 class Document : public test::CDocumentFixture {};
 
-TEST_F(Document, ANewProjectKnowsItsRecording) {
+TEST_F(Document, NewProjectKnowsItsRecording) {
     Create();
     const auto& parameters = *m_document.GetProject()->simulationParameters;
     EXPECT_EQ(parameters.nelixConfiguration->type->equipment, 14);
@@ -56,7 +56,7 @@ TEST_F(Document, OpensSavesAndFollowsItsName) {
     EXPECT_FALSE(m_document.CommandSaveAs()); // no name given
 }
 
-TEST_F(Document, ACopyChangesNothingOfTheOpenProject) {
+TEST_F(Document, CopyLeavesTheOpenProject) {
     Create();
     m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
     m_view.m_hints.clear();
@@ -72,7 +72,7 @@ TEST_F(Document, ACopyChangesNothingOfTheOpenProject) {
     EXPECT_EQ(result(), m_folder / "copy.tarout");
 }
 
-TEST_F(Document, AFailedSaveLeavesTheModelAndNamesTheFolder) {
+TEST_F(Document, FailedSaveNamesTheFolder) {
     Create();
     m_view.m_hints.clear();
     m_host.m_paths = {m_folder / "none" / "q.tarprj", m_folder / "none" / "q.tarprj"};
@@ -85,7 +85,7 @@ TEST_F(Document, AFailedSaveLeavesTheModelAndNamesTheFolder) {
     EXPECT_THAT(m_host.TakeMessages(), ElementsAre(namesFolder, namesFolder));
 }
 
-TEST_F(Document, UnsavedChangesAreOfferedAtTheNextOpen) {
+TEST_F(Document, UnsavedChangesAreOfferedAtOpen) {
     Create();
     const auto unsaved = m_folder / "p.tarprj.unsaved";
     const auto rate = [&]() -> auto& {
@@ -124,7 +124,7 @@ TEST_F(Document, UnsavedChangesAreOfferedAtTheNextOpen) {
     EXPECT_FALSE(std::filesystem::exists(unsaved));
 }
 
-TEST_F(Document, UnsavedWorkWithoutAFolderIsOfferedAtStart) {
+TEST_F(Document, StartOffersWorkWithoutAFolder) {
     Create();
     const auto end = [&] {
         m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
@@ -156,7 +156,7 @@ TEST_F(Document, UnsavedWorkWithoutAFolderIsOfferedAtStart) {
     EXPECT_THAT(m_host.TakeMessages(), testing::SizeIs(1));
 }
 
-TEST_F(Document, KeptChangesGoWithTheirProjectOnly) {
+TEST_F(Document, KeptChangesGoWithTheirProject) {
     Create();
     m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
     ASSERT_TRUE(m_document.EndNow());
@@ -183,7 +183,7 @@ TEST_F(Document, ExpertModeChangesTheLayers) {
     EXPECT_GT(count(expert), usual);
 }
 
-TEST_F(Document, WhatCannotBeOpenedLeavesAnEmptyDocumentAndAMessage) {
+TEST_F(Document, FailedOpenLeavesAnEmptyDocument) {
     Create();
     auto bytes = BytesOf(m_project);
     bytes.resize(bytes.size() / 2);
@@ -211,7 +211,7 @@ TEST_F(Document, WhatCannotBeOpenedLeavesAnEmptyDocumentAndAMessage) {
     EXPECT_FALSE(m_document.StopSimulation());
 }
 
-TEST_F(Document, ChangesAreNeverLostWithoutAQuestion) {
+TEST_F(Document, ChangesNeedAnAnswerBeforeLoss) {
     Create();
     m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
     EXPECT_TRUE(m_document.IsModified() && m_document.AreParametersChanged());
@@ -238,7 +238,7 @@ TEST_F(Document, ChangesAreNeverLostWithoutAQuestion) {
     EXPECT_FALSE(m_document.GetProject());
 }
 
-TEST_F(Document, ABrokenRuleStopsRunAndBatchFileAlike) {
+TEST_F(Document, BrokenRuleStopsRunAndBatchFile) {
     Create();
     auto& parameters = *m_document.GetProject()->simulationParameters;
     parameters.AddZupt();
@@ -278,7 +278,7 @@ TEST_F(Document, ABrokenRuleStopsRunAndBatchFileAlike) {
     EXPECT_FALSE(m_document.GetFileLooks().Call([](const auto&) -> int { throw std::bad_alloc(); }, 30s));
 }
 
-TEST_F(Document, SensorsWithoutAChoiceAreAddedWhileANewProjectIsOpen) {
+TEST_F(Document, NewProjectGetsSensorsWithoutChoice) {
     constexpr std::string_view channels[] = {"IMU", "SYNCHRO_2", "PLATFORM_ORIENT"};
     Enregistrement::CRecordingWriter writer;
     ASSERT_TRUE(writer.Create(m_recording, channels));
@@ -302,7 +302,7 @@ TEST_F(Document, SensorsWithoutAChoiceAreAddedWhileANewProjectIsOpen) {
     EXPECT_THAT(m_document.GetProject()->simulationParameters->sensors, IsEmpty());
 }
 
-TEST_F(Document, AResultThatAppearsAndGrowsIsFollowed) {
+TEST_F(Document, GrowingResultIsFollowed) {
     Create();
     const auto result = m_folder / "p.tarout";
     std::ofstream(result) << "XP"; // seen before its header is whole

@@ -101,7 +101,7 @@ class DocumentThreads : public testing::Test, private IDocumentView {
     CTrvDocument m_document{m_host, m_host.m_queue, m_configuration, false};
 };
 
-TEST_F(DocumentThreads, ProjectsComeAndGoWhileTheirFilesAreRead) {
+TEST_F(DocumentThreads, ProjectsCloseWhileTheirFilesLoad) {
     test::CTestRecording growing(m_folder / "growing.tarin"), still(m_folder / "still.tarin");
     Record(growing, 0, 3000);
     Record(still, 0, 3000);
@@ -161,7 +161,7 @@ TEST_F(DocumentThreads, ProjectsComeAndGoWhileTheirFilesAreRead) {
 
 // Many recordings are broken at once, each in its own way. The output panel tells each event once, however
 // often the files are looked at after it.
-TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
+TEST_F(DocumentThreads, EachFaultOfAFileIsReportedOnce) {
     struct SRow {
         const char* name;
         std::function<void(const std::filesystem::path&)> breakFile;
@@ -277,7 +277,7 @@ TEST_F(DocumentThreads, ReplacedFileReportsItsDamageAgain) {
                                               Outils_Texte::FormatText(EText::fileReplaced, {name})));
 }
 
-TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
+TEST_F(DocumentThreads, LateOldFilesAreUpgradedTogether) {
     const std::filesystem::path disk = m_folder / "disk";
     std::filesystem::create_directory(disk);
     const std::filesystem::path files[] = {disk / "a", disk / "b", disk / "c"};
@@ -320,7 +320,7 @@ TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
 
 // The reads of a recording are held: what the UI thread does returns all the same, for no read goes on before
 // the disk object goes. Then what was forgotten is not heard, and what was not is made up for.
-TEST_F(DocumentThreads, ADiskThatDoesNotAnswerHoldsUpNothing) {
+TEST_F(DocumentThreads, DeadDiskDelaysNothing) {
     test::CTestRecording bad(m_folder / "bad.tarin"), good(m_folder / "good.tarin");
     Record(bad, 0, 300);
     Record(good, 0, 300);

@@ -134,7 +134,7 @@ TEST_F(EngineRun, GuardsTheProjectUntilItEnds) {
     EXPECT_TRUE(m_document.CanCloseFrame());
 }
 
-TEST_F(EngineRun, SaveDuringARunKeepsTheResultsName) {
+TEST_F(EngineRun, SaveDuringRunKeepsResultName) {
     UseEngine("stop");
     Create();
     auto& result = m_document.GetProject()->simulationParameters->outputFile->path;
@@ -170,7 +170,7 @@ TEST_F(EngineRun, AsksToSaveWhatChanged) {
 
 // The engine ends at any byte: the whole packets of its result are shown, and a result without a whole header
 // is reported once the run is over.
-TEST_F(EngineRun, ShowsWhatIsWholeOfACutResult) {
+TEST_F(EngineRun, CutResultShowsWholePackets) {
     UseEngine("wait");
     Create();
     MakeResult();
@@ -209,7 +209,7 @@ TEST_F(EngineRun, WaitsForTheLastMessages) {
     EXPECT_EQ(std::ranges::count(m_host.m_output, "INFO : 1499"), 1);
 }
 
-TEST_F(EngineRun, ReportsHowARunEndedAndWhatItLeft) {
+TEST_F(EngineRun, ReportsEndAndResultOfRuns) {
     const auto whole = MakeResult();
     Create();
     const std::string kept = "INFO : " + FormatText(EText::formerKept, {ToText(m_result) + ".former"});
@@ -256,7 +256,7 @@ TEST_F(EngineRun, ReportsHowARunEndedAndWhatItLeft) {
     }
 }
 
-TEST_F(EngineRun, KeepsTheLastGoodResultOverFailedRuns) {
+TEST_F(EngineRun, FailedRunsKeepTheGoodResult) {
     MakeResult();
     Create();
     WriteOldResult();
@@ -294,7 +294,7 @@ TEST_F(EngineRun, KeepsTheLastGoodResultOverFailedRuns) {
     EXPECT_EQ(CountTraces(), 0u);
 }
 
-TEST_F(EngineRun, LeavesAForeignFileOfItsNameAlone) {
+TEST_F(EngineRun, LeavesForeignFilesAlone) {
     Create();
     WriteOldResult();
     const std::string former = m_result.native() + ".former";
@@ -306,7 +306,7 @@ TEST_F(EngineRun, LeavesAForeignFileOfItsNameAlone) {
     EXPECT_TRUE(HasOldResult());
 }
 
-TEST_F(EngineRun, RefusesASecondRunOnAProject) {
+TEST_F(EngineRun, RefusesASecondRun) {
     UseEngine("stop");
     Create();
     CTrvDocument second(m_host, m_host.m_queue, m_configuration, false);
@@ -321,7 +321,7 @@ TEST_F(EngineRun, RefusesASecondRunOnAProject) {
     EXPECT_EQ(Run(second), ERunOutcome::finished);
 }
 
-TEST_F(EngineRun, RefusesBeforeTheOldResultIsTouched) {
+TEST_F(EngineRun, RefusalKeepsTheOldResult) {
     UseEngine("work", MakeResult());
     Create();
     WriteOldResult();
@@ -365,7 +365,7 @@ TEST_F(EngineRun, RefusesBeforeTheOldResultIsTouched) {
     EXPECT_EQ(Run(), ERunOutcome::finished);
 }
 
-TEST_F(EngineRun, EndNowAsksNothingAndKeepsTheResult) {
+TEST_F(EngineRun, EndNowKeepsTheResult) {
     UseEngine("deaf", MakeResult());
     Create();
     ASSERT_TRUE(m_document.StartSimulation());

@@ -112,7 +112,7 @@ class LoaderTest : public testing::Test {
 
 using Period = std::pair<double, double>;
 
-TEST_F(LoaderTest, DefaultStackShowsTheResultBesideTheRecording) {
+TEST_F(LoaderTest, DefaultGraphsShowResultAndRecording) {
     Open();
     EXPECT_TRUE(m_loader->IsLoading());
     ASSERT_EQ(Stack().GetPortlets().size(), 6u);
@@ -140,7 +140,7 @@ TEST_F(LoaderTest, DefaultStackShowsTheResultBesideTheRecording) {
     EXPECT_EQ(CurveCount(), 1u);
 }
 
-TEST_F(LoaderTest, LastOfManyPeriodsWinsAndTheOldDataStaysMeanwhile) {
+TEST_F(LoaderTest, LastOfManyPeriodsWins) {
     OpenAndLoad();
     const auto old = Source(0, kRecording).GetDataset();
     m_loader->ZoomTime(1);
@@ -195,7 +195,7 @@ TEST_F(LoaderTest, GrowingResultIsFollowed) {
     EXPECT_NEAR(LastTime(kResult), 600, 1e-6);
 }
 
-TEST_F(LoaderTest, NewResultOfTheSameLengthIsReadAgain) {
+TEST_F(LoaderTest, NewResultIsReadAgain) {
     OpenAndLoad();
     EXPECT_TRUE(m_result.Close());
     BeginResult();
@@ -217,7 +217,7 @@ TEST_F(LoaderTest, FileTimeBecomesSimulationTime) {
     EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
 }
 
-TEST_F(LoaderTest, CurvesOfABrokenFileStayUntilARun) {
+TEST_F(LoaderTest, CurvesOfBrokenFilesStay) {
     OpenAndLoad();
     EXPECT_TRUE(m_result.Close());
     const auto file = m_folder / "dive.tarout";
@@ -255,7 +255,7 @@ TEST_F(LoaderTest, CurvesOfABrokenFileStayUntilARun) {
 }
 
 // The whole way: the monitor sees the file, the dictionary gets its layer, the graphs a curve.
-TEST_F(LoaderTest, ResultThatAppearsLaterJoinsTheGraphs) {
+TEST_F(LoaderTest, LateResultJoinsTheGraphs) {
     EXPECT_TRUE(m_result.Close());
     std::filesystem::rename(m_folder / "dive.tarout", m_folder / "kept");
     OpenAndLoad();

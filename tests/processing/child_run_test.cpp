@@ -69,7 +69,7 @@ constexpr const char* kDeaf = "exec sleep 1000";
 
 } // namespace
 
-TEST_F(ChildRun, ReportsTheEndOnceAfterTheLastOutput) {
+TEST_F(ChildRun, EndFollowsTheLastOutput) {
     EXPECT_EQ(m_run.Poll(), idle);
     EXPECT_FALSE(m_run.Start("/nowhere/tool"));
     EXPECT_EQ(m_run.Poll(), idle);
