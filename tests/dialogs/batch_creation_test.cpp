@@ -133,6 +133,8 @@ TEST_F(BatchCreation, TenExternalFilesKeepTheirOrder) {
     CBatchCreation creation;
     std::string message;
     ASSERT_TRUE(creation.Load(m_file, message)) << message;
+    EXPECT_EQ(creation.GetFiles().at(1).id, "file02") << "after the main input";
+    EXPECT_EQ(creation.GetFiles().at(9).id, "file10");
     const auto back = creation.Create(CBatchCreation::LookInto(creation.GetFiles(), kPackets), message);
     ASSERT_TRUE(back) << message;
     const auto& files = back->simulationParameters->externalFiles;
