@@ -1,7 +1,7 @@
 #include "common/child_program.h"
 
 #include "common/command_reader.h"
-#include "foundation/descriptor.h"
+#include "foundation/end_signals.h"
 #include "foundation/text.h"
 
 #include <algorithm>
@@ -9,7 +9,6 @@
 #include <csignal>
 #include <exception>
 
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 namespace Compagnon {
@@ -77,7 +76,7 @@ int RunProgram(const SProgram& program, const std::vector<std::string>& argument
     if (parsed.Has("--version"))
         return write(FormatText(EText::programVersion, {program.name, VARNE_VERSION}) + "\n") ? 0 : 1;
 
-    // A line that is refused may hold the switch behind the fault.
+    // A line that is refused may hold the switch after the fault.
     const bool remote = std::ranges::any_of(
         arguments, [](const std::string& argument) { return EqualsNoCase(argument, "/remote"); });
     CRunControl control;
@@ -109,14 +108,9 @@ int RunProgram(const SProgram& program, const std::vector<std::string>& argument
 int RunMain(const SProgram& program, int count, char** arguments) {
     // The failed write shows that nobody reads any more, and the run then ends in order.
     std::signal(SIGPIPE, SIG_IGN);
-    sigset_t ending;
-    sigemptyset(&ending);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&ending, signal);
-    // Blocked before any thread starts, so that the descriptor alone receives them.
-    pthread_sigmask(SIG_BLOCK, &ending, nullptr);
-    const Outils_Fichiers::CDescriptor signals(signalfd(-1, &ending, SFD_CLOEXEC | SFD_NONBLOCK));
+    const Outils::CEndSignals signals;
     return RunProgram(program, std::vector<std::string>(arguments + (count > 0 ? 1 : 0), arguments + count),
-                      STDIN_FILENO, STDOUT_FILENO, signals.Get());
+                      STDIN_FILENO, STDOUT_FILENO, signals.GetDescriptor());
 }
 
 } // namespace Compagnon

@@ -39,7 +39,7 @@ class CCommandLines {
 };
 
 // Passes the words of a descriptor to a control. Commands "stop" when the other end closes, since the
-// application is then gone, and when a signal arrives.
+// application has ended, and when a signal arrives.
 class CCommandReader : public Outils::CThread {
   public:
     // `input`: the words; -1 reads none. `signals`: a signal descriptor; -1 watches none. Both stay open and

@@ -1,5 +1,7 @@
 #include "common/target_file.h"
 
+#include <atomic>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,8 +12,10 @@ namespace {
 namespace fs = std::filesystem;
 using Outils_Fichiers::CDescriptor;
 
+// Not made of the target's name, which may be as long as a name can be.
 fs::path NameBeside(const fs::path& target) {
-    return target.parent_path() / ("." + std::to_string(getpid()) + "-" + target.filename().string());
+    static std::atomic<unsigned> count{0};
+    return target.parent_path() / ("." + std::to_string(getpid()) + "-" + std::to_string(++count));
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 namespace Compagnon {
 
 // Gives a place to write beside the target and moves it there at the end. Where the file system has files
-// without a name, a killed program leaves nothing behind. One thread.
+// without a name, a killed program leaves no file. One thread.
 class CTargetFile {
   public:
     CTargetFile() = default;

@@ -13,7 +13,7 @@ namespace {
 using namespace Persistance_Xpf;
 using Outils_Temps::CDateTimeSpan;
 
-constexpr std::string_view kChannels[] = {"MORVEX_STD", "MORVEX_MSG"};
+constexpr std::string_view kChannels[] = {kResultChannel, "MORVEX_MSG"};
 
 template <class Value>
 void Put(CXpfPacket& packet, std::uint32_t offset, Value value) {

@@ -86,7 +86,7 @@ bool CRecordingWriter::WriteRaw(ChannelHandle handle, std::span<const std::uint8
     return true;
 }
 
-// Room for `size` bytes behind those that wait; null on a failed write.
+// Room for `size` bytes after those that wait; null on a failed write.
 std::uint8_t* CRecordingWriter::Reserve(std::size_t size) {
     if (m_used + size > m_block.size()) {
         if (!Flush()) return nullptr;

@@ -47,8 +47,8 @@ class CRecordingWriter {
     // The handle of a channel of this file; empty when it has none of that name.
     std::optional<ChannelHandle> FindChannel(std::string_view name) const;
 
-    // Appends a packet of a decoded channel. False also when the packet's size is not that of the channel's
-    // type.
+    // Appends a packet of a decoded channel. False also when the packet's size is not the size of the
+    // channel's type.
     bool Write(ChannelHandle channel, const Persistance_Xpf::CXpfPacket& packet);
     // The same by name, which is looked up each time.
     bool Write(std::string_view channel, const Persistance_Xpf::CXpfPacket& packet);

@@ -2,6 +2,7 @@
 
 #include "foundation/numbers.h"
 #include "foundation/paths.h"
+#include "foundation/switches.h"
 #include "foundation/texts.h"
 #include "simulator/grades.h"
 #include "simulator/sensors.h"
@@ -17,10 +18,12 @@ namespace Simulation {
 
 namespace {
 
+using Outils_Texte::ESwitchValue;
 using Outils_Texte::EText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 using Outils_Texte::ParseDouble;
+using Outils_Texte::SSwitchRow;
 
 constexpr std::string_view kVehicles[] = {"ship", "auv", "car"};
 constexpr std::string_view kMounts[] = {"gps", "dvl", "emlog", "depth", "usbl", "lbl"};
@@ -218,7 +221,8 @@ std::string ShowStart(const SMissionOptions& options) {
                 Outils_Texte::FormatShortest);
 }
 std::string ShowCurrent(const SMissionOptions& options) {
-    return Join(std::array<double, 2>{options.current.x(), options.current.y()}, Outils_Texte::FormatShortest);
+    return Join(std::array<double, 2>{options.current.x(), options.current.y()},
+                Outils_Texte::FormatShortest);
 }
 std::string ShowUtc(const SMissionOptions& options) {
     Outils_Temps::CalendarFields fields;
@@ -231,7 +235,7 @@ std::string ShowUtc(const SMissionOptions& options) {
 
 struct SOptionRow {
     std::string_view name;
-    std::string_view value; // as the usage names it; two words: two arguments; empty for a flag
+    std::string_view value; // as the usage names it; two words: two arguments
     EText help;
     bool (*set)(SMissionOptions& options, std::string_view value);
     std::string (*showDefault)(const SMissionOptions& options) = nullptr; // null when there is none to show
@@ -284,32 +288,25 @@ constexpr SOptionRow kRows[] = {
 };
 
 // Options of the program itself.
-constexpr std::string_view kTruthOption = "--truth";
-constexpr std::string_view kForceOption = "--force";
-constexpr std::string_view kHelpWords[] = {"--help", "-h", "help"};
-constexpr std::string_view kVersionOption = "--version";
+constexpr SSwitchRow kTruth{"--truth", ESwitchValue::text, "FILE", EText::simTruthHelp};
+constexpr SSwitchRow kForce{"--force", ESwitchValue::none, "", EText::simForceHelp};
+constexpr SSwitchRow kVersion{"--version", ESwitchValue::none, "", EText::simVersionHelp};
+constexpr SSwitchRow kHelp{"--help", ESwitchValue::none, "", EText::simHelpHelp};
+constexpr SSwitchRow kShortHelp{"-h", ESwitchValue::none, "", EText::simHelpHelp};
+constexpr std::string_view kHelpWord = "help";
+
+std::vector<SSwitchRow> MakeSwitches() {
+    std::vector<SSwitchRow> rows{kTruth, kForce, kVersion, kHelp, kShortHelp};
+    for (const SOptionRow& row : kRows) {
+        const bool two = row.value.find(' ') != std::string_view::npos;
+        rows.push_back({row.name, two ? ESwitchValue::pair : ESwitchValue::text, row.value, row.help});
+    }
+    return rows;
+}
 
 bool Refuse(std::string& error, EText text, std::initializer_list<std::string_view> arguments = {}) {
     error = FormatText(text, arguments);
     return false;
-}
-
-// Sets the option at `words[i]` and moves `i` to its last word.
-bool SetOption(std::span<const std::string> words, std::size_t& i, SCommandLine& line, std::string& error) {
-    const std::string& name = words[i];
-    if (name == kForceOption) return line.force = true;
-    const auto* row = std::ranges::find(kRows, name, &SOptionRow::name);
-    const bool isMissionOption = row != std::end(kRows);
-    if (!isMissionOption && name != kTruthOption) return Refuse(error, EText::simUnknownOption, {name});
-    const bool two = isMissionOption && row->value.find(' ') != std::string_view::npos;
-    if (i + (two ? 2 : 1) >= words.size()) return Refuse(error, EText::simNoValue, {name});
-    std::string value = words[++i];
-    if (two) value += ' ' + words[++i];
-    if (!isMissionOption)
-        line.truth = Outils_Fichiers::FromText(value);
-    else if (!row->set(line.options, value))
-        return Refuse(error, EText::simWrongValue, {name, value, row->value, GetText(row->help)});
-    return true;
 }
 
 void AddOption(std::string& usage, std::string_view name, std::string_view value, std::string_view help,
@@ -348,18 +345,26 @@ std::string DescribeChannels() {
 
 } // namespace
 
-bool ParseCommandLine(std::span<const std::string> arguments, SCommandLine& commandLine, std::string& error) {
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        const std::string& argument = arguments[i];
-        if (std::ranges::find(kHelpWords, argument) != std::end(kHelpWords)) return commandLine.help = true;
-        if (argument == kVersionOption) return commandLine.version = true;
-        if (argument.starts_with('-')) {
-            if (!SetOption(arguments, i, commandLine, error)) return false;
-        } else if (!commandLine.output.empty()) {
-            return Refuse(error, EText::simTwoOutputs, {argument});
-        } else {
-            commandLine.output = Outils_Fichiers::FromText(argument);
-        }
+bool ParseCommandLine(std::span<const std::string> words, SCommandLine& commandLine, std::string& error) {
+    const std::vector<SSwitchRow> switches = MakeSwitches();
+    Outils_Texte::CArguments arguments;
+    const bool valid = arguments.Parse(switches, words, error, Outils_Texte::ESwitchStyle::dash);
+    const auto& files = arguments.GetFiles();
+    // Asked for instead of a mission, whatever else the line says.
+    commandLine.help = arguments.Has(kHelp.name) || arguments.Has(kShortHelp.name) ||
+                       std::ranges::find(files, kHelpWord) != files.end();
+    commandLine.version = arguments.Has(kVersion.name);
+    if (commandLine.help || commandLine.version) return true;
+    if (!valid) return false;
+    if (files.size() > 1) return Refuse(error, EText::simTwoOutputs, {files[1]});
+    if (!files.empty()) commandLine.output = Outils_Fichiers::FromText(files[0]);
+    commandLine.force = arguments.Has(kForce.name);
+    commandLine.truth = Outils_Fichiers::FromText(arguments.GetText(kTruth.name));
+    for (const auto& given : arguments.GetSwitches()) {
+        const auto* row = std::ranges::find(kRows, given.row->name, &SOptionRow::name);
+        if (row != std::end(kRows) && !row->set(commandLine.options, given.text))
+            return Refuse(error, EText::simWrongValue,
+                          {row->name, given.text, row->value, GetText(row->help)});
     }
     if (commandLine.output.empty()) return Refuse(error, EText::simNoOutput);
     if (commandLine.truth.empty())
@@ -386,10 +391,9 @@ std::string GetUsage() {
     for (const SOptionRow& row : kRows)
         AddOption(usage, row.name, row.value, GetText(row.help),
                   row.showDefault ? row.showDefault(defaults) : std::string());
-    AddOption(usage, kTruthOption, "FILE", GetText(EText::simTruthHelp));
-    AddOption(usage, kForceOption, "", GetText(EText::simForceHelp));
-    AddOption(usage, "-h, --help", "", GetText(EText::simHelpHelp));
-    AddOption(usage, kVersionOption, "", GetText(EText::simVersionHelp));
+    AddOption(usage, "-h, --help", "", GetText(kHelp.help));
+    for (const SSwitchRow& row : {kTruth, kForce, kVersion})
+        AddOption(usage, row.name, row.value, GetText(row.help));
     return usage + DescribeGrades() + DescribeChannels();
 }
 

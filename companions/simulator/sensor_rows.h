@@ -6,7 +6,7 @@
 namespace Simulation {
 
 struct SSensorRow {
-    std::string_view prefix; // of the channel names: "GPS_" stands for GPS_1 to GPS_3
+    std::string_view prefix; // of the channel names: "GPS_" means GPS_1 to GPS_3
     const Persistance_Xpf::SPacketLayout* layout;
     double rate;  // packets per second, usually
     double phase; // seconds after the whole period

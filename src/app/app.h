@@ -20,7 +20,9 @@ class CTrvApp {
     // `executable` is the path of the running program, empty when it is unknown. `userFolder` takes the
     // settings where the program's folder cannot be written; empty for none. Touches no file.
     explicit CTrvApp(std::filesystem::path executable, const std::filesystem::path& userFolder = {})
-        : m_executable(std::move(executable)), m_settingsFiles(m_executable, userFolder) {}
+        : m_executable(std::move(executable)),
+          m_userFolder(userFolder),
+          m_settingsFiles(m_executable, userFolder) {}
     CTrvApp(const CTrvApp&) = delete;
     CTrvApp& operator=(const CTrvApp&) = delete;
 
@@ -37,11 +39,14 @@ class CTrvApp {
     bool IsExpertMode() const { return m_expertMode; }
     // The folder of the executable, where the child programs and the user guide stand.
     std::filesystem::path GetProgramFolder() const { return m_executable.parent_path(); }
+    // Empty for none.
+    const std::filesystem::path& GetUserFolder() const { return m_userFolder; }
     std::filesystem::path GetUserGuide() const;
     const Outils_Configuration::CSettingsFiles& GetSettingsFiles() const { return m_settingsFiles; }
 
   private:
     const std::filesystem::path m_executable;
+    const std::filesystem::path m_userFolder;
     const Outils_Configuration::CSettingsFiles m_settingsFiles;
     CTrvCnfConfigFile m_configuration;
     Outils_Valeurs::CTrvAdaptors m_adaptors;

@@ -26,8 +26,11 @@ CTrvFrameHost::CPlainCursor::~CPlainCursor() {
 }
 
 CTrvFrameHost::CTrvFrameHost(Outils::IMessageTarget& target, IDialogs& dialogs,
-                             std::filesystem::path programFolder)
-    : m_dialogs(dialogs), m_programFolder(std::move(programFolder)), m_receiver(target, this) {}
+                             std::filesystem::path programFolder, std::filesystem::path userFolder)
+    : m_dialogs(dialogs),
+      m_programFolder(std::move(programFolder)),
+      m_userFolder(std::move(userFolder)),
+      m_receiver(target, this) {}
 
 void CTrvFrameHost::Attach(QWidget* window, CTrvOutputWnd* output, CTrvStatusBar* statusBar) {
     m_window = window;

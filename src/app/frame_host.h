@@ -27,7 +27,8 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
     };
 
     // `target` and `dialogs` must outlive the host.
-    CTrvFrameHost(Outils::IMessageTarget& target, IDialogs& dialogs, std::filesystem::path programFolder);
+    CTrvFrameHost(Outils::IMessageTarget& target, IDialogs& dialogs, std::filesystem::path programFolder,
+                  std::filesystem::path userFolder);
 
     // The parent of all dialogs, and where lines and progress go; null, as at the start, for none. Each must
     // outlive the host or be detached.
@@ -52,6 +53,7 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
     void UpdateMenuForEquipment(std::int32_t equipment) override;
     Communication_Interfaces::IMorvexNotification* GetReceiver() override { return &m_receiver; }
     std::filesystem::path GetProgramFolder() override { return m_programFolder; }
+    std::filesystem::path GetUserFolder() override { return m_userFolder; }
     Outils_Temps::CDateTime GetTime() override { return Outils_Temps::CDateTime::Now(); }
     void Sleep(std::chrono::milliseconds time) override;
     std::chrono::milliseconds GetPatience() override { return std::chrono::milliseconds(100); }
@@ -64,7 +66,7 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
     void OnMessageQueued() override;
 
     IDialogs& m_dialogs;
-    const std::filesystem::path m_programFolder;
+    const std::filesystem::path m_programFolder, m_userFolder;
     Communication_Processus::CMorvexReceiver m_receiver;
     std::function<void(std::int32_t)> m_onEquipment;
     int m_waitCursors = 0;

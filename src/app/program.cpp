@@ -1,7 +1,6 @@
 #include "app/program.h"
 
 #include "app/app.h"
-#include "app/end_signals.h"
 #include "app/event_loop_target.h"
 #include "app/snapshot.h"
 #include "app/splash.h"
@@ -74,9 +73,8 @@ int RunSnapshot(CTrvApp& application, Outils::IMessageTarget& target, const SCom
     return 1;
 }
 
-// Lets the signals end the program again once there is no frame any more.
 SSessionEnd RunSession(CTrvApp& application, Outils::IMessageTarget& target, const SCommandLine& line,
-                       std::optional<CEndSignals>& endSignals) {
+                       const Outils::CEndSignals& endSignals) {
     SSessionEnd end;
     auto* splash = new CSplashWnd; // Deletes itself.
     splash->show();
@@ -84,14 +82,13 @@ SSessionEnd RunSession(CTrvApp& application, Outils::IMessageTarget& target, con
     CWindowDialogs dialogs;
     CWindowSession session(application, target, dialogs, settings);
     CTrvProjectMainFrame& frame = session.GetFrame();
-    session.EndOn(*endSignals);
+    session.EndOn(endSignals);
     const auto mode = application.GetConfiguration().Get(Cnf<"general/startMode">);
     Start(frame, ChooseStart(line.project, mode, frame.GetRecentFiles().GetFirst()),
           [&] { splash->CloseFor(frame); });
     // A signal may have closed a box of the start: the loop would not know of it.
     if (!session.IsEndedFromOutside()) end.code = QApplication::exec();
     end.fromOutside = session.IsEndedFromOutside();
-    endSignals.reset();
     return end;
 }
 
@@ -119,7 +116,7 @@ int RunProgram(int argc, char* argv[]) {
         }
         qputenv("QT_QPA_PLATFORM", "offscreen"); // a picture needs no screen
     }
-    std::optional<CEndSignals> endSignals;
+    std::optional<Outils::CEndSignals> endSignals;
     if (line.request == ERequest::run) endSignals.emplace(); // the work on a picture may end at any place
     int noArguments = std::min(argc, 1); // the words are read: none is the window system's
     QApplication qt(noArguments, argv);
@@ -129,7 +126,8 @@ int RunProgram(int argc, char* argv[]) {
                         Outils_Configuration::FindUserSettingsFolder());
     application.InitInstance();
     if (line.request == ERequest::snapshot) return RunSnapshot(application, target, line);
-    const SSessionEnd end = RunSession(application, target, line, endSignals);
+    const SSessionEnd end = RunSession(application, target, line, *endSignals);
+    endSignals.reset(); // the question about the settings may be ended as any other program is
     StoreSettings(application, !end.fromOutside);
     return end.code;
 }

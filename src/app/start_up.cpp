@@ -2,41 +2,51 @@
 
 #include "app/main_frame.h"
 #include "foundation/paths.h"
+#include "foundation/switches.h"
 #include "foundation/texts.h"
 
 namespace Application_Tarvel {
 
 using Outils_Texte::EText;
-
 using Outils_Texte::FormatText;
+
+namespace {
+
+using Outils_Texte::ESwitchValue;
+using Outils_Texte::SSwitchRow;
+
+constexpr SSwitchRow kSwitches[] = {
+    {"--help", ESwitchValue::none, "", EText::switchHelp},
+    {"-h", ESwitchValue::none, "", EText::switchHelp},
+    {"--version", ESwitchValue::none, "", EText::switchVersion},
+    {"--snapshot", ESwitchValue::text, "FILE", EText::snapshotHelp},
+};
+
+} // namespace
 
 SCommandLine ParseCommandLine(std::span<const char* const> words) {
     SCommandLine line;
-    bool options = true;
-    const auto refuse = [](EText text, std::string_view word) {
-        SCommandLine wrong;
-        wrong.request = ERequest::wrongUsage;
-        wrong.error = FormatText(text, {word});
-        return wrong;
-    };
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::string_view word = words[i];
-        if (!options || !word.starts_with('-')) {
-            if (!line.project.empty()) return refuse(EText::tooManyFiles, word);
-            line.project = Outils_Fichiers::FromText(word);
-        } else if (word == "--") {
-            options = false;
-        } else if (word == "--help" || word == "-h" || word == "--version") {
-            line.request = word == "--version" ? ERequest::version : ERequest::help;
-            return line;
-        } else if (word == "--snapshot") {
-            if (i + 1 == words.size() || *words[i + 1] == '\0') return refuse(EText::missingValue, word);
-            line.request = ERequest::snapshot;
-            line.snapshot = Outils_Fichiers::FromText(words[++i]);
-        } else {
-            return refuse(EText::unknownSwitch, word);
-        }
+    Outils_Texte::CArguments arguments;
+    const std::vector<std::string> all(words.begin(), words.end());
+    const bool valid = arguments.Parse(kSwitches, all, line.error, Outils_Texte::ESwitchStyle::dash);
+    for (const std::string& file : arguments.GetFiles()) {
+        if (line.project.empty())
+            line.project = Outils_Fichiers::FromText(file);
+        else
+            line.error = FormatText(EText::tooManyFiles, {file});
     }
+    const auto* snapshot = arguments.Find("--snapshot");
+    if (snapshot && snapshot->text.empty()) line.error = FormatText(EText::missingValue, {"--snapshot"});
+    // Help is given whatever follows, also what makes no sense.
+    if (arguments.Has("--help") || arguments.Has("-h"))
+        line.request = ERequest::help;
+    else if (arguments.Has("--version"))
+        line.request = ERequest::version;
+    else if (!valid || !line.error.empty())
+        line.request = ERequest::wrongUsage;
+    else if (snapshot)
+        line.request = ERequest::snapshot;
+    if (snapshot) line.snapshot = Outils_Fichiers::FromText(snapshot->text);
     return line;
 }
 
@@ -54,7 +64,8 @@ void Start(CTrvProjectMainFrame& frame, const SStart& start, const std::function
     frame.repaint();
     if (!start.file.empty()) frame.OpenProject(start.file);
     opened();
-    if (start.newProject) frame.NewProject();
+    frame.GetDocument().OfferUnsaved(frame.GetRecentFiles().GetFiles());
+    if (start.newProject && !frame.HasProject()) frame.NewProject();
 }
 
 } // namespace Application_Tarvel

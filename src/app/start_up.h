@@ -19,7 +19,7 @@ struct SCommandLine {
     ERequest request = ERequest::run;
     std::filesystem::path project;  // empty when none was named
     std::filesystem::path snapshot; // the picture to write
-    std::string error;              // of wrong usage
+    std::string error;              // of a wrong line; also when help is asked for
 };
 
 // `words` without the name of the program, UTF-8. What follows "--" is no option.
@@ -34,8 +34,9 @@ struct SStart {
 SStart ChooseStart(const std::filesystem::path& named, EStartMode mode,
                    const std::filesystem::path& lastProject);
 
-// Shows the frame, empty, and then opens what was chosen. After a failed open the document is empty and
-// nothing more is asked. Calls `opened` before a new project is asked for.
+// Shows the frame, empty, and then opens what was chosen. After a failed open the document is empty and no
+// new project is asked for. Calls `opened` before it offers unsaved changes of the recent projects and asks
+// for a new project.
 void Start(
     CTrvProjectMainFrame& frame, const SStart& start, const std::function<void()>& opened = [] {});
 

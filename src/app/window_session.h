@@ -1,11 +1,12 @@
 // One session with a window: the document, its surroundings, and the frame that shows it. UI thread.
 #pragma once
 
+#include "app/end_listener.h"
 #include "app/main_frame.h"
 
-namespace Application_Tarvel {
+#include <optional>
 
-class CEndSignals;
+namespace Application_Tarvel {
 
 class CWindowSession {
   public:
@@ -17,17 +18,17 @@ class CWindowSession {
     CTrvDocument& GetDocument() { return m_document; }
     CTrvProjectMainFrame& GetFrame() { return m_frame; }
 
-    // From now on a signal ends the event loop: it asks nothing, and what is unsaved is kept beside the
-    // project. The session must
-    // outlive `endSignals`.
-    void EndOn(CEndSignals& endSignals);
+    // From now on a signal ends the event loop: it asks nothing, and what is unsaved is kept. Standard error
+    // says so when it cannot be. `endSignals` must outlive the session.
+    void EndOn(const Outils::CEndSignals& endSignals);
     bool IsEndedFromOutside() const { return m_endedFromOutside; }
 
   private:
     bool m_endedFromOutside = false;
     CTrvFrameHost m_host;
     CTrvDocument m_document;
-    CTrvProjectMainFrame m_frame; // goes first: its views leave the document
+    CTrvProjectMainFrame m_frame; // goes before the document, which its views leave
+    std::optional<CEndListener> m_endListener;
 };
 
 } // namespace Application_Tarvel

@@ -65,7 +65,7 @@ void CBatchHost::AppendOutputText(const std::string& line) {
 }
 
 void CBatchHost::SetProgress(int percent) {
-    // A run sets the bar back to 0 at its end: lines only ever tell of progress made.
+    // A run sets the bar back to 0 at its end: lines report only progress made.
     if (!m_progressShows || percent <= m_lastPercent) return;
     m_lastPercent = percent;
     m_report.ReportProgress(percent);

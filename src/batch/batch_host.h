@@ -41,6 +41,7 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
     void UpdateMenuForEquipment(std::int32_t) override {}
     Communication_Interfaces::IMorvexNotification* GetReceiver() override { return &m_receiver; }
     std::filesystem::path GetProgramFolder() override;
+    std::filesystem::path GetUserFolder() override { return {}; } // a command leaves nothing for a next start
     Outils_Temps::CDateTime GetTime() override { return Outils_Temps::CDateTime::Now(); }
     void Sleep(std::chrono::milliseconds time) override;
     // A command has nothing else to do.

@@ -15,17 +15,20 @@ namespace {
 constexpr std::string_view kProgram = "varnenav-batch";
 constexpr std::string_view kVersion = VARNE_VERSION;
 
-constexpr SOption kFrom{"--from", "S", EText::fromHelp};
-constexpr SOption kTo{"--to", "S", EText::toHelp};
+constexpr SSwitchRow kFrom{"--from", ESwitchValue::text, "S", EText::fromHelp};
+constexpr SSwitchRow kTo{"--to", ESwitchValue::text, "S", EText::toHelp};
 
-constexpr SOption kCreateOptions[] = {{"--add", "all|KIND,...", EText::addHelp},
-                                      {"--ins-configuration", "FILE", EText::insConfigurationHelp}};
-constexpr SOption kReportOptions[] = {kJson};
-constexpr SOption kFromParametersOptions[] = {{"--file", "ID=PATH", EText::fileHelp, true}};
-constexpr SOption kDictionaryOptions[] = {{"--expert", "", EText::expertHelp}, kJson};
-constexpr SOption kPacketsOptions[] = {kFrom, kTo, {"--limit", "N", EText::limitHelp}, kJson};
-constexpr SOption kReduceOptions[] = {kFrom, kTo, {"--slices", "N", EText::slicesHelp}, kJson};
-constexpr SOption kPictureOptions[] = {{"--size", "WxH", EText::sizeHelp}};
+constexpr SSwitchRow kCreateOptions[] = {
+    {"--add", ESwitchValue::text, "all|KIND,...", EText::addHelp},
+    {"--ins-configuration", ESwitchValue::text, "FILE", EText::insConfigurationHelp}};
+constexpr SSwitchRow kReportOptions[] = {kJson};
+constexpr SSwitchRow kFromParametersOptions[] = {{"--file", ESwitchValue::list, "ID=PATH", EText::fileHelp}};
+constexpr SSwitchRow kDictionaryOptions[] = {{"--expert", ESwitchValue::none, "", EText::expertHelp}, kJson};
+constexpr SSwitchRow kPacketsOptions[] = {
+    kFrom, kTo, {"--limit", ESwitchValue::text, "N", EText::limitHelp}, kJson};
+constexpr SSwitchRow kReduceOptions[] = {
+    kFrom, kTo, {"--slices", ESwitchValue::text, "N", EText::slicesHelp}, kJson};
+constexpr SSwitchRow kPictureOptions[] = {{"--size", ESwitchValue::text, "WxH", EText::sizeHelp}};
 
 constexpr SCommand kCommands[] = {
     {"create", "RECORDING PROJECT", EText::createSummary, kCreateOptions, CreateCommand},
@@ -52,10 +55,10 @@ constexpr bool IsOneOf(std::string_view word, std::initializer_list<std::string_
 
 std::string GetUsage(const SCommand& command) {
     std::string words(command.arguments);
-    for (const SOption& option : command.options) {
+    for (const SSwitchRow& option : command.options) {
         words += " [" + std::string(option.name);
         if (!option.value.empty()) words += ' ' + std::string(option.value);
-        words += option.repeats ? "]..." : "]";
+        words += option.kind == ESwitchValue::list ? "]..." : "]";
     }
     return words;
 }
@@ -75,7 +78,7 @@ int PrintHelp(std::ostream& out) {
 
 int PrintHelp(const SCommand& command, std::ostream& out) {
     out << GetUsageLine(command) << GetText(command.summary) << '\n';
-    for (const SOption& option : command.options)
+    for (const SSwitchRow& option : command.options)
         out << "  " << option.name << ' ' << option.value << "\n      " << GetText(option.help) << '\n';
     return exitSuccess;
 }
@@ -126,7 +129,7 @@ int Run(std::span<const std::string> words, SStreams streams) {
     try {
         const int status = RunWords(words, streams, command);
         streams.out.flush();
-        // A full disk or a closed pipe behind standard output must not pass for success.
+        // A full disk or a closed pipe at standard output must not pass for success.
         if (streams.out) return status;
         streams.error << kProgram << ": " << GetText(EText::outputNotWritten) << '\n';
         return exitFailure;

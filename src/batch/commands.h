@@ -22,7 +22,7 @@ struct SCommand {
     std::string_view name;
     std::string_view arguments; // the words after the name that are no options, as the usage shows them
     EText summary;              // says in one line what the command does
-    std::span<const SOption> options;
+    std::span<const SSwitchRow> options;
     int (*run)(const COptions& options, SStreams streams);
 };
 

@@ -52,7 +52,7 @@ bool CheckFolder(const std::filesystem::path& path, const std::string& shown, SS
 
 CDateTime FindResultOrigin(CXpfFile& file) {
     const CXpfTaroutMorvexStdPacketV2 fields;
-    CXpfChannel* channel = file.FindChannelByName("MORVEX_STD");
+    CXpfChannel* channel = file.FindChannelByName(kResultChannel);
     const auto packet = channel ? channel->CreatePacket() : nullptr;
     if (!packet || !channel->ReadNextPacket(*packet)) return CDateTime::Invalid();
     constexpr auto at = [](std::string_view name) { return kMorvexStdLayout.IndexOf(name); };

@@ -26,7 +26,7 @@ EText FindFileFault(const std::filesystem::path& path);
 // Why the file is not one of the application's packet files: what FindFileFault finds, foreign, of another
 // layout, or damaged. EText::none when it is one.
 EText FindPacketFileFault(const std::filesystem::path& path);
-// The same for a project, as far as its first bytes tell.
+// The same for a project, as far as its first bytes show.
 EText FindProjectFault(const std::filesystem::path& path);
 
 // False, with its fault reported, for a file that `find` finds fault with.
@@ -60,7 +60,7 @@ struct SOpenChannel : SOpenFile {
 SOpenChannel OpenChannel(const std::string& path, const std::string& name, SStreams streams);
 
 // The UTC of date zero of a file: from the UTC channel of a recording, from the first packet of a result.
-// Invalid when the file does not tell it.
+// Invalid when the file does not give it.
 Outils_Temps::CDateTime FindUtcOriginOf(SOpenFile& open, const std::filesystem::path& path);
 
 } // namespace Batch

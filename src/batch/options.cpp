@@ -12,38 +12,24 @@ using Outils_Temps::CDateTimeSpan;
 CUsageError::CUsageError(EText text, std::initializer_list<std::string_view> arguments)
     : std::runtime_error(Outils_Texte::FormatText(text, arguments)) {}
 
-COptions::COptions(std::span<const std::string> words, std::span<const SOption> known) {
-    bool optionsEnded = false;
-    for (std::size_t i = 0; i < words.size(); ++i) {
-        const std::string& word = words[i];
-        const bool isOption = word.size() > 1 && word[0] == '-' && !Outils_Texte::ParseDouble(word);
-        if (optionsEnded || !isOption) {
-            m_arguments.push_back(word);
-            continue;
-        }
-        if (word == "--") {
-            optionsEnded = true;
-            continue;
-        }
-        const auto option = std::ranges::find(known, word, &SOption::name);
-        if (option == known.end())
-            throw CUsageError(EText::unknownOption, {word, ListWords(known, &SOption::name)});
-        const bool takesValue = !option->value.empty();
-        if (takesValue && i + 1 == words.size()) throw CUsageError(EText::optionValue, {word});
-        auto& values = m_values[word];
-        if (!values.empty() && !option->repeats) throw CUsageError(EText::optionTwice, {word});
-        values.push_back(takesValue ? words[++i] : std::string());
-    }
+COptions::COptions(std::span<const std::string> words, std::span<const SSwitchRow> known) {
+    std::string error;
+    if (!m_words.Parse(known, words, error, Outils_Texte::ESwitchStyle::dash)) throw CUsageError(error);
+    for (const auto& given : m_words.GetSwitches())
+        if (&given != m_words.Find(given.row->name) && given.row->kind != ESwitchValue::list)
+            throw CUsageError(EText::optionTwice, {given.row->name});
 }
 
 std::optional<std::string> COptions::Get(std::string_view option) const {
-    const auto place = m_values.find(option);
-    return place == m_values.end() ? std::nullopt : std::optional(place->second.front());
+    const auto* given = m_words.Find(option);
+    return given ? std::optional(given->text) : std::nullopt;
 }
 
 std::vector<std::string> COptions::GetAll(std::string_view option) const {
-    const auto place = m_values.find(option);
-    return place == m_values.end() ? std::vector<std::string>() : place->second;
+    std::vector<std::string> values;
+    for (const auto& given : m_words.GetSwitches())
+        if (given.row->name == option) values.push_back(given.text);
+    return values;
 }
 
 std::optional<CDateTimeSpan> COptions::GetSeconds(std::string_view option) const {

@@ -3,12 +3,12 @@
 
 #include "batch/table.h"
 #include "foundation/date_time.h"
+#include "foundation/switches.h"
 #include "foundation/text.h"
 #include "foundation/texts.h"
 
 #include <functional>
 #include <initializer_list>
-#include <map>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -18,33 +18,29 @@
 
 namespace Batch {
 
+using Outils_Texte::ESwitchValue;
 using Outils_Texte::EText;
+using Outils_Texte::SSwitchRow;
 
 // The command line makes no sense; the text says why. Caught in Run, which answers with exit status 2.
 class CUsageError : public std::runtime_error {
   public:
     explicit CUsageError(EText text, std::initializer_list<std::string_view> arguments = {});
+    explicit CUsageError(const std::string& reason) : std::runtime_error(reason) {}
 };
 
-// An option of a command.
-struct SOption {
-    std::string_view name;  // with its dashes
-    std::string_view value; // what follows it, as the usage shows it; empty for a flag
-    EText help;             // one line
-    bool repeats = false;   // may be given several times
-};
-inline constexpr SOption kJson{"--json", "", EText::jsonHelp};
+inline constexpr SSwitchRow kJson{"--json", ESwitchValue::none, "", EText::jsonHelp};
 
 class COptions {
   public:
-    // Sorts the words by the options that the command knows. Throws CUsageError for an unknown option, a
-    // missing value or an option given twice. "--" ends the options; a number below zero is an argument.
-    COptions(std::span<const std::string> words, std::span<const SOption> known);
+    // Sorts the words by the options that the command knows, which must outlive the object. Throws
+    // CUsageError for a line that the parser refuses, and for an option given twice that is no list.
+    COptions(std::span<const std::string> words, std::span<const SSwitchRow> known);
 
-    const std::vector<std::string>& GetArguments() const { return m_arguments; }
-    bool Has(std::string_view option) const { return m_values.contains(option); }
+    const std::vector<std::string>& GetArguments() const { return m_words.GetFiles(); }
+    bool Has(std::string_view option) const { return m_words.Has(option); }
     std::optional<std::string> Get(std::string_view option) const;
-    // Every value of an option that repeats, in order.
+    // Every value of an option that is a list, in order.
     std::vector<std::string> GetAll(std::string_view option) const;
     // The form that the command's table has.
     EForm GetForm() const { return Has(kJson.name) ? EForm::json : EForm::rows; }
@@ -53,8 +49,7 @@ class COptions {
     std::optional<long long> GetPositive(std::string_view option) const;
 
   private:
-    std::vector<std::string> m_arguments;
-    std::map<std::string, std::vector<std::string>, std::less<>> m_values;
+    Outils_Texte::CArguments m_words;
 };
 
 // A number of seconds as a span that the clock of a recording can hold. Throws CUsageError.

@@ -3,44 +3,40 @@
 #include "batch/file_access.h"
 #include "batch/run_report.h"
 #include "batch/session.h"
+#include "foundation/end_signals.h"
+#include "foundation/thread.h"
 
 #include <chrono>
-#include <csignal>
 #include <optional>
 
 namespace Batch {
 
+using Outils::CEndSignals;
+
 namespace {
 
-// The signals that ask a program to end. While an object lives they wait to be taken instead of ending the
-// program.
-class CEndSignals {
+// Lets the signals end the program while it waits for its disks: nothing is begun yet that wants an end.
+class CEndWhileWaiting {
   public:
-    CEndSignals() {
-        sigemptyset(&m_signals);
-        sigaddset(&m_signals, SIGINT);
-        sigaddset(&m_signals, SIGTERM);
-        sigaddset(&m_signals, SIGHUP);
-        sigaddset(&m_signals, SIGPIPE); // nobody reads the output any more
-        pthread_sigmask(SIG_BLOCK, &m_signals, &m_former);
-    }
-    ~CEndSignals() { pthread_sigmask(SIG_SETMASK, &m_former, nullptr); }
-    CEndSignals(const CEndSignals&) = delete;
-    CEndSignals& operator=(const CEndSignals&) = delete;
-
-    bool Take() {
-        constexpr timespec atOnce{0, 0};
-        return sigtimedwait(&m_signals, nullptr, &atOnce) > 0;
+    explicit CEndWhileWaiting(const CEndSignals& signals)
+        : m_task([&signals](const Outils::CEvent& cancel) {
+              constexpr std::chrono::milliseconds kPeriod(20);
+              while (!cancel.IsSet())
+                  if (const int signal = signals.Take(kPeriod)) CEndSignals::Obey(signal);
+          }) {
+        m_task.Start();
     }
 
   private:
-    sigset_t m_signals, m_former;
+    Outils::CTask m_task;
 };
 
 } // namespace
 
 int RunCommand(const COptions& options, SStreams streams) {
-    CEndSignals signals; // before any thread starts: a thread that lets a signal in would end the program
+    // A closed output too: nobody reads any more.
+    const CEndSignals signals({SIGHUP, SIGINT, SIGTERM, SIGPIPE});
+    std::optional<CEndWhileWaiting> waiting(signals);
     const std::string& path = options.GetArguments()[0];
     if (!CheckFile(path, FindProjectFault, streams)) return exitFailure;
     CRunReport report(streams.out, options.GetForm());
@@ -52,6 +48,7 @@ int RunCommand(const COptions& options, SStreams streams) {
     report.SetResult(parameters.outputFile->path, parameters.hasUtcReference
                                                       ? parameters.utcReference
                                                       : Outils_Temps::CDateTime::Invalid());
+    waiting.reset();
     if (!document.StartSimulation()) return exitFailure;
     using Clock = std::chrono::steady_clock;
     constexpr std::chrono::seconds kPatience(6); // a second request this late ends an engine that is frozen
@@ -59,7 +56,7 @@ int RunCommand(const COptions& options, SStreams streams) {
     while (document.IsSimulationRunning()) {
         host.GetQueue().RunOne(std::chrono::milliseconds(50));
         // Who sends one signal may send no other: a closed terminal or output does not.
-        if (!signals.Take() && !(nextRequest && Clock::now() > *nextRequest)) continue;
+        if (signals.Take() == 0 && !(nextRequest && Clock::now() > *nextRequest)) continue;
         document.StopSimulation();
         nextRequest = Clock::now() + kPatience;
     }

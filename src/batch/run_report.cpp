@@ -1,22 +1,19 @@
 #include "batch/run_report.h"
 
+#include "dataaccess/date_search.h"
 #include "processing/message_line.h"
 #include "processing/notification.h"
-#include "xpf/file.h"
-#include "xpf/packet.h"
 
 #include <ostream>
 
 namespace Batch {
 
-using namespace Persistance_Xpf;
 using Outils_Temps::CDateTime;
 using Outils_Temps::CDateTimeSpan;
 using Outils_Texte::EText;
 
 namespace {
 
-constexpr std::string_view kResultChannel = "MORVEX_STD";
 constexpr std::size_t kTextColumn = 5; // of the table of a run
 
 } // namespace
@@ -46,21 +43,12 @@ void CRunReport::ReportLine(int level, std::string_view text) {
 }
 
 void CRunReport::ReportProgress(int percent) {
-    const CDateTimeSpan reached = FindDateReached(m_result);
+    const CDateTimeSpan reached =
+        Application_Tarvel::FindDateReached(m_result).value_or(CDateTimeSpan::Invalid());
     CTable& table = GetTable();
     table.Add(EText::rowProgress).Add(percent).Add(reached).Add(m_utcOrigin + reached);
     if (percent > 0) table.Add(EstimateTimeLeft(std::chrono::steady_clock::now() - m_start, percent).count());
     table.EndRow(true);
-}
-
-CDateTimeSpan FindDateReached(const std::filesystem::path& result) {
-    CDateTimeSpan date = CDateTimeSpan::Invalid();
-    const auto file = OpenXpfFile(result, EFileKind::tarout).file;
-    CXpfChannel* channel = file ? file->FindChannelByName(kResultChannel) : nullptr;
-    const auto packet = channel ? channel->CreatePacket() : nullptr;
-    if (packet && channel->SeekLastPacket(nullptr) && channel->ReadNextPacket(*packet))
-        packet->GetDate(0, date);
-    return date;
 }
 
 std::chrono::seconds EstimateTimeLeft(std::chrono::steady_clock::duration elapsed, int percent) {

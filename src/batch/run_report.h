@@ -57,10 +57,7 @@ class CRunReport final : public IReport {
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
-// The date of the last packet of a result that may still grow; invalid when it has none.
-Outils_Temps::CDateTimeSpan FindDateReached(const std::filesystem::path& result);
-
-// The time that a work will still take, as far as its progress tells: percent above 0.
+// The time that a work will still take, as far as its progress shows. REQUIRES: percent above 0.
 std::chrono::seconds EstimateTimeLeft(std::chrono::steady_clock::duration elapsed, int percent);
 
 } // namespace Batch

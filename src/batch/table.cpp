@@ -14,8 +14,6 @@ namespace {
 
 constexpr char kSeparator = ';';
 
-bool IsControl(char16_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
-
 // Bytes that are no UTF-8 come from old programs, which wrote in the code page of their time.
 std::u16string Decode(std::string_view text) {
     std::u16string decoded = Outils_Texte::Utf8ToUtf16(text);
@@ -26,10 +24,7 @@ std::u16string Decode(std::string_view text) {
 
 // A text of a file must not end the line or steer a terminal.
 std::string ToPlainText(std::string_view text) {
-    std::u16string decoded = Decode(text);
-    for (char16_t& c : decoded)
-        if (IsControl(c)) c = u' ';
-    return Outils_Texte::Utf16ToUtf8(decoded);
+    return Outils_Texte::ReplaceControls(Outils_Texte::Utf16ToUtf8(Decode(text)));
 }
 
 std::string Quote(std::string_view text) {
@@ -49,7 +44,7 @@ std::string QuoteJson(std::string_view text) {
         const bool isPair = isHigh(c) && i + 1 < decoded.size() && isLow(decoded[i + 1]);
         if (c == u'"' || c == u'\\') {
             quoted += {'\\', static_cast<char>(c)};
-        } else if (IsControl(c) || (!isPair && (isHigh(c) || isLow(c)))) {
+        } else if (Outils_Texte::IsControl(c) || (!isPair && (isHigh(c) || isLow(c)))) {
             char escape[8];
             std::snprintf(escape, sizeof escape, "\\u%04X", static_cast<unsigned>(c));
             quoted += escape;

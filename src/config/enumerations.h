@@ -1,4 +1,4 @@
-// The choices among the settings, and the words that stand for them in the file.
+// The choices among the settings, and their words in the file.
 //
 // The numbers are the words' places and never change.
 #pragma once

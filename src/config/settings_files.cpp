@@ -42,8 +42,8 @@ bool CSettingsFiles::Load(CXmlConfigFile& settings) const {
 bool CSettingsFiles::Save(const CXmlConfigFile& settings) const {
     std::error_code error;
     if (!m_program.empty() && settings.Save(m_program)) {
-        if (!m_user.empty()) std::filesystem::remove(m_user, error);
-        return true;
+        if (m_user.empty() || std::filesystem::remove(m_user, error) || !error) return true;
+        return settings.Save(m_user); // one that stays would hide the new values
     }
     if (m_user.empty()) return false;
     std::filesystem::create_directories(m_user.parent_path(), error);

@@ -23,7 +23,8 @@ class CSettingsFiles {
     // values, when neither can be read.
     bool Load(CXmlConfigFile& settings) const;
     // Writes the program's file, and removes the user's, which Load would prefer; writes the user's file
-    // where the program's folder refuses. False when both failed.
+    // where the program's folder refuses, or where it cannot be removed. False when Load would not find the
+    // settings.
     bool Save(const CXmlConfigFile& settings) const;
 
     // Empty for none.

@@ -20,8 +20,8 @@ namespace Outils_Configuration {
 // How a value is written: as the text of a child element, or as an attribute of the section's element.
 enum class EForm { element, attribute };
 
-// One setting. Getters give the value of the present text, or that of the default text when the present one
-// does not parse; the text stays in the document.
+// One setting. Getters give the value of the present text, or the value of the default text when the present
+// one does not parse; the text stays in the document.
 class CXmlConfigValue {
   public:
     CXmlConfigValue(std::string key, std::string defaultText, EForm form)

@@ -1,4 +1,4 @@
-// Requests that run behind the screen: one first-in first-out queue, one loader thread, no priorities. A view
+// Requests that run in the background: one first-in first-out queue, one loader thread, no priorities. A view
 // feels live because it cancels its stale query when the user moves on.
 #pragma once
 

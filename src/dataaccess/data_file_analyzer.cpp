@@ -108,7 +108,7 @@ bool CTrvDataFileAnalyzerThread::IsDamaged(CXpfFile& file, std::int64_t position
 }
 
 // What a packet says counts as soon as its payload is there. Its trailer only decides whether the scan goes
-// on behind it: without a fitting one the next run begins with this packet again.
+// on after it: without a fitting one the next run begins with this packet again.
 void CTrvDataFileAnalyzerThread::LookAtUnchecked(CXpfFile& file) {
     const std::int64_t position = file.GetPosition();
     SPacketHeader header;

@@ -1,5 +1,7 @@
 #include "dataaccess/date_search.h"
 
+#include "xpf/file.h"
+
 namespace Application_Tarvel {
 
 using namespace Persistance_Xpf;
@@ -78,6 +80,16 @@ EDateSearch SearchDate(CXpfChannel& channel, CXpfDatedPacket& packet, CDateTimeS
 std::uint32_t PickNearer(const SDateBracket& bracket, CDateTimeSpan date) {
     return Distance(date, bracket.lowerDate) <= Distance(date, bracket.upperDate) ? bracket.lowerNumber
                                                                                   : bracket.upperNumber;
+}
+
+std::optional<CDateTimeSpan> FindDateReached(const std::filesystem::path& result,
+                                             const Outils::CEvent* interrupt) {
+    const SOpenedFile opened = OpenXpfFile(result, EFileKind::tarout, interrupt);
+    CXpfChannel* channel = opened.file ? opened.file->FindChannelByName(kResultChannel) : nullptr;
+    const auto packet = channel ? channel->CreatePacket() : nullptr;
+    const auto* dated = dynamic_cast<const CXpfDatedPacket*>(packet.get());
+    if (!dated || !channel->SeekLastPacket(nullptr) || !channel->ReadNextPacket(*packet)) return std::nullopt;
+    return dated->GetPacketDate();
 }
 
 } // namespace Application_Tarvel

@@ -1,4 +1,5 @@
-// The packet of a channel nearest to a date, found by bisection over packet numbers.
+// Dates in packet files: the packet nearest to a date, found by bisection over packet numbers, and the last
+// date.
 #pragma once
 
 #include "foundation/date_time.h"
@@ -6,6 +7,9 @@
 #include "xpf/channel.h"
 #include "xpf/file_cache.h"
 #include "xpf/packet.h"
+
+#include <filesystem>
+#include <optional>
 
 namespace Application_Tarvel {
 
@@ -41,5 +45,10 @@ EDateSearch SearchDate(Persistance_Xpf::CXpfChannel& channel, Persistance_Xpf::C
 
 // The number of the nearer of the two packets, the lower on a tie.
 std::uint32_t PickNearer(const SDateBracket& bracket, CDateTimeSpan date);
+
+// The date of the last navigation of a result, which may still grow; empty when it has none. `interrupt` ends
+// the search.
+std::optional<CDateTimeSpan> FindDateReached(const std::filesystem::path& result,
+                                             const Outils::CEvent* interrupt = nullptr);
 
 } // namespace Application_Tarvel

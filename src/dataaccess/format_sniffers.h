@@ -1,4 +1,4 @@
-// The tests that tell file formats apart, each over the first bytes of a file.
+// The tests that recognise file formats, each over the first bytes of a file.
 #pragma once
 
 #include "dataaccess/format_detection.h"

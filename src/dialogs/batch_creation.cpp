@@ -70,7 +70,7 @@ CBatchCreation::SRecordings CBatchCreation::LookInto(const std::vector<SParamete
                 recordings.equipment = equipment;
             recordings.origins.push_back(FindUtcOrigin(file.path, maxPacketCount, interrupt));
         }
-        // A search that had to give up has not found that the file tells nothing.
+        // A search that gave up does not know whether the file has a date.
         if (!opened || (interrupt && interrupt->IsSet())) {
             recordings.unreadable = file.path;
             break;

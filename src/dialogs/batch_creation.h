@@ -29,10 +29,10 @@ class CBatchCreation {
     const std::string& GetProposedName() const { return m_name; }
     const std::filesystem::path& GetProposedFolder() const { return m_folder; }
 
-    // What the input files tell, in the order of their rows.
+    // What the input files say, in the order of their rows.
     struct SRecordings {
         std::vector<Outils_Temps::CDateTime>
-            origins;                      // UTC instant of date zero; invalid for a file that does not tell
+            origins;                      // UTC instant of date zero; invalid for a file without one
         std::filesystem::path unreadable; // the first that is no recording or was given up, empty for none
         std::optional<std::int32_t> equipment; // of the first
     };
@@ -40,8 +40,8 @@ class CBatchCreation {
     // up the file that it reads. Any thread.
     static SRecordings LookInto(const std::vector<Persistance_Parametres::SParameterFileRow>& files,
                                 int maxPacketCount, const Outils::CEvent* interrupt = nullptr);
-    // The project over the chosen files, by what they tell; external files whose UTC is known are shifted
-    // onto the clock of the main input file. Null on failure, and then nothing is left behind.
+    // The project over the chosen files, by what they say; external files whose UTC is known are shifted
+    // onto the clock of the main input file. Null on failure, and then no project is left.
     std::unique_ptr<Metier_Tarvel::CTrvProject> Create(const SRecordings& recordings,
                                                        std::string& message) const;
 

@@ -151,7 +151,7 @@ bool CNewProjectWizard::Convert(ERawFormat format) {
     std::filesystem::path converted;
     if (m_host.ConvertRawFiles(m_inputFiles, format, converted) != EOutcome::done) return false;
     m_inputFiles = {ToAbsolute(converted)};
-    // A converter that failed tells it in its output alone.
+    // A converter reports its failure only in its output.
     return CheckExists(m_inputFiles[0]);
 }
 

@@ -54,7 +54,7 @@ class CProjectDialog {
     virtual bool PrepareFiles() { return true; }
     virtual std::unique_ptr<CTrvProject> MakeProject(EProjectField& focus) = 0;
 
-    bool Refuse(std::string message); // tells the reason; false
+    bool Refuse(std::string message); // shows the reason; false
     bool Refuse(EText text);
     bool Ask(EText question);
     // False, and reported, when there is nothing of this name or its disk does not answer.

@@ -1,5 +1,5 @@
-// The rough misalignment as the user tells it: where the side with the logo and the side with the connectors
-// of the unit look on the vehicle.
+// The rough misalignment as the user describes it: where the side with the logo and the side with the
+// connectors of the unit look on the vehicle.
 #pragma once
 
 #include "foundation/texts.h"
@@ -24,8 +24,8 @@ class CRoughMisalignmentChooser {
 
     int GetLogo() const { return m_logo; }
     int GetConnector() const { return m_connector; }
-    // Moves the connectors to the next axis when they would be on that of the logo. False for a side that is
-    // none.
+    // Moves the connectors to the next axis when they would be on the axis of the logo. False for a side that
+    // is none.
     bool SetLogo(int side);
     // Refused, with false, on the axis of the logo and for a side that is none.
     bool SetConnector(int side);

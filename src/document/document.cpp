@@ -2,40 +2,25 @@
 
 #include "config/config_file.h"
 #include "document/batch_command_file.h"
+#include "document/edits.h"
 #include "document/project_check.h"
-#include "foundation/archive.h"
-#include "foundation/files.h"
+#include "document/project_file.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
-#include "model/registration.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace Application_Tarvel {
 
-using namespace Outils_Objets;
 using Outils_Fichiers::ToText;
 using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 
 namespace {
 
-// A project of ten thousand instructions of each kind takes some megabytes: what exceeds this is no project.
-constexpr std::uint64_t kMaximumProjectSize = std::uint64_t{1} << 30;
-
-// Where the changes of a project are kept that could not be saved.
-std::filesystem::path UnsavedOf(const std::filesystem::path& project) {
-    return project.native() + std::string(GetText(EText::unsavedExtension));
-}
-
 std::filesystem::path ResultOf(const std::filesystem::path& project) {
     return Outils_Fichiers::WithExtension(project, GetText(EText::outputExtension));
-}
-
-void Remove(const std::filesystem::path& file) {
-    std::error_code ignored;
-    std::filesystem::remove(file, ignored);
 }
 
 } // namespace
@@ -46,6 +31,7 @@ CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
       m_configuration(configuration),
       m_expertMode(expertMode),
       m_target(target),
+      m_unsaved(host),
       m_fileLooks(target),
       m_engineRun(host, configuration, m_fileLooks, *this),
       m_queryManager(target) {}
@@ -128,26 +114,36 @@ bool CTrvDocument::CommandOpen(std::filesystem::path path) {
         if (asked.empty()) return false;
         path = asked.front();
     }
-    // Before the offer: the answer may write or remove the very file that is offered.
     if (!SaveModified()) return false;
     SetModifiedFlag(false);
-    std::error_code error;
-    const std::filesystem::path unsaved = UnsavedOf(Outils_Fichiers::ToAbsolute(path));
-    const bool isOffered = std::filesystem::is_regular_file(unsaved, error);
-    m_ended = false;
-    const bool restores =
-        isOffered && GetHost().ShowMessage(FormatText(EText::restoreUnsaved, {ToText(path)}), EButtons::yesNo,
-                                           EIcon::question) == EAnswer::yes;
-    // Nobody has answered a box that the end of the program closes: what is kept stays.
-    if (m_ended) return false;
-    m_restoredFrom = restores ? unsaved : std::filesystem::path();
-    const bool opened = OpenDocument(path);
-    m_restoredFrom.clear();
-    if (opened && restores)
-        ProjectChanged(hintRefresh, nullptr);
-    else if (opened && isOffered)
-        Remove(unsaved);
+    // Before the offer: what the user discards may be the very file that is offered.
+    m_unsaved.OnClosed(GetPathName());
+    path = Outils_Fichiers::ToAbsolute(path);
+    const CUnsavedWork::EOffer offer = m_unsaved.Offer(path);
+    if (offer == CUnsavedWork::EOffer::ended) return false;
+    if (offer == CUnsavedWork::EOffer::accepted) return OpenRestored(CUnsavedWork::GetFile(path));
+    const bool opened = OpenFrom(path, path);
+    if (opened && offer == CUnsavedWork::EOffer::refused) m_unsaved.OnSaved(path);
     return opened;
+}
+
+void CTrvDocument::OfferUnsaved(const std::vector<std::filesystem::path>& projects) {
+    const auto look = [projects, folder = GetHost().GetUserFolder()](const Outils::CEvent&) {
+        return CUnsavedWork::Find(projects, folder);
+    };
+    m_fileLooks.Ask(&m_unsaved, look, [this](const std::vector<std::filesystem::path>& files) {
+        if (IsSimulationRunning()) return;
+        const std::filesystem::path file = m_unsaved.Choose(files, GetPathName());
+        if (!file.empty() && SaveModified()) OpenRestored(file);
+    });
+    m_fileLooks.Wait(GetHost().GetPatience(), &m_unsaved);
+}
+
+bool CTrvDocument::OpenRestored(const std::filesystem::path& file) {
+    if (!OpenFrom(file, m_unsaved.GetProject(file))) return false;
+    m_unsaved.OnRestored(file);
+    ProjectChanged(hintRefresh, nullptr);
+    return true;
 }
 
 bool CTrvDocument::OnOpenDocument(const std::filesystem::path& path) {
@@ -175,14 +171,15 @@ bool CTrvDocument::SaveNew(const std::filesystem::path& path, EResultName result
 }
 
 bool CTrvDocument::OnSaveDocument(const std::filesystem::path& path) {
-    return SaveUnder(path, ResultOf(path));
+    // The engine goes on writing under the name that it was given.
+    return SaveUnder(path, m_pProject && IsResultBeingWritten() ? GetResult().path : ResultOf(path));
 }
 
 bool CTrvDocument::SaveUnder(const std::filesystem::path& path, std::filesystem::path result) {
     if (!StoreWithResult(path, result)) return ReportFailedSave(path);
     SetModifiedFlag(false);
     m_bParametersChanged = false;
-    Remove(UnsavedOf(path));
+    m_unsaved.OnSaved(path);
     if (!m_pProject || GetResult().path == result) return true;
     GetResult().path = result;
     UpdateAllViews(nullptr, hintOutputFileNameChanged);
@@ -205,15 +202,12 @@ bool CTrvDocument::StoreWithResult(const std::filesystem::path& path, std::files
     return stored;
 }
 
-void CTrvDocument::DiscardChanges() {
-    if (!GetPathName().empty()) Remove(UnsavedOf(GetPathName()));
-}
-
-void CTrvDocument::EndNow() {
-    m_ended = true;
-    if (m_pProject && IsModified() && !GetPathName().empty())
-        static_cast<void>(StoreTo(UnsavedOf(GetPathName())));
+bool CTrvDocument::EndNow() {
+    const bool hasChanges = m_pProject && IsModified();
+    const bool kept =
+        m_unsaved.Keep(GetPathName(), [&](const auto& file) { return !hasChanges || StoreTo(file); });
     m_engineRun.StopNow();
+    return kept;
 }
 
 void CTrvDocument::DeleteContents() {
@@ -223,6 +217,7 @@ void CTrvDocument::DeleteContents() {
     m_queryManager.Stop();
     m_pProject.reset();
     m_engineRun.RemoveTemporaryFiles();
+    m_unsaved.OnClosed(GetPathName());
     CDocumentEx::DeleteContents();
 }
 
@@ -312,7 +307,9 @@ bool CTrvDocument::PrepareBatchCommandFile() {
                                                        *m_pProject->simulationParameters, GetPathName());
 }
 
-void CTrvDocument::ProjectChanged(EHint hint, const CObject* object) {
+CTrvDocumentEdits CTrvDocument::GetEdits() { return CTrvDocumentEdits(*this); }
+
+void CTrvDocument::ProjectChanged(EHint hint, const Outils_Objets::CObject* object) {
     SetModifiedFlag(true);
     m_bParametersChanged = true;
     UpdateAllViews(nullptr, hint, object);
@@ -321,27 +318,9 @@ void CTrvDocument::ProjectChanged(EHint hint, const CObject* object) {
 void CTrvDocument::LoadFrom(const std::filesystem::path& path) {
     // The views let go of the former project before a box can let them draw or ask for data again.
     UpdateAllViews(nullptr, hintRefresh);
-    const std::filesystem::path& source = m_restoredFrom.empty() ? path : m_restoredFrom;
-    auto bytes = Outils_Fichiers::ReadWholeFile(source, kMaximumProjectSize);
-    if (!bytes) AfxThrowArchiveException(CArchiveException::generic, ToText(source));
-    CClassRegistry registry;
-    Metier_Tarvel::RegisterModelClasses(registry);
-    CMemoryStream stream(std::move(*bytes));
-    CArchive archive(stream, CArchive::load, &registry, path);
-    m_pProject.reset();
-    m_pProject = CTrvProject::Load(archive);
+    m_pProject = LoadProject(path);
 }
 
-bool CTrvDocument::StoreTo(const std::filesystem::path& path) {
-    CMemoryStream stream;
-    try {
-        CArchive archive(stream, CArchive::store, nullptr, path);
-        archive.WriteObject(m_pProject.get());
-        archive.Close();
-    } catch (const CArchiveException&) {
-        return false;
-    }
-    return Outils_Fichiers::SaveAtomically(path, stream.GetBytes());
-}
+bool CTrvDocument::StoreTo(const std::filesystem::path& path) { return StoreProject(m_pProject.get(), path); }
 
 } // namespace Application_Tarvel

@@ -1,4 +1,4 @@
-// The one project document: it keeps the project, loads and saves it, and tells the views of every change.
+// The one project document: it keeps the project, loads and saves it, and reports every change to the views.
 // CProjectFiles follows its data files, CEngineRun runs the engine. UI thread only; background threads come
 // back through the message target.
 #pragma once
@@ -8,6 +8,7 @@
 #include "document/document_base.h"
 #include "document/engine_run.h"
 #include "document/project_files.h"
+#include "document/unsaved_work.h"
 #include "foundation/texts.h"
 #include "model/project.h"
 
@@ -30,7 +31,7 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     // All three must outlive the document. `expertMode` is the setting as read at the start: a later change
     // waits for the next start.
     CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
-                 const Outils_Configuration::CTrvCnfConfigFile& configuration, bool expertMode = false);
+                 const Outils_Configuration::CTrvCnfConfigFile& configuration, bool expertMode);
     ~CTrvDocument() override;
 
     // Null for the empty document.
@@ -51,7 +52,7 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
 
     // The edits of the project, one method each: document/edits.h.
     CTrvDocumentEdits GetEdits();
-    // Marks the project modified and tells the views: every edit calls it after its change of the model.
+    // Marks the project modified and informs the views: every edit calls it after its change of the model.
     void ProjectChanged(EHint hint, const Outils_Objets::CObject* object);
     // The project changed since the last save or load.
     bool AreParametersChanged() const { return m_bParametersChanged; }
@@ -69,7 +70,7 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     // failure, which leaves file and project as they were.
     bool SaveNew(const std::filesystem::path& path, EResultName resultName);
 
-    // Whether the engine is at work; the first call after its end tells the views.
+    // Whether the engine is at work; the first call after its end informs the views.
     bool IsSimulationRunning();
     // Starts the engine on the project; true when the run started. A message box reports every refusal.
     bool StartSimulation();
@@ -90,12 +91,15 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     bool CommandNewBatch();
     // Asks for the project when `path` is empty. Offers what EndNow has kept of it.
     bool CommandOpen(std::filesystem::path path = {});
+    // Offers to open what EndNow has kept of one of these projects, or of one that was never saved. The look
+    // at the disks may take longer than the host has patience: then the question comes with a message.
+    void OfferUnsaved(const std::vector<std::filesystem::path>& projects);
     bool CommandSaveAs();
     bool CanCloseFrame() override;
 
     // For a program that has to end at once: stops a run, keeps its result so far, and keeps unsaved changes
-    // beside the project, in a file of its name with ".unsaved" behind. Asks nothing.
-    void EndNow();
+    // (CUnsavedWork). Asks nothing. False when no folder takes the changes.
+    bool EndNow();
 
   protected:
     void LoadFrom(const std::filesystem::path& path) override;
@@ -111,9 +115,10 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     bool OnOpenDocument(const std::filesystem::path& path) override;
     bool OnSaveDocument(const std::filesystem::path& path) override;
     bool OnSaveCopy(const std::filesystem::path& path) override;
-    void DiscardChanges() override;
+    void DiscardChanges() override { m_unsaved.Discard(); }
     void DeleteContents() override;
 
+    bool OpenRestored(const std::filesystem::path& file);
     // Refuses with the text while the engine runs.
     bool RefuseWhileRunning(EText text);
     bool SaveBeforeRun();
@@ -138,8 +143,7 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     Outils::IMessageTarget& m_target;
     std::unique_ptr<CTrvProject> m_pProject;
     bool m_bParametersChanged = false;
-    bool m_ended = false;                 // by EndNow, since the last question about unsaved changes
-    std::filesystem::path m_restoredFrom; // read in the place of the project while it is opened
+    CUnsavedWork m_unsaved;
     std::optional<CAutomaticSensors> m_automaticSensors; // of a project that was not reopened since it is new
 
     CXpfFileCache m_fileCache; // outlives the queries of the manager below

@@ -26,7 +26,7 @@ EText FindFaultOf(const std::filesystem::path& folder) {
 } // namespace
 
 void CDocumentEx::UpdateAllViews(IDocumentView* sender, EHint hint, const Outils_Objets::CObject* object) {
-    // A view may add or remove views meanwhile, so the list is a copy, and who is gone is left out.
+    // A view may add or remove views meanwhile, so the list is a copy, and removed views are skipped.
     const auto views = m_views;
     for (IDocumentView* view : views)
         if (view != sender && std::find(m_views.begin(), m_views.end(), view) != m_views.end())
@@ -45,10 +45,13 @@ bool CDocumentEx::DoAction(std::unique_ptr<CUserAction> action) {
 bool CDocumentEx::NewDocument() { return SaveModified() && OnNewDocument(); }
 
 bool CDocumentEx::OpenDocument(const std::filesystem::path& path) {
-    if (!SaveModified()) return false;
     const auto absolute = Outils_Fichiers::ToAbsolute(path);
-    const bool opened = OnOpenDocument(absolute);
-    SetPathName(opened ? absolute : std::filesystem::path());
+    return SaveModified() && OpenFrom(absolute, absolute);
+}
+
+bool CDocumentEx::OpenFrom(const std::filesystem::path& source, const std::filesystem::path& path) {
+    const bool opened = OnOpenDocument(source);
+    SetPathName(opened ? path : std::filesystem::path());
     // A document that could not be opened is empty: there is nothing that a later question could save.
     if (!opened) SetModifiedFlag(false);
     UpdateAllViews(nullptr, hintRefresh);

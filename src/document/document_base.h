@@ -17,7 +17,7 @@ namespace Application_Tarvel {
 class IDocumentView {
   public:
     virtual ~IDocumentView() = default;
-    // `object` may have been destroyed already when the hint tells of a removal: compare it by identity only.
+    // `object` may have been destroyed already when the hint reports a removal: compare it by identity only.
     virtual void OnUpdate(EHint hint, const Outils_Objets::CObject* object) = 0;
 };
 
@@ -36,7 +36,7 @@ class CDocumentEx {
 
     void AddView(IDocumentView* view) { m_views.push_back(view); }
     void RemoveView(IDocumentView* view) { std::erase(m_views, view); }
-    // Tells every view but the sender, before it returns.
+    // Informs every view but the sender, before it returns.
     void UpdateAllViews(IDocumentView* sender, EHint hint, const Outils_Objets::CObject* object = nullptr);
 
     // Runs the action. An action that cannot be undone ends the undo history.
@@ -62,7 +62,7 @@ class CDocumentEx {
     virtual bool OnSaveDocument(const std::filesystem::path& path);
     // Writes a copy; changes nothing of the document.
     virtual bool OnSaveCopy(const std::filesystem::path& path);
-    // The user does not want to keep the changes.
+    // The user does not want to keep the changes. The document may stay open for all that.
     virtual void DiscardChanges() {}
     virtual void DeleteContents();
     virtual bool CanCloseFrame();
@@ -74,6 +74,9 @@ class CDocumentEx {
     // Writes the content to the file as one step; false on failure, and an existing file is as it was.
     virtual bool StoreTo(const std::filesystem::path& path) = 0;
 
+    // Opens what `source` holds as the document of `path`, which is empty for one that was never saved. Asks
+    // nothing about the present one.
+    bool OpenFrom(const std::filesystem::path& source, const std::filesystem::path& path);
     // Says that the file was not saved, and why if that is known; returns false.
     bool ReportFailedSave(const std::filesystem::path& path);
 

@@ -91,7 +91,7 @@ class IClock {
 
     virtual Outils_Temps::CDateTime GetTime() = 0;
     virtual void Sleep(std::chrono::milliseconds time) = 0;
-    // How long a command waits for what the files of a project tell of themselves. It goes on without those
+    // How long a command waits for the looks at the files of a project. It goes on without those
     // that do not answer in time; their answers come later.
     virtual std::chrono::milliseconds GetPatience() = 0;
 };
@@ -108,6 +108,8 @@ class ISurroundings {
     virtual Communication_Interfaces::IMorvexNotification* GetReceiver() = 0;
     // The folder of the program and of its child programs.
     virtual std::filesystem::path GetProgramFolder() = 0;
+    // The user's own folder, for what waits for the next start; empty for none. It may not exist yet.
+    virtual std::filesystem::path GetUserFolder() = 0;
 };
 
 class IDocumentHost : public IQuestions,

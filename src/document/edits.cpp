@@ -51,6 +51,4 @@ bool CTrvDocumentEdits::Change(CObject& target, CObject& owner, const SProperty&
                                                                               property, value));
 }
 
-CTrvDocumentEdits CTrvDocument::GetEdits() { return CTrvDocumentEdits(*this); }
-
 } // namespace Application_Tarvel

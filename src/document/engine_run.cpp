@@ -1,6 +1,7 @@
 #include "document/engine_run.h"
 
 #include "config/config_file.h"
+#include "dataaccess/date_search.h"
 #include "document/document_host.h"
 #include "document/file_look.h"
 #include "foundation/archive.h"
@@ -11,8 +12,6 @@
 #include "model/simulation_parameters.h"
 #include "processing/engine_command.h"
 #include "processing/message_line.h"
-#include "xpf/file.h"
-#include "xpf/packet.h"
 
 #include <atomic>
 #include <cstdio>
@@ -33,7 +32,6 @@ using Outils_Texte::GetText;
 namespace {
 
 constexpr std::chrono::milliseconds kStopNowPatience(5000);
-constexpr std::string_view kNavigationChannel = "MORVEX_STD";
 
 void RemoveTemporary(const std::filesystem::path& file) {
     std::error_code ignored;
@@ -61,18 +59,6 @@ EText FindFault(const SInput& input, const std::filesystem::path& result, const 
     if (!input.isRead) return EText::none;
     const EText fault = LookInto(input.path, Persistance_Xpf::EFileKind::tarin, cancel).fault;
     return fault == EText::fileVanished ? EText::inputMissing : fault;
-}
-
-// The date of the last navigation in a result; empty when it has none.
-std::optional<Outils_Temps::CDateTimeSpan> FindLastDate(const std::filesystem::path& result,
-                                                        const Outils::CEvent& cancel) {
-    using namespace Persistance_Xpf;
-    const SOpenedFile opened = OpenXpfFile(result, EFileKind::tarout, &cancel);
-    CXpfChannel* channel = opened.file ? opened.file->FindChannelByName(kNavigationChannel) : nullptr;
-    const auto packet = channel ? channel->CreatePacket() : nullptr;
-    const auto* dated = dynamic_cast<const CXpfDatedPacket*>(packet.get());
-    if (!dated || !channel->SeekLastPacket(nullptr) || !channel->ReadNextPacket(*packet)) return std::nullopt;
-    return dated->GetPacketDate();
 }
 
 // "2024-03-14T10:00:02.5Z" when the recording's UTC is known, else "2.5 s".
@@ -142,6 +128,8 @@ bool CEngineRun::Start(const CTrvSimulationParameters& parameters) {
     return false;
 }
 
+// Not by a look: CheckFiles has just had an answer of this disk, and a mark that is made late would have no
+// run.
 bool CEngineRun::TakeResult() {
     m_looks.Wait(GetTimeForChosenFile(m_configuration), &m_guard); // it may be about to bring one back
     switch (m_guard.Take(m_result)) {
@@ -209,47 +197,61 @@ void CEngineRun::StopNow() {
     RemoveTemporaryFiles();
 }
 
+// What a run has left.
+struct CEngineRun::SLeft {
+    bool hasFinished = false;
+    std::optional<Outils_Temps::CDateTimeSpan> reached;
+    CResultGuard::ELeft left = CResultGuard::ELeft::none;
+    bool hasFormer = false;
+};
+
+// Empty when the disk does not answer in time; the guard then does its work once it does.
+std::optional<CEngineRun::SLeft> CEngineRun::ReleaseResult(bool succeeded) {
+    const auto look = [guard = std::make_shared<CResultGuard>(std::exchange(m_guard, {})), result = m_result,
+                       succeeded](const Outils::CEvent& cancel) {
+        std::error_code error;
+        SLeft end;
+        end.hasFinished = succeeded && std::filesystem::exists(result, error);
+        if (!end.hasFinished) end.reached = FindDateReached(result, &cancel);
+        // A search that was broken off says nothing of the result.
+        end.left = guard->Release(end.hasFinished, end.reached || cancel.IsSet());
+        end.hasFormer = std::filesystem::exists(CResultGuard::GetFormerPath(result), error);
+        return end;
+    };
+    return m_looks.Call(look, GetTimeForChosenFile(m_configuration));
+}
+
 void CEngineRun::End() {
-    std::error_code error;
-    const bool finished = m_run.GetEnd().IsSuccess() && m_process.GetProgress() >= 100.0f &&
-                          std::filesystem::exists(m_result, error);
-    m_outcome = finished                  ? ERunOutcome::finished
+    const bool succeeded = m_run.GetEnd().IsSuccess() && m_process.GetProgress() >= 100.0f;
+    const auto left = ReleaseResult(succeeded);
+    m_outcome = left && left->hasFinished ? ERunOutcome::finished
                 : m_run.IsStopRequested() ? ERunOutcome::stopped
                                           : ERunOutcome::failed;
-    std::optional<Outils_Temps::CDateTimeSpan> reached;
-    bool hasResult = true;
-    if (!finished) {
-        const auto look = [result = m_result](const Outils::CEvent& cancel) {
-            return FindLastDate(result, cancel);
-        };
-        const auto found = m_looks.Call(look, GetTimeForChosenFile(m_configuration));
-        // A disk that does not answer may hold a result.
-        hasResult = !found || found->has_value();
-        if (found) reached = *found;
-    }
-    const auto left = m_guard.Release(finished, hasResult);
     m_listener.OnRunEnded();
     m_host.SetProgress(0);
     m_host.ShowProgress(false);
-    if (finished) return;
+    if (m_outcome != ERunOutcome::finished) ReportEnd(left ? &*left : nullptr);
+}
 
+void CEngineRun::ReportEnd(const SLeft* end) {
     using namespace Communication_Interfaces;
     const std::string result = ToText(m_result);
     if (m_outcome == ERunOutcome::stopped)
         Report(levelWarning, EText::runStopped);
     else
         Report(levelError, EText::runFailed, {Communication_Processus::ToText(m_run.GetEnd())});
-    if (left != CResultGuard::ELeft::partial)
+    if (!end)
+        Report(levelWarning, EText::fileNotReadable, {result});
+    else if (end->left != CResultGuard::ELeft::partial)
         Report(levelWarning, EText::noResult, {result});
-    else if (reached)
-        Report(levelWarning, EText::resultPartial, {result, FormatDate(*reached, m_utcReference)});
+    else if (end->reached)
+        Report(levelWarning, EText::resultPartial, {result, FormatDate(*end->reached, m_utcReference)});
     else
         Report(levelWarning, EText::resultWasPartial, {result});
-    const auto former = CResultGuard::GetFormerPath(m_result);
-    if (left == CResultGuard::ELeft::former)
+    if (end && end->left == CResultGuard::ELeft::former)
         Report(levelInformation, EText::resultRestored, {result});
-    else if (std::filesystem::exists(former, error))
-        Report(levelInformation, EText::formerKept, {ToText(former)});
+    else if (end && end->hasFormer)
+        Report(levelInformation, EText::formerKept, {ToText(CResultGuard::GetFormerPath(m_result))});
 }
 
 // The way of the engine's messages, so that the report comes after the last of them.

@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -80,7 +81,10 @@ class CEngineRun final : private Communication_Processus::IChildRunOwner {
                             std::filesystem::path& path);
     bool SetResultAside();
     bool Launch(const std::filesystem::path& parameterFile);
+    struct SLeft;
+    std::optional<SLeft> ReleaseResult(bool succeeded);
     void End();
+    void ReportEnd(const SLeft* left);
     void Report(Communication_Interfaces::EMessageLevel level, EText text,
                 std::initializer_list<std::string_view> arguments = {});
 

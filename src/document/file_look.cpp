@@ -22,13 +22,19 @@ EText FindFault(const std::filesystem::path& path) {
     }
 }
 
-// Whether the disk gives what the file has of a header.
-bool CanReadHead(const std::filesystem::path& path) {
+// Why a file without a fault of its kind is no data file; none if it is one, or can be made one.
+EText FindHeaderFault(const std::filesystem::path& path, Persistance_Xpf::EOpening how) {
+    using enum Persistance_Xpf::EOpening;
+    if (how == opened || how == outdated) return EText::none;
+    // The disk must give what the file has of a header.
     Persistance_Xpf::CXpfFile file;
     Persistance_Xpf::CXpfFile::HeaderBuffer header;
-    if (!file.Open(path)) return false;
-    const auto size = std::min<std::int64_t>(header.size(), file.GetFileSize());
-    return file.Read(header.data(), header.size()) >= static_cast<std::size_t>(size);
+    if (!file.Open(path)) return EText::fileNotReadable;
+    const std::int64_t size = file.GetFileSize();
+    const auto head = static_cast<std::size_t>(std::min<std::int64_t>(header.size(), size));
+    if (file.Read(header.data(), header.size()) < head) return EText::fileNotReadable;
+    if (size == 0) return EText::fileEmpty;
+    return how == damaged ? EText::fileHeaderDamaged : EText::fileForeign;
 }
 
 } // namespace
@@ -40,9 +46,8 @@ SFileLook LookInto(const std::filesystem::path& path, Persistance_Xpf::EFileKind
     if (look.fault != EText::none) return look;
     const auto how = Persistance_Xpf::OpenXpfFile(path, kind, &cancel).how;
     Metier_Tarvel_DataModel::ReadFileDescription(path, look.description);
-    if (how == Persistance_Xpf::EOpening::opened) return look;
     look.outdated = how == Persistance_Xpf::EOpening::outdated;
-    if (!look.outdated) look.fault = CanReadHead(path) ? EText::fileNoHeader : EText::fileNotReadable;
+    look.fault = FindHeaderFault(path, how);
     return look;
 }
 

@@ -19,7 +19,7 @@ class CTrvCnfConfigFile;
 
 namespace Application_Tarvel {
 
-// How long a user waits for what a file that was just chosen tells of itself: as long as the settings allow
+// How long a user waits for the look at a file that was just chosen: as long as the settings allow
 // for the search of its UTC date, but not so short that no file could be chosen.
 std::chrono::milliseconds GetTimeForChosenFile(const Outils_Configuration::CTrvCnfConfigFile& configuration);
 
@@ -32,7 +32,7 @@ class CFileLooks {
     explicit CFileLooks(Outils::IMessageTarget& target) : m_target(target) {}
     ~CFileLooks() { ForgetAll(); }
 
-    // Calls `look` on a thread, with the event that tells it to give up, and then `take` on the UI thread
+    // Calls `look` on a thread, with the event that asks it to give up, and then `take` on the UI thread
     // with its answer: from within Wait, or by a message. A thread may outlive its question, so `look` holds
     // copies of all that it needs. Of exceptions only std::bad_alloc may leave it, and then the question ends
     // without an answer. One question for each key at a time.

@@ -91,7 +91,7 @@ std::unique_ptr<CTrvProject> BuildProject(const SNewProject& wanted, EText& fail
         parameters.begin = ToStoredTime(first);
         parameters.end = ToStoredTime(last);
     } else if (isGivenUp()) {
-        failure = EText::fileNotReadable; // it may well tell its period
+        failure = EText::fileNotReadable; // its period may be there
         return nullptr;
     }
     return project;

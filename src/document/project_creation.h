@@ -19,13 +19,13 @@ struct SNewProject {
     bool ellipsoidalGpsAltitude = false;   // the user's default altitude reference of GPS
 };
 
-// A project over the recording: equipment, algorithm, heave choice and period as the recording tells them;
+// A project over the recording: equipment, algorithm, heave choice and period as the recording gives them;
 // mounting, reference points and sensors as the configuration file does. Null on failure, with the message to
 // show in `message`.
 std::unique_ptr<Metier_Tarvel::CTrvProject> CreateProject(const SNewProject& wanted, std::string& message);
 // The same for a recording whose format was looked at before: one that is none fails for want of inertial
-// data. One that has not told all when the event is set cannot be read. `failure` is the number of the
-// message, in which %1 stands for the recording. Any thread.
+// data. A recording that is not read when the event is set counts as not readable. `failure` is the number of
+// the message, in which %1 is the recording. Any thread.
 std::unique_ptr<Metier_Tarvel::CTrvProject> BuildProject(const SNewProject& wanted,
                                                          Outils_Texte::EText& failure,
                                                          const Outils::CEvent* interrupt = nullptr);

@@ -147,7 +147,7 @@ void CProjectFiles::LookAtFile(CTrvDataFile& file) {
         [this, &file](SFileLook look) { OnLooked(file, std::move(look)); });
 }
 
-// Two questions: the first packet tells the cipher mode, but the frequency takes a hundred more, and a
+// Two questions: the first packet gives the cipher mode, but the frequency takes a hundred more, and a
 // recording that has fewer is walked to its end.
 void CProjectFiles::LookAtRecording() {
     CTrvSimulationParameters& parameters = *m_project.simulationParameters;
@@ -235,8 +235,9 @@ void CProjectFiles::CheckVersions(const std::map<const CTrvDataFile*, SFileLook>
         if (look->second.outdated)
             upgradable.push_back(file);
         else if (fault != EText::none && fault != EText::fileVanished)
-            host.ShowMessage(FormatText(EText::failedToLoad, {ToText(file->path)}), EButtons::ok,
-                             EIcon::exclamation);
+            host.ShowMessage(FormatText(EText::failedToLoad, {ToText(file->path)}) + "\n\n" +
+                                 FormatText(fault, {ToText(file->path)}),
+                             EButtons::ok, EIcon::exclamation);
     }
     if (upgradable.empty()) return;
     const std::string question(GetText(EText::upgradeDataFiles));

@@ -12,7 +12,8 @@ class CTrvDocument;
 class CUserAction {
   public:
     virtual ~CUserAction() = default;
-    // Changes the model, marks the document modified and tells the views; false leaves everything as it was.
+    // Changes the model, marks the document modified and informs the views; false leaves everything as it
+    // was.
     virtual bool Do() = 0;
     virtual bool Undo() { return true; }
     virtual bool CanUndo() const { return false; }

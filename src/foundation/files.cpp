@@ -123,7 +123,7 @@ std::optional<std::vector<std::uint8_t>> ReadWholeFile(const fs::path& path, std
     const CDescriptor file = OpenRegular(path, size);
     if (!file.IsOpen() || size > limit) return std::nullopt;
 
-    // One byte more than the size tells the end from a file that grows meanwhile.
+    // One byte more than the size shows whether the file grows meanwhile.
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(size) + 1);
     std::size_t filled = 0;
     for (;;) {

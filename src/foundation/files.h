@@ -24,7 +24,7 @@ std::optional<std::vector<std::uint8_t>> ReadFileHead(const std::filesystem::pat
 // followed, the mode of an existing file is kept. False on any failure, and the old file is whole.
 bool SaveAtomically(const std::filesystem::path& path, std::span<const std::uint8_t> bytes);
 
-// Whether files can be made in the folder, as far as its rights tell.
+// Whether files can be made in the folder, as far as its rights show.
 bool CanWriteInto(const std::filesystem::path& folder);
 
 // Writes in place, creating or truncating; for files that nobody else knows yet. False on any failure.

@@ -10,7 +10,9 @@
 namespace Outils_Texte {
 namespace {
 
-bool LooksLikeSwitch(std::string_view argument) {
+bool LooksLikeSwitch(std::string_view argument, ESwitchStyle style) {
+    if (style == ESwitchStyle::dash)
+        return argument.size() > 1 && argument[0] == '-' && !ParseDouble(argument);
     if (argument.starts_with("--")) return true;
     return argument.size() > 1 && argument[0] == '/' && argument.find_first_of("/.", 1) == argument.npos;
 }
@@ -46,17 +48,28 @@ std::string DescribeValue(const SSwitchRow& row) {
     return FormatText(EText::switchRange, {row.value, FormatShortest(row.least), FormatShortest(row.most)});
 }
 
+std::string ListNames(std::span<const SSwitchRow> rows) {
+    std::string names;
+    for (const SSwitchRow& row : rows) (names += names.empty() ? "" : ", ") += row.name;
+    return names.empty() ? std::string(GetText(EText::nothingThere)) : names;
+}
+
 } // namespace
 
 bool CArguments::Parse(std::span<const SSwitchRow> rows, std::span<const std::string> arguments,
-                       std::string& error) {
+                       std::string& error, ESwitchStyle style) {
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
+        if (style == ESwitchStyle::dash && argument == "--") {
+            m_files.insert(m_files.end(), arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                           arguments.end());
+            break;
+        }
         const auto row =
             std::ranges::find_if(rows, [&](const SSwitchRow& r) { return EqualsNoCase(r.name, argument); });
         if (row == rows.end()) {
-            if (LooksLikeSwitch(argument)) {
-                error = FormatText(EText::switchUnknown, {argument});
+            if (LooksLikeSwitch(argument, style)) {
+                error = FormatText(EText::switchUnknown, {argument, ListNames(rows)});
                 return false;
             }
             m_files.push_back(argument);

@@ -15,6 +15,7 @@ namespace Outils_Texte {
 enum class ESwitchValue : unsigned char {
     none,    // the switch alone
     text,    // any argument
+    list,    // the same; the switch may be given several times
     pair,    // two arguments, joined by a blank
     word,    // one of the row's words, in any case
     integer, // within the row's range
@@ -38,14 +39,21 @@ struct SGivenSwitch {
     std::size_t word = 0; // of a word: its place among the row's words
 };
 
+// What else looks like a switch, and is refused.
+enum class ESwitchStyle : unsigned char {
+    slash, // "--x", or "/x" without a further slash or point
+    dash   // "-x", unless it is a number; all that follows the word "--" is files
+};
+
 // A command line cut into switches and files.
 class CArguments {
   public:
     // Reads the arguments after the program's name. An argument is a switch when a row has its name; when no
-    // row has it and it looks like one ("--x", or "/x" without a further slash or point), the line is
-    // refused, as it is for a value that a row does not take. False with the reason in `error`. REQUIRES:
-    // `rows` outlives the object.
-    bool Parse(std::span<const SSwitchRow> rows, std::span<const std::string> arguments, std::string& error);
+    // row has it and it looks like one, the line is refused, as it is for a value that a row does not take.
+    // False with the reason in `error`; what precedes the fault is read. REQUIRES: `rows` outlives the
+    // object.
+    bool Parse(std::span<const SSwitchRow> rows, std::span<const std::string> arguments, std::string& error,
+               ESwitchStyle style = ESwitchStyle::slash);
 
     // The last switch of this name; null when it is not given.
     const SGivenSwitch* Find(std::string_view name) const;

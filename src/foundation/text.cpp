@@ -144,6 +144,14 @@ bool EqualsNoCase(std::string_view a, std::string_view b) {
     return inA == a.size() && inB == b.size();
 }
 
+bool IsControl(char16_t c) { return c < 0x20 || (c >= 0x7F && c < 0xA0); }
+
+std::string ReplaceControls(std::string_view text) {
+    std::u16string decoded = Utf8ToUtf16(text);
+    std::replace_if(decoded.begin(), decoded.end(), IsControl, u' ');
+    return Utf16ToUtf8(decoded);
+}
+
 std::string_view TrimBlanks(std::string_view text) {
     const std::size_t first = text.find_first_not_of(" \t");
     if (first == std::string_view::npos) return {};

@@ -20,6 +20,11 @@ std::string_view TrimAtZero(std::string_view bytes);
 // Without regard to case, as file names are compared: ASCII, Latin, Greek and Cyrillic letters.
 bool EqualsNoCase(std::string_view a, std::string_view b);
 
+// Codes that end a line or steer a terminal, those above U+007F included.
+bool IsControl(char16_t c);
+// The text with a blank for each of them.
+std::string ReplaceControls(std::string_view text);
+
 // Blanks and tabs.
 std::string_view TrimBlanks(std::string_view text);
 

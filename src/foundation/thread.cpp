@@ -31,7 +31,7 @@ bool CEvent::Wait(std::chrono::milliseconds time) {
 }
 
 CThread::~CThread() {
-    // Too late to ask the body to end: the derived part, which it works on, is gone.
+    // Too late to ask the body to end: the derived part, which it works on, is destroyed.
     assert(!m_thread.joinable() && "a thread class must call Kill() in its own destructor");
     Join();
 }

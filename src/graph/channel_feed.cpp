@@ -139,7 +139,7 @@ void CTrv1DChannelFeed::Refresh(const Outils_Objets::CObject* file, bool force) 
 }
 
 // One round at a time: a file that grows faster than it is read would otherwise fill the queue, and the
-// questions of a user who pans would wait behind.
+// questions of a user who pans would wait after them.
 void CTrv1DChannelFeed::StartRefreshes() {
     for (const auto& [key, channel] : m_channels)
         if (channel.extentQuery || channel.windowQuery) return;

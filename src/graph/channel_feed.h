@@ -1,4 +1,4 @@
-// Keeps the curves of a stack supplied: asks for the data of each shown channel behind the screen and hands
+// Keeps the curves of a stack supplied: asks for the data of each shown channel in the background and hands
 // the answers to the stack. UI thread; answers come through the document's message target.
 #pragma once
 

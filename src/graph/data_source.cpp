@@ -53,7 +53,7 @@ bool CTrv1DGraphDataSource::Read(const PacketList& packets, std::uint32_t index,
     if (!ReadValue(*packets[index], value) || !ReadDate(*packets[index], m_dataset->GetOrigin(), date))
         return false;
     y = value * m_factor;
-    // The subtraction is done in ticks: far from zero a double no longer tells neighbouring ticks apart.
+    // The subtraction is done in ticks: far from zero a double cannot separate neighbouring ticks.
     std::int64_t elapsed = 0;
     if (__builtin_sub_overflow(date.GetTicks(), m_start, &elapsed)) return false;
     x = static_cast<double>(elapsed) * m_percentPerTick;

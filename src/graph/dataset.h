@@ -18,7 +18,8 @@ using Application_Tarvel::PacketList;
 using Outils_Temps::CDateTimeSpan;
 using Persistance_Xpf::CXpfPacket;
 
-// A channel of a data file of the project. The file may be gone: it is compared, never looked into.
+// A channel of a data file of the project. The file may be destroyed: its address is compared and never
+// followed.
 struct SChannelKey {
     const Metier_Tarvel::CTrvDataFile* file = nullptr;
     std::uint16_t channel = 0;

@@ -18,7 +18,6 @@ using Outils_Plot2D::kCurvePalette;
 
 namespace {
 
-constexpr std::string_view kResultChannel = "MORVEX_STD";
 constexpr std::string_view kRecordingChannel = "NELIX_NAV";
 
 // A graph of a project that has saved none: the same quantity of the result and of the recording.
@@ -64,8 +63,8 @@ SGraphDescription DescribeDefault(const SDefaultGraph& row, const CTrvProject& p
     // The result comes last and so lies on top: where both agree it is the one that is seen.
     AddDefaultCurve(graph, *project.dataModel, parameters.mainInputFile.get(), kRecordingChannel,
                     row.recordingField, PaletteColour(1));
-    AddDefaultCurve(graph, *project.dataModel, parameters.outputFile.get(), kResultChannel, row.resultField,
-                    PaletteColour(0));
+    AddDefaultCurve(graph, *project.dataModel, parameters.outputFile.get(), Persistance_Xpf::kResultChannel,
+                    row.resultField, PaletteColour(0));
     return graph;
 }
 

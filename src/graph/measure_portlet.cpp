@@ -94,7 +94,7 @@ void CTrv1DGraphMeasurePortlet::FitRange() {
 void CTrv1DGraphMeasurePortlet::Reformat() { m_formater->FitPrecision(*m_scale); }
 
 void CTrv1DGraphMeasurePortlet::ChooseVerticalTicks(const CGraphics& graphics) {
-    // Labels of a range that nothing has given yet would tell values that are nowhere.
+    // A range that no data has given yet has no labels: they would show values that do not exist.
     if (m_automatic && !HasPoints())
         m_scale->SetStep(0);
     else

@@ -19,7 +19,7 @@ class CTrv1DGraphMeasurePortlet : public CTrv1DGraphPortlet {
     double GetMaximum() const { return m_scale->GetMaximum(); }
     // The range follows the data.
     bool IsRangeAutomatic() const { return m_automatic; }
-    // The user's range; ignored unless it is finite and wide enough for its values to be told apart.
+    // The user's range; ignored unless it is finite and wide enough to separate its values.
     void SetRange(double minimum, double maximum);
     void SetRangeAutomatic();
     // Zooms by `factor` about the middle of the range; moves it by this part of its width.

@@ -15,8 +15,7 @@ namespace {
 constexpr float kTitleHeight = 20;
 constexpr float kPadding = 4;
 constexpr float kLegendWidth = 150;
-constexpr float kLabelGap =
-    6; // labels stand three pixels from the plotting area; as much again to their left
+constexpr float kLabelGap = 6; // labels are three pixels from the plotting area; as much again to their left
 constexpr float kTimeLabelGap = 14;
 constexpr float kNoticeHeight = 14;
 
@@ -168,7 +167,7 @@ void CTrv1DGraphPortlet::LayoutPlot(const CGraphics& graphics) {
     m_plottingRect = {area.x + m_plot.GetRect().x, area.y + m_plot.GetRect().y, area.width, area.height};
 }
 
-// Ticks of the time stand closer than their texts are wide: as many are left out as it takes.
+// The ticks of the time are closer than their texts are wide: this leaves out as many texts as necessary.
 void CTrv1DGraphPortlet::ChooseTimeLabels(const CGraphics& graphics) {
     m_timeFormater->SetStride(1);
     const auto& axis = m_plot.GetHorizontalAxis();

@@ -35,7 +35,7 @@ class CTrv1DGraphPortlet {
     CPlot2D& GetPlot() { return m_plot; }
     CTrv1DGraphSimulationTimeScale& GetTimeScale() const { return *m_timeScale; }
 
-    // The saved curve behind a serie of the plot; null if there is none.
+    // The saved curve that a serie of the plot shows; null if there is none.
     const Metier_Tarvel_Graphics::CTrv1DCurve* GetCurve(const CPlot2DSerie* serie) const;
     // Shows what `description` says of the same graph. Series that show the same field stay as they are, with
     // their data and their selection; the others come and go.
@@ -84,7 +84,7 @@ class CTrv1DGraphPortlet {
   private:
     struct SEntry {
         CPlot2DSerie* serie;     // owned by the plot
-        SCurveDescription shown; // its curve may be gone: compared only
+        SCurveDescription shown; // its curve may be destroyed: compared only
     };
 
     void RemoveSeries(const std::vector<SCurveDescription>& wanted);
@@ -95,7 +95,7 @@ class CTrv1DGraphPortlet {
     void DrawNotice(CGraphics& graphics) const;
 
     CPlot2D m_plot;
-    Metier_Tarvel_Graphics::CTrv1DGraph* m_graph; // not owned, may be gone
+    Metier_Tarvel_Graphics::CTrv1DGraph* m_graph; // not owned, may be destroyed
     std::string m_title;
     CTrv1DGraphSimulationTimeScale* m_timeScale;    // owned by the plot's axis
     CTrv1DGraphTimeAdaptorFormater* m_timeFormater; // owned by the plot's axis

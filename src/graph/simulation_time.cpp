@@ -39,7 +39,7 @@ void SSimulationTimeText::FitPrecision(CDateTimeSpan tick) {
     };
     dateTime.precision = fit(m_settings->dateTime, decimals);
     span.precision = fit(m_settings->span, decimals);
-    // A total is in any unit: one place behind the first that the tick changes.
+    // A total is in any unit: one place after the first that the tick changes.
     const double inUnit = std::abs(span.total.GetCurrentUnit().FromInternal(tick.GetTotalSeconds()));
     const double places = inUnit > 0 ? std::ceil(-std::log10(inUnit)) + 1 : 0;
     span.total.precision = fit(m_settings->total, static_cast<std::int32_t>(std::clamp(places, 0.0, 12.0)));

@@ -1,4 +1,4 @@
-// A simulation time as text: elapsed, or as the UTC date it stands for. UI thread.
+// A simulation time as text: elapsed, or as a UTC date. UI thread.
 #pragma once
 
 #include "config/enumerations.h"
@@ -20,12 +20,12 @@ struct SSimulationTimeText {
     Outils_Valeurs::CDateTimeAdaptor dateTime;
     Outils_Valeurs::CDateTimeSpanAdaptor span;
 
-    // UTC is asked for and can be told.
+    // UTC is asked for and known.
     bool ShowsUtc() const {
         return mode == Outils_Configuration::ESimulationTimeMode::utcTime && utcReference.has_value();
     }
     std::string Format(CDateTimeSpan time) const;
-    // Takes as many decimals as it needs to tell times apart that lie `tick` from each other, and those of
+    // Takes as many decimals as separate two times that are `tick` apart, and those of
     // the settings at least, which were in force at the first call.
     void FitPrecision(CDateTimeSpan tick);
 

@@ -86,7 +86,7 @@ bool CTrv1DGraphStack::SetPeriod(const SPeriod& period) {
     const bool first = !HasPeriod();
     m_period = period;
     if (!m_portlets.empty()) {
-        // All axes have the same ticks: the first tells what the texts must show.
+        // All axes have the same ticks: the first decides what the texts show.
         m_portlets.front()->GetTimeScale().SetDisplay(period.start, period.end);
         m_timeText.FitPrecision(m_portlets.front()->GetTimeScale().GetTickSpan());
     }

@@ -63,7 +63,7 @@ class CTrv1DGraphStack {
     // Drags the values of a measure portlet by this many pixels, positive downwards.
     bool PanVertical(CTrv1DGraphPortlet& portlet, float dy);
 
-    // A channel's data has arrived, or has gone (null): hands it to every curve of the channel.
+    // A channel's data has arrived, or is lost (null): hands it to every curve of the channel.
     void SetDataset(const SChannelKey& channel, const std::shared_ptr<const CTrv1DGraphDataset>& dataset);
     void SetLegendsVisible(bool visible);
     bool AreLegendsVisible() const { return m_legendsVisible; }

@@ -8,7 +8,7 @@ using namespace Outils_Temps;
 
 namespace {
 
-// What may stand between two ticks, as long as it takes: the largest unit of the tenth decides.
+// The most steps of a vertical axis.
 constexpr int kMaximumSteps = 10;
 
 // `count` raised to the next multiple of `step`, also from a multiple.

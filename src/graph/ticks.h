@@ -1,4 +1,4 @@
-// How far apart the ticks of a graph stand. Pure arithmetic, any thread.
+// The distances between the ticks of a graph. Pure arithmetic, any thread.
 #pragma once
 
 #include "foundation/date_time.h"
@@ -24,7 +24,7 @@ double ChooseVerticalStep(double minimum, double maximum, double length, double 
 // display.
 CDateTimeSpan ChooseTickSpan(CDateTimeSpan displayed);
 
-// The first tick at or behind the start of the display, as a time since `origin`; `offset` is the time from
+// The first tick at or after the start of the display, as a time since `origin`; `offset` is the time from
 // the origin to the start of the display.
 CDateTimeSpan AlignFirstTick(CDateTimeSpan offset, CDateTimeSpan tickSpan);
 

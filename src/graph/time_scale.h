@@ -29,7 +29,7 @@ class CTrv1DGraphTimeAdaptorFormater : public Outils_Plot2D::CPlot2DValueFormate
 
 class CTrv1DGraphSimulationTimeScale : public Outils_Plot2D::CPlot2DLinearScale {
   public:
-    // `text` says whether ticks stand at round UTC times or count from the start of the display; it must
+    // `text` says whether ticks are at round UTC times or count from the start of the display; it must
     // outlive the scale.
     explicit CTrv1DGraphSimulationTimeScale(const SSimulationTimeText& text);
 

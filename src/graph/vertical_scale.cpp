@@ -12,7 +12,7 @@ using Outils_Valeurs::CPhysicalValueAdaptor;
 namespace {
 
 constexpr std::int32_t kMaximumDecimals = 12;
-constexpr std::int32_t kDefaultDecimals = 6; // what a negative precision stands for
+constexpr std::int32_t kDefaultDecimals = 6; // the meaning of a negative precision
 
 std::unique_ptr<CNumericValueAdaptor> Copy(const CNumericValueAdaptor& adaptor) {
     if (const auto* physical = dynamic_cast<const CPhysicalValueAdaptor*>(&adaptor))

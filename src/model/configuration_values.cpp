@@ -26,4 +26,8 @@ std::optional<std::int32_t> GetListInteger(std::string_view list, int index) {
     return field ? Outils_Texte::ParseInt(*field) : std::nullopt;
 }
 
+bool ReadLeverArm(CLeverArm& leverArm, const std::string& list) {
+    return list.empty() || ReadTriple(leverArm, list);
+}
+
 } // namespace Metier_Tarvel

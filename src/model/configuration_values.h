@@ -42,4 +42,7 @@ bool ReadTriple(Triple& triple, std::string_view list, int first = 0) {
     return values.has_value();
 }
 
+// As ReadTriple; an empty list changes nothing and is no failure.
+bool ReadLeverArm(CLeverArm& leverArm, const std::string& list);
+
 } // namespace Metier_Tarvel

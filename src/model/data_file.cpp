@@ -18,7 +18,7 @@ using Outils_Objets::SerializeUnchanged;
 
 namespace {
 
-// The folder against which an archive's relative paths stand; empty for an archive in memory.
+// The folder from which an archive's relative paths lead; empty for an archive in memory.
 std::filesystem::path FolderOf(const CArchive& archive) {
     const std::filesystem::path& file = archive.GetFilePath();
     if (file.empty()) return {};

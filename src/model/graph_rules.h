@@ -8,7 +8,7 @@
 
 namespace Metier_Tarvel_Graphics {
 
-// The nature of the values of a measure graph: that of its first curve which the dictionary still knows.
+// The nature of the values of a measure graph: the nature of its first curve that the dictionary knows.
 // False for a graph without one, which takes any measure.
 bool FindGraphNature(const CTrvProject& project, const CTrv1DGraphMeasure& graph, std::uint32_t& nature);
 
@@ -16,7 +16,7 @@ bool FindGraphNature(const CTrvProject& project, const CTrv1DGraphMeasure& graph
 // multiplied by: an immersion counts downwards and is mirrored beside an altitude, and the other way round.
 bool CanJoin(std::uint32_t graphNature, std::uint32_t nature, double& factor);
 
-// "channel - field", and the file's name behind it for a file that is neither the main input nor the result.
+// "channel - field", and the file's name after it unless the file is the main input or the result.
 std::string MakeCurveLabel(const Metier_Tarvel_DataModel::CTrvDataLayer& layer, const std::string& field);
 
 } // namespace Metier_Tarvel_Graphics

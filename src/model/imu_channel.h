@@ -46,9 +46,9 @@ class CImuChannel {
     std::uint32_t m_number = 0;
 };
 
-// What the inertial packets of a recording tell of it, read on the caller's thread until the event is set.
+// What the inertial packets of a recording say about it, read on the caller's thread until the event is set.
 
-// In hertz, over at most 100 packets behind the first. True only for one that an INS has; `frequency` is what
+// In hertz, over at most 100 packets after the first. True only for one that an INS has; `frequency` is what
 // was measured all the same, and 0 if nothing was.
 bool MeasureImuFrequency(const std::filesystem::path& path, std::int32_t& frequency,
                          const Outils::CEvent* interrupt = nullptr);

@@ -10,7 +10,7 @@
 namespace Metier_Tarvel {
 
 // Sections and keys are found without regard to case, the first of a name counts. Lines that begin with ";"
-// are comments. Reads Windows-1252, and UTF-16 behind its mark.
+// are comments. Reads Windows-1252, and UTF-16 after its mark.
 class CIniFile {
   public:
     // False when the file cannot be read or is larger than any configuration; then every key has its default.

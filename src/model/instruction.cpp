@@ -7,12 +7,6 @@ namespace Metier_Tarvel {
 
 using Outils_Objets::SerializeUnchanged;
 
-void CTrvPeriod::Serialize(CArchive& archive) { SerializeUnchanged<CTrvObject>(archive, *this, begin, end); }
-
-void CTrvOutputRate::Serialize(CArchive& archive) { SerializeUnchanged<CTrvPeriod>(archive, *this, value); }
-
-void CTrvModePeriod::Serialize(CArchive& archive) { SerializeUnchanged<CTrvPeriod>(archive, *this, mode); }
-
 void CTrvRejectionInstruction::Serialize(CArchive& archive) {
     SerializeUnchanged<CTrvPeriod>(archive, *this, group, mode);
 }

@@ -1,6 +1,10 @@
 #include "model/nelix_configuration.h"
 
+#include "foundation/numbers.h"
 #include "foundation/texts.h"
+#include "model/configuration_values.h"
+#include "model/ini_file.h"
+#include "model/ins_web_configuration_file.h"
 #include "model/loading.h"
 
 #include <cstdio>
@@ -12,6 +16,8 @@ using Outils_Texte::EText;
 using Outils_Objets::CSchema;
 
 namespace {
+
+constexpr std::string_view kZero = "0.0,0.0,0.0";
 
 struct SEquipment {
     std::int32_t code;
@@ -109,6 +115,33 @@ void CTrvNelixConfiguration::Serialize(CArchive& archive) {
     RequiredMember(schema, currentModeling);
     RequiredMember(schema, type);
     RequiredMember(schema.Since(3), cogLeverArm);
+}
+
+bool CTrvNelixConfiguration::ReadIni(const CIniFile& file) {
+    if (!ReadTriple(*factoryMisalignment, file.GetString("Usine", "CRT", kZero)) ||
+        !ReadTriple(*fineMisalignment, file.GetString("System", "bias")) ||
+        !ReadTriple(*primaryLeverArm, file.GetString("System", "PriLvArm", kZero)) ||
+        !ReadTriple(*secondaryLeverArmA, file.GetString("System", "SecLvArmA", kZero)) ||
+        !ReadTriple(*secondaryLeverArmB, file.GetString("System", "SecLvArmB", kZero)) ||
+        !ReadTriple(*secondaryLeverArmC, file.GetString("System", "SecLvArmC", kZero)))
+        return false;
+    const auto rough = Outils_Texte::ParseInt(file.GetString("System", "Axisor"));
+    if (!rough) return false;
+    roughMisalignment = *rough;
+    type->SetFromEquipment(file.GetInt("Info", "Type"));
+    return ReadTriple(*cogLeverArm, file.GetString("Cog", "LvArm", kZero));
+}
+
+bool CTrvNelixConfiguration::ReadWebConfiguration(const CInsWebConfigurationFile& file) {
+    const std::string_view leverArms = file.GetList("LVA");
+    std::int32_t rough = 0;
+    if (!ReadTriple(*fineMisalignment, file.GetList("MesaCrt")) ||
+        !ReadTriple(*primaryLeverArm, leverArms, 0) || !ReadTriple(*secondaryLeverArmA, leverArms, 3) ||
+        !ReadTriple(*secondaryLeverArmB, leverArms, 6) || !ReadTriple(*secondaryLeverArmC, leverArms, 9) ||
+        !file.GetIntegerField("MesaOrient", 0, rough))
+        return false;
+    if (rough >= 0 && rough < kRoughMisalignmentCount) roughMisalignment = rough;
+    return ReadTriple(*cogLeverArm, file.GetList("COG"));
 }
 
 } // namespace Metier_Tarvel

@@ -63,7 +63,7 @@ class CTrvNelixConfiguration : public TRuntimeClass<CTrvNelixConfiguration, CTrv
 
     explicit CTrvNelixConfiguration(CTrvSimulationParameters* parameters = nullptr);
 
-    // Takes the mounting, reference points and model that a configuration file tells. False at the first
+    // Takes the mounting, reference points and model that a configuration file gives. False at the first
     // value that is missing and required or does not convert; what was read before stays.
     bool ReadIni(const CIniFile& file);
     bool ReadWebConfiguration(const CInsWebConfigurationFile& file);

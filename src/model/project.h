@@ -26,7 +26,7 @@ class CTrvProject : public TRuntimeClass<CTrvProject, CTrvObject> {
     ~CTrvProject() override;
 
     // Reads the single object of a project file; null when the file holds null. Throws CArchiveException;
-    // then nothing is left behind. Storing is archive.WriteObject(project). The data model is empty after a
+    // then no object is left. Storing is archive.WriteObject(project). The data model is empty after a
     // load.
     static std::unique_ptr<CTrvProject> Load(CArchive& archive);
 

@@ -2,7 +2,10 @@
 
 #include "foundation/serialize.h"
 #include "foundation/texts.h"
+#include "model/configuration_values.h"
 #include "model/data_file.h"
+#include "model/ini_file.h"
+#include "model/ins_web_configuration_file.h"
 #include "model/simulation_parameters.h"
 
 namespace Metier_Tarvel {
@@ -12,6 +15,17 @@ using Outils_Texte::EText;
 using Outils_Objets::CSchema;
 
 namespace {
+
+constexpr double kPercent = 100.0;
+
+// Heading, roll, pitch and the scale factor in percent.
+bool ReadCalibration(CTrvSensor& sensor, std::string_view list) {
+    const auto values = GetListNumbers<4>(list);
+    if (!values) return false;
+    Assign(*sensor.GetMisalignment(), {(*values)[0], (*values)[1], (*values)[2]});
+    *sensor.GetScaleFactor() = (*values)[3] / kPercent;
+    return true;
+}
 
 template <class Sensor>
 std::unique_ptr<CTrvSensor> Make(CTrvSimulationParameters* owner) {
@@ -89,6 +103,19 @@ void CTrvSensor::Serialize(CArchive& archive) {
     schema.Field(timeOffset);
     schema.OwnedList(rejectionGroups);
     schema.Since(2).Field(synchronizedOutput);
+}
+
+bool CTrvSensor::ReadFromIniFile(const CIniFile& file, std::string_view section) {
+    if (CLeverArm* leverArm = GetLeverArm();
+        leverArm && !ReadLeverArm(*leverArm, file.GetString(section, "LvArm")))
+        return false;
+    return !GetMisalignment() || ReadCalibration(*this, file.GetString(section, "Mesalign"));
+}
+
+bool CTrvSensor::ReadFromWebConfiguration(const CInsWebConfigurationFile& file, int sensorIndex) {
+    if (CLeverArm* leverArm = GetLeverArm()) ReadTriple(*leverArm, file.GetLeverArm(sensorIndex));
+    if (GetMisalignment()) ReadCalibration(*this, file.GetCalibration(sensorIndex));
+    return true;
 }
 
 } // namespace Metier_Tarvel

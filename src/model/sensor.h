@@ -25,7 +25,7 @@ struct SSensorKind {
     EText label;                            // number of the text
     int maximum;                            // per project
     std::uint16_t channelType;              // type code of the channels that hold its data
-    std::array<EText, 2> rejectionGroups{}; // names of the groups, "none" behind the last
+    std::array<EText, 2> rejectionGroups{}; // names of the groups, "none" after the last
     std::unique_ptr<CTrvSensor> (*create)(CTrvSimulationParameters* owner) = nullptr;
 };
 

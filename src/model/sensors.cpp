@@ -1,11 +1,26 @@
 #include "model/sensors.h"
 
+#include "model/configuration_values.h"
+#include "model/ini_file.h"
+#include "model/ins_web_configuration_file.h"
 #include "model/loading.h"
 #include "model/simulation_parameters.h"
 
 namespace Metier_Tarvel {
 
 using Outils_Objets::CSchema;
+
+namespace {
+
+bool ReadCurrentModeling(CTrvCurrentModeling& modeling, std::string_view list) {
+    const auto values = GetListNumbers<2>(list);
+    if (!values) return false;
+    modeling.time = (*values)[0];
+    modeling.sigma = (*values)[1];
+    return true;
+}
+
+} // namespace
 
 void CTrvCurrentModeling::Serialize(CArchive& archive) {
     CSchema schema(archive, 1);
@@ -66,6 +81,17 @@ void CTrvSensorDvl::Serialize(CArchive& archive) {
     RequiredMember(schema.Since(3), waterTrackStdDevInstruction);
 }
 
+bool CTrvSensorDvl::ReadFromIniFile(const CIniFile& file, std::string_view section) {
+    return CTrvSensor::ReadFromIniFile(file, section) &&
+           ReadCurrentModeling(*currentModeling, file.GetString("System", "ModeleCourrant", "0,0"));
+}
+
+bool CTrvSensorDvl::ReadFromWebConfiguration(const CInsWebConfigurationFile& file, int sensorIndex) {
+    file.GetFloatField("DVLTAM", 0, currentModeling->time);
+    file.GetFloatField("DVLTAM", 1, currentModeling->sigma);
+    return CTrvSensor::ReadFromWebConfiguration(file, sensorIndex);
+}
+
 // --- EM log, depth sensor, LBL
 
 template <class Self, ESensorKind Kind, class StdDev>
@@ -112,6 +138,17 @@ void CTrvSensorUsbl::Serialize(CArchive& archive) {
     schema.Since(3).OwnedList(filteringInstructions);
 }
 
+bool CTrvSensorUsbl::ReadFromIniFile(const CIniFile& file, std::string_view section) {
+    if (!CTrvSensor::ReadFromIniFile(file, section)) return false;
+    transponderCode = file.GetString(section, "TpCode");
+    return true;
+}
+
+bool CTrvSensorUsbl::ReadFromWebConfiguration(const CInsWebConfigurationFile& file, int sensorIndex) {
+    if (const std::string_view code = file.GetTransponder(sensorIndex); !code.empty()) transponderCode = code;
+    return CTrvSensor::ReadFromWebConfiguration(file, sensorIndex);
+}
+
 // --- Odometer
 
 void CTrvSensorOdometer::Serialize(CArchive& archive) {
@@ -150,6 +187,13 @@ void CTrvSensorPlatformOrientation::Serialize(CArchive& archive) {
     RequiredMember(schema, insMisalignment);
     RequiredMember(schema, vehicleLeverArm);
     RequiredMember(schema, vehicleMisalignment);
+}
+
+bool CTrvSensorPlatformOrientation::ReadFromIniFile(const CIniFile& file, std::string_view section) {
+    return ReadLeverArm(*insLeverArm, file.GetString(section, "INSLvArm")) &&
+           ReadLeverArm(*vehicleLeverArm, file.GetString(section, "PlatformLvArm")) &&
+           ReadTriple(*insMisalignment, file.GetString(section, "INSMesalign")) &&
+           ReadTriple(*vehicleMisalignment, file.GetString(section, "PlatformMesalign"));
 }
 
 } // namespace Metier_Tarvel

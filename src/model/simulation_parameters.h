@@ -52,7 +52,7 @@ class CTrvSimulationParameters : public TRuntimeClass<CTrvSimulationParameters, 
     ~CTrvSimulationParameters() override;
 
     // Reads the single object of a parameter file, with all it refers to; null when the file holds null.
-    // Throws CArchiveException; then nothing is left behind. Storing is archive.WriteObject.
+    // Throws CArchiveException, and then leaves no object. Storing is archive.WriteObject.
     static std::unique_ptr<CTrvSimulationParameters> Load(CArchive& archive);
 
     // Runs every rule; true when all hold. `report` then has every violation.

@@ -20,7 +20,7 @@ bool CTrvSimulationTimeAdaptor::TextToValue(std::string_view text, const CTrvSim
     CDateTimeSpan elapsed;
     if (!elapsedTime->TextToValue(text, elapsed)) {
         if (!parameters.hasUtcReference) return false;
-        // A notation without a day counts from that of the present value.
+        // A notation without a day counts from the day of the present value.
         CDateTime date = parameters.utcReference + ToSpan(value);
         if (!dateTime->TextToValue(text, date)) return false;
         elapsed = date - parameters.utcReference;

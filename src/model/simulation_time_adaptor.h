@@ -29,7 +29,7 @@ class CTrvSimulationTimeAdaptor : public TRuntimeClass<CTrvSimulationTimeAdaptor
         : elapsedTime(&elapsed), dateTime(&date) {}
 
     // A date in mode UTC when the parameters have a UTC reference, else elapsed time. False for a value that
-    // has no text; `text` then tells that.
+    // has no text; `text` then says so.
     bool ValueToText(CDateTime value, const CTrvSimulationParameters& parameters, std::string& text) const;
     // Whatever reads as elapsed time is elapsed time, in either mode; a date is taken when there is a UTC
     // reference. False for any other text, and `value` stays.

@@ -1,4 +1,4 @@
-// How the measurements of a sensor are weighted. One instruction stands for each such member of a sensor; it
+// How the measurements of a sensor are weighted. Each such member of a sensor has one instruction; it
 // is made and destroyed with the sensor.
 #pragma once
 

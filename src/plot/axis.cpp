@@ -76,7 +76,7 @@ void CPlot2DAxis::DrawHorizontalTick(CGraphics& graphics, double value) const {
 void CPlot2DAxis::DrawVerticalTick(CGraphics& graphics, double value, float halfFontHeight) const {
     const SRect& area = m_plot.GetPlottingArea().GetRect();
     const SPoint anchor = {area.x - kLabelGap, area.Bottom() - m_scale->ToPixel(value, area.height)};
-    // The lower half of the bottom label may stand out.
+    // The lower half of the bottom label may leave the area.
     if (!(anchor.y - halfFontHeight >= area.y && anchor.y <= area.Bottom()) || m_plot.GetSeries().empty())
         return;
     if (m_pen) graphics.DrawLine(m_pen->GetNative(), anchor, {anchor.x + kTickLength, anchor.y});

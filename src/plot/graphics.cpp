@@ -258,7 +258,7 @@ bool CGraphics::FillColumns(const QBrush& brush, std::span<const SPoint> points)
     if (!PolygonToColumns(m_line, bounds, rects)) return false;
     CutTallColumns(rects);
     const QTransform world = m_painter->worldTransform();
-    // Whatever stands between the world and the device (pixel ratio, redirection) is undone by its inverse.
+    // Whatever is between the world and the device (pixel ratio, redirection) is undone by its inverse.
     m_painter->setWorldTransform((world.inverted() * toDevice).inverted());
     m_painter->setPen(Qt::NoPen);
     m_painter->setBrush(brush);

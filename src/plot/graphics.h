@@ -48,7 +48,7 @@ struct SStringFormat {
     StringAlignment align = StringAlignment::Near;     // along the line
     StringAlignment lineAlign = StringAlignment::Near; // across the lines
     StringTrimming trimming = StringTrimming::None;
-    bool noClip = false; // text may stand out of its box
+    bool noClip = false; // text may leave its box
 };
 
 enum class TextRenderingHint { SystemDefault = 0, AntiAlias = 4 };

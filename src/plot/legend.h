@@ -12,7 +12,7 @@ class CPlot2DLegend : public CPlot2DArea {
     // `plot` holds the legend.
     explicit CPlot2DLegend(CPlot2D& plot);
 
-    // The graphics' origin is that of the plot. The hovered and the selected serie stand on a gradient.
+    // The graphics have the origin of the plot. The hovered and the selected serie have a gradient.
     void Draw(CGraphics& graphics);
     // The serie whose row is under `point`, or null. `point` is in the coordinates in which the plot itself
     // lies, as for CPlot2D::HitTest. Needs no window.

@@ -6,7 +6,7 @@ namespace Outils_Plot2D {
 
 QColor ToNative(Colour colour) { return QColor::fromRgba(colour); }
 
-// A mitre at the tip of a spike would stand out far beyond the data.
+// A mitre at the tip of a spike would reach far beyond the data.
 CPlot2DPen::CPlot2DPen(Colour colour, float width)
     : m_pen(QBrush(ToNative(colour)), width, Qt::SolidLine, Qt::FlatCap, Qt::BevelJoin) {}
 

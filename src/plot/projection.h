@@ -21,7 +21,7 @@ class CProjection {
     // The vertical axis grows upwards.
     float Y(double value) const { return m_area.Bottom() - m_vertical->ToPixel(value, m_area.height); }
     SPoint operator()(double x, double y) const { return {X(x), Y(y)}; }
-    // The scale is asked as it stands: with a minimum other than zero the result is shifted by it. Scales
+    // The scale is asked as it is: with a minimum other than zero the result is shifted by it. Scales
     // over which series are drawn begin at zero.
     float HalfPeriod(double period) const { return m_horizontal->ToPixel(period * 0.5, m_area.width); }
 

@@ -38,7 +38,7 @@ class CPlot2DLinearScale : public CPlot2DScale {
 
     float ToPixel(double value, float length) const override;
     double FromPixel(float pixel, float length) const override;
-    // Multiples of the step. A step that is not a positive number, or too small to tell two values of the
+    // Multiples of the step. A step that is not a positive number, or too small to separate two values of the
     // range apart, gives no ticks.
     bool FirstTick(double& value) const override;
     // Two steps further, apart from rounding: a step is chosen as half of what is to stand between two

@@ -19,7 +19,7 @@ class CTextLayout {
   public:
     // One line of UTF-8 text.
     CTextLayout(std::string_view text, const QFont& font);
-    // Lines no wider than `box`, broken between words where possible. `trimming` tells what becomes of lines
+    // Lines no wider than `box`, broken between words where possible. `trimming` says what becomes of lines
     // beyond its height; the first line always stays.
     CTextLayout(std::string_view text, const QFont& font, const SRect& box, StringTrimming trimming);
 

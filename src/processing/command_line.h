@@ -9,8 +9,8 @@ namespace Communication_Processus {
 
 // The arguments in `commandLine`, the program first. The program ends at the first blank or tab outside
 // double quotes, and its backslashes are ordinary characters. In what follows, a backslash is special only
-// in a row of backslashes before a double quote: each pair of them stands for one, and one left over makes
-// the quote an ordinary character. Two double quotes inside a quoted part stand for one. The text ends at a
+// in a row of backslashes before a double quote: each pair of them means one, and one left over makes
+// the quote an ordinary character. Two double quotes inside a quoted part mean one. The text ends at a
 // zero character. An empty text, or one that starts with a blank, has an empty program.
 std::vector<std::string> SplitCommandLine(std::string_view commandLine);
 

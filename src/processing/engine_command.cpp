@@ -1,6 +1,6 @@
 #include "processing/engine_command.h"
 
-#include "processing/switches.h"
+#include "processing/command_switches.h"
 
 namespace Communication_Processus {
 
@@ -8,7 +8,7 @@ namespace {
 
 using Values = std::vector<std::string>;
 
-constexpr SSwitchRow<std::string_view> kRows[] = {
+constexpr SCommandSwitch<std::string_view> kRows[] = {
     {"/remote", EArgument::flag, [](const std::string_view&) { return Values{""}; }},
     // The engine waits for the word "start".
     {"/autostart", EArgument::word, [](const std::string_view&) { return Values{"off"}; }},

@@ -27,7 +27,7 @@ constexpr std::int64_t kTicksPerWeek = 7 * kTicksPerDay;
 constexpr std::uint64_t kUnixEpoch = 134774ULL * kTicksPerDay;   // 1970-01-01
 constexpr std::uint64_t kFirstSunday = 138431ULL * kTicksPerDay; // 1980-01-06
 
-// Where year, month and day stand in a calendar notation.
+// The places of year, month and day in a calendar notation.
 struct SOrder {
     int year, month, day;
 };
@@ -115,8 +115,8 @@ std::optional<CDateTime> ReadUnixTime(CTextScanner& scanner) {
     return date.IsValid() ? std::optional(date) : std::nullopt;
 }
 
-// Seconds within a period of time that begins again at `origin` and every `period` ticks before and after. The
-// end of the period is taken too: the last instants of it round to that.
+// Seconds within a period of time that begins again at `origin` and every `period` ticks before and after.
+// The end of the period is taken too: the last instants of it round to that.
 std::optional<CDateTime> ReadWithin(CTextScanner& scanner, const CDateTime& reference, std::int64_t period) {
     const auto ticks = ReadSeconds(scanner);
     if (!ticks || *ticks > period) return std::nullopt;

@@ -55,7 +55,7 @@ bool CPhysicalValueAdaptor::TextToValue(std::string_view text, double& value, st
         if (found == m_units.end()) return false;
         unit = &found->second;
     }
-    // Whatever the unit typed, the offset is that of the unit shown.
+    // The offset is always the one of the unit shown, whatever unit is typed.
     const double internal = (number - m_currentUnit.C) * unit->A / unit->B;
     if (!std::isfinite(internal)) return false;
     value = internal;

@@ -42,7 +42,7 @@ bool CXpfChannel::ReadNextPacket(std::uint32_t& sizeRead, SPacketHeader* header,
     m_current = position;
 
     // The trailer is only read, never compared: a whole packet has been written once its last byte is there.
-    // Behind a payload that is cut by a small buffer, the bytes in its place serve as well.
+    // After a payload that is cut by a small buffer, the bytes in its place serve as well.
     const std::uint32_t size = LoadPacketSize(packet);
     const std::uint32_t count = std::min(bufferSize, size - kPacketOverhead);
     const std::size_t length = std::size_t{kPacketOverhead} + count;
@@ -76,7 +76,7 @@ void CXpfChannel::StepOn(std::int64_t position, const SPacketHeader& header) {
     if (position > m_last.Get()) m_last = position;
     m_previous = position;
     // Without a link this packet was the last of its channel when it was read; the next read walks on from
-    // after it through whatever the writer has appended since.
+    // its end through whatever the writer has appended since.
     m_current = position + (header.forwardLink != 0 ? header.forwardLink : header.size);
 }
 
@@ -146,7 +146,7 @@ bool CXpfChannel::FindLastPacket(SPacketHeader& header) {
     std::int64_t position = 0;
     if (!FindStreamEnd(position, header)) return false;
     while (header.channel != m_number) {
-        // The trailer in front of a packet tells where the one before it begins.
+        // The trailer before a packet shows where the packet before it begins.
         const std::int64_t end = position;
         const std::uint8_t* bytes = m_file.m_reader->View(end - kPacketTrailerSize, kPacketTrailerSize);
         if (!bytes) return false;

@@ -61,7 +61,7 @@ bool CXpfFile::IsTornTail(std::int64_t position) {
     if (position + kPacketHeaderSize > size) return true;
     if (!m_reader->Probe(position, &header, sizeof header)) return false;
     if (!header.Check()) {
-        // Zeros have cut the header, or stand where a packet would begin.
+        // Zeros have cut the header, or are where a packet would begin.
         constexpr std::uint32_t kSizeOffset = 4;
         const bool begins = header.magic[0] == '$' || header.magic[0] == 0;
         return begins && header.size == 0 && HoldsOnlyZeros(position + kSizeOffset);

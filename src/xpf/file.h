@@ -41,7 +41,7 @@ class CXpfFile {
     bool Open(const std::filesystem::path& path);
 
     // Reads header, channel records and definitions, each file kind by its own tables. On false
-    // `outdated` says that channels or versions are not those of the tables; OpenXpfFile tells a former
+    // `outdated` says that channels or versions are not those of the tables; OpenXpfFile separates a former
     // layout from damage. The base class knows no channel and returns false.
     virtual bool ReadFileHeader(bool& outdated, HeaderBuffer& headerBuffer);
 

@@ -41,7 +41,7 @@ constexpr SChannelLayout kChannels[] = {
      "Temperatures of the unit"},
     {"PLATFORM_ORIENT", typePlatformOrientation, EFileKind::tarin, EText::channelGyroStabilizedMount,
      "Orientation of the stabilized mount"},
-    {"MORVEX_STD", typeMorvexStd, EFileKind::tarout, EText::channelPostProcessingStandard,
+    {kResultChannel, typeMorvexStd, EFileKind::tarout, EText::channelPostProcessingStandard,
      "Navigation result"},
     {"MORVEX_MSG", typeMorvexMsg, EFileKind::tarout, EText::channelPostProcessingMessages,
      "Messages of the processing"},

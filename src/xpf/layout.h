@@ -134,6 +134,9 @@ const SPacketLayout* FindPacketLayout(std::uint16_t type);
 // described in a file and never decoded; null for a type that the kind does not have.
 const SPacketLayout* FindDescribedLayout(EFileKind kind, std::uint16_t type);
 
+// The channel of a result that holds the navigation.
+inline constexpr std::string_view kResultChannel = "MORVEX_STD";
+
 struct SChannelLayout {
     std::string_view name; // the 16-byte key of the channel record
     std::uint16_t packetType;

@@ -100,7 +100,7 @@ bool CPacketSearch::SearchForward(SPacketHeader& header) {
             }
             afterDollar = dollar;
         }
-        // After a rejected candidate the pointer stands at this chunk's start, so that the next read gives
+        // After a rejected candidate the pointer is at this chunk's start, so that the next read gives
         // the same bytes under an offset one chunk further on. Readers of these files have always searched
         // like this, and which packet a search lands on is part of their behaviour.
         chunkOffset += static_cast<std::int64_t>(count);

@@ -90,8 +90,8 @@ class Session : public testing::Test {
         auto project = CreateProject({m_folder / (name + ".tarin"), path}, message);
         EXPECT_TRUE(project) << message;
         Outils::CMessageQueue queue;
-        CTrvDocument document(m_session->GetHost(), queue,
-                              m_application.GetConfiguration()); // beside the frame's
+        CTrvDocument document(m_session->GetHost(), queue, m_application.GetConfiguration(),
+                              false); // beside the frame's
         EXPECT_TRUE(document.NewFromProject(std::move(project), path));
         return path;
     }

@@ -1,6 +1,5 @@
 #include "app/start_up.h"
 
-#include "app/end_signals.h"
 #include "app/program.h"
 #include "app/snapshot.h"
 #include "app/splash.h"
@@ -42,7 +41,7 @@ TEST(CommandLine, IsReadAsAWhole) {
         {{"--version", "-x"}, ERequest::version},
         {{"--snapshot"}, ERequest::wrongUsage},
         {{"--snapshot", ""}, ERequest::wrongUsage},
-        {{"a", "b"}, ERequest::wrongUsage},
+        {{"a", "b"}, ERequest::wrongUsage, "a"},
         {{"-platform"}, ERequest::wrongUsage},
     };
     for (const auto& row : rows) {
@@ -51,7 +50,7 @@ TEST(CommandLine, IsReadAsAWhole) {
         EXPECT_EQ(line.request, row.request) << name;
         EXPECT_EQ(line.project, row.project) << name;
         EXPECT_EQ(line.snapshot, row.snapshot) << name;
-        EXPECT_EQ(line.error.empty(), row.request != ERequest::wrongUsage) << name;
+        EXPECT_TRUE(row.request != ERequest::wrongUsage || !line.error.empty()) << name;
     }
 }
 
@@ -103,6 +102,10 @@ TEST(Settings, FallBackToTheUsersFolder) {
     EXPECT_TRUE(std::filesystem::is_regular_file(inProgram));
     EXPECT_FALSE(std::filesystem::exists(inUser)) << "it would hide the newer ones";
     EXPECT_EQ(startMode(std::nullopt), EStartMode::openLast);
+    // What cannot be removed would hide the new settings.
+    std::filesystem::create_directories(inUser / "in");
+    EXPECT_FALSE(CTrvApp(program, user).ExitInstance());
+    std::filesystem::remove_all(inUser);
 
     std::filesystem::remove(inProgram);
     std::filesystem::create_directory(inProgram);
@@ -129,6 +132,7 @@ TEST_F(StartUp, SplashCoversNoWindowAndNoQuestion) {
 
 // What is unsaved is kept without a question, and offered when the project opens again.
 TEST_F(StartUp, SignalEndsTheSessionAndKeepsTheChanges) {
+    const Outils::CEndSignals endSignals;
     const auto project = MakeProject("p");
     for (const int signal : {SIGTERM, SIGHUP}) {
         MakeFrame();
@@ -136,7 +140,6 @@ TEST_F(StartUp, SignalEndsTheSessionAndKeepsTheChanges) {
         ASSERT_TRUE(m_frame->OpenProject(project));
         m_dialogs.TakeMessages();
         m_frame->GetDocument().ProjectChanged(hintSimulationParametersChanged, nullptr);
-        CEndSignals endSignals;
         m_session->EndOn(endSignals);
         QTimer::singleShot(0, [signal] { std::raise(signal); });
         QTimer::singleShot(30'000, m_frame, [] { QApplication::exit(1); });
@@ -145,12 +148,29 @@ TEST_F(StartUp, SignalEndsTheSessionAndKeepsTheChanges) {
     }
     MakeFrame();
     m_dialogs.m_answers = {EAnswer::yes};
-    ASSERT_TRUE(m_frame->OpenProject(project));
+    Start(*m_frame, {{}, true});
+    EXPECT_TRUE(PumpUntil([&] { return m_frame->HasProject(); }));
     EXPECT_THAT(m_dialogs.TakeMessages(),
-                ElementsAre(Outils_Texte::FormatText(Outils_Texte::EText::restoreUnsaved,
+                ElementsAre(Outils_Texte::FormatText(Outils_Texte::EText::openUnsaved,
                                                      {Outils_Fichiers::ToText(project)})));
+    EXPECT_EQ(m_frame->GetDocument().GetPathName(), project);
     EXPECT_TRUE(m_frame->isWindowModified());
     m_frame->GetDocument().SetModifiedFlag(false);
+}
+
+TEST_F(StartUp, SignalClosesAnOpenBox) {
+    const Outils::CEndSignals endSignals;
+    const auto project = MakeProject("p");
+    ASSERT_TRUE(m_frame->OpenProject(project));
+    m_frame->GetDocument().ProjectChanged(hintSimulationParametersChanged, nullptr);
+    m_session->EndOn(endSignals);
+    QTimer::singleShot(0, [] { std::raise(SIGTERM); });
+    QTimer::singleShot(30'000, m_frame, [] { QApplication::exit(1); });
+    const EAnswer answer = CWindowDialogs().ShowMessage(m_frame, "", EButtons::yesNoCancel, EIcon::question);
+    EXPECT_EQ(answer, EAnswer::cancel);
+    EXPECT_TRUE(m_session->IsEndedFromOutside());
+    EXPECT_TRUE(std::filesystem::exists(project.string() + ".unsaved"));
+    MakeFrame();
 }
 
 TEST(Program, NamesTheOtherProgramWithoutADisplay) {

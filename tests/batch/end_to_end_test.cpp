@@ -2,6 +2,7 @@
 #include "batch/batch_fixture.h"
 
 #include "simulator/mission_writer.h"
+#include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>
 
@@ -9,6 +10,7 @@
 #include <cmath>
 #include <csignal>
 #include <cstdio>
+#include <thread>
 #include <unistd.h>
 
 using namespace Simulation;
@@ -105,7 +107,7 @@ TEST_F(EndToEnd, ARecordingBecomesABetterNavigation) {
 
 // Whatever ends the engine in the middle of its work leaves a result that opens, with whole packets to its
 // end.
-TEST_F(EndToEnd, AnEngineStoppedOrKilledLeavesAResultThatOpens) {
+TEST_F(EndToEnd, InterruptedRunLeavesAResult) {
     Record(14400, 60, {"IMU", "GPS_1", "UTC"}); // the engine is at work when the first of its result is seen
     const std::tuple<const char*, void (*)(), const char*> endings[] = {
         {"stopped", [] { ::raise(SIGTERM); }, "The processing was stopped."},
@@ -136,7 +138,7 @@ TEST_F(EndToEnd, AnEngineStoppedOrKilledLeavesAResultThatOpens) {
 }
 
 // The engine navigates by itself: what the unit thought during the mission is none of its inputs.
-TEST_F(EndToEnd, TheResultIsNoCopyOfTheRealTimeNavigation) {
+TEST_F(EndToEnd, ResultIgnoresRealTimeNavigation) {
     std::string results[2];
     for (const bool realTime : {false, true}) {
         std::vector<std::string> channels = {"IMU", "GPS_1", "UTC"};
@@ -148,6 +150,21 @@ TEST_F(EndToEnd, TheResultIsNoCopyOfTheRealTimeNavigation) {
     }
     EXPECT_GT(results[0].size(), 10'000u);
     EXPECT_EQ(results[0], results[1]);
+}
+
+TEST_F(EndToEnd, SignalEndsTheWaitForADeadDisk) {
+    Record(20, 5, {"IMU", "GPS_1"});
+    EXPECT_EXIT(
+        {
+            ::alarm(60); // for a program that waits on
+            const test::CFaultyDisk disk(Path("m.tarin"), test::CFaultyDisk::stalls);
+            std::thread([&disk] {
+                disk.WaitForHeld(1);
+                ::kill(::getpid(), SIGINT);
+            }).detach();
+            Run("run /m.tarprj");
+        },
+        testing::KilledBySignal(SIGINT), "");
 }
 
 } // namespace

@@ -93,7 +93,7 @@ TEST_F(PacketCommands, PrintsPacketsOfAPeriod) {
     }
 }
 
-TEST_F(PacketCommands, TextIsOneCellArrayIsMany) {
+TEST_F(PacketCommands, ArraysHaveOneCellAnElement) {
     Succeed("packets /r.tarout MORVEX_MSG");
     EXPECT_THAT(Lines(), ElementsAre("Date;UTC;Level;Text", "0;;0;\"caf\xC3\xA9; \"\"a b\"\"\""));
     Succeed("packets /r.tarout MORVEX_MSG --json");
@@ -103,7 +103,7 @@ TEST_F(PacketCommands, TextIsOneCellArrayIsMany) {
     EXPECT_EQ(Cells(Lines()[0]).size(), Cells(Lines()[1]).size());
 }
 
-TEST_F(PacketCommands, FindsAMomentAndReducesAWindow) {
+TEST_F(PacketCommands, FindsMomentsReducesWindows) {
     Succeed("at /r.tarin DEPTH 3.2");
     EXPECT_THAT(Lines(), ElementsAre(StartsWith("Date;"), "3;;0;4;11.25;0.1"));
     Succeed("reduce /r.tarin DEPTH --from 1 --to 5.5 --slices 3");
@@ -126,9 +126,9 @@ TEST_F(PacketCommands, ReportsWhatIsWrong) {
         {"unheard-of", 2, "unknown command \"unheard-of\""},
         {"channels", 2, "wrong number of arguments"},
         {"channels /r.tarin more", 2, "wrong number of arguments"},
-        {"packets /r.tarin DEPTH --form 1", 2, "unknown option --form; there are: --from, --to"},
-        {"check -x /p.tarprj", 2, "unknown option -x"},
-        {"packets /r.tarin DEPTH --from", 2, "--from needs a value"},
+        {"packets /r.tarin DEPTH --form 1", 2, "There is no switch --form. There are: --from, --to"},
+        {"check -x /p.tarprj", 2, "no switch -x"},
+        {"packets /r.tarin DEPTH --from", 2, "--from lacks its value"},
         {"packets /r.tarin DEPTH --from soon", 2, "\"soon\" is no number of seconds"},
         {"packets /r.tarin DEPTH --from 1e300", 2, "\"1e300\" is no number of seconds"},
         {"packets /r.tarin DEPTH --from nan", 2, "\"nan\" is no number of seconds"},

@@ -115,7 +115,7 @@ TEST_F(ProjectCommands, DescribesAndCopies) {
     EXPECT_EQ(m_out, expected);
 }
 
-TEST_F(ProjectCommands, ChecksAndTurnsIntoABatchFileAndBack) {
+TEST_F(ProjectCommands, BatchFileComesBackAsProject) {
     Succeed("check /m.tarprj");
     EXPECT_THAT(Lines(), ElementsAre("object;property;broken rule"));
     Succeed("parameters /m.tarprj /c.xml");
@@ -139,7 +139,7 @@ TEST_F(ProjectCommands, ChecksAndTurnsIntoABatchFileAndBack) {
 }
 
 // What the analysis of the recording adds is saved, with the identifiers of the events.
-TEST_F(ProjectCommands, NewProjectsHaveTheirEventMarkersAndMounts) {
+TEST_F(ProjectCommands, NewProjectsHaveMarkersAndMounts) {
     Succeed("create /m.tarin /plain.tarprj");
     Succeed("parameters /plain.tarprj /plain.xml");
     Succeed("create-from-parameters /plain.xml /again.tarprj");
@@ -159,7 +159,7 @@ TEST_F(ProjectCommands, NewProjectsHaveTheirEventMarkersAndMounts) {
     }
 }
 
-TEST_F(ProjectCommands, BrokenRulesKeepAProjectFromWork) {
+TEST_F(ProjectCommands, BrokenRulesStopCheckAndRun) {
     Edit([](Metier_Tarvel::CTrvProject& project) {
         project.simulationParameters->AddZupt(); // its period is empty
         project.simulationParameters->AddOutputRate()->value = 0;
@@ -178,7 +178,7 @@ TEST_F(ProjectCommands, BrokenRulesKeepAProjectFromWork) {
 }
 
 // The result and a batch command file take the place of files, but never of what the user cannot have meant.
-TEST_F(ProjectCommands, NothingIsWrittenOverARecordingOrAProject) {
+TEST_F(ProjectCommands, RefusesToWriteOverFiles) {
     const std::string recording = TextOf("m.tarin"), project = TextOf("m.tarprj");
     for (const char* target : {"m.tarin", "m.tarprj"})
         EXPECT_EQ(Run(std::string("parameters /m.tarprj /") + target), 1);

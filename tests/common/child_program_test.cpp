@@ -110,7 +110,7 @@ TEST(FaultCounter, NamesTheFirstThreePlaces) {
 
 TEST(TargetFile, AppearsWholeOrNotAtAll) {
     test::CTemporaryFolder folder;
-    const std::filesystem::path target = folder / "out", source = folder / "in";
+    const std::filesystem::path target = folder / std::string(255, 'o'), source = folder / "in";
     std::ofstream(source) << "source";
     const auto names = [&] {
         return std::distance(std::filesystem::directory_iterator(folder / ""),

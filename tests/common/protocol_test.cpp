@@ -68,7 +68,7 @@ TEST(Protocol, PipedWordsDriveTheControl) {
     close(ends[0]);
 }
 
-TEST(Protocol, PausedRunsWaitForResumeOrStop) {
+TEST(Protocol, PausedRunWaitsForResume) {
     for (const std::string_view word : {"resume", "stop"}) {
         CRunControl control;
         control.Command("start");

@@ -108,7 +108,7 @@ TEST_F(Settings, FileOfDefaultsHoldsEveryKey) {
               "viewMetadata viewProcessing adaptors settingsDialog printing ");
 }
 
-TEST_F(Settings, TypedKeysComeBackFromAFile) {
+TEST_F(Settings, TypedKeysComeBack) {
     CTrvCnfConfigFile other;
     const auto expectKept = [&](auto key, auto value) {
         settings.Set(key, value);

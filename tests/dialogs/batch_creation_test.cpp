@@ -74,7 +74,7 @@ class BatchCreation : public testing::Test {
 
 } // namespace
 
-TEST_F(BatchCreation, ProjectComesBackFromItsCommandFile) {
+TEST_F(BatchCreation, ProjectComesBackFromCommandFile) {
     Edit(".\\ext.tarin\"", ".\\ext.tarin\" timeOffset=\"2.5\"");
     CBatchCreation creation;
     std::string message;
@@ -107,7 +107,7 @@ TEST_F(BatchCreation, ProjectComesBackFromItsCommandFile) {
     // The document searches the reference once more, and finds the same.
     test::CScriptedHost host;
     Outils_Configuration::CTrvCnfConfigFile configuration;
-    CTrvDocument document(host, host.m_queue, configuration);
+    CTrvDocument document(host, host.m_queue, configuration, false);
     ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
     check(*document.GetProject()->simulationParameters);
 
@@ -120,7 +120,7 @@ TEST_F(BatchCreation, ProjectComesBackFromItsCommandFile) {
               ToStoredTime(test::Seconds(2.5)));
 }
 
-TEST_F(BatchCreation, TenExternalFilesComeBackInTheirOrder) {
+TEST_F(BatchCreation, TenExternalFilesKeepTheirOrder) {
     CTrvProject project(m_folder / "main.tarin", m_folder / "result.tarout");
     auto& parameters = *project.simulationParameters;
     for (int i = 0; i < 10; ++i) {
@@ -133,6 +133,8 @@ TEST_F(BatchCreation, TenExternalFilesComeBackInTheirOrder) {
     CBatchCreation creation;
     std::string message;
     ASSERT_TRUE(creation.Load(m_file, message)) << message;
+    EXPECT_EQ(creation.GetFiles().at(1).id, "file02") << "after the main input";
+    EXPECT_EQ(creation.GetFiles().at(9).id, "file10");
     const auto back = creation.Create(CBatchCreation::LookInto(creation.GetFiles(), kPackets), message);
     ASSERT_TRUE(back) << message;
     const auto& files = back->simulationParameters->externalFiles;
@@ -141,7 +143,7 @@ TEST_F(BatchCreation, TenExternalFilesComeBackInTheirOrder) {
     EXPECT_EQ(back->simulationParameters->sensors.at(0)->channel->file, files[9].get());
 }
 
-TEST_F(BatchCreation, EveryFailureHasItsMessage) {
+TEST_F(BatchCreation, EachFailureHasItsMessage) {
     Record("silent.tarin", -1);
     Record("empty.tarin", 0, 0);
     std::ofstream(m_folder / "other.tarin") << "no recording";
@@ -166,7 +168,7 @@ TEST_F(BatchCreation, EveryFailureHasItsMessage) {
 }
 
 // The look at the last file must give up in the middle of its search.
-TEST_F(BatchCreation, AnUnfinishedSearchIsAFailure) {
+TEST_F(BatchCreation, UnfinishedSearchFails) {
     Record("ext.tarin", -1, 10 * kPackets);
     CBatchCreation creation;
     std::string message;
@@ -179,10 +181,10 @@ TEST_F(BatchCreation, AnUnfinishedSearchIsAFailure) {
     EXPECT_EQ(message, FormatText(EText::noSynchronization, {ToText(m_folder / "ext.tarin")}));
 }
 
-TEST_F(BatchCreation, TheCommandSetsUpTheProjectOfTheDialog) {
+TEST_F(BatchCreation, CommandOpensTheDialogsProject) {
     test::CScriptedHost host;
     Outils_Configuration::CTrvCnfConfigFile configuration;
-    CTrvDocument document(host, host.m_queue, configuration);
+    CTrvDocument document(host, host.m_queue, configuration, false);
     host.m_makeProject = [&](const std::filesystem::path& commandFile, SMadeProject& made) {
         Dialogue_Tarvel::CNewFromBatchParametersDlg dialog(host, configuration, document.GetFileLooks());
         if (!dialog.Load(commandFile)) return EOutcome::failed;

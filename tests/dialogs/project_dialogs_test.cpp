@@ -62,7 +62,7 @@ class ProjectDialogs : public testing::Test {
     CFileLooks m_looks{m_host.m_queue};
 };
 
-TEST_F(ProjectDialogs, WizardChecksInOrderAndSaysWhere) {
+TEST_F(ProjectDialogs, WizardNamesTheFieldAtFault) {
     using enum EAnswer;
     using enum EProjectField;
     Write("taken.tarprj", "a project");
@@ -127,7 +127,7 @@ TEST_F(ProjectDialogs, WizardChecksInOrderAndSaysWhere) {
     EXPECT_EQ(m_host.m_waitCursors, 0);
 }
 
-TEST_F(ProjectDialogs, ReadOnlyFolderIsRefusedByName) {
+TEST_F(ProjectDialogs, ReadOnlyFolderIsNamed) {
     using std::filesystem::perms;
     const auto locked = m_folder / "locked";
     std::filesystem::create_directory(locked);
@@ -146,7 +146,7 @@ TEST_F(ProjectDialogs, ReadOnlyFolderIsRefusedByName) {
 }
 
 // The search for the last inertial packet must give up after its first read, of external data alone.
-TEST_F(ProjectDialogs, AnUnfinishedLookMakesNoProject) {
+TEST_F(ProjectDialogs, UnfinishedLookMakesNoProject) {
     test::CTestRecording recording(m_folder / "dive.tarin");
     for (int i = 0; i < 2; ++i) recording.Imu(1, 0);
     for (int i = 0; i < 20000; ++i) recording.Gps(i, 48.5, -4.5, 10);
@@ -160,7 +160,7 @@ TEST_F(ProjectDialogs, AnUnfinishedLookMakesNoProject) {
     EXPECT_EQ(failure, EText::fileNotReadable);
 }
 
-TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
+TEST_F(ProjectDialogs, WizardPreparesTheRecording) {
     const auto run = [&](std::initializer_list<const char*> names) {
         CNewProjectWizard wizard(m_host, m_configuration, m_looks);
         wizard.ChooseInputFiles(InFolder(names));
@@ -186,7 +186,7 @@ TEST_F(ProjectDialogs, TheWizardPreparesTheRecording) {
 }
 
 TEST_F(ProjectDialogs, OldFilesAreAskedAboutTogether) {
-    CTrvDocument document(m_host, m_host.m_queue, m_configuration);
+    CTrvDocument document(m_host, m_host.m_queue, m_configuration, false);
     Record("second.tarin", 14);
     Record("repaired.tarin", 14);
     std::string message;
@@ -209,7 +209,7 @@ TEST_F(ProjectDialogs, OldFilesAreAskedAboutTogether) {
 
 TEST_F(ProjectDialogs, NewOpensTheWizardsProject) {
     m_configuration.Set(Cnf<"general/gpsAltitudeMode">, EGpsAltitudeMode::ellipsoid);
-    CTrvDocument document(m_host, m_host.m_queue, m_configuration);
+    CTrvDocument document(m_host, m_host.m_queue, m_configuration, false);
     m_host.m_makeProject = [&](const auto&, SMadeProject& made) {
         CNewProjectWizard wizard(m_host, m_configuration, m_looks);
         wizard.ChooseInputFiles(InFolder({"dive.tarin"}));
@@ -240,7 +240,7 @@ TEST_F(ProjectDialogs, NewOpensTheWizardsProject) {
     EXPECT_THAT(m_host.m_messages, IsEmpty());
 }
 
-TEST_F(ProjectDialogs, TheEquipmentChoosesTheAlgorithm) {
+TEST_F(ProjectDialogs, EquipmentChoosesTheAlgorithm) {
     const std::pair<int, int> rows[] = {{9, algorithmStandard},  {13, algorithmBackward},
                                         {14, algorithmBackward}, {15, algorithmBackward},
                                         {17, algorithmStandard}, {18, algorithmBackward}};

@@ -9,7 +9,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using DataFileEdits = CEditTest;
 
-TEST_F(DataFileEdits, PreparesAFileBeforeItIsAdded) {
+TEST_F(DataFileEdits, PreparesFilesBeforeAdding) {
     Create();
     const auto good = m_folder / "good.tarin";
     Record(good, 9, 11);

@@ -93,7 +93,7 @@ class CDocumentFixture : public testing::Test {
     test::CScriptedHost m_host;
     Outils_Configuration::CTrvCnfConfigFile m_configuration;
     CRecordingView m_view;
-    CTrvDocument m_document{m_host, m_host.m_queue, m_configuration};
+    CTrvDocument m_document{m_host, m_host.m_queue, m_configuration, false};
 };
 
 } // namespace test

@@ -18,7 +18,7 @@ namespace {
 
 class Document : public test::CDocumentFixture {};
 
-TEST_F(Document, ANewProjectKnowsItsRecording) {
+TEST_F(Document, NewProjectKnowsItsRecording) {
     Create();
     const auto& parameters = *m_document.GetProject()->simulationParameters;
     EXPECT_EQ(parameters.nelixConfiguration->type->equipment, 14);
@@ -56,7 +56,7 @@ TEST_F(Document, OpensSavesAndFollowsItsName) {
     EXPECT_FALSE(m_document.CommandSaveAs()); // no name given
 }
 
-TEST_F(Document, ACopyChangesNothingOfTheOpenProject) {
+TEST_F(Document, CopyLeavesTheOpenProject) {
     Create();
     m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
     m_view.m_hints.clear();
@@ -72,7 +72,7 @@ TEST_F(Document, ACopyChangesNothingOfTheOpenProject) {
     EXPECT_EQ(result(), m_folder / "copy.tarout");
 }
 
-TEST_F(Document, AFailedSaveLeavesTheModelAndNamesTheFolder) {
+TEST_F(Document, FailedSaveNamesTheFolder) {
     Create();
     m_view.m_hints.clear();
     m_host.m_paths = {m_folder / "none" / "q.tarprj", m_folder / "none" / "q.tarprj"};
@@ -85,7 +85,7 @@ TEST_F(Document, AFailedSaveLeavesTheModelAndNamesTheFolder) {
     EXPECT_THAT(m_host.TakeMessages(), ElementsAre(namesFolder, namesFolder));
 }
 
-TEST_F(Document, UnsavedChangesAreOfferedAtTheNextOpen) {
+TEST_F(Document, UnsavedChangesAreOfferedAtOpen) {
     Create();
     const auto unsaved = m_folder / "p.tarprj.unsaved";
     const auto rate = [&]() -> auto& {
@@ -124,7 +124,66 @@ TEST_F(Document, UnsavedChangesAreOfferedAtTheNextOpen) {
     EXPECT_FALSE(std::filesystem::exists(unsaved));
 }
 
-TEST_F(Document, WhatCannotBeOpenedLeavesAnEmptyDocumentAndAMessage) {
+TEST_F(Document, StartOffersWorkWithoutAFolder) {
+    Create();
+    const auto end = [&] {
+        m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
+        const bool kept = m_document.EndNow();
+        m_document.SetModifiedFlag(false); // the program has ended
+        EXPECT_TRUE(m_document.CloseDocument());
+        return kept;
+    };
+    std::filesystem::create_directory(m_project.string() + ".unsaved"); // in the way
+    EXPECT_FALSE(end());
+    m_host.m_userFolder = m_folder / "user";
+    for (const char* name : {"p.tarprj.unsaved", "p-2.tarprj.unsaved"}) {
+        ASSERT_TRUE(m_document.CommandOpen(m_project));
+        EXPECT_TRUE(end());
+        EXPECT_TRUE(std::filesystem::exists(m_host.m_userFolder / name));
+    }
+    m_host.m_answers = {EAnswer::no, EAnswer::yes};
+    m_document.OfferUnsaved({m_project});
+    EXPECT_THAT(m_host.TakeMessages(), testing::SizeIs(2));
+    ASSERT_TRUE(m_document.GetProject());
+    EXPECT_EQ(m_document.GetProject()->simulationParameters->mainInputFile->path, m_recording);
+    EXPECT_TRUE(m_document.IsModified() && m_document.GetPathName().empty());
+
+    // Once it is saved, only the other one is offered, and not before the next start.
+    m_host.m_paths = {m_folder / "q.tarprj"};
+    EXPECT_TRUE(m_document.Save());
+    m_host.m_answers = {EAnswer::no};
+    m_document.OfferUnsaved({m_project});
+    EXPECT_THAT(m_host.TakeMessages(), testing::SizeIs(1));
+}
+
+TEST_F(Document, KeptChangesGoWithTheirProject) {
+    Create();
+    m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
+    ASSERT_TRUE(m_document.EndNow());
+    const auto hasKept = [&] { return std::filesystem::exists(m_project.string() + ".unsaved"); };
+    m_host.m_answers = {EAnswer::no}; // to the save, before a dialog that the user cancels
+    EXPECT_TRUE(m_document.CommandNew());
+    EXPECT_TRUE(hasKept());
+    m_host.m_answers = {EAnswer::no};
+    EXPECT_TRUE(m_document.CloseDocument());
+    EXPECT_FALSE(hasKept());
+}
+
+TEST_F(Document, ExpertModeChangesTheLayers) {
+    Create();
+    const auto count = [](const CTrvDocument& document) {
+        std::size_t fields = 0;
+        for (const auto& layer : document.GetProject()->dataModel->m_layers)
+            fields += layer->m_measures.size() + layer->m_enums.size();
+        return fields;
+    };
+    const std::size_t usual = count(m_document);
+    CTrvDocument expert(m_host, m_host.m_queue, m_configuration, true);
+    ASSERT_TRUE(expert.CommandOpen(m_project));
+    EXPECT_GT(count(expert), usual);
+}
+
+TEST_F(Document, FailedOpenLeavesAnEmptyDocument) {
     Create();
     auto bytes = BytesOf(m_project);
     bytes.resize(bytes.size() / 2);
@@ -152,7 +211,7 @@ TEST_F(Document, WhatCannotBeOpenedLeavesAnEmptyDocumentAndAMessage) {
     EXPECT_FALSE(m_document.StopSimulation());
 }
 
-TEST_F(Document, ChangesAreNeverLostWithoutAQuestion) {
+TEST_F(Document, ChangesNeedAnAnswerBeforeLoss) {
     Create();
     m_document.ProjectChanged(hintSimulationParametersChanged, nullptr);
     EXPECT_TRUE(m_document.IsModified() && m_document.AreParametersChanged());
@@ -179,7 +238,7 @@ TEST_F(Document, ChangesAreNeverLostWithoutAQuestion) {
     EXPECT_FALSE(m_document.GetProject());
 }
 
-TEST_F(Document, ABrokenRuleStopsRunAndBatchFileAlike) {
+TEST_F(Document, BrokenRuleStopsRunAndBatchFile) {
     Create();
     auto& parameters = *m_document.GetProject()->simulationParameters;
     parameters.AddZupt();
@@ -219,7 +278,7 @@ TEST_F(Document, ABrokenRuleStopsRunAndBatchFileAlike) {
     EXPECT_FALSE(m_document.GetFileLooks().Call([](const auto&) -> int { throw std::bad_alloc(); }, 30s));
 }
 
-TEST_F(Document, SensorsWithoutAChoiceAreAddedWhileANewProjectIsOpen) {
+TEST_F(Document, NewProjectGetsSensorsWithoutChoice) {
     constexpr std::string_view channels[] = {"IMU", "SYNCHRO_2", "PLATFORM_ORIENT"};
     Enregistrement::CRecordingWriter writer;
     ASSERT_TRUE(writer.Create(m_recording, channels));
@@ -243,7 +302,7 @@ TEST_F(Document, SensorsWithoutAChoiceAreAddedWhileANewProjectIsOpen) {
     EXPECT_THAT(m_document.GetProject()->simulationParameters->sensors, IsEmpty());
 }
 
-TEST_F(Document, AResultThatAppearsAndGrowsIsFollowed) {
+TEST_F(Document, GrowingResultIsFollowed) {
     Create();
     const auto result = m_folder / "p.tarout";
     std::ofstream(result) << "XP"; // seen before its header is whole

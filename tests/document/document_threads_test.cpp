@@ -98,10 +98,10 @@ class DocumentThreads : public testing::Test, private IDocumentView {
     CUpdatingHost m_host;
     Outils_Configuration::CTrvCnfConfigFile m_configuration;
     std::vector<EHint> m_hints;
-    CTrvDocument m_document{m_host, m_host.m_queue, m_configuration};
+    CTrvDocument m_document{m_host, m_host.m_queue, m_configuration, false};
 };
 
-TEST_F(DocumentThreads, ProjectsComeAndGoWhileTheirFilesAreRead) {
+TEST_F(DocumentThreads, ProjectsCloseWhileTheirFilesLoad) {
     test::CTestRecording growing(m_folder / "growing.tarin"), still(m_folder / "still.tarin");
     Record(growing, 0, 3000);
     Record(still, 0, 3000);
@@ -161,7 +161,7 @@ TEST_F(DocumentThreads, ProjectsComeAndGoWhileTheirFilesAreRead) {
 
 // Many recordings are broken at once, each in its own way. The output panel tells each event once, however
 // often the files are looked at after it.
-TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
+TEST_F(DocumentThreads, EachFaultOfAFileIsReportedOnce) {
     struct SRow {
         const char* name;
         std::function<void(const std::filesystem::path&)> breakFile;
@@ -174,7 +174,9 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
         {"folder", [](const path& file) { remove(file), create_directory(file); }, EText::fileIsFolder},
         {"fifo", [](const path& file) { remove(file), ::mkfifo(file.c_str(), 0600); }, EText::fileIsNoFile},
         {"shrunk", [](const path& file) { resize_file(file, file_size(file) / 2); }, EText::fileReplaced},
-        {"cut", [](const path& file) { resize_file(file, 50); }, EText::fileNoHeader},
+        {"cut", [](const path& file) { resize_file(file, 50); }, EText::fileHeaderDamaged},
+        {"empty", [](const path& file) { resize_file(file, 0); }, EText::fileEmpty},
+        {"foreign", [](const path& file) { std::ofstream(file) << "no recording"; }, EText::fileForeign},
         {"overtaken",
          [this](const path& file) {
              test::CTestRecording other(m_folder / "other");
@@ -242,7 +244,12 @@ TEST_F(DocumentThreads, WhatBefallsAFileIsToldOnce) {
     m_host.m_output.clear();
     withoutRights.emplace();
     ASSERT_TRUE(m_document.CommandOpen(m_folder / "p.tarprj"));
-    EXPECT_EQ(m_host.m_output.size(), 6u); // vanished, folder, fifo, cut, locked, unplugged
+    // Vanished, folder, fifo, cut, empty, foreign, locked, unplugged.
+    EXPECT_EQ(m_host.m_output.size(), 8u);
+    const std::string cut = Outils_Fichiers::ToText(m_folder / "cut");
+    EXPECT_THAT(m_host.m_messages,
+                testing::Contains(Outils_Texte::FormatText(EText::failedToLoad, {cut}) + "\n\n" +
+                                  Outils_Texte::FormatText(EText::fileHeaderDamaged, {cut})));
 }
 
 TEST_F(DocumentThreads, ReplacedFileReportsItsDamageAgain) {
@@ -270,7 +277,7 @@ TEST_F(DocumentThreads, ReplacedFileReportsItsDamageAgain) {
                                               Outils_Texte::FormatText(EText::fileReplaced, {name})));
 }
 
-TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
+TEST_F(DocumentThreads, LateOldFilesAreUpgradedTogether) {
     const std::filesystem::path disk = m_folder / "disk";
     std::filesystem::create_directory(disk);
     const std::filesystem::path files[] = {disk / "a", disk / "b", disk / "c"};
@@ -282,7 +289,7 @@ TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
     std::filesystem::copy_file(files[0], m_host.m_repaired);
     {
         test::CScriptedHost host;
-        CTrvDocument document(host, host.m_queue, m_configuration);
+        CTrvDocument document(host, host.m_queue, m_configuration, false);
         auto project = Make(files[0]);
         ASSERT_TRUE(project->AddDataFile(files[1], false) && project->AddDataFile(files[2], false));
         ASSERT_TRUE(document.NewFromProject(std::move(project), m_folder / "p.tarprj"));
@@ -313,7 +320,7 @@ TEST_F(DocumentThreads, OldFilesThatAnswerLateAreUpgradedTogether) {
 
 // The reads of a recording are held: what the UI thread does returns all the same, for no read goes on before
 // the disk object goes. Then what was forgotten is not heard, and what was not is made up for.
-TEST_F(DocumentThreads, ADiskThatDoesNotAnswerHoldsUpNothing) {
+TEST_F(DocumentThreads, DeadDiskDelaysNothing) {
     test::CTestRecording bad(m_folder / "bad.tarin"), good(m_folder / "good.tarin");
     Record(bad, 0, 300);
     Record(good, 0, 300);

@@ -116,7 +116,7 @@ class CEditTest : public testing::Test {
     CTemporaryFolder m_folder;
     CScriptedHost m_host;
     Outils_Configuration::CTrvCnfConfigFile m_configuration;
-    CTrvDocument m_document{m_host, m_host.m_queue, m_configuration};
+    CTrvDocument m_document{m_host, m_host.m_queue, m_configuration, false};
     CUpdateView m_view{m_document};
     CTrvDocumentEdits m_edits = m_document.GetEdits();
     struct SRegistration {

@@ -238,7 +238,7 @@ TEST_F(EditsTest, AddsAndRemovesAgain) {
     EXPECT_THAT(m_host.m_messages, IsEmpty());
 }
 
-TEST_F(EditsTest, CurvesJoinMirroredAndEmptyGraphsGo) {
+TEST_F(EditsTest, EmptyGraphsGoWithTheirCurves) {
     CreateWhole();
     auto& graphs = m_document.GetProject()->graphSettings->graphs;
     CTrv1DGraphMeasure& graph = Graph();
@@ -253,7 +253,7 @@ TEST_F(EditsTest, CurvesJoinMirroredAndEmptyGraphsGo) {
     EXPECT_THAT(graphs, IsEmpty());
 }
 
-TEST_F(EditsTest, ConfigurationFilesAreReadOverTheValues) {
+TEST_F(EditsTest, ConfigurationFilesReplaceValues) {
     Create();
     auto& ins = *Parameters().nelixConfiguration;
     auto values = ValuesOf(Edits::kChangeNelixConfiguration, ins);

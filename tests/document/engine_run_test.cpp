@@ -134,6 +134,20 @@ TEST_F(EngineRun, GuardsTheProjectUntilItEnds) {
     EXPECT_TRUE(m_document.CanCloseFrame());
 }
 
+TEST_F(EngineRun, SaveDuringRunKeepsResultName) {
+    UseEngine("stop");
+    Create();
+    auto& result = m_document.GetProject()->simulationParameters->outputFile->path;
+    result = m_folder / "kept.tarout";
+    ASSERT_TRUE(m_document.StartSimulation());
+    EXPECT_TRUE(m_document.Save());
+    EXPECT_EQ(result, m_folder / "kept.tarout");
+    m_document.StopSimulation();
+    PumpRunToItsEnd();
+    EXPECT_TRUE(m_document.Save());
+    EXPECT_EQ(result, m_result);
+}
+
 TEST_F(EngineRun, AsksToSaveWhatChanged) {
     UseEngine("work");
     Create();
@@ -156,7 +170,7 @@ TEST_F(EngineRun, AsksToSaveWhatChanged) {
 
 // The engine ends at any byte: the whole packets of its result are shown, and a result without a whole header
 // is reported once the run is over.
-TEST_F(EngineRun, ShowsWhatIsWholeOfACutResult) {
+TEST_F(EngineRun, CutResultShowsWholePackets) {
     UseEngine("wait");
     Create();
     MakeResult();
@@ -180,7 +194,7 @@ TEST_F(EngineRun, ShowsWhatIsWholeOfACutResult) {
     EXPECT_THAT(m_host.m_output, IsEmpty());
     runAndCutAt(60);
     EXPECT_TRUE(PumpUntil([&] { return !m_host.m_output.empty(); }));
-    EXPECT_THAT(m_host.m_output, ElementsAre(Outils_Texte::FormatText(EText::fileNoHeader,
+    EXPECT_THAT(m_host.m_output, ElementsAre(Outils_Texte::FormatText(EText::fileHeaderDamaged,
                                                                       {Outils_Fichiers::ToText(m_result)})));
     EXPECT_FALSE(hasData("MORVEX_STD"));
 }
@@ -195,7 +209,7 @@ TEST_F(EngineRun, WaitsForTheLastMessages) {
     EXPECT_EQ(std::ranges::count(m_host.m_output, "INFO : 1499"), 1);
 }
 
-TEST_F(EngineRun, ReportsHowARunEndedAndWhatItLeft) {
+TEST_F(EngineRun, ReportsEndAndResultOfRuns) {
     const auto whole = MakeResult();
     Create();
     const std::string kept = "INFO : " + FormatText(EText::formerKept, {ToText(m_result) + ".former"});
@@ -242,7 +256,7 @@ TEST_F(EngineRun, ReportsHowARunEndedAndWhatItLeft) {
     }
 }
 
-TEST_F(EngineRun, KeepsTheLastGoodResultOverFailedRuns) {
+TEST_F(EngineRun, FailedRunsKeepTheGoodResult) {
     MakeResult();
     Create();
     WriteOldResult();
@@ -280,7 +294,7 @@ TEST_F(EngineRun, KeepsTheLastGoodResultOverFailedRuns) {
     EXPECT_EQ(CountTraces(), 0u);
 }
 
-TEST_F(EngineRun, LeavesAForeignFileOfItsNameAlone) {
+TEST_F(EngineRun, LeavesForeignFilesAlone) {
     Create();
     WriteOldResult();
     const std::string former = m_result.native() + ".former";
@@ -292,10 +306,10 @@ TEST_F(EngineRun, LeavesAForeignFileOfItsNameAlone) {
     EXPECT_TRUE(HasOldResult());
 }
 
-TEST_F(EngineRun, RefusesASecondRunOnAProject) {
+TEST_F(EngineRun, RefusesASecondRun) {
     UseEngine("stop");
     Create();
-    CTrvDocument second(m_host, m_host.m_queue, m_configuration);
+    CTrvDocument second(m_host, m_host.m_queue, m_configuration, false);
     ASSERT_TRUE(second.CommandOpen(m_project));
     ASSERT_TRUE(m_document.StartSimulation());
     EXPECT_FALSE(second.StartSimulation());
@@ -307,7 +321,7 @@ TEST_F(EngineRun, RefusesASecondRunOnAProject) {
     EXPECT_EQ(Run(second), ERunOutcome::finished);
 }
 
-TEST_F(EngineRun, RefusesBeforeTheOldResultIsTouched) {
+TEST_F(EngineRun, RefusalKeepsTheOldResult) {
     UseEngine("work", MakeResult());
     Create();
     WriteOldResult();
@@ -324,7 +338,7 @@ TEST_F(EngineRun, RefusesBeforeTheOldResultIsTouched) {
         {[&] { std::filesystem::rename(m_recording, away); },
          [&] { std::filesystem::rename(away, m_recording); }, refused(EText::inputMissing, m_recording)},
         {[&] { std::filesystem::rename(m_recording, away), std::ofstream(m_recording) << "no recording"; },
-         [&] { std::filesystem::rename(away, m_recording); }, refused(EText::fileNoHeader, m_recording)},
+         [&] { std::filesystem::rename(away, m_recording); }, refused(EText::fileForeign, m_recording)},
         {[&] { m_host.m_programFolder = m_folder / "nowhere"; }, [&] { m_host.m_programFolder = engines; },
          Text(EText::noProcess)},
         {[&] { std::filesystem::create_directory(m_result.native() + ".run"); },
@@ -351,7 +365,7 @@ TEST_F(EngineRun, RefusesBeforeTheOldResultIsTouched) {
     EXPECT_EQ(Run(), ERunOutcome::finished);
 }
 
-TEST_F(EngineRun, EndNowAsksNothingAndKeepsTheResult) {
+TEST_F(EngineRun, EndNowKeepsTheResult) {
     UseEngine("deaf", MakeResult());
     Create();
     ASSERT_TRUE(m_document.StartSimulation());

@@ -32,7 +32,7 @@ class CScriptedHost : public IDocumentHost, private Communication_Processus::INo
     std::vector<int> m_progress;
     bool m_progressShows = false;
     int m_waitCursors = 0;
-    std::filesystem::path m_programFolder;
+    std::filesystem::path m_programFolder, m_userFolder;
     Outils_Temps::CDateTime m_time{1'000'000'000}; // moves with Sleep alone
 
     // The texts of the message boxes since the last call.
@@ -87,6 +87,7 @@ class CScriptedHost : public IDocumentHost, private Communication_Processus::INo
     void UpdateMenuForEquipment(std::int32_t equipment) override { m_equipment = equipment; }
     Communication_Interfaces::IMorvexNotification* GetReceiver() override { return &m_receiver; }
     std::filesystem::path GetProgramFolder() override { return m_programFolder; }
+    std::filesystem::path GetUserFolder() override { return m_userFolder; }
     Outils_Temps::CDateTime GetTime() override { return m_time; }
     void Sleep(std::chrono::milliseconds time) override {
         m_time += Outils_Temps::CDateTimeSpan(time.count() * Outils_Temps::kTicksPerSecond / 1000);

@@ -149,7 +149,7 @@ std::string Replaced(std::string text, std::string_view from, std::string_view t
 
 } // namespace
 
-TEST_F(ParameterFile, ComesBackButForTheListedValues) {
+TEST_F(ParameterFile, ComesBackExceptListedValues) {
     for (const bool hasUtc : {false, true})
         for (const std::int32_t heave : {heaveNone, heaveRealTime, heaveKelvar})
             for (const std::int32_t cipher : {0, 2}) {
@@ -371,7 +371,7 @@ TEST_F(ParameterFile, ChosenFilesReplaceTheNamedOnes) {
     EXPECT_EQ(parameters->outputFile->path, m_folder / "new.tarout");
 }
 
-TEST_F(ParameterFile, KeepsTheOldFileOnRefusedValues) {
+TEST_F(ParameterFile, RefusedValuesKeepTheOldFile) {
     const std::string good = Write(*MakeEmpty());
     const std::pair<const char*, void (*)(CTrvSimulationParameters&)> rows[] = {
         {"no number", [](auto& p) { p.defaultOutputRate = std::numeric_limits<double>::quiet_NaN(); }},

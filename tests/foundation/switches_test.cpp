@@ -36,6 +36,12 @@ TEST(Switches, RowsReadTheLine) {
     EXPECT_EQ(arguments.GetText("/t"), "--odd");
     EXPECT_EQ(arguments.GetFiles(), (std::vector<std::string>{"/tmp/a b.txt", "out"}));
     EXPECT_EQ(arguments.GetSwitches().size(), 7u);
+
+    CArguments dashed;
+    ASSERT_TRUE(dashed.Parse(kRows, std::vector<std::string>{"/x", "-1.5", "--arm", "a", "b", "--", "--arm"},
+                             error, ESwitchStyle::dash));
+    EXPECT_EQ(dashed.GetFiles(), (std::vector<std::string>{"/x", "-1.5", "--arm"}));
+    EXPECT_FALSE(dashed.Parse(kRows, std::vector<std::string>{"-x"}, error, ESwitchStyle::dash));
 }
 
 TEST(Switches, FaultsNameTheSwitch) {

@@ -55,6 +55,10 @@ TEST(Text, ComparesWithoutCase) {
     for (const auto& [a, b, equal] : rows) EXPECT_EQ(EqualsNoCase(a, b), equal) << a << ' ' << b;
 }
 
+TEST(Text, ControlsBecomeBlanks) {
+    EXPECT_EQ(ReplaceControls("a\nb\x7F\xC2\x80\xC2\x9F\xC2\xA0\xE2\x82\xAC"), "a b   \xC2\xA0\xE2\x82\xAC");
+}
+
 TEST(Numbers, ParseDouble) {
     constexpr double inf = std::numeric_limits<double>::infinity();
     const std::pair<const char*, double> accepted[] = {

@@ -17,7 +17,7 @@ std::shared_ptr<CTrv1DGraphDataset> DatasetOf(Application_Tarvel::SReducedSeries
     return std::make_shared<CTrv1DGraphDataset>(std::move(series), Seconds(1), CDateTimeSpan());
 }
 
-TEST(DataSource, ValuesAndDatesAreMappedToTheDisplay) {
+TEST(DataSource, MapsValuesAndDates) {
     CTrv1DGraphDataSource source({nullptr, 0}, kLatitude, -2.0);
     EXPECT_EQ(source.GetCount(), 0u);
     // Packets from 10 s on, on a clock that is 90 s behind the simulation: the first is at 100 s.
@@ -46,7 +46,7 @@ TEST(DataSource, ValuesAndDatesAreMappedToTheDisplay) {
     EXPECT_FALSE(source.GetPoint(10, point.x, point.y));
 }
 
-TEST(DataSource, WhatIsNotThereIsNoPoint) {
+TEST(DataSource, MissingValuesAreNoPoints) {
     Application_Tarvel::SReducedSeries series;
     series.representatives.push_back(MakeResult(0, 5));
     series.representatives.push_back(nullptr);
@@ -63,7 +63,7 @@ TEST(DataSource, WhatIsNotThereIsNoPoint) {
     }
 }
 
-TEST(DataSource, RangeLeavesOutWhatIsNotFinite) {
+TEST(DataSource, RangeIgnoresInfiniteValues) {
     const double infinity = std::numeric_limits<double>::infinity();
     const double values[] = {3, infinity, -infinity, std::nan(""), 1e305, -4};
     CTrv1DGraphDataSource source({nullptr, 0}, kLatitude, 1);
@@ -93,7 +93,7 @@ TEST(DataSource, StatesAreReadFromStatusFields) {
     }
 }
 
-TEST(DataSource, NearestPointIsWithinABucketAndAHalf) {
+TEST(DataSource, NearestPointIsNearEnough) {
     CTrv1DGraphDataSource source({nullptr, 0}, kLatitude, 1);
     source.SetDataset(MakeDataset(0, 10, [](double t) { return 10 * t; }));
     source.SetDisplay(Seconds(0), Seconds(100));

@@ -54,7 +54,7 @@ class LoaderTest : public testing::Test {
         EXPECT_TRUE(m_result.Flush());
     }
     void Open() {
-        m_document.emplace(m_host, m_host.m_queue, m_config);
+        m_document.emplace(m_host, m_host.m_queue, m_config, false);
         auto project =
             std::make_unique<Metier_Tarvel::CTrvProject>(m_folder / "dive.tarin", m_folder / "dive.tarout");
         m_document->NewFromProject(std::move(project), m_folder / "dive.tarprj");
@@ -112,7 +112,7 @@ class LoaderTest : public testing::Test {
 
 using Period = std::pair<double, double>;
 
-TEST_F(LoaderTest, DefaultStackShowsTheResultBesideTheRecording) {
+TEST_F(LoaderTest, DefaultGraphsShowResultAndRecording) {
     Open();
     EXPECT_TRUE(m_loader->IsLoading());
     ASSERT_EQ(Stack().GetPortlets().size(), 6u);
@@ -140,7 +140,7 @@ TEST_F(LoaderTest, DefaultStackShowsTheResultBesideTheRecording) {
     EXPECT_EQ(CurveCount(), 1u);
 }
 
-TEST_F(LoaderTest, LastOfManyPeriodsWinsAndTheOldDataStaysMeanwhile) {
+TEST_F(LoaderTest, LastOfManyPeriodsWins) {
     OpenAndLoad();
     const auto old = Source(0, kRecording).GetDataset();
     m_loader->ZoomTime(1);
@@ -195,7 +195,7 @@ TEST_F(LoaderTest, GrowingResultIsFollowed) {
     EXPECT_NEAR(LastTime(kResult), 600, 1e-6);
 }
 
-TEST_F(LoaderTest, NewResultOfTheSameLengthIsReadAgain) {
+TEST_F(LoaderTest, NewResultIsReadAgain) {
     OpenAndLoad();
     EXPECT_TRUE(m_result.Close());
     BeginResult();
@@ -217,7 +217,7 @@ TEST_F(LoaderTest, FileTimeBecomesSimulationTime) {
     EXPECT_NEAR(LastTime(kResult), 120, 1e-6);
 }
 
-TEST_F(LoaderTest, CurvesOfABrokenFileStayUntilARun) {
+TEST_F(LoaderTest, CurvesOfBrokenFilesStay) {
     OpenAndLoad();
     EXPECT_TRUE(m_result.Close());
     const auto file = m_folder / "dive.tarout";
@@ -248,14 +248,14 @@ TEST_F(LoaderTest, CurvesOfABrokenFileStayUntilARun) {
     expectTheCurve();
     // Each fault is reported once, whether or not the monitor came by while the file was missing.
     using Outils_Texte::EText;
-    for (const EText fault : {EText::fileIsFolder, EText::fileNoHeader})
+    for (const EText fault : {EText::fileIsFolder, EText::fileForeign})
         EXPECT_EQ(std::ranges::count(m_host.m_output, Outils_Texte::FormatText(fault, {file.string()})), 1);
     Tell(hintRunStarted);
     EXPECT_EQ(CurveCount(), 1u);
 }
 
 // The whole way: the monitor sees the file, the dictionary gets its layer, the graphs a curve.
-TEST_F(LoaderTest, ResultThatAppearsLaterJoinsTheGraphs) {
+TEST_F(LoaderTest, LateResultJoinsTheGraphs) {
     EXPECT_TRUE(m_result.Close());
     std::filesystem::rename(m_folder / "dive.tarout", m_folder / "kept");
     OpenAndLoad();

@@ -122,7 +122,7 @@ TEST_F(StackTest, PixelsBecomeTimes) {
     EXPECT_NEAR((m_stack.GetPeriod().end - m_stack.GetPeriod().start).GetTotalSeconds(), 1000, 1e-6);
 }
 
-TEST_F(StackTest, RangeFollowsTheDataUntilTheUserTakesIt) {
+TEST_F(StackTest, UserRangeEndsAutomaticRange) {
     Show(0, 100 * kSecond);
     m_stack.SetFullExtent(m_stack.GetPeriod());
     m_stack.SetDataset(kNavigation, MakeDataset(
@@ -172,7 +172,7 @@ std::vector<std::string> Labels(Outils_Plot2D::CPlot2DAxis& axis) {
     return labels;
 }
 
-TEST_F(StackTest, LabelsTellTheirTicksApartAtAnyZoom) {
+TEST_F(StackTest, LabelsDifferAtAnyZoom) {
     m_stack.SetDataset(kNavigation, MakeDataset(0, 3, [](double t) { return 1234.5 + t; }));
     Show(3600 * kSecond, 7200 * kSecond);
     for (int zoom = 0; zoom < 20; ++zoom) {
@@ -299,7 +299,7 @@ TEST_F(StackTest, KeepsWhatIsShownAlready) {
     EXPECT_EQ(x, 10);
 }
 
-TEST_F(StackTest, AnySizeIsDrawnAndHoldsTheCurve) {
+TEST_F(StackTest, AnySizeHoldsTheCurve) {
     Show(0, 100 * kSecond);
     const auto count = [&](int width, int height) {
         QImage image(std::max(width, 1), std::max(height, 1), QImage::Format_RGB32);

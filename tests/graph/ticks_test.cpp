@@ -15,7 +15,7 @@ struct STimeCase {
     double tick;      // seconds
 };
 
-TEST(GraphTicks, TickSpanIsHalfAReadableTenth) {
+TEST(GraphTicks, TickSpanIsHalfATenth) {
     const STimeCase cases[] = {
         {20 * 86400.0, 86400},            // two days
         {10 * 129600.0, 86400},           // 1 day 12 hours rounds up to two
@@ -52,7 +52,7 @@ TEST(GraphTicks, TickSpanIsHalfAReadableTenth) {
     EXPECT_EQ(ChooseTickSpan(CDateTimeSpan(-5)).GetTicks(), 0);
 }
 
-TEST(GraphTicks, FirstTickIsAlignedWithTheOrigin) {
+TEST(GraphTicks, FirstTickFollowsTheOrigin) {
     const std::int64_t cases[][3] = {{0, 10, 0},  {3, 10, 10},    {10, 10, 20},   {25, 10, 30},
                                      {-3, 10, 0}, {-10, 10, -10}, {-25, 10, -20}, {7, 0, 0}};
     for (const auto& [offset, tick, first] : cases)
@@ -60,7 +60,7 @@ TEST(GraphTicks, FirstTickIsAlignedWithTheOrigin) {
             << offset << " by " << tick;
 }
 
-TEST(GraphTicks, VerticalStepIsReadableInTheUnitShown) {
+TEST(GraphTicks, VerticalStepSuitsTheUnit) {
     EXPECT_DOUBLE_EQ(ChooseVerticalStep(0, 100, 200, 10, {}), 10);
     EXPECT_DOUBLE_EQ(ChooseVerticalStep(0, 100, 1000, 10, {}), 5); // twenty steps, that is ten labels
     EXPECT_DOUBLE_EQ(ChooseVerticalStep(-3, 4, 140, 10, {}), 1);

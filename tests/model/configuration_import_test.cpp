@@ -110,7 +110,7 @@ TEST_F(ConfigurationImportTest, IniFileFillsTheProject) {
               "Dvl\nDvl arm 1 2 3\nDvl angles 4 5 6\nDvl scale 0.015\nDvl current 600 0.5\nUsbl\nB-12\n");
 }
 
-TEST_F(ConfigurationImportTest, IniValuesThatAreMissingOrWrongStopTheImport) {
+TEST_F(ConfigurationImportTest, WrongIniValuesStopTheImport) {
     parameters->heaveSeaState = 1;
     EXPECT_TRUE(ImportIni(kSystem + "SeaState=4\n"));
     EXPECT_EQ(parameters->heaveSeaState, 1) << "4 is beyond what an INS knows";
@@ -123,7 +123,7 @@ TEST_F(ConfigurationImportTest, IniValuesThatAreMissingOrWrongStopTheImport) {
     EXPECT_FALSE(parameters->ImportIniConfiguration(folder / "none.txt"));
 }
 
-TEST_F(ConfigurationImportTest, EquipmentWithoutPortsCountsSectionsByContent) {
+TEST_F(ConfigurationImportTest, SectionsCountWithoutPorts) {
     ASSERT_TRUE(ImportIni(kSystem +
                           "[Info]\nType=15\n[Gps]\nPort=0\n[Odo]\nMesalign=0,0,0,2\n[Depth]\nLvArm=0,0,0\n"));
     EXPECT_EQ(Imported(), "fine 1 2 3\nrough 5\ntype 15\nGps\nOdometer\nOdometer scale 0.02\n");
@@ -151,7 +151,7 @@ TEST_F(ConfigurationImportTest, EmbeddedConfigurationFillsTheProject) {
 
 // Every row of both tables: a connected sensor, the place of its values and its turn, whatever the order in
 // the file.
-TEST_F(ConfigurationImportTest, EverySensorIsCreatedInItsTurn) {
+TEST_F(ConfigurationImportTest, SensorsAreCreatedInOrder) {
     std::string ini = kSystem, web = kWebIns;
     int length = 10;
     for (const auto& [section, key] : {std::pair{"Odo", "ODO"},
@@ -176,7 +176,7 @@ TEST_F(ConfigurationImportTest, EverySensorIsCreatedInItsTurn) {
 }
 
 // Each value in its turn is damaged: what comes before it is taken, it and what follows are not.
-TEST_F(ConfigurationImportTest, WhatWasReadBeforeAFailureStays) {
+TEST_F(ConfigurationImportTest, ValuesBeforeAFailureStay) {
     struct SStep {
         std::string section; // empty in the embedded file
         std::string key;
@@ -215,7 +215,7 @@ TEST_F(ConfigurationImportTest, WhatWasReadBeforeAFailureStays) {
     EXPECT_FALSE(ImportWeb("MesaCrt=1,2,3\nLVA=1,2,3,4,5,6,7,8,9,10,11\nMesaOrient=1\nCOG=1,2,4\n"));
 }
 
-TEST_F(ConfigurationImportTest, EmbeddedFileIsKnownByItsHeader) {
+TEST_F(ConfigurationImportTest, HeaderMarksEmbeddedFiles) {
     CInsWebConfigurationFile file;
     EXPECT_TRUE(file.Open(Write(kHeader)));
     EXPECT_FALSE(file.Open(Write(kHeader.substr(0, kHeader.find("Version Firmware CINT")))));

@@ -48,7 +48,7 @@ int CauseOf(Bytes bytes) {
 
 } // namespace
 
-TEST(ProjectArchive, EveryVersionLoadsWithItsDefaultsAndSavesAsCurrent) {
+TEST(ProjectArchive, EveryVersionLoadsWithDefaults) {
     std::vector<Versions> older{CurrentVersions()};
     for (const auto& [name, current] : CurrentVersions())
         for (int version = 1; version < current; ++version) {
@@ -73,7 +73,7 @@ TEST(ProjectArchive, EveryVersionLoadsWithItsDefaultsAndSavesAsCurrent) {
 }
 
 // The first object of each class follows the name: its version, then that of its base.
-TEST(ProjectArchive, VersionsThatNobodyKnowsAreRefused) {
+TEST(ProjectArchive, UnknownVersionsAreRefused) {
     const Bytes newClass = {0xFF, 0xFF, 1, 0};
     std::size_t classes = 0;
     for (auto tag = Sample().begin();; ++tag) {
@@ -95,7 +95,7 @@ TEST(ProjectArchive, VersionsThatNobodyKnowsAreRefused) {
     EXPECT_EQ(classes, 40u) << "a class of project files that the sample lacks";
 }
 
-TEST(ProjectArchive, HoldersAreSetWhateverTheFileNames) {
+TEST(ProjectArchive, HoldersComeFromTheModel) {
     const auto project =
         Load(WriteSampleProject(CurrentVersions(), CurrentVersions(), {.nullHolders = true}));
     EXPECT_EQ(Store(project.get()), Sample());
@@ -112,7 +112,7 @@ TEST(ProjectArchive, ReferencesToOthersMayBeNull) {
     EXPECT_EQ(Store(Load(stored).get()), stored);
 }
 
-TEST(ProjectArchive, EveryTruncationIsAnEndOfFileAndNullIsNoProject) {
+TEST(ProjectArchive, TruncatedArchivesAreRefused) {
     EXPECT_FALSE(Load({0, 0}));
     for (std::size_t size = 0; size < Sample().size(); ++size) {
         Bytes bytes = Sample();
@@ -170,7 +170,7 @@ TEST(ProjectArchive, MandatoryMembersMayNotBeNull) {
     EXPECT_EQ(CauseOf(Store(&project)), 0);
 }
 
-TEST(ProjectArchive, ChannelOfAFileInNoListStaysUsable) {
+TEST(ProjectArchive, UnlistedChannelsStayUsable) {
     CTrvProject project;
     CTrvSimulationParameters& parameters = *project.simulationParameters;
     parameters.mainInputFile->AddChannel(3, "DEPTH", "CTrvSensorDepth");
@@ -193,7 +193,7 @@ TEST(ProjectArchive, ChannelOfAFileInNoListStaysUsable) {
     EXPECT_EQ(CauseOf(Store(&project)), CArchiveException::badIndex);
 }
 
-TEST(ProjectArchive, PathsOfTheOriginalPlatformFindTheirFileOrStayAsTheyAre) {
+TEST(ProjectArchive, OriginalPathsFindTheirFiles) {
     const std::filesystem::path file = "/m/projects/a.tarprj";
     const std::tuple<int, std::string, const char*, const char*> rows[] = {
         {3, "..\\data\\x.tarin", "/m/data/x.tarin", "..\\data\\x.tarin"},

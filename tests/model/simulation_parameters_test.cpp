@@ -43,7 +43,7 @@ class SimulationParametersTest : public testing::Test {
 
 } // namespace
 
-TEST_F(SimulationParametersTest, NewRunListsTheChannelsOfItsRecording) {
+TEST_F(SimulationParametersTest, NewRunListsRecordedChannels) {
     CTrvSimulationParameters parameters(Record(1, 1, 0), folder / "main.tarout");
     std::vector<std::string> found;
     for (const auto& channel : parameters.mainInputFile->channels)
@@ -63,7 +63,7 @@ TEST_F(SimulationParametersTest, NewRunListsTheChannelsOfItsRecording) {
     EXPECT_FALSE(parameters.RemoveSensor(gps));
 }
 
-TEST_F(SimulationParametersTest, SensorsStopAtTheMaximumOfTheirKind) {
+TEST_F(SimulationParametersTest, SensorKindsHaveAMaximum) {
     CTrvSimulationParameters parameters;
     const int maxima[kSensorKindCount] = {3, 1, 1, 1, 3, 1, 1, 4, 1};
     for (const SSensorKind& kind : GetSensorKinds()) {
@@ -79,7 +79,7 @@ TEST_F(SimulationParametersTest, SensorsStopAtTheMaximumOfTheirKind) {
     EXPECT_EQ(parameters.sensors.size(), 16u);
 }
 
-TEST_F(SimulationParametersTest, AltitudeModesNeedAnEquipmentThatKnowsThem) {
+TEST_F(SimulationParametersTest, AltitudeModesDependOnEquipment) {
     CTrvSimulationParameters parameters;
     for (std::int32_t code = 0; code <= 20; ++code) {
         parameters.nelixConfiguration->type->SetFromEquipment(code);
@@ -91,7 +91,7 @@ TEST_F(SimulationParametersTest, AltitudeModesNeedAnEquipmentThatKnowsThem) {
     EXPECT_FALSE(parameters.RemoveAltitudeMode(first));
 }
 
-TEST_F(SimulationParametersTest, ExternalFilesComeOnceAndGoWhenUnused) {
+TEST_F(SimulationParametersTest, UnusedExternalFilesGo) {
     const std::filesystem::path main = Record(1, 1, 0);
     std::filesystem::copy_file(main, folder / "other.tarin");
     CTrvSimulationParameters parameters(main, folder / "main.tarout");
@@ -113,7 +113,7 @@ TEST_F(SimulationParametersTest, ExternalFilesComeOnceAndGoWhenUnused) {
 }
 
 // The header says how many channels follow; the file may end anywhere.
-TEST_F(SimulationParametersTest, ChannelsOfACutHeaderAreThoseBeforeTheCut) {
+TEST_F(SimulationParametersTest, CutHeaderKeepsItsFirstChannels) {
     const std::filesystem::path whole = Record(1, 1, 0);
     for (const auto& [size, channels] :
          {std::pair{0, 0}, {122, 0}, {123, 0}, {123 + 83, 0}, {123 + 84, 1}, {123 + 4 * 84 + 1, 4}}) {
@@ -127,7 +127,7 @@ TEST_F(SimulationParametersTest, ChannelsOfACutHeaderAreThoseBeforeTheCut) {
     }
 }
 
-TEST_F(SimulationParametersTest, ImuFrequencyIsMeasuredOverAHundredPackets) {
+TEST_F(SimulationParametersTest, MeasuresTheImuFrequency) {
     struct SCase {
         int packets;
         std::int64_t ticks; // between packets
@@ -159,7 +159,7 @@ TEST_F(SimulationParametersTest, ImuFrequencyIsMeasuredOverAHundredPackets) {
     EXPECT_EQ(frequency, 200);
 }
 
-TEST_F(SimulationParametersTest, RecordingTellsItsTimeSpanEquipmentAndCipher) {
+TEST_F(SimulationParametersTest, ReadsSpanEquipmentAndCipher) {
     const auto path = Record(31, 50'000, 0, 14, 2);
     CTrvSimulationParameters parameters(path, folder / "o.tarout");
     CDateTimeSpan first, last;
@@ -182,10 +182,11 @@ TEST_F(SimulationParametersTest, RecordingTellsItsTimeSpanEquipmentAndCipher) {
     EXPECT_EQ(last.GetTicks(), 6'500'000);
 }
 
-TEST(NelixType, UnknownCodesHaveATextOfTheirOwn) {
+TEST(NelixType, UnknownCodesHaveTheirText) {
     CTrvNelixType type;
     type.SetFromEquipment(18);
     EXPECT_EQ(type.housing, 8);
+    EXPECT_EQ(type.algorithm, 2);
     EXPECT_EQ(type.GetFieldText(CTrvNelixType::fieldSaturation), "air");
     type.SetFromEquipment(20);
     EXPECT_EQ(type.equipment, 0);

@@ -8,7 +8,7 @@
 
 using namespace Outils_Plot2D;
 
-TEST(PolygonToColumns, CoversThePixelsWhoseCentresAreInside) {
+TEST(PolygonToColumns, CoversPixelsByTheirCentres) {
     std::mt19937 random(7);
     std::uniform_real_distribution<double> place(-20, 60);
     const QRect bounds(3, 5, 40, 30);
@@ -32,7 +32,7 @@ TEST(PolygonToColumns, CoversThePixelsWhoseCentresAreInside) {
     }
 }
 
-TEST(PolygonToColumns, MergesEqualColumnsAndGivesUpOnTangles) {
+TEST(PolygonToColumns, MergesColumnsUnlessTangled) {
     std::vector<QRect> rects;
     const std::vector<QPointF> box = {{-1e30, 10}, {1e30, 10}, {1e30, 20}, {-1e30, 20}};
     ASSERT_TRUE(PolygonToColumns(box, QRect(0, 0, 100, 100), rects));

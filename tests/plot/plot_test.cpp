@@ -28,7 +28,7 @@ struct SAxesOfTest : SPlotOfTest {
 
 } // namespace
 
-TEST(Axis, LabelsThatCrossAnEndHaveAGridLineOnlyAndAnEmptyPlotHasNoVerticalLabels) {
+TEST(Axis, CrossingLabelsHaveOnlyAGridLine) {
     const SPainting painting = SAxesOfTest().Paint();
     EXPECT_THAT(Labels(painting.Find(SOperation::Text)), ElementsAre("20.00", "40.00", "60.00", "80.00"));
     EXPECT_EQ(painting.Find(SOperation::Line, kGrid).size(), 6u);
@@ -39,7 +39,7 @@ TEST(Axis, LabelsThatCrossAnEndHaveAGridLineOnlyAndAnEmptyPlotHasNoVerticalLabel
     EXPECT_THAT(lines[5].points, ElementsAre(QPointF(60, 20), QPointF(60, 420)));
 }
 
-TEST(Axis, VerticalLabelsStayBelowTheTopAndMayStandOutAtTheBottom) {
+TEST(Axis, VerticalLabelsStayBelowTheTop) {
     SAxesOfTest test;
     test.plot.GetHorizontalAxis().SetScale(nullptr);
     test.plot.AddCurve(nullptr, "");
@@ -95,7 +95,7 @@ TEST(Plot, ARemovedSerieIsForgottenEverywhere) {
     EXPECT_EQ(test.plot.GetSeries()[0].get(), &second);
 }
 
-TEST(Legend, EveryMarkerIsHitAsTheSerieThatItShows) {
+TEST(Legend, MarkersHitTheirSerie) {
     SPlotOfTest test;
     test.plot.SetLegendVisible(true);
     test.plot.GetLegend().SetRect({5, 7, 120, 300});

@@ -22,7 +22,7 @@ std::vector<double> Ticks(const CPlot2DScale& scale) {
 
 } // namespace
 
-TEST(LinearScale, TicksAreTwoStepsApartFromTheFirstMultiple) {
+TEST(LinearScale, TicksAreTwoStepsApart) {
     EXPECT_THAT(Ticks(CPlot2DLinearScale(0, 100, 10)), ElementsAre(0, 20, 40, 60, 80, 100));
     EXPECT_THAT(Ticks(CPlot2DLinearScale(3, 61, 10)), ElementsAre(10, 30, 50));
     // Below zero truncation goes towards zero: the walk passes through zero one step at a time.
@@ -32,7 +32,7 @@ TEST(LinearScale, TicksAreTwoStepsApartFromTheFirstMultiple) {
                             DoubleNear(0.8, 1e-9)));
 }
 
-TEST(LinearScale, UselessRangesAndStepsEndTheTicks) {
+TEST(LinearScale, UselessRangesHaveNoTicks) {
     for (const double step : {0.0, -1.0, 1e-300, 5e-324, kNaN, kInfinity})
         EXPECT_LE(Ticks(CPlot2DLinearScale(0, 100, step)).size(), std::size_t(kMaximumTickCount)) << step;
     EXPECT_LE(Ticks(CPlot2DLinearScale(1e17, 2e17, 1)).size(), std::size_t(kMaximumTickCount));
@@ -47,7 +47,7 @@ TEST(LinearScale, PixelsAndValuesAreInverse) {
         EXPECT_FLOAT_EQ(scale.ToPixel(scale.FromPixel(pixel, 400), 400), pixel);
 }
 
-TEST(ChronogramScale, PositionsLieInTheMiddleOfTheirBand) {
+TEST(ChronogramScale, PositionsAreInMidBand) {
     CPlot2DChronogramScale scale(0, 3);
     EXPECT_EQ(scale.ToPixel(0, 80), 10.0f);
     EXPECT_EQ(scale.ToPixel(3.4, 80), 70.0f);

@@ -29,7 +29,7 @@ std::vector<std::vector<QPointF>> Points(const std::vector<SOperation>& operatio
 
 } // namespace
 
-TEST(Curve, TheTwelfthHasTheColourOfTheFirstWhereverItIsAndTheBandIsTransparent) {
+TEST(Curve, TwelfthCurveHasTheFirstColour) {
     SPlotOfTest test, other;
     test.settings.extremumTransparency = 0x40;
     for (int i = 0; i < 11; ++i) test.plot.AddCurve(nullptr, "");
@@ -42,7 +42,7 @@ TEST(Curve, TheTwelfthHasTheColourOfTheFirstWhereverItIsAndTheBandIsTransparent)
     EXPECT_EQ(curve.GetBrush().GetColor(), 0x40102030u);
 }
 
-TEST(Curve, TheBandIsAStaircaseAboveTheLine) {
+TEST(Curve, BandIsAStaircase) {
     SPlotOfTest test;
     test.plot.AddCurve(Source(10, true, {{20, 50, 40, 60}, {30, 55, 45, 70}}), "");
     const SPainting painting = CRecordingDevice().Record([&](auto& graphics) {
@@ -59,7 +59,7 @@ TEST(Curve, TheBandIsAStaircaseAboveTheLine) {
     EXPECT_TRUE(painting[2].clip.isNull());
 }
 
-TEST(Curve, UnknownBucketsArePassedOverAndPlacelessOnesBreakIt) {
+TEST(Curve, PlacelessBucketsBreakTheLine) {
     SPlotOfTest test;
     test.plot.AddCurve(Source(2, true,
                               {{10, 1, 0, 2},
@@ -78,7 +78,7 @@ TEST(Curve, UnknownBucketsArePassedOverAndPlacelessOnesBreakIt) {
     EXPECT_EQ(bands[1].points.size(), 4u);  // 70
 }
 
-TEST(Curve, AnEmptyOrUnscaledOneDrawsNothing) {
+TEST(Curve, EmptyCurveDrawsNothing) {
     SPlotOfTest test;
     auto& curve = test.plot.AddCurve(Source(10, true, {}), "");
     EXPECT_THAT(test.Paint(), IsEmpty());
@@ -92,7 +92,7 @@ TEST(Curve, AnEmptyOrUnscaledOneDrawsNothing) {
     EXPECT_THAT(test.Paint(), IsEmpty());
 }
 
-TEST(Curve, FarPointsAreCutWhereTheyCannotBeSeenAndKeepTheSlope) {
+TEST(Curve, FarPointsKeepTheSlope) {
     SPlotOfTest test;
     test.plot.AddCurve(Source(1, true,
                               {{-1e7, -1e7, -1e30, 1e30},
@@ -121,7 +121,7 @@ TEST(Curve, SplinesJoinThePointsWhereAsked) {
 }
 
 // On a screen the band is made of columns: they must cover what the polygon covers, at any resolution.
-TEST(Curve, TheBandOnPixelsIsThePolygon) {
+TEST(Curve, BandOnPixelsIsThePolygon) {
     for (const int ratio : {1, 2}) {
         SPlotOfTest test;
         test.plot.AddCurve(Source(20, true, {{20, 50, 40, 60}, {40, 50, 20, 55}, {60, 50, 45, 130}}), "")
@@ -166,7 +166,7 @@ struct SChronogramOfTest : SPlotOfTest {
 
 } // namespace
 
-TEST(Chronogram, StepsAreAtTheEdgesOfWideBucketsAndAtThePointsOfNarrowOnes) {
+TEST(Chronogram, StepsFollowTheBucketWidth) {
     const std::vector<SBucketOfTest> buckets = {
         {10, 1, 1, 1}, {20, 1, 1, 1}, {30, 3, 3, 3}, {40, 0, 0, 0, false}};
     const auto wide = SChronogramOfTest().Paint(10, buckets);
@@ -177,7 +177,7 @@ TEST(Chronogram, StepsAreAtTheEdgesOfWideBucketsAndAtThePointsOfNarrowOnes) {
     EXPECT_THAT(narrow[0].points, ElementsAre(At(10, 30), At(30, 30), At(30, 70), At(30, 70)));
 }
 
-TEST(Chronogram, ARunOfMixedBucketsIsOneBlock) {
+TEST(Chronogram, MixedBucketsMakeOneBlock) {
     const auto operations = SChronogramOfTest().Paint(
         10, {{10, 1, 1, 1}, {20, 2, 0, 4}, {30, 1, 0, 2}, {40, 1, 1, 2}, {50, 3, 3, 3}, {60, 1, 0, 3}});
     std::vector<SOperation::Kind> kinds;

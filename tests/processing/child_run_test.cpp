@@ -47,7 +47,8 @@ class ChildRun : public testing::Test, private IChildRunOwner {
     }
     Outils_Temps::CDateTime GetTime() override { return m_time; }
     void Sleep(std::chrono::milliseconds time) override {
-        m_time += Outils_Temps::CDateTimeSpan(time.count() * Outils_Temps::kTicksPerSecond / 1000);
+        m_time +=
+            Outils_Temps::CDateTimeSpan((time + m_delay).count() * Outils_Temps::kTicksPerSecond / 1000);
         std::this_thread::yield();
     }
     bool AskToTerminate() override {
@@ -57,6 +58,7 @@ class ChildRun : public testing::Test, private IChildRunOwner {
 
     CListener m_child;
     Outils_Temps::CDateTime m_time{1'000'000'000};
+    std::chrono::milliseconds m_delay{0}; // of a computer that was asleep
     int m_questions = 0;
     bool m_terminates = false;
     CChildRun m_run{m_child, *this};
@@ -67,7 +69,7 @@ constexpr const char* kDeaf = "exec sleep 1000";
 
 } // namespace
 
-TEST_F(ChildRun, ReportsTheEndOnceAfterTheLastOutput) {
+TEST_F(ChildRun, EndFollowsTheLastOutput) {
     EXPECT_EQ(m_run.Poll(), idle);
     EXPECT_FALSE(m_run.Start("/nowhere/tool"));
     EXPECT_EQ(m_run.Poll(), idle);
@@ -94,13 +96,21 @@ TEST_F(ChildRun, StopsWithoutAQuestionUnlessFrozen) {
     ASSERT_TRUE(Start(kDeaf));
     EXPECT_EQ(m_run.Stop(), running);
     EXPECT_EQ(m_run.Stop(), running);
-    EXPECT_EQ(m_questions, 0); // five seconds have not passed
+    EXPECT_EQ(m_questions, 0) << "five seconds have not passed";
     Sleep(6s);
     EXPECT_EQ(m_run.Stop(), running);
     EXPECT_EQ(m_questions, 1);
     m_terminates = true;
     EXPECT_EQ(m_run.Stop(), ended);
     EXPECT_EQ(m_run.GetEnd(), (SProcessEnd{SProcessEnd::EKind::killed, SIGKILL}));
+}
+
+TEST_F(ChildRun, FirstStopAsksNothing) {
+    ASSERT_TRUE(Start(kDeaf));
+    m_delay = 10s;
+    EXPECT_EQ(m_run.Stop(), running);
+    EXPECT_EQ(m_questions, 0);
+    m_run.StopNow(0s);
 }
 
 TEST_F(ChildRun, StopNowAsksNobody) {

@@ -1,5 +1,5 @@
+#include "processing/command_switches.h"
 #include "processing/engine_command.h"
-#include "processing/switches.h"
 
 #include <gmock/gmock.h>
 
@@ -8,7 +8,7 @@
 using namespace Communication_Processus;
 using testing::ElementsAreArray;
 
-TEST(CommandLine, IsSplitByTheOriginalPlatformsRules) {
+TEST(CommandLine, SplitsByTheOriginalRules) {
     const std::tuple<const char*, std::vector<std::string>> rows[] = {
         {"", {""}},
         {" /remote", {"", "/remote"}},
@@ -29,7 +29,7 @@ TEST(CommandLine, IsSplitByTheOriginalPlatformsRules) {
     EXPECT_THAT(SplitCommandLine(std::string_view("t a\0b", 5)), ElementsAreArray({"t", "a"}));
 }
 
-TEST(CommandLine, QuotedArgumentsComeBackAsTheyWere) {
+TEST(CommandLine, QuotedArgumentsComeBack) {
     std::mt19937 random(7);
     constexpr std::string_view alphabet = "a\\\\\"\" \t";
     for (int round = 0; round < 2000; ++round) {
@@ -57,7 +57,7 @@ TEST(CommandLine, SwitchesAreWrittenRowByRow) {
         std::string format = "KML";
     };
     using Values = std::vector<std::string>;
-    constexpr SSwitchRow<SOptions> rows[] = {
+    constexpr SCommandSwitch<SOptions> rows[] = {
         {"/a", EArgument::flag, [](const SOptions& o) { return o.accuracy ? Values{""} : Values{}; }},
         {"/dec", EArgument::word,
          [](const SOptions& o) {

@@ -60,7 +60,7 @@ TEST(LineProtocol, TokensFollowTheQuotingRules) {
     for (const auto& [line, tokens] : rows) EXPECT_EQ(SplitTokens(line), tokens) << line;
 }
 
-TEST(LineProtocol, LinesAreTheSameHoweverTheBytesArrive) {
+TEST(LineProtocol, LinesIgnoreHowBytesArrive) {
     constexpr std::string_view bytes = "progress 1\r\n\n\r\nmessage \"a\r\" \r\r\nxy\nunfinished";
     const Calls expected = {"progress 1", "", "", "message \"a\r\" \r", "xy"};
     for (std::size_t split = 0; split <= bytes.size(); ++split)
@@ -73,7 +73,7 @@ TEST(LineProtocol, LinesAreTheSameHoweverTheBytesArrive) {
     EXPECT_EQ(lines, expected);
 }
 
-TEST(LineProtocol, OnlyALineThatIsTooLongIsDropped) {
+TEST(LineProtocol, OnlyTooLongLinesAreDropped) {
     const std::string longest(CLineBuffer::longestLine, 'x');
     const std::string bytes =
         "a\n" + longest + "\n" + longest + "x\nb\n" + longest + longest + longest + "\nc\n";

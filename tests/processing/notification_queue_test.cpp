@@ -27,7 +27,7 @@ struct SWindow : INotificationWindow {
 
 } // namespace
 
-TEST(NotificationQueue, ShowsMessagesInOrderAndLatestProgress) {
+TEST(NotificationQueue, ShowsMessagesAndLatestProgress) {
     Outils::CMessageQueue ui;
     SWindow window;
     std::optional<CMorvexReceiver> receiver(std::in_place, ui, &window);

@@ -188,7 +188,7 @@ TEST_F(RemoteProcess, TakesStandardDescriptorsFromAnywhere) {
     EXPECT_TRUE(Becomes([&] { return !child.IsRunning(); }));
 }
 
-TEST_F(RemoteProcess, DoesNotOpenWhatCannotBeStarted) {
+TEST_F(RemoteProcess, RefusesWhatCannotStart) {
     CListener child;
     for (const char* line :
          {"", " /remote", "/nowhere/Morvex.exe /remote", "\"/tmp\" /remote", "/etc/passwd"}) {
@@ -226,7 +226,7 @@ TEST_F(RemoteProcess, ReadsErrorsUpToAZero) {
     child.Terminate();
 }
 
-TEST_F(RemoteProcess, AFullSinkHoldsAFloodBack) {
+TEST_F(RemoteProcess, FullSinkHoldsTheFlood) {
     CListener child;
     ASSERT_TRUE(child.Open(Shell(Flood(5000)), false));
     EXPECT_TRUE(child.WaitForLines(5000));
@@ -247,7 +247,7 @@ TEST_F(RemoteProcess, AFullSinkHoldsAFloodBack) {
     EXPECT_EQ(child.lines.size(), 1u);
 }
 
-TEST_F(RemoteProcess, AGrandchildDoesNotDelayClose) {
+TEST_F(RemoteProcess, GrandchildDelaysNoClose) {
     CListener child;
     ASSERT_TRUE(child.Open(Shell("exit"), false)); // its end is not taken for that of the next
     child.Finish();

@@ -22,7 +22,7 @@ namespace {
 class View1DTest : public testing::Test {
   protected:
     View1DTest() {
-        m_document.emplace(m_host, m_host.m_queue, m_config);
+        m_document.emplace(m_host, m_host.m_queue, m_config, false);
         auto project =
             std::make_unique<Metier_Tarvel::CTrvProject>("/nowhere/dive.tarin", "/nowhere/dive.tarout");
         auto& parameters = *project->simulationParameters;

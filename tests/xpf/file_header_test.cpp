@@ -100,7 +100,7 @@ TEST_F(FileHeader, TellsFormerLayoutsFromDamage) {
     }
 }
 
-TEST_F(FileHeader, CutHeaderKeepsRecordsBeforeTheCut) {
+TEST_F(FileHeader, CutHeaderKeepsWholeRecords) {
     const Builder whole({{0, "IMU", typeImu}, {8, "DEPTH", typeDepth}},
                         {{typeImu, 2, 11}, {typeDepth, 1, 5}});
     std::size_t ends[5] = {kFileHeaderSize + kChannelRecordSize, kFileHeaderSize + 2 * kChannelRecordSize};

@@ -234,8 +234,9 @@ TEST_F(Search, RememberedPlacesAreTested) {
     const auto build = [](int extra, std::uint16_t swapped) {
         auto builder = CPacketFileBuilder::ForChannels({"IMU", "UTC"});
         for (std::uint32_t i = 0; i < kCount; ++i) {
+            // From here on, each place has the packet of the number before.
             if (i == 2)
-                for (int k = 0; k < extra; ++k) builder.Add(kImu, Bytes(40, 7));
+                for (int k = 0; k < extra; ++k) builder.Add(kUtc, Bytes(40, 7));
             // A packet of the other channel with the same size, and with the number sought.
             if (i == kSought && swapped == kUtc)
                 for (std::uint32_t k = 0; k <= kSought; ++k) builder.Add(kUtc, Bytes(40, 1));

@@ -4,8 +4,6 @@
 
 namespace Application_Tarvel {
 
-CTrvProject* CTrvUserAction::FindProject() const { return m_document.GetProject(); }
-
 bool CEdit::Changed(const CObject* object) const {
     m_document.ProjectChanged(m_row.hint, object);
     return true;

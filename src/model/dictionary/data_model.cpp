@@ -93,7 +93,7 @@ bool CTrvDataModel::Refresh(CTrvDataFile& dataFile, const SFileDescription& desc
     std::vector<std::unique_ptr<CTrvDataLayer>> fresh;
     BuildLayers(dataFile, description, expertMode, fresh);
 
-    // The layers that the file had, by name and in order: those still unclaimed at the end are gone from it.
+    // The layers that the file had, by name and in order: those unclaimed at the end are no longer in it.
     std::multimap<std::string, const CTrvDataLayer*> present;
     for (const auto& layer : m_layers)
         if (layer->m_dataFile == &dataFile) present.emplace(layer->m_name, layer.get());

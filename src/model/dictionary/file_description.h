@@ -1,4 +1,4 @@
-// What a packet file says of itself: its channels and packet definitions as they stand in the header, known
+// What a packet file says of itself: its channels and packet definitions as the header gives them, known
 // to the system or not.
 #pragma once
 

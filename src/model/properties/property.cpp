@@ -34,13 +34,6 @@ const Outils_Valeurs::CNumericValueAdaptor& AdaptorOf(const SForm& form, const S
     }
 }
 
-// A text of the project must not pass for another row, nor for a command to the terminal.
-std::string OneLine(std::string text) {
-    for (char& c : text)
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
-    return text;
-}
-
 std::string ShowInteger(const SForm& form, std::int64_t value) {
     if (form.form == EPropertyForm::color) {
         char text[10];
@@ -70,7 +63,7 @@ std::string ShowValue(const SForm& form, const SPropertyContext& context, const 
         return std::string(GetText(*flag ? EText::yes : EText::no));
     if (const auto* integer = std::get_if<std::int64_t>(&value)) return ShowInteger(form, *integer);
     if (const auto* number = std::get_if<double>(&value)) return ShowNumber(form, context, *number);
-    if (const auto* text = std::get_if<std::string>(&value)) return OneLine(*text);
+    if (const auto* text = std::get_if<std::string>(&value)) return Outils_Texte::ReplaceControls(*text);
     std::string text;
     ShowTime(form, context, std::get<CDateTime>(value), text);
     return text;
@@ -140,7 +133,7 @@ std::optional<CPropertyValue> ReadValue(const SForm& form, const SPropertyContex
         if (Outils_Texte::EqualsNoCase(text, GetText(EText::yes))) return true;
         if (Outils_Texte::EqualsNoCase(text, GetText(EText::no))) return false;
         return std::nullopt;
-    case EPropertyForm::text: return OneLine(std::string(text));
+    case EPropertyForm::text: return Outils_Texte::ReplaceControls(text);
     case EPropertyForm::color:
         if (text.size() != 9 || text.front() != '#') return std::nullopt;
         return Wrap(ParseWhole(text.substr(1), 16));
@@ -174,7 +167,7 @@ std::string ShowLine(const SPropertyContext& context, const CObject& object) {
 }
 
 std::string Show(const SProperty& row, const SPropertyContext& context, const CObject& object) {
-    if (row.show) return OneLine(row.show(context, object));
+    if (row.show) return Outils_Texte::ReplaceControls(row.show(context, object));
     if (row.get) return ShowValue(row.form, context, row.get(object));
     if (!row.isInline || row.isList) return {};
     const CObject* child = GetChild(row, object, 0);

@@ -1,4 +1,4 @@
-#include "processing/switches.h"
+#include "processing/command_switches.h"
 
 namespace Communication_Processus {
 

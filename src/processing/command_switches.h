@@ -19,7 +19,7 @@ enum class EArgument {
 };
 
 template <class TOptions>
-struct SSwitchRow {
+struct SCommandSwitch {
     std::string_view name; // "/remote"; empty for an argument without a switch
     EArgument kind;
     // The values of the switch, each written with its name. No value leaves the switch out.
@@ -32,7 +32,7 @@ std::string WriteSwitch(std::string_view name, EArgument kind, std::string_view 
 // The program in double quotes and the switches in the order of the rows. Empty, so that no child starts, for
 // a program whose path holds a double quote.
 template <class TOptions, std::size_t Count>
-std::string MakeCommandLine(std::string_view program, const SSwitchRow<TOptions> (&rows)[Count],
+std::string MakeCommandLine(std::string_view program, const SCommandSwitch<TOptions> (&rows)[Count],
                             const TOptions& options) {
     std::string line = QuoteProgram(program);
     if (line.empty()) return line;
