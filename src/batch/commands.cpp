@@ -25,6 +25,7 @@ constexpr SOption kFromParametersOptions[] = {{"--file", "ID=PATH", EText::fileH
 constexpr SOption kDictionaryOptions[] = {{"--expert", "", EText::expertHelp}, kJson};
 constexpr SOption kPacketsOptions[] = {kFrom, kTo, {"--limit", "N", EText::limitHelp}, kJson};
 constexpr SOption kReduceOptions[] = {kFrom, kTo, {"--slices", "N", EText::slicesHelp}, kJson};
+constexpr SOption kCompareOptions[] = {{"--fields", "NAME,...", EText::fieldsHelp}, kFrom, kTo, kJson};
 constexpr SOption kPictureOptions[] = {{"--size", "WxH", EText::sizeHelp}};
 
 constexpr SCommand kCommands[] = {
@@ -43,6 +44,7 @@ constexpr SCommand kCommands[] = {
     {"packets", "FILE CHANNEL", EText::packetsSummary, kPacketsOptions, PacketsCommand},
     {"at", "FILE CHANNEL S", EText::atSummary, kReportOptions, AtCommand},
     {"reduce", "FILE CHANNEL", EText::reduceSummary, kReduceOptions, ReduceCommand},
+    {"compare", "RESULT TRUTH", EText::compareSummary, kCompareOptions, CompareCommand},
     {"picture", "PROJECT OUT.png|.svg|.pdf", EText::pictureSummary, kPictureOptions, PictureCommand},
 };
 
