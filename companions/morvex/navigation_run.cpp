@@ -394,9 +394,11 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
 }
 
 bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample, CItems& items) {
+    if (sample.lost > kGapWithoutResult) {
+        const double begin = sample.time - sample.span;
+        Tell(ELevel::warning, EText::imuGap, {FormatFixed(begin, 1), FormatFixed(begin + sample.lost, 1)});
+    }
     if (sample.gap > kGapWithoutResult) {
-        Tell(ELevel::warning, EText::imuGap,
-             {FormatFixed(sample.time - sample.gap, 1), FormatFixed(sample.time, 1)});
         m_nextOutput = m_schedule.GetNextAfter(sample.time - 1e-6);
         while (m_marks.Peek() && m_marks.Peek()->time < sample.time) m_marks.Pop();
     }
