@@ -16,7 +16,7 @@ using namespace Persistance_Xpf;
 constexpr double kLargestDate = 1e9;      // s: no clock of a recording runs for thirty years
 constexpr double kImplausibleJump = 10.0; // s
 constexpr int kProbe = 1000;              // spans looked at for the usual one
-constexpr double kAgreeing = 0.1; // share by which counter and dates may differ
+constexpr double kAgreeing = 0.1;         // share by which counter and dates may differ
 
 } // namespace
 

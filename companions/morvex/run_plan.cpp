@@ -17,7 +17,7 @@ namespace {
 using namespace Metier_Tarvel;
 
 constexpr std::uint64_t kLargestParameterFile = 256u << 20;
-constexpr std::int32_t kSaturationLand = 1; // the first of its words
+constexpr std::int32_t kSaturationLand = 1, kSaturationAir = 3; // the first and the last of its words
 
 double Seconds(CDateTime stored) { return ToSpan(stored).GetTotalSeconds(); }
 
@@ -209,6 +209,18 @@ EUse CombineUse(std::uint8_t rejection, const ERejection* instruction) {
     }
 }
 
+bool AddLandModel(SRunPlan& plan) {
+    const auto says = [](const SAidingPlan& aiding) {
+        return aiding.kind == EAiding::odometer || aiding.kind == EAiding::land;
+    };
+    if (std::ranges::any_of(plan.aidings, says)) return false;
+    SAidingPlan land;
+    land.kind = EAiding::land;
+    land.source.channel = Outils_Texte::GetText(EText::landModel);
+    plan.aidings.push_back(std::move(land));
+    return true;
+}
+
 SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
     SRunPlan plan;
     plan.imu = {parameters.mainInputFile->path, "IMU", Seconds(parameters.mainInputFile->timeOffset)};
@@ -245,19 +257,13 @@ SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
                             MatrixOfMisalignment(ins->factoryMisalignment);
         plan.ciphered = ins->imuCipherMode != 0;
         plan.onLand = ins->type && ins->type->saturation == kSaturationLand;
+        plan.inAir = ins->type && ins->type->saturation == kSaturationAir;
         plan.userToVessel = MatrixOfMisalignment(ins->userMisalignment);
         plan.points = {VectorOf(ins->primaryLeverArm), VectorOf(ins->secondaryLeverArmA),
                        VectorOf(ins->secondaryLeverArmB), VectorOf(ins->secondaryLeverArmC)};
     }
     AddSensors(parameters, plan);
-    // An odometer says the same, and at which rate.
-    const auto isOdometer = [](const SAidingPlan& aiding) { return aiding.kind == EAiding::odometer; };
-    if (plan.onLand && std::ranges::none_of(plan.aidings, isOdometer)) {
-        SAidingPlan land;
-        land.kind = EAiding::land;
-        land.source.channel = Outils_Texte::GetText(EText::landModel);
-        plan.aidings.push_back(std::move(land));
-    }
+    if (plan.onLand) AddLandModel(plan);
     return plan;
 }
 
