@@ -17,6 +17,8 @@ constexpr double kSettled = 0.3 * kRadiansPerDegree; // heading deviation at whi
 constexpr double kLargestMisfit = 3.0;
 constexpr double kLargestRatio = 2.5;
 constexpr double kKnown = 3.0 * kRadiansPerDegree;
+// A unit may be better or worse than its grade by so much.
+constexpr double kQuietest = 0.4, kNoisiest = 3.0;
 
 bool IsWorse(double misfit, double reference) {
     return misfit > kLargestMisfit && misfit > kLargestRatio * reference;
@@ -110,7 +112,8 @@ std::optional<SAlignment> CAlignment::Finish(const SStretch& stretch) {
 // With the noise that was found, as far as it is that of the grade and not of the vehicle's vibration.
 SSensorGrade CAlignment::GetGrade(std::size_t index) const {
     SSensorGrade grade = kSensorGrades[index];
-    grade.gyroNoise = std::clamp(m_noise.GetAngleNoise(), grade.gyroNoise, 3.0 * grade.gyroNoise);
+    grade.gyroNoise =
+        std::clamp(m_noise.GetAngleNoise(), kQuietest * grade.gyroNoise, kNoisiest * grade.gyroNoise);
     return grade;
 }
 

@@ -69,42 +69,6 @@ SNavigation Between(const SNavigation& a, const SNavigation& b, double time) {
     return result;
 }
 
-// A result that waits for its smoothed errors: bytes for a temporary file of this process.
-struct SOutput {
-    double values[15];
-    std::uint32_t status1, status2, sensorData;
-    const char* sensor;
-    std::size_t sensorSize;
-
-    SOutput() = default;
-    SOutput(const SNavigation& n, const SResultContext& c)
-        : values{n.time,         n.position[0], n.position[1],  n.position[2],  n.velocity[0],
-                 n.velocity[1],  n.velocity[2], n.attitude.w(), n.attitude.x(), n.attitude.y(),
-                 n.attitude.z(), c.geoidHeight, c.rate[0],      c.rate[1],      c.rate[2]},
-          status1(c.status1),
-          status2(c.status2),
-          sensorData(c.sensorData),
-          sensor(c.sensor.data()),
-          sensorSize(c.sensor.size()) {}
-
-    SNavigation GetNavigation() const {
-        return {values[0],
-                {values[1], values[2], values[3]},
-                {values[4], values[5], values[6]},
-                Quaterniond(values[7], values[8], values[9], values[10])};
-    }
-    SResultContext GetContext() const {
-        SResultContext context;
-        context.geoidHeight = values[11];
-        context.rate = Vector3d(values[12], values[13], values[14]);
-        context.status1 = status1;
-        context.status2 = status2;
-        context.sensorData = sensorData;
-        context.sensor = std::string_view(sensor, sensorSize);
-        return context;
-    }
-};
-
 } // namespace
 
 // Positions and other packets in one order of time.
@@ -143,7 +107,8 @@ CNavigationRun::CNavigationRun(const SRunPlan& plan, IRunMonitor& monitor)
     : m_plan(plan),
       m_monitor(monitor),
       m_layout(MakeStateLayout(plan)),
-      m_schedule(plan),
+      m_schedule(m_plan),
+      m_results(m_plan, m_result),
       m_fixMonitor(plan),
       m_smoothing(plan.backwardAsked) {
     m_contradicted.fill(std::nan(""));
@@ -163,10 +128,10 @@ ERunEnd CNavigationRun::Execute() {
         return ERunEnd::failed;
     }
     if (!m_plan.sensorsNotUsed.empty()) Tell(ELevel::warning, EText::sensorsNotUsed, {m_plan.sensorsNotUsed});
+    if (m_plan.heave == EHeave::none) Tell(ELevel::information, EText::heaveNotComputed);
     Prepare();
     const std::filesystem::path folder = m_plan.output.parent_path();
-    if (m_smoothing &&
-        !(m_smoother.Open(folder, m_layout.GetSize()) && m_outputs.Open(folder, sizeof(SOutput)))) {
+    if (m_smoothing && !(m_smoother.Open(folder, m_layout.GetSize()) && m_results.OpenSpool(folder))) {
         Tell(ELevel::error, EText::temporaryFailed, {folder.string()});
         return ERunEnd::failed;
     }
@@ -363,6 +328,7 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
     BeginEpoch(filter);
     EndEpoch(filter, true);
     const bool goesOn = NavigateAll(filter, stretch, items);
+    if (!m_results.Flush()) m_writeFailed = true;
     m_estimates = DescribeEstimates(filter, m_plan);
     return goesOn;
 }
@@ -415,6 +381,7 @@ bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample
     if (m_time >= m_nextHeightHold) change(m_time, [&] { ObserveHeight(filter); });
     if (m_time >= m_nextScales) WatchScales(filter);
     if (m_smoothing && m_time - m_lastEpoch >= kEpochSpan) change(m_time, [] {});
+    m_results.AddMotion(filter.GetStrapdown());
     if (!WriteBetween(filter, before, m_time + kJustBefore) || m_writeFailed) return false;
     if (++m_samplesSinceAlive < kSamplesPerLook) return true;
     m_samplesSinceAlive = 0;
@@ -576,7 +543,7 @@ bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before,
             context.sensor = mark->channel;
             context.sensorData = mark->data;
         }
-        if (!WriteResult(Between(before, filter.GetNavigation(), time), covariance, context)) {
+        if (!m_results.Add(Between(before, filter.GetNavigation(), time), covariance, context)) {
             m_writeFailed = true;
             return false;
         }
@@ -585,13 +552,6 @@ bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before,
         else
             m_nextOutput = m_schedule.GetNextAfter(m_nextOutput);
     }
-}
-
-bool CNavigationRun::WriteResult(const SNavigation& navigation, const NavigationCovariance& covariance,
-                                 const SResultContext& context) {
-    if (!m_smoothing) return m_result.Write(navigation, covariance, context);
-    const SOutput output(navigation, context);
-    return m_outputs.Append(&output);
 }
 
 // The passes after the forward one: backwards over the epochs, and forward over the results that wait.
@@ -610,26 +570,8 @@ bool CNavigationRun::Smooth() {
     if (!m_smoother.Run([&](double share) { return goOn(kForwardShare + kBackwardShare * share); }))
         return false;
     constexpr double kBefore = kForwardShare + kBackwardShare;
-    for (std::int64_t i = 0; i < m_outputs.GetCount(); ++i) {
-        if (i % 256 == 0) {
-            const double share = static_cast<double>(i) / static_cast<double>(m_outputs.GetCount());
-            if (!goOn(std::min(kBefore + (1.0 - kBefore) * share, 0.999)) || !m_result.FlushIfDue())
-                return false;
-        }
-        const std::uint8_t* bytes = m_outputs.Read(i);
-        if (!bytes) return false;
-        SOutput output;
-        std::memcpy(&output, bytes, sizeof output);
-        NavigationErrors errors;
-        NavigationCovariance covariance;
-        SNavigation navigation = output.GetNavigation();
-        if (!m_smoother.GetErrors(navigation.time, errors, covariance)) return false;
-        CStrapdown corrected(navigation);
-        corrected.Correct(errors.segment<3>(statePosition), errors.segment<3>(stateVelocity),
-                          errors.segment<3>(stateAttitude));
-        if (!m_result.Write(corrected.Get(), covariance, output.GetContext())) return false;
-    }
-    return true;
+    return m_results.WriteSmoothed(
+        m_smoother, [&](double share) { return goOn(std::min(kBefore + (1.0 - kBefore) * share, 0.999)); });
 }
 
 // Tells a gap between the last fix that was used and this time, if there was one.

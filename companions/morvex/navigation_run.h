@@ -10,12 +10,12 @@
 #include "morvex/mark_reader.h"
 #include "morvex/mounting_probe.h"
 #include "morvex/output_schedule.h"
+#include "morvex/result_queue.h"
 #include "morvex/result_writer.h"
 #include "morvex/run_inputs.h"
 #include "morvex/run_plan.h"
 #include "morvex/sensor_watch.h"
 #include "morvex/smoother.h"
-#include "morvex/spool.h"
 
 #include <array>
 #include <initializer_list>
@@ -62,8 +62,6 @@ class CNavigationRun {
     void ObserveHeight(CInsFilter& filter);
     // Writes what is wanted up to `until`, interpolated from `before` to the filter's state.
     bool WriteBetween(CInsFilter& filter, const SNavigation& before, double until);
-    bool WriteResult(const SNavigation& navigation, const NavigationCovariance& covariance,
-                     const SResultContext& context);
     // What the pass backwards needs of a date: around every change of the filter's state.
     void BeginEpoch(CInsFilter& filter);
     void EndEpoch(CInsFilter& filter, bool begins = false);
@@ -82,6 +80,7 @@ class CNavigationRun {
     CMarkReader m_marks;
     COutputSchedule m_schedule;
     CResultWriter m_result;
+    CResultQueue m_results;
     CFixMonitor m_fixMonitor;
     CSensorWatch m_watch;
     std::vector<SEstimateText> m_estimates; // of the last segment
@@ -90,7 +89,6 @@ class CNavigationRun {
     // With the algorithm Backward the results wait for their smoothed errors.
     bool m_smoothing = false;
     CSmoother m_smoother;
-    CSpool m_outputs;
     SEpoch m_epoch;
     double m_lastEpoch = 0.0;
     std::array<double, static_cast<std::size_t>(EAiding::count)> m_contradicted{}; // since when, by kind

@@ -177,6 +177,18 @@ void AddSensors(const CTrvSimulationParameters& parameters, SRunPlan& plan) {
     plan.gps.insert(plan.gps.end(), usbls.begin(), usbls.end());
 }
 
+// None as well for a unit that is sold without heave.
+EHeave GetHeave(const CTrvSimulationParameters& parameters) {
+    constexpr std::int32_t kWithHeave = 1;
+    const CTrvNelixConfiguration* ins = parameters.nelixConfiguration.get();
+    if (ins && ins->type && ins->type->algorithm > kWithHeave) return EHeave::none;
+    switch (parameters.heaveAlgorithm) {
+    case 1: return EHeave::causal;
+    case 2: return EHeave::zeroPhase;
+    default: return EHeave::none;
+    }
+}
+
 } // namespace
 
 std::unique_ptr<CTrvSimulationParameters> LoadParameters(const std::filesystem::path& path) {
@@ -249,6 +261,12 @@ SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
     plan.referenceAltitude = parameters.referencePosition.altitude;
     plan.aboveGeoid = parameters.gpsAltitudeReference == altitudeGeoid;
     plan.backwardAsked = parameters.algorithm == algorithmBackward;
+    plan.heave = GetHeave(parameters);
+    // In the order of the words: slight, moderate, rough, harbours, automatic. Longer swell needs a slower
+    // filter, and shows more of the unit's noise.
+    constexpr double kPeriods[] = {150.0, 200.0, 240.0, 150.0, 200.0};
+    if (parameters.heaveSeaState >= 0 && parameters.heaveSeaState < 5)
+        plan.heavePeriod = kPeriods[parameters.heaveSeaState];
     if (parameters.hasUtcReference) plan.utcOrigin = parameters.utcReference;
 
     if (const CTrvNelixConfiguration* ins = parameters.nelixConfiguration.get()) {

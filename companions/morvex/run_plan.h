@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/date_time.h"
+#include "morvex/heave_filter.h"
 #include "morvex/measurements.h"
 #include "morvex/rotation.h"
 
@@ -120,6 +121,8 @@ struct SRunPlan {
     std::optional<Outils_Temps::CDateTime> utcOrigin;
 
     bool backwardAsked = false;
+    EHeave heave = EHeave::none;
+    double heavePeriod = 200.0; // s, of the causal filter
     bool ciphered = false;
     bool onLand = false;        // the unit is one for vehicles on wheels
     bool inAir = false;         // the unit is one for aircraft

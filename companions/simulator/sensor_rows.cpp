@@ -101,8 +101,14 @@ void FillEMLog(CSensor& sensor, CPayload& payload) {
 }
 
 void FillDepth(CSensor& sensor, CPayload& payload) {
-    constexpr double kDeviation = 0.1;
-    const double depth = sensor.GetOptions().geoidSeparation - sensor.GetPointAt(EMount::depth).altitude;
+    constexpr double kDeviation = 0.1, kTide = 0.5, kTideTime = 44700; // metres and seconds
+    // The sea is where the tide has it, and the air presses on it.
+    const double phase = sensor.GetCount() == 0 ? sensor.GetRandom().Uniform(0, 2 * kPi) : sensor.Exchange(0);
+    sensor.Exchange(phase);
+    const double tide =
+        sensor.GetOptions().GetNoise() * kTide * std::sin(phase + 2 * kPi * sensor.GetTime() / kTideTime);
+    const double depth =
+        sensor.GetOptions().geoidSeparation + tide - sensor.GetPointAt(EMount::depth).altitude;
     payload.Put(PlaceOf(kDepthLayout, "Delay"), GetDelay(sensor));
     payload.Put(PlaceOf(kDepthLayout, "Rejection"), kAuto);
     payload.Put(PlaceOf(kDepthLayout, "Depth"), depth + sensor.MakeError(kDeviation));
