@@ -88,13 +88,8 @@ SObservation ObserveOdometer(const SAiding& aiding, const CInsFilter& filter, co
     return observation;
 }
 
-// Sideways and upwards of a vehicle on wheels. Neither its rear axle nor its springs are known: the unit may
-// be some metres from where the vehicle does not slide, tyres slip as the vehicle turns, and its body
-// pitches.
+// Sideways and upwards of a vehicle on wheels.
 SObservation ObserveLand(const SAiding& aiding, const CInsFilter& filter, const SAidingContext& context) {
-    constexpr double kArm = 1.5;        // m
-    constexpr double kSlip = 0.006;     // rad, by m/s² across the way
-    constexpr double kPitching = 0.015; // rad
     SObservation observation(2);
     Vector3d predicted;
     Eigen::Matrix<double, 3, kMostStates> h;
@@ -102,12 +97,9 @@ SObservation ObserveLand(const SAiding& aiding, const CInsFilter& filter, const 
                    EGroup::odometerTurn, predicted, h);
     observation.innovation.head<2>() = -predicted.tail<2>();
     observation.h.topRows<2>() = h.bottomRows<2>();
-    const double speed = std::abs(predicted.x());
-    const double turn = std::abs(context.rate.z()), pitch = std::abs(context.rate.y());
-    const Vector3d deviation = aiding.deviation + Vector3d(0.0, kArm * turn + kSlip * speed * speed * turn,
-                                                           kArm * pitch + kPitching * speed);
-    observation.noise(0, 0) = deviation.y() * deviation.y();
-    observation.noise(1, 1) = deviation.z() * deviation.z();
+    const Eigen::Vector2d deviation = GetLandDeviation(predicted.x(), context.rate);
+    observation.noise(0, 0) = deviation.x() * deviation.x();
+    observation.noise(1, 1) = deviation.y() * deviation.y();
     return observation;
 }
 
@@ -231,6 +223,17 @@ SObservation ObserveAiding(const SAiding& aiding, const CInsFilter& filter, cons
     return observation;
 }
 
+// Neither the rear axle nor the springs are known: the unit may be some metres from where the vehicle does
+// not slide, tyres slip as the vehicle turns, and its body pitches.
+Eigen::Vector2d GetLandDeviation(double speed, const Vector3d& rate) {
+    constexpr double kStill = 0.1;      // m/s
+    constexpr double kArm = 1.5;        // m
+    constexpr double kSlip = 0.006;     // rad, by m/s² across the way
+    constexpr double kPitching = 0.015; // rad
+    const double along = std::abs(speed), turn = std::abs(rate.z()), pitch = std::abs(rate.y());
+    return {kStill + kArm * turn + kSlip * along * along * turn, kStill + kArm * pitch + kPitching * along};
+}
+
 SAiding MakeLandAiding(const SAidingPlan& plan, double time) {
     SAiding aiding;
     aiding.time = time;
@@ -250,6 +253,10 @@ CStateLayout MakeStateLayout(const SRunPlan& plan) {
             else
                 layout.Add(group, aiding.kind == EAiding::land ? kLandTurn : 0.0);
         }
+    if (!plan.gps.empty() && !plan.gps.front().isUsbl) {
+        layout.Add(EGroup::gpsArm, plan.gpsArmDeviation);
+        if (plan.gpsLagDeviation > 0.0) layout.Add(EGroup::gpsLag, plan.gpsLagDeviation);
+    }
     if (std::ranges::any_of(plan.gps, [](const SGpsPlan& p) { return p.isUsbl; }))
         layout.Add(EGroup::usblBias);
     return layout;

@@ -29,6 +29,10 @@ struct SAidingContext {
     Vector3d rate = Vector3d::Zero(); // of the vessel against the earth, vessel axes, rad/s
 };
 
+// How far a vehicle on wheels may move sideways and upwards, standard deviations in m/s, at a speed along,
+// m/s, while it turns at these rates, rad/s.
+Eigen::Vector2d GetLandDeviation(double speed, const Vector3d& rate);
+
 // What the plan of a vehicle on wheels says at an instant, as if a sensor had measured it.
 SAiding MakeLandAiding(const SAidingPlan& plan, double time);
 

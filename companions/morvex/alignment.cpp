@@ -17,6 +17,8 @@ constexpr double kSettled = 0.3 * kRadiansPerDegree; // heading deviation at whi
 constexpr double kLargestMisfit = 3.0;
 constexpr double kLargestRatio = 2.5;
 constexpr double kKnown = 3.0 * kRadiansPerDegree;
+// A unit may be better or worse than its grade by so much.
+constexpr double kQuietest = 0.4, kNoisiest = 3.0;
 
 bool IsWorse(double misfit, double reference) {
     return misfit > kLargestMisfit && misfit > kLargestRatio * reference;
@@ -24,7 +26,7 @@ bool IsWorse(double misfit, double reference) {
 
 // What is unknown at the far end of a stretch that is filtered backwards: the search has brought the filter
 // close, but its certainty comes from the same fixes that are met again now, so it is given up.
-SFilterState Widened(SFilterState state, const SSensorGrade& grade) {
+SFilterState Widened(SFilterState state, const SSensorGrade& grade, const CStateLayout& layout) {
     const double heading = std::max(5.0 * kRadiansPerDegree, 2.0 * HeadingDeviation(state));
     state.covariance.setZero();
     auto set = [&state](int group, double deviation) {
@@ -36,19 +38,21 @@ SFilterState Widened(SFilterState state, const SSensorGrade& grade) {
     state.covariance(stateAttitude + 2, stateAttitude + 2) = heading * heading;
     set(stateGyroBias, grade.gyroBias);
     set(stateAccelBias, grade.accelBias);
+    layout.SetDeviations(state.covariance);
     return state;
 }
 
 } // namespace
 
-CAlignment::CAlignment(std::function<bool()> goOn) : m_goOn(std::move(goOn)) {}
+CAlignment::CAlignment(std::function<bool()> goOn, const CStateLayout& layout)
+    : m_goOn(std::move(goOn)), m_layout(layout) {}
 
 bool CAlignment::Start(const SStretch& stretch) {
     const auto start = FindLevelStart(stretch);
     if (!start) return false;
     const auto first = std::find_if(stretch.fixes.begin(), stretch.fixes.end(),
                                     [&](const SPositionFix& fix) { return fix.time == start->time; });
-    for (const SSensorGrade& grade : kSensorGrades) m_banks.emplace_back(*start, *first, grade);
+    for (const SSensorGrade& grade : kSensorGrades) m_banks.emplace_back(*start, *first, grade, m_layout);
     m_givenUp.assign(m_banks.size(), false);
     m_start = start->time;
     return true;
@@ -108,13 +112,15 @@ std::optional<SAlignment> CAlignment::Finish(const SStretch& stretch) {
 // With the noise that was found, as far as it is that of the grade and not of the vehicle's vibration.
 SSensorGrade CAlignment::GetGrade(std::size_t index) const {
     SSensorGrade grade = kSensorGrades[index];
-    grade.gyroNoise = std::clamp(m_noise.GetAngleNoise(), grade.gyroNoise, 3.0 * grade.gyroNoise);
+    grade.gyroNoise =
+        std::clamp(m_noise.GetAngleNoise(), kQuietest * grade.gyroNoise, kNoisiest * grade.gyroNoise);
     return grade;
 }
 
 CAlignment::SBackward CAlignment::FilterBackwards(const SStretch& reversed, const SFilterState& found,
                                                   const SSensorGrade& grade) const {
-    CInsFilter filter(Widened(found, grade).Reversed(), grade, CInsFilter::EMode::search);
+    CInsFilter filter(Widened(found, grade, m_layout).Reversed(m_layout), grade, CInsFilter::EMode::search,
+                      m_layout);
     CFixCursor cursor(reversed.fixes);
     cursor.SkipTo(-found.navigation.time - kSameTime);
     double distance = 0.0;
@@ -128,12 +134,12 @@ CAlignment::SBackward CAlignment::FilterBackwards(const SStretch& reversed, cons
         });
     }
     SBackward result;
-    result.start = filter.Get().Reversed();
+    result.start = filter.Get().Reversed(m_layout);
     result.misfit = components > 0 ? distance / components : 0.0;
     // The fixes of the stretch are met once more on the way forward. Half of the information that they gave
     // is kept for the start, so that together they do not count twice as much.
     const StateMatrix information =
-        result.start.covariance.inverse() + Widened(result.start, grade).covariance.inverse();
+        result.start.covariance.inverse() + Widened(result.start, grade, m_layout).covariance.inverse();
     result.start.covariance = 2.0 * information.inverse();
     result.start.covariance = (0.5 * (result.start.covariance + result.start.covariance.transpose())).eval();
     return result;

@@ -32,7 +32,9 @@ struct SAlignment {
 class CAlignment {
   public:
     // `goOn` is asked every second of the recording and ends the work when it answers false.
-    explicit CAlignment(std::function<bool()> goOn = [] { return true; });
+    // `layout`: states that the search has besides the fifteen.
+    explicit CAlignment(
+        std::function<bool()> goOn = [] { return true; }, const CStateLayout& layout = {});
 
     enum class EState : unsigned char { needsMore, settled, stopped };
 
@@ -58,6 +60,7 @@ class CAlignment {
                               const SSensorGrade& grade) const;
 
     std::function<bool()> m_goOn;
+    CStateLayout m_layout;
     std::vector<CHypothesisBank> m_banks; // by grade, finest first; empty until the first fix
     std::vector<bool> m_givenUp;          // by bank
     std::size_t m_active = 0;             // the finest that the noise allows and that has not been given up

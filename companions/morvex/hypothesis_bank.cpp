@@ -112,7 +112,7 @@ std::optional<SLevelStart> FindLevelStart(const SStretch& stretch, double needed
 }
 
 CHypothesisBank::CHypothesisBank(const SLevelStart& start, const SPositionFix& first,
-                                 const SSensorGrade& grade)
+                                 const SSensorGrade& grade, const CStateLayout& layout)
     : m_start(start),
       m_grade(grade),
       m_time(start.time),
@@ -132,13 +132,14 @@ CHypothesisBank::CHypothesisBank(const SLevelStart& start, const SPositionFix& f
             state.covariance.diagonal().segment<3>(group).setConstant(deviation * deviation);
         };
         const double noise = std::max({first.varianceNorth, first.varianceEast, first.varianceUp});
-        set(statePosition, kPositionDeviation + std::sqrt(noise) + 0.3 * first.leverArm.norm());
+        const double arm = layout.Find(EGroup::gpsArm) < 0 ? 0.0 : layout.GetRow(EGroup::gpsArm).deviation;
+        set(statePosition, kPositionDeviation + std::sqrt(noise) + 0.3 * first.leverArm.norm() + arm);
         set(stateVelocity, kVelocityDeviation);
         set(stateAttitude, kTiltDeviation);
         state.covariance(stateAttitude + 2, stateAttitude + 2) = kHeadingDeviation * kHeadingDeviation;
         set(stateGyroBias, grade.gyroBias);
         set(stateAccelBias, grade.accelBias);
-        m_hypotheses.push_back({CInsFilter(state, grade, CInsFilter::EMode::search), 0.0, 0.0, 0});
+        m_hypotheses.push_back({CInsFilter(state, grade, CInsFilter::EMode::search, layout), 0.0, 0.0, 0});
     }
 }
 

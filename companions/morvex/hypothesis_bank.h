@@ -26,7 +26,8 @@ std::optional<SLevelStart> FindLevelStart(const SStretch& stretch, double needed
 
 class CHypothesisBank {
   public:
-    CHypothesisBank(const SLevelStart& start, const SPositionFix& first, const SSensorGrade& grade);
+    CHypothesisBank(const SLevelStart& start, const SPositionFix& first, const SSensorGrade& grade,
+                    const CStateLayout& layout = {});
 
     // Runs all hypotheses over the samples up to `time`; false when `goOn` stopped it.
     bool RunTo(double time, const SStretch& stretch, const std::function<bool()>& goOn);

@@ -6,13 +6,14 @@
 namespace Morvex {
 namespace {
 
-constexpr int kCounterCycle = 6000;
 constexpr double kUsual = 0.3;       // share of the nominal span by which a good date may differ
 constexpr double kDoubled = 0.5;     // share: a packet so soon after another, with its counter, repeats it
 constexpr double kPull = 0.02;       // share of a late date's excess that the clock follows
 constexpr double kJittering = 0.2;   // share of unusual dates from which they all are taken for late
 constexpr double kJitterPull = 0.01; // share of one date in that
-constexpr double kClockPull = 0.01;  // share of one date in the clock, then
+constexpr double kEarlyPull = 0.1;   // share of an early date's excess in the clock, then
+constexpr double kLatePull = 0.001;  // the same of a late one: a recorder is late, never early
+constexpr double kRatePull = 0.0025; // share of a pull in the nominal span
 constexpr double kLatest = 0.25;     // s: beyond, a date is believed more than the counter
 constexpr double kMatching = 0.1;    // share of a hole by which counter and dates may differ
 
@@ -43,8 +44,9 @@ std::optional<CImuClock::SSpan> CImuClock::Add(double date, std::uint16_t counte
     m_jitter += kJitterPull * ((usual ? 0.0 : 1.0) - m_jitter);
     const double excess = since - steps * m_nominal;
     if (m_jitter > kJittering && steps > 0 && std::abs(excess) < kLatest) {
-        const double time = m_last + steps * m_nominal + kClockPull * excess;
-        m_nominal += 0.25 * kClockPull * kClockPull * excess;
+        const double pull = (excess < 0.0 ? kEarlyPull : kLatePull) * excess;
+        const double time = m_last + steps * m_nominal + std::max(pull, -0.5 * m_nominal);
+        m_nominal += kRatePull * pull / steps;
         return take(time, steps - 1);
     }
     // A counter that was made of rounded dates repeats and skips: a date in its place needs no counter.

@@ -6,6 +6,9 @@
 
 namespace Morvex {
 
+// The frame counter begins again at 0 after so many samples.
+inline constexpr int kCounterCycle = 6000;
+
 // Follows the dates of the packets. The dates are the recorder's and may be late, the counter is the unit's.
 class CImuClock {
   public:

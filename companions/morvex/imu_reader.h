@@ -7,6 +7,9 @@
 #include "morvex/packet_stream.h"
 #include "morvex/run_plan.h"
 
+#include <deque>
+#include <vector>
+
 namespace Morvex {
 
 class CImuReader {
@@ -28,6 +31,9 @@ class CImuReader {
         Vector3d velocity = Vector3d::Zero();
     };
     bool ReadRaw(SRaw& raw);
+    bool ProbeSpan();
+    // The next packet as a sample; its `gap` is not bridged.
+    bool Take(SImuSample& sample);
 
     CPacketStream m_stream;
     Matrix3d m_angleScale = Matrix3d::Identity();    // raw unit to rad in vessel axes
@@ -38,6 +44,9 @@ class CImuReader {
     double m_nominal = 0.0;
     CImuClock m_clock;
     CGapBridge m_bridge;
+    std::deque<SImuSample> m_ahead;   // taken, and not looked at yet
+    std::vector<SImuSample> m_filled; // of a hole, from m_nextFilled on
+    std::size_t m_nextFilled = 0;
 };
 
 } // namespace Morvex

@@ -24,7 +24,7 @@ constexpr double kQuickReacquisition = 0.2; // the share of that when automatic 
 
 } // namespace
 
-SFilterState SFilterState::Reversed() const {
+SFilterState SFilterState::Reversed(const CStateLayout& layout) const {
     SFilterState reversed = *this;
     reversed.direction = -direction;
     reversed.navigation.time = -navigation.time;
@@ -33,6 +33,10 @@ SFilterState SFilterState::Reversed() const {
     StateVector signs = StateVector::Ones(covariance.rows());
     signs.segment<3>(stateVelocity).setConstant(-1.0);
     signs.segment<3>(stateGyroBias).setConstant(-1.0);
+    if (const int lag = layout.Find(EGroup::gpsLag); lag >= 0) {
+        signs[lag] = -1.0;
+        reversed.sensors[lag - kStates] *= -1.0;
+    }
     reversed.covariance = signs.asDiagonal() * covariance * signs.asDiagonal();
     return reversed;
 }
@@ -92,12 +96,7 @@ CInsFilter::CInsFilter(const SFilterState& start, const SSensorGrade& grade, EMo
     if (had < size) {
         m_state.covariance.conservativeResizeLike(StateMatrix::Zero(size, size));
         m_state.sensors = StateVector::Zero(size - kStates);
-        for (const SGroupRow& any : kGroupRows) {
-            const SGroupRow& row = layout.GetRow(any.group);
-            const int first = layout.Find(any.group);
-            for (int i = 0; first >= 0 && i < row.size; ++i)
-                m_state.covariance(first + i, first + i) = row.deviation * row.deviation;
-        }
+        layout.SetDeviations(m_state.covariance);
     }
     m_transition = StateMatrix::Identity(size, size);
     m_corrected = StateVector::Zero(size);
@@ -274,12 +273,21 @@ SFixOutcome CInsFilter::Update(const SPositionFix& fix) {
     const Vector3d arm = navigation.attitude * vesselArm;
     outcome.innovation = MetresBetween(navigation.position, fix.position) - arm;
     if (biasState >= 0) outcome.innovation -= GetSensor3(EGroup::usblBias);
+    // A fix that is dated late shows where the antenna was before.
+    const int lagState = fix.source == 0 ? m_layout.Find(EGroup::gpsLag) : -1;
+    const double lag = lagState < 0 ? 0.0 : GetSensor(EGroup::gpsLag);
+    const Vector3d speed = navigation.velocity + navigation.attitude * m_strapdown.GetRate().cross(vesselArm);
+    if (lagState >= 0) outcome.innovation += lag * speed;
 
     Eigen::Matrix<double, 3, kMostStates> h = Eigen::Matrix<double, 3, kMostStates>::Zero();
     h.block<3, 3>(0, statePosition).setIdentity();
     h.block<3, 3>(0, stateAttitude) = -SkewOf(arm);
     if (armState >= 0) h.block<3, 3>(0, armState) = navigation.attitude.toRotationMatrix();
     if (biasState >= 0) h.block<3, 3>(0, biasState).setIdentity();
+    if (lagState >= 0) {
+        h.col(lagState).head<3>() = -speed;
+        h.block<3, 3>(0, stateVelocity) = -lag * Matrix3d::Identity();
+    }
 
     SObservation horizontal(2), vertical(1);
     horizontal.h.topRows<2>() = h.topRows<2>();

@@ -37,8 +37,9 @@ struct SFilterState {
     StateMatrix covariance = StateMatrix::Zero(kStates, kStates);
     double direction = 1.0; // -1 while time runs backwards
 
-    // The same knowledge for time running the other way: velocities and gyro biases change their signs.
-    SFilterState Reversed() const;
+    // The same knowledge for time running the other way: velocities, gyro biases and date lags change their
+    // signs. `layout`: of the sensors' states.
+    SFilterState Reversed(const CStateLayout& layout = {}) const;
 };
 
 // What became of one part, horizontal or vertical, of a fix.

@@ -18,6 +18,7 @@ struct SImuSample {
     Vector3d velocity = Vector3d::Zero(); // integral of the specific force, m/s
     // The share of the span for which data is missing and was bridged, s.
     double gap = 0.0;
+    double lost = 0.0; // length of the hole that begins with this span, s
     // How far the bridge may be off, by axis: standard deviations of its angle, rad, and its speed, m/s.
     Vector3d gapTurn = Vector3d::Zero();
     Vector3d gapSpeed = Vector3d::Zero();

@@ -19,11 +19,15 @@ using Outils_Temps::CDateTime;
 using Outils_Temps::CDateTimeSpan;
 using Outils_Texte::FormatFixed;
 
-constexpr double kLongestGap = 60.0; // s of missing inertial data that are bridged
 constexpr double kGapWithoutResult = 1.0;
 constexpr double kReadAhead = 30.0; // s, between two looks at the alignment
 constexpr double kGpsGap = 10.0;    // s, from which a gap is reported
 constexpr int kMostGapsTold = 50;
+constexpr double kLeastArm = 1.0;        // m: a difference that is worth a warning
+constexpr double kLeastLag = 0.02;       // s
+constexpr double kLeastScale = 0.02;     // one part in one: a difference that is worth a warning
+constexpr double kScaleSpan = 30.0;      // s, between two looks at the scales
+constexpr double kLagToWarnOf = 0.05;    // s
 constexpr double kHeightUnaided = 120.0; // s, after which the height is held
 constexpr double kHeightHoldSpan = 10.0;
 constexpr double kHeightHoldDeviation = 20.0;            // m, of the last height that was aided
@@ -65,63 +69,7 @@ SNavigation Between(const SNavigation& a, const SNavigation& b, double time) {
     return result;
 }
 
-// A result that waits for its smoothed errors: bytes for a temporary file of this process.
-struct SOutput {
-    double values[15];
-    std::uint32_t status1, status2, sensorData;
-    const char* sensor;
-    std::size_t sensorSize;
-
-    SOutput() = default;
-    SOutput(const SNavigation& n, const SResultContext& c)
-        : values{n.time,         n.position[0], n.position[1],  n.position[2],  n.velocity[0],
-                 n.velocity[1],  n.velocity[2], n.attitude.w(), n.attitude.x(), n.attitude.y(),
-                 n.attitude.z(), c.geoidHeight, c.rate[0],      c.rate[1],      c.rate[2]},
-          status1(c.status1),
-          status2(c.status2),
-          sensorData(c.sensorData),
-          sensor(c.sensor.data()),
-          sensorSize(c.sensor.size()) {}
-
-    SNavigation GetNavigation() const {
-        return {values[0],
-                {values[1], values[2], values[3]},
-                {values[4], values[5], values[6]},
-                Quaterniond(values[7], values[8], values[9], values[10])};
-    }
-    SResultContext GetContext() const {
-        SResultContext context;
-        context.geoidHeight = values[11];
-        context.rate = Vector3d(values[12], values[13], values[14]);
-        context.status1 = status1;
-        context.status2 = status2;
-        context.sensorData = sensorData;
-        context.sensor = std::string_view(sensor, sensorSize);
-        return context;
-    }
-};
-
 } // namespace
-
-// First what was read ahead for the alignment, then the files.
-class CNavigationRun::CFixSource {
-  public:
-    CFixSource(const SStretch& stretch, CFixReader& reader) : m_cursor(stretch.fixes), m_reader(reader) {}
-    const SPositionFix* Peek() const {
-        const SPositionFix* fix = m_cursor.Peek();
-        return fix ? fix : m_reader.Peek();
-    }
-    void Pop() {
-        if (m_cursor.Peek())
-            m_cursor.Pop();
-        else
-            m_reader.Pop();
-    }
-
-  private:
-    CFixCursor m_cursor;
-    CFixReader& m_reader;
-};
 
 // Positions and other packets in one order of time.
 class CNavigationRun::CItems {
@@ -159,12 +107,11 @@ CNavigationRun::CNavigationRun(const SRunPlan& plan, IRunMonitor& monitor)
     : m_plan(plan),
       m_monitor(monitor),
       m_layout(MakeStateLayout(plan)),
-      m_schedule(plan),
+      m_schedule(m_plan),
+      m_results(m_plan, m_result),
       m_fixMonitor(plan),
       m_smoothing(plan.backwardAsked) {
     m_contradicted.fill(std::nan(""));
-    for (const SAidingPlan& aiding : plan.aidings)
-        if (aiding.kind == EAiding::land) m_land = &aiding;
 }
 
 void CNavigationRun::Tell(ELevel level, EText code, std::initializer_list<std::string_view> arguments) {
@@ -181,9 +128,10 @@ ERunEnd CNavigationRun::Execute() {
         return ERunEnd::failed;
     }
     if (!m_plan.sensorsNotUsed.empty()) Tell(ELevel::warning, EText::sensorsNotUsed, {m_plan.sensorsNotUsed});
+    if (m_plan.heave == EHeave::none) Tell(ELevel::information, EText::heaveNotComputed);
+    Prepare();
     const std::filesystem::path folder = m_plan.output.parent_path();
-    if (m_smoothing &&
-        !(m_smoother.Open(folder, m_layout.GetSize()) && m_outputs.Open(folder, sizeof(SOutput)))) {
+    if (m_smoothing && !(m_smoother.Open(folder, m_layout.GetSize()) && m_results.OpenSpool(folder))) {
         Tell(ELevel::error, EText::temporaryFailed, {folder.string()});
         return ERunEnd::failed;
     }
@@ -194,7 +142,7 @@ ERunEnd CNavigationRun::Execute() {
         m_segmentEnded = false;
         const std::optional<SAlignment> alignment = Align(stretch);
         if (alignment && !m_stopped && !NavigateSegment(stretch, *alignment)) break;
-    } while (m_hasCarry && !m_stopped && !m_writeFailed);
+    } while (m_inputs.HasPutBack() && !m_stopped && !m_writeFailed);
 
     if (m_smoothing && m_navigated && !m_writeFailed && !Smooth() && !m_stopped) m_writeFailed = true;
     if (m_stopped) Tell(ELevel::information, EText::stopped);
@@ -218,18 +166,18 @@ bool CNavigationRun::OpenInputs() {
         Tell(ELevel::error, EText::ciphered);
         return false;
     }
-    if (!m_imu.Open(m_plan)) {
+    if (!m_inputs.OpenImu(m_plan)) {
         std::error_code error;
         const bool exists = std::filesystem::is_regular_file(m_plan.imu.path, error);
         Tell(ELevel::error, exists ? EText::noInertialData : EText::noMainFile, {m_plan.imu.path.string()});
         return false;
     }
-    const std::vector<int> missing = m_fixes.Open(m_plan);
+    const std::vector<int> missing = m_inputs.OpenFixes();
     for (const int number : missing)
         Tell(ELevel::warning, EText::gpsChannelMissing,
              {m_plan.gps[static_cast<std::size_t>(number)].source.channel,
               m_plan.gps[static_cast<std::size_t>(number)].source.path.string()});
-    if (!m_fixes.HasSources()) {
+    if (!m_inputs.GetFixes().HasSources()) {
         Tell(ELevel::error, EText::noGps);
         return false;
     }
@@ -238,17 +186,68 @@ bool CNavigationRun::OpenInputs() {
              {aiding->source.channel, aiding->source.path.string()});
     m_marks.Open(m_plan);
     SImuSample first;
-    if (!NextSample(first)) {
+    if (!m_inputs.NextSample(first)) {
         Tell(ELevel::error, EText::noInertialData, {m_plan.imu.path.string()});
         return false;
     }
-    m_carry = first;
-    m_hasCarry = true;
+    m_inputs.PutBack(first);
     m_begin = m_time = first.time;
     double last = m_begin;
-    m_imu.GetStream().GetLastDate(last);
+    m_inputs.GetImu().GetStream().GetLastDate(last);
     m_end = m_plan.end ? std::min(*m_plan.end, last) : last;
     return true;
+}
+
+void CNavigationRun::Prepare() {
+    const auto goOn = [this] {
+        m_stopped = m_stopped || !m_monitor.GoOn();
+        return !m_stopped;
+    };
+    const auto mounting = ProbeMounting(m_plan, goOn);
+    if (mounting && !m_stopped) UseMounting(*mounting);
+    // The readers hold pointers into the plan, and its dates may have moved.
+    SImuSample first;
+    if (!m_inputs.OpenImu(m_plan) || !m_inputs.NextSample(first)) return;
+    m_inputs.PutBack(first);
+    m_inputs.OpenFixes();
+    m_aidings.Open(m_plan);
+    m_layout = MakeStateLayout(m_plan);
+    m_fixMonitor = CFixMonitor(m_plan);
+    for (const SAidingPlan& aiding : m_plan.aidings)
+        if (aiding.kind == EAiding::land) m_land = &aiding;
+}
+
+void CNavigationRun::UseMounting(const SMounting& mounting) {
+    SGpsPlan& gps = m_plan.gps.front();
+    const bool isForgotten = gps.leverArm.isZero();
+    Vector3d arm = Vector3d::Zero();
+    double deviation = 0.0;
+    for (Eigen::Index i = 0; i < 3; ++i)
+        if (IsCertain(mounting.arm[i], mounting.armDeviation[i], kLeastArm)) {
+            arm[i] = mounting.arm[i];
+            deviation = std::max(deviation, mounting.armDeviation[i]);
+        }
+    if (!arm.isZero()) {
+        Tell(ELevel::warning, isForgotten ? EText::gpsArmFound : EText::gpsArmDiffers,
+             {gps.source.channel, FormatFixed(arm.x(), 2), FormatFixed(arm.y(), 2), FormatFixed(arm.z(), 2),
+              FormatFixed(deviation, 2)});
+        gps.leverArm += arm;
+        m_plan.gpsArmDeviation = 2.0 * deviation;
+    }
+    if (IsCertain(mounting.lag, mounting.lagDeviation, kLeastLag)) {
+        // A recorder dates late and never early: fixes that seem early show that the inertial packets are
+        // late.
+        const bool fixesAreLate = mounting.lag > 0.0;
+        const double late = std::abs(mounting.lag);
+        Tell(late > kLagToWarnOf ? ELevel::warning : ELevel::information,
+             fixesAreLate ? EText::gpsLag : EText::imuLag,
+             {gps.source.channel, FormatFixed(late, 3), FormatFixed(mounting.lagDeviation, 3)});
+        SChannelPlan& source = fixesAreLate ? gps.source : m_plan.imu;
+        source.timeOffset -= late;
+        m_plan.gpsLagDeviation = 2.0 * mounting.lagDeviation;
+    }
+    if (mounting.isOnWheels && !m_plan.inAir && AddLandModel(m_plan))
+        Tell(ELevel::information, EText::landAssumed, {FormatFixed(m_begin, 1)});
 }
 
 void CNavigationRun::FindUtcOrigin() {
@@ -271,62 +270,13 @@ void CNavigationRun::FindUtcOrigin() {
     Tell(ELevel::warning, EText::noUtc);
 }
 
-bool CNavigationRun::NextSample(SImuSample& sample) {
-    if (m_hasCarry) {
-        sample = m_carry;
-        m_hasCarry = false;
-        return true;
-    }
-    while (m_imu.Next(sample)) {
-        if (m_plan.begin && sample.time <= *m_plan.begin) continue;
-        return !m_plan.end || sample.time <= *m_plan.end;
-    }
-    return false;
-}
-
-// Adds up to so many seconds to the stretch. False when the data, or the segment, ends.
-bool CNavigationRun::ReadAhead(SStretch& stretch, double seconds) {
-    SImuSample sample;
-    double until = 0.0;
-    bool more = true;
-    for (bool first = true;; first = false) {
-        if (!NextSample(sample)) {
-            more = false;
-            break;
-        }
-        if (stretch.samples.empty()) {
-            // Nothing is known of what was before the first sample.
-            if (sample.gap > 0.0) {
-                const double nominal = sample.span - sample.gap;
-                sample = {sample.time, nominal, sample.angle * (nominal / sample.span),
-                          sample.velocity * (nominal / sample.span), 0.0};
-            }
-            while (m_fixes.Peek() && m_fixes.Peek()->time < sample.time - sample.span) m_fixes.Pop();
-        } else if (sample.gap > kLongestGap) {
-            m_carry = sample;
-            m_hasCarry = true;
-            more = false;
-            break;
-        }
-        if (first) until = sample.time + seconds;
-        stretch.samples.push_back(sample);
-        if (sample.time >= until) break;
-    }
-    if (stretch.samples.empty()) return false;
-    while (m_fixes.Peek() && m_fixes.Peek()->time <= stretch.samples.back().time) {
-        stretch.fixes.push_back(*m_fixes.Peek());
-        m_fixes.Pop();
-    }
-    return more;
-}
-
 std::optional<SAlignment> CNavigationRun::Align(SStretch& stretch) {
     CAlignment alignment([this] {
         m_stopped = m_stopped || !m_monitor.GoOn();
         return !m_stopped;
     });
     for (;;) {
-        const bool more = ReadAhead(stretch, kReadAhead);
+        const bool more = m_inputs.ReadAhead(stretch, kReadAhead);
         m_segmentEnded = !more;
         if (stretch.samples.empty()) return std::nullopt;
         m_time = stretch.samples.front().time;
@@ -361,7 +311,7 @@ std::optional<SAlignment> CNavigationRun::Align(SStretch& stretch) {
 
 bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& alignment) {
     CInsFilter filter(alignment.start, alignment.grade, CInsFilter::EMode::navigation, m_layout);
-    CFixSource fixes(stretch, m_fixes);
+    CFixSource fixes(stretch, m_inputs.GetFixes());
     CItems items(fixes, m_aidings);
     const double begin = filter.GetNavigation().time;
     m_aidings.SkipTo(begin);
@@ -370,22 +320,29 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
     m_heldHeight = filter.GetNavigation().position[2];
     m_nextRest = begin + kRestSpan;
     m_nextLand = begin + kLandSpan;
+    m_nextScales = begin + kScaleSpan;
     m_lastFix = begin;
     if (!stretch.fixes.empty()) m_fixMonitor.SetGeoidHeight(stretch.fixes.front().geoidHeight);
     while (m_marks.Peek() && m_marks.Peek()->time < begin) m_marks.Pop();
     m_navigated = true;
     BeginEpoch(filter);
     EndEpoch(filter, true);
+    const bool goesOn = NavigateAll(filter, stretch, items);
+    if (!m_results.Flush()) m_writeFailed = true;
+    m_estimates = DescribeEstimates(filter, m_plan);
+    return goesOn;
+}
+
+bool CNavigationRun::NavigateAll(CInsFilter& filter, const SStretch& stretch, CItems& items) {
     for (const SImuSample& sample : stretch.samples)
         if (!NavigateSample(filter, sample, items)) return false;
     if (m_segmentEnded) return true;
     SImuSample sample;
-    while (NextSample(sample)) {
-        if (sample.gap > kLongestGap) {
+    while (m_inputs.NextSample(sample)) {
+        if (sample.gap > CRunInputs::kLongestGap) {
             Tell(ELevel::warning, EText::imuGap,
                  {FormatFixed(sample.time - sample.gap, 1), FormatFixed(sample.time, 1)});
-            m_carry = sample;
-            m_hasCarry = true;
+            m_inputs.PutBack(sample);
             return true;
         }
         if (!NavigateSample(filter, sample, items)) return false;
@@ -394,9 +351,11 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
 }
 
 bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample, CItems& items) {
+    if (sample.lost > kGapWithoutResult) {
+        const double begin = sample.time - sample.span;
+        Tell(ELevel::warning, EText::imuGap, {FormatFixed(begin, 1), FormatFixed(begin + sample.lost, 1)});
+    }
     if (sample.gap > kGapWithoutResult) {
-        Tell(ELevel::warning, EText::imuGap,
-             {FormatFixed(sample.time - sample.gap, 1), FormatFixed(sample.time, 1)});
         m_nextOutput = m_schedule.GetNextAfter(sample.time - 1e-6);
         while (m_marks.Peek() && m_marks.Peek()->time < sample.time) m_marks.Pop();
     }
@@ -420,7 +379,9 @@ bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample
     if (m_time >= m_nextRest) change(m_time, [&] { ObserveRest(filter); });
     if (m_land && m_time >= m_nextLand) change(m_time, [&] { ObserveLand(filter); });
     if (m_time >= m_nextHeightHold) change(m_time, [&] { ObserveHeight(filter); });
+    if (m_time >= m_nextScales) WatchScales(filter);
     if (m_smoothing && m_time - m_lastEpoch >= kEpochSpan) change(m_time, [] {});
+    m_results.AddMotion(filter.GetStrapdown());
     if (!WriteBetween(filter, before, m_time + kJustBefore) || m_writeFailed) return false;
     if (++m_samplesSinceAlive < kSamplesPerLook) return true;
     m_samplesSinceAlive = 0;
@@ -436,6 +397,11 @@ void CNavigationRun::Use(CInsFilter& filter, const SPositionFix& fix) {
 
 EFixResult CNavigationRun::Use(CInsFilter& filter, const SAiding& aiding) {
     const EHeightAid* aid = FindInForce(m_plan.heightAids, aiding.time);
+    if (m_watch.IsJammed(aiding)) {
+        if (const auto since = m_watch.TakeJam(aiding.kind))
+            Tell(ELevel::warning, EText::sensorJammed, {aiding.plan->source.channel, FormatFixed(*since, 1)});
+        return EFixResult::notTaken;
+    }
     const bool otherHeight = aid && (*aid == EHeightAid::gps || *aid == EHeightAid::reference);
     if (aiding.kind == EAiding::depth && otherHeight) return EFixResult::notTaken;
     const SNavigation& navigation = filter.GetNavigation();
@@ -445,11 +411,35 @@ EFixResult CNavigationRun::Use(CInsFilter& filter, const SAiding& aiding) {
     context.rate = filter.GetStrapdown().GetRate() - navigation.attitude.conjugate() * earth.earthRate;
     SFixOutcome outcome;
     double& since = m_contradicted[static_cast<std::size_t>(aiding.kind)];
+    const bool isLog = aiding.kind == EAiding::dvlBottom;
+    if (isLog) WatchDirection(filter, aiding, context);
     const EFixResult result = filter.Observe(ObserveAiding(aiding, filter, context), since, outcome);
+    if (const auto from = m_watch.TakeContradiction(aiding.kind, aiding.time, result);
+        from && aiding.kind != EAiding::land)
+        Tell(ELevel::warning, EText::sensorContradicts, {aiding.plan->source.channel, FormatFixed(*from, 1)});
     m_fixMonitor.Add(aiding, result, outcome);
     if (aiding.kind == EAiding::depth && result == EFixResult::accepted)
         m_heldHeight = filter.GetNavigation().position[2];
     return result;
+}
+
+// A log that is mounted turned is turned back in the plan, for the bottom and for the water.
+void CNavigationRun::WatchDirection(CInsFilter& filter, const SAiding& aiding,
+                                    const SAidingContext& context) {
+    if (HeadingDeviation(filter.Get()) > kLandHeading || m_time - m_fixMonitor.GetLastUsed() > kGpsGap)
+        return;
+    const SNavigation& navigation = filter.GetNavigation();
+    const Vector3d speed =
+        navigation.attitude.conjugate() * navigation.velocity + context.rate.cross(aiding.plan->leverArm);
+    m_watch.AddDirection(aiding.kind, aiding.value, aiding.plan->sensorToVessel.transpose() * speed);
+    const auto turn = m_watch.TakeTurn(aiding.kind);
+    if (!turn) return;
+    Tell(ELevel::warning, EText::sensorTurned,
+         {aiding.plan->source.channel, FormatFixed(*turn / kRadiansPerDegree, 0)});
+    const Matrix3d back = Eigen::AngleAxisd(*turn, Vector3d::UnitZ()).toRotationMatrix();
+    for (SAidingPlan& plan : m_plan.aidings)
+        if (plan.kind == EAiding::dvlBottom || plan.kind == EAiding::dvlWater)
+            plan.sensorToVessel = plan.sensorToVessel * back;
 }
 
 void CNavigationRun::ObserveRest(CInsFilter& filter) {
@@ -493,6 +483,34 @@ void CNavigationRun::ObserveHeight(CInsFilter& filter) {
     }
 }
 
+// A scale that is far from what is stated is reported as soon as it is certain.
+void CNavigationRun::WatchScales(CInsFilter& filter) {
+    m_nextScales = m_time + kScaleSpan;
+    struct SScale {
+        EGroup group;
+        EAiding kind;
+    };
+    constexpr SScale kScales[] = {{EGroup::dvlScale, EAiding::dvlBottom},
+                                  {EGroup::emLogScale, EAiding::emLog},
+                                  {EGroup::odometerScale, EAiding::odometer}};
+    for (const SScale& row : kScales) {
+        const int state = filter.GetLayout().Find(row.group);
+        bool& isReported = m_scaleReported[static_cast<std::size_t>(row.kind)];
+        if (state < 0 || isReported) continue;
+        const double scale = filter.GetSensor(row.group);
+        const double deviation = std::sqrt(filter.Get().covariance(state, state));
+        if (!IsCertain(scale, deviation, kLeastScale)) continue;
+        isReported = true;
+        Tell(ELevel::warning, EText::sensorScaled,
+             {GetChannel(row.kind), FormatFixed(100.0 * scale, 1), FormatFixed(100.0 * deviation, 1)});
+    }
+}
+
+std::string_view CNavigationRun::GetChannel(EAiding kind) const {
+    const auto plan = std::ranges::find(m_plan.aidings, kind, &SAidingPlan::kind);
+    return plan == m_plan.aidings.end() ? std::string_view() : std::string_view(plan->source.channel);
+}
+
 void CNavigationRun::BeginEpoch(CInsFilter& filter) {
     if (!m_smoothing) return;
     m_epoch.before = filter.Get().covariance;
@@ -525,7 +543,7 @@ bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before,
             context.sensor = mark->channel;
             context.sensorData = mark->data;
         }
-        if (!WriteResult(Between(before, filter.GetNavigation(), time), covariance, context)) {
+        if (!m_results.Add(Between(before, filter.GetNavigation(), time), covariance, context)) {
             m_writeFailed = true;
             return false;
         }
@@ -534,13 +552,6 @@ bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before,
         else
             m_nextOutput = m_schedule.GetNextAfter(m_nextOutput);
     }
-}
-
-bool CNavigationRun::WriteResult(const SNavigation& navigation, const NavigationCovariance& covariance,
-                                 const SResultContext& context) {
-    if (!m_smoothing) return m_result.Write(navigation, covariance, context);
-    const SOutput output(navigation, context);
-    return m_outputs.Append(&output);
 }
 
 // The passes after the forward one: backwards over the epochs, and forward over the results that wait.
@@ -559,26 +570,8 @@ bool CNavigationRun::Smooth() {
     if (!m_smoother.Run([&](double share) { return goOn(kForwardShare + kBackwardShare * share); }))
         return false;
     constexpr double kBefore = kForwardShare + kBackwardShare;
-    for (std::int64_t i = 0; i < m_outputs.GetCount(); ++i) {
-        if (i % 256 == 0) {
-            const double share = static_cast<double>(i) / static_cast<double>(m_outputs.GetCount());
-            if (!goOn(std::min(kBefore + (1.0 - kBefore) * share, 0.999)) || !m_result.FlushIfDue())
-                return false;
-        }
-        const std::uint8_t* bytes = m_outputs.Read(i);
-        if (!bytes) return false;
-        SOutput output;
-        std::memcpy(&output, bytes, sizeof output);
-        NavigationErrors errors;
-        NavigationCovariance covariance;
-        SNavigation navigation = output.GetNavigation();
-        if (!m_smoother.GetErrors(navigation.time, errors, covariance)) return false;
-        CStrapdown corrected(navigation);
-        corrected.Correct(errors.segment<3>(statePosition), errors.segment<3>(stateVelocity),
-                          errors.segment<3>(stateAttitude));
-        if (!m_result.Write(corrected.Get(), covariance, output.GetContext())) return false;
-    }
-    return true;
+    return m_results.WriteSmoothed(
+        m_smoother, [&](double share) { return goOn(std::min(kBefore + (1.0 - kBefore) * share, 0.999)); });
 }
 
 // Tells a gap between the last fix that was used and this time, if there was one.
@@ -601,7 +594,7 @@ bool CNavigationRun::KeepAlive(double time) {
 void CNavigationRun::Finish() {
     if (!m_navigated) return;
     TellGpsGap(m_time);
-    if (const int damages = m_imu.GetStream().GetDamageCount(); damages > 0)
+    if (const int damages = m_inputs.GetImu().GetStream().GetDamageCount(); damages > 0)
         Tell(ELevel::warning, EText::damaged, {std::to_string(damages)});
     if (m_fixMonitor.GetRejectedCount() > 0)
         Tell(ELevel::warning, EText::rejectedFixes,
@@ -611,6 +604,8 @@ void CNavigationRun::Finish() {
              {channel, std::to_string(use.used), std::to_string(use.rejected),
               FormatFixed(use.components > 0 ? use.distance / use.components : 0.0, 2)});
     });
+    for (const SEstimateText& estimate : m_estimates)
+        Tell(ELevel::information, EText::sensorEstimates, {estimate.channel, estimate.text});
     if (m_gaps > 0 && !m_smoothing) Tell(ELevel::information, EText::smoothable, {std::to_string(m_gaps)});
     if (!m_result.WriteMessage(m_time, static_cast<int>(ELevel::information), MakeFinishedText()))
         m_writeFailed = true;

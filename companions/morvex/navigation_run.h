@@ -5,15 +5,17 @@
 #include "foundation/texts.h"
 #include "morvex/aiding.h"
 #include "morvex/alignment.h"
+#include "morvex/estimates.h"
 #include "morvex/fix_monitor.h"
-#include "morvex/fix_reader.h"
-#include "morvex/imu_reader.h"
 #include "morvex/mark_reader.h"
+#include "morvex/mounting_probe.h"
 #include "morvex/output_schedule.h"
+#include "morvex/result_queue.h"
 #include "morvex/result_writer.h"
+#include "morvex/run_inputs.h"
 #include "morvex/run_plan.h"
+#include "morvex/sensor_watch.h"
 #include "morvex/smoother.h"
-#include "morvex/spool.h"
 
 #include <array>
 #include <initializer_list>
@@ -32,32 +34,34 @@ using Compagnon::IRunMonitor;
 // navigation ends and a new alignment begins. One thread.
 class CNavigationRun {
   public:
-    // Both must outlive the run.
+    // The monitor must outlive the run.
     CNavigationRun(const SRunPlan& plan, IRunMonitor& monitor);
 
     // Everything. What went wrong has gone to the monitor.
     ERunEnd Execute();
 
   private:
-    class CFixSource;
     class CItems;
 
     bool OpenInputs();
+    // Looks for settings that are forgotten or wrong, and sets them right in the plan.
+    void Prepare();
+    void UseMounting(const SMounting& mounting);
     void FindUtcOrigin();
-    bool NextSample(SImuSample& sample);
-    bool ReadAhead(SStretch& stretch, double seconds);
     std::optional<SAlignment> Align(SStretch& stretch);
     bool NavigateSegment(const SStretch& stretch, const SAlignment& alignment);
+    bool NavigateAll(CInsFilter& filter, const SStretch& stretch, CItems& items);
     bool NavigateSample(CInsFilter& filter, const SImuSample& sample, CItems& items);
     void Use(CInsFilter& filter, const SPositionFix& fix);
     EFixResult Use(CInsFilter& filter, const SAiding& aiding);
+    void WatchDirection(CInsFilter& filter, const SAiding& aiding, const SAidingContext& context);
+    void WatchScales(CInsFilter& filter);
+    std::string_view GetChannel(EAiding kind) const;
     void ObserveRest(CInsFilter& filter);
     void ObserveLand(CInsFilter& filter);
     void ObserveHeight(CInsFilter& filter);
     // Writes what is wanted up to `until`, interpolated from `before` to the filter's state.
     bool WriteBetween(CInsFilter& filter, const SNavigation& before, double until);
-    bool WriteResult(const SNavigation& navigation, const NavigationCovariance& covariance,
-                     const SResultContext& context);
     // What the pass backwards needs of a date: around every change of the filter's state.
     void BeginEpoch(CInsFilter& filter);
     void EndEpoch(CInsFilter& filter, bool begins = false);
@@ -68,25 +72,26 @@ class CNavigationRun {
     std::string MakeFinishedText() const;
     void Tell(ELevel level, EText code, std::initializer_list<std::string_view> arguments = {});
 
-    const SRunPlan& m_plan;
+    SRunPlan m_plan;
     IRunMonitor& m_monitor;
-    CImuReader m_imu;
-    CFixReader m_fixes;
+    CRunInputs m_inputs;
     CAidingReader m_aidings;
     CStateLayout m_layout;
     CMarkReader m_marks;
     COutputSchedule m_schedule;
     CResultWriter m_result;
+    CResultQueue m_results;
     CFixMonitor m_fixMonitor;
+    CSensorWatch m_watch;
+    std::vector<SEstimateText> m_estimates; // of the last segment
+    double m_nextScales = 0.0;              // s
+    std::array<bool, static_cast<std::size_t>(EAiding::count)> m_scaleReported{};
     // With the algorithm Backward the results wait for their smoothed errors.
     bool m_smoothing = false;
     CSmoother m_smoother;
-    CSpool m_outputs;
     SEpoch m_epoch;
     double m_lastEpoch = 0.0;
     std::array<double, static_cast<std::size_t>(EAiding::count)> m_contradicted{}; // since when, by kind
-    SImuSample m_carry; // the first sample after a long gap
-    bool m_hasCarry = false;
     bool m_segmentEnded = false;
     bool m_stopped = false;
     bool m_writeFailed = false;

@@ -23,12 +23,13 @@ void Put(CXpfPacket& packet, std::uint32_t offset, Value value) {
 constexpr std::uint32_t At(std::string_view name) { return kMorvexStdLayout.OffsetOf(name); }
 
 struct SPointFields {
-    std::uint32_t latitude, longitude, altitude;
+    std::uint32_t latitude, longitude, altitude, heave;
 };
-constexpr std::array<SPointFields, 4> kPoints{{{At("Latitude0"), At("Longitude0"), At("Altitude0")},
-                                               {At("Latitude1"), At("Longitude1"), At("Altitude1")},
-                                               {At("Latitude2"), At("Longitude2"), At("Altitude2")},
-                                               {At("Latitude3"), At("Longitude3"), At("Altitude3")}}};
+constexpr std::array<SPointFields, 4> kPoints{
+    {{At("Latitude0"), At("Longitude0"), At("Altitude0"), At("Heave0")},
+     {At("Latitude1"), At("Longitude1"), At("Altitude1"), At("Heave1")},
+     {At("Latitude2"), At("Longitude2"), At("Altitude2"), At("Heave2")},
+     {At("Latitude3"), At("Longitude3"), At("Altitude3"), At("Heave3")}}};
 
 double Deviation(double variance) { return std::sqrt(std::max(variance, 0.0)); }
 
@@ -61,6 +62,7 @@ bool CResultWriter::Write(const SNavigation& navigation, const NavigationCovaria
         Put(m_packet, kPoints[i].longitude, position[1] / kRadiansPerDegree);
         const double altitude = position[2] - (m_plan->aboveGeoid ? context.geoidHeight : 0.0);
         Put(m_packet, kPoints[i].altitude, static_cast<float>(altitude));
+        Put(m_packet, kPoints[i].heave, static_cast<float>(context.heave[i]));
     }
     const Vector3d againstEarth = context.rate - toLevel.transpose() * earth.earthRate;
     const Vector3d velocity = navigation.velocity + toLevel * againstEarth.cross(m_plan->points[0]);

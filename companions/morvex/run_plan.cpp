@@ -17,7 +17,7 @@ namespace {
 using namespace Metier_Tarvel;
 
 constexpr std::uint64_t kLargestParameterFile = 256u << 20;
-constexpr std::int32_t kSaturationLand = 1; // the first of its words
+constexpr std::int32_t kSaturationLand = 1, kSaturationAir = 3; // the first and the last of its words
 
 double Seconds(CDateTime stored) { return ToSpan(stored).GetTotalSeconds(); }
 
@@ -177,6 +177,18 @@ void AddSensors(const CTrvSimulationParameters& parameters, SRunPlan& plan) {
     plan.gps.insert(plan.gps.end(), usbls.begin(), usbls.end());
 }
 
+// None as well for a unit that is sold without heave.
+EHeave GetHeave(const CTrvSimulationParameters& parameters) {
+    constexpr std::int32_t kWithHeave = 1;
+    const CTrvNelixConfiguration* ins = parameters.nelixConfiguration.get();
+    if (ins && ins->type && ins->type->algorithm > kWithHeave) return EHeave::none;
+    switch (parameters.heaveAlgorithm) {
+    case 1: return EHeave::causal;
+    case 2: return EHeave::zeroPhase;
+    default: return EHeave::none;
+    }
+}
+
 } // namespace
 
 std::unique_ptr<CTrvSimulationParameters> LoadParameters(const std::filesystem::path& path) {
@@ -209,6 +221,18 @@ EUse CombineUse(std::uint8_t rejection, const ERejection* instruction) {
     }
 }
 
+bool AddLandModel(SRunPlan& plan) {
+    const auto says = [](const SAidingPlan& aiding) {
+        return aiding.kind == EAiding::odometer || aiding.kind == EAiding::land;
+    };
+    if (std::ranges::any_of(plan.aidings, says)) return false;
+    SAidingPlan land;
+    land.kind = EAiding::land;
+    land.source.channel = Outils_Texte::GetText(EText::landModel);
+    plan.aidings.push_back(std::move(land));
+    return true;
+}
+
 SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
     SRunPlan plan;
     plan.imu = {parameters.mainInputFile->path, "IMU", Seconds(parameters.mainInputFile->timeOffset)};
@@ -237,6 +261,12 @@ SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
     plan.referenceAltitude = parameters.referencePosition.altitude;
     plan.aboveGeoid = parameters.gpsAltitudeReference == altitudeGeoid;
     plan.backwardAsked = parameters.algorithm == algorithmBackward;
+    plan.heave = GetHeave(parameters);
+    // In the order of the words: slight, moderate, rough, harbours, automatic. Longer swell needs a slower
+    // filter, and shows more of the unit's noise.
+    constexpr double kPeriods[] = {150.0, 200.0, 240.0, 150.0, 200.0};
+    if (parameters.heaveSeaState >= 0 && parameters.heaveSeaState < 5)
+        plan.heavePeriod = kPeriods[parameters.heaveSeaState];
     if (parameters.hasUtcReference) plan.utcOrigin = parameters.utcReference;
 
     if (const CTrvNelixConfiguration* ins = parameters.nelixConfiguration.get()) {
@@ -245,19 +275,13 @@ SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
                             MatrixOfMisalignment(ins->factoryMisalignment);
         plan.ciphered = ins->imuCipherMode != 0;
         plan.onLand = ins->type && ins->type->saturation == kSaturationLand;
+        plan.inAir = ins->type && ins->type->saturation == kSaturationAir;
         plan.userToVessel = MatrixOfMisalignment(ins->userMisalignment);
         plan.points = {VectorOf(ins->primaryLeverArm), VectorOf(ins->secondaryLeverArmA),
                        VectorOf(ins->secondaryLeverArmB), VectorOf(ins->secondaryLeverArmC)};
     }
     AddSensors(parameters, plan);
-    // An odometer says the same, and at which rate.
-    const auto isOdometer = [](const SAidingPlan& aiding) { return aiding.kind == EAiding::odometer; };
-    if (plan.onLand && std::ranges::none_of(plan.aidings, isOdometer)) {
-        SAidingPlan land;
-        land.kind = EAiding::land;
-        land.source.channel = Outils_Texte::GetText(EText::landModel);
-        plan.aidings.push_back(std::move(land));
-    }
+    if (plan.onLand) AddLandModel(plan);
     return plan;
 }
 

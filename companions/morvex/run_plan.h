@@ -2,6 +2,7 @@
 #pragma once
 
 #include "foundation/date_time.h"
+#include "morvex/heave_filter.h"
 #include "morvex/measurements.h"
 #include "morvex/rotation.h"
 
@@ -101,6 +102,8 @@ struct SRunPlan {
     Matrix3d userToVessel = Matrix3d::Identity(); // axes whose attitude is written
     std::vector<SGpsPlan> gps;                    // at most three, then at most three USBL
     std::vector<SAidingPlan> aidings;
+    double gpsArmDeviation = 0.0;                     // of the first GPS's lever arm, m; 0: the usual
+    double gpsLagDeviation = 0.0;                     // of its date lag, s; 0: it has none
     double currentDeviation = 0.0, currentTime = 0.0; // of the water, m/s and s; 0: the usual
     std::vector<SInPeriod<double>> atRest;            // periods without speed: its standard deviation, m/s
     std::vector<SInPeriod<EHeightAid>> heightAids;
@@ -118,13 +121,20 @@ struct SRunPlan {
     std::optional<Outils_Temps::CDateTime> utcOrigin;
 
     bool backwardAsked = false;
+    EHeave heave = EHeave::none;
+    double heavePeriod = 200.0; // s, of the causal filter
     bool ciphered = false;
     bool onLand = false;        // the unit is one for vehicles on wheels
+    bool inAir = false;         // the unit is one for aircraft
     std::string sensorsNotUsed; // labels of the kinds that are declared and that this engine does not use
 };
 
 // Reads the single object of a parameter file; null when it cannot be read or is something else.
 std::unique_ptr<Metier_Tarvel::CTrvSimulationParameters> LoadParameters(const std::filesystem::path& path);
+
+// Adds what is known of a vehicle on wheels, unless an odometer says the same, and at which rate. True when
+// it was added.
+bool AddLandModel(SRunPlan& plan);
 
 SRunPlan MakeRunPlan(const Metier_Tarvel::CTrvSimulationParameters& parameters);
 

@@ -11,7 +11,8 @@ inline constexpr int kStates = 15;
 inline constexpr int kMostStates = 40;
 
 enum class EGroup : std::uint8_t {
-    gpsArm,        // lever arm of the first GPS, vessel axes, m
+    gpsArm,        // of the first GPS beyond the lever arm that is stated, vessel axes, m
+    gpsLag,        // by which the fixes of the first GPS are dated late, s
     dvlScale,      // one part in one
     dvlTurn,       // misalignment of the Doppler log, rad, vessel axes
     current,       // of the water, north and west, m/s
@@ -35,6 +36,7 @@ struct SGroupRow {
 // In the order of EGroup. A plan may state another deviation and time.
 inline constexpr std::array<SGroupRow, static_cast<std::size_t>(EGroup::count)> kGroupRows{{
     {EGroup::gpsArm, 3, 0.05, 0.0, 0.0},
+    {EGroup::gpsLag, 1, 0.005, 0.0, 0.0},
     {EGroup::dvlScale, 1, 0.005, 0.0, 0.0},
     {EGroup::dvlTurn, 3, 0.01, 0.0, 0.0},
     {EGroup::current, 2, 0.5, 0.0, 3600.0},
@@ -42,7 +44,7 @@ inline constexpr std::array<SGroupRow, static_cast<std::size_t>(EGroup::count)> 
     {EGroup::depthBias, 1, 0.5, 0.0, 7200.0},
     {EGroup::usblBias, 3, 0.3, 0.0, 1800.0},
     {EGroup::soundScale, 1, 0.003, 0.0, 0.0},
-    {EGroup::odometerScale, 1, 0.03, 0.0, 0.0},
+    {EGroup::odometerScale, 1, 0.1, 0.0, 0.0},
     {EGroup::odometerTurn, 2, 0.03, 0.0, 0.0},
 }};
 
@@ -66,6 +68,15 @@ class CStateLayout {
     // The first state of a group; -1 when the filter has none of it.
     int Find(EGroup group) const { return m_first[static_cast<std::size_t>(group)]; }
     const SGroupRow& GetRow(EGroup group) const { return m_rows[static_cast<std::size_t>(group)]; }
+    // Puts the groups' variances at the start on the diagonal of a covariance of GetSize().
+    template <class Matrix>
+    void SetDeviations(Matrix& covariance) const {
+        for (const SGroupRow& row : m_rows)
+            for (int i = 0; Find(row.group) >= 0 && i < row.size; ++i) {
+                const int at = Find(row.group) + i;
+                covariance(at, at) = row.deviation * row.deviation;
+            }
+    }
     // All states, the fifteen included.
     int GetSize() const { return m_size; }
 

@@ -29,6 +29,8 @@ void CStrapdown::Advance(const SImuSample& sample) {
 
     MovePosition(m_navigation.position, (m_navigation.velocity + 0.5 * change) * dt, earth);
     m_navigation.velocity += change;
+    m_freeHeight += (m_freeSpeed + 0.5 * change.z()) * dt;
+    m_freeSpeed += change.z();
     m_navigation.attitude =
         (RotationOf(-levelRotation) * m_navigation.attitude * RotationOf(rotation)).normalized();
     m_navigation.time = sample.time;

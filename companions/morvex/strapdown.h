@@ -32,6 +32,8 @@ class CStrapdown {
     // Rates and specific force of the last sample, vessel axes, rad/s and m/s².
     const Vector3d& GetRate() const { return m_rate; }
     const Vector3d& GetForce() const { return m_force; }
+    // The height that the samples alone give, from 0 at the start: no correction of the filter is in it, m.
+    double GetFreeHeight() const { return m_freeHeight; }
 
     // Corrections by a filter: metres north, west, up; m/s; and the rotation of the level axes, rad.
     void Correct(const Vector3d& position, const Vector3d& velocity, const Vector3d& rotation);
@@ -40,6 +42,7 @@ class CStrapdown {
     SNavigation m_navigation;
     double m_direction;
     double m_lastSpan = 0.0;
+    double m_freeHeight = 0.0, m_freeSpeed = 0.0; // m, m/s
     Vector3d m_rate = Vector3d::Zero();
     Vector3d m_force = Vector3d::Zero();
 };

@@ -6,6 +6,7 @@
 #include "foundation/texts.h"
 #include "simulator/grades.h"
 #include "simulator/sensors.h"
+#include "simulator/truth_writer.h"
 #include "xpf/layout.h"
 
 #include <algorithm>
@@ -25,7 +26,7 @@ using Outils_Texte::GetText;
 using Outils_Texte::ParseDouble;
 using Outils_Texte::SSwitchRow;
 
-constexpr std::string_view kVehicles[] = {"ship", "auv", "car"};
+constexpr std::string_view kVehicles[] = {"ship", "auv", "car", "uav"};
 constexpr std::string_view kMounts[] = {"gps", "dvl", "emlog", "depth", "usbl", "lbl"};
 constexpr std::string_view kGpsModes[] = {"none", "sps", "dgps", "pps", "rtk", "float"};
 constexpr std::string_view kGpsChannels[] = {"GPS_1", "GPS_2", "GPS_3"};
@@ -174,22 +175,24 @@ bool SetRate(SMissionOptions& options, std::string_view value) {
     return number && *number > 0;
 }
 
-bool SetDelay(SMissionOptions& options, std::string_view value) {
+template <double SChannelOptions::*Member>
+bool SetOwnNumber(SMissionOptions& options, std::string_view value) {
     SChannelOptions& own = OwnOptions(options, value);
     const auto number = ParseDouble(value);
-    if (number) own.delay = *number;
+    if (number) own.*Member = *number;
     return number.has_value();
 }
 
-bool AddOutage(SChannelOptions& own, std::string_view value) {
+bool AddPeriod(std::vector<SPeriod>& periods, std::string_view value) {
     const auto numbers = ParseNumbers(value, ':', 2);
-    if (numbers) own.outages.push_back({(*numbers)[0], (*numbers)[1]});
+    if (numbers) periods.push_back({(*numbers)[0], (*numbers)[1]});
     return numbers.has_value();
 }
 
-bool SetOutage(SMissionOptions& options, std::string_view value) {
+template <std::vector<SPeriod> SChannelOptions::*Member>
+bool AddOwnPeriod(SMissionOptions& options, std::string_view value) {
     SChannelOptions& own = OwnOptions(options, value);
-    return AddOutage(own, value);
+    return AddPeriod(own.*Member, value);
 }
 
 bool SetGpsRate(SMissionOptions& options, std::string_view value) {
@@ -200,7 +203,7 @@ bool SetGpsRate(SMissionOptions& options, std::string_view value) {
 
 bool SetGpsOutage(SMissionOptions& options, std::string_view value) {
     return std::ranges::all_of(kGpsChannels, [&](std::string_view channel) {
-        return AddOutage(options.GetChannelOptions(channel), value);
+        return AddPeriod(options.GetChannelOptions(channel).outages, value);
     });
 }
 
@@ -281,8 +284,36 @@ constexpr SOptionRow kRows[] = {
     {"--lever-arm", "SENSOR X,Y,Z", EText::simLeverArmHelp, SetLeverArm},
     {"--channels", "LIST", EText::simChannelsHelp, SetChannels},
     {"--rate", "CHANNEL=HZ", EText::simRateHelp, SetRate},
-    {"--delay", "CHANNEL=S", EText::simDelayHelp, SetDelay},
-    {"--outage", "CHANNEL=FROM:TO", EText::simOutageHelp, SetOutage},
+    {"--delay", "CHANNEL=S", EText::simDelayHelp, SetOwnNumber<&SChannelOptions::delay>},
+    {"--outage", "CHANNEL=FROM:TO", EText::simOutageHelp, AddOwnPeriod<&SChannelOptions::outages>},
+    {"--imu-lost", "SHARE", EText::simImuLostHelp, SetNumber<&SMissionOptions::imuLost>,
+     ShowNumber<&SMissionOptions::imuLost>},
+    {"--imu-late", "SHARE", EText::simImuLateHelp, SetNumber<&SMissionOptions::imuLate>,
+     ShowNumber<&SMissionOptions::imuLate>},
+    {"--imu-late-by", "S", EText::simImuLateByHelp, SetNumber<&SMissionOptions::imuLateBy>,
+     ShowNumber<&SMissionOptions::imuLateBy>},
+    {"--imu-doubled", "SHARE", EText::simImuDoubledHelp, SetNumber<&SMissionOptions::imuDoubled>,
+     ShowNumber<&SMissionOptions::imuDoubled>},
+    {"--imu-jitter", "S", EText::simImuJitterHelp, SetNumber<&SMissionOptions::imuJitter>,
+     ShowNumber<&SMissionOptions::imuJitter>},
+    {"--clock-drift", "PPM", EText::simClockDriftHelp, SetNumber<&SMissionOptions::clockDrift>,
+     ShowNumber<&SMissionOptions::clockDrift>},
+    {"--gps-wander", "M", EText::simGpsWanderHelp, SetNumber<&SMissionOptions::gpsWander>,
+     ShowNumber<&SMissionOptions::gpsWander>},
+    {"--gps-jumps", "M", EText::simGpsJumpsHelp, SetNumber<&SMissionOptions::gpsJumps>,
+     ShowNumber<&SMissionOptions::gpsJumps>},
+    {"--odometer-scale", "FRACTION", EText::simOdometerScaleHelp,
+     SetNumber<&SMissionOptions::odometerScaleError>, ShowNumber<&SMissionOptions::odometerScaleError>},
+    {"--wheel-slip", "FRACTION", EText::simWheelSlipHelp, SetNumber<&SMissionOptions::wheelSlip>,
+     ShowNumber<&SMissionOptions::wheelSlip>},
+    {"--stated-deviation", "FACTOR", EText::simStatedDeviationHelp,
+     SetNumber<&SMissionOptions::statedDeviation>, ShowNumber<&SMissionOptions::statedDeviation>},
+    {"--current-field", "M/S", EText::simCurrentFieldHelp, SetNumber<&SMissionOptions::currentField>,
+     ShowNumber<&SMissionOptions::currentField>},
+    {"--gravity-disturbance", "MICRO-G", EText::simGravityHelp,
+     SetNumber<&SMissionOptions::gravityDisturbance>, ShowNumber<&SMissionOptions::gravityDisturbance>},
+    {"--hidden-delay", "CHANNEL=S", EText::simHiddenDelayHelp, SetOwnNumber<&SChannelOptions::hiddenDelay>},
+    {"--jam", "CHANNEL=FROM:TO", EText::simJamHelp, AddOwnPeriod<&SChannelOptions::jams>},
     {"--truth-rate", "HZ", EText::simTruthRateHelp, SetNumber<&SMissionOptions::truthRate>,
      ShowNumber<&SMissionOptions::truthRate>},
 };
@@ -373,9 +404,10 @@ bool ParseCommandLine(std::span<const std::string> words, SCommandLine& commandL
 }
 
 bool CheckTargets(const SCommandLine& commandLine, std::string& error) {
+    const std::filesystem::path result = GetTruthResultPath(commandLine.truth);
     if (Outils_Fichiers::SamePath(commandLine.output, commandLine.truth))
         return Refuse(error, EText::simSameFile, {Outils_Fichiers::ToText(commandLine.output)});
-    for (const auto& path : {commandLine.output, commandLine.truth}) {
+    for (const auto& path : {commandLine.output, commandLine.truth, result}) {
         std::error_code unknown;
         const auto status = std::filesystem::symlink_status(path, unknown);
         if (commandLine.force ? std::filesystem::is_directory(status) : std::filesystem::exists(status))

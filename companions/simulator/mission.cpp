@@ -141,7 +141,12 @@ SVehicleState CMission::GetState(double time, CTrackCursor& cursor) const {
     state.earthRelativeRate = GetBodyRate(motion) + state.attitude.transpose() * transport;
     state.inertialRate = state.earthRelativeRate + state.attitude.transpose() * earth;
     // Navigation equation in level axes, solved for what accelerometers feel.
-    const Vector3d gravity = GetGravity(s, motion.altitude);
+    Vector3d gravity = GetGravity(s, motion.altitude);
+    if (m_options.gravityDisturbance > 0) {
+        constexpr double kMicroG = 9.80665e-6, kLength = 20000; // metres
+        const double phase = 2 * kPi / kLength * motion.distance;
+        gravity += kMicroG * m_options.gravityDisturbance * Vector3d{std::sin(phase), std::cos(phase), 0};
+    }
     state.force = state.attitude.transpose() *
                   (motion.acceleration + (2 * earth + transport).cross(motion.velocity) - gravity);
     return state;
@@ -161,6 +166,7 @@ STruth CMission::GetTruth(double time, CTrackCursor& cursor) const {
     truth.heading = WrapDegrees(motion.heading.value, 0);
     truth.roll = motion.roll.value * kDegreesPerRadian;
     truth.pitch = motion.pitch.value * kDegreesPerRadian;
+    truth.heave = motion.heave;
     return truth;
 }
 

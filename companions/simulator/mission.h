@@ -25,6 +25,7 @@ struct STruth {
     double heading = 0;                                // degrees, 0 to 360, clockwise from true north
     double roll = 0;                                   // degrees, positive starboard down
     double pitch = 0;                                  // degrees, positive bow up
+    double heave = 0;                                  // metres, positive up
 };
 
 // Everything at one instant, in radians and metres.

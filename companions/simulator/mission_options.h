@@ -17,7 +17,7 @@ namespace Simulation {
 using Eigen::Matrix3d;
 using Eigen::Vector3d;
 
-enum class EVehicle : std::uint8_t { ship, auv, car };
+enum class EVehicle : std::uint8_t { ship, auv, car, uav };
 
 // Quality of the inertial sensors; `perfect` has no error but the rounding to raw units.
 enum class EGrade : std::uint8_t { perfect, marine, navigation, tactical, mems };
@@ -38,6 +38,8 @@ struct SChannelOptions {
     double rate = 0;  // packets per second; 0: the channel's usual rate
     double delay = 0; // seconds between the moment of the measurement and the date of its packet
     std::vector<SPeriod> outages;
+    double hiddenDelay = 0;         // seconds by which packets are late without saying so
+    std::vector<SPeriod> jams = {}; // in which the sensor repeats what it measured last
 };
 
 using LeverArms = std::array<Vector3d, static_cast<std::size_t>(EMount::count)>;
@@ -76,6 +78,24 @@ struct SMissionOptions {
     double dvlHeadingError = 0; // degrees by which the log is mounted turned to port
     LeverArms leverArms = MakeLeverArms(); // metres forward, to port, up
 
+    // Faults of the recorder: shares of the inertial packets, 0 to 1.
+    double imuLost = 0;
+    double imuLate = 0, imuLateBy = 0.009; // and by how many seconds
+    double imuDoubled = 0;
+    double imuJitter = 0;  // seconds: every date is late by the size of a normal number of this deviation
+    double clockDrift = 0; // parts per million by which the recorder's clock runs fast against UTC
+
+    // Faults of the aiding sensors that no packet states.
+    double gpsWander = 0;          // metres, of a position error that changes over two minutes
+    double gpsJumps = 0;           // metres, of a jump of 10 to 30 s every five minutes or so
+    double odometerScaleError = 0; // fraction by which the odometer reads too much
+    double wheelSlip = 0;          // fraction by which a driven wheel turns too far, per m/s2 of its vehicle
+    double statedDeviation = 1;    // factor on the standard deviations in the packets
+
+    // The surroundings.
+    double currentField = 0;       // metres per second, of a current that turns once an hour
+    double gravityDisturbance = 0; // micro-g sideways, over 20 km of the way
+
     std::vector<std::string> channels; // empty: those usual for the vehicle; "IMU" is always written
     std::vector<SChannelOptions> channelOptions; // at most one for each channel
     double truthRate = 10;                       // lines per second of the truth file
@@ -84,12 +104,21 @@ struct SMissionOptions {
     Outils_Temps::CDateTime GetUtcOrigin() const;
     const SChannelOptions* FindChannelOptions(std::string_view channel) const;
     SChannelOptions& GetChannelOptions(std::string_view channel);
-    bool IsOutage(std::string_view channel, double time) const;
+    bool IsOutage(std::string_view channel, double time) const {
+        return IsWithinOwn(channel, &SChannelOptions::outages, time);
+    }
+    bool IsJammed(std::string_view channel, double time) const {
+        return IsWithinOwn(channel, &SChannelOptions::jams, time);
+    }
     // Those that are written, in the order of the channel table.
     std::vector<std::string_view> GetChannels() const;
 
     // What is wrong with the values; empty when a mission can be made of them.
     std::string Validate() const;
+
+  private:
+    bool IsWithinOwn(std::string_view channel, std::vector<SPeriod> SChannelOptions::*periods,
+                     double time) const;
 };
 
 } // namespace Simulation

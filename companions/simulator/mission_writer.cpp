@@ -5,11 +5,11 @@
 
 #include "recording/recording_writer.h"
 #include "simulator/inertial_unit.h"
+#include "simulator/recorder.h"
 #include "simulator/sensors.h"
+#include "simulator/truth_writer.h"
 
 #include <algorithm>
-#include <charconv>
-#include <fstream>
 
 namespace Simulation {
 
@@ -35,10 +35,10 @@ class CSensors {
     }
 
     // Writes what is dated before `date`.
-    bool WriteBefore(std::int64_t date, CRecordingWriter& writer) {
+    bool WriteBefore(std::int64_t date, CRecorder& recorder) {
         while (m_next && m_next->sensor.GetNextDate() < date) {
             const auto payload = m_next->sensor.MakePacket(m_cursor);
-            if (!payload.empty() && !writer.WriteRaw(m_next->handle, payload)) return false;
+            if (!payload.empty() && !recorder.Write(m_next->handle, payload)) return false;
             FindNext();
         }
         return true;
@@ -61,45 +61,16 @@ bool WriteRecording(const CMission& mission, const std::filesystem::path& path) 
     if (!writer.Create(path, mission.GetChannels())) return false;
     const ChannelHandle imu = *writer.FindChannel("IMU");
     CInertialUnit unit(mission);
+    CRecorder recorder(mission.GetOptions(), writer);
     CSensors sensors(mission, writer);
     const auto end = static_cast<std::int64_t>(mission.GetDuration() * static_cast<double>(kTicksPerSecond));
     while (unit.GetNextDate() <= end) {
-        if (!sensors.WriteBefore(unit.GetNextDate(), writer)) return false;
-        if (!writer.WriteRaw(imu, unit.MakePacket())) return false;
+        const std::int64_t date = unit.GetNextDate();
+        if (!sensors.WriteBefore(date, recorder)) return false;
+        if (!recorder.WriteImu(imu, unit.MakePacket(), static_cast<double>(date) / kTicksPerSecond))
+            return false;
     }
-    return sensors.WriteBefore(end + 1, writer) && writer.Close();
-}
-
-void AppendNumber(std::string& line, double value, int decimals) {
-    char text[64];
-    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::fixed, decimals);
-    line.append(text, end.ptr);
-}
-
-bool WriteTruth(const CMission& mission, const std::filesystem::path& path) {
-    std::ofstream file(path, std::ios::binary);
-    std::string lines = "time,latitude,longitude,altitude,speedNorth,speedEast,speedUp,heading,roll,pitch\n";
-    CTrackCursor cursor;
-    const double rate = mission.GetOptions().truthRate;
-    for (std::int64_t i = 0; static_cast<double>(i) <= mission.GetDuration() * rate; ++i) {
-        const STruth truth = mission.GetTruth(static_cast<double>(i) / rate, cursor);
-        const std::pair<double, int> values[] = {
-            {truth.time, 4},       {truth.latitude, 11}, {truth.longitude, 11}, {truth.altitude, 5},
-            {truth.speedNorth, 6}, {truth.speedEast, 6}, {truth.speedUp, 6},    {truth.heading, 7},
-            {truth.roll, 7},       {truth.pitch, 7}};
-        for (const auto& [value, decimals] : values) {
-            AppendNumber(lines, value, decimals);
-            lines += ',';
-        }
-        lines.back() = '\n';
-        if (lines.size() > 1 << 16) {
-            file << lines;
-            lines.clear();
-        }
-    }
-    file << lines;
-    file.close();
-    return file.good();
+    return sensors.WriteBefore(end + 1, recorder) && writer.Close();
 }
 
 } // namespace

@@ -8,10 +8,8 @@
 
 namespace Simulation {
 
-// Writes the recording and, unless `truthPath` is empty, the true navigation as comma-separated text with a
-// title line: time (the Date in seconds), latitude, longitude, altitude, speedNorth, speedEast, speedUp,
-// heading, roll, pitch, in the units of STruth. Equal options give equal bytes. False on failure, with the
-// reason in `error`.
+// Writes the recording and, unless `truthPath` is empty, the truth (see truth_writer.h). Equal options give
+// equal bytes. False on failure, with the reason in `error`.
 bool WriteMission(const CMission& mission, const std::filesystem::path& path,
                   const std::filesystem::path& truthPath, std::string& error);
 // The same from options, which are validated first.

@@ -1,5 +1,7 @@
 #include "simulator/motion.h"
 
+#include "simulator/earth.h"
+
 #include <cmath>
 #include <utility>
 
@@ -59,12 +61,17 @@ SKinematics CMotion::At(double time, SMotionHint& hint) const {
                                     (speed.first * course.first + speed.value * course.second)};
 
     const double c = std::cos(course.value), s = std::sin(course.value);
-    result.water = release.value * m_plan.current;
+    const double tide = 2 * kPi / kCurrentTime;
+    const double ct = m_plan.currentField * std::cos(tide * time),
+                 st = m_plan.currentField * std::sin(tide * time);
+    const Vector3d current = m_plan.current + Vector3d{st, ct, 0};
+    result.water = release.value * current;
     result.velocity = Vector3d{speed.value * c, -speed.value * s, climb.first + heave.first} + result.water;
     result.acceleration =
         Vector3d{speed.first * c - speed.value * course.first * s,
                  -speed.first * s - speed.value * course.first * c, climb.second + heave.second} +
-        release.first * m_plan.current;
+        release.first * current + release.value * tide * Vector3d{ct, -st, 0};
+    result.heave = heave.value;
     result.altitude = m_altitude + climb.value + heave.value;
     return result;
 }

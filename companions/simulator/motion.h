@@ -18,9 +18,12 @@ struct SKinematics {
     Vector3d acceleration = Vector3d::Zero(); // its derivative in level axes
     Vector3d water = Vector3d::Zero();        // velocity of the water, level axes
     double altitude = 0;                      // metres above the ellipsoid
+    double heave = 0;                         // metres of it that are the waves', positive up
     double distance = 0;                      // metres run through the water or on the road
     SAngle heading, roll, pitch;
 };
+
+inline constexpr double kCurrentTime = 3600; // seconds
 
 // sin(omega * time + wavenumber * distance + phase) times the amplitude.
 struct SWave {
@@ -42,6 +45,7 @@ struct SMotionPlan {
     double pitchPerClimb = 0;            // radians per metre per second
     double rollPerAcceleration = 0;      // radians per metre per second squared to starboard
     Vector3d current = Vector3d::Zero(); // of the water, level axes
+    double currentField = 0;             // metres per second of it that turn once in kCurrentTime
 };
 
 // Where the profiles were asked last.

@@ -1,4 +1,4 @@
-// The habits of the three vehicles, and the mission that they make.
+// The habits of the vehicles, and the mission that they make.
 #include "simulator/earth.h"
 #include "simulator/motion.h"
 #include "simulator/random.h"
@@ -100,8 +100,32 @@ constexpr SHabit kCar = {.speed = 12,
                          .pitch = {{{0.25, 0, 19}, {0.1, 0, 8}, {0, 0, 1}}},
                          .yaw = {{{0.3, 0, 180}, {0, 0, 1}, {0, 0, 1}}}};
 
+// A small aircraft that banks into its turns.
+constexpr SHabit kUav = {.speed = 18,
+                         .speedSpread = 0.15,
+                         .speedInTurns = 0.9,
+                         .changeTime = 12,
+                         .legFrom = 15,
+                         .legTo = 50,
+                         .turn = 90,
+                         .turnTime = 8,
+                         .turnsAtWill = true,
+                         .legsToStop = 0,
+                         .stopFrom = 0,
+                         .stopTo = 0,
+                         .depth = -80,
+                         .depthSpread = 25,
+                         .diveTime = 40,
+                         .pitchPerClimb = 0.05,
+                         .rollPerAcceleration = 0.1,
+                         .heave = {{{0.3, 5.3, 0}, {0.1, 2.9, 0}, {0, 1, 0}}},
+                         .roll = {{{2, 2.7, 0}, {0.6, 1.3, 0}, {0, 1, 0}}},
+                         .pitch = {{{1.2, 3.1, 0}, {0.4, 1.1, 0}, {0, 1, 0}}},
+                         .yaw = {{{1, 4.3, 0}, {0.3, 1.9, 0}, {0, 1, 0}}}};
+
 const SHabit& GetHabit(EVehicle vehicle) {
-    return vehicle == EVehicle::ship ? kShip : vehicle == EVehicle::auv ? kAuv : kCar;
+    constexpr const SHabit* kHabits[] = {&kShip, &kAuv, &kCar, &kUav}; // in the order of EVehicle
+    return *kHabits[static_cast<std::size_t>(vehicle)];
 }
 
 std::vector<SWave> MakeWaves(const std::array<SWaveRow, 3>& rows, double factor, CRandom& random) {
@@ -196,7 +220,10 @@ SMotionPlan MakeMotionPlan(const SMissionOptions& options, double duration) {
     AddSlope(plan.heave, plan.pitch);
     plan.pitchPerClimb = habit.pitchPerClimb;
     plan.rollPerAcceleration = habit.rollPerAcceleration;
-    if (!onRoad) plan.current = {options.current.x(), -options.current.y(), 0};
+    if (options.vehicle == EVehicle::ship || options.vehicle == EVehicle::auv) {
+        plan.current = {options.current.x(), -options.current.y(), 0};
+        plan.currentField = options.currentField;
+    }
     // The yaw of the road is there from the start: the heading that was asked for is the one at rest.
     if (onRoad)
         for (const SWave& wave : plan.yaw)

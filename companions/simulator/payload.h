@@ -61,7 +61,7 @@ class CPayload {
         PutAs(offset, static_cast<T>(std::clamp(std::nearbyint(value), low, high)));
     }
 
-    std::array<std::uint8_t, 128> m_bytes{}; // no packet of a recording is bigger
+    std::array<std::uint8_t, 320> m_bytes{}; // no packet of a recording or of a truth is bigger
     std::uint32_t m_size = 0;
 };
 

@@ -44,8 +44,11 @@ void FillGps(CSensor& sensor, CPayload& payload) {
     const SPositionError& error = kGpsErrors[options.gpsMode];
     const double north = sensor.MakeError(1), other = sensor.MakeError(1);
     const double east = kGpsCorrelation * north + std::sqrt(1 - kGpsCorrelation * kGpsCorrelation) * other;
-    const CSensor::SPoint fix = Shift(sensor, sensor.GetPointAt(EMount::gps), north * error.horizontal,
-                                      east * error.horizontal, sensor.MakeError(error.vertical));
+    const double up = sensor.MakeError(error.vertical);
+    const Vector3d hidden = sensor.StepHiddenError();
+    const CSensor::SPoint fix =
+        Shift(sensor, sensor.GetPointAt(EMount::gps), north * error.horizontal + hidden.x(),
+              east * error.horizontal + hidden.y(), up);
     payload.Put(PlaceOf(kGpsLayout, "Delay"), GetDelay(sensor));
     payload.Put(PlaceOf(kGpsLayout, "Horizontal rejection"), kAuto);
     payload.Put(PlaceOf(kGpsLayout, "Vertical rejection"), kAuto);
@@ -53,10 +56,11 @@ void FillGps(CSensor& sensor, CPayload& payload) {
     payload.Put(PlaceOf(kGpsLayout, "Latitude"), fix.latitude * kDegreesPerRadian);
     payload.Put(PlaceOf(kGpsLayout, "Longitude"), std::remainder(fix.longitude * kDegreesPerRadian, 360));
     payload.Put(PlaceOf(kGpsLayout, "Altitude"), fix.altitude - options.geoidSeparation);
-    payload.Put(PlaceOf(kGpsLayout, "Std. dev. north"), error.horizontal);
-    payload.Put(PlaceOf(kGpsLayout, "Std. dev. east"), error.horizontal);
-    payload.Put(PlaceOf(kGpsLayout, "Std. dev. altitude"), error.vertical);
-    payload.Put(PlaceOf(kGpsLayout, "Covariance XY"), kGpsCorrelation * error.horizontal * error.horizontal);
+    payload.Put(PlaceOf(kGpsLayout, "Std. dev. north"), sensor.State(error.horizontal));
+    payload.Put(PlaceOf(kGpsLayout, "Std. dev. east"), sensor.State(error.horizontal));
+    payload.Put(PlaceOf(kGpsLayout, "Std. dev. altitude"), sensor.State(error.vertical));
+    payload.Put(PlaceOf(kGpsLayout, "Covariance XY"),
+                kGpsCorrelation * sensor.State(error.horizontal) * sensor.State(error.horizontal));
     payload.Put(PlaceOf(kGpsLayout, "Geoidal sep"), options.geoidSeparation);
 }
 
@@ -80,9 +84,9 @@ void FillDvl(CSensor& sensor, CPayload& payload) {
     payload.Put(PlaceOf(kDvlLayout, "Sound velocity (external)"), 1500);
     payload.Put(PlaceOf(kDvlLayout, "Altitude"),
                 std::max(0.0, sensor.GetPointAt(EMount::dvl).altitude - GetSeabed(options)));
-    payload.Put(PlaceOf(kDvlLayout, "Std. dev. speed X"), deviation);
-    payload.Put(PlaceOf(kDvlLayout, "Std. dev. speed Y"), deviation);
-    payload.Put(PlaceOf(kDvlLayout, "Std. dev. speed Z"), vertical);
+    payload.Put(PlaceOf(kDvlLayout, "Std. dev. speed X"), sensor.State(deviation));
+    payload.Put(PlaceOf(kDvlLayout, "Std. dev. speed Y"), sensor.State(deviation));
+    payload.Put(PlaceOf(kDvlLayout, "Std. dev. speed Z"), sensor.State(vertical));
 }
 
 void FillEMLog(CSensor& sensor, CPayload& payload) {
@@ -93,16 +97,22 @@ void FillEMLog(CSensor& sensor, CPayload& payload) {
     payload.Put(PlaceOf(kEMLogLayout, "Delay"), GetDelay(sensor));
     payload.Put(PlaceOf(kEMLogLayout, "Rejection"), kAuto);
     payload.Put(PlaceOf(kEMLogLayout, "Speed"), speed + sensor.MakeError(kDeviation));
-    payload.Put(PlaceOf(kEMLogLayout, "Std. dev. speed"), kDeviation);
+    payload.Put(PlaceOf(kEMLogLayout, "Std. dev. speed"), sensor.State(kDeviation));
 }
 
 void FillDepth(CSensor& sensor, CPayload& payload) {
-    constexpr double kDeviation = 0.1;
-    const double depth = sensor.GetOptions().geoidSeparation - sensor.GetPointAt(EMount::depth).altitude;
+    constexpr double kDeviation = 0.1, kTide = 0.5, kTideTime = 44700; // metres and seconds
+    // The sea is where the tide has it, and the air presses on it.
+    const double phase = sensor.GetCount() == 0 ? sensor.GetRandom().Uniform(0, 2 * kPi) : sensor.Exchange(0);
+    sensor.Exchange(phase);
+    const double tide =
+        sensor.GetOptions().GetNoise() * kTide * std::sin(phase + 2 * kPi * sensor.GetTime() / kTideTime);
+    const double depth =
+        sensor.GetOptions().geoidSeparation + tide - sensor.GetPointAt(EMount::depth).altitude;
     payload.Put(PlaceOf(kDepthLayout, "Delay"), GetDelay(sensor));
     payload.Put(PlaceOf(kDepthLayout, "Rejection"), kAuto);
     payload.Put(PlaceOf(kDepthLayout, "Depth"), depth + sensor.MakeError(kDeviation));
-    payload.Put(PlaceOf(kDepthLayout, "Std. dev. depth"), kDeviation);
+    payload.Put(PlaceOf(kDepthLayout, "Std. dev. depth"), sensor.State(kDeviation));
 }
 
 void FillUsbl(CSensor& sensor, CPayload& payload) {
@@ -119,9 +129,9 @@ void FillUsbl(CSensor& sensor, CPayload& payload) {
     payload.Put(PlaceOf(kUsblLayout, "Latitude"), fix.latitude * kDegreesPerRadian);
     payload.Put(PlaceOf(kUsblLayout, "Longitude"), std::remainder(fix.longitude * kDegreesPerRadian, 360));
     payload.Put(PlaceOf(kUsblLayout, "Altitude"), fix.altitude - sensor.GetOptions().geoidSeparation);
-    payload.Put(PlaceOf(kUsblLayout, "Std. dev. north"), kError.horizontal);
-    payload.Put(PlaceOf(kUsblLayout, "Std. dev. east"), kError.horizontal);
-    payload.Put(PlaceOf(kUsblLayout, "Std. dev. altitude"), kError.vertical);
+    payload.Put(PlaceOf(kUsblLayout, "Std. dev. north"), sensor.State(kError.horizontal));
+    payload.Put(PlaceOf(kUsblLayout, "Std. dev. east"), sensor.State(kError.horizontal));
+    payload.Put(PlaceOf(kUsblLayout, "Std. dev. altitude"), sensor.State(kError.vertical));
 }
 
 // Four beacons on the seabed around the start answer in turn.
@@ -145,7 +155,7 @@ void FillLbl(CSensor& sensor, CPayload& payload) {
     payload.Put(PlaceOf(kLblLayout, "Longitude"), std::remainder(longitude * kDegreesPerRadian, 360));
     payload.Put(PlaceOf(kLblLayout, "Altitude"), -options.seabedDepth);
     payload.Put(PlaceOf(kLblLayout, "Range"), range + sensor.MakeError(kDeviation));
-    payload.Put(PlaceOf(kLblLayout, "Std. dev. range"), kDeviation);
+    payload.Put(PlaceOf(kLblLayout, "Std. dev. range"), sensor.State(kDeviation));
 }
 
 void FillUtc(CSensor& sensor, CPayload& payload) {
@@ -167,9 +177,12 @@ void FillOdometer(CSensor& sensor, CPayload& payload) {
     const double distance = sensor.GetState().motion.distance;
     payload.Put(PlaceOf(kOdometerLayout, "Delay"), GetDelay(sensor));
     payload.Put(PlaceOf(kOdometerLayout, "Rejection"), kAuto);
+    const SMissionOptions& options = sensor.GetOptions();
+    const double slip = options.wheelSlip * sensor.GetState().motion.acceleration.norm();
     payload.Put(PlaceOf(kOdometerLayout, "Measure"),
-                distance - sensor.Exchange(distance) + sensor.MakeError(kDeviation));
-    payload.Put(PlaceOf(kOdometerLayout, "Std. dev. measure"), kDeviation);
+                (distance - sensor.Exchange(distance)) * (1 + options.odometerScaleError + slip) +
+                    sensor.MakeError(kDeviation));
+    payload.Put(PlaceOf(kOdometerLayout, "Std. dev. measure"), sensor.State(kDeviation));
 }
 
 void FillSynchro(CSensor& sensor, CPayload& payload) {

@@ -33,9 +33,13 @@ CSensor::CSensor(const CMission& mission, std::string_view channel)
       m_channel(channel),
       m_rate(GetRate(mission.GetOptions(), channel)),
       m_delay(0),
+      m_hiddenDelay(0),
       m_interval(1 / m_rate),
       m_random(mission.GetOptions().seed, GetStream(channel)) {
-    if (const SChannelOptions* own = mission.GetOptions().FindChannelOptions(channel)) m_delay = own->delay;
+    if (const SChannelOptions* own = mission.GetOptions().FindChannelOptions(channel)) {
+        m_delay = own->delay;
+        m_hiddenDelay = own->hiddenDelay;
+    }
     m_index = -1;
     // A recording's clock starts before its first packet.
     do Schedule();
@@ -48,7 +52,9 @@ void CSensor::Schedule() {
     m_nextDate = std::llround(seconds * static_cast<double>(kTicksPerSecond));
 }
 
-double CSensor::GetTime() const { return static_cast<double>(m_date) / kTicksPerSecond - m_delay; }
+double CSensor::GetTime() const {
+    return static_cast<double>(m_date) / kTicksPerSecond - m_delay - m_hiddenDelay;
+}
 
 std::span<const std::uint8_t> CSensor::MakePacket(CTrackCursor& cursor) {
     m_date = m_nextDate;
@@ -59,8 +65,13 @@ std::span<const std::uint8_t> CSensor::MakePacket(CTrackCursor& cursor) {
     m_outlier = m_random.Uniform() < options.outliers;
     if (options.IsOutage(m_channel, time)) return {};
 
+    if (m_count > 0 && options.IsJammed(m_channel, time)) {
+        m_payload.PutDate(m_date);
+        return m_payload.Get();
+    }
+
     // The shared cursor moves forward with the dates; a delayed look back would pull it to and fro.
-    m_state = m_mission->GetState(time, m_delay > 0 ? m_ownCursor : cursor);
+    m_state = m_mission->GetState(time, m_delay + m_hiddenDelay > 0 ? m_ownCursor : cursor);
     if (IsUnderWater() && !m_row->underWater) return {};
     m_payload.Reset(m_row->layout->payloadSize);
     m_payload.PutDate(m_date);
@@ -78,6 +89,33 @@ double CSensor::MakeError(double deviation) {
     double error = m_random.Normal() * GetOptions().GetNoise();
     if (m_outlier) error += std::copysign(m_random.Uniform(15, 60), error);
     return error * deviation;
+}
+
+Vector3d CSensor::StepHiddenError() {
+    constexpr double kTime = 120, kBetweenJumps = 300; // seconds
+    const SMissionOptions& options = GetOptions();
+    Vector3d error = Vector3d::Zero();
+    if (options.gpsWander > 0) {
+        if (m_count == 0)
+            for (std::size_t i = 0; i < 2; ++i) {
+                m_wander[i] = CWander(options.gpsWander, kTime);
+                m_wander[i].Start(m_random);
+            }
+        error += Vector3d{m_wander[0].Step(m_interval, m_random), m_wander[1].Step(m_interval, m_random), 0};
+    }
+    if (options.gpsJumps > 0) {
+        const double time = GetTime();
+        if (time >= m_nextJump) {
+            const double angle = m_random.Uniform(0, 2 * kPi);
+            if (m_nextJump >= 0) {
+                m_jump = options.gpsJumps * Vector3d{std::cos(angle), std::sin(angle), 0};
+                m_jumpEnd = time + m_random.Uniform(10, 30);
+            }
+            m_nextJump = time + kBetweenJumps * m_random.Uniform(0.5, 1.5);
+        }
+        if (time < m_jumpEnd) error += m_jump;
+    }
+    return error;
 }
 
 CSensor::SPoint CSensor::GetPointAt(EMount mount) const {

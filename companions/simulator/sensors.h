@@ -35,6 +35,10 @@ class CSensor {
     std::uint32_t GetCount() const { return m_count; }
     // A diving vehicle, a metre below the surface or more.
     bool IsUnderWater() const;
+    // The deviation that the packet states, for one that holds.
+    double State(double deviation) const { return deviation * GetOptions().statedDeviation; }
+    // Metres north and east that a satellite receiver errs by beyond what it states.
+    Vector3d StepHiddenError();
     // A random error of this standard deviation, wild if this packet is an outlier.
     double MakeError(double deviation);
     CRandom& GetRandom() { return m_random; }
@@ -56,7 +60,7 @@ class CSensor {
     const CMission* m_mission;
     const SSensorRow* m_row;
     std::string_view m_channel;
-    double m_rate, m_delay, m_interval;
+    double m_rate, m_delay, m_hiddenDelay, m_interval;
     CRandom m_random;
     std::array<CWander, 9> m_wander;
     CTrackCursor m_ownCursor; // for a sensor that looks back by its delay
@@ -66,6 +70,8 @@ class CSensor {
     std::int64_t m_index = 0;  // of the next date
     std::uint32_t m_count = 0; // packets made
     double m_kept = 0;
+    double m_jumpEnd = 0, m_nextJump = -1; // seconds
+    Vector3d m_jump = Vector3d::Zero();    // metres north and east
     bool m_outlier = false;
 };
 

@@ -28,6 +28,8 @@ constexpr SSwitchRow kPacketsOptions[] = {
     kFrom, kTo, {"--limit", ESwitchValue::text, "N", EText::limitHelp}, kJson};
 constexpr SSwitchRow kReduceOptions[] = {
     kFrom, kTo, {"--slices", ESwitchValue::text, "N", EText::slicesHelp}, kJson};
+constexpr SSwitchRow kCompareOptions[] = {
+    {"--fields", ESwitchValue::text, "NAME,...", EText::fieldsHelp}, kFrom, kTo, kJson};
 constexpr SSwitchRow kPictureOptions[] = {{"--size", ESwitchValue::text, "WxH", EText::sizeHelp}};
 
 constexpr SCommand kCommands[] = {
@@ -46,6 +48,7 @@ constexpr SCommand kCommands[] = {
     {"packets", "FILE CHANNEL", EText::packetsSummary, kPacketsOptions, PacketsCommand},
     {"at", "FILE CHANNEL S", EText::atSummary, kReportOptions, AtCommand},
     {"reduce", "FILE CHANNEL", EText::reduceSummary, kReduceOptions, ReduceCommand},
+    {"compare", "RESULT TRUTH", EText::compareSummary, kCompareOptions, CompareCommand},
     {"picture", "PROJECT OUT.png|.svg|.pdf", EText::pictureSummary, kPictureOptions, PictureCommand},
 };
 

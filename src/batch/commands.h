@@ -51,6 +51,8 @@ int ChannelsCommand(const COptions& options, SStreams streams);
 int PacketsCommand(const COptions& options, SStreams streams);
 int AtCommand(const COptions& options, SStreams streams);
 int ReduceCommand(const COptions& options, SStreams streams);
+// compare_command.cpp:
+int CompareCommand(const COptions& options, SStreams streams);
 // picture_command.cpp:
 int PictureCommand(const COptions& options, SStreams streams);
 
