@@ -7,6 +7,11 @@ namespace Presentation_Tarvel_Grid {
 
 std::string CHGItem::Write(std::string_view) { return {}; }
 
+bool CHGItem::HasFaultBelow() const {
+    return std::ranges::any_of(
+        m_children, [](const auto& child) { return !child->GetFault().empty() || child->HasFaultBelow(); });
+}
+
 std::string CHGItem::Choose(int choice) {
     const auto choices = GetChoices();
     if (choice < 0 || static_cast<std::size_t>(choice) >= choices.size()) return {};

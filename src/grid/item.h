@@ -2,6 +2,7 @@
 // shows and how it is written says its class; how it is painted and edited says the view. UI thread.
 #pragma once
 
+#include "document/document_host.h"
 #include "foundation/object.h"
 
 #include <memory>
@@ -44,14 +45,16 @@ class CHGItem {
     // Why the value is wrong; empty when it is right. A section says the fault of its own object.
     virtual std::string GetFault() const { return {}; }
     virtual bool IsEditable() const { return false; }
+    // Whether a row below is wrong.
+    virtual bool HasFaultBelow() const;
     // Whether the row is shown at all, as the values stand.
     virtual bool IsVisible() const { return true; }
     // The words of a list, shared by all rows of its kind; empty for every other row.
     virtual std::span<const std::string> GetChoices() const { return {}; }
     // The chosen word; -1 for a value outside the list.
     virtual int GetChoice() const { return -1; }
-    // The filter of a file row: "name|patterns|" pairs. Empty for every other row.
-    virtual std::string_view GetFilter() const { return {}; }
+    // What a file row asks for; null for every other row.
+    virtual const Application_Tarvel::SPathQuestion* GetPathQuestion() const { return nullptr; }
     // Takes what a person typed or picked, for a list the word. Gives the message of a refusal, after which
     // all is as it was; empty when the value was taken, also when it is the present one.
     // REQUIRES: IsEditable.
@@ -78,9 +81,11 @@ class CHGItem {
         return added;
     }
 
+  protected:
+    void Insert(std::size_t index, std::unique_ptr<CHGItem> child);
+
   private:
     friend class CHierarchicalGridControl;
-    void Insert(std::size_t index, std::unique_ptr<CHGItem> child);
     std::unique_ptr<CHGItem> Take(std::size_t index);
     void Number(std::size_t from);
 

@@ -1,14 +1,20 @@
 #include "views/view_processing.h"
 
+#include "config/config_file.h"
 #include "document/document.h"
 #include "plot/text.h"
+#include "views/grid_view.h"
 
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QPushButton>
 #include <QTimerEvent>
 #include <QVBoxLayout>
 
 namespace Application_Tarvel {
 
+using namespace Presentation_Tarvel_Grid;
+using Outils_Configuration::Cnf;
 using Outils_Plot2D::Text;
 using Outils_Texte::EText;
 
@@ -16,45 +22,106 @@ namespace {
 
 constexpr EText textProcess = EText::processLabel;
 constexpr EText textStopProcessing = EText::stopProcessingLabel;
-constexpr int kPollPeriod = 500;  // ms
-constexpr int kButtonHeight = 23; // pixels, unless the font needs more
+constexpr int kPollPeriod = 500;   // ms
+constexpr int kButtonHeight = 23;  // pixels, unless the font needs more
+constexpr QPoint kMenuPlace{5, 5}; // of a menu that the keyboard asks for
+constexpr auto kWidth = Cnf<"viewProcessing/firstColumnWidth">;
 
 } // namespace
 
-CTrvViewProcessing::CTrvViewProcessing(CTrvDocument& document, QWidget* parent)
-    : QWidget(parent), m_document(document), m_button(new QPushButton(this)) {
+CTrvViewProcessing::CTrvViewProcessing(CTrvDocument& document,
+                                       Outils_Configuration::CTrvCnfConfigFile& configuration,
+                                       const Outils_Valeurs::CTrvAdaptors& adaptors, QWidget* parent)
+    : QWidget(parent),
+      m_document(document),
+      m_configuration(configuration),
+      m_tree(document, adaptors),
+      m_grid(new CTrvGridView(m_tree.GetGrid(), document.GetHost(), this)),
+      m_button(new QPushButton(this)) {
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addStretch(1);
+    m_grid->setAccessibleName(Text(EText::processingGridName));
+    m_grid->setContextMenuPolicy(Qt::NoContextMenu); // the panel answers for it
+    layout->addWidget(m_grid, 1);
     m_button->setMinimumHeight(kButtonHeight);
     m_button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     layout->addWidget(m_button);
+    m_grid->ResizeTitles(m_configuration.Get(kWidth));
+    m_grid->SetFaultColor(
+        QColor::fromRgba(m_configuration.Get(Cnf<"viewProcessing/badParameterColor">).argb));
     connect(m_button, &QPushButton::clicked, this, &CTrvViewProcessing::ToggleProcess);
+    connect(m_grid, &CTrvGridView::SelectionMoved, this, &CTrvViewProcessing::StateChanged);
+    connect(m_grid, &CTrvGridView::DialogRequested, this, &CTrvViewProcessing::DialogRequested);
+    connect(m_grid, &CTrvGridView::RemoveRequested, this, &CTrvViewProcessing::RemoveSelected);
     m_document.AddView(this);
     UpdateButton(false);
-    setVisible(m_document.GetProject() != nullptr);
+    ShowProject();
 }
 
-CTrvViewProcessing::~CTrvViewProcessing() { m_document.RemoveView(this); }
+CTrvViewProcessing::~CTrvViewProcessing() {
+    m_document.RemoveView(this);
+    m_configuration.Set(kWidth, m_grid->GetTitleWidth());
+    delete m_grid; // before the tree that it shows
+}
+
+CHGItem* CTrvViewProcessing::GetSelected() const { return m_grid->GetSelected(); }
+
+void CTrvViewProcessing::SelectNextFault() {
+    if (const CHGItem* item = m_tree.FindNextFault(GetSelected())) {
+        m_grid->Select(*item);
+        m_grid->setFocus();
+    }
+}
+
+void CTrvViewProcessing::Reformat() { m_tree.Reformat(); }
 
 void CTrvViewProcessing::ToggleProcess() {
     if (m_document.IsSimulationRunning()) {
         m_document.StopSimulation();
     } else {
-        m_document.StartSimulation();
+        if (!m_document.StartSimulation() && m_tree.GetFaultCount() > 0) {
+            if (const CHGItem* item = m_tree.FindNextFault(nullptr)) m_grid->Select(*item);
+        }
         m_poll.start(kPollPeriod, this);
     }
     UpdateButton(m_document.IsSimulationRunning());
 }
 
-void CTrvViewProcessing::OnUpdate(EHint hint, const Outils_Objets::CObject*) {
+void CTrvViewProcessing::OnUpdate(EHint hint, const Outils_Objets::CObject* object) {
     switch (hint) {
-    case hintRefresh: setVisible(m_document.GetProject() != nullptr); break;
+    case hintRefresh: return ShowProject();
     case hintRunStarted: UpdateButton(true); break;
     case hintRunEnded: UpdateButton(false); break;
     default: break;
     }
+    m_tree.OnUpdate(hint, object);
+    // What was just added is what the user wants to see.
+    if (const CHGItem* item = m_tree.TakeAdded()) {
+        m_grid->SetItemExpanded(*item, true);
+        m_grid->Select(*item);
+    }
+    Q_EMIT StateChanged();
+}
+
+void CTrvViewProcessing::ShowProject() {
+    m_tree.Rebuild();
+    const bool hasProject = m_document.GetProject() != nullptr;
+    setVisible(hasProject);
+    if (hasProject) {
+        const CHGItem& root = m_tree.GetGrid().GetRoot();
+        for (std::size_t i = 0; const CHGItem* item = root.GetChild(i); ++i) Expand(*item);
+        m_grid->Select(*m_tree.GetParametersItem());
+    }
+    Q_EMIT StateChanged();
+}
+
+// All but the objects of the collections, and what has its values on its own line.
+void CTrvViewProcessing::Expand(const CHGItem& item) {
+    if (item.GetChildCount() == 0 || !item.GetValue().empty()) return;
+    m_grid->SetItemExpanded(item, true);
+    if (m_tree.IsCollection(item)) return;
+    for (std::size_t i = 0; const CHGItem* child = item.GetChild(i); ++i) Expand(*child);
 }
 
 void CTrvViewProcessing::timerEvent(QTimerEvent* event) {
@@ -62,6 +129,12 @@ void CTrvViewProcessing::timerEvent(QTimerEvent* event) {
     const bool running = m_document.IsSimulationRunning();
     UpdateButton(running);
     if (!running) m_poll.stop();
+}
+
+void CTrvViewProcessing::contextMenuEvent(QContextMenuEvent* event) {
+    if (!m_menu) return;
+    const bool isKey = event->reason() == QContextMenuEvent::Keyboard;
+    m_menu->popup(isKey ? mapToGlobal(kMenuPlace) : event->globalPos());
 }
 
 void CTrvViewProcessing::UpdateButton(bool running) {
