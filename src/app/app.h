@@ -35,6 +35,7 @@ class CTrvApp {
 
     CTrvCnfConfigFile& GetConfiguration() { return m_configuration; }
     const Outils_Valeurs::CTrvAdaptors& GetAdaptors() const { return m_adaptors; }
+    Outils_Valeurs::CTrvAdaptors& GetAdaptors() { return m_adaptors; }
     Outils_Plot2D::CPlot2DSettings& GetPlotSettings() { return m_plotSettings; }
     bool IsExpertMode() const { return m_expertMode; }
     // The folder of the executable, where the child programs and the user guide stand.

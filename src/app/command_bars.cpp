@@ -114,13 +114,25 @@ void CTrvCommandBars::ServeGraphs() {
     view.SetContextMenu(menu);
 }
 
+void CTrvCommandBars::ServeProcessing() {
+    auto* menu = new QMenu(&m_frame);
+    for (const SCommandRow& row : GetCommands()) {
+        if (!row.inProcessingMenu) continue;
+        if (row.newGroup && !menu->isEmpty()) menu->addSeparator();
+        menu->addAction(m_actions[row.id]);
+    }
+    m_frame.GetProcessing().SetContextMenu(menu);
+}
+
 void CTrvCommandBars::ShowAllMenus() {
     for (const auto& [id, menu] : m_menus) menu->menuAction()->setVisible(true);
 }
 
 void CTrvCommandBars::Update() {
+    const EUnits units = GetUnitsOf(m_frame.GetEquipment());
     for (const SCommandRow& row : GetCommands()) {
         QAction& action = GetAction(row.id);
+        if (row.units != EUnits::all) action.setVisible(Includes(row.units, units));
         action.setEnabled(!row.enabledWhen || row.enabledWhen(m_frame));
         if (row.tickedWhen) action.setChecked(row.tickedWhen(m_frame));
         if (row.glyphNow) ShowGlyph(action, row.glyphNow(m_frame));

@@ -24,6 +24,8 @@ class CTrvCommandBars {
     QToolBar* MakeToolBar(EBar bar, const char* name, Outils_Texte::EText title);
     // Gives the graphs their context menu and keys.
     void ServeGraphs();
+    // Gives the processing panel its context menu.
+    void ServeProcessing();
     // Offers the menus that need a project too, from now on.
     void ShowAllMenus();
     // Brings texts, pictures, ticks and states of all commands in line with the frame. Reads no file.

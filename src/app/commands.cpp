@@ -1,6 +1,7 @@
 #include "app/commands.h"
 
 #include "app/main_frame.h"
+#include "document/edits.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
 #include "views/stack_clipboard.h"
@@ -17,6 +18,7 @@ using Frame = CTrvProjectMainFrame;
 constexpr SMenuRow kMenus[] = {
     {EMenu::file, EMenu::file, EText::fileMenu, true},
     {EMenu::simulation, EMenu::simulation, EText::simulationMenu, false},
+    {EMenu::add, EMenu::simulation, EText::addMenu, false},
     {EMenu::display, EMenu::display, EText::displayMenu, false},
     {EMenu::horizontal, EMenu::display, EText::horizontalScale, false},
     {EMenu::vertical, EMenu::display, EText::verticalScale, false},
@@ -88,12 +90,69 @@ constexpr SCommandRow Mode(int id, EText text, EText tip, const char* shortcut, 
             .tickedWhen = [](const Frame& f) { return f.GetView().GetMode() == mode; }};
 }
 
+// A command of the processing panel: what it adds, and for which units.
+constexpr SCommandRow Add(int id, EText text, EText tip, EUnits units, void (*run)(Frame&),
+                          bool (*enabledWhen)(const Frame&), bool newGroup = false) {
+    return {.id = id,
+            .menu = EMenu::add,
+            .text = text,
+            .tip = tip,
+            .newGroup = newGroup,
+            .run = run,
+            .enabledWhen = enabledWhen,
+            .inProcessingMenu = true,
+            .units = units};
+}
+const Metier_Tarvel::CTrvSimulationParameters* FindParameters(const Frame& frame) {
+    const auto* project = frame.GetDocument().GetProject();
+    return project ? project->simulationParameters.get() : nullptr;
+}
+template <ESensorKind kind>
+constexpr SCommandRow AddSensor(int id, EText text, EUnits units, bool newGroup = false) {
+    return Add(
+        id, text, EText::addSensorTip, units, [](Frame& f) { f.GetDocument().GetEdits().AddSensor(kind); },
+        [](const Frame& f) { return FindParameters(f) && FindParameters(f)->CanAddSensor(kind); }, newGroup);
+}
+// An instruction in the object that `find` gives for the selected row.
+template <const auto& edit, auto find>
+constexpr SCommandRow AddInstruction(int id, EText text, EUnits units, bool newGroup = false) {
+    return Add(
+        id, text, EText::addInstructionTip, units,
+        [](Frame& f) {
+            auto& panel = f.GetProcessing();
+            if (auto* owner = (panel.GetTree().*find)(panel.GetSelected()))
+                f.GetDocument().GetEdits().Do(edit, *owner);
+        },
+        [](const Frame& f) {
+            const auto& panel = f.GetProcessing();
+            return f.HasProject() && (panel.GetTree().*find)(panel.GetSelected()) != nullptr;
+        },
+        newGroup);
+}
+template <const auto& edit>
+constexpr SCommandRow AddPeriod(int id, EText text, EUnits units,
+                                bool (*enabledWhen)(const Frame&) = HasProject) {
+    return Add(
+        id, text, EText::addInstructionTip, units, [](Frame& f) { f.GetDocument().GetEdits().Do(edit); },
+        enabledWhen);
+}
+bool TakesAltitudeModes(const Frame& frame) {
+    const auto* run = FindParameters(frame);
+    return run && run->HasAltitudeAid();
+}
+
+constexpr EUnits kOthers = EUnits::others;
+constexpr EUnits kNotSurface = EUnits::others | EUnits::land | EUnits::drone;
+using Tree = Presentation_Tarvel_Grid::CProcessingTree;
+
 using enum EGlyph;
 
 // clang-format off
 const SCommandRow kCommands[] = {
     {commandNew, EMenu::file, EText::newCommand, EText::newTip, "Ctrl+N", newProject, EBar::standard, false,
      [](Frame& f) { f.NewProject(); }},
+    {.id = commandNewFromBatch, .menu = EMenu::file, .text = EText::newFromBatch, .tip = EText::newFromBatchTip,
+     .run = [](Frame& f) { f.GetDocument().CommandNewBatch(); }},
     {commandOpen, EMenu::file, EText::open, EText::openTip, "Ctrl+O", open, EBar::standard, false,
      [](Frame& f) { f.AskAndOpen(); }},
     {commandSave, EMenu::file, EText::save, EText::saveTip, "Ctrl+S", save, EBar::standard, true,
@@ -110,6 +169,39 @@ const SCommandRow kCommands[] = {
      [](Frame& f) { f.GetProcessing().ToggleProcess(); }, HasProject, nullptr,
      [](const Frame& f) { return Text(f.IsRunning() ? EText::stop : EText::start); },
      [](const Frame& f) { return f.IsRunning() ? stop : process; }},
+
+    {.id = commandNextFault, .menu = EMenu::simulation, .text = EText::nextFault, .tip = EText::nextFaultTip,
+     .shortcut = "F8", .run = [](Frame& f) { f.GetProcessing().SelectNextFault(); },
+     .enabledWhen = [](const Frame& f) { return f.GetProcessing().GetTree().GetFaultCount() > 0; }},
+    {.id = commandImportConfiguration, .menu = EMenu::simulation, .text = EText::importConfiguration,
+     .tip = EText::importConfigurationTip, .newGroup = true, .run = [](Frame& f) { f.ImportConfiguration(); },
+     .enabledWhen = HasProject},
+    {.id = commandBatchFile, .menu = EMenu::simulation, .text = EText::prepareBatch, .tip = EText::prepareBatchTip,
+     .run = [](Frame& f) { f.GetDocument().PrepareBatchCommandFile(); }, .enabledWhen = HasProject},
+
+    Add(commandAddDataFile, EText::addDataFile, EText::addDataFileTip, EUnits::all,
+        [](Frame& f) { f.GetDocument().GetEdits().Do(Edits::kAddDataFile); }, HasProject, true),
+    AddSensor<ESensorKind::gps>(commandAddGps, EText::addGps, EUnits::all, true),
+    AddSensor<ESensorKind::dvl>(commandAddDvl, EText::addDvl, kOthers),
+    AddSensor<ESensorKind::emLog>(commandAddEMLog, EText::addEMLog, kOthers),
+    AddSensor<ESensorKind::depth>(commandAddDepth, EText::addDepth, kOthers),
+    AddSensor<ESensorKind::usbl>(commandAddUsbl, EText::addUsbl, kOthers),
+    AddSensor<ESensorKind::lbl>(commandAddLbl, EText::addLbl, kOthers),
+    AddSensor<ESensorKind::odometer>(commandAddOdometer, EText::addOdometer, kOthers | EUnits::land),
+    AddSensor<ESensorKind::eventMarker>(commandAddEventMarker, EText::addEventMarker, kNotSurface),
+    AddSensor<ESensorKind::platformOrientation>(commandAddPlatformOrientation, EText::addMount,
+                                                kOthers | EUnits::drone),
+    AddInstruction<Edits::kAddRejectionInstruction, &Tree::FindGroup>(commandAddRejection, EText::addRejection,
+                                                                      EUnits::all, true),
+    AddPeriod<Edits::kAddZupt>(commandAddZupt, EText::addZupt, kNotSurface),
+    AddPeriod<Edits::kAddOutputRate>(commandAddOutputRate, EText::addOutputRate, EUnits::all),
+    AddPeriod<Edits::kAddAltitudeMode>(commandAddAltitudeMode, EText::addAltitudeMode, kOthers | EUnits::surface,
+                                       TakesAltitudeModes),
+    AddInstruction<Edits::kAddHorizontalFilteringInstruction, &Tree::FindUsbl>(commandAddFiltering, EText::addFiltering,
+                                                                               kOthers | EUnits::surface),
+    Add(commandRemove, EText::removeItem, EText::removeItemTip, EUnits::all,
+        [](Frame& f) { f.GetProcessing().RemoveSelected(); },
+        [](const Frame& f) { return f.HasProject() && f.GetProcessing().CanRemoveSelected(); }, true),
 
     Toggle<commandMenuBar>(EText::showMenuBar, "Ctrl+M"),
     Toggle<commandStandardBar>(EText::showStandardBar, "Ctrl+Shift+T"),
@@ -162,6 +254,8 @@ const SCommandRow kCommands[] = {
      .enabledWhen = [](const Frame& f) { return f.GetView().HasSelectedCurve(); }, .graphMenu = EContext::top,
      .graphKeys = "Del"},
 
+    {.id = commandSettings, .menu = EMenu::tools, .text = EText::settings, .tip = EText::settingsTip,
+     .shortcut = "Ctrl+,", .run = [](Frame& f) { f.ShowSettings(); }},
     {commandClearOutput, EMenu::tools, EText::clearOutput, EText::clearOutputTip, "Ctrl+Shift+Del", clear,
      EBar::standard, true, [](Frame& f) { f.GetOutput().clear(); }},
 
@@ -175,6 +269,18 @@ const SCommandRow kCommands[] = {
 // clang-format on
 
 } // namespace
+
+EUnits GetUnitsOf(std::int32_t equipment) {
+    switch (equipment) {
+    case 1:
+    case 2: return EUnits::surface;
+    case 13:
+    case 15:
+    case 18: return EUnits::land;
+    case 14: return EUnits::drone;
+    default: return EUnits::others;
+    }
+}
 
 std::span<const SMenuRow> GetMenus() { return kMenus; }
 std::span<const SCommandRow> GetCommands() { return kCommands; }

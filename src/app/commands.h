@@ -13,10 +13,28 @@ namespace Application_Tarvel {
 class CTrvProjectMainFrame;
 
 // Where a command stands. The numbers of commands and bars are stable: they are kept in the user's settings.
-enum class EMenu { file, simulation, display, horizontal, vertical, mouse, tools, help, count };
+enum class EMenu { file, simulation, add, display, horizontal, vertical, mouse, tools, help, count };
 enum class EBar { none, standard, tools };
 // Where a command is in a context menu: directly, or under the title of its own menu.
 enum class EContext { none, top, submenu };
+
+// The inertial units that have a command: each kind of unit has a main menu and a menu of the processing
+// panel, in which the others' commands are missing.
+enum class EUnits : std::uint8_t {
+    surface = 1, // the main menu 1053, and 1083 of the panel
+    land = 2,    // 1052, 1082
+    drone = 4,   // 1051, 1081
+    others = 8,  // 1050, 1080, and without a project
+    all = 15
+};
+constexpr EUnits operator|(EUnits left, EUnits right) {
+    return static_cast<EUnits>(static_cast<int>(left) | static_cast<int>(right));
+}
+constexpr bool Includes(EUnits all, EUnits one) {
+    return (static_cast<int>(all) & static_cast<int>(one)) != 0;
+}
+// By the equipment code of the project; 0 without one.
+EUnits GetUnitsOf(std::int32_t equipment);
 
 enum ECommand : int {
     commandProcess = 2,
@@ -37,11 +55,32 @@ enum ECommand : int {
     commandModeSelect = 32850,
     commandModePan = 32851,
     commandModeZoom = 32852,
+    commandAddDataFile = 32860,
+    commandAddGps = 32861,
+    commandAddDvl = 32862,
+    commandAddEMLog = 32863,
+    commandAddDepth = 32864,
+    commandAddUsbl = 32865,
+    commandAddLbl = 32866,
+    commandAddOdometer = 32867,
+    commandAddEventMarker = 32868,
+    commandAddPlatformOrientation = 32869,
+    commandAddRejection = 32870,
+    commandAddZupt = 32871,
+    commandAddOutputRate = 32872,
+    commandAddAltitudeMode = 32873,
+    commandRemove = 32874,
+    commandSettings = 32876,
     commandLegends = 32877,
     commandEcho = 32878,
     commandClearOutput = 32879,
     commandUserGuide = 32882,
     commandContactSupport = 32883,
+    commandAddFiltering = 32888,
+    commandBatchFile = 32889,
+    commandNewFromBatch = 32890,
+    commandNextFault = 32895,
+    commandImportConfiguration = 32896,
     commandNew = 57600,
     commandOpen = 57601,
     commandSave = 57603,
@@ -81,6 +120,9 @@ struct SCommandRow {
     // focus.
     EContext graphMenu = EContext::none;
     const char* graphKeys = "";
+    // In the menu of the processing panel, and for which units that menu and the main menu offer it.
+    bool inProcessingMenu = false;
+    EUnits units = EUnits::all;
 };
 
 std::span<const SMenuRow> GetMenus();

@@ -13,6 +13,14 @@
 
 class QWidget;
 
+namespace Dialogue_Tarvel {
+class CDataFileChannelChooser;
+class CNewFromBatchParametersDlg;
+class CNewProjectWizard;
+class CRoughMisalignmentChooser;
+class CTrvSettingsDlg;
+} // namespace Dialogue_Tarvel
+
 namespace Application_Tarvel {
 
 // UI thread. `parent` is the window over which a dialog stands; every dialog returns when it was answered.
@@ -24,6 +32,12 @@ class IDialogs {
     // As IQuestions::AskPath.
     virtual std::vector<std::filesystem::path> AskPath(QWidget* parent, const SPathQuestion& question) = 0;
     virtual void ShowAbout(QWidget* parent, const CVersionInfo& version) = 0;
+    // Each shows the dialog, and returns whether it ended with OK: its logic then holds the result.
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CNewProjectWizard& dialog) = 0;
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CNewFromBatchParametersDlg& dialog) = 0;
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) = 0;
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) = 0;
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) = 0;
     // Hands the link to the program that the desktop has for it; false when there is none.
     virtual bool OpenLink(const QUrl& link) = 0;
 };
@@ -33,6 +47,11 @@ class CWindowDialogs final : public IDialogs {
     EAnswer ShowMessage(QWidget* parent, const std::string& text, EButtons buttons, EIcon icon) override;
     std::vector<std::filesystem::path> AskPath(QWidget* parent, const SPathQuestion& question) override;
     void ShowAbout(QWidget* parent, const CVersionInfo& version) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CNewProjectWizard& dialog) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CNewFromBatchParametersDlg& dialog) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) override;
     bool OpenLink(const QUrl& link) override;
 };
 

@@ -57,10 +57,15 @@ EOutcome CTrvFrameHost::Refuse(std::string_view name) {
     return EOutcome::unavailable;
 }
 
-EOutcome CTrvFrameHost::MakeProject(SMadeProject&) { return Refuse(GetText(EText::makeProjectName)); }
+EOutcome CTrvFrameHost::MakeProject(SMadeProject& made) {
+    const CPlainCursor plain(*this);
+    return m_makeProject ? m_makeProject(made) : Refuse(GetText(EText::makeProjectName));
+}
 
-EOutcome CTrvFrameHost::MakeProjectFrom(const std::filesystem::path&, SMadeProject&) {
-    return Refuse(GetText(EText::newFromBatchTitle));
+EOutcome CTrvFrameHost::MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made) {
+    const CPlainCursor plain(*this);
+    return m_makeProjectFrom ? m_makeProjectFrom(commandFile, made)
+                             : Refuse(GetText(EText::newFromBatchTitle));
 }
 
 EOutcome CTrvFrameHost::UpdateDataFile(const std::filesystem::path& path) {

@@ -41,6 +41,12 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
     EAnswer ShowMessage(const std::string& text, EButtons buttons, EIcon icon) override;
     std::vector<std::filesystem::path> AskPath(const SPathQuestion& question) override;
     // The dialogs of these have no windows yet.
+    // Show the dialogs that make a project; empty, as at the start, for none.
+    void SetProjectMakers(std::function<EOutcome(SMadeProject&)> make,
+                          std::function<EOutcome(const std::filesystem::path&, SMadeProject&)> makeFrom) {
+        m_makeProject = std::move(make);
+        m_makeProjectFrom = std::move(makeFrom);
+    }
     EOutcome MakeProject(SMadeProject& made) override;
     EOutcome MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made) override;
     EOutcome UpdateDataFile(const std::filesystem::path& path) override;
@@ -69,6 +75,8 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
     const std::filesystem::path m_programFolder, m_userFolder;
     Communication_Processus::CMorvexReceiver m_receiver;
     std::function<void(std::int32_t)> m_onEquipment;
+    std::function<EOutcome(SMadeProject&)> m_makeProject;
+    std::function<EOutcome(const std::filesystem::path&, SMadeProject&)> m_makeProjectFrom;
     int m_waitCursors = 0;
     QWidget* m_window = nullptr;          // not owned
     CTrvOutputWnd* m_output = nullptr;    // not owned

@@ -3,6 +3,11 @@
 #include "app/appearance.h"
 #include "app/command_bars.h"
 #include "app/status_bar.h"
+#include "dialogs/choosers.h"
+#include "dialogs/project_dialogs.h"
+#include "dialogs/rough_misalignment.h"
+#include "dialogs/settings_dialog.h"
+#include "document/edits.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
@@ -17,6 +22,9 @@
 #include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
+
+#include <algorithm>
+#include <utility>
 
 namespace Application_Tarvel {
 
@@ -50,13 +58,18 @@ class CPanelSpace final : public QWidget {
     const QSize m_size;
 };
 
-// The project among what is dragged; empty when there is none or more than one file.
-std::filesystem::path ProjectOf(const QMimeData& data) {
-    const QList<QUrl> links = data.urls();
-    if (links.size() != 1 || !links[0].isLocalFile()) return {};
-    const QString file = links[0].toLocalFile();
-    return file.endsWith(Text(EText::projectExtension), Qt::CaseInsensitive) ? ToPath(file)
-                                                                             : std::filesystem::path();
+// The local files among what is dragged; empty when anything else is.
+std::vector<std::filesystem::path> FilesOf(const QMimeData& data) {
+    std::vector<std::filesystem::path> files;
+    for (const QUrl& link : data.urls()) {
+        if (!link.isLocalFile()) return {};
+        files.push_back(ToPath(link.toLocalFile()));
+    }
+    return files;
+}
+
+bool IsProject(const std::filesystem::path& path) {
+    return ToQString(path).endsWith(Text(EText::projectExtension), Qt::CaseInsensitive);
 }
 
 } // namespace
@@ -78,7 +91,8 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     m_view = new CTrvView1D(m_document, application.GetConfiguration(), application.GetAdaptors(),
                             application.GetPlotSettings(), this);
     setCentralWidget(m_view);
-    m_processing = new CTrvViewProcessing(m_document);
+    m_processing =
+        new CTrvViewProcessing(m_document, application.GetConfiguration(), application.GetAdaptors());
     m_output = new CTrvOutputWnd;
     m_statusBar = new CTrvStatusBar(this);
     setStatusBar(m_statusBar);
@@ -87,12 +101,18 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
         m_equipment = equipment;
         m_commands->ShowAllMenus();
     });
+    m_host.SetProjectMakers(
+        [this](SMadeProject& made) { return MakeProject(made, std::exchange(m_dropped, {})); },
+        [this](const std::filesystem::path& file, SMadeProject& made) {
+            return MakeProjectFrom(file, made);
+        });
     // Known from the start on: menus ask for it at each refresh.
     std::error_code error;
     m_hasUserGuide = std::filesystem::is_regular_file(m_application.GetUserGuide(), error);
 
     m_commands = std::make_unique<CTrvCommandBars>(*this);
     m_commands->ServeGraphs();
+    m_commands->ServeProcessing();
     m_bars[commandMenuBar] = menuBar();
     m_bars[commandStandardBar] =
         m_commands->MakeToolBar(EBar::standard, "standardBar", EText::standardBarTitle);
@@ -109,6 +129,9 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     RestoreWindow();
 
     connect(m_view, &CTrvView1D::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
+    connect(m_processing, &CTrvViewProcessing::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
+    connect(m_processing, &CTrvViewProcessing::DialogRequested, this,
+            [this](Presentation_Tarvel_Grid::CHGItem* item) { ChooseValue(*item); });
     m_document.AddView(this);
     UpdateFrame();
     m_view->setFocus();
@@ -118,6 +141,8 @@ CTrvProjectMainFrame::~CTrvProjectMainFrame() {
     // The widgets go after this: from here on nothing reaches a window that is half gone.
     m_document.RemoveView(this);
     m_view->disconnect(this);
+    m_processing->disconnect(this);
+    m_host.SetProjectMakers({}, {});
     for (auto& [command, bar] : m_bars) bar->disconnect(this);
     m_host.SetOnEquipment({});
     m_host.Attach(nullptr, nullptr, nullptr);
@@ -162,6 +187,62 @@ void CTrvProjectMainFrame::ContactSupport() {
 }
 
 void CTrvProjectMainFrame::ShowAbout() { m_dialogs.ShowAbout(this, GetVersionInfo()); }
+
+void CTrvProjectMainFrame::ShowSettings() {
+    Dialogue_Tarvel::CTrvSettingsDlg dialog(m_host, m_application.GetConfiguration(),
+                                            m_application.GetAdaptors(), m_application.IsExpertMode());
+    if (!m_dialogs.Show(this, dialog)) return;
+    ApplyAppearance();
+    m_view->Reformat();
+    m_processing->Reformat();
+}
+
+void CTrvProjectMainFrame::ImportConfiguration() {
+    const auto chosen = m_host.AskPath({EPathKind::open, EText::wizardConfiguration,
+                                        Dialogue_Tarvel::CNewProjectWizard::kConfigurationFilter, "txt"});
+    if (chosen.empty()) return;
+    auto& configuration = *m_document.GetProject()->simulationParameters->nelixConfiguration;
+    m_document.GetEdits().Do(Edits::kChangeNelixConfiguration, configuration,
+                             Procedures::CNelixValues::Of(configuration), chosen.front());
+}
+
+EOutcome CTrvProjectMainFrame::MakeProject(SMadeProject& made, std::vector<std::filesystem::path> files) {
+    Dialogue_Tarvel::CNewProjectWizard dialog(m_host, m_application.GetConfiguration(),
+                                              m_document.GetFileLooks());
+    if (!files.empty()) dialog.ChooseInputFiles(files);
+    if (!m_dialogs.Show(this, dialog)) return EOutcome::cancelled;
+    made = {dialog.TakeProject(), dialog.GetProjectPath()};
+    return EOutcome::done;
+}
+
+EOutcome CTrvProjectMainFrame::MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made) {
+    Dialogue_Tarvel::CNewFromBatchParametersDlg dialog(m_host, m_application.GetConfiguration(),
+                                                       m_document.GetFileLooks());
+    if (!dialog.Load(commandFile)) return EOutcome::failed;
+    if (!m_dialogs.Show(this, dialog)) return EOutcome::cancelled;
+    made = {dialog.TakeProject(), dialog.GetProjectPath()};
+    return EOutcome::done;
+}
+
+// A value that is chosen from what the project has.
+void CTrvProjectMainFrame::ChooseValue(const Presentation_Tarvel_Grid::CHGItem& item) {
+    auto& run = *m_document.GetProject()->simulationParameters;
+    if (auto* sensor = m_processing->GetTree().FindSensor(&item)) {
+        Dialogue_Tarvel::CDataFileChannelChooser chooser(run, *sensor);
+        if (!m_dialogs.Show(this, chooser)) return;
+        if (const auto* row = chooser.OnOK())
+            m_document.GetEdits().Do(Edits::kChangeSensorDataFileChannel, *sensor, *row->data);
+        return;
+    }
+    auto& configuration = *run.nelixConfiguration;
+    Dialogue_Tarvel::CRoughMisalignmentChooser chooser(configuration.roughMisalignment,
+                                                       configuration.type->equipment);
+    if (!m_dialogs.Show(this, chooser)) return;
+    auto values = Procedures::CNelixValues::Of(configuration);
+    values.Get<&Metier_Tarvel::CTrvNelixConfiguration::roughMisalignment>() = chooser.GetCode();
+    m_document.GetEdits().Do(Edits::kChangeNelixConfiguration, configuration, values,
+                             std::filesystem::path());
+}
 
 QDockWidget* CTrvProjectMainFrame::MakePanel(int command, const char* name, EText title, QWidget* content,
                                              QSize size, Qt::DockWidgetArea area) {
@@ -224,15 +305,28 @@ void CTrvProjectMainFrame::closeEvent(QCloseEvent* event) {
 }
 
 void CTrvProjectMainFrame::dragEnterEvent(QDragEnterEvent* event) {
-    if (!ProjectOf(*event->mimeData()).empty()) event->acceptProposedAction();
+    const auto files = FilesOf(*event->mimeData());
+    // One project is opened; of recordings a project is made.
+    if (files.empty() || (files.size() > 1 && std::ranges::any_of(files, IsProject))) return;
+    event->acceptProposedAction();
 }
 
 void CTrvProjectMainFrame::dropEvent(QDropEvent* event) {
-    const auto path = ProjectOf(*event->mimeData());
-    if (path.empty()) return;
+    const auto files = FilesOf(*event->mimeData());
+    if (files.empty()) return;
     event->acceptProposedAction();
     // Later: the program the file was dragged from waits until this returns, and opening may ask questions.
-    QTimer::singleShot(0, this, [this, path] { OpenProject(path); });
+    QTimer::singleShot(0, this, [this, files] { Take(files); });
+}
+
+void CTrvProjectMainFrame::Take(const std::vector<std::filesystem::path>& files) {
+    if (IsProject(files.front())) {
+        OpenProject(files.front());
+    } else {
+        m_dropped = files;
+        NewProject();
+        m_dropped.clear();
+    }
 }
 
 } // namespace Application_Tarvel

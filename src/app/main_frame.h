@@ -16,6 +16,7 @@
 
 #include <map>
 #include <memory>
+#include <vector>
 
 class QSettings;
 
@@ -62,6 +63,8 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void OpenUserGuide();
     void ContactSupport();
     void ShowAbout();
+    void ShowSettings();
+    void ImportConfiguration();
 
     // The style and colours of the `appearance` setting; again after a change of it.
     void ApplyAppearance();
@@ -76,6 +79,11 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void dropEvent(QDropEvent* event) override;
 
   private:
+    EOutcome MakeProject(SMadeProject& made, std::vector<std::filesystem::path> files);
+    EOutcome MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made);
+    // What was dropped on the window.
+    void Take(const std::vector<std::filesystem::path>& files);
+    void ChooseValue(const Presentation_Tarvel_Grid::CHGItem& item);
     QDockWidget* MakePanel(int command, const char* name, EText title, QWidget* content, QSize size,
                            Qt::DockWidgetArea area);
     void RestoreWindow();
@@ -87,6 +95,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     CRecentFiles m_recentFiles;
     CTrvFrameHost& m_host;
     CTrvDocument& m_document;
+    std::vector<std::filesystem::path> m_dropped; // recordings for the next new project
     // The widgets belong to the window.
     CTrvStatusBar* m_statusBar = nullptr;
     CTrvOutputWnd* m_output = nullptr;

@@ -19,6 +19,11 @@ class CSilentDialogs final : public IDialogs {
     EAnswer ShowMessage(QWidget*, const std::string& text, EButtons buttons, EIcon) override;
     std::vector<std::filesystem::path> AskPath(QWidget*, const SPathQuestion&) override { return {}; }
     void ShowAbout(QWidget*, const CVersionInfo&) override {}
+    bool Show(QWidget*, Dialogue_Tarvel::CNewProjectWizard&) override { return false; }
+    bool Show(QWidget*, Dialogue_Tarvel::CNewFromBatchParametersDlg&) override { return false; }
+    bool Show(QWidget*, Dialogue_Tarvel::CDataFileChannelChooser&) override { return false; }
+    bool Show(QWidget*, Dialogue_Tarvel::CRoughMisalignmentChooser&) override { return false; }
+    bool Show(QWidget*, Dialogue_Tarvel::CTrvSettingsDlg&) override { return false; }
     bool OpenLink(const QUrl&) override { return false; }
 
   private:

@@ -149,12 +149,14 @@ CTrvOutputRate* CTrvSimulationParameters::AddOutputRate() {
 
 CTrvZupt* CTrvSimulationParameters::AddZupt() { return AppendOwned(zupts, std::make_unique<CTrvZupt>()); }
 
-CTrvAltitudeMode* CTrvSimulationParameters::AddAltitudeMode() {
+bool CTrvSimulationParameters::HasAltitudeAid() const {
     constexpr std::int32_t kWithoutAltitudeAid[] = {13, 14, 15, 18};
-    const std::int32_t equipment = nelixConfiguration->type->equipment;
-    if (std::find(std::begin(kWithoutAltitudeAid), std::end(kWithoutAltitudeAid), equipment) !=
-        std::end(kWithoutAltitudeAid))
-        return nullptr;
+    return std::ranges::find(kWithoutAltitudeAid, nelixConfiguration->type->equipment) ==
+           std::end(kWithoutAltitudeAid);
+}
+
+CTrvAltitudeMode* CTrvSimulationParameters::AddAltitudeMode() {
+    if (!HasAltitudeAid()) return nullptr;
     return AppendOwned(altitudeModes, std::make_unique<CTrvAltitudeMode>());
 }
 

@@ -86,7 +86,9 @@ class CTrvSimulationParameters : public TRuntimeClass<CTrvSimulationParameters, 
 
     CTrvOutputRate* AddOutputRate();
     CTrvZupt* AddZupt();
-    // Null for the equipment codes that have no altitude aid: 13, 14, 15, 18.
+    // False for the equipment codes 13, 14, 15 and 18.
+    bool HasAltitudeAid() const;
+    // Null without an altitude aid.
     CTrvAltitudeMode* AddAltitudeMode();
     // Each deletes the object; false if it is not in the list.
     bool RemoveOutputRate(const CTrvOutputRate* rate);

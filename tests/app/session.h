@@ -14,6 +14,7 @@
 
 #include <cstdlib>
 #include <deque>
+#include <functional>
 
 namespace test {
 
@@ -39,6 +40,23 @@ class CScriptedDialogs final : public IDialogs {
         return path ? std::vector{*path} : std::vector<std::filesystem::path>();
     }
     void ShowAbout(QWidget*, const CVersionInfo&) override { ++m_abouts; }
+    // Fill the dialog in and answer it; cancelled when there is none.
+    std::function<bool(Dialogue_Tarvel::CNewProjectWizard&)> m_wizard;
+    std::function<bool(Dialogue_Tarvel::CNewFromBatchParametersDlg&)> m_batch;
+    std::function<bool(Dialogue_Tarvel::CDataFileChannelChooser&)> m_channel;
+    std::function<bool(Dialogue_Tarvel::CRoughMisalignmentChooser&)> m_rough;
+    std::function<bool(Dialogue_Tarvel::CTrvSettingsDlg&)> m_settings;
+    bool Show(QWidget*, Dialogue_Tarvel::CNewProjectWizard& d) override { return m_wizard && m_wizard(d); }
+    bool Show(QWidget*, Dialogue_Tarvel::CNewFromBatchParametersDlg& d) override {
+        return m_batch && m_batch(d);
+    }
+    bool Show(QWidget*, Dialogue_Tarvel::CDataFileChannelChooser& d) override {
+        return m_channel && m_channel(d);
+    }
+    bool Show(QWidget*, Dialogue_Tarvel::CRoughMisalignmentChooser& d) override {
+        return m_rough && m_rough(d);
+    }
+    bool Show(QWidget*, Dialogue_Tarvel::CTrvSettingsDlg& d) override { return m_settings && m_settings(d); }
     bool OpenLink(const QUrl& link) override {
         m_links.push_back(link);
         return m_linkOpens;
