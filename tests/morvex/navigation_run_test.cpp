@@ -125,6 +125,19 @@ TEST(NavigationRun, ShipUnderWayIsNavigatedBetterThanItsFixes) {
     EXPECT_EQ(Field(results.front(), "UTC Minute"), utc.minute);
     EXPECT_NEAR(Field(results.front(), "UTC Second"), utc.second, 1e-3);
 
+    // The estimates, once a second: the lever arm as stated, and the way of the vehicle.
+    const auto estimates = folder.ReadResult<CXpfTaroutMorvexExtPacketV1>("MORVEX_EXT");
+    EXPECT_NEAR(static_cast<double>(estimates.size()), 210.0, 3.0);
+    const Simulation::STruth last = mission.GetTruth(estimates.back().GetPacketDate().GetTotalSeconds());
+    for (const auto& [name, expected, tolerance] : {std::tuple{"Latitude", last.latitude, 1e-5},
+                                                    {"Speed west", -last.speedEast, 0.3},
+                                                    {"Lever arm GPS1 Z", 8.0, 0.2},
+                                                    {"Acc Z", 9.8, 1.0}}) {
+        double value = 0.0;
+        ASSERT_TRUE(estimates.back().GetDouble(kMorvexExtLayout.IndexOf(name), value)) << name;
+        EXPECT_NEAR(value, expected, tolerance) << name;
+    }
+
     EXPECT_TRUE(std::is_sorted(monitor.progress.begin(), monitor.progress.end()));
     EXPECT_EQ(monitor.progress.back(), 100.0);
     EXPECT_TRUE(monitor.Has(EText::rejectedFixes));
