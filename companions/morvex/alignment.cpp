@@ -60,7 +60,11 @@ bool CAlignment::Start(const SStretch& stretch) {
 
 CAlignment::EState CAlignment::Continue(const SStretch& stretch) {
     if (m_stopped) return EState::stopped;
-    for (; m_probed < stretch.samples.size(); ++m_probed) m_noise.Add(stretch.samples[m_probed]);
+    for (; m_probed < stretch.samples.size(); ++m_probed) {
+        const SImuSample& sample = stretch.samples[m_probed];
+        m_noise.Add(sample);
+        m_accelNoise.Add(sample.time, sample.span, sample.gap, sample.velocity);
+    }
     if (stretch.samples.empty() || (m_banks.empty() && !Start(stretch))) return EState::needsMore;
 
     const double end = stretch.samples.back().time;
@@ -112,8 +116,11 @@ std::optional<SAlignment> CAlignment::Finish(const SStretch& stretch) {
 // With the noise that was found, as far as it is that of the grade and not of the vehicle's vibration.
 SSensorGrade CAlignment::GetGrade(std::size_t index) const {
     SSensorGrade grade = kSensorGrades[index];
-    grade.gyroNoise =
-        std::clamp(m_noise.GetAngleNoise(), kQuietest * grade.gyroNoise, kNoisiest * grade.gyroNoise);
+    const auto within = [](double found, double usual) {
+        return std::clamp(found, kQuietest * usual, kNoisiest * usual);
+    };
+    grade.gyroNoise = within(m_noise.GetNoise(), grade.gyroNoise);
+    grade.accelNoise = within(m_accelNoise.GetNoise(), grade.accelNoise);
     return grade;
 }
 

@@ -64,7 +64,7 @@ class CAlignment {
     std::vector<CHypothesisBank> m_banks; // by grade, finest first; empty until the first fix
     std::vector<bool> m_givenUp;          // by bank
     std::size_t m_active = 0;             // the finest that the noise allows and that has not been given up
-    CNoiseProbe m_noise;
+    CNoiseProbe m_noise, m_accelNoise;
     std::size_t m_probed = 0; // samples that the probe has seen
     double m_start = 0.0;     // the first fix, s
     bool m_stopped = false;

@@ -142,6 +142,18 @@ void CGapBridge::Fill(const SImuSample& sample, std::span<const SImuSample> afte
         bridge.bend.segment<3>(first) = one.bend.segment<3>(first);
         deviation.segment<3>(first) = longer * trial.squares[best].segment<3>(first).cwiseSqrt();
     }
+    // A longer hole never counts as better known than a shorter one, as it would be when it is as long as a
+    // wave: half of it is tried as well, and half of that.
+    for (int shorter = tried / 2; trial.isGood && shorter > 0; shorter /= 2) {
+        const STrial other = Try(shorter, std::max(std::min(window, shorter / 4), 1));
+        for (const int first : {0, 3}) {
+            auto ours = deviation.segment<3>(first);
+            const auto* best = std::ranges::min_element(other.squares, {}, [first](const Vector6d& squares) {
+                return squares.segment<3>(first).sum();
+            });
+            ours = ours.cwiseMax(best->segment<3>(first).cwiseSqrt()).eval();
+        }
+    }
     deviation.array() += kSmallest;
 
     if (gap <= kDivided) {

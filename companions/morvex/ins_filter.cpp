@@ -9,6 +9,7 @@
 namespace Morvex {
 namespace {
 
+constexpr double kTurnTime = 4.0;        // s that a rate lasts in the turns of a vehicle
 constexpr double kCovarianceStep = 0.05; // s: attitude moves little within it
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
@@ -171,10 +172,13 @@ void CInsFilter::PropagateCovariance() {
 
     // The noise is the same along all axes of the unit, so it needs no turning into the level.
     auto addNoise = [&p](int group, double variance) { p.diagonal().segment<3>(group).array() += variance; };
-    // An error in proportion to a rate is constant while the rate lasts, about a second on a moving vehicle.
-    const double scale = m_grade.gyroScale * m_pendingRotation.norm();
-    addNoise(stateAttitude, m_grade.gyroNoise * m_grade.gyroNoise * dt + scale * scale / dt);
-    addNoise(stateVelocity, m_grade.accelNoise * m_grade.accelNoise * dt);
+    // An error in proportion to a rate or to a force lasts as long as these.
+    const double scale = m_grade.scale * m_pendingRotation.norm();
+    addNoise(stateAttitude, m_grade.gyroNoise * m_grade.gyroNoise * dt + kTurnTime * scale * scale / dt);
+    const double gravity = NormalGravity(std::sin(m_strapdown.Get().position[0]), 0.0);
+    const Vector3d moved = m_pendingForce - Vector3d(0.0, 0.0, gravity * dt);
+    const double push = m_grade.scale * moved.norm();
+    addNoise(stateVelocity, m_grade.accelNoise * m_grade.accelNoise * dt + kTurnTime * push * push / dt);
     addNoise(stateGyroBias, m_grade.gyroDrift * m_grade.gyroDrift * dt);
     addNoise(stateAccelBias, m_grade.accelDrift * m_grade.accelDrift * dt);
     p.topLeftCorner<kStates, kStates>() =

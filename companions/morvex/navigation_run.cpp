@@ -2,6 +2,7 @@
 
 #include "foundation/numbers.h"
 #include "foundation/texts.h"
+#include "morvex/state_packets.h"
 #include "xpf/utc_fields.h"
 
 #include <algorithm>
@@ -23,9 +24,12 @@ constexpr double kGapWithoutResult = 1.0;
 constexpr double kReadAhead = 30.0; // s, between two looks at the alignment
 constexpr double kGpsGap = 10.0;    // s, from which a gap is reported
 constexpr int kMostGapsTold = 50;
-constexpr double kLeastArm = 1.0;        // m: a difference that is worth a warning
-constexpr double kLeastLag = 0.02;       // s
-constexpr double kLeastScale = 0.02;     // one part in one: a difference that is worth a warning
+constexpr double kLeastArm = 1.0;    // m: a difference that is worth a warning
+constexpr double kLeastLag = 0.02;   // s
+constexpr double kLeastScale = 0.02; // one part in one: a difference that is worth a warning
+constexpr std::size_t kUtcPackets = 101;
+constexpr double kEstimateSpan = 0.9999; // s, between two packets of estimates
+constexpr double kStateSpan = 9.9999;    // s, of internal states: a covariance is long
 constexpr double kScaleSpan = 30.0;      // s, between two looks at the scales
 constexpr double kLagToWarnOf = 0.05;    // s
 constexpr double kHeightUnaided = 120.0; // s, after which the height is held
@@ -128,6 +132,7 @@ ERunEnd CNavigationRun::Execute() {
         return ERunEnd::failed;
     }
     if (!m_plan.sensorsNotUsed.empty()) Tell(ELevel::warning, EText::sensorsNotUsed, {m_plan.sensorsNotUsed});
+    for (const std::string& setting : m_plan.ignored) Tell(ELevel::warning, EText::settingIgnored, {setting});
     if (m_plan.heave == EHeave::none) Tell(ELevel::information, EText::heaveNotComputed);
     Prepare();
     const std::filesystem::path folder = m_plan.output.parent_path();
@@ -259,12 +264,19 @@ void CNavigationRun::FindUtcOrigin() {
     CPacketStream stream;
     SChannelPlan plan = m_plan.imu;
     plan.channel = "UTC";
+    // A packet may be dated late or hold a second that is already over: the middle of many counts.
+    std::vector<std::uint64_t> origins;
     CPayload payload;
-    while (stream.Open(plan, kUtcLayout) && stream.Next(payload)) {
+    const bool isOpen = stream.Open(plan, kUtcLayout);
+    while (isOpen && origins.size() < kUtcPackets && stream.Next(payload)) {
         CDateTime date = Persistance_Xpf::SUtcFields(payload.GetBytes()).GetOrigin();
         date -= CDateTimeSpan::FromSeconds(stream.GetTimeOffset());
-        if (!date.IsValid()) break;
-        m_result.SetUtcOrigin(date);
+        if (date.IsValid()) origins.push_back(date.GetTicks());
+    }
+    if (!origins.empty()) {
+        const auto middle = origins.begin() + static_cast<std::ptrdiff_t>(origins.size() / 2);
+        std::ranges::nth_element(origins, middle);
+        m_result.SetUtcOrigin(CDateTime(*middle));
         return;
     }
     Tell(ELevel::warning, EText::noUtc);
@@ -321,6 +333,7 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
     m_nextRest = begin + kRestSpan;
     m_nextLand = begin + kLandSpan;
     m_nextScales = begin + kScaleSpan;
+    m_nextEstimates = m_nextStates = begin;
     m_lastFix = begin;
     if (!stretch.fixes.empty()) m_fixMonitor.SetGeoidHeight(stretch.fixes.front().geoidHeight);
     while (m_marks.Peek() && m_marks.Peek()->time < begin) m_marks.Pop();
@@ -380,6 +393,7 @@ bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample
     if (m_land && m_time >= m_nextLand) change(m_time, [&] { ObserveLand(filter); });
     if (m_time >= m_nextHeightHold) change(m_time, [&] { ObserveHeight(filter); });
     if (m_time >= m_nextScales) WatchScales(filter);
+    if (m_time >= m_nextEstimates) WriteStates(filter);
     if (m_smoothing && m_time - m_lastEpoch >= kEpochSpan) change(m_time, [] {});
     m_results.AddMotion(filter.GetStrapdown());
     if (!WriteBetween(filter, before, m_time + kJustBefore) || m_writeFailed) return false;
@@ -504,6 +518,17 @@ void CNavigationRun::WatchScales(CInsFilter& filter) {
         Tell(ELevel::warning, EText::sensorScaled,
              {GetChannel(row.kind), FormatFixed(100.0 * scale, 1), FormatFixed(100.0 * deviation, 1)});
     }
+}
+
+void CNavigationRun::WriteStates(CInsFilter& filter) {
+    m_nextEstimates = m_time + kEstimateSpan;
+    const NavigationCovariance covariance = filter.Get().covariance.topLeftCorner<9, 9>();
+    const SEstimateContext context{m_fixMonitor.GetGeoidHeight(), m_fixMonitor.GetStatus1(m_time, covariance),
+                                   m_fixMonitor.GetStatus2(m_time)};
+    if (!m_result.WriteEstimates(MakeEstimatePacket(filter, m_plan, context))) m_writeFailed = true;
+    if (m_time < m_nextStates) return;
+    m_nextStates = m_time + kStateSpan;
+    if (!m_result.WriteStates(MakeStatePacket(filter))) m_writeFailed = true;
 }
 
 std::string_view CNavigationRun::GetChannel(EAiding kind) const {

@@ -56,6 +56,8 @@ class CNavigationRun {
     EFixResult Use(CInsFilter& filter, const SAiding& aiding);
     void WatchDirection(CInsFilter& filter, const SAiding& aiding, const SAidingContext& context);
     void WatchScales(CInsFilter& filter);
+    // Writes the estimates and, less often, the internal states.
+    void WriteStates(CInsFilter& filter);
     std::string_view GetChannel(EAiding kind) const;
     void ObserveRest(CInsFilter& filter);
     void ObserveLand(CInsFilter& filter);
@@ -83,8 +85,9 @@ class CNavigationRun {
     CResultQueue m_results;
     CFixMonitor m_fixMonitor;
     CSensorWatch m_watch;
-    std::vector<SEstimateText> m_estimates; // of the last segment
-    double m_nextScales = 0.0;              // s
+    std::vector<SEstimateText> m_estimates;           // of the last segment
+    double m_nextScales = 0.0;                        // s
+    double m_nextEstimates = 0.0, m_nextStates = 0.0; // s
     std::array<bool, static_cast<std::size_t>(EAiding::count)> m_scaleReported{};
     // With the algorithm Backward the results wait for their smoothed errors.
     bool m_smoothing = false;

@@ -16,19 +16,21 @@ constexpr double kDifferenceVariance = 20.0;
 
 } // namespace
 
-void CNoiseProbe::Add(const SImuSample& sample) {
+void CNoiseProbe::Add(const SImuSample& sample) { Add(sample.time, sample.span, sample.gap, sample.angle); }
+
+void CNoiseProbe::Add(double time, double span, double gap, const Vector3d& increment) {
     for (std::size_t i = 0; i < kLengths.size(); ++i) {
         SLength& length = m_lengths[i];
         // A few lost samples are bridged from their neighbours, which adds next to nothing.
-        if (sample.gap > kLongestBridge) {
+        if (gap > kLongestBridge) {
             length.sum.setZero();
             length.duration = 0.0;
             length.count = 0;
             continue;
         }
-        length.sum += sample.angle;
-        length.duration += sample.span;
-        if (length.duration >= kLengths[i] - 0.25 * sample.span) AddSum(length, sample.time);
+        length.sum += increment;
+        length.duration += span;
+        if (length.duration >= kLengths[i] - 0.25 * span) AddSum(length, time);
     }
 }
 
@@ -56,7 +58,7 @@ void CNoiseProbe::AddSum(SLength& length, double time) {
     length.differences = 0;
 }
 
-double CNoiseProbe::GetAngleNoise() const {
+double CNoiseProbe::GetNoise() const {
     double bound = kUnknown;
     for (const SLength& length : m_lengths)
         for (std::vector<double> windows : length.windows) {
@@ -71,7 +73,7 @@ double CNoiseProbe::GetAngleNoise() const {
 }
 
 std::size_t CNoiseProbe::GetFinestGrade() const {
-    const double noise = GetAngleNoise();
+    const double noise = GetNoise();
     std::size_t grade = 0;
     while (grade + 1 < kSensorGrades.size() && noise > kSensorGrades[grade].noiseLimit) ++grade;
     return grade;

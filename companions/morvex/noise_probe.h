@@ -19,8 +19,11 @@ class CNoiseProbe {
   public:
     void Add(const SImuSample& sample);
 
-    // The bound of the angle random walk, rad/√s; a huge value before the first whole window.
-    double GetAngleNoise() const;
+    // Increments of any kind, by the axes of the unit: rotation, or velocity.
+    void Add(double time, double span, double gap, const Vector3d& increment);
+    // The bound of the random walk, in the increments' unit by √s; a huge value before the first whole
+    // window.
+    double GetNoise() const;
     // The first grade of kSensorGrades that may have such noise.
     std::size_t GetFinestGrade() const;
 

@@ -13,7 +13,11 @@ namespace {
 using namespace Persistance_Xpf;
 using Outils_Temps::CDateTimeSpan;
 
+<<<<<<< HEAD
 constexpr std::string_view kChannels[] = {kResultChannel, "MORVEX_MSG"};
+=======
+constexpr std::string_view kChannels[] = {"MORVEX_STD", "MORVEX_MSG", "MORVEX_EXT", "MORVEX_STA"};
+>>>>>>> eng
 
 template <class Value>
 void Put(CXpfPacket& packet, std::uint32_t offset, Value value) {
@@ -41,6 +45,8 @@ bool CResultWriter::Open(const SRunPlan& plan) {
     if (!m_writer.Create(plan.output, kChannels)) return false;
     m_standard = *m_writer.FindChannel(kChannels[0]);
     m_message = *m_writer.FindChannel(kChannels[1]);
+    m_estimates = *m_writer.FindChannel(kChannels[2]);
+    m_states = *m_writer.FindChannel(kChannels[3]);
     return true;
 }
 

@@ -11,6 +11,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 namespace Morvex {
@@ -37,6 +38,11 @@ class CResultWriter {
     // attitude is that of the user's axes. False when the disk does not take it.
     bool Write(const SNavigation& navigation, const NavigationCovariance& covariance,
                const SResultContext& context);
+    // Packets of the estimates and of the internal states (see state_packets.h).
+    bool WriteEstimates(std::span<const std::uint8_t> payload) {
+        return m_writer.WriteRaw(m_estimates, payload);
+    }
+    bool WriteStates(std::span<const std::uint8_t> payload) { return m_writer.WriteRaw(m_states, payload); }
     // A text longer than the packet's field is cut at a whole character.
     bool WriteMessage(double time, int level, std::string_view text);
     // Hands over to readers what waits since half a second or more.
@@ -50,7 +56,7 @@ class CResultWriter {
 
     const SRunPlan* m_plan = nullptr;
     Enregistrement::CRecordingWriter m_writer;
-    Enregistrement::ChannelHandle m_standard = 0, m_message = 0;
+    Enregistrement::ChannelHandle m_standard = 0, m_message = 0, m_estimates = 0, m_states = 0;
     Persistance_Xpf::CXpfTaroutMorvexStdPacketV2 m_packet;
     Outils_Temps::CDateTime m_utcOrigin = Outils_Temps::CDateTime::Invalid();
     std::chrono::steady_clock::time_point m_lastFlush;

@@ -17,6 +17,7 @@ namespace {
 using namespace Metier_Tarvel;
 
 constexpr std::uint64_t kLargestParameterFile = 256u << 20;
+constexpr std::int32_t kZuptAnc = 6;                            // the last of its words
 constexpr std::int32_t kSaturationLand = 1, kSaturationAir = 3; // the first and the last of its words
 
 double Seconds(CDateTime stored) { return ToSpan(stored).GetTotalSeconds(); }
@@ -257,6 +258,7 @@ SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
         constexpr double deviations[] = {0.0, 0.0, 10.0, 0.1, 0.02, 0.02, 0.0};
         const bool known = zupt->mode >= 0 && zupt->mode < 7;
         plan.atRest.push_back({PeriodOf(*zupt), known ? deviations[zupt->mode] : 0.0});
+        if (zupt->mode == kZuptAnc) plan.ignored.emplace_back(Outils_Texte::GetText(EText::ignoredZupt));
     }
     plan.referenceAltitude = parameters.referencePosition.altitude;
     plan.aboveGeoid = parameters.gpsAltitudeReference == altitudeGeoid;

@@ -124,8 +124,9 @@ struct SRunPlan {
     EHeave heave = EHeave::none;
     double heavePeriod = 200.0; // s, of the causal filter
     bool ciphered = false;
-    bool onLand = false;        // the unit is one for vehicles on wheels
-    bool inAir = false;         // the unit is one for aircraft
+    bool onLand = false;              // the unit is one for vehicles on wheels
+    bool inAir = false;               // the unit is one for aircraft
+    std::vector<std::string> ignored; // settings that mean nothing to this engine, in words
     std::string sensorsNotUsed; // labels of the kinds that are declared and that this engine does not use
 };
 

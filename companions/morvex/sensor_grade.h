@@ -13,7 +13,7 @@ struct SSensorGrade {
     double gyroNoise;  // least angle random walk, rad/√s
     double noiseLimit; // largest angle random walk that a unit of this grade has, rad/√s
     double gyroDrift;  // random walk of the bias, rad/s/√s
-    double gyroScale;  // error in proportion to the rate, one part in one
+    double scale;      // error in proportion to the rate and to the force, one part in one
     double accelBias;  // m/s²
     double accelNoise; // velocity random walk, m/s/√s
     double accelDrift; // m/s²/√s
@@ -28,14 +28,14 @@ inline constexpr double kMilliG = 9.80665e-3;
 // A grade with angles in degrees and hours, accelerations in thousandths of g; drifts are per root of an
 // hour.
 constexpr SSensorGrade MakeGrade(std::string_view name, double gyroBias, double gyroNoise, double noiseLimit,
-                                 double gyroDrift, double gyroScale, double accelBias, double accelNoise,
+                                 double gyroDrift, double scale, double accelBias, double accelNoise,
                                  double accelDrift, double trust) {
     return {name,
             gyroBias * kDegreePerHour,
             gyroNoise * kDegreePerRootHour,
             noiseLimit * kDegreePerRootHour,
             gyroDrift * kDegreePerHour / 60.0,
-            gyroScale,
+            scale,
             accelBias * kMilliG,
             accelNoise,
             accelDrift * kMilliG / 60.0,

@@ -118,9 +118,11 @@ void FillDepth(CSensor& sensor, CPayload& payload) {
 void FillUsbl(CSensor& sensor, CPayload& payload) {
     constexpr SPositionError kError{1.2, 0.6};
     constexpr double kAbsolute = 1;
-    const double north = sensor.MakeError(kError.horizontal), east = sensor.MakeError(kError.horizontal);
-    const CSensor::SPoint fix =
-        Shift(sensor, sensor.GetPointAt(EMount::usbl), north, east, sensor.MakeError(kError.vertical));
+    const Vector3d bias = sensor.GetOptions().GetNoise() * sensor.StepWander(0.15, 1800);
+    const double north = bias.x() + sensor.MakeError(kError.horizontal);
+    const double east = bias.y() + sensor.MakeError(kError.horizontal);
+    const double up = bias.z() + sensor.MakeError(kError.vertical);
+    const CSensor::SPoint fix = Shift(sensor, sensor.GetPointAt(EMount::usbl), north, east, up);
     payload.Put(PlaceOf(kUsblLayout, "Delay"), GetDelay(sensor));
     payload.Put(PlaceOf(kUsblLayout, "Horizontal rejection"), kAuto);
     payload.Put(PlaceOf(kUsblLayout, "Vertical rejection"), kAuto);

@@ -91,17 +91,26 @@ double CSensor::MakeError(double deviation) {
     return error * deviation;
 }
 
+Vector3d CSensor::StepWander(double deviation, double time) {
+    Vector3d error;
+    for (Eigen::Index i = 0; i < 3; ++i) {
+        CWander& wander = m_wander[static_cast<std::size_t>(i)];
+        if (m_count == 0) {
+            wander = CWander(deviation, time);
+            wander.Start(m_random);
+        }
+        error[i] = wander.Step(m_interval, m_random);
+    }
+    return error;
+}
+
 Vector3d CSensor::StepHiddenError() {
     constexpr double kTime = 120, kBetweenJumps = 300; // seconds
     const SMissionOptions& options = GetOptions();
     Vector3d error = Vector3d::Zero();
     if (options.gpsWander > 0) {
-        if (m_count == 0)
-            for (std::size_t i = 0; i < 2; ++i) {
-                m_wander[i] = CWander(options.gpsWander, kTime);
-                m_wander[i].Start(m_random);
-            }
-        error += Vector3d{m_wander[0].Step(m_interval, m_random), m_wander[1].Step(m_interval, m_random), 0};
+        error = StepWander(options.gpsWander, kTime);
+        error.z() = 0;
     }
     if (options.gpsJumps > 0) {
         const double time = GetTime();

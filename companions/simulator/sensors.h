@@ -39,6 +39,8 @@ class CSensor {
     double State(double deviation) const { return deviation * GetOptions().statedDeviation; }
     // Metres north and east that a satellite receiver errs by beyond what it states.
     Vector3d StepHiddenError();
+    // Three errors that wander by this deviation and change within so many seconds.
+    Vector3d StepWander(double deviation, double time);
     // A random error of this standard deviation, wild if this packet is an outlier.
     double MakeError(double deviation);
     CRandom& GetRandom() { return m_random; }

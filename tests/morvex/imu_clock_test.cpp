@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <random>
 #include <vector>
 
 using namespace Morvex;
@@ -39,30 +40,62 @@ TEST(ImuClock, CounterTellsLateFromLost) {
     }
 }
 
+TEST(ImuClock, FollowsTheEarliestOfJitteringDates) {
+    std::mt19937 random(1);
+    std::normal_distribution<double> late(0.0, 0.005);
+    CImuClock clock(0.0101); // a first guess
+    double time = 0.0;
+    for (int i = 1; i <= 60000; ++i) {
+        const auto span =
+            clock.Add(0.01 * i + std::abs(late(random)), static_cast<std::uint16_t>(i % kCounterCycle));
+        ASSERT_TRUE(span && span->lost == 0) << i;
+        time = span->time - 0.01 * i;
+    }
+    EXPECT_NEAR(time, 0.0, 0.002);
+}
+
+namespace {
+
+SImuSample WaveSample(double t) {
+    const double sum = 0.05 / 0.8 * (std::sin(0.8 * t) - std::sin(0.8 * (t - 0.01)));
+    return {t, 0.01, Vector3d(sum, 0.3 * sum, 0.1 * sum), Vector3d(sum, 0, 0.098)};
+}
+
+} // namespace
+
 TEST(GapBridge, LongerGapsAreNeverKnownBetter) {
     Vector3d turn = Vector3d::Zero(), speed = Vector3d::Zero();
-    for (const double gap : {0.01, 0.02, 0.05, 0.1, 0.2, 0.3, 1.0, 3.0, 12.0}) {
+    for (const double gap : {0.01, 0.02, 0.05, 0.1, 0.2, 0.3, 1.0, 3.0, 8.0, 12.0}) {
         CGapBridge bridge;
-        const auto sample = [](double t) {
-            const double rate = 0.05 * std::cos(0.8 * t);
-            return SImuSample{t, 0.01, Vector3d(rate, 0.3 * rate, 0.1 * rate) * 0.01,
-                              Vector3d(rate, 0, 9.8) * 0.01};
-        };
-        double t = 0.0;
-        while (t < 60.0) {
-            SImuSample next = sample(t += 0.01);
-            bridge.Fill(next, 0.01);
-            EXPECT_EQ(next.gapTurn, Vector3d::Zero());
+        for (int i = 1; i <= 6000; ++i) bridge.Learn(WaveSample(0.01 * i));
+        SImuSample next = WaveSample(60.01 + gap);
+        next.span = gap + 0.01;
+        next.gap = gap;
+        std::vector<SImuSample> after, filled;
+        for (double t = 60.02 + gap; t < 61.5 + gap; t += 0.01) after.push_back(WaveSample(t));
+        bridge.Fill(next, after, 0.01, filled);
+
+        SImuSample sum;
+        Vector3d turnVariance = Vector3d::Zero(), speedVariance = Vector3d::Zero();
+        for (const SImuSample& piece : filled) {
+            sum.span += piece.span;
+            sum.angle += piece.angle;
+            sum.velocity += piece.velocity;
+            turnVariance += piece.gapTurn.cwiseAbs2();
+            speedVariance += piece.gapSpeed.cwiseAbs2();
         }
-        SImuSample after = sample(t + gap);
-        after.span = gap + 0.01;
-        after.gap = gap;
-        bridge.Fill(after, 0.01);
-        EXPECT_NEAR(after.velocity.z(), 9.8 * after.span, 1e-6);
-        EXPECT_TRUE((after.gapTurn.array() >= turn.array()).all()) << gap;
-        EXPECT_TRUE((after.gapSpeed.array() >= speed.array()).all()) << gap;
-        EXPECT_LT(after.gapTurn.norm(), gap < 0.03 ? 1e-5 : 1.0) << "a lost packet costs nothing";
-        turn = after.gapTurn;
-        speed = after.gapSpeed;
+        EXPECT_NEAR(sum.span, next.span, 1e-9);
+        EXPECT_NEAR(sum.velocity.z(), 9.8 * next.span, 1e-6);
+        const double truth = 0.05 / 0.8 * (std::sin(0.8 * (60.01 + gap)) - std::sin(0.8 * 60.0));
+        EXPECT_NEAR(sum.angle.x(), truth, 4.0 * std::sqrt(turnVariance.x()) + 1e-6) << gap;
+        constexpr double kRounding = 1e-14;
+        EXPECT_TRUE((turnVariance.array() + kRounding >= turn.array()).all()) << gap;
+        EXPECT_TRUE((speedVariance.array() + kRounding >= speed.array()).all()) << gap;
+        EXPECT_LT(std::sqrt(turnVariance.x()), gap < 0.03   ? 1e-6
+                                               : gap <= 1.0 ? 1e-3
+                                                            : 1.0)
+            << "a second of waves is found from both sides";
+        turn = turnVariance;
+        speed = speedVariance;
     }
 }

@@ -131,6 +131,45 @@ TEST(Aiding, DerivativesAgreeWithDifferences) {
     }
 }
 
+// A fix that is next to exact finds a displacement of each state that it depends on.
+TEST(InsFilter, FixesFindEveryState) {
+    CStateLayout layout;
+    layout.Add(EGroup::gpsArm);
+    layout.Add(EGroup::gpsLag);
+    layout.Add(EGroup::usblBias);
+    SFilterState start = MakeState();
+    start.covariance.setZero(layout.GetSize(), layout.GetSize());
+    start.sensors = StateVector::Zero(layout.GetSize() - kStates);
+    const int lag = layout.Find(EGroup::gpsLag), bias = layout.Find(EGroup::usblBias);
+    start.sensors[lag - kStates] = 0.4;
+    const Vector3d arm(3.0, -2.0, 10.0);
+    for (int state = 0; state < layout.GetSize(); ++state) {
+        const bool isOfUnit = state >= stateGyroBias && state < kStates;
+        if (isOfUnit) continue;
+        SPositionFix fix =
+            FixAt(start, start.navigation.attitude * arm - 0.4 * start.navigation.velocity, 1e-5);
+        fix.leverArm = arm;
+        fix.horizontal = fix.vertical = EUse::always;
+        fix.source = state >= bias ? kFirstUsbl : 0;
+        if (fix.source)
+            fix = [&] { // of a transponder, which knows no lag
+                SPositionFix other = FixAt(start, start.navigation.attitude * arm, 1e-5);
+                other.leverArm = arm;
+                other.source = kFirstUsbl;
+                other.horizontal = other.vertical = EUse::always;
+                return other;
+            }();
+        StateVector x = StateVector::Zero(layout.GetSize());
+        x[state] = 1e-3;
+        SFilterState displaced = Displaced(start, x);
+        displaced.covariance(state, state) = 1.0;
+        CInsFilter filter(displaced, kSensorGrades[0], CInsFilter::EMode::navigation, layout);
+        const double before = filter.Update(fix).innovation.norm();
+        EXPECT_GT(before, 1e-4) << state;
+        EXPECT_LT(filter.Update(fix).innovation.norm(), 0.02 * before) << state;
+    }
+}
+
 // A tilt by a known angle moves an antenna on its arm, and precise fixes find the tilt.
 TEST(InsFilter, LeverArmTurnsWithTheAttitude) {
     const SFilterState state = MakeState();

@@ -125,6 +125,19 @@ TEST(NavigationRun, ShipUnderWayIsNavigatedBetterThanItsFixes) {
     EXPECT_EQ(Field(results.front(), "UTC Minute"), utc.minute);
     EXPECT_NEAR(Field(results.front(), "UTC Second"), utc.second, 1e-3);
 
+    // The estimates, once a second: the lever arm as stated, and the way of the vehicle.
+    const auto estimates = folder.ReadResult<CXpfTaroutMorvexExtPacketV1>("MORVEX_EXT");
+    EXPECT_NEAR(static_cast<double>(estimates.size()), 210.0, 3.0);
+    const Simulation::STruth last = mission.GetTruth(estimates.back().GetPacketDate().GetTotalSeconds());
+    for (const auto& [name, expected, tolerance] : {std::tuple{"Latitude", last.latitude, 1e-5},
+                                                    {"Speed west", -last.speedEast, 0.3},
+                                                    {"Lever arm GPS1 Z", 8.0, 0.2},
+                                                    {"Acc Z", 9.8, 1.0}}) {
+        double value = 0.0;
+        ASSERT_TRUE(estimates.back().GetDouble(kMorvexExtLayout.IndexOf(name), value)) << name;
+        EXPECT_NEAR(value, expected, tolerance) << name;
+    }
+
     EXPECT_TRUE(std::is_sorted(monitor.progress.begin(), monitor.progress.end()));
     EXPECT_EQ(monitor.progress.back(), 100.0);
     EXPECT_TRUE(monitor.Has(EText::rejectedFixes));
@@ -209,6 +222,77 @@ INSTANTIATE_TEST_SUITE_P(
         SSensorCase{Simulation::EVehicle::car, {"IMU", "GPS_1"}, {}, false, 0.6, kLandEquipment},
         SSensorCase{
             Simulation::EVehicle::car, {"IMU", "GPS_1"}, {}, false, 20.0, kLandEquipment, kForwardIsPort}));
+
+// Settings that are wrong, and the word that names them.
+struct SWrongCase {
+    Simulation::EVehicle vehicle;
+    std::vector<std::string> channels;
+    std::vector<ESensorKind> kinds; // besides the GPS
+    void (*spoil)(Simulation::SMissionOptions& options);
+    EText named;
+    double duration; // s
+};
+
+class WrongSetting : public testing::TestWithParam<SWrongCase> {};
+
+TEST_P(WrongSetting, IsNamedAndSetRight) {
+    const SWrongCase& c = GetParam();
+    const CRunFolder folder;
+    Simulation::SMissionOptions options = ShortMission();
+    options.vehicle = c.vehicle;
+    options.channels = c.channels;
+    options.duration = c.duration;
+    options.outliers = 0.0;
+    options.leverArms[0].setZero();
+    c.spoil(options);
+    folder.Simulate(options);
+    auto parameters = folder.MakeParameters();
+    for (const ESensorKind kind : c.kinds) ASSERT_TRUE(parameters->AddSensor(kind));
+    folder.Store(*parameters);
+    CListeningMonitor monitor;
+    ASSERT_EQ(Execute(folder, monitor), ERunEnd::finished);
+    EXPECT_TRUE(monitor.Has(c.named));
+    EXPECT_LT(GetMiss(folder, options), 0.6);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Engine, WrongSetting,
+    testing::Values(
+        SWrongCase{Simulation::EVehicle::ship,
+                   {"IMU", "GPS_1"},
+                   {},
+                   [](auto& o) {
+                       o.leverArms[0] = {12.0, -6.0, 9.0};
+                   },
+                   EText::gpsArmFound,
+                   900.0},
+        SWrongCase{Simulation::EVehicle::car,
+                   {"IMU", "GPS_1"},
+                   {},
+                   [](auto& o) { o.GetChannelOptions("GPS_1").hiddenDelay = 1.0; },
+                   EText::gpsLag,
+                   300.0},
+        SWrongCase{Simulation::EVehicle::car, {"IMU", "GPS_1"}, {}, [](auto&) {}, EText::landAssumed, 300.0},
+        SWrongCase{Simulation::EVehicle::ship,
+                   {"IMU", "GPS_1", "DVL_BT"},
+                   {ESensorKind::dvl},
+                   [](auto& o) { o.dvlHeadingError = 180.0; },
+                   EText::sensorTurned,
+                   240.0},
+        SWrongCase{Simulation::EVehicle::ship,
+                   {"IMU", "GPS_1", "DVL_BT"},
+                   {ESensorKind::dvl},
+                   [](auto& o) {
+                       o.GetChannelOptions("DVL_BT").jams.push_back({150.0, 200.0});
+                   },
+                   EText::sensorJammed,
+                   240.0},
+        SWrongCase{Simulation::EVehicle::car,
+                   {"IMU", "GPS_1", "ODOMETER"},
+                   {ESensorKind::odometer},
+                   [](auto& o) { o.odometerScaleError = 0.1; },
+                   EText::sensorScaled,
+                   240.0}));
 
 // What a run under Backward has come to is kept when it is stopped.
 TEST(NavigationRun, AStoppedBackwardRunKeepsItsResults) {

@@ -3,6 +3,7 @@
 #include "foundation/files.h"
 #include "simulator/command_line.h"
 #include "simulator/earth.h"
+#include "simulator/truth_writer.h"
 #include "support/temporary_folder.h"
 #include "xpf/packets.h"
 #include "xpf/stream_walk.h"
@@ -194,6 +195,86 @@ TEST_F(MissionWriterTest, PerfectSensorsReadTheTruth) {
     });
 }
 
+// Each fault of the recorder, and what it does to the inertial packets of a minute at 20 Hz.
+TEST_F(MissionWriterTest, RecordersLoseDoubleAndDateLate) {
+    struct {
+        double SMissionOptions::*fault;
+        double value;
+        double packets;   // about
+        double lateShare; // of dates that are no multiple of the period
+    } const rows[] = {{&SMissionOptions::imuLost, 0.1, 1080, 0.0},
+                      {&SMissionOptions::imuDoubled, 0.1, 1320, 0.09},
+                      {&SMissionOptions::imuLate, 0.1, 1200, 0.1},
+                      {&SMissionOptions::imuJitter, 0.01, 1200, 1.0},
+                      {&SMissionOptions::clockDrift, 100.0, 1200, 1.0}};
+    m_options.duration = 60;
+    for (const auto& row : rows) {
+        SMissionOptions before = m_options;
+        m_options.*row.fault = row.value;
+        const auto file = WriteAndOpen();
+        m_options = before;
+        ASSERT_TRUE(file);
+        double packets = 0, late = 0;
+        ForEach<CXpfTarinImuPacketV2>(*file, "IMU", kImuLayout, [&](double time, auto) {
+            ++packets;
+            late += std::abs(std::remainder(time, 0.05)) > 1e-6;
+        });
+        EXPECT_NEAR(packets, row.packets, 40);
+        EXPECT_NEAR(late / packets, row.lateShare, 0.04);
+    }
+}
+
+// What a fault without a word does to the sensor: the largest error north or in the measure.
+TEST_F(MissionWriterTest, HiddenFaultsMoveWhatIsMeasured) {
+    m_options.vehicle = EVehicle::car;
+    m_options.noise = 0;
+    m_options.channels = {"GPS_1", "ODOMETER"};
+    const auto measure = [&](void (*spoil)(SMissionOptions&)) {
+        const SMissionOptions before = m_options;
+        spoil(m_options);
+        const CMission mission(m_options);
+        const auto file = WriteAndOpen();
+        m_options = before;
+        double north = 0, distance = 0;
+        ForEach<CXpfTarinGpsPacketV2>(*file, "GPS_1", kGpsLayout, [&](double time, auto field) {
+            north = std::max(north, std::abs(field("Latitude") - mission.GetTruth(time).latitude) * 111132);
+        });
+        ForEach<CXpfTarinOdometerPacketV2>(*file, "ODOMETER", kOdometerLayout,
+                                           [&](double, auto field) { distance += field("Measure"); });
+        return std::pair(north, distance);
+    };
+    const auto [north, distance] = measure([](auto&) {});
+    EXPECT_LT(north, 0.001);
+    EXPECT_GT(measure([](auto& o) { o.GetChannelOptions("GPS_1").hiddenDelay = 1; }).first, 5);
+    EXPECT_GT(measure([](auto& o) { o.GetChannelOptions("GPS_1").jams.push_back({100, 150}); }).first, 50);
+    EXPECT_NEAR(measure([](auto& o) { o.gpsWander = 2; }).first, 4, 3);
+    EXPECT_NEAR(measure([](auto& o) { o.odometerScaleError = 0.1; }).second, 1.1 * distance,
+                0.001 * distance);
+    EXPECT_GT(measure([](auto& o) { o.wheelSlip = 0.05; }).second, 1.005 * distance);
+    m_options.duration = 2000;
+    EXPECT_NEAR(measure([](auto& o) { o.gpsJumps = 30; }).first, 28, 5);
+}
+
+// The truth as a result file says what the mission says.
+TEST_F(MissionWriterTest, TruthIsAResultToo) {
+    m_options.geoidSeparation = 40;
+    m_options.truthRate = 2;
+    const CMission mission(m_options);
+    Write("m.tarin");
+    const auto file = OpenXpfFile(GetTruthResultPath(m_folder / "m.tarin.csv"), EFileKind::tarout).file;
+    ASSERT_TRUE(file);
+    int count = 0;
+    ForEach<CXpfTaroutMorvexStdPacketV2>(*file, "MORVEX_STD", kMorvexStdLayout, [&](double time, auto field) {
+        const STruth truth = mission.GetTruth(time);
+        EXPECT_NEAR(field("Longitude0"), truth.longitude, 1e-10);
+        EXPECT_NEAR(field("Altitude0"), truth.altitude - 40, 1e-4);
+        EXPECT_NEAR(field("Heave2"), truth.heave, 1e-6);
+        EXPECT_NEAR(field("Heading"), truth.heading, 1e-9);
+        ++count;
+    });
+    EXPECT_EQ(count, 601);
+}
+
 TEST_F(MissionWriterTest, DivingVehiclesLoseGps) {
     m_options.vehicle = EVehicle::auv;
     m_options.altitude = m_options.geoidSeparation = 20;
@@ -237,11 +318,26 @@ TEST(CommandLineTest, OptionsReachTheMission) {
     EXPECT_EQ(options.GetUtcOrigin().GetDay(), 28);
     EXPECT_EQ(line.truth, fs::path("/tmp/x.truth.csv"));
 
-    for (const char* wrong :
-         {"", "--duration 10", "x --duration", "x y", "x --nonsense 1", "x -n", "x --vehicle boat",
-          "x --start 1,2", "x --duration nan", "x --imu-rate 0", "x --utc 2023-02-29", "x --lever-arm gps",
-          "x --channels IMU,MORVEX_STD", "x --rate GPS_1", "x --rate =5", "x --size 99999999999999",
-          "x --start 90,0,0"}) {
+    for (const char* wrong : {"",
+                              "--duration 10",
+                              "x --duration",
+                              "x y",
+                              "x --nonsense 1",
+                              "x -n",
+                              "x --vehicle boat",
+                              "x --start 1,2",
+                              "x --duration nan",
+                              "x --imu-rate 0",
+                              "x --utc 2023-02-29",
+                              "x --lever-arm gps",
+                              "x --channels IMU,MORVEX_STD",
+                              "x --rate GPS_1",
+                              "x --rate =5",
+                              "x --size 99999999999999",
+                              "x --start 90,0,0",
+                              "x --imu-lost 2",
+                              "x --jam GPS_1=5",
+                              "x --stated-deviation 0"}) {
         SCommandLine ignored;
         EXPECT_FALSE(parse(wrong, ignored)) << wrong;
     }
