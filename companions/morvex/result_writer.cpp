@@ -13,11 +13,7 @@ namespace {
 using namespace Persistance_Xpf;
 using Outils_Temps::CDateTimeSpan;
 
-<<<<<<< HEAD
-constexpr std::string_view kChannels[] = {kResultChannel, "MORVEX_MSG"};
-=======
-constexpr std::string_view kChannels[] = {"MORVEX_STD", "MORVEX_MSG", "MORVEX_EXT", "MORVEX_STA"};
->>>>>>> eng
+constexpr std::string_view kChannels[] = {kResultChannel, "MORVEX_MSG", "MORVEX_EXT", "MORVEX_STA"};
 
 template <class Value>
 void Put(CXpfPacket& packet, std::uint32_t offset, Value value) {

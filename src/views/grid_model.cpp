@@ -78,7 +78,7 @@ QVariant CTrvGridModel::data(const QModelIndex& index, int role) const {
         return !isValue && (!item->GetFault().empty() || item->HasFaultBelow()) ? QVariant(m_faultIcon)
                                                                                 : QVariant();
     case Qt::FontRole: {
-        if (isValue || item->GetKind() != Presentation_Tarvel_Grid::ERowKind::section) return {};
+        if (isValue || item->GetParent() != &m_grid.GetRoot()) return {};
         QFont font = QApplication::font("QTreeView");
         font.setBold(true);
         return font;

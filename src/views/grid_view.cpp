@@ -117,6 +117,7 @@ CTrvGridView::CTrvGridView(CHierarchicalGridControl& grid, IQuestions& questions
     setModel(m_model);
     setItemDelegate(new CGridDelegate(*this, *m_model));
     setUniformRowHeights(true);
+    setTextElideMode(Qt::ElideMiddle); // both ends of a path say more than its middle
     setAlternatingRowColors(true);
     setSelectionBehavior(SelectRows);
     setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
