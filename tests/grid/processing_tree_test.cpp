@@ -1,0 +1,207 @@
+// The rows of the processing panel over a project with every kind of sensor and instruction.
+#include "document/edit_fixture.h"
+#include "grid/processing_tree.h"
+#include "values/adaptors.h"
+
+#include <functional>
+
+using namespace test;
+using namespace Presentation_Tarvel_Grid;
+using Outils_Configuration::Cnf;
+
+namespace {
+
+// Keeps a tree in line with the document.
+class CTreeView : public IDocumentView {
+  public:
+    explicit CTreeView(CProcessingTree& tree) : m_tree(tree) {}
+    void OnUpdate(EHint hint, const CObject* object) override { m_tree.OnUpdate(hint, object); }
+
+  private:
+    CProcessingTree& m_tree;
+};
+
+class ProcessingTree : public CEditTest {
+  protected:
+    ProcessingTree() {
+        Create();
+        for (int kind = 0; kind < kSensorKindCount; ++kind) m_edits.AddSensor(static_cast<ESensorKind>(kind));
+        for (const auto& sensor : Parameters().sensors)
+            for (const auto& group : sensor->rejectionGroups)
+                m_edits.Do(Edits::kAddRejectionInstruction, *group);
+        m_edits.Do(Edits::kAddHorizontalFilteringInstruction, Get<CTrvSensorUsbl>());
+        m_edits.Do(Edits::kAddZupt);
+        m_edits.Do(Edits::kAddOutputRate);
+        m_edits.Do(Edits::kAddAltitudeMode);
+        m_adaptors.Configure(m_configuration);
+        m_tree.Rebuild();
+        m_document.AddView(&m_treeView);
+    }
+    ~ProcessingTree() override { m_document.RemoveView(&m_treeView); }
+
+    static void ForEach(const CHGItem& item, const std::function<void(CHGItem&)>& visit) {
+        for (std::size_t i = 0; CHGItem* child = item.GetChild(i); ++i) {
+            visit(*child);
+            ForEach(*child, visit);
+        }
+    }
+    static std::string Dump(CProcessingTree& tree) {
+        std::string text;
+        ForEach(tree.GetGrid().GetRoot(), [&text](const CHGItem& item) {
+            text += item.GetTitle() + '|' + item.GetValue() + '|' + item.GetFault() + '\n';
+            EXPECT_EQ(item.GetParent()->GetChild(item.GetIndex()), &item);
+        });
+        return text;
+    }
+    CHGItem* FindRow(const CObject& object, EText title) {
+        CHGItem* found = nullptr;
+        ForEach(*m_tree.Find(&object), [&](CHGItem& item) {
+            if (item.GetTitle() == GetText(title) && !found) found = &item;
+        });
+        return found;
+    }
+
+    Outils_Valeurs::CTrvAdaptors m_adaptors;
+    CProcessingTree m_tree{m_document, m_adaptors};
+    CTreeView m_treeView{m_tree};
+};
+
+} // namespace
+
+TEST_F(ProcessingTree, ReadsEveryShownTextBack) {
+    for (const bool other : {false, true}) {
+        if (other) {
+            m_configuration.Set(Cnf<"adaptors/leverArm/unit">, "ft");
+            m_configuration.Set(Cnf<"adaptors/misalignment/unit">, "rad");
+            m_configuration.Set(Cnf<"adaptors/linearSpeed/unit">, "kt");
+            m_configuration.Set(Cnf<"adaptors/decimalSeparator">, u',');
+            m_configuration.Set(Cnf<"adaptors/simulationTime/mode">,
+                                Outils_Configuration::ESimulationTimeMode::utcTime);
+            m_adaptors.Configure(m_configuration);
+            m_tree.Reformat();
+        }
+        const auto before = Bytes();
+        int rows = 0;
+        ForEach(m_tree.GetGrid().GetRoot(), [&rows](CHGItem& item) {
+            if (!item.IsEditable() || item.GetKind() == ERowKind::dialog) return;
+            ++rows;
+            EXPECT_EQ(item.Write(item.GetValue()), "") << item.GetTitle() << ' ' << item.GetValue();
+        });
+        EXPECT_GT(rows, 80);
+        EXPECT_EQ(Bytes(), before);
+    }
+}
+
+TEST_F(ProcessingTree, KeepsTheValueOfARefusedText) {
+    const auto before = Bytes();
+    const std::string texts[] = {
+        "", "abc", "nan", "1e999", "12 parsec", "31/12/40000 0:00:00", std::string(10'000'000, '9')};
+    for (const EText title : {EText::begin, EText::defaultOutputRate, EText::latitude, EText::algorithm})
+        for (const std::string& text : texts)
+            EXPECT_NE(FindRow(Parameters(), title)->Write(text), "")
+                << GetText(title) << " took " << text.substr(0, 20);
+    EXPECT_EQ(Bytes(), before);
+}
+
+TEST_F(ProcessingTree, WritesAsTheEditsDo) {
+    auto& zupt = *Parameters().zupts[0];
+    FindRow(zupt, EText::mode)->Choose(3);
+    EXPECT_EQ(zupt.mode, 3);
+    FindRow(Get<CTrvSensorDvl>(), EText::xv2)->Write("12,5 cm");
+    EXPECT_DOUBLE_EQ(Get<CTrvSensorDvl>().leverArm->xv2, 0.125);
+    const auto written = Bytes();
+    zupt.mode = 0;
+    Get<CTrvSensorDvl>().leverArm->xv2 = 0.0;
+    auto values = ValuesOf(Edits::kChangeZupt, zupt);
+    values.Get<&CTrvZupt::mode>() = 3;
+    m_edits.Do(Edits::kChangeZupt, zupt, values);
+    auto dvl = ValuesOf(Edits::kChangeSensorDvl, Get<CTrvSensorDvl>());
+    dvl.Get<&CTrvSensorDvl::leverArm>().xv2 = 0.125;
+    m_edits.Do(Edits::kChangeSensorDvl, Get<CTrvSensorDvl>(), dvl);
+    EXPECT_EQ(Bytes(), written);
+}
+
+// After every edit the rows are those of a tree that is made new, and the rows of other objects are the same.
+TEST_F(ProcessingTree, FollowsEveryEdit) {
+    const auto check = [this](const char* edit) {
+        CProcessingTree fresh(m_document, m_adaptors);
+        fresh.Rebuild();
+        EXPECT_EQ(Dump(m_tree), Dump(fresh)) << edit;
+    };
+    const CHGItem* const kept = m_tree.Find(&Get<CTrvSensorGps>());
+    m_edits.Do(Edits::kAddZupt);
+    check("ZUPT");
+    m_edits.Do(Edits::kAddOutputRate);
+    check("output rate");
+    m_edits.Do(Edits::kAddAltitudeMode);
+    check("altitude mode");
+    m_edits.Do(Edits::kAddRejectionInstruction, *Get<CTrvSensorDvl>().rejectionGroups[1]);
+    check("rejection");
+    m_edits.Do(Edits::kAddHorizontalFilteringInstruction, Get<CTrvSensorUsbl>());
+    check("filtering");
+    m_edits.AddSensor(ESensorKind::gps);
+    check("sensor");
+    ASSERT_TRUE(AddFile("external.tarin"));
+    check("file");
+    FindRow(*Parameters().zupts[0], EText::toLabel)->Write("-0:00:05");
+    check("fault");
+    // From the last to the first, so that every list loses all that it has.
+    for (bool removed = true; removed;) {
+        removed = false;
+        const CHGItem* last = nullptr;
+        ForEach(m_tree.GetGrid().GetRoot(), [&](const CHGItem& item) {
+            if (m_tree.CanRemove(&item) && &item != kept) last = &item;
+        });
+        if (last) removed = m_tree.Remove(last);
+        check("removal");
+    }
+    EXPECT_EQ(Parameters().sensors.size(), 1u);
+    EXPECT_TRUE(Parameters().zupts.empty());
+    EXPECT_TRUE(Parameters().externalFiles.empty());
+    EXPECT_EQ(m_tree.Find(&Get<CTrvSensorGps>()), kept);
+    EXPECT_FALSE(m_tree.CanRemove(m_tree.Find(Parameters().mainInputFile.get())));
+    EXPECT_FALSE(m_tree.CanRemove(m_tree.GetParametersItem()));
+}
+
+TEST_F(ProcessingTree, WalksTheFaults) {
+    EXPECT_EQ(m_tree.FindNextFault(nullptr), nullptr);
+    auto& zupt = *Parameters().zupts[0];
+    auto& rate = *Parameters().outputRates[0];
+    EXPECT_EQ(FindRow(zupt, EText::toLabel)->Write("0:00:01"), "");
+    EXPECT_EQ(FindRow(zupt, EText::fromLabel)->Write("0:00:02"), "");
+    EXPECT_EQ(FindRow(rate, EText::value)->Write("0"), "");
+    ASSERT_GE(m_tree.GetFaultCount(), 2u);
+    const CHGItem* first = m_tree.FindNextFault(nullptr);
+    EXPECT_EQ(first, FindRow(zupt, EText::fromLabel));
+    EXPECT_NE(first->GetFault(), "");
+    EXPECT_TRUE(m_tree.Find(&zupt)->GetParent()->HasFaultBelow());
+    EXPECT_EQ(FindRow(zupt, EText::mode)->GetFault(), "");
+    const CHGItem* second = m_tree.FindNextFault(first);
+    EXPECT_EQ(second, FindRow(zupt, EText::toLabel));
+    const CHGItem* third = m_tree.FindNextFault(second);
+    EXPECT_EQ(third, FindRow(rate, EText::value));
+    EXPECT_EQ(m_tree.FindNextFault(third), first); // round again
+    FindRow(zupt, EText::toLabel)->Write("0:00:03");
+    FindRow(rate, EText::value)->Write("1");
+    EXPECT_EQ(m_tree.GetFaultCount(), 0u);
+    EXPECT_EQ(FindRow(zupt, EText::fromLabel)->GetFault(), "");
+}
+
+TEST_F(ProcessingTree, SharesTheListOfAKind) {
+    m_edits.Do(Edits::kAddZupt);
+    const auto first = FindRow(*Parameters().zupts[0], EText::mode)->GetChoices();
+    const auto second = FindRow(*Parameters().zupts[1], EText::mode)->GetChoices();
+    EXPECT_EQ(first.data(), second.data());
+    EXPECT_THAT(first, testing::ElementsAre("Live", "None", "Static 10 m/s", "Static 0.1 m/s", "Autostatic",
+                                            "Autostatic bench", "ANC"));
+}
+
+TEST_F(ProcessingTree, ActsOnTheSelectedObject) {
+    auto& dvl = Get<CTrvSensorDvl>();
+    const CHGItem* instruction = m_tree.Find(dvl.rejectionGroups[1]->instructions[0].get());
+    EXPECT_EQ(m_tree.FindGroup(instruction->GetChild(0)), dvl.rejectionGroups[1].get());
+    EXPECT_EQ(m_tree.FindSensor(instruction), &dvl);
+    EXPECT_EQ(m_tree.FindUsbl(instruction), nullptr);
+    EXPECT_EQ(m_tree.FindUsbl(m_tree.Find(&Get<CTrvSensorUsbl>())), &Get<CTrvSensorUsbl>());
+    EXPECT_EQ(m_tree.FindGroup(m_tree.Find(&dvl)), nullptr);
+}
