@@ -132,6 +132,8 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     connect(m_processing, &CTrvViewProcessing::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
     connect(m_processing, &CTrvViewProcessing::DialogRequested, this,
             [this](Presentation_Tarvel_Grid::CHGItem* item) { ChooseValue(*item); });
+    connect(m_statusBar, &CTrvStatusBar::NextFaultRequested, m_processing,
+            &CTrvViewProcessing::SelectNextFault);
     m_document.AddView(this);
     UpdateFrame();
     m_view->setFocus();
@@ -290,6 +292,7 @@ void CTrvProjectMainFrame::UpdateFrame() {
     setWindowTitle(QStringLiteral("%1[*] - %2").arg(name, Text(EText::product)));
     setWindowModified(m_document.IsModified());
     m_statusBar->SetMessage(Text(m_running ? EText::running : EText::ready));
+    m_statusBar->SetFaults(m_processing->GetTree().GetFaultCount());
     m_commands->Update();
 }
 

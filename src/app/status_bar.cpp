@@ -8,6 +8,8 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
+#include <QStyle>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -38,7 +40,8 @@ constexpr SLockRow kLocks[] = {
 CTrvStatusBar::CTrvStatusBar(QWidget* parent)
     : QStatusBar(parent),
       m_message(new QLabel(Text(EText::ready), this)),
-      m_progress(new QProgressBar(this)) {
+      m_progress(new QProgressBar(this)),
+      m_faults(new QToolButton(this)) {
     m_message->setObjectName("message");
     m_message->setTextFormat(Qt::PlainText);
     m_message->setContentsMargins(4, 0, 0, 0);
@@ -48,6 +51,14 @@ CTrvStatusBar::CTrvStatusBar(QWidget* parent)
     m_progress->setRange(0, 100);
     m_progress->setFixedWidth(kProgressWidth);
     m_progress->setMaximumHeight(fontMetrics().height() + 2);
+    m_faults->setObjectName("faults");
+    m_faults->setAutoRaise(true);
+    m_faults->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    m_faults->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
+    m_faults->setToolTip(Text(EText::nextFaultTip));
+    connect(m_faults, &QToolButton::clicked, this, &CTrvStatusBar::NextFaultRequested);
+    addPermanentWidget(m_faults);
+    m_faults->hide();
     addPermanentWidget(m_progress);
     m_progress->hide();
     for (std::size_t i = 0; i < m_locks.size(); ++i) {
@@ -69,6 +80,13 @@ CTrvStatusBar::CTrvStatusBar(QWidget* parent)
 void CTrvStatusBar::SetMessage(const QString& text) { m_message->setText(text); }
 
 void CTrvStatusBar::SetProgress(int percent) { m_progress->setValue(std::clamp(percent, 0, 100)); }
+
+void CTrvStatusBar::SetFaults(std::size_t count) {
+    m_faults->setText(
+        Outils_Plot2D::ToQString(Outils_Texte::FormatText(EText::faultsCount, {std::to_string(count)})));
+    m_faults->setAccessibleName(m_faults->text());
+    m_faults->setVisible(count > 0);
+}
 
 void CTrvStatusBar::ShowProgress(bool visible) { m_progress->setVisible(visible); }
 

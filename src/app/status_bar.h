@@ -8,6 +8,7 @@
 
 class QLabel;
 class QProgressBar;
+class QToolButton;
 
 namespace Application_Tarvel {
 
@@ -22,6 +23,11 @@ class CTrvStatusBar final : public QStatusBar {
     // 0 to 100; what lies outside is brought to the nearer end.
     void SetProgress(int percent);
     void ShowProgress(bool visible);
+    // How many values of the project are wrong; a click on the count goes to the next.
+    void SetFaults(std::size_t count);
+
+  Q_SIGNALS:
+    void NextFaultRequested();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -31,6 +37,7 @@ class CTrvStatusBar final : public QStatusBar {
 
     QLabel* m_message;
     QProgressBar* m_progress;
+    QToolButton* m_faults;
     std::array<QLabel*, 3> m_locks; // in the order of ELock
     QTimer m_settle;                // from a press of a lock key until its light has changed
 };

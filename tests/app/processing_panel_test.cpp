@@ -14,6 +14,7 @@
 #include <QClipboard>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QToolButton>
 
 using namespace Application_Tarvel;
 using namespace Presentation_Tarvel_Grid;
@@ -132,6 +133,8 @@ TEST_F(ProcessingPanel, LeadsToTheFaults) {
     Type(Row(zupt, Rows::kFrom), "0:00:05", Qt::Key_Return);
     Type(Row(zupt, Rows::kTo), "0:00:01", Qt::Key_Return);
     ASSERT_TRUE(Action(commandNextFault).isEnabled());
+    auto& faults = Child<QToolButton>("faults");
+    EXPECT_TRUE(faults.isVisibleTo(m_frame));
     const auto& from = Row(zupt, Rows::kFrom);
     const auto index = Grid().model()->index(0, 0); // any row that is right
     EXPECT_FALSE(Grid().model()->data(index, Qt::ForegroundRole).isValid());
@@ -146,10 +149,11 @@ TEST_F(ProcessingPanel, LeadsToTheFaults) {
                     .data(Qt::ToolTipRole)
                     .toString()
                     .contains(Outils_Plot2D::ToQString(from.GetFault())));
-    Action(commandNextFault).trigger();
+    faults.click();
     EXPECT_EQ(Panel().GetSelected(), &Row(zupt, Rows::kTo));
     Type(Row(zupt, Rows::kTo), "0:00:09", Qt::Key_Return);
     EXPECT_FALSE(Action(commandNextFault).isEnabled());
+    EXPECT_FALSE(faults.isVisibleTo(m_frame));
 }
 
 TEST_F(ProcessingPanel, CopiesRowsAsText) {
@@ -217,7 +221,7 @@ TEST_F(ProcessingPanel, MakesAProjectByTheWizard) {
 
 TEST_F(ProcessingPanel, ShowsNewUnitsAtOnce) {
     Open();
-    const auto before = Outils_Fichiers::ReadFile(m_frame->GetDocument().GetPathName());
+    const auto before = Outils_Fichiers::ReadWholeFile(m_frame->GetDocument().GetPathName(), 1 << 20);
     auto& altitude = Row(*Run().referencePosition, Rows::kAltitude);
     const std::string meters = altitude.GetValue();
     for (const char* unit : {"foot (ft)", "meter (m)"}) {
@@ -240,7 +244,7 @@ TEST_F(ProcessingPanel, ShowsNewUnitsAtOnce) {
     }
     EXPECT_FALSE(m_frame->isWindowModified());
     EXPECT_TRUE(m_frame->GetDocument().Save());
-    EXPECT_EQ(Outils_Fichiers::ReadFile(m_frame->GetDocument().GetPathName()), before);
+    EXPECT_EQ(Outils_Fichiers::ReadWholeFile(m_frame->GetDocument().GetPathName(), 1 << 20), before);
 }
 
 } // namespace
