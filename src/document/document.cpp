@@ -36,7 +36,7 @@ CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
       m_engineRun(host, configuration, m_fileLooks, *this),
       m_queryManager(target) {}
 
-CTrvDocument::~CTrvDocument() { DeleteContents(); }
+CTrvDocument::~CTrvDocument() { LetGo(); }
 
 bool CTrvDocument::CommandNew() { return !RefuseWhileRunning(EText::stopBeforeClose) && NewDocument(); }
 
@@ -211,6 +211,14 @@ bool CTrvDocument::EndNow() {
 }
 
 void CTrvDocument::DeleteContents() {
+    const bool hadProject = m_pProject != nullptr;
+    LetGo();
+    // Questions may be asked before the next project is there: no view may show this one meanwhile.
+    if (hadProject) UpdateAllViews(nullptr, hintRefresh);
+}
+
+// Asks no view: they may have gone.
+void CTrvDocument::LetGo() {
     const CWaitCursor wait(GetHost());
     m_automaticSensors.reset();
     m_files.reset();

@@ -117,6 +117,7 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     bool OnSaveCopy(const std::filesystem::path& path) override;
     void DiscardChanges() override { m_unsaved.Discard(); }
     void DeleteContents() override;
+    void LetGo();
 
     bool OpenRestored(const std::filesystem::path& file);
     // Refuses with the text while the engine runs.

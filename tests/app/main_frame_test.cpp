@@ -1,5 +1,6 @@
 #include "app/main_frame.h"
 
+#include "dialogs/project_dialogs.h"
 #include "plot/text.h"
 #include "session.h"
 
@@ -262,19 +263,31 @@ TEST_F(MainFrame, ClosingAsksAboutChanges) {
     EXPECT_EQ(m_dialogs.TakeMessages().size(), 2u);
 }
 
-TEST_F(MainFrame, AProjectDroppedOnItOpens) {
+TEST_F(MainFrame, TakesDroppedFiles) {
     const auto project = MakeProject("dropped");
-    const auto drop = [&](const QString& file) {
+    const auto drop = [&](const QList<QUrl>& links) {
         QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(file)});
+        data.setUrls(links);
         QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
         QCoreApplication::sendEvent(m_frame, &enter);
         QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
         if (enter.isAccepted()) QCoreApplication::sendEvent(m_frame, &event);
         return enter.isAccepted();
     };
-    EXPECT_FALSE(drop("/somewhere/r.tarin"));
-    EXPECT_TRUE(drop(QString::fromStdString(project.string())));
+    const QUrl opened = QUrl::fromLocalFile(QString::fromStdString(project.string()));
+    const QUrl recording = QUrl::fromLocalFile("/somewhere/r.tarin");
+    EXPECT_FALSE(drop({QUrl("ftp://somewhere/r.tarin")}));
+    EXPECT_FALSE(drop({opened, recording}));
+    // Of a recording a project is made.
+    std::vector<std::filesystem::path> proposed;
+    m_dialogs.m_wizard = [&](Dialogue_Tarvel::CNewProjectWizard& wizard) {
+        proposed = wizard.GetInputFiles();
+        return false;
+    };
+    EXPECT_TRUE(drop({recording}));
+    EXPECT_TRUE(PumpUntil([&] { return !proposed.empty(); }));
+    EXPECT_THAT(proposed, ElementsAre("/somewhere/r.tarin"));
+    EXPECT_TRUE(drop({opened}));
     EXPECT_TRUE(PumpUntil([&] { return m_frame->HasProject(); }));
 }
 

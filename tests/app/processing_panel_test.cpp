@@ -222,7 +222,7 @@ TEST_F(ProcessingPanel, MakesAProjectByTheWizard) {
 TEST_F(ProcessingPanel, ShowsNewUnitsAtOnce) {
     Open();
     const auto before = Outils_Fichiers::ReadWholeFile(m_frame->GetDocument().GetPathName(), 1 << 20);
-    auto& altitude = Row(*Run().referencePosition, Rows::kAltitude);
+    auto& altitude = Row(Run().referencePosition, Rows::kAltitude);
     const std::string meters = altitude.GetValue();
     for (const char* unit : {"foot (ft)", "meter (m)"}) {
         m_dialogs.m_settings = [unit](Dialogue_Tarvel::CTrvSettingsDlg& dialog) {

@@ -164,6 +164,11 @@ TEST_F(ProcessingTree, FollowsEveryEdit) {
 }
 
 TEST_F(ProcessingTree, WalksTheFaults) {
+    // The recording is too short for any period.
+    ForEach(m_tree.GetGrid().GetRoot(), [](CHGItem& item) {
+        if (item.GetTitle() == GetText(EText::toLabel) || item.GetTitle() == GetText(EText::end))
+            item.Write("1:00:00");
+    });
     EXPECT_EQ(m_tree.FindNextFault(nullptr), nullptr);
     auto& zupt = *Parameters().zupts[0];
     auto& rate = *Parameters().outputRates[0];
@@ -204,4 +209,25 @@ TEST_F(ProcessingTree, ActsOnTheSelectedObject) {
     EXPECT_EQ(m_tree.FindUsbl(instruction), nullptr);
     EXPECT_EQ(m_tree.FindUsbl(m_tree.Find(&Get<CTrvSensorUsbl>())), &Get<CTrvSensorUsbl>());
     EXPECT_EQ(m_tree.FindGroup(m_tree.Find(&dvl)), nullptr);
+}
+
+// A question may be asked between two projects, and the panel is painted meanwhile.
+TEST_F(ProcessingTree, LetsGoOfAClosedProject) {
+    class CFirstRefresh : public IDocumentView {
+      public:
+        explicit CFirstRefresh(CProcessingTree& tree) : m_tree(tree) {}
+        void OnUpdate(EHint, const CObject*) override {
+            if (m_rows < 0) m_rows = static_cast<int>(m_tree.GetGrid().GetRoot().GetChildCount());
+        }
+        int m_rows = -1;
+
+      private:
+        CProcessingTree& m_tree;
+    } first(m_tree);
+    ASSERT_TRUE(m_document.Save());
+    m_document.AddView(&first);
+    EXPECT_TRUE(m_document.OpenDocument(m_folder / "p.tarprj"));
+    m_document.RemoveView(&first);
+    EXPECT_EQ(first.m_rows, 0);
+    EXPECT_GT(m_tree.GetGrid().GetRoot().GetChildCount(), 0u);
 }
