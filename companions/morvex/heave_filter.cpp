@@ -9,7 +9,6 @@
 namespace Morvex {
 namespace {
 
-constexpr double kStep = 0.1;       // s, between two points
 constexpr double kDeviation = 14.5; // s, of the weights
 constexpr double kReach = 4.0 * kDeviation;
 constexpr double kNodeStep = 0.5;    // s
@@ -25,13 +24,12 @@ void CHeaveFilter::Reset() {
 }
 
 void CHeaveFilter::Add(double time, const Values& values) {
-    if (m_kind == EHeave::none) return;
+    if (!Wants(time)) return;
     if (m_points.empty()) {
         m_points.push_back({time, values, values});
         return;
     }
     const double step = time - m_points.back().time;
-    if (step < 0.999 * kStep) return;
     Values mean = m_points.back().mean;
     if (m_kind == EHeave::causal) {
         // A Butterworth filter of third order as a tracker of height, speed and acceleration.

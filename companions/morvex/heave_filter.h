@@ -32,6 +32,10 @@ class CHeaveFilter {
 
     // Forgets everything: the heights begin anew.
     void Reset();
+    // Whether Add would take the values of this moment.
+    bool Wants(double time) const {
+        return m_kind != EHeave::none && (m_points.empty() || time - m_points.back().time >= kStep);
+    }
     // Adds the values of a moment. Ascending times; those closer than 0.1 s are left out.
     void Add(double time, const Values& values);
     // Whether all that counts for a moment has been added.
@@ -40,6 +44,8 @@ class CHeaveFilter {
     Values Get(double time);
 
   private:
+    static constexpr double kStep = 0.1 * 0.999; // s, between two points
+
     struct SPoint {
         double time;
         Values values;

@@ -164,9 +164,10 @@ void CInsFilter::PropagateCovariance() {
         p.bottomRightCorner(sensors, sensors) =
             (keep.asDiagonal() * p.bottomRightCorner(sensors, sensors) * keep.asDiagonal()).eval();
         p.bottomRightCorner(sensors, sensors).diagonal() += noise;
-        m_transition.bottomRows(sensors) = (keep.asDiagonal() * m_transition.bottomRows(sensors)).eval();
+        if (m_keepsTransition)
+            m_transition.bottomRows(sensors) = (keep.asDiagonal() * m_transition.bottomRows(sensors)).eval();
     }
-    if (m_mode == EMode::navigation)
+    if (m_keepsTransition)
         m_transition.topLeftCorner<kStates, kStates>() =
             (transition * m_transition.topLeftCorner<kStates, kStates>()).eval();
 

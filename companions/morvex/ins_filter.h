@@ -105,8 +105,11 @@ class CInsFilter {
         return {GetSensor(group, 0), GetSensor(group, 1), GetSensor(group, 2)};
     }
 
+    // Follows the transition, which a third of the propagation goes into.
+    void KeepTransition() { m_keepsTransition = true; }
     // The transition of the errors since the last call, which begins a new one; and the correction applied
     // since.
+    // REQUIRES: KeepTransition before the first sample; without it the identity.
     StateMatrix TakeTransition();
     StateVector TakeCorrection();
 
@@ -128,6 +131,7 @@ class CInsFilter {
     SSensorGrade m_grade;
     EMode m_mode;
     CStateLayout m_layout;
+    bool m_keepsTransition = false;
     StateMatrix m_transition; // since TakeTransition
     StateVector m_corrected;  // since TakeCorrection
     // Sums since the covariance was last brought up.

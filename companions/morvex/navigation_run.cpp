@@ -323,6 +323,7 @@ std::optional<SAlignment> CNavigationRun::Align(SStretch& stretch) {
 
 bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& alignment) {
     CInsFilter filter(alignment.start, alignment.grade, CInsFilter::EMode::navigation, m_layout);
+    if (m_smoothing) filter.KeepTransition();
     CFixSource fixes(stretch, m_inputs.GetFixes());
     CItems items(fixes, m_aidings);
     const double begin = filter.GetNavigation().time;

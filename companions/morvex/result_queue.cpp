@@ -56,6 +56,7 @@ bool CResultQueue::OpenSpool(const std::filesystem::path& folder) {
 }
 
 void CResultQueue::AddMotion(const CStrapdown& strapdown) {
+    if (!m_heave.Wants(strapdown.Get().time)) return;
     const Matrix3d toLevel = strapdown.Get().attitude.toRotationMatrix();
     m_heave.Add(strapdown.Get().time,
                 {strapdown.GetFreeHeight(), toLevel(2, 0), toLevel(2, 1), toLevel(2, 2)});
