@@ -50,7 +50,10 @@ void CTrvCommandBars::MakeActions() {
         action->setIconVisibleInMenu(!row.tickedWhen); // a tick says more
         if (row.menu == EMenu::mouse) modes->addAction(action);
         QObject::connect(action, &QAction::triggered, &m_frame, [this, &row] {
-            row.run(m_frame);
+            if (row.menu == EMenu::add)
+                m_frame.GetProcessing().Add([&] { row.run(m_frame); });
+            else
+                row.run(m_frame);
             m_frame.UpdateFrame();
         });
         m_frame.addAction(action); // its keys work while menu and bars are hidden

@@ -35,32 +35,31 @@ using Outils_Texte::EText;
 
 namespace {
 
-// A dialog with OK and Cancel under what the caller puts into `layout`.
+// A dialog with OK and Cancel under what the caller puts into it. Tab goes through it in the order of adding.
 class CDialog : public QDialog {
   public:
     CDialog(QWidget* parent, const QString& title) : QDialog(parent) {
         setWindowTitle(title);
         m_layout = new QVBoxLayout(this);
-        m_buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-        connect(m_buttons, &QDialogButtonBox::accepted, this, [this] {
-            if (!m_onOK || m_onOK()) accept();
-        });
-        connect(m_buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     }
     void Add(QWidget* widget) { m_layout->addWidget(widget, 1); }
     void Add(QLayout* layout) { m_layout->addLayout(layout); }
-    // OK ends the dialog when `onOK` says so.
-    bool Run(std::function<bool()> onOK = {}) {
-        m_onOK = std::move(onOK);
-        m_layout->addWidget(m_buttons);
+    // OK ends the dialog when `onOK` says so. Enter presses it unless the dialog has a use of its own for it.
+    bool Run(const std::function<bool()>& onOK = {}, bool enterIsOK = true) {
+        auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+        connect(buttons, &QDialogButtonBox::accepted, this, [this, onOK] {
+            if (!onOK || onOK()) accept();
+        });
+        connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+        for (QAbstractButton* button : buttons->buttons())
+            static_cast<QPushButton*>(button)->setAutoDefault(enterIsOK);
+        buttons->button(QDialogButtonBox::Ok)->setDefault(enterIsOK);
+        m_layout->addWidget(buttons);
         return exec() == Accepted;
     }
-    QPushButton* GetOK() const { return m_buttons->button(QDialogButtonBox::Ok); }
 
   private:
     QVBoxLayout* m_layout;
-    QDialogButtonBox* m_buttons;
-    std::function<bool()> m_onOK;
 };
 
 // A line with a button that chooses for it.
@@ -72,7 +71,7 @@ class CPathLine final : public QWidget {
         m_line = new QLineEdit(this);
         m_line->setAccessibleName(name);
         m_line->setMinimumWidth(380);
-        auto* button = new QToolButton(this);
+        auto* button = m_button = new QToolButton(this);
         button->setText(Text(EText::browse));
         button->setToolTip(Text(EText::wizardBrowseTip));
         button->setAccessibleName(QStringLiteral("%1 %2").arg(Text(EText::wizardBrowseTip), name));
@@ -83,9 +82,11 @@ class CPathLine final : public QWidget {
         setFocusProxy(m_line);
     }
     QLineEdit& GetLine() const { return *m_line; }
+    void FocusButton() { m_button->setFocus(); }
 
   private:
     QLineEdit* m_line;
+    QToolButton* m_button;
 };
 
 QString WithoutKey(EText text) { return Text(text).remove(QLatin1Char('&')); }
@@ -168,6 +169,10 @@ bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
     place = std::make_unique<SPlaceLines>(dialog, *form);
     place->Show(logic);
     dialog.Add(form);
+    if (logic.GetInputFiles().empty())
+        files->FocusButton(); // without a recording there is nothing to type
+    else
+        place->name->setFocus();
     return dialog.Run([&] {
         logic.insConfigurationFile = ToPath(configuration->GetLine().text());
         place->Take(logic);
@@ -284,11 +289,9 @@ bool CWindowDialogs::Show(QWidget* parent, CTrvSettingsDlg& logic) {
         grid->SetItemExpanded(*section, true);
     if (const auto* first = root.GetChild(0)) grid->Select(*first);
     dialog.Add(grid);
-    dialog.GetOK()->setDefault(false); // Enter edits a value
-    dialog.GetOK()->setAutoDefault(false);
     dialog.resize(configuration.Get(Cnf<"settingsDialog/width">),
                   configuration.Get(Cnf<"settingsDialog/height">));
-    const bool accepted = dialog.Run();
+    const bool accepted = dialog.Run({}, false); // Enter edits a value
     configuration.Set(Cnf<"settingsDialog/width">, dialog.width());
     configuration.Set(Cnf<"settingsDialog/height">, dialog.height());
     configuration.Set(Cnf<"settingsDialog/firstColumnWidth">, grid->GetTitleWidth());

@@ -76,7 +76,8 @@ std::vector<std::filesystem::path> CWindowDialogs::AskPath(QWidget* parent, cons
     std::error_code error;
     const bool isFolder = std::filesystem::is_directory(question.proposed, error);
     const auto folder = isFolder ? question.proposed : question.proposed.parent_path();
-    QFileDialog dialog(parent, Text(question.title), ToQString(folder), ToNameFilters(question.filter));
+    QFileDialog dialog(parent, Text(question.title).remove(QLatin1Char('&')), ToQString(folder),
+                       ToNameFilters(question.filter));
     constexpr QFileDialog::FileMode kModes[] = {QFileDialog::ExistingFile, QFileDialog::ExistingFiles,
                                                 QFileDialog::AnyFile};
     dialog.setFileMode(kModes[static_cast<int>(question.kind)]);

@@ -36,7 +36,7 @@ class CHGItem {
 
     ERowKind GetKind() const { return m_kind; }
     virtual std::string GetTitle() const = 0;
-    // Shown pale behind the title: what is known of a sensor, a count. Empty for none.
+    // Shown pale in the place of a value: what is known of a sensor, a count. Empty for none.
     virtual std::string GetNote() const { return {}; }
     // The text on the right; empty for a section without one.
     virtual std::string GetValue() const { return {}; }

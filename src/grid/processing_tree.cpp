@@ -272,7 +272,8 @@ CHGItem* CProcessingTree::FindNextFault(const CHGItem* after) const {
     do {
         item = GetNext(item);
         if (!item) item = &root;
-        if (!item->GetFault().empty() && item->GetChildCount() == 0) return const_cast<CHGItem*>(item);
+        if (item->IsVisible() && !item->GetFault().empty() && !item->HasFaultBelow())
+            return const_cast<CHGItem*>(item);
     } while (item != start);
     return nullptr;
 }

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QFont>
+#include <QPalette>
 #include <QStyle>
 
 namespace Application_Tarvel {
@@ -56,9 +57,8 @@ QVariant CTrvGridModel::data(const QModelIndex& index, int role) const {
     const bool isValue = index.column() == kValue;
     switch (role) {
     case Qt::DisplayRole: {
-        if (isValue) return ToQString(item->GetValue());
-        const std::string note = item->GetNote();
-        return ToQString(note.empty() ? item->GetTitle() : item->GetTitle() + "  (" + note + ')');
+        const std::string value = isValue ? item->GetValue() : item->GetTitle();
+        return ToQString(isValue && value.empty() ? item->GetNote() : value);
     }
     case Qt::EditRole: return ToQString(isValue ? item->GetValue() : item->GetTitle());
     case Qt::ToolTipRole:
@@ -69,9 +69,15 @@ QVariant CTrvGridModel::data(const QModelIndex& index, int role) const {
             text += (text.empty() ? "" : "\n") + help;
         return ToQString(text);
     }
-    case Qt::AccessibleTextRole:
-        return ToQString(isValue ? item->GetTitle() + ": " + item->GetValue() : item->GetTitle());
-    case Qt::ForegroundRole: return item->GetFault().empty() ? QVariant() : QVariant(m_faultColor);
+    case Qt::AccessibleTextRole: {
+        const QString title = ToQString(item->GetTitle());
+        return isValue ? title + ": " + data(index, Qt::DisplayRole).toString() : title;
+    }
+    case Qt::ForegroundRole:
+        if (!item->GetFault().empty()) return m_faultColor;
+        // A note is no value.
+        if (!isValue || item->GetKind() != Presentation_Tarvel_Grid::ERowKind::section) return {};
+        return QApplication::palette("QTreeView").color(QPalette::Disabled, QPalette::Text);
     case Qt::DecorationRole:
         if (isValue && item->GetKind() == Presentation_Tarvel_Grid::ERowKind::color)
             return QColor(ToQString(item->GetValue()));

@@ -41,6 +41,12 @@ class CGridDelegate final : public QStyledItemDelegate {
         return editor;
     }
 
+    // Both ends of a path say more than its middle; a title begins with what matters.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->textElideMode = index.column() == CTrvGridModel::kTitle ? Qt::ElideRight : Qt::ElideMiddle;
+    }
+
     void setEditorData(QWidget* editor, const QModelIndex& index) const override {
         const CHGItem* item = m_model.GetItem(index);
         if (auto* list = qobject_cast<QComboBox*>(editor))
@@ -98,8 +104,8 @@ class CGridDelegate final : public QStyledItemDelegate {
         if (!item || m_isTaking) return false;
         const QScopedValueRollback guard(m_isTaking, true); // the message takes the focus from the editor
         if (const auto* list = qobject_cast<QComboBox*>(editor)) {
-            if (list->currentIndex() != item->GetChoice()) item->Choose(list->currentIndex());
-            return true;
+            return list->currentIndex() == item->GetChoice() ||
+                   m_view.Accepts(item->Choose(list->currentIndex()));
         }
         const auto* text = qobject_cast<QLineEdit*>(editor);
         return !text || !text->isModified() || m_view.Write(*item, text->text());
@@ -117,7 +123,6 @@ CTrvGridView::CTrvGridView(CHierarchicalGridControl& grid, IQuestions& questions
     setModel(m_model);
     setItemDelegate(new CGridDelegate(*this, *m_model));
     setUniformRowHeights(true);
-    setTextElideMode(Qt::ElideMiddle); // both ends of a path say more than its middle
     setAlternatingRowColors(true);
     setSelectionBehavior(SelectRows);
     setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
@@ -139,6 +144,9 @@ void CTrvGridView::Select(const CHGItem& item) {
         setExpanded(m_model->GetIndex(*above), true);
     const QModelIndex index = m_model->GetIndex(item);
     setCurrentIndex(index);
+    // With what is under it, as far as there is room.
+    if (const CHGItem* last = item.GetChild(item.GetChildCount() - 1); last && isExpanded(index))
+        scrollTo(m_model->GetIndex(*last));
     scrollTo(index);
 }
 
@@ -152,7 +160,10 @@ bool CTrvGridView::EditRow(const CHGItem& item) {
 }
 
 bool CTrvGridView::Write(CHGItem& item, const QString& text) {
-    const std::string refusal = item.Write(text.toStdString());
+    return Accepts(item.Write(text.toStdString()));
+}
+
+bool CTrvGridView::Accepts(const std::string& refusal) {
     if (refusal.empty()) return true;
     m_questions.ShowMessage(refusal, EButtons::ok, EIcon::exclamation);
     return false;

@@ -31,6 +31,8 @@ class CTrvGridView final : public QTreeView {
     bool EditRow(const Presentation_Tarvel_Grid::CHGItem& item);
     // Has the row take the text; a message box shows a refusal. For the editors.
     bool Write(Presentation_Tarvel_Grid::CHGItem& item, const QString& text);
+    // True for an empty refusal; a message box shows any other.
+    bool Accepts(const std::string& refusal);
     // Starts the edit of the next editable row, or of the previous one.
     void EditNext(bool forward);
     void SetFaultColor(const QColor& color);

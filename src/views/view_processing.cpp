@@ -74,6 +74,16 @@ void CTrvViewProcessing::SelectNextFault() {
     }
 }
 
+void CTrvViewProcessing::Add(const std::function<void()>& add) {
+    m_tree.TakeAdded(); // of the analysis, which moves nobody's selection
+    add();
+    const CHGItem* item = m_tree.TakeAdded();
+    if (!item) return;
+    m_grid->SetItemExpanded(*item, true);
+    m_grid->Select(*item);
+    m_grid->setFocus();
+}
+
 void CTrvViewProcessing::Reformat() { m_tree.Reformat(); }
 
 void CTrvViewProcessing::ToggleProcess() {
@@ -96,11 +106,6 @@ void CTrvViewProcessing::OnUpdate(EHint hint, const Outils_Objets::CObject* obje
     default: break;
     }
     m_tree.OnUpdate(hint, object);
-    // What was just added is what the user wants to see.
-    if (const CHGItem* item = m_tree.TakeAdded()) {
-        m_grid->SetItemExpanded(*item, true);
-        m_grid->Select(*item);
-    }
     Q_EMIT StateChanged();
 }
 

@@ -7,6 +7,8 @@
 #include <QBasicTimer>
 #include <QWidget>
 
+#include <functional>
+
 class QMenu;
 class QPushButton;
 
@@ -36,9 +38,11 @@ class CTrvViewProcessing final : public QWidget, public IDocumentView {
     Presentation_Tarvel_Grid::CHGItem* GetSelected() const;
     bool CanRemoveSelected() const { return m_tree.CanRemove(GetSelected()); }
     void RemoveSelected() { m_tree.Remove(GetSelected()); }
+    // Calls `add`, and selects the row of what it has added to the project.
+    void Add(const std::function<void()>& add);
     // Goes to the next value at fault, round the whole tree; does nothing without one.
     void SelectNextFault();
-    // Takes units, notations and the column's width of the settings again.
+    // Takes units and notations of the settings again.
     void Reformat();
     // Must outlive the view; null for none.
     void SetContextMenu(QMenu* menu) { m_menu = menu; }
