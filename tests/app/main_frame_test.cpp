@@ -329,4 +329,18 @@ TEST_F(MainFrame, OutputGrowsAtItsEnd) {
     EXPECT_EQ(output.blockCount(), 4);
 }
 
+TEST_F(MainFrame, OutputShowsTheTimeOfEachText) {
+    CTrvOutputWnd output;
+    const QTime morning(8, 30, 15), night(23, 59, 59);
+    output.AppendLine("first\nits second line", morning);
+    output.AppendLine("\nafter an empty line", night);
+    const QTime none;
+    const QTime expected[] = {morning, none, night, none, none};
+    ASSERT_EQ(output.blockCount(), 5);
+    for (int line = 0; line < 5; ++line) EXPECT_EQ(output.GetTime(line), expected[line]) << line;
+    EXPECT_EQ(output.GetTime(5), none);
+    output.clear();
+    EXPECT_EQ(output.GetTime(0), none);
+}
+
 } // namespace
