@@ -44,14 +44,20 @@ bool CTrvPeriodQuery::IsBefore(CXpfChannel& channel, CXpfDatedPacket& packet) co
 EQueryEnd CTrvPeriodQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet) {
     m_beyond = 0;
     m_cut = false;
-    if (!m_period.start.IsValid() || !m_period.end.IsValid() || !Begin(packet->GetLayout()))
-        return EQueryEnd::failed;
-    switch (SeekStart(channel, *packet)) {
+    EQueryEnd end = EQueryEnd::failed;
+    if (m_period.start.IsValid() && m_period.end.IsValid() && Begin(packet->GetLayout()))
+        end = Walk(channel, *packet);
+    if (end != EQueryEnd::done) Abandon();
+    return end;
+}
+
+EQueryEnd CTrvPeriodQuery::Walk(CXpfChannel& channel, CXpfDatedPacket& packet) {
+    switch (SeekStart(channel, packet)) {
     case EDateSearch::failed: return EQueryEnd::failed;
     case EDateSearch::cancelled: return EQueryEnd::cancelled;
     default: break;
     }
-    CChannelWalk walk(channel, packet->GetPayloadSize());
+    CChannelWalk walk(channel, packet.GetPayloadSize());
     bool failed = false;
     for (;;) {
         const auto payloads = walk.Next([] {});

@@ -42,10 +42,13 @@ class CTrvPeriodQuery : public CTrvDataQuery {
     virtual bool Take(Payloads payloads) = 0;
     // Runs for a walk that came to its end, not for one that failed or was cancelled.
     virtual bool Finish() = 0;
+    // Runs after Begin when the query fails or is cancelled.
+    virtual void Abandon() {}
 
   private:
     EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
                      std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) final;
+    EQueryEnd Walk(Persistance_Xpf::CXpfChannel& channel, Persistance_Xpf::CXpfDatedPacket& packet);
     EDateSearch SeekStart(Persistance_Xpf::CXpfChannel& channel,
                           Persistance_Xpf::CXpfDatedPacket& packet) const;
     // Whether packets from here on lie before the period.
