@@ -1,0 +1,201 @@
+#include "dataaccess/csv_query.h"
+
+#include "foundation/bytes.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+
+namespace Application_Tarvel {
+
+using namespace Persistance_Xpf;
+using namespace Outils_Temps;
+
+namespace {
+
+constexpr char kSeparator = ';';
+constexpr std::size_t kTextSize = 1 << 20;
+constexpr std::size_t kWidestValue = 40; // characters, with the separator
+
+template <class Element>
+char* FormatElement(const std::uint8_t* bytes, const SCsvColumn& column, char* out) {
+    const auto value = Outils::Load<Element>(bytes);
+    if (column.factor == 1 && column.offset == 0) return std::to_chars(out, out + kWidestValue, value).ptr;
+    return std::to_chars(out, out + kWidestValue, static_cast<double>(value) * column.factor + column.offset)
+        .ptr;
+}
+
+// With leading zeros.
+char* FormatDigits(std::int64_t value, int digits, char* out) {
+    for (int i = digits; i-- > 0; value /= 10) out[i] = static_cast<char>('0' + value % 10);
+    return out + digits;
+}
+
+char* FormatSeconds(std::int64_t ticks, char* out) {
+    if (ticks < 0) *out++ = '-';
+    const auto size = ticks < 0 ? 0 - static_cast<std::uint64_t>(ticks) : static_cast<std::uint64_t>(ticks);
+    out = std::to_chars(out, out + kWidestValue, size / kTicksPerSecond).ptr;
+    *out++ = '.';
+    return FormatDigits(static_cast<std::int64_t>(size % kTicksPerSecond), 7, out);
+}
+
+} // namespace
+
+CTrvCsvQuery::CTrvCsvQuery(SChannelAddress address, SClosedPeriod period, SCsvClock clock,
+                           std::vector<SCsvColumn> columns, std::filesystem::path target, Callback onDone)
+    : CTrvPeriodQuery(std::move(address), period),
+      m_clock(std::move(clock)),
+      m_columns(std::move(columns)),
+      m_target(std::move(target)),
+      m_onDone(std::move(onDone)) {}
+
+CTrvCsvQuery::~CTrvCsvQuery() { CTrvCsvQuery::Abandon(); }
+
+bool CTrvCsvQuery::Begin(const SPacketLayout& layout) {
+    Abandon();
+    m_elements.clear();
+    m_headings.clear();
+    m_rows = 0;
+    m_day = -1;
+    m_targetAtFault = false;
+    AppendHeading(m_clock.heading);
+    for (const SCsvColumn& column : m_columns)
+        if (!AddElements(layout, column)) return false;
+    m_headings += '\n';
+    m_text.resize(kTextSize + m_headings.size() + (m_elements.size() + 1) * kWidestValue);
+    std::memcpy(m_text.data(), m_headings.data(), m_headings.size());
+    m_used = m_headings.size();
+    return OpenBeside() || Fail();
+}
+
+bool CTrvCsvQuery::AddElements(const SPacketLayout& layout, const SCsvColumn& column) {
+    static constexpr std::array<Format, 8> formats = {
+        FormatElement<std::uint8_t>, FormatElement<std::uint16_t>, FormatElement<std::uint32_t>,
+        FormatElement<std::int8_t>,  FormatElement<std::int16_t>,  FormatElement<std::int32_t>,
+        FormatElement<float>,        FormatElement<double>};
+    if (column.field >= layout.fields.size()) return false;
+    const SFieldLayout& row = layout.fields[column.field];
+    const auto type = static_cast<std::size_t>(row.type);
+    if (type >= formats.size()) return false;
+    for (std::uint32_t i = 0; i < row.count; ++i) {
+        m_headings += kSeparator;
+        AppendHeading(row.count > 1 ? column.heading + '[' + std::to_string(i) + ']' : column.heading);
+        m_elements.push_back({&column, formats[type], layout.offsets[column.field] + i * GetWidth(row.type)});
+    }
+    return true;
+}
+
+void CTrvCsvQuery::AppendHeading(const std::string& heading) {
+    if (heading.find_first_of(";\"\r\n") == std::string::npos) {
+        m_headings += heading;
+        return;
+    }
+    m_headings += '"';
+    for (const char c : heading) m_headings += c == '"' ? std::string("\"\"") : std::string(1, c);
+    m_headings += '"';
+}
+
+bool CTrvCsvQuery::Take(Payloads payloads) {
+    for (const std::uint8_t* payload : payloads) {
+        if (m_used >= kTextSize && !Flush()) return Fail();
+        char* out = FormatDate(Outils::Load<std::int64_t>(payload), m_text.data() + m_used);
+        for (const SElement& element : m_elements) {
+            *out++ = kSeparator;
+            out = element.format(payload + element.offset, *element.column, out);
+        }
+        *out++ = '\n';
+        m_used = static_cast<std::size_t>(out - m_text.data());
+    }
+    m_rows += payloads.size();
+    return true;
+}
+
+// The calendar is asked once a day.
+char* CTrvCsvQuery::FormatDate(std::int64_t date, char* out) {
+    const CDateTimeSpan span(date);
+    const CDateTime instant = m_clock.zero ? *m_clock.zero + span : CDateTime::Invalid();
+    const auto ticks = static_cast<std::int64_t>(instant.GetTicks());
+    if (instant.IsValid() && ticks / kTicksPerDay != m_day) {
+        CalendarFields fields;
+        m_day = instant.GetCalendar(fields) && fields.year <= 9999 ? ticks / kTicksPerDay : -1;
+        char* text = FormatDigits(fields.year, 4, m_dayText);
+        *text++ = '-';
+        text = FormatDigits(fields.month, 2, text);
+        *text++ = '-';
+        FormatDigits(fields.day, 2, text);
+    }
+    if (!instant.IsValid() || m_day < 0) {
+        const CDateTimeSpan shown = span + m_clock.origin;
+        return FormatSeconds(shown.IsValid() ? shown.GetTicks() : date, out);
+    }
+    const std::int64_t inDay = ticks % kTicksPerDay;
+    std::memcpy(out, m_dayText, 10);
+    out[10] = 'T';
+    FormatDigits(inDay / kTicksPerHour, 2, out + 11);
+    out[13] = ':';
+    FormatDigits(inDay / kTicksPerMinute % 60, 2, out + 14);
+    out[16] = ':';
+    FormatDigits(inDay / kTicksPerSecond % 60, 2, out + 17);
+    out[19] = '.';
+    FormatDigits(inDay % kTicksPerSecond, 7, out + 20);
+    out[27] = 'Z';
+    return out + 28;
+}
+
+bool CTrvCsvQuery::OpenBeside() {
+    std::error_code error;
+    const auto resolved = std::filesystem::weakly_canonical(m_target, error);
+    if (error || resolved.empty()) return false;
+    struct stat former {};
+    const bool replaces = ::stat(resolved.c_str(), &former) == 0;
+    // The rename would ask only for the folder's permission.
+    if (replaces && (!S_ISREG(former.st_mode) || ::access(resolved.c_str(), W_OK) != 0)) return false;
+    // Unique among the programs and queries that write into this folder.
+    static std::atomic<unsigned> count{0};
+    const auto beside =
+        resolved.parent_path() / (".varne-csv-" + std::to_string(::getpid()) + '-' + std::to_string(++count));
+    m_file = Outils_Fichiers::CDescriptor(::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                                                 replaces ? former.st_mode & 0777 : 0666));
+    if (!m_file.IsOpen()) return false;
+    m_beside = beside;
+    m_target = resolved;
+    return !replaces || ::fchmod(m_file.Get(), former.st_mode & 0777) == 0;
+}
+
+bool CTrvCsvQuery::Flush() {
+    for (std::size_t done = 0; done < m_used;) {
+        const ssize_t count = ::write(m_file.Get(), m_text.data() + done, m_used - done);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        done += static_cast<std::size_t>(count);
+    }
+    m_used = 0;
+    return true;
+}
+
+bool CTrvCsvQuery::Finish() {
+    const bool written = Flush() && ::fsync(m_file.Get()) == 0;
+    if (!m_file.Close() || !written || ::rename(m_beside.c_str(), m_target.c_str()) != 0) return Fail();
+    m_beside.clear();
+    return true;
+}
+
+bool CTrvCsvQuery::Fail() {
+    m_targetAtFault = true;
+    return false;
+}
+
+void CTrvCsvQuery::Abandon() {
+    m_file.Close();
+    if (!m_beside.empty()) ::unlink(m_beside.c_str());
+    m_beside.clear();
+}
+
+} // namespace Application_Tarvel
