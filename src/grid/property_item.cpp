@@ -87,7 +87,8 @@ std::string CPropertyItem::GetHelp() const {
 
 std::string CPropertyItem::GetFault() const {
     if (m_project.report.IsEmpty()) return {};
-    const CObject* const places[] = {&m_owner, &m_target, &m_project.context.parameters};
+    // Some rules on the whole run are about a value of another object.
+    const CObject* const places[] = {&m_owner, &m_project.context.parameters};
     for (const CObject* place : places)
         if (const auto* rule = m_project.report.FindFault(place, m_property))
             return std::string(rule->GetMessage());

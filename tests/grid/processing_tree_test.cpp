@@ -81,6 +81,7 @@ TEST_F(ProcessingTree, ReadsEveryShownTextBack) {
             m_tree.Reformat();
         }
         const auto before = Bytes();
+        ASSERT_TRUE(m_document.Save());
         int rows = 0;
         ForEach(m_tree.GetGrid().GetRoot(), [&rows](CHGItem& item) {
             if (!item.IsEditable() || item.GetKind() == ERowKind::dialog) return;
@@ -89,6 +90,7 @@ TEST_F(ProcessingTree, ReadsEveryShownTextBack) {
         });
         EXPECT_GT(rows, 80);
         EXPECT_EQ(Bytes(), before);
+        EXPECT_FALSE(m_document.IsModified());
     }
 }
 
@@ -143,8 +145,10 @@ TEST_F(ProcessingTree, FollowsEveryEdit) {
     check("sensor");
     ASSERT_TRUE(AddFile("external.tarin"));
     check("file");
-    FindRow(*Parameters().zupts[0], EText::toLabel)->Write("-0:00:05");
+    EXPECT_EQ(FindRow(*Parameters().zupts[0], EText::fromLabel)->Write("0:00:05"), "");
     check("fault");
+    m_edits.Do(Edits::kRemoveZupt, *Parameters().zupts[0]); // the others move up
+    check("first of several");
     // From the last to the first, so that every list loses all that it has.
     for (bool removed = true; removed;) {
         removed = false;
@@ -190,6 +194,8 @@ TEST_F(ProcessingTree, WalksTheFaults) {
     FindRow(rate, EText::value)->Write("1");
     EXPECT_EQ(m_tree.GetFaultCount(), 0u);
     EXPECT_EQ(FindRow(zupt, EText::fromLabel)->GetFault(), "");
+    EXPECT_EQ(FindRow(Parameters(), EText::begin)->Write("2:00:00"), "");
+    EXPECT_NE(FindRow(Parameters(), EText::begin)->GetFault(), "");
 }
 
 TEST_F(ProcessingTree, SharesTheListOfAKind) {
