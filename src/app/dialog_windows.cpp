@@ -20,6 +20,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -88,6 +89,8 @@ class CPathLine final : public QWidget {
     QLineEdit* m_line;
     QToolButton* m_button;
 };
+
+constexpr QSize kFrameRoom(20, 60); // around a dialog on the screen: title bar and borders
 
 QString WithoutKey(EText text) { return Text(text).remove(QLatin1Char('&')); }
 
@@ -289,8 +292,9 @@ bool CWindowDialogs::Show(QWidget* parent, CTrvSettingsDlg& logic) {
         grid->SetItemExpanded(*section, true);
     if (const auto* first = root.GetChild(0)) grid->Select(*first);
     dialog.Add(grid);
-    dialog.resize(configuration.Get(Cnf<"settingsDialog/width">),
-                  configuration.Get(Cnf<"settingsDialog/height">));
+    const QSize size(configuration.Get(Cnf<"settingsDialog/width">),
+                     configuration.Get(Cnf<"settingsDialog/height">));
+    dialog.resize(size.boundedTo(dialog.screen()->availableSize() - kFrameRoom));
     const bool accepted = dialog.Run({}, false); // Enter edits a value
     configuration.Set(Cnf<"settingsDialog/width">, dialog.width());
     configuration.Set(Cnf<"settingsDialog/height">, dialog.height());

@@ -257,7 +257,8 @@ class CSettingItem final : public CHGItem {
         }
         case ESetting::color:
             if (!FromHex(text)) return std::string(GetText(EText::invalidValue));
-            break;
+            m_text = ToHex(*FromHex(text));
+            return {};
         case ESetting::program:
             if (text.empty()) return std::string(GetText(EText::enterValue));
             break;

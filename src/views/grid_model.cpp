@@ -76,7 +76,9 @@ QVariant CTrvGridModel::data(const QModelIndex& index, int role) const {
     case Qt::ForegroundRole:
         if (!item->GetFault().empty()) return m_faultColor;
         // A note is no value.
-        if (!isValue || item->GetKind() != Presentation_Tarvel_Grid::ERowKind::section) return {};
+        if (!isValue || item->GetKind() != Presentation_Tarvel_Grid::ERowKind::section ||
+            !item->GetValue().empty())
+            return {};
         return QApplication::palette("QTreeView").color(QPalette::Disabled, QPalette::Text);
     case Qt::DecorationRole:
         if (isValue && item->GetKind() == Presentation_Tarvel_Grid::ERowKind::color)

@@ -26,6 +26,12 @@ namespace {
 
 constexpr int kLongestText = 4096; // a pasted file is no value
 
+// Whether the value is chosen in a dialog and not in the row.
+bool HasDialog(const CHGItem& item) {
+    return item.GetKind() == ERowKind::dialog || item.GetKind() == ERowKind::color ||
+           item.GetKind() == ERowKind::file;
+}
+
 // The editors of the value column. A text that the row refuses keeps its editor open.
 class CGridDelegate final : public QStyledItemDelegate {
   public:
@@ -173,7 +179,8 @@ void CTrvGridView::EditNext(bool forward) {
     for (QModelIndex index = currentIndex(); index.isValid();) {
         index = forward ? indexBelow(index) : indexAbove(index);
         const CHGItem* item = m_model->GetItem(index);
-        if (!item || !item->IsEditable() || item->GetKind() == ERowKind::dialog) continue;
+        // No dialog opens by itself.
+        if (!item || !item->IsEditable() || HasDialog(*item)) continue;
         EditRow(*item);
         return;
     }
@@ -205,9 +212,8 @@ bool CTrvGridView::edit(const QModelIndex& index, EditTrigger trigger, QEvent* e
     CHGItem* item = m_model->GetItem(index);
     if (!item || trigger == NoEditTriggers || trigger == CurrentChanged) return false;
     if (!item->IsEditable()) return false;
-    const bool hasDialog = item->GetKind() == ERowKind::dialog || item->GetKind() == ERowKind::color ||
-                           item->GetKind() == ERowKind::file;
-    if (!hasDialog) return QTreeView::edit(m_model->GetIndex(*item, CTrvGridModel::kValue), trigger, event);
+    if (!HasDialog(*item))
+        return QTreeView::edit(m_model->GetIndex(*item, CTrvGridModel::kValue), trigger, event);
     if (!(trigger == AllEditTriggers || (editTriggers() & trigger)) || trigger == AnyKeyPressed) return false;
     return StartDialog(*item);
 }
