@@ -8,11 +8,26 @@
 #include <QPalette>
 #include <QStyle>
 
+#include <algorithm>
+
 namespace Application_Tarvel {
 
 using Outils_Plot2D::Text;
 using Outils_Plot2D::ToQString;
 using Outils_Texte::EText;
+
+namespace {
+
+constexpr int kLight = 180; // of 255: on a dark ground
+
+// The colour, lighter where the palette is dark.
+QColor GetReadable(const QColor& color) {
+    if (QApplication::palette("QTreeView").color(QPalette::Base).lightness() >= 128) return color;
+    return QColor::fromHsl(std::max(color.hslHue(), 0), color.hslSaturation(),
+                           std::max(color.lightness(), kLight));
+}
+
+} // namespace
 
 CTrvGridModel::CTrvGridModel(Presentation_Tarvel_Grid::CHierarchicalGridControl& grid, QObject* parent)
     : QAbstractItemModel(parent),
@@ -74,7 +89,7 @@ QVariant CTrvGridModel::data(const QModelIndex& index, int role) const {
         return isValue ? title + ": " + data(index, Qt::DisplayRole).toString() : title;
     }
     case Qt::ForegroundRole:
-        if (!item->GetFault().empty()) return m_faultColor;
+        if (!item->GetFault().empty()) return GetReadable(m_faultColor);
         // A note is no value.
         if (!isValue || item->GetKind() != Presentation_Tarvel_Grid::ERowKind::section ||
             !item->GetValue().empty())

@@ -27,7 +27,7 @@ class CTrvGridModel final : public QAbstractItemModel, private Presentation_Tarv
     // Null for an index of none.
     CHGItem* GetItem(const QModelIndex& index) const;
     QModelIndex GetIndex(const CHGItem& item, int column = kTitle) const;
-    // Of values at fault. The default follows no palette.
+    // Of values at fault; on a dark palette a lighter one.
     void SetFaultColor(const QColor& color) { m_faultColor = color; }
 
     QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
