@@ -15,8 +15,7 @@ struct SEstimateText {
     std::string text;
 };
 
-// One text for each group of states that the filter has; the lever arm of the GPS as a whole, what is stated
-// included.
+// A text for each group of states in the filter. The lever arm of the GPS includes the stated one.
 std::vector<SEstimateText> DescribeEstimates(const CInsFilter& filter, const SRunPlan& plan);
 
 } // namespace Morvex

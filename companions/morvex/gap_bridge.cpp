@@ -98,7 +98,7 @@ void CGapBridge::Fill(const SImuSample& sample, std::span<const SImuSample> afte
     int window = std::max(static_cast<int>(std::lround(GetWindow(gap) / nominal)), 1);
     window = std::max(std::min({window, held / 2, (static_cast<int>(after.size()) + 1) / 2}), 1);
 
-    // The rates beside the hole; where there are too few samples the nearest stand for the farther ones.
+    // The rates beside the hole; where samples are too few, the nearest is repeated.
     const auto rateAfter = [&](int from, int to) {
         Vector6d sum = Vector6d::Zero();
         double span = 0.0;
@@ -188,7 +188,7 @@ void CGapBridge::Fill(const SImuSample& sample, std::span<const SImuSample> afte
     const double swing = std::sqrt(variance.sum() / std::max<double>(held, 1.0)) * std::min(gap, kSwing);
     whole.gapSpeed = deviation.tail<3>();
     whole.gapSpeed.array() += usual.tail<3>().norm() * swing * gap;
-    // What is remembered must be without holes.
+    // The remembered samples have no holes.
     m_points.clear();
     Learn(own);
     filled.push_back(whole);

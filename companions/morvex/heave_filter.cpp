@@ -12,7 +12,7 @@ namespace {
 constexpr double kDeviation = 14.5; // s, of the weights
 constexpr double kReach = 4.0 * kDeviation;
 constexpr double kNodeStep = 0.5;    // s
-constexpr std::size_t kThinning = 3; // points of which one counts for the mean
+constexpr std::size_t kThinning = 3; // the mean takes one point of so many
 
 } // namespace
 

@@ -14,8 +14,8 @@ enum class EHeave : std::uint8_t {
     zeroPhase, // from what was before and after it
 };
 
-// Takes the mean motion off a series of heights. What is not known of the height itself does not matter: a
-// constant, a speed and an acceleration of it, as an error of the unit causes them, are taken off whole.
+// Takes the mean motion off a series of heights. An error of the height that is a constant, a speed or an
+// acceleration, as errors of the unit cause them, goes with the mean.
 //
 // Zero phase: the mean is a parabola through a minute before and after, by least squares with Gaussian
 // weights of 14.5 s; swell of up to 25 s passes within 1 %. Causal: a tracking filter of third order follows
@@ -30,7 +30,7 @@ class CHeaveFilter {
     explicit CHeaveFilter(EHeave kind = EHeave::none, double period = 200.0)
         : m_kind(kind), m_period(period) {}
 
-    // Forgets everything: the heights begin anew.
+    // Starts over.
     void Reset();
     // Whether Add would take the values of this moment.
     bool Wants(double time) const {

@@ -126,7 +126,7 @@ std::optional<SMounting> ProbeOnce(const SRunPlan& plan, const std::function<boo
 } // namespace
 
 std::optional<SMounting> ProbeMounting(const SRunPlan& plan, const std::function<bool()>& goOn) {
-    // A lag of a second is no small error: it is taken off, and what is left of it is looked for again.
+    // A lag of a second is not linear: it is corrected, and the rest is searched again.
     constexpr int kMostProbes = 4;
     constexpr double kSmallLag = 0.03; // s
     SRunPlan corrected = plan;

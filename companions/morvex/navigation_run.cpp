@@ -498,7 +498,7 @@ void CNavigationRun::ObserveHeight(CInsFilter& filter) {
     }
 }
 
-// A scale that is far from what is stated is reported as soon as it is certain.
+// Reports a scale far from the stated one as soon as it is certain.
 void CNavigationRun::WatchScales(CInsFilter& filter) {
     m_nextScales = m_time + kScaleSpan;
     struct SScale {

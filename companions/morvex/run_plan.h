@@ -133,8 +133,8 @@ struct SRunPlan {
 // Reads the single object of a parameter file; null when it cannot be read or is something else.
 std::unique_ptr<Metier_Tarvel::CTrvSimulationParameters> LoadParameters(const std::filesystem::path& path);
 
-// Adds what is known of a vehicle on wheels, unless an odometer says the same, and at which rate. True when
-// it was added.
+// Has a vehicle on wheels held not to slide, unless an odometer holds it already. False when it was not
+// added.
 bool AddLandModel(SRunPlan& plan);
 
 SRunPlan MakeRunPlan(const Metier_Tarvel::CTrvSimulationParameters& parameters);

@@ -1,5 +1,4 @@
-// Finds what is wrong with an aiding sensor as a whole: values that repeat, a log that is mounted turned, a
-// contradiction that lasts.
+// Finds the faults of a whole aiding sensor: repeated values, a log mounted turned, a lasting contradiction.
 #pragma once
 
 #include "morvex/aiding.h"
@@ -19,7 +18,7 @@ class CSensorWatch {
 
     // Adds a speed that a log measured and the one that was expected, both in its axes, m/s.
     void AddDirection(EAiding kind, const Vector3d& measured, const Vector3d& expected);
-    // By how much the log is turned to port from what is stated, rad: once, when it is clear and large.
+    // The angle to port from the stated mounting of the log, rad: once, when it is certain and large.
     std::optional<double> TakeTurn(EAiding kind);
 
     // Adds what became of a packet. Gives the time from which the sensor contradicts the rest, once for every

@@ -17,7 +17,7 @@ struct SEstimateContext {
 };
 
 // The estimates at the filter's instant: its layout's fields in SI units, angles of the position in degrees.
-// What no state stands for is zero, and so is heave, which is known only later.
+// Fields without a state are zero, as is heave, which is computed later.
 std::vector<std::uint8_t> MakeEstimatePacket(CInsFilter& filter, const SRunPlan& plan,
                                              const SEstimateContext& context);
 
