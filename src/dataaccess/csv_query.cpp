@@ -50,11 +50,10 @@ char* FormatSeconds(std::int64_t ticks, char* out) {
 
 CTrvCsvQuery::CTrvCsvQuery(SChannelAddress address, SClosedPeriod period, SCsvClock clock,
                            std::vector<SCsvColumn> columns, std::filesystem::path target, Callback onDone)
-    : CTrvPeriodQuery(std::move(address), period),
+    : TPeriodQuery(std::move(address), period, std::move(onDone)),
       m_clock(std::move(clock)),
       m_columns(std::move(columns)),
-      m_target(std::move(target)),
-      m_onDone(std::move(onDone)) {}
+      m_target(std::move(target)) {}
 
 CTrvCsvQuery::~CTrvCsvQuery() { CTrvCsvQuery::Abandon(); }
 

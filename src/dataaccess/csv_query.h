@@ -31,11 +31,8 @@ struct SCsvClock {
     CDateTimeSpan origin; // added to the dates shown as seconds
 };
 
-class CTrvCsvQuery final : public CTrvPeriodQuery {
+class CTrvCsvQuery final : public TPeriodQuery<CTrvCsvQuery> {
   public:
-    // On the UI thread, once.
-    using Callback = std::function<void(CTrvCsvQuery& query, EQueryEnd end)>;
-
     // `onDone` may be empty. An existing target is replaced, a link followed.
     CTrvCsvQuery(SChannelAddress address, SClosedPeriod period, SCsvClock clock,
                  std::vector<SCsvColumn> columns, std::filesystem::path target, Callback onDone);
@@ -46,13 +43,6 @@ class CTrvCsvQuery final : public CTrvPeriodQuery {
     // Once Execute has returned: the file could not be written, whatever GetError says. / Its rows.
     bool IsTargetAtFault() const { return m_targetAtFault; }
     std::uint64_t GetRowCount() const { return m_rows; }
-
-    void OnFinished(bool success) override {
-        if (m_onDone) m_onDone(*this, success ? EQueryEnd::done : EQueryEnd::failed);
-    }
-    void OnCancelled() override {
-        if (m_onDone) m_onDone(*this, EQueryEnd::cancelled);
-    }
 
   protected:
     bool Begin(const Persistance_Xpf::SPacketLayout& layout) override;
@@ -78,7 +68,6 @@ class CTrvCsvQuery final : public CTrvPeriodQuery {
     SCsvClock m_clock;
     std::vector<SCsvColumn> m_columns;
     std::filesystem::path m_target;
-    Callback m_onDone;
     std::vector<SElement> m_elements;
     std::string m_headings;
     std::filesystem::path m_beside; // empty while there is no such file

@@ -10,6 +10,7 @@
 #include "dataaccess/view_queries.h"
 
 #include <atomic>
+#include <functional>
 #include <span>
 
 namespace Application_Tarvel {
@@ -61,6 +62,29 @@ class CTrvPeriodQuery : public CTrvDataQuery {
     bool m_cut = false;
     std::uint32_t m_beyond = 0; // packets after the period since the last one within
     std::atomic<double> m_progress{0};
+};
+
+// A query of the class `Query` that reports its end by a callback.
+template <class Query>
+class TPeriodQuery : public CTrvPeriodQuery {
+  public:
+    // On the UI thread, once.
+    using Callback = std::function<void(Query& query, EQueryEnd end)>;
+
+    void OnFinished(bool success) override { Report(success ? EQueryEnd::done : EQueryEnd::failed); }
+    void OnCancelled() override { Report(EQueryEnd::cancelled); }
+
+  protected:
+    // `onDone` may be empty.
+    TPeriodQuery(SChannelAddress address, SClosedPeriod period, Callback onDone)
+        : CTrvPeriodQuery(std::move(address), period), m_onDone(std::move(onDone)) {}
+
+  private:
+    void Report(EQueryEnd end) {
+        if (m_onDone) m_onDone(static_cast<Query&>(*this), end);
+    }
+
+    Callback m_onDone;
 };
 
 } // namespace Application_Tarvel

@@ -77,27 +77,15 @@ class CFieldAccumulator {
     double m_least = 0, m_greatest = 0, m_turns = 0, m_sine = 0, m_cosine = 0, m_squaresNearZero = 0;
 };
 
-class CTrvStatisticsQuery final : public CTrvPeriodQuery {
+class CTrvStatisticsQuery final : public TPeriodQuery<CTrvStatisticsQuery> {
   public:
-    // On the UI thread, once.
-    using Callback = std::function<void(CTrvStatisticsQuery& query, EQueryEnd end)>;
-
     // `onDone` may be empty.
     CTrvStatisticsQuery(SChannelAddress address, SClosedPeriod period, std::vector<SStatisticsField> fields,
                         Callback onDone)
-        : CTrvPeriodQuery(std::move(address), period),
-          m_fields(std::move(fields)),
-          m_onDone(std::move(onDone)) {}
+        : TPeriodQuery(std::move(address), period, std::move(onDone)), m_fields(std::move(fields)) {}
 
     // What is known by now, also while the walk runs. Any thread.
     SStatistics GetStatistics() const;
-
-    void OnFinished(bool success) override {
-        if (m_onDone) m_onDone(*this, success ? EQueryEnd::done : EQueryEnd::failed);
-    }
-    void OnCancelled() override {
-        if (m_onDone) m_onDone(*this, EQueryEnd::cancelled);
-    }
 
   protected:
     bool Begin(const Persistance_Xpf::SPacketLayout& layout) override;
@@ -108,7 +96,6 @@ class CTrvStatisticsQuery final : public CTrvPeriodQuery {
     void Publish(bool complete);
 
     std::vector<SStatisticsField> m_fields;
-    Callback m_onDone;
     std::vector<CFieldAccumulator> m_accumulators; // loader thread
     std::size_t m_unpublished = 0;                 // packets
     mutable std::mutex m_mutex;                    // guards what follows
