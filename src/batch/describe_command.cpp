@@ -67,8 +67,7 @@ int DescribeCommand(const COptions& options, SStreams streams) {
     Outils_Valeurs::CTrvAdaptors adaptors;
     adaptors.Configure(configuration);
     Metier_Tarvel::CTrvSimulationTimeAdaptor time(adaptors.GetDateTimeSpan(), adaptors.GetDateTime());
-    using Outils_Configuration::Cnf;
-    time.mode = static_cast<std::int32_t>(configuration.Get(Cnf<"adaptors/simulationTime/mode">));
+    time.Configure(configuration);
     const SPropertyContext context{adaptors, time, *project.simulationParameters};
     CTable table(streams.out, options.GetForm(), EText::describeColumns);
     CDescription(table, context).Write(project, {});

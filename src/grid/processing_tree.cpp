@@ -18,7 +18,7 @@ using Outils_Texte::GetText;
 
 namespace {
 
-enum class EEffect { none, refresh, add, remove, refreshAll };
+enum class EEffect { none, refresh, add, remove };
 
 struct SHintRow {
     EHint first, last;
@@ -34,9 +34,9 @@ constexpr SHintRow kHints[] = {
     {hintZuptAdded, hintAltitudeModeAdded, EEffect::add},
     {hintZuptChanged, hintAltitudeModeChanged, EEffect::refresh},
     {hintZuptRemoved, hintAltitudeModeRemoved, EEffect::remove},
-    {hintOutputFileNameChanged, hintOutputFileNameChanged, EEffect::refreshAll},
-    {hintChannelFound, hintChannelFound, EEffect::refreshAll},
-    {hintDataLayersRebuilt, hintDataLayersRebuilt, EEffect::refreshAll},
+    {hintOutputFileNameChanged, hintOutputFileNameChanged, EEffect::refresh},
+    {hintChannelFound, hintChannelFound, EEffect::refresh},
+    {hintDataLayersRebuilt, hintDataLayersRebuilt, EEffect::refresh},
     {hintDvlStdDevChanged, hintOdometerStdDevChanged, EEffect::refresh},
     {hintFilteringAdded, hintFilteringAdded, EEffect::add},
     {hintFilteringChanged, hintFilteringChanged, EEffect::refresh},
@@ -122,9 +122,7 @@ void CProcessingTree::Rebuild() {
     m_session.reset();
     CTrvProject* project = m_document.GetProject();
     if (!project) return;
-    using Outils_Configuration::Cnf;
-    m_time.mode =
-        static_cast<std::int32_t>(m_document.GetConfiguration().Get(Cnf<"adaptors/simulationTime/mode">));
+    m_time.Configure(m_document.GetConfiguration());
     CTrvSimulationParameters& run = *project->simulationParameters;
     m_session = std::make_unique<SSession>(*this, run);
 
@@ -146,7 +144,6 @@ void CProcessingTree::Rebuild() {
         rows.push_back(MakeList(title, *property, run));
         m_collections.insert(rows.back().get());
     }
-    m_report = {};
     run.Validate(m_report);
     m_grid.Reset(std::move(rows));
 }
@@ -158,16 +155,13 @@ void CProcessingTree::OnUpdate(EHint hint, const CObject* object) {
     case EEffect::none: return;
     case EEffect::add: OnAdded(object); break;
     case EEffect::remove: OnRemoved(object); break;
-    case EEffect::refresh:
-    case EEffect::refreshAll: break; // every row is read again below
+    case EEffect::refresh: break; // every row is read again below
     }
     Validate();
 }
 
 void CProcessingTree::Reformat() {
-    using Outils_Configuration::Cnf;
-    m_time.mode =
-        static_cast<std::int32_t>(m_document.GetConfiguration().Get(Cnf<"adaptors/simulationTime/mode">));
+    m_time.Configure(m_document.GetConfiguration());
     m_grid.Changed(m_grid.GetRoot());
 }
 
@@ -213,13 +207,13 @@ std::unique_ptr<CListItem> CProcessingTree::MakeList(EText title, const SPropert
     auto list = std::make_unique<CListItem>(title, property, owner);
     for (std::size_t i = 0; CObject* child = property.child(owner, i); ++i)
         list->Add(MakeObject(*child, FindPropertyClass(*child)->title, nullptr, false));
-    m_lists.insert(list.get());
+    m_lists.emplace(list.get(), list.get());
     return list;
 }
 
 void CProcessingTree::OnAdded(const CObject* object) {
     if (!object || m_objects.contains(object)) return;
-    for (CListItem* list : m_lists) {
+    for (const auto& [key, list] : m_lists) {
         const auto place = list->FindPlace(object);
         CObject* child = list->GetOwned(place);
         if (!child) continue;
@@ -242,7 +236,7 @@ void CProcessingTree::Forget(const CHGItem& item) {
     m_objects.erase(item.GetObject());
     for (std::size_t i = 0; const CHGItem* child = item.GetChild(i); ++i) {
         if (child->GetChildCount() == 0 && child->GetKind() != ERowKind::section) continue;
-        std::erase_if(m_lists, [child](const CListItem* list) { return list == child; });
+        m_lists.erase(child);
         Forget(*child);
     }
 }

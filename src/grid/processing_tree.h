@@ -80,7 +80,7 @@ class CProcessingTree {
     CHierarchicalGridControl m_grid;
     std::unique_ptr<SSession> m_session;
     std::unordered_map<const CObject*, CHGItem*> m_objects; // the rows of objects
-    std::unordered_set<CListItem*> m_lists;
+    std::unordered_map<const CHGItem*, CListItem*> m_lists; // each under itself
     std::unordered_set<const CHGItem*> m_collections;
     CHGItem* m_parametersItem = nullptr;
     const CHGItem* m_added = nullptr;

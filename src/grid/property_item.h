@@ -38,7 +38,6 @@ class CPropertyItem final : public CHGItem {
     int GetChoice() const override;
     std::string Write(std::string_view text) override;
     const CObject* GetObject() const override { return &m_owner; }
-    CObject& GetTarget() const { return m_target; }
     const SProperty& GetProperty() const { return m_property; }
 
   private:
@@ -80,7 +79,6 @@ class CListItem final : public CHGItem {
     std::string GetTitle() const override;
     std::string GetNote() const override; // how many
     const CObject* GetObject() const override { return &m_owner; }
-    const SProperty& GetProperty() const { return m_property; }
     // The place of the object in the list; the number of objects when it is not there.
     std::size_t FindPlace(const CObject* object) const;
     // Null past the last.
@@ -95,16 +93,6 @@ class CListItem final : public CHGItem {
     const SProperty& m_property;
     CObject& m_owner;
     std::size_t m_first = 0;
-};
-
-// A title alone.
-class CHGItmSection final : public CHGItem {
-  public:
-    explicit CHGItmSection(Outils_Texte::EText title) : CHGItem(ERowKind::section), m_title(title) {}
-    std::string GetTitle() const override { return std::string(Outils_Texte::GetText(m_title)); }
-
-  private:
-    const Outils_Texte::EText m_title;
 };
 
 } // namespace Presentation_Tarvel_Grid

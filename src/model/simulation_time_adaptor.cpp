@@ -1,11 +1,17 @@
 #include "model/simulation_time_adaptor.h"
 
+#include "config/config_file.h"
 #include "foundation/serialize.h"
 #include "model/simulation_parameters.h"
 #include "values/date_time_adaptor.h"
 #include "values/date_time_span_adaptor.h"
 
 namespace Metier_Tarvel {
+
+void CTrvSimulationTimeAdaptor::Configure(const Outils_Configuration::CTrvCnfConfigFile& configuration) {
+    using Outils_Configuration::Cnf;
+    mode = static_cast<std::int32_t>(configuration.Get(Cnf<"adaptors/simulationTime/mode">));
+}
 
 bool CTrvSimulationTimeAdaptor::ValueToText(CDateTime value, const CTrvSimulationParameters& parameters,
                                             std::string& text) const {

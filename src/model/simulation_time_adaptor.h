@@ -7,6 +7,9 @@
 #include <string>
 #include <string_view>
 
+namespace Outils_Configuration {
+class CTrvCnfConfigFile;
+}
 namespace Outils_Valeurs {
 class CDateTimeAdaptor;
 class CDateTimeSpanAdaptor;
@@ -27,6 +30,9 @@ class CTrvSimulationTimeAdaptor : public TRuntimeClass<CTrvSimulationTimeAdaptor
     CTrvSimulationTimeAdaptor(const Outils_Valeurs::CDateTimeSpanAdaptor& elapsed,
                               const Outils_Valeurs::CDateTimeAdaptor& date)
         : elapsedTime(&elapsed), dateTime(&date) {}
+
+    // Takes the mode of the settings.
+    void Configure(const Outils_Configuration::CTrvCnfConfigFile& configuration);
 
     // A date in mode UTC when the parameters have a UTC reference, else elapsed time. False for a value that
     // has no text; `text` then says so.
