@@ -22,7 +22,7 @@ class CPlot2DLegend : public CPlot2DArea {
     // last.
     template <class Visitor>
     void ForEachValue(Visitor&& visit) const {
-        for (const SValueLine& line : m_values) visit(*line.serie, line.box);
+        for (const SValueLine& line : m_values) visit(line.serie, line.box);
     }
     // The serie whose row is under `point`, or null. `point` is in the coordinates in which the plot itself
     // lies, as for CPlot2D::HitTest. Needs no window.
@@ -35,7 +35,7 @@ class CPlot2DLegend : public CPlot2DArea {
 
   private:
     struct SValueLine {
-        const CPlot2DSerie* serie; // of the plot; a picture is drawn before it is asked
+        const CPlot2DSerie* serie; // may have gone since: compared only
         SRect box;
     };
 
