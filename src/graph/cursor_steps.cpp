@@ -63,8 +63,8 @@ void CTrv1DCursorSteps::Start() {
         if (*self) (*self)->OnFound(*made, date);
     };
     if (m_running.field)
-        m_query = std::make_shared<CTrv1DChangeQuery>(address, *m_running.field, from, m_running.steps > 0,
-                                                      onDone);
+        m_query =
+            std::make_shared<CTrv1DChangeQuery>(address, *m_running.field, from, m_running.steps > 0, onDone);
     else
         m_query = std::make_shared<CTrvStepQuery>(address, from, m_running.steps, onDone);
     *made = m_query.get();
@@ -88,8 +88,7 @@ void CTrv1DCursorSteps::MoveTo(CDateTimeSpan time) {
     const SPeriod period = m_viewState.GetView().period;
     if (time < period.start || time > period.end) {
         const double half = static_cast<double>((period.end - period.start).GetTicks()) / 2;
-        m_viewState.FollowData(
-            Move(period, static_cast<double>((time - period.start).GetTicks()) - half));
+        m_viewState.FollowData(Move(period, static_cast<double>((time - period.start).GetTicks()) - half));
     }
     m_viewState.SetCursor(ECursor::first, time);
 }

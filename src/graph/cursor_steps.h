@@ -3,6 +3,7 @@
 #pragma once
 
 #include "document/document.h"
+#include "foundation/text_id.h"
 #include "graph/dataset.h"
 #include "graph/view_state.h"
 

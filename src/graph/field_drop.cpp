@@ -53,9 +53,11 @@ bool Drop(Application_Tarvel::CTrvDocument& document, const CTrv1DGraphPortlet* 
     if (!project || !CanDrop(*project, portlet, field)) return false;
     auto edits = document.GetEdits();
     const auto* measure = As<CTrvMeasureDef>(field);
-    if (!measure) return edits.Do(Application_Tarvel::Edits::kAdd1DGraphEnum, static_cast<const CTrvEnumDef&>(field));
+    if (!measure)
+        return edits.Do(Application_Tarvel::Edits::kAdd1DGraphEnum, static_cast<const CTrvEnumDef&>(field));
     auto* graph = portlet ? As<CTrv1DGraphMeasure>(portlet->GetGraph()) : nullptr;
-    return graph ? edits.Do(Application_Tarvel::Edits::kAdd1DCurve, *graph, *measure) : edits.Do(Application_Tarvel::Edits::kAdd1DGraphMeasure, *measure);
+    return graph ? edits.Do(Application_Tarvel::Edits::kAdd1DCurve, *graph, *measure)
+                 : edits.Do(Application_Tarvel::Edits::kAdd1DGraphMeasure, *measure);
 }
 
 } // namespace Presentation_Tarvel_Graphics

@@ -15,7 +15,8 @@ SGraphHit HitTest(const CTrv1DGraphStack& stack, SPoint point) {
     if (hit & CPlot2D::HitLegend) {
         CPlot2DSerie* serie = plot.GetLegend().SerieAt(point);
         if (!serie) return {portlet, EGraphPart::legend, nullptr};
-        return {portlet, plot.GetLegend().BoxAt(point) ? EGraphPart::legendBox : EGraphPart::legendRow, serie};
+        return {portlet, plot.GetLegend().BoxAt(point) ? EGraphPart::legendBox : EGraphPart::legendRow,
+                serie};
     }
     const SRect& area = portlet->GetPlottingRect();
     if (area.Contains(point)) return {portlet, EGraphPart::plot, nullptr};

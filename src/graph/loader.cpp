@@ -286,8 +286,7 @@ void CTrv1DGraphLoader::MoveRanges(const std::map<const CTrv1DGraphPortlet*, SGr
 }
 
 void CTrv1DGraphLoader::UpdateNotices() {
-    for (const auto& portlet : m_stack.GetPortlets())
-        portlet->SetNotice(m_feed.GetNotice(*portlet));
+    for (const auto& portlet : m_stack.GetPortlets()) portlet->SetNotice(m_feed.GetNotice(*portlet));
 }
 
 void CTrv1DGraphLoader::Changed(bool layout) {

@@ -49,8 +49,8 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     void ViewAll();
     // Lets the values of every graph follow what is visible again.
     void FitValues();
-    // Keeps the length of the displayed time: by whole windows, positive to later times; to the first data; to
-    // the last.
+    // Keeps the length of the displayed time: by whole windows, positive to later times; to the first data;
+    // to the last.
     void PageTime(int windows);
     void ShowBegin();
     void ShowEnd();

@@ -9,7 +9,7 @@ namespace Presentation_Tarvel_Graphics {
 
 namespace {
 
-constexpr float kPortletGap = 3;   // between two portlets
+constexpr float kPortletGap = 3;  // between two portlets
 constexpr float kFarAway = -1e5f; // the place of those that are left out
 
 } // namespace

@@ -129,8 +129,8 @@ void DrawInterval(const CTrv1DGraphPortlet& portlet, CGraphics& graphics, const 
     graphics.DrawString(length, font, anchor, format, graphics.GetTheme().text);
 }
 
-void DrawValues(const CTrv1DGraphPortlet& portlet, CGraphics& graphics, CDateTimeSpan time, const SCursorLook& look,
-                bool echo) {
+void DrawValues(const CTrv1DGraphPortlet& portlet, CGraphics& graphics, CDateTimeSpan time,
+                const SCursorLook& look, bool echo) {
     const auto values = GetValuesAt(portlet, time);
     const SRect& area = portlet.GetPlottingRect();
     const auto& plot = portlet.GetPlot();

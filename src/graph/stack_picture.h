@@ -45,8 +45,8 @@ void DrawCursors(const CTrv1DGraphStack& stack, CGraphics& graphics, const CView
 // The values of the visible curves of a graph at a time, as the data at hand has them, in drawing order.
 struct SValueAt {
     const CPlot2DSerie* serie = nullptr;
-    std::string text;      // empty without a point near the time
-    double percent = 0;    // where the point lies, of the displayed time
+    std::string text;   // empty without a point near the time
+    double percent = 0; // where the point lies, of the displayed time
     double value = 0;
 };
 std::vector<SValueAt> GetValuesAt(const CTrv1DGraphPortlet& portlet, CDateTimeSpan time);

@@ -18,8 +18,8 @@ class CPlot2DLegend : public CPlot2DArea {
     void Draw(CGraphics& graphics);
     // Leaves a line under each name for a value, as long as all rows fit.
     void SetValueLines(bool on) { m_valueLines = on; }
-    // Calls `visit(serie, box)` for the line of each value, in the coordinates of the plot, as they were drawn
-    // last.
+    // Calls `visit(serie, box)` for the line of each value, in the coordinates of the plot, as they were
+    // drawn last.
     template <class Visitor>
     void ForEachValue(Visitor&& visit) const {
         for (const SValueLine& line : m_values) visit(line.serie, line.box);

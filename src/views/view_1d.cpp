@@ -39,7 +39,7 @@ constexpr int kScrollStep = 40; // pixels
 constexpr auto kWheelPause = 500ms;
 constexpr auto kDescriptionPause = 300ms;
 
-}  // namespace
+} // namespace
 
 CTrvView1D::CTrvView1D(CTrvDocument& document, CViewState& viewState,
                        Outils_Configuration::CTrvCnfConfigFile& configuration,
@@ -181,8 +181,8 @@ Metier_Tarvel_Graphics::CTrv1DCurve* CTrvView1D::TakeSelectedCurve() {
     const auto* shown = portlet ? portlet->GetCurve(portlet->GetPlot().GetSelectedSerie()) : nullptr;
     auto* graph = shown ? shown->graph : nullptr;
     if (!graph) return nullptr;
-    const auto place =
-        std::ranges::find(graph->curves, shown, [](const auto& own) -> const auto* { return own.get(); });
+    const auto place = std::ranges::find(
+        graph->curves, shown, [](const auto& own) -> const auto* { return own.get(); });
     return place == graph->curves.end() ? nullptr : place->get();
 }
 
@@ -198,7 +198,8 @@ void CTrvView1D::RemoveSelected() {
     if (!isMeasure || !HasSelectedCurve() || !shown) return RemoveSelectedGraph();
     if (!Ask(EText::removeCurveQuestion, shown->name)) return;
     // The document reports the edit to the loader, which destroys the serie.
-    if (const auto* curve = TakeSelectedCurve()) m_loader.GetDocument().GetEdits().Do(Edits::kRemove1DCurve, *curve);
+    if (const auto* curve = TakeSelectedCurve())
+        m_loader.GetDocument().GetEdits().Do(Edits::kRemove1DCurve, *curve);
     Q_EMIT StateChanged();
 }
 

@@ -96,8 +96,8 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     void SelectSerie(Outils_Plot2D::CPlot2DSerie* serie);
     void SelectNextCurve();
     void SetCurveVisible(CTrv1DGraphPortlet& portlet, Outils_Plot2D::CPlot2DSerie& serie, bool visible);
-    // The cursor goes by samples of the selected curve, or of the first one of the selected graph; from change
-    // to change of the selected chronogram.
+    // The cursor goes by samples of the selected curve, or of the first one of the selected graph; from
+    // change to change of the selected chronogram.
     void StepCursor(int samples);
     void StepToChange(bool forward);
     void SetSecondCursorHere();

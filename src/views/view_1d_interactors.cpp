@@ -83,7 +83,8 @@ void CTrvView1DInteractor::OnMousePress(QMouseEvent& event) {
     const int index = IndexOf(stack, hit.portlet);
     const QPointF at = event.position();
     const bool left = event.button() == Qt::LeftButton;
-    const bool control = event.modifiers() & Qt::ControlModifier, shift = event.modifiers() & Qt::ShiftModifier;
+    const bool control = event.modifiers() & Qt::ControlModifier,
+               shift = event.modifiers() & Qt::ShiftModifier;
     if (event.button() == Qt::MiddleButton || (left && m_space)) {
         m_spaceUsed = m_spaceUsed || left;
         View().SelectPortlet(index);
@@ -178,8 +179,8 @@ void CTrvView1DInteractor::ShowBand(const SGesture& band) {
     const QRectF rect = QRectF(band.start, band.last).normalized();
     if (!portlet || rect.width() <= 0 || rect.height() <= 0) return; // a plain click
     SView view = View().GetViewState().GetView();
-    view.period = PeriodBetween(View().GetStack(), static_cast<float>(rect.left()),
-                                static_cast<float>(rect.right()));
+    view.period =
+        PeriodBetween(View().GetStack(), static_cast<float>(rect.left()), static_cast<float>(rect.right()));
     const auto* measure = dynamic_cast<const CTrv1DGraphMeasurePortlet*>(portlet);
     if (band.values && measure) {
         const SRect& area = measure->GetPlottingRect();

@@ -75,7 +75,7 @@ class CTrvView1DInteractor : public CCursorInteractor {
     void Cancel();
 
     std::optional<SGesture> m_gesture;
-    bool m_space = false;    // is held
+    bool m_space = false;     // is held
     bool m_spaceUsed = false; // for a drag
 };
 

@@ -46,7 +46,8 @@ void CTrvView1DTip::Show(const QHelpEvent& event) {
     const SGraphHit hit = HitTest(m_view.GetStack(), m_view.ToStack(event.pos()));
     const auto* project = document.GetProject();
     if (!hit.portlet || !project) return QToolTip::hideText();
-    const Outils_Plot2D::CPlot2DSerie* serie = hit.serie ? hit.serie : hit.portlet->GetPlot().GetSelectedSerie();
+    const Outils_Plot2D::CPlot2DSerie* serie =
+        hit.serie ? hit.serie : hit.portlet->GetPlot().GetSelectedSerie();
     const SCurveDescription* curve = hit.portlet->FindShown(serie);
     const bool inPlot = hit.serie || hit.part == EGraphPart::plot;
     if (!inPlot || !curve || !curve->channel.file)
@@ -70,11 +71,11 @@ void CTrvView1DTip::Show(const QHelpEvent& event) {
 void CTrvView1DTip::OnPlace(QPoint at, const QString& text, const std::optional<SSamplePlace>& place) {
     if (!place || !QToolTip::isVisible() || QToolTip::text() != text) return;
     const std::string date = m_view.GetStack().GetTimeText().Format(place->date);
-    QToolTip::showText(at,
-                       ToQString(FormatText(EText::sampleTip,
-                                            {text.toStdString(), date, std::to_string(place->number),
-                                             std::to_string(place->position)})),
-                       &m_view);
+    QToolTip::showText(
+        at,
+        ToQString(FormatText(EText::sampleTip, {text.toStdString(), date, std::to_string(place->number),
+                                                std::to_string(place->position)})),
+        &m_view);
 }
 
 } // namespace Application_Tarvel
