@@ -3,12 +3,12 @@
 #pragma once
 
 #include "document/document.h"
-#include "foundation/text_id.h"
 #include "graph/stack.h"
 
 #include <functional>
 #include <map>
 #include <memory>
+#include <string>
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -16,9 +16,10 @@ class CTrv1DExtentQuery;
 
 class CTrv1DChannelFeed {
   public:
-    // `document` and `stack` must outlive the feed. Calls `onChanged` after each answer.
+    // The first three must outlive the feed. Tells the view state where the data begins and ends, and expects
+    // the stack to show what that says. Calls `onChanged` after each answer.
     CTrv1DChannelFeed(Application_Tarvel::CTrvDocument& document, CTrv1DGraphStack& stack,
-                      std::function<void()> onChanged);
+                      CViewState& viewState, std::function<void()> onChanged);
     // Answers still under way are dropped.
     ~CTrv1DChannelFeed();
     CTrv1DChannelFeed(const CTrv1DChannelFeed&) = delete;
@@ -28,8 +29,8 @@ class CTrv1DChannelFeed {
     bool IsLoading() const;
     // Data of this file has come. `file` is compared only.
     bool HasDataOf(const Outils_Objets::CObject* file) const;
-    // What a graph without points has to say.
-    Outils_Texte::EText GetNotice(const CTrv1DGraphPortlet& portlet) const;
+    // What a graph without points has to say: why it has none, and what helps.
+    std::string GetNotice(const CTrv1DGraphPortlet& portlet) const;
 
     // Follows the channels that the stack shows now: asks about new ones, drops those that left, and hands
     // what is known to every curve.
@@ -41,6 +42,8 @@ class CTrv1DChannelFeed {
     void Refresh(const Outils_Objets::CObject* file, bool force);
     // Asks for the displayed time of every channel. Data on the screen stays until better data comes.
     void AskWindows();
+    // The same if the displayed time is not the one that was asked for last.
+    void FollowPeriod();
     // The same if the stack's width has changed by more than the eye sees. `devicePixelRatio` is the number
     // of device pixels in one pixel of the stack.
     void FollowWidth(double devicePixelRatio);
@@ -54,6 +57,7 @@ class CTrv1DChannelFeed {
         std::shared_ptr<const CTrv1DGraphDataset> dataset; // the last that came; may be null
         CDateTimeSpan first, last;                         // of the data, in file time
         bool hasData = false;
+        bool fault = false;    // the file could not be read
         bool answered = false; // where its data lies is known, or that it has none
         bool refresh = false;  // look at the file again as soon as no query is under way
         bool force = false;    // and read the window again even if the file has not grown
@@ -69,15 +73,21 @@ class CTrv1DChannelFeed {
     void AskWindow(const SChannelKey& key, SChannel& channel);
     void OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success, bool cancelled);
     void OnWindow(const SChannelKey& key, CWindowQuery& query, bool success, bool cancelled);
-    bool UpdateFullExtent();
+    void UpdateFullExtent();
+    bool IsResult(const SChannelKey& key) const;
+    std::string GetCurvelessNotice(const CTrv1DGraphPortlet& portlet) const;
+    std::string GetEmptyNotice(const SChannelKey& key, const SChannel& channel) const;
+    void FollowEnd(CDateTimeSpan formerEnd, CDateTimeSpan end);
     SPeriod FindFullExtent() const;
 
     Application_Tarvel::CTrvDocument& m_document;
     CTrv1DGraphStack& m_stack;
+    CViewState& m_viewState;
     std::function<void()> m_onChanged;
     Channels m_channels;
     double m_devicePixelRatio = 1;
-    double m_askedWidth = 0;                    // device pixels for which data was asked last
+    double m_askedWidth = 0; // device pixels for which data was asked last
+    SPeriod m_askedPeriod;
     std::shared_ptr<CTrv1DChannelFeed*> m_self; // null inside after the end: answers look here
 };
 

@@ -41,27 +41,26 @@ class CTrv1DGraphStack {
     // The selected portlet, or null without portlets.
     CTrv1DGraphPortlet* GetSelected() const;
     int GetSelectedIndex() const;
-    void Select(int index); // clamped
+    void Select(int index); // clamped; while a graph is shown alone, the selected one is
     void Select(const CTrv1DGraphPortlet* portlet);
+
+    // Shows the selected graph alone, or all again. Layout must follow.
+    void ShowAlone(bool alone);
+    bool IsAlone() const { return m_alone; }
+    // Those that are not left out, in order.
+    std::vector<CTrv1DGraphPortlet*> GetShown() const;
 
     // The displayed time, in simulation time; there is none until it is set.
     bool HasPeriod() const { return !m_period.IsEmpty(); }
     const SPeriod& GetPeriod() const { return m_period; }
-    // False for an empty period, which is ignored.
-    bool SetPeriod(const SPeriod& period);
+    // Shows the period, unless it is empty, and the ranges: a measure graph without one follows its data.
+    void Show(const SView& view);
     // From the first to the last data of all that is shown.
     const SPeriod& GetFullExtent() const { return m_fullExtent; }
     void SetFullExtent(const SPeriod& extent) { m_fullExtent = extent; }
     bool ShowsFullExtent() const { return HasPeriod() && m_period == m_fullExtent; }
-    // Shows the full extent and lets every vertical range follow the data again. True when the displayed time
-    // changed.
-    bool ViewAll();
-
-    // Act on the selected portlet, if that is a measure portlet; false otherwise.
-    bool ZoomVertical(double factor);
-    bool ScrollVertical(double factor);
-    // Drags the values of a measure portlet by this many pixels, positive downwards.
-    bool PanVertical(CTrv1DGraphPortlet& portlet, float dy);
+    // The selected graph, if it is one of measures; null otherwise.
+    CTrv1DGraphMeasurePortlet* GetSelectedMeasure() const;
 
     // A channel's data has arrived, or is lost (null): hands it to every curve of the channel.
     void SetDataset(const SChannelKey& channel, const std::shared_ptr<const CTrv1DGraphDataset>& dataset);
@@ -79,13 +78,16 @@ class CTrv1DGraphStack {
   private:
     std::unique_ptr<CTrv1DGraphPortlet> TakePortlet(const SGraphDescription& graph,
                                                     Outils_Plot2D::CPlot2DSettings& settings);
+    void Collapse();
     void PlacePortlets(SSize size, ELayout layout);
+    void SetPeriod(const SPeriod& period);
     void LevelMargins();
     void ShareMargin();
 
     SSimulationTimeText m_timeText; // before the portlets, which refer to it
     Portlets m_portlets;
     int m_selected = 0;
+    bool m_alone = false;
     SPeriod m_period;
     SPeriod m_fullExtent;
     bool m_legendsVisible = true;
