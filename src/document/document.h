@@ -37,6 +37,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     // Null for the empty document.
     CTrvProject* GetProject() const { return m_pProject.get(); }
     CAsyncQueryManager& GetQueryManager() { return m_queryManager; }
+    // For panels with a query manager of their own, so that long work does not hold up the graphs.
+    Outils::IMessageTarget& GetMessageTarget() { return m_target; }
     CXpfFileCache& GetFileCache() { return m_fileCache; }
     const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
     // Whether the layers of an added file offer what is for experts.

@@ -70,6 +70,7 @@ constexpr const SEditRow* kRows[] = {
     &kAddInstantValuesEnum,
     &kRemoveInstantValuesMeasure,
     &kRemoveInstantValuesEnum,
+    &kMoveInstantValue,
 };
 
 } // namespace
