@@ -75,21 +75,23 @@ bool IsProject(const std::filesystem::path& path) {
 } // namespace
 
 CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& host, CTrvDocument& document,
+                                           Presentation_Tarvel_Graphics::CViewState& viewState,
                                            IDialogs& dialogs, QSettings& settings)
     : m_application(application),
       m_dialogs(dialogs),
       m_settings(settings),
       m_recentFiles(settings),
       m_host(host),
-      m_document(document) {
+      m_document(document),
+      m_viewState(viewState) {
     setObjectName("mainFrame");
     setWindowIcon(GetProductIcon());
     setAcceptDrops(true);
     setDockNestingEnabled(true);
     ApplyAppearance();
 
-    m_view = new CTrvView1D(m_document, application.GetConfiguration(), application.GetAdaptors(),
-                            application.GetPlotSettings(), this);
+    m_view = new CTrvView1D(m_document, m_viewState, application.GetConfiguration(),
+                            application.GetAdaptors(), application.GetPlotSettings(), this);
     setCentralWidget(m_view);
     m_processing =
         new CTrvViewProcessing(m_document, application.GetConfiguration(), application.GetAdaptors());

@@ -31,12 +31,16 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
 
   public:
     // Makes the whole window, not shown yet, over the document. `host` is that of the document; `settings`
-    // keeps the places of bars and panels and the recent projects. All five must outlive the frame.
-    CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& host, CTrvDocument& document, IDialogs& dialogs,
+    // keeps the places of bars and panels and the recent projects; `viewState` is what all panels share. All
+    // six must outlive the frame.
+    CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& host, CTrvDocument& document,
+                         Presentation_Tarvel_Graphics::CViewState& viewState, IDialogs& dialogs,
                          QSettings& settings);
     ~CTrvProjectMainFrame() override;
 
     CTrvDocument& GetDocument() const { return m_document; }
+    // Displayed time, ranges, cursors: for every panel that shows values.
+    Presentation_Tarvel_Graphics::CViewState& GetViewState() const { return m_viewState; }
     CTrvView1D& GetView() const { return *m_view; }
     CTrvViewProcessing& GetProcessing() const { return *m_processing; }
     CTrvOutputWnd& GetOutput() const { return *m_output; }
@@ -95,6 +99,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     CRecentFiles m_recentFiles;
     CTrvFrameHost& m_host;
     CTrvDocument& m_document;
+    Presentation_Tarvel_Graphics::CViewState& m_viewState;
     std::vector<std::filesystem::path> m_dropped; // recordings for the next new project
     // The widgets belong to the window.
     CTrvStatusBar* m_statusBar = nullptr;

@@ -10,7 +10,7 @@ CWindowSession::CWindowSession(CTrvApp& application, Outils::IMessageTarget& tar
                                QSettings& settings)
     : m_host(target, dialogs, application.GetProgramFolder(), application.GetUserFolder()),
       m_document(m_host, target, application.GetConfiguration(), application.IsExpertMode()),
-      m_frame(application, m_host, m_document, dialogs, settings) {}
+      m_frame(application, m_host, m_document, m_viewState, dialogs, settings) {}
 
 void CWindowSession::EndOn(const Outils::CEndSignals& endSignals) {
     m_endListener.emplace(endSignals, [this] {

@@ -27,6 +27,7 @@ class CWindowSession {
     bool m_endedFromOutside = false;
     CTrvFrameHost m_host;
     CTrvDocument m_document;
+    Presentation_Tarvel_Graphics::CViewState m_viewState;
     CTrvProjectMainFrame m_frame; // goes before the document, which its views leave
     std::optional<CEndListener> m_endListener;
 };

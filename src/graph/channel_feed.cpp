@@ -47,10 +47,11 @@ class CTrv1DChannelFeed::CWindowQuery final : public CTrvView1DDataQuery {
     Done m_onDone;
 };
 
-CTrv1DChannelFeed::CTrv1DChannelFeed(CTrvDocument& document, CTrv1DGraphStack& stack,
+CTrv1DChannelFeed::CTrv1DChannelFeed(CTrvDocument& document, CTrv1DGraphStack& stack, CViewState& viewState,
                                      std::function<void()> onChanged)
     : m_document(document),
       m_stack(stack),
+      m_viewState(viewState),
       m_onChanged(std::move(onChanged)),
       m_self(std::make_shared<CTrv1DChannelFeed*>(this)) {}
 
@@ -112,10 +113,11 @@ void CTrv1DChannelFeed::Update() {
     for (auto& [key, channel] : m_channels)
         if (!channel.answered && !channel.extentQuery) AskExtent(key, channel);
     for (const auto& [key, channel] : m_channels) m_stack.SetDataset(key, channel.dataset);
-    if (UpdateFullExtent()) AskWindows();
+    UpdateFullExtent();
 }
 
 void CTrv1DChannelFeed::Forget(const Outils_Objets::CObject* file) {
+    if (!file) m_askedPeriod = {};
     for (auto& [key, channel] : m_channels) {
         if (file && key.file != file) continue;
         Withdraw(channel);
@@ -184,6 +186,7 @@ void CTrv1DChannelFeed::AskWindow(const SChannelKey& key, SChannel& channel) {
 
 void CTrv1DChannelFeed::AskWindows() {
     m_askedWidth = static_cast<double>(m_stack.GetPlotWidth()) * m_devicePixelRatio;
+    m_askedPeriod = m_stack.GetPeriod();
     // All of the old period are withdrawn before the first of the new one is queued, and the top graph comes
     // first.
     for (auto& [key, channel] : m_channels)
@@ -195,6 +198,10 @@ void CTrv1DChannelFeed::AskWindows() {
             if (place != m_channels.end() && !place->second.windowQuery)
                 AskWindow(place->first, place->second);
         });
+}
+
+void CTrv1DChannelFeed::FollowPeriod() {
+    if (m_stack.GetPeriod() != m_askedPeriod) AskWindows();
 }
 
 void CTrv1DChannelFeed::FollowWidth(double devicePixelRatio) {
@@ -236,10 +243,10 @@ void CTrv1DChannelFeed::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
         channel.dataset.reset();
         m_stack.SetDataset(key, nullptr);
     }
-    if (UpdateFullExtent())
-        AskWindows();
-    else if (read)
-        AskWindow(key, channel);
+    const SPeriod asked = m_askedPeriod;
+    UpdateFullExtent();
+    // Where the displayed time followed, all was asked for.
+    if (read && m_askedPeriod == asked) AskWindow(key, channel);
     StartRefreshes();
     m_onChanged();
 }
@@ -259,19 +266,17 @@ void CTrv1DChannelFeed::OnWindow(const SChannelKey& key, CWindowQuery& query, bo
     m_onChanged();
 }
 
-// True when the displayed time changed with it: a view of everything stays one.
-bool CTrv1DChannelFeed::UpdateFullExtent() {
+// A view of everything stays one.
+void CTrv1DChannelFeed::UpdateFullExtent() {
     const bool followed = !m_stack.HasPeriod() || m_stack.ShowsFullExtent();
     // The first picture waits until all ends are known, so that it need not be drawn over and over.
     if (!m_stack.HasPeriod())
         for (const auto& [key, channel] : m_channels)
-            if (!channel.answered) return false;
+            if (!channel.answered) return;
     const SPeriod extent = FindFullExtent();
-    if (extent.IsEmpty()) return false;
+    if (extent.IsEmpty()) return;
     m_stack.SetFullExtent(extent);
-    if (!followed || m_stack.ShowsFullExtent()) return false;
-    m_stack.SetPeriod(extent);
-    return true;
+    if (followed) m_viewState.FollowData(extent);
 }
 
 SPeriod CTrv1DChannelFeed::FindFullExtent() const {

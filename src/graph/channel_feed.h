@@ -16,9 +16,10 @@ class CTrv1DExtentQuery;
 
 class CTrv1DChannelFeed {
   public:
-    // `document` and `stack` must outlive the feed. Calls `onChanged` after each answer.
+    // The first three must outlive the feed. Tells the view state where the data begins and ends, and expects
+    // the stack to show what that says. Calls `onChanged` after each answer.
     CTrv1DChannelFeed(Application_Tarvel::CTrvDocument& document, CTrv1DGraphStack& stack,
-                      std::function<void()> onChanged);
+                      CViewState& viewState, std::function<void()> onChanged);
     // Answers still under way are dropped.
     ~CTrv1DChannelFeed();
     CTrv1DChannelFeed(const CTrv1DChannelFeed&) = delete;
@@ -41,6 +42,8 @@ class CTrv1DChannelFeed {
     void Refresh(const Outils_Objets::CObject* file, bool force);
     // Asks for the displayed time of every channel. Data on the screen stays until better data comes.
     void AskWindows();
+    // The same if the displayed time is not the one that was asked for last.
+    void FollowPeriod();
     // The same if the stack's width has changed by more than the eye sees. `devicePixelRatio` is the number
     // of device pixels in one pixel of the stack.
     void FollowWidth(double devicePixelRatio);
@@ -69,15 +72,17 @@ class CTrv1DChannelFeed {
     void AskWindow(const SChannelKey& key, SChannel& channel);
     void OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success, bool cancelled);
     void OnWindow(const SChannelKey& key, CWindowQuery& query, bool success, bool cancelled);
-    bool UpdateFullExtent();
+    void UpdateFullExtent();
     SPeriod FindFullExtent() const;
 
     Application_Tarvel::CTrvDocument& m_document;
     CTrv1DGraphStack& m_stack;
+    CViewState& m_viewState;
     std::function<void()> m_onChanged;
     Channels m_channels;
     double m_devicePixelRatio = 1;
-    double m_askedWidth = 0;                    // device pixels for which data was asked last
+    double m_askedWidth = 0; // device pixels for which data was asked last
+    SPeriod m_askedPeriod;
     std::shared_ptr<CTrv1DChannelFeed*> m_self; // null inside after the end: answers look here
 };
 

@@ -28,12 +28,17 @@ bool HasLayers(const CTrvDocument& document, const Outils_Objets::CObject* file)
 
 } // namespace
 
-CTrv1DGraphLoader::CTrv1DGraphLoader(CTrvDocument& document, const Outils_Valeurs::CTrvAdaptors& adaptors,
+CTrv1DGraphLoader::CTrv1DGraphLoader(CTrvDocument& document, CViewState& viewState,
+                                     const Outils_Valeurs::CTrvAdaptors& adaptors,
                                      Outils_Plot2D::CPlot2DSettings& settings)
     : m_document(document),
       m_adaptors(adaptors),
       m_settings(settings),
-      m_feed(document, m_stack, [this] { Changed(false); }) {
+      m_viewState(viewState),
+      m_feed(document, m_stack, viewState, [this] { Changed(false); }),
+      m_subscription(viewState.Listen([this](EViewChange change) {
+          if (change == EViewChange::view) OnViewChanged();
+      })) {
     m_document.AddView(this);
     Reformat();
 }
@@ -68,22 +73,22 @@ void CTrv1DGraphLoader::ScrollTime(double steps) {
     ShowPeriod(Scroll(m_stack.GetPeriod(), factor * steps));
 }
 
-void CTrv1DGraphLoader::ViewAll() {
-    if (m_stack.ViewAll())
-        PeriodChanged();
-    else
-        Changed(false);
-}
+void CTrv1DGraphLoader::ViewAll() { ShowPeriod(m_stack.GetFullExtent()); }
+
+void CTrv1DGraphLoader::FitValues() { m_viewState.SetView({m_viewState.GetView().period, {}}); }
 
 void CTrv1DGraphLoader::ZoomValues(double steps) {
     const double in = Factor(Config().Get(Cnf<"view1D/verticalZoomScaleFactor">), 0.5);
     const double out = Factor(Config().Get(Cnf<"view1D/verticalUnzoomScaleFactor">), 2);
-    if (m_stack.ZoomVertical(steps > 0 ? std::pow(in, steps) : std::pow(out, -steps))) Changed(false);
+    if (const auto* graph = m_stack.GetSelectedMeasure())
+        m_viewState.SetRange(graph->GetKey(), Zoom(graph->GetRange(),
+                                                   steps > 0 ? std::pow(in, steps) : std::pow(out, -steps)));
 }
 
 void CTrv1DGraphLoader::ScrollValues(double steps) {
-    if (m_stack.ScrollVertical(steps * Factor(Config().Get(Cnf<"view1D/verticalScrollFactor">), 0.25)))
-        Changed(false);
+    const double factor = Factor(Config().Get(Cnf<"view1D/verticalScrollFactor">), 0.25);
+    if (const auto* graph = m_stack.GetSelectedMeasure())
+        m_viewState.SetRange(graph->GetKey(), Scroll(graph->GetRange(), steps * factor));
 }
 
 void CTrv1DGraphLoader::SetLegendsVisible(bool visible) {
@@ -91,12 +96,23 @@ void CTrv1DGraphLoader::SetLegendsVisible(bool visible) {
     Relayout();
 }
 
-void CTrv1DGraphLoader::ShowPeriod(const SPeriod& period) {
-    if (m_stack.SetPeriod(period)) PeriodChanged();
+void CTrv1DGraphLoader::BeginDrag() {
+    m_dragging = true;
+    m_viewState.BeginGesture();
 }
 
-void CTrv1DGraphLoader::PeriodChanged() {
-    m_feed.AskWindows();
+void CTrv1DGraphLoader::EndDrag(bool accept) {
+    if (!std::exchange(m_dragging, false)) return;
+    if (accept)
+        m_viewState.EndGesture();
+    else
+        m_viewState.CancelGesture();
+    m_feed.FollowPeriod();
+}
+
+void CTrv1DGraphLoader::OnViewChanged() {
+    m_stack.Show(m_viewState.GetView());
+    if (!m_dragging) m_feed.FollowPeriod();
     Changed(false);
 }
 
@@ -117,6 +133,7 @@ void CTrv1DGraphLoader::OnUpdate(EHint hint, const Outils_Objets::CObject* objec
     case hintRefresh:
         m_feed.Forget(nullptr);
         m_stack.Clear();
+        m_viewState.Clear();
         UpdateGraphs();
         break;
     case hintDataFileRemoved:
@@ -177,11 +194,23 @@ void CTrv1DGraphLoader::UpdateGraphs() {
     std::vector<SGraphDescription> graphs;
     if (const auto* project = m_document.GetProject())
         graphs = DescribeGraphs(*project, m_adaptors, Config().Get(Cnf<"view1D/chronogram/color">).argb);
+    std::vector<SGraphKey> before;
+    for (const auto& portlet : m_stack.GetPortlets()) before.push_back(portlet->GetKey());
     m_stack.SetGraphs(graphs, m_settings);
+    ForgetLeftRanges(before);
     m_stack.SetTimeText(MakeTimeText());
+    m_stack.Show(m_viewState.GetView());
     m_stack.Layout(m_size, m_layout);
     m_feed.Update();
     Changed(true);
+}
+
+// A graph to come may get the address of one that has gone.
+void CTrv1DGraphLoader::ForgetLeftRanges(const std::vector<SGraphKey>& before) {
+    for (const SGraphKey& key : before)
+        if (std::ranges::none_of(m_stack.GetPortlets(),
+                                 [&](const auto& portlet) { return portlet->GetKey() == key; }))
+            m_viewState.ForgetGraph(key);
 }
 
 void CTrv1DGraphLoader::UpdateNotices() {

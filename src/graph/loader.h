@@ -12,14 +12,16 @@ namespace Presentation_Tarvel_Graphics {
 
 class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
   public:
-    // Registers with the document. All three must outlive the loader; `settings` is the one of the process.
-    CTrv1DGraphLoader(Application_Tarvel::CTrvDocument& document,
+    // Registers with the document and listens to the view state: the stack shows what that says. All four
+    // must outlive the loader; `settings` is the one of the process.
+    CTrv1DGraphLoader(Application_Tarvel::CTrvDocument& document, CViewState& viewState,
                       const Outils_Valeurs::CTrvAdaptors& adaptors, Outils_Plot2D::CPlot2DSettings& settings);
     ~CTrv1DGraphLoader() override;
 
     CTrv1DGraphStack& GetStack() { return m_stack; }
     const CTrv1DGraphStack& GetStack() const { return m_stack; }
     Application_Tarvel::CTrvDocument& GetDocument() const { return m_document; }
+    CViewState& GetViewState() const { return m_viewState; }
 
     // Calls `onChanged` when something else is to be drawn; with `layout` when portlets came or went, so that
     // the stack's height or margins may differ. The stack is laid out again before.
@@ -42,23 +44,30 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     // stays on the screen, moved.
     void ZoomTime(double steps);
     void ScrollTime(double steps);
+    // Shows the time from the first to the last data of all that is shown.
     void ViewAll();
-    // Act on the selected graph.
+    // Lets the values of every graph follow what is visible again.
+    void FitValues();
+    // Act on the selected graph, if that is one of measures.
     void ZoomValues(double steps);
     void ScrollValues(double steps);
     // For all graphs; at the start the settings decide.
     void SetLegendsVisible(bool visible);
     // Shows this period; ignores an empty one.
-    void ShowPeriod(const SPeriod& period);
-    // Asks for the data of the stack's period after that was dragged.
-    void PeriodChanged();
+    void ShowPeriod(const SPeriod& period) { m_viewState.SetPeriod(period); }
+    // A drag keeps one view to go back to and asks for data at its end; without `accept` it leaves the view
+    // as it was.
+    void BeginDrag();
+    void EndDrag(bool accept);
     // Takes texts, units, colours and sampling from the settings again.
     void Reformat();
 
     void OnUpdate(Application_Tarvel::EHint hint, const Outils_Objets::CObject* object) override;
 
   private:
+    void OnViewChanged();
     void UpdateGraphs();
+    void ForgetLeftRanges(const std::vector<SGraphKey>& before);
     void ForgetResult();
     SSimulationTimeText MakeTimeText() const;
     void UpdateNotices();
@@ -68,6 +77,7 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     Application_Tarvel::CTrvDocument& m_document;
     const Outils_Valeurs::CTrvAdaptors& m_adaptors;
     Outils_Plot2D::CPlot2DSettings& m_settings;
+    CViewState& m_viewState;
     CTrv1DGraphStack m_stack;
     std::function<void(bool)> m_onChanged;
     CTrv1DChannelFeed m_feed;
@@ -76,6 +86,8 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     double m_devicePixelRatio = 1;
     std::optional<bool> m_legendSetting; // as it was read last
     bool m_running = false;              // the engine is at work
+    bool m_dragging = false;
+    CViewState::CSubscription m_subscription;
 };
 
 } // namespace Presentation_Tarvel_Graphics

@@ -13,14 +13,6 @@ namespace {
 constexpr double kRangePadding = 0.05; // of the width, above and below
 // A constant is shown in the middle of a range as wide as this part of it, or this many internal units.
 constexpr double kConstantWidth = 1e-3;
-// Below this part of its greatest value a range's ticks are lost in the rounding of a double.
-constexpr double kLeastRelativeWidth = 1e-12;
-
-bool IsUsable(double minimum, double maximum) {
-    const double width = maximum - minimum;
-    return std::isfinite(width) && width > 0 &&
-           width > std::max(std::abs(minimum), std::abs(maximum)) * kLeastRelativeWidth;
-}
 
 } // namespace
 
@@ -53,26 +45,15 @@ CPlot2DSerie& CTrv1DGraphMeasurePortlet::AddSerie(std::unique_ptr<CTrv1DGraphDat
     return GetPlot().AddCurve(std::move(source), std::move(name));
 }
 
-void CTrv1DGraphMeasurePortlet::SetRange(double minimum, double maximum) {
-    if (!IsUsable(minimum, maximum)) return;
+void CTrv1DGraphMeasurePortlet::SetRange(const SRange& range) {
+    if (!IsUsable(range)) return;
     m_automatic = false;
-    m_scale->SetRange(minimum, maximum);
+    m_scale->SetRange(range.low, range.high);
 }
 
 void CTrv1DGraphMeasurePortlet::SetRangeAutomatic() {
     m_automatic = true;
     FitRange();
-}
-
-void CTrv1DGraphMeasurePortlet::Zoom(double factor) {
-    const double a = GetMinimum(), b = GetMaximum();
-    const double centre = (a + b) * 0.5, half = (b - a) * factor * 0.5;
-    SetRange(centre - half, centre + half);
-}
-
-void CTrv1DGraphMeasurePortlet::Scroll(double factor) {
-    const double a = GetMinimum(), b = GetMaximum(), shift = (b - a) * factor;
-    SetRange(a + shift, b + shift);
 }
 
 void CTrv1DGraphMeasurePortlet::OnDataChanged() {
@@ -87,7 +68,7 @@ void CTrv1DGraphMeasurePortlet::FitRange() {
     });
     if (!found) return;
     double padding = (high - low) * kRangePadding;
-    if (!IsUsable(low, high)) padding = std::max(std::abs(high) * kConstantWidth, kConstantWidth) / 2;
+    if (!IsUsable({low, high})) padding = std::max(std::abs(high) * kConstantWidth, kConstantWidth) / 2;
     m_scale->SetRange(low - padding, high + padding);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "graph/portlet.h"
+#include "graph/range.h"
 #include "graph/vertical_scale.h"
 
 namespace Presentation_Tarvel_Graphics {
@@ -17,14 +18,12 @@ class CTrv1DGraphMeasurePortlet : public CTrv1DGraphPortlet {
 
     double GetMinimum() const { return m_scale->GetMinimum(); }
     double GetMaximum() const { return m_scale->GetMaximum(); }
+    SRange GetRange() const { return {GetMinimum(), GetMaximum()}; }
     // The range follows the data.
     bool IsRangeAutomatic() const { return m_automatic; }
-    // The user's range; ignored unless it is finite and wide enough to separate its values.
-    void SetRange(double minimum, double maximum);
+    // The user's range; ignored unless it is usable.
+    void SetRange(const SRange& range);
     void SetRangeAutomatic();
-    // Zooms by `factor` about the middle of the range; moves it by this part of its width.
-    void Zoom(double factor);
-    void Scroll(double factor);
 
     void OnDataChanged() override;
     void Reformat() override;

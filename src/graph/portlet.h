@@ -5,6 +5,7 @@
 #include "graph/data_source.h"
 #include "graph/graph_description.h"
 #include "graph/time_scale.h"
+#include "graph/view_state.h"
 #include "plot/plot.h"
 
 #include <functional>
@@ -32,6 +33,8 @@ class CTrv1DGraphPortlet {
     // pointer is good for comparing only.
     Metier_Tarvel_Graphics::CTrv1DGraph* GetGraph() const { return m_graph; }
     const std::string& GetTitle() const { return m_title; }
+    // By what the view state knows the graph.
+    SGraphKey GetKey() const { return {m_graph, m_graph ? std::string() : m_title}; }
     CPlot2D& GetPlot() { return m_plot; }
     CTrv1DGraphSimulationTimeScale& GetTimeScale() const { return *m_timeScale; }
 

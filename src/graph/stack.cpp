@@ -81,9 +81,26 @@ void CTrv1DGraphStack::Select(const CTrv1DGraphPortlet* portlet) {
         if (m_portlets[i].get() == portlet) m_selected = static_cast<int>(i);
 }
 
-bool CTrv1DGraphStack::SetPeriod(const SPeriod& period) {
-    if (period.IsEmpty() || !(period.end - period.start).IsValid()) return false;
-    const bool first = !HasPeriod();
+void CTrv1DGraphStack::Show(const SView& view) {
+    // What came before there was a time to show it at has points from now on.
+    bool level = !HasPeriod();
+    SetPeriod(view.period);
+    for (const auto& portlet : m_portlets) {
+        auto* measure = dynamic_cast<CTrv1DGraphMeasurePortlet*>(portlet.get());
+        if (!measure) continue;
+        const SRange before = measure->GetRange();
+        const auto range = view.ranges.find(measure->GetKey());
+        if (range != view.ranges.end())
+            measure->SetRange(range->second);
+        else if (!measure->IsRangeAutomatic())
+            measure->SetRangeAutomatic();
+        level = level || measure->GetRange() != before;
+    }
+    if (level) LevelMargins();
+}
+
+void CTrv1DGraphStack::SetPeriod(const SPeriod& period) {
+    if (period.IsEmpty() || !(period.end - period.start).IsValid()) return;
     m_period = period;
     if (!m_portlets.empty()) {
         // All axes have the same ticks: the first decides what the texts show.
@@ -91,51 +108,10 @@ bool CTrv1DGraphStack::SetPeriod(const SPeriod& period) {
         m_timeText.FitPrecision(m_portlets.front()->GetTimeScale().GetTickSpan());
     }
     for (const auto& portlet : m_portlets) portlet->SetDisplay(period.start, period.end);
-    // What came before there was a time to show it at has points from now on.
-    if (first) LevelMargins();
-    return true;
 }
 
-bool CTrv1DGraphStack::ViewAll() {
-    for (const auto& portlet : m_portlets)
-        if (auto* measure = dynamic_cast<CTrv1DGraphMeasurePortlet*>(portlet.get()))
-            measure->SetRangeAutomatic();
-    LevelMargins();
-    if (m_fullExtent.IsEmpty() || m_period == m_fullExtent) return false;
-    return SetPeriod(m_fullExtent);
-}
-
-namespace {
-
-CTrv1DGraphMeasurePortlet* AsMeasure(CTrv1DGraphPortlet* portlet) {
-    return dynamic_cast<CTrv1DGraphMeasurePortlet*>(portlet);
-}
-
-} // namespace
-
-bool CTrv1DGraphStack::ZoomVertical(double factor) {
-    auto* portlet = AsMeasure(GetSelected());
-    if (!portlet) return false;
-    portlet->Zoom(factor);
-    LevelMargins();
-    return true;
-}
-
-bool CTrv1DGraphStack::ScrollVertical(double factor) {
-    auto* portlet = AsMeasure(GetSelected());
-    if (!portlet) return false;
-    portlet->Scroll(factor);
-    LevelMargins();
-    return true;
-}
-
-bool CTrv1DGraphStack::PanVertical(CTrv1DGraphPortlet& portlet, float dy) {
-    auto* measure = AsMeasure(&portlet);
-    const float height = portlet.GetPlottingRect().height;
-    if (!measure || !(height > 0) || dy == 0) return false;
-    measure->Scroll(static_cast<double>(dy / height));
-    LevelMargins();
-    return true;
+CTrv1DGraphMeasurePortlet* CTrv1DGraphStack::GetSelectedMeasure() const {
+    return dynamic_cast<CTrv1DGraphMeasurePortlet*>(GetSelected());
 }
 
 void CTrv1DGraphStack::SetDataset(const SChannelKey& channel,

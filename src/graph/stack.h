@@ -47,21 +47,14 @@ class CTrv1DGraphStack {
     // The displayed time, in simulation time; there is none until it is set.
     bool HasPeriod() const { return !m_period.IsEmpty(); }
     const SPeriod& GetPeriod() const { return m_period; }
-    // False for an empty period, which is ignored.
-    bool SetPeriod(const SPeriod& period);
+    // Shows the period, unless it is empty, and the ranges: a measure graph without one follows its data.
+    void Show(const SView& view);
     // From the first to the last data of all that is shown.
     const SPeriod& GetFullExtent() const { return m_fullExtent; }
     void SetFullExtent(const SPeriod& extent) { m_fullExtent = extent; }
     bool ShowsFullExtent() const { return HasPeriod() && m_period == m_fullExtent; }
-    // Shows the full extent and lets every vertical range follow the data again. True when the displayed time
-    // changed.
-    bool ViewAll();
-
-    // Act on the selected portlet, if that is a measure portlet; false otherwise.
-    bool ZoomVertical(double factor);
-    bool ScrollVertical(double factor);
-    // Drags the values of a measure portlet by this many pixels, positive downwards.
-    bool PanVertical(CTrv1DGraphPortlet& portlet, float dy);
+    // The selected graph, if it is one of measures; null otherwise.
+    CTrv1DGraphMeasurePortlet* GetSelectedMeasure() const;
 
     // A channel's data has arrived, or is lost (null): hands it to every curve of the channel.
     void SetDataset(const SChannelKey& channel, const std::shared_ptr<const CTrv1DGraphDataset>& dataset);
@@ -80,6 +73,7 @@ class CTrv1DGraphStack {
     std::unique_ptr<CTrv1DGraphPortlet> TakePortlet(const SGraphDescription& graph,
                                                     Outils_Plot2D::CPlot2DSettings& settings);
     void PlacePortlets(SSize size, ELayout layout);
+    void SetPeriod(const SPeriod& period);
     void LevelMargins();
     void ShareMargin();
 

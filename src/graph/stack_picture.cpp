@@ -51,12 +51,22 @@ SPeriod PeriodBetween(const CTrv1DGraphStack& stack, float x0, float x1) {
     return period.IsEmpty() || (period.end - period.start).GetTotalSeconds() < 1.0 ? SPeriod() : period;
 }
 
-SPeriod DragPeriod(const CTrv1DGraphStack& stack, float dx) {
-    const float width = stack.GetPlotWidth();
-    if (!stack.HasPeriod() || !(width > 0) || dx == 0) return {};
-    const auto& [start, end] = stack.GetPeriod();
-    return Move(stack.GetPeriod(), -static_cast<double>(dx) / static_cast<double>(width) *
-                                       static_cast<double>((end - start).GetTicks()));
+SView DragView(const CTrv1DGraphStack& stack, const SView& view, const CTrv1DGraphPortlet* portlet, float dx,
+               float dy) {
+    SView dragged = view;
+    const auto part = [](float pixels, float length) {
+        return static_cast<double>(pixels) / static_cast<double>(length);
+    };
+    if (const float width = stack.GetPlotWidth(); width > 0 && dx != 0) {
+        const double span = static_cast<double>((view.period.end - view.period.start).GetTicks());
+        if (const SPeriod moved = Move(view.period, -part(dx, width) * span); !moved.IsEmpty())
+            dragged.period = moved;
+    }
+    const auto* measure = dynamic_cast<const CTrv1DGraphMeasurePortlet*>(portlet);
+    if (const float height = measure ? measure->GetPlottingRect().height : 0; height > 0 && dy != 0)
+        if (const SRange range = Scroll(measure->GetRange(), part(dy, height)); IsUsable(range))
+            dragged.ranges[measure->GetKey()] = range;
+    return dragged;
 }
 
 void DrawStack(const CTrv1DGraphStack& stack, CGraphics& graphics, const SRect& visible, bool markSelected) {

@@ -26,9 +26,10 @@ bool TimeAt(const CTrv1DGraphStack& stack, float x, CDateTimeSpan& time);
 // The time between two positions of the plotting areas, which may lie outside; empty when it is below one
 // second.
 SPeriod PeriodBetween(const CTrv1DGraphStack& stack, float x0, float x1);
-// The period after the picture was dragged by `dx` pixels, positive to earlier times; empty when that changes
-// nothing.
-SPeriod DragPeriod(const CTrv1DGraphStack& stack, float dx);
+// What is shown after the picture was dragged by pixels: `dx` positive to earlier times, and, in a graph of
+// measures, `dy` positive to greater values. `portlet` may be null. `view` is what the stack shows now.
+SView DragView(const CTrv1DGraphStack& stack, const SView& view, const CTrv1DGraphPortlet* portlet, float dx,
+               float dy);
 
 // Draws what lies in `visible`.
 void DrawStack(const CTrv1DGraphStack& stack, CGraphics& graphics, const SRect& visible, bool markSelected);

@@ -1,18 +1,9 @@
 #include "graph/view_state.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace Presentation_Tarvel_Graphics {
-
-namespace {
-
-bool IsSound(const SRange& range) {
-    return std::isfinite(range.low) && std::isfinite(range.high) && range.low < range.high;
-}
-
-} // namespace
 
 CViewState::CSubscription CViewState::Listen(Listener listener) {
     const std::size_t key = m_listeners->next++;
@@ -53,7 +44,7 @@ bool CViewState::SetPeriod(const SPeriod& period) { return SetView({period, m_vi
 
 bool CViewState::SetRange(const SGraphKey& graph, const std::optional<SRange>& range) {
     SView view = m_view;
-    if (range && !IsSound(*range)) return false;
+    if (range && !IsUsable(*range)) return false;
     if (range)
         view.ranges[graph] = *range;
     else
@@ -63,7 +54,7 @@ bool CViewState::SetRange(const SGraphKey& graph, const std::optional<SRange>& r
 
 bool CViewState::SetView(const SView& view) {
     const bool isSound =
-        std::ranges::all_of(view.ranges, [](const auto& row) { return IsSound(row.second); });
+        std::ranges::all_of(view.ranges, [](const auto& row) { return IsUsable(row.second); });
     return isSound && !view.period.IsEmpty() && Show(view);
 }
 
@@ -107,6 +98,19 @@ void CViewState::ForgetGraph(const SGraphKey& graph) {
         for (SView& view : *views) view.ranges.erase(graph);
     if (m_beforeGesture) m_beforeGesture->ranges.erase(graph);
     if (m_view.ranges.erase(graph)) Notify(EViewChange::view);
+}
+
+void CViewState::RenameGraph(const SGraphKey& before, const SGraphKey& after) {
+    const auto rename = [&](SView& view) {
+        if (auto row = view.ranges.extract(before)) {
+            row.key() = after;
+            view.ranges.insert(std::move(row));
+        }
+    };
+    for (auto* views : {&m_back, &m_forward})
+        for (SView& view : *views) rename(view);
+    if (m_beforeGesture) rename(*m_beforeGesture);
+    rename(m_view);
 }
 
 void CViewState::Clear() {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "graph/period.h"
+#include "graph/range.h"
 
 #include <compare>
 #include <cstddef>
@@ -23,13 +24,6 @@ struct SGraphKey {
     std::string title;           // empty for a saved one
 
     friend auto operator<=>(const SGraphKey&, const SGraphKey&) = default;
-};
-
-struct SRange {
-    double low = 0;
-    double high = 0;
-
-    friend bool operator==(const SRange&, const SRange&) = default;
 };
 
 // In the units of the graphs. A graph without a range follows its data.
@@ -61,7 +55,7 @@ class CViewState {
     const SView& GetView() const { return m_view; }
     bool HasPeriod() const { return !m_view.period.IsEmpty(); }
     // Each shows something else and keeps the former view to go back to, save during a gesture. False when
-    // nothing changes: an empty period, a range that is empty or not finite, what is shown already.
+    // nothing changes: an empty period, a range that is not usable, what is shown already.
     bool SetPeriod(const SPeriod& period);
     bool SetRange(const SGraphKey& graph, const std::optional<SRange>& range);
     bool SetView(const SView& view);
@@ -82,6 +76,8 @@ class CViewState {
 
     // Drops the ranges of a graph that was removed, in the kept views as well.
     void ForgetGraph(const SGraphKey& graph);
+    // A default graph has become a saved one, and keeps its ranges.
+    void RenameGraph(const SGraphKey& before, const SGraphKey& after);
     // Another project: no view, no cursor, nothing kept.
     void Clear();
 

@@ -33,10 +33,13 @@ constexpr int kScrollStep = 40; // pixels
 
 } // namespace
 
-CTrvView1D::CTrvView1D(CTrvDocument& document, Outils_Configuration::CTrvCnfConfigFile& configuration,
+CTrvView1D::CTrvView1D(CTrvDocument& document, CViewState& viewState,
+                       Outils_Configuration::CTrvCnfConfigFile& configuration,
                        const Outils_Valeurs::CTrvAdaptors& adaptors, Outils_Plot2D::CPlot2DSettings& settings,
                        QWidget* parent)
-    : CInteractorView(parent), m_configuration(configuration), m_loader(document, adaptors, settings) {
+    : CInteractorView(parent),
+      m_configuration(configuration),
+      m_loader(document, viewState, adaptors, settings) {
     setFocusPolicy(Qt::StrongFocus);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -44,6 +47,9 @@ CTrvView1D::CTrvView1D(CTrvDocument& document, Outils_Configuration::CTrvCnfConf
     setAccessibleDescription(Text(EText::graphsHelp));
     verticalScrollBar()->setSingleStep(kScrollStep);
     m_loader.SetOnChanged([this](bool layout) { OnLoaderChanged(layout); });
+    m_subscription = viewState.Listen([this](EViewChange change) {
+        if (change == EViewChange::cursor) RedrawOverlay();
+    });
     Reformat();
     SetMode(EView1DMode::select);
 }
@@ -89,19 +95,13 @@ SPoint CTrvView1D::ToStack(QPointF position) const {
             static_cast<float>(position.y() + verticalScrollBar()->value())};
 }
 
-void CTrvView1D::SetCursorTime(std::optional<CDateTimeSpan> time) {
-    if (m_cursorTime == time) return;
-    m_cursorTime = time;
-    RedrawOverlay();
-    Q_EMIT CursorMoved(time.value_or(CDateTimeSpan::Invalid()));
-}
-
 void CTrvView1D::DrawCursor(QPainter& painter) {
-    if (!m_cursorTime) return;
+    const auto time = GetViewState().GetCursor(ECursor::first);
+    if (!time) return;
     painter.save();
     painter.translate(0, -verticalScrollBar()->value());
     CGraphics graphics(painter);
-    Presentation_Tarvel_Graphics::DrawCursor(GetStack(), graphics, *m_cursorTime, m_cursorLook, m_echo);
+    Presentation_Tarvel_Graphics::DrawCursor(GetStack(), graphics, *time, m_cursorLook, m_echo);
     painter.restore();
 }
 

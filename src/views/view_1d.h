@@ -35,9 +35,10 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     Q_OBJECT
 
   public:
-    // All four must outlive the view. `configuration` is the document's own: the view keeps its switches
+    // All five must outlive the view. `configuration` is the document's own: the view keeps its switches
     // there.
-    CTrvView1D(CTrvDocument& document, Outils_Configuration::CTrvCnfConfigFile& configuration,
+    CTrvView1D(CTrvDocument& document, Presentation_Tarvel_Graphics::CViewState& viewState,
+               Outils_Configuration::CTrvCnfConfigFile& configuration,
                const Outils_Valeurs::CTrvAdaptors& adaptors, Outils_Plot2D::CPlot2DSettings& settings,
                QWidget* parent = nullptr);
     ~CTrvView1D() override;
@@ -72,8 +73,7 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
 
     // For the interactors. Positions are in pixels of the window; the stack may be scrolled under it.
     Outils_Plot2D::SPoint ToStack(QPointF position) const;
-    void SetCursorTime(std::optional<Outils_Temps::CDateTimeSpan> time);
-    std::optional<Outils_Temps::CDateTimeSpan> GetCursorTime() const { return m_cursorTime; }
+    Presentation_Tarvel_Graphics::CViewState& GetViewState() const { return m_loader.GetViewState(); }
     void DrawCursor(QPainter& painter);
     // Clamps the index; scrolls the graph into sight.
     void SelectPortlet(int index);
@@ -84,8 +84,6 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     void RedrawOverlay() { viewport()->update(); }
 
   Q_SIGNALS:
-    // The cursor is at another time, or nowhere (an invalid time).
-    void CursorMoved(Outils_Temps::CDateTimeSpan time);
     // Mode, legends, echo or the selected curve have changed.
     void StateChanged();
 
@@ -109,10 +107,10 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     QMenu* m_menu = nullptr;                               // not owned
     Presentation_Tarvel_Graphics::SCursorLook m_cursorLook;
     EView1DMode m_mode = EView1DMode::select;
-    std::optional<Outils_Temps::CDateTimeSpan> m_cursorTime;
     bool m_echo = true;
     QPixmap m_backing; // what the window shows of the stack, without what lies over it
     bool m_backingValid = false;
+    Presentation_Tarvel_Graphics::CViewState::CSubscription m_subscription;
 };
 
 } // namespace Application_Tarvel

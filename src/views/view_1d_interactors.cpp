@@ -25,7 +25,8 @@ const QColor kBandBorder(0x46, 0x82, 0xB4);
 
 void CCursorInteractor::OnMouseMove(QMouseEvent& event) {
     Outils_Temps::CDateTimeSpan time;
-    if (TimeAt(m_view.GetStack(), m_view.ToStack(event.position()).x, time)) m_view.SetCursorTime(time);
+    if (TimeAt(m_view.GetStack(), m_view.ToStack(event.position()).x, time))
+        m_view.GetViewState().SetCursor(ECursor::first, time);
 }
 
 void CCursorInteractor::Draw(QPainter& painter) { m_view.DrawCursor(painter); }
@@ -90,19 +91,23 @@ void CTrvView1DInteractor::OnKeyPress(QKeyEvent& event) {
 
 // By pixels of the time axis, from the middle when it is out of sight.
 void CTrvView1DInteractor::MoveCursor(int pixels) {
-    auto& stack = View().GetStack();
+    const auto& stack = View().GetStack();
+    auto& viewState = View().GetViewState();
     const float width = stack.GetPlotWidth();
     if (!stack.HasPeriod() || !(width > 0)) return;
     const auto& [start, end] = stack.GetPeriod();
     const double span = static_cast<double>((end - start).GetTicks());
-    const auto present = View().GetCursorTime();
+    const auto present = viewState.GetCursor(ECursor::first);
     const auto at = [&](double ticks) {
         return start + Outils_Temps::CDateTimeSpan(static_cast<std::int64_t>(ticks));
     };
-    if (!present || *present < start || *present > end) return View().SetCursorTime(at(span / 2));
+    if (!present || *present < start || *present > end) {
+        viewState.SetCursor(ECursor::first, at(span / 2));
+        return;
+    }
     const double moved =
         static_cast<double>((*present - start).GetTicks()) + pixels * span / static_cast<double>(width);
-    View().SetCursorTime(at(std::clamp(moved, 0.0, span)));
+    viewState.SetCursor(ECursor::first, at(std::clamp(moved, 0.0, span)));
 }
 
 // The next curve in the legend of the selected graph; after the last, none.
@@ -180,38 +185,41 @@ void CTrvView1DInteractorSelect::Hover(QPointF position) {
 
 bool CTrvView1DInteractorPan::BeginGesture(QMouseEvent& event, CTrv1DGraphPortlet& portlet) {
     m_gesture = SGesture{IndexOf(&portlet), event.position(), event.position()};
+    View().GetLoader().BeginDrag();
     return true;
 }
 
 void CTrvView1DInteractorPan::OnMouseMove(QMouseEvent& event) {
     if (!m_gesture) return CTrvView1DInteractorSelect::OnMouseMove(event);
-    auto& stack = View().GetStack();
     const QPointF step = event.position() - m_gesture->last;
     m_gesture->last = event.position();
-    if (stack.SetPeriod(DragPeriod(stack, static_cast<float>(step.x())))) m_gesture->moved = true;
     // A hand does not move quite level: the values follow only once it is meant.
     const double away = event.position().y() - m_gesture->start.y();
-    CTrv1DGraphPortlet* portlet = GetPortlet(m_gesture->portlet);
-    if (portlet && m_gesture->vertical)
-        stack.PanVertical(*portlet, static_cast<float>(step.y()));
-    else if (portlet && std::abs(away) >= kVerticalSlop) {
+    double dy = m_gesture->vertical ? step.y() : 0;
+    if (!m_gesture->vertical && std::abs(away) >= kVerticalSlop) {
         m_gesture->vertical = true;
-        stack.PanVertical(*portlet, static_cast<float>(away));
+        dy = away;
     }
-    View().Redraw();
+    const auto& stack = View().GetStack();
+    View().GetViewState().SetView(DragView(stack, View().GetViewState().GetView(),
+                                           GetPortlet(m_gesture->portlet), static_cast<float>(step.x()),
+                                           static_cast<float>(dy)));
 }
 
 void CTrvView1DInteractorPan::OnMouseRelease(QMouseEvent& event) {
     CTrvView1DInteractorSelect::OnMouseRelease(event);
-    if (event.button() == Qt::LeftButton) OnCaptureLost();
+    if (event.button() == Qt::LeftButton) End(true);
 }
 
 void CTrvView1DInteractorPan::OnCaptureLost() {
     CTrvView1DInteractorSelect::OnCaptureLost();
-    const auto gesture = std::exchange(m_gesture, std::nullopt);
-    if (!gesture) return;
+    End(true);
+}
+
+void CTrvView1DInteractorPan::End(bool accept) {
+    if (!std::exchange(m_gesture, std::nullopt)) return;
     View().viewport()->setCursor(GetShape());
-    if (gesture->moved) View().GetLoader().PeriodChanged();
+    View().GetLoader().EndDrag(accept);
 }
 
 bool CTrvView1DInteractorZoom::BeginGesture(QMouseEvent& event, CTrv1DGraphPortlet& portlet) {

@@ -89,8 +89,9 @@ class CTrvView1DInteractorPan final : public CTrvView1DInteractorSelect {
         int portlet;
         QPointF start, last;
         bool vertical = false; // the mouse has left the height at which it was pressed
-        bool moved = false;    // in time
     };
+    void End(bool accept);
+
     std::optional<SGesture> m_gesture;
 };
 

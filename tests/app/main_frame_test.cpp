@@ -138,7 +138,7 @@ TEST_F(MainFrame, GraphCommandsAreReached) {
     for (const auto& row : rows)
         for (const bool byKey : {false, true}) {
             view.GetLoader().ShowPeriod({seconds(0), seconds(1000)});
-            graph.SetRange(0, 100);
+            view.GetViewState().SetRange(graph.GetKey(), Presentation_Tarvel_Graphics::SRange{0, 100});
             if (!byKey)
                 Action(row.command).trigger();
             else if (const QKeySequence key(row.key); !key.isEmpty()) {

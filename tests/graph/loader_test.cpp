@@ -58,7 +58,7 @@ class LoaderTest : public testing::Test {
         auto project =
             std::make_unique<Metier_Tarvel::CTrvProject>(m_folder / "dive.tarin", m_folder / "dive.tarout");
         m_document->NewFromProject(std::move(project), m_folder / "dive.tarprj");
-        m_loader.emplace(*m_document, m_adaptors, m_settings);
+        m_loader.emplace(*m_document, m_viewState, m_adaptors, m_settings);
         m_loader->SetOnChanged([this](bool) { ++m_changes; });
         m_loader->SetViewSize({1000, 700}, 1);
     }
@@ -106,6 +106,7 @@ class LoaderTest : public testing::Test {
     Outils_Plot2D::CPlot2DSettings m_settings;
     CScriptedHost m_host;
     std::optional<CTrvDocument> m_document;
+    CViewState m_viewState;
     std::optional<CTrv1DGraphLoader> m_loader;
     int m_changes = 0;
 };
@@ -300,7 +301,7 @@ TEST_F(LoaderTest, SavedGraphsReplaceTheDefaultOnes) {
     // What the user set on a graph outlives every change of the project, and the data at hand is shown at
     // once.
     portlet.SetUserHeight(333);
-    dynamic_cast<CTrv1DGraphMeasurePortlet&>(portlet).SetRange(-50, -40);
+    m_viewState.SetRange(portlet.GetKey(), SRange{-50, -40});
     portlet.GetPlot().SetSelectedSerie(series[0].get());
     Stack().Select(1);
     const auto period = Stack().GetPeriod();
@@ -337,7 +338,7 @@ TEST_F(LoaderTest, AnswersFindNobodyAfterTheEnd) {
     m_document->CloseDocument();
     Tell(hintRefresh);
     m_host.m_queue.RunPending();
-    m_loader.emplace(*m_document, m_adaptors, m_settings);
+    m_loader.emplace(*m_document, m_viewState, m_adaptors, m_settings);
     EXPECT_FALSE(m_loader->HasProject() && m_loader->IsLoading());
     EXPECT_TRUE(Stack().GetPortlets().empty());
 }

@@ -38,7 +38,12 @@ class StackTest : public testing::Test {
         m_stack.Layout({800, 300}, ELayout::scroll);
     }
     void Show(std::int64_t start, std::int64_t end) {
-        m_stack.SetPeriod({CDateTimeSpan(start), CDateTimeSpan(end)});
+        m_view.period = {CDateTimeSpan(start), CDateTimeSpan(end)};
+        m_stack.Show(m_view);
+    }
+    void SetRange(std::size_t index, double low, double high) {
+        m_view.ranges[Measure(index).GetKey()] = {low, high};
+        m_stack.Show(m_view);
     }
     std::pair<std::int64_t, std::int64_t> Shown() const {
         return {m_stack.GetPeriod().start.GetTicks(), m_stack.GetPeriod().end.GetTicks()};
@@ -48,15 +53,15 @@ class StackTest : public testing::Test {
     Outils_Plot2D::CPlot2DSettings m_settings;
     std::vector<SGraphDescription> m_graphs;
     CTrv1DGraphStack m_stack;
+    SView m_view;
 };
 
 using Ticks = std::pair<std::int64_t, std::int64_t>;
 constexpr std::int64_t kSecond = kTicksPerSecond;
 
 TEST_F(StackTest, NothingMovesWithoutAPeriod) {
-    EXPECT_TRUE(ZoomIn({}, 0.5).IsEmpty() && ZoomOut({}, 2).IsEmpty() && Scroll({}, 0.25).IsEmpty());
-    EXPECT_TRUE(DragPeriod(m_stack, 10).IsEmpty());
-    EXPECT_FALSE(m_stack.ViewAll());
+    EXPECT_TRUE(ZoomIn({}, 0.5).IsEmpty() && ZoomOut({}, 2).IsEmpty() && Scroll(SPeriod(), 0.25).IsEmpty());
+    EXPECT_EQ(DragView(m_stack, {}, nullptr, 10, 10), SView());
     Show(5, 5);
     Show(9, 3);
     EXPECT_FALSE(m_stack.HasPeriod());
@@ -106,7 +111,11 @@ TEST_F(StackTest, PixelsBecomeTimes) {
     EXPECT_NEAR(time.GetTotalSeconds(), 250, 0.1);
     EXPECT_FALSE(TimeAt(m_stack, area.x - 2, time));
 
-    const auto zoom = [&](float x0, float x1) { return m_stack.SetPeriod(PeriodBetween(m_stack, x0, x1)); };
+    const auto zoom = [&](float x0, float x1) {
+        m_view.period = PeriodBetween(m_stack, x0, x1);
+        m_stack.Show(m_view);
+        return !m_view.period.IsEmpty();
+    };
     EXPECT_TRUE(zoom(area.x + area.width / 2, area.x + area.width / 4));
     EXPECT_NEAR(m_stack.GetPeriod().start.GetTotalSeconds(), 250, 0.1);
     EXPECT_NEAR(m_stack.GetPeriod().end.GetTotalSeconds(), 500, 0.1);
@@ -117,7 +126,7 @@ TEST_F(StackTest, PixelsBecomeTimes) {
     EXPECT_NEAR(m_stack.GetPeriod().end.GetTotalSeconds(), 500, 0.1);
 
     Show(0, 1000 * kSecond);
-    EXPECT_TRUE(m_stack.SetPeriod(DragPeriod(m_stack, area.width / 10)));
+    m_stack.Show(DragView(m_stack, m_view, nullptr, area.width / 10, 0));
     EXPECT_NEAR(m_stack.GetPeriod().start.GetTotalSeconds(), -100, 0.1);
     EXPECT_NEAR((m_stack.GetPeriod().end - m_stack.GetPeriod().start).GetTotalSeconds(), 1000, 1e-6);
 }
@@ -131,20 +140,17 @@ TEST_F(StackTest, UserRangeEndsAutomaticRange) {
     EXPECT_GT(Measure(0).GetMaximum(), 104);
     EXPECT_LT(Measure(0).GetMaximum(), 130);
 
-    m_stack.Select(0);
-    Measure(0).SetRange(0, 100);
-    EXPECT_TRUE(m_stack.ZoomVertical(0.5));
-    EXPECT_EQ(Measure(0).GetMinimum(), 25);
-    EXPECT_EQ(Measure(0).GetMaximum(), 75);
-    EXPECT_TRUE(m_stack.ScrollVertical(0.25));
-    EXPECT_EQ(Measure(0).GetMinimum(), 37.5);
+    SetRange(0, 0, 100);
+    m_view = DragView(m_stack, m_view, &Measure(0), 0, Measure(0).GetPlottingRect().height / 4);
+    m_stack.Show(m_view);
     m_stack.SetDataset(kNavigation, MakeDataset(0, 100, [](double) { return 1e6; }));
-    EXPECT_EQ(Measure(0).GetMaximum(), 87.5) << "the user's range stays";
+    EXPECT_EQ(Measure(0).GetRange(), (SRange{25, 125})) << "the user's range stays";
     EXPECT_GT(Measure(1).GetMinimum(), 9e5) << "the other graph's follows";
+    EXPECT_EQ(DragView(m_stack, m_view, m_stack.GetPortlets()[2].get(), 0, 10), m_view)
+        << "a chronogram has no range";
 
-    m_stack.Select(2);
-    EXPECT_FALSE(m_stack.ZoomVertical(0.5)) << "a chronogram has no range";
-    m_stack.ViewAll();
+    m_view.ranges.clear();
+    m_stack.Show(m_view);
     EXPECT_TRUE(Measure(0).IsRangeAutomatic());
     EXPECT_GT(Measure(0).GetMinimum(), 9e5);
 }
@@ -156,12 +162,13 @@ TEST_F(StackTest, RangesAlwaysHaveAWidth) {
         EXPECT_LT(Measure(0).GetMinimum(), constant);
         EXPECT_GT(Measure(0).GetMaximum(), constant);
     }
-    m_stack.Select(0);
-    Measure(0).SetRange(1, 2);
-    for (int i = 0; i < 200; ++i) m_stack.ZoomVertical(0.5);
-    EXPECT_LT(Measure(0).GetMinimum(), Measure(0).GetMaximum());
-    for (int i = 0; i < 3000; ++i) m_stack.ZoomVertical(2);
-    EXPECT_TRUE(std::isfinite(Measure(0).GetMaximum() - Measure(0).GetMinimum()));
+    SetRange(0, 1, 2);
+    const auto zoom = [&](double factor, int times) {
+        for (int i = 0; i < times; ++i) Measure(0).SetRange(Zoom(Measure(0).GetRange(), factor));
+        return Measure(0).GetRange().GetWidth();
+    };
+    EXPECT_GT(zoom(0.5, 200), 0);
+    EXPECT_TRUE(std::isfinite(zoom(2, 3000)));
 }
 
 // The texts of neighbouring ticks of an axis.
@@ -186,9 +193,9 @@ TEST_F(StackTest, LabelsDifferAtAnyZoom) {
         std::erase(times, std::string()); // those that have no room
         EXPECT_GE(times.size(), 2u) << zoom;
         EXPECT_EQ(std::set(times.begin(), times.end()).size(), times.size()) << zoom;
-        for (int i : {0, 1}) {
-            m_stack.Select(i);
-            m_stack.ZoomVertical(0.5);
+        for (std::size_t i : {0u, 1u}) {
+            const SRange range = Zoom(Measure(i).GetRange(), 0.5);
+            SetRange(i, range.low, range.high);
         }
         // Past the second, by the way that a test may take and a user may not.
         const auto [start, end] = Shown();
@@ -260,7 +267,7 @@ TEST_F(StackTest, KeepsWhatIsShownAlready) {
     Show(0, 100 * kSecond);
     const auto dataset = MakeDataset(0, 100, [](double t) { return t; });
     m_stack.SetDataset(kNavigation, dataset);
-    Measure(1).SetRange(3, 7);
+    SetRange(1, 3, 7);
     Measure(1).SetUserHeight(222);
     auto* curve = Measure(1).GetPlot().GetSeries()[0].get();
     Measure(1).GetPlot().SetSelectedSerie(curve);

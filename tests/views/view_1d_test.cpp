@@ -35,7 +35,7 @@ class View1DTest : public testing::Test {
         for (int i = 0; i < 6; ++i) project->graphSettings->AddMeasureGraph("empty");
         m_document->NewFromProject(std::move(project), "/nowhere/dive.tarprj");
 
-        m_view.emplace(*m_document, m_config, m_adaptors, m_settings);
+        m_view.emplace(*m_document, m_viewState, m_config, m_adaptors, m_settings);
         m_view->resize(900, 500);
         m_view->show();
         EXPECT_TRUE(m_host.m_queue.RunUntil([this] { return !m_view->GetLoader().IsLoading(); },
@@ -83,6 +83,7 @@ class View1DTest : public testing::Test {
     CScriptedHost m_host;
     std::optional<CTrvDocument> m_document;
     Metier_Tarvel::CTrvDataFile* m_file = nullptr;
+    CViewState m_viewState;
     std::optional<CTrvView1D> m_view;
 };
 
@@ -93,9 +94,9 @@ TEST_F(View1DTest, KeyboardSelectsAndScrolls) {
     Key("Ctrl+Shift+Down");
     EXPECT_GT(First().GetRect().height, height);
     Key("Shift+Right");
-    EXPECT_EQ(m_view->GetCursorTime(), Seconds(500));
+    EXPECT_EQ(m_viewState.GetCursor(ECursor::first), Seconds(500));
     Key("Shift+Right");
-    EXPECT_GT(m_view->GetCursorTime().value(), Seconds(500));
+    EXPECT_GT(m_viewState.GetCursor(ECursor::first).value(), Seconds(500));
 
     const QScrollBar& bar = *m_view->verticalScrollBar();
     for (int i = 0; i < 20; ++i) Key("Down");
@@ -185,7 +186,7 @@ TEST_F(View1DTest, SwitchesAreKeptInTheSettings) {
     m_view->SetLegendsVisible(false);
     m_view->SetEcho(false);
     EXPECT_FALSE(m_config.Get(Cnf<"view1D/showGraphLegends">) || m_config.Get(Cnf<"viewValue/echoToGraph">));
-    const CTrvView1D again(*m_document, m_config, m_adaptors, m_settings);
+    const CTrvView1D again(*m_document, m_viewState, m_config, m_adaptors, m_settings);
     EXPECT_FALSE(again.AreLegendsVisible() || again.HasEcho());
 }
 
@@ -230,11 +231,9 @@ TEST_F(View1DTest, SelectTakesBordersLegendsAndTheCursor) {
     Drag(row, row);
     EXPECT_NE(First().GetPlot().GetSelectedSerie(), nullptr);
 
-    CDateTimeSpan reported;
-    QObject::connect(&*m_view, &CTrvView1D::CursorMoved, [&](CDateTimeSpan time) { reported = time; });
     Mouse(QEvent::MouseMove, At(0.5, 0.5));
     EXPECT_EQ(First().GetPlot().GetHoveredSerie(), nullptr);
-    EXPECT_NEAR(reported.GetTotalSeconds(), 500, 2);
+    EXPECT_NEAR(m_viewState.GetCursor(ECursor::first)->GetTotalSeconds(), 500, 2);
 }
 
 TEST_F(View1DTest, FieldsAreDroppedWhereTheyFit) {
@@ -278,7 +277,7 @@ TEST_F(View1DTest, ProjectMayGoDuringAGesture) {
 }
 
 TEST_F(View1DTest, ClipboardGetsAVectorImage) {
-    First().SetRange(400, 600); // of values from 0 to 1000
+    m_viewState.SetRange(First().GetKey(), SRange{400, 600}); // of values from 0 to 1000
     m_view->GetLoader().Relayout();
     CopyToClipboard(m_view->GetStack(), m_view->viewport()->width());
     const QMimeData* data = QApplication::clipboard()->mimeData();
