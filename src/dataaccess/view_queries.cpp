@@ -41,16 +41,17 @@ void CTrvDataQuery::ForgetReplaced(const CXpfFile& file) const {
 }
 
 EQueryEnd CTrvViewValueDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet) {
-    SDateBracket bracket;
-    switch (SearchDate(channel, *packet, m_time, MakeSearch(false), bracket)) {
+    switch (SearchDate(channel, *packet, m_time, MakeSearch(false), m_bracket)) {
     case EDateSearch::outside: return EQueryEnd::done;
     case EDateSearch::failed: return EQueryEnd::failed;
     case EDateSearch::cancelled: return EQueryEnd::cancelled;
     case EDateSearch::found: break;
     }
     packet->Clear(); // the search has read into it, and a short packet does not fill it
-    if (!channel.SeekPacketNumber(PickNearer(bracket, m_time)) || !channel.ReadNextPacket(*packet))
+    SPacketHeader header;
+    if (!channel.SeekPacketNumber(PickNearer(m_bracket, m_time)) || !channel.ReadNextPacket(*packet, &header))
         return EQueryEnd::failed;
+    m_place = {header.number, channel.GetPrevious()};
     m_packet = std::move(packet);
     return EQueryEnd::done;
 }

@@ -72,6 +72,12 @@ class CTrvDataQuery : public CAsyncQuery {
     EError m_error = EError::none;
 };
 
+// Where a packet is in its file.
+struct SPacketPlace {
+    std::uint32_t number = 0; // within its channel
+    Persistance_Xpf::CXpfFilePosition position;
+};
+
 // The packet nearest to a moment, the earlier on a tie.
 class CTrvViewValueDataQuery : public CTrvDataQuery {
   public:
@@ -84,6 +90,10 @@ class CTrvViewValueDataQuery : public CTrvDataQuery {
 
     // The result, for callers without a callback; may be taken after Execute has returned.
     std::unique_ptr<Persistance_Xpf::CXpfPacket> TakePacket() { return std::move(m_packet); }
+    // The place of that packet. / The dates of the channel's first and last packet when the moment lies
+    // outside. Once Execute has returned.
+    const SPacketPlace& GetPlace() const { return m_place; }
+    const SDateBracket& GetExtent() const { return m_bracket; }
 
     void OnFinished(bool success) override {
         if (m_onDone) m_onDone(success, std::move(m_packet));
@@ -98,6 +108,8 @@ class CTrvViewValueDataQuery : public CTrvDataQuery {
     CDateTimeSpan m_time;
     Callback m_onDone;
     std::unique_ptr<Persistance_Xpf::CXpfPacket> m_packet;
+    SPacketPlace m_place;
+    SDateBracket m_bracket;
 };
 
 struct SWindow {

@@ -37,6 +37,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     // Null for the empty document.
     CTrvProject* GetProject() const { return m_pProject.get(); }
     CAsyncQueryManager& GetQueryManager() { return m_queryManager; }
+    // For panels with a query manager of their own, so that long work does not hold up the graphs.
+    Outils::IMessageTarget& GetMessageTarget() { return m_target; }
     CXpfFileCache& GetFileCache() { return m_fileCache; }
     // The way back to the UI thread, for managers of queries beside the document's own.
     Outils::IMessageTarget& GetMessageTarget() const { return m_target; }

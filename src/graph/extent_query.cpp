@@ -16,6 +16,8 @@ EQueryEnd CTrv1DExtentQuery::Search(Persistance_Xpf::CXpfChannel& channel,
     const EDateSearch end = SearchDate(channel, *packet, before, MakeSearch(false), bracket);
     m_first = bracket.lowerDate;
     m_last = bracket.upperDate;
+    if (bracket.upperNumber >= bracket.lowerNumber)
+        m_count = std::uint64_t{bracket.upperNumber} - bracket.lowerNumber + 1;
     if (end == EDateSearch::cancelled) return EQueryEnd::cancelled;
     return end == EDateSearch::failed ? EQueryEnd::failed : EQueryEnd::done;
 }

@@ -19,6 +19,8 @@ class CTrv1DExtentQuery final : public Application_Tarvel::CTrvDataQuery {
     // Dates of the first and the last packet on the file's own clock.
     Outils_Temps::CDateTimeSpan GetFirst() const { return m_first; }
     Outils_Temps::CDateTimeSpan GetLast() const { return m_last; }
+    // By the running numbers of these two packets.
+    std::uint64_t GetCount() const { return m_count; }
 
     void OnFinished(bool success) override { m_onDone(*this, success, false); }
     void OnCancelled() override { m_onDone(*this, false, true); }
@@ -31,6 +33,7 @@ class CTrv1DExtentQuery final : public Application_Tarvel::CTrvDataQuery {
     Callback m_onDone;
     Outils_Temps::CDateTimeSpan m_first;
     Outils_Temps::CDateTimeSpan m_last;
+    std::uint64_t m_count = 0;
 };
 
 } // namespace Presentation_Tarvel_Graphics

@@ -3,6 +3,8 @@
 #include "model/loading.h"
 #include "model/project.h"
 
+#include <algorithm>
+
 namespace Metier_Tarvel_InstantValues {
 
 using Metier_Tarvel::AppendOwned;
@@ -21,6 +23,19 @@ Value* AddValue(std::vector<std::unique_ptr<Value>>& values, CTrvInstantValuesSe
     value->channel = channel;
     value->field = field;
     return value;
+}
+
+template <class Value>
+bool MoveValue(std::vector<std::unique_ptr<Value>>& values, const CTrvInstantValue& moved,
+               std::size_t place) {
+    const auto found = std::ranges::find_if(values, [&](const auto& value) { return value.get() == &moved; });
+    if (found == values.end()) return false;
+    const auto target = values.begin() + static_cast<std::ptrdiff_t>(std::min(place, values.size() - 1));
+    if (target < found)
+        std::rotate(target, found, found + 1);
+    else
+        std::rotate(found, found + 1, target + 1);
+    return true;
 }
 
 template <class Value>
@@ -76,6 +91,10 @@ bool CTrvInstantValuesSettings::RemoveMeasure(const CTrvInstantValuesMeasure* me
 
 bool CTrvInstantValuesSettings::RemoveEnum(const CTrvInstantValuesEnum* enumeration) {
     return EraseOwned(enums, enumeration);
+}
+
+bool CTrvInstantValuesSettings::Move(const CTrvInstantValue& value, std::size_t place) {
+    return MoveValue(measures, value, place) || MoveValue(enums, value, place);
 }
 
 void CTrvInstantValuesSettings::ForgetDataFile(const CTrvDataFile* dataFile) {

@@ -71,6 +71,9 @@ class CTrvInstantValuesSettings : public TRuntimeClass<CTrvInstantValuesSettings
     // Each deletes the object; false if it is not in its list.
     bool RemoveMeasure(const CTrvInstantValuesMeasure* measure);
     bool RemoveEnum(const CTrvInstantValuesEnum* enumeration);
+    // Moves a row to this place among those of its kind, at the end beyond it. False if it is not in its
+    // list.
+    bool Move(const CTrvInstantValue& value, std::size_t place);
     // Deletes the rows on a file. `dataFile` is only compared.
     void ForgetDataFile(const CTrvDataFile* dataFile);
 

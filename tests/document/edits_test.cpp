@@ -58,7 +58,7 @@ const std::map<std::string, SExpected, std::less<>> kExpected = {
     {"ChangeOdometerStdDevInstruction", {42}}, {"Add1DGraphMeasure", {28, 765}}, {"Add1DGraphEnum", {28, 765}},
     {"Remove1DGraph", {30, 800}}, {"Add1DCurve", {29, 766}}, {"Change1DCurve", {45}}, {"Remove1DCurve", {44, 818}},
     {"AddInstantValuesMeasure", {32, 802}}, {"AddInstantValuesEnum", {33, 803}}, {"RemoveInstantValuesMeasure", {34}},
-    {"RemoveInstantValuesEnum", {35}},
+    {"RemoveInstantValuesEnum", {35}}, {"MoveInstantValue", {32}},
 };
 // clang-format on
 

@@ -71,6 +71,7 @@ constexpr const SEditRow* kRows[] = {
     &kAddInstantValuesEnum,
     &kRemoveInstantValuesMeasure,
     &kRemoveInstantValuesEnum,
+    &kMoveInstantValue,
 };
 
 } // namespace

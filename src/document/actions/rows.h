@@ -243,6 +243,12 @@ inline constexpr auto kRemoveInstantValuesMeasure = RemoveBy<CTrvInstantValuesMe
     "CTrvActRemoveInstantValuesMeasure", hintInstantMeasureRemoved);
 inline constexpr auto kRemoveInstantValuesEnum = RemoveBy<CTrvInstantValuesEnum, RemoveInstantEnum>(
     "CTrvActRemoveInstantValuesEnum", hintInstantEnumRemoved);
+// To a place among the rows of its kind. The views take it for an added row, which they know already.
+inline constexpr TEditRow<const CTrvInstantValue&, std::size_t> kMoveInstantValue{
+    {"CTrvActMoveInstantValue", hintInstantMeasureAdded},
+    [](const CEdit& edit, const CTrvInstantValue& value, std::size_t place) {
+        return edit.GetProject().instantValuesSettings->Move(value, place) && edit.Changed(&value);
+    }};
 
 } // namespace Edits
 
@@ -318,5 +324,6 @@ using CTrvActAddInstantValuesMeasure = TAction<Edits::kAddInstantValuesMeasure>;
 using CTrvActAddInstantValuesEnum = TAction<Edits::kAddInstantValuesEnum>;
 using CTrvActRemoveInstantValuesMeasure = TAction<Edits::kRemoveInstantValuesMeasure>;
 using CTrvActRemoveInstantValuesEnum = TAction<Edits::kRemoveInstantValuesEnum>;
+using CTrvActMoveInstantValue = TAction<Edits::kMoveInstantValue>;
 
 } // namespace Application_Tarvel
