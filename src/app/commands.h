@@ -81,6 +81,8 @@ enum ECommand : int {
     commandNewFromBatch = 32890,
     commandNextFault = 32895,
     commandImportConfiguration = 32896,
+    commandResetLayout = 32897,
+    commandRelink = 32898,
     commandNew = 57600,
     commandOpen = 57601,
     commandSave = 57603,

@@ -17,6 +17,7 @@ namespace Dialogue_Tarvel {
 class CDataFileChannelChooser;
 class CNewFromBatchParametersDlg;
 class CNewProjectWizard;
+class CRelinkDialog;
 class CRoughMisalignmentChooser;
 class CTrvSettingsDlg;
 } // namespace Dialogue_Tarvel
@@ -38,6 +39,8 @@ class IDialogs {
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) = 0;
+    // Ends with OK when the project has taken the new places.
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CRelinkDialog& dialog) = 0;
     // Hands the link to the program that the desktop has for it; false when there is none.
     virtual bool OpenLink(const QUrl& link) = 0;
 };
@@ -52,6 +55,7 @@ class CWindowDialogs final : public IDialogs {
     bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CRelinkDialog& dialog) override;
     bool OpenLink(const QUrl& link) override;
 };
 

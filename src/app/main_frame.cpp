@@ -2,9 +2,11 @@
 
 #include "app/appearance.h"
 #include "app/command_bars.h"
+#include "app/start_page.h"
 #include "app/status_bar.h"
 #include "dialogs/choosers.h"
 #include "dialogs/project_dialogs.h"
+#include "dialogs/relink.h"
 #include "dialogs/rough_misalignment.h"
 #include "dialogs/settings_dialog.h"
 #include "document/edits.h"
@@ -15,10 +17,13 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QGuiApplication>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScreen>
 #include <QSettings>
+#include <QStackedWidget>
 #include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -40,6 +45,8 @@ constexpr int kStateVersion = 1; // of the window's layout: counts up when bars 
 constexpr const char* kGeometryKey = "mainFrame/geometry";
 constexpr const char* kStateKey = "mainFrame/state";
 constexpr QSize kFirstSize(1280, 800);
+// The mission that the build records as an example, from the folder of the program.
+constexpr auto kSamplePath = "../../sample/mission.tarprj";
 constexpr QSize kProcessingSize(320, 500);
 constexpr QSize kOutputSize(600, 140);
 
@@ -92,13 +99,13 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
 
     m_view = new CTrvView1D(m_document, m_viewState, application.GetConfiguration(),
                             application.GetAdaptors(), application.GetPlotSettings(), this);
-    setCentralWidget(m_view);
+    MakeMiddle();
     m_processing =
         new CTrvViewProcessing(m_document, application.GetConfiguration(), application.GetAdaptors());
-    m_output = new CTrvOutputWnd;
+    m_output = new CTrvOutputPanel;
     m_statusBar = new CTrvStatusBar(this);
     setStatusBar(m_statusBar);
-    m_host.Attach(this, m_output, m_statusBar);
+    m_host.Attach(this, &GetOutput(), m_statusBar);
     m_host.SetOnEquipment([this](std::int32_t equipment) {
         m_equipment = equipment;
         m_commands->ShowAllMenus();
@@ -126,10 +133,16 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
               kProcessingSize, Qt::LeftDockWidgetArea);
     MakePanel(commandOutputPanel, "outputPanel", EText::outputTitle, m_output, kOutputSize,
               Qt::BottomDockWidgetArea);
-    m_output->addAction(&GetAction(commandClearOutput));
+    GetOutput().addAction(&GetAction(commandClearOutput));
     resize(kFirstSize.boundedTo(screen()->availableSize()));
+    m_firstLayout = saveState(kStateVersion);
     RestoreWindow();
 
+    connect(&GetOutput(), &CTrvOutputWnd::SubjectRequested, this,
+            [this](const Outils_Objets::CObject* subject) {
+                if (!IsBarShown(commandProcessingPanel)) ToggleBar(commandProcessingPanel);
+                m_processing->ShowObject(subject);
+            });
     connect(m_view, &CTrvView1D::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
     connect(m_processing, &CTrvViewProcessing::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
     connect(m_processing, &CTrvViewProcessing::DialogRequested, this,
@@ -138,12 +151,14 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
             &CTrvViewProcessing::SelectNextFault);
     m_document.AddView(this);
     UpdateFrame();
-    m_view->setFocus();
+    m_middle->currentWidget()->setFocus();
+    LookForRecent();
 }
 
 CTrvProjectMainFrame::~CTrvProjectMainFrame() {
     // The widgets go after this: from here on nothing reaches a window that is half gone.
     m_document.RemoveView(this);
+    m_document.GetFileLooks().Forget(this);
     m_view->disconnect(this);
     m_processing->disconnect(this);
     m_host.SetProjectMakers({}, {});
@@ -159,7 +174,13 @@ void CTrvProjectMainFrame::NewProject() { m_document.CommandNew(); }
 void CTrvProjectMainFrame::AskAndOpen() { m_document.CommandOpen(); }
 
 bool CTrvProjectMainFrame::OpenProject(const std::filesystem::path& path) {
-    return m_document.CommandOpen(path);
+    if (!m_document.CommandOpen(path)) return false;
+    const auto ask = [this] {
+        return m_host.ShowMessage(std::string(Outils_Texte::GetText(EText::relinkQuestion)), EButtons::yesNo,
+                                  EIcon::question) == EAnswer::yes;
+    };
+    if (m_document.GetFiles() && !m_document.GetFiles()->GetMissing().empty() && ask()) Relink();
+    return true;
 }
 
 void CTrvProjectMainFrame::OpenRecent(int index) {
@@ -210,6 +231,17 @@ void CTrvProjectMainFrame::ImportConfiguration() {
                              Procedures::CNelixValues::Of(configuration), chosen.front());
 }
 
+void CTrvProjectMainFrame::Relink() {
+    Dialogue_Tarvel::CRelinkDialog dialog(m_document);
+    if (dialog.GetRows().empty())
+        m_host.ShowMessage(std::string(Outils_Texte::GetText(EText::relinkNoLongerMissing)), EButtons::ok,
+                           EIcon::information);
+    else
+        m_dialogs.Show(this, dialog);
+}
+
+void CTrvProjectMainFrame::ResetLayout() { restoreState(m_firstLayout, kStateVersion); }
+
 EOutcome CTrvProjectMainFrame::MakeProject(SMadeProject& made, std::vector<std::filesystem::path> files) {
     Dialogue_Tarvel::CNewProjectWizard dialog(m_host, m_application.GetConfiguration(),
                                               m_document.GetFileLooks());
@@ -248,12 +280,74 @@ void CTrvProjectMainFrame::ChooseValue(const Presentation_Tarvel_Grid::CHGItem& 
                              std::filesystem::path());
 }
 
+void CTrvProjectMainFrame::MakeMiddle() {
+    m_start = new CTrvStartPage;
+    m_middle = new QStackedWidget(this);
+    m_middle->addWidget(m_start);
+    m_middle->addWidget(m_view);
+    setCentralWidget(m_middle);
+    connect(m_start, &CTrvStartPage::NewRequested, this, &CTrvProjectMainFrame::NewProject);
+    connect(m_start, &CTrvStartPage::OpenRequested, this, &CTrvProjectMainFrame::AskAndOpen);
+    connect(m_start, &CTrvStartPage::SampleRequested, this, [this] { OpenProject(m_sample); });
+    connect(m_start, &CTrvStartPage::RecentRequested, this, &CTrvProjectMainFrame::OpenRecent);
+}
+
+void CTrvProjectMainFrame::UpdateStartPage() {
+    QWidget* const shown = HasProject() ? static_cast<QWidget*>(m_view) : m_start;
+    if (m_middle->currentWidget() != shown) {
+        const bool hadFocus = m_middle->isAncestorOf(focusWidget());
+        m_middle->setCurrentWidget(shown);
+        if (hadFocus) shown->setFocus();
+    }
+    if (HasProject()) return;
+    std::vector<CTrvStartPage::SRecent> recent;
+    for (const auto& file : m_recentFiles.GetFiles()) {
+        const QString folder = ToQString(file.parent_path());
+        const auto date = m_dates.find(file);
+        recent.push_back({ToQString(file.stem()),
+                          date == m_dates.end() ? folder
+                                                : ToQString(Outils_Texte::FormatText(
+                                                      EText::startRecentPlace,
+                                                      {folder.toStdString(), date->second.toStdString()}))});
+    }
+    m_start->SetRecent(recent);
+    m_start->SetHasSample(!m_sample.empty());
+}
+
+// What the start page shows of files: no disk is waited for.
+void CTrvProjectMainFrame::LookForRecent() {
+    struct SFound {
+        std::map<std::filesystem::path, QString> dates;
+        std::filesystem::path sample;
+    };
+    const auto look = [files = m_recentFiles.GetFiles(), folder = m_application.GetProgramFolder(),
+                       locale = locale()](const Outils::CEvent& cancel) {
+        SFound found;
+        for (const auto& file : files) {
+            if (cancel.IsSet()) break;
+            if (const QFileInfo info(ToQString(file)); info.exists())
+                found.dates[file] = locale.toString(info.lastModified(), QLocale::ShortFormat);
+        }
+        const auto sample = (folder / kSamplePath).lexically_normal();
+        if (std::error_code error; std::filesystem::is_regular_file(sample, error)) found.sample = sample;
+        return found;
+    };
+    m_document.GetFileLooks().Ask(this, look, [this](SFound found) {
+        m_dates = std::move(found.dates);
+        m_sample = std::move(found.sample);
+        UpdateStartPage();
+    });
+}
+
 QDockWidget* CTrvProjectMainFrame::MakePanel(int command, const char* name, EText title, QWidget* content,
                                              QSize size, Qt::DockWidgetArea area) {
     auto* panel = new QDockWidget(Text(title), this);
     panel->setObjectName(QString::fromLatin1(name));
     panel->setAccessibleName(Text(title));
     content->setAccessibleName(Text(title));
+    // A floating panel cannot be put back on Wayland.
+    if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland")))
+        panel->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
     panel->setWidget(new CPanelSpace(content, size));
     addDockWidget(area, panel);
     m_bars[command] = panel;
@@ -296,6 +390,7 @@ void CTrvProjectMainFrame::UpdateFrame() {
     m_statusBar->SetMessage(Text(m_running ? EText::running : EText::ready));
     m_statusBar->SetFaults(m_processing->GetTree().GetFaultCount());
     m_commands->Update();
+    UpdateStartPage();
 }
 
 void CTrvProjectMainFrame::OnUpdate(EHint hint, const Outils_Objets::CObject*) {
@@ -311,7 +406,7 @@ void CTrvProjectMainFrame::closeEvent(QCloseEvent* event) {
 
 void CTrvProjectMainFrame::dragEnterEvent(QDragEnterEvent* event) {
     const auto files = FilesOf(*event->mimeData());
-    // One project is opened; of recordings a project is made.
+    // One project is opened; recordings join the open project, or a project is made of them.
     if (files.empty() || (files.size() > 1 && std::ranges::any_of(files, IsProject))) return;
     event->acceptProposedAction();
 }
@@ -327,6 +422,9 @@ void CTrvProjectMainFrame::dropEvent(QDropEvent* event) {
 void CTrvProjectMainFrame::Take(const std::vector<std::filesystem::path>& files) {
     if (IsProject(files.front())) {
         OpenProject(files.front());
+    } else if (HasProject()) {
+        for (const auto& file : files)
+            m_processing->Add([&] { m_document.GetEdits().Do(Edits::kAddDataFile, file); });
     } else {
         m_dropped = files;
         NewProject();

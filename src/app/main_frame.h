@@ -8,6 +8,7 @@
 #include "app/recent_files.h"
 #include "document/document.h"
 #include "foundation/text_id.h"
+#include "views/output_panel.h"
 #include "views/output_wnd.h"
 #include "views/view_1d.h"
 #include "views/view_processing.h"
@@ -19,12 +20,14 @@
 #include <vector>
 
 class QSettings;
+class QStackedWidget;
 
 namespace Application_Tarvel {
 
 using Outils_Texte::EText;
 
 class CTrvCommandBars;
+class CTrvStartPage;
 
 class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     Q_OBJECT
@@ -43,7 +46,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     Presentation_Tarvel_Graphics::CViewState& GetViewState() const { return m_viewState; }
     CTrvView1D& GetView() const { return *m_view; }
     CTrvViewProcessing& GetProcessing() const { return *m_processing; }
-    CTrvOutputWnd& GetOutput() const { return *m_output; }
+    CTrvOutputWnd& GetOutput() const { return m_output->GetLines(); }
     const CRecentFiles& GetRecentFiles() const { return m_recentFiles; }
     // The action of a command; every command of the table has one.
     QAction& GetAction(int command) const;
@@ -69,6 +72,10 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void ShowAbout();
     void ShowSettings();
     void ImportConfiguration();
+    // The dialog for data files that are not in their place; says so when there are none.
+    void Relink();
+    // Puts panels and tool bars back to their first places.
+    void ResetLayout();
 
     // The style and colours of the `appearance` setting; again after a change of it.
     void ApplyAppearance();
@@ -90,6 +97,9 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void ChooseValue(const Presentation_Tarvel_Grid::CHGItem& item);
     QDockWidget* MakePanel(int command, const char* name, EText title, QWidget* content, QSize size,
                            Qt::DockWidgetArea area);
+    void MakeMiddle();
+    void UpdateStartPage();
+    void LookForRecent();
     void RestoreWindow();
     void StoreWindow();
 
@@ -103,7 +113,9 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     std::vector<std::filesystem::path> m_dropped; // recordings for the next new project
     // The widgets belong to the window.
     CTrvStatusBar* m_statusBar = nullptr;
-    CTrvOutputWnd* m_output = nullptr;
+    CTrvOutputPanel* m_output = nullptr;
+    CTrvStartPage* m_start = nullptr;
+    QStackedWidget* m_middle = nullptr; // the graphs, or without a project the start page
     CTrvView1D* m_view = nullptr;
     CTrvViewProcessing* m_processing = nullptr;
     std::unique_ptr<CTrvCommandBars> m_commands;
@@ -112,6 +124,9 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     bool m_running = false;
     bool m_hasUserGuide = false;
     std::filesystem::path m_knownPath; // of the document, when last looked at
+    QByteArray m_firstLayout;
+    std::map<std::filesystem::path, QString> m_dates; // of recent projects, as far as they are known
+    std::filesystem::path m_sample;                   // the sample mission; empty when it is not there
 };
 
 } // namespace Application_Tarvel

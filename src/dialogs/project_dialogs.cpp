@@ -148,6 +148,41 @@ void CNewProjectWizard::TakeChannels(std::vector<SSurveyedChannel> channels) {
         if (channel.kind) m_findings.offers.push_back({channel});
 }
 
+std::vector<CNewProjectWizard::SFindingRow> CNewProjectWizard::DescribeFindings() const {
+    if (m_inputFiles.empty() || !m_onFound) return {};
+    const auto& recording = m_findings.recording;
+    const auto text = [](EText id) { return std::string(GetText(id)); };
+    if (!recording.isRecording)
+        return {{text(m_findings.isBusy ? EText::surveyBusy : EText::surveyNone), {}, {}}};
+    Outils_Valeurs::CTrvAdaptors adaptors;
+    adaptors.Configure(m_configuration);
+    const auto show = [&adaptors](CDateTimeSpan date) {
+        std::string shown;
+        adaptors.GetDateTimeSpan().ValueToText(date, shown);
+        return shown;
+    };
+    std::vector<SFindingRow> rows;
+    rows.push_back({text(EText::equipment),
+                    recording.equipment.empty() ? text(EText::surveyNoInertial) : recording.equipment,
+                    {}});
+    if (recording.first && recording.last)
+        rows.push_back({text(EText::surveyPeriod),
+                        FormatText(EText::surveyPeriodValue, {show(*recording.first), show(*recording.last),
+                                                              show(*recording.last - *recording.first)}),
+                        {}});
+    std::string utc = text(EText::surveyNoUtc);
+    if (recording.utcOrigin.IsValid()) adaptors.GetDateTime().ValueToText(recording.utcOrigin, utc);
+    rows.push_back({text(EText::surveyUtc), utc, {}});
+    std::size_t offer = 0;
+    for (const SSurveyedChannel& channel : m_findings.channels)
+        rows.push_back({channel.name,
+                        FormatText(EText::surveyChannelValue, {std::to_string(channel.packets),
+                                                               show(channel.first), show(channel.last)}),
+                        channel.kind ? std::optional(offer++) : std::nullopt});
+    if (m_findings.isBusy) rows.push_back({text(EText::surveyBusy), {}, {}});
+    return rows;
+}
+
 // The configuration file of the INS may have given a channel its sensor already.
 void CNewProjectWizard::AddSensors(CTrvProject& project) const {
     auto& run = *project.simulationParameters;
@@ -239,9 +274,8 @@ std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus
     }
     if (m_onFound && !m_channelsKnown) {
         // The user did not wait, or the recording has just been converted: what its first part holds.
-        auto channels = LookInto([path = wanted.recording](const Outils::CEvent& cancel) {
-            return SurveyChannels(path, cancel);
-        });
+        auto channels = LookInto(
+            [path = wanted.recording](const Outils::CEvent& cancel) { return SurveyChannels(path, cancel); });
         if (channels) TakeChannels(std::move(*channels));
     }
     AddSensors(*made.project);

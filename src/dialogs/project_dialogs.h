@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -111,10 +112,16 @@ class CNewProjectWizard final : public CProjectDialog {
         std::vector<SSurveyedChannel> channels;
         std::vector<SOffer> offers; // one for each aiding channel, in file order
     };
-    // From now on the chosen recording is looked into in the background; `onFound` runs as often as more of it
-    // is known. Without it nobody looks, and the project starts without sensors.
+    // From now on the chosen recording is looked into in the background; `onFound` runs as often as more of
+    // it is known. Without it nobody looks, and the project starts without sensors.
     void Survey(std::function<void()> onFound);
     const SFindings& GetFindings() const { return m_findings; }
+    // The findings as a person reads them.
+    struct SFindingRow {
+        std::string title, value;
+        std::optional<std::size_t> offer; // of a channel that can be a sensor
+    };
+    std::vector<SFindingRow> DescribeFindings() const;
     // Whether the new project gets the offered sensor.
     void Take(std::size_t offer, bool isTaken) { m_findings.offers[offer].isTaken = isTaken; }
 

@@ -22,6 +22,7 @@ class CRoughMisalignmentChooser {
     // Starts from a code of the INS configuration; one out of range shows as 0.
     CRoughMisalignmentChooser(std::int32_t code, std::int32_t equipment);
 
+    std::int32_t GetEquipment() const { return m_equipment; }
     int GetLogo() const { return m_logo; }
     int GetConnector() const { return m_connector; }
     // Moves the connectors to the next axis when they would be on the axis of the logo. False for a side that

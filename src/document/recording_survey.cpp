@@ -43,8 +43,8 @@ std::vector<SSurveyedChannel> SurveyChannels(const std::filesystem::path& path,
         const SSensorKind* kind =
             FindSensorKindOfChannel(static_cast<std::uint16_t>(channel->GetPacketType()));
         // The document adds these by itself as it meets their packets.
-        const bool isChosen = kind && kind->kind != ESensorKind::eventMarker &&
-                              kind->kind != ESensorKind::platformOrientation;
+        const bool isChosen =
+            kind && kind->kind != ESensorKind::eventMarker && kind->kind != ESensorKind::platformOrientation;
         channels.push_back({channel->GetNumber(), channel->GetName(),
                             isChosen ? std::optional(kind->kind) : std::nullopt, found->packets,
                             found->dates ? found->first : CDateTimeSpan(),

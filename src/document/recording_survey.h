@@ -35,8 +35,8 @@ struct SRecordingSurvey {
 // Reads a few blocks, and the first `most` packets for UTC. Any thread.
 SRecordingSurvey SurveyRecording(const std::filesystem::path& path, int most, const Outils::CEvent& cancel);
 
-// Reads the whole file: its channels with packets, in file order. Once the event is set it returns what it has
-// met by then. Any thread.
+// Reads the whole file: its channels with packets, in file order. Once the event is set it returns what it
+// has met by then. Any thread.
 std::vector<SSurveyedChannel> SurveyChannels(const std::filesystem::path& path, const Outils::CEvent& cancel);
 
 } // namespace Application_Tarvel

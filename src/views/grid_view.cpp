@@ -44,6 +44,7 @@ class CGridDelegate final : public QStyledItemDelegate {
         QWidget* editor = item->GetKind() == ERowKind::list ? MakeList(parent, *item) : MakeText(parent);
         editor->setAccessibleName(ToQString(item->GetTitle()));
         editor->setToolTip(ToQString(item->GetHelp()));
+        m_edited = index;
         return editor;
     }
 
@@ -61,22 +62,26 @@ class CGridDelegate final : public QStyledItemDelegate {
             text->setText(ToQString(item->GetValue()));
     }
 
-    // An editor that loses the focus: a refused text is lost, after its message.
+    // What closes an editor by itself, as another edit does.
     void setModelData(QWidget* editor, QAbstractItemModel*, const QModelIndex& index) const override {
         Take(editor, index);
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override {
         auto* editor = qobject_cast<QWidget*>(watched);
+        if (editor && event->type() == QEvent::FocusOut && editor->isVisible())
+            if (auto* text = qobject_cast<QLineEdit*>(editor)) {
+                LeaveText(*text, static_cast<QFocusEvent*>(event)->reason());
+                return false; // the editor's own business goes on
+            }
         if (!editor || event->type() != QEvent::KeyPress)
             return QStyledItemDelegate::eventFilter(watched, event);
         const int key = static_cast<QKeyEvent*>(event)->key();
         const bool isTab = key == Qt::Key_Tab || key == Qt::Key_Backtab;
         if (!isTab && key != Qt::Key_Return && key != Qt::Key_Enter)
             return QStyledItemDelegate::eventFilter(watched, event);
-        if (Take(editor, m_view.currentIndex())) {
-            if (auto* text = qobject_cast<QLineEdit*>(editor)) text->setModified(false);
-            Q_EMIT closeEditor(editor, NoHint);
+        if (Take(editor, m_edited)) {
+            Close(*editor);
             m_view.setFocus();
             if (isTab) m_view.EditNext(key == Qt::Key_Tab);
         } else if (auto* text = qobject_cast<QLineEdit*>(editor)) {
@@ -87,6 +92,23 @@ class CGridDelegate final : public QStyledItemDelegate {
     }
 
   private:
+    void Close(QWidget& editor) {
+        if (auto* text = qobject_cast<QLineEdit*>(&editor)) text->setModified(false);
+        Q_EMIT closeEditor(&editor, NoHint);
+    }
+    // The focus goes elsewhere: a text that is refused calls it back after the message.
+    void LeaveText(QLineEdit& text, Qt::FocusReason reason) {
+        // Another window is in front for a while, or the context menu.
+        if (m_isTaking || reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason) return;
+        if (Take(&text, m_edited)) return Close(text);
+        QMetaObject::invokeMethod(
+            &text,
+            [&text] {
+                text.setFocus();
+                text.selectAll();
+            },
+            Qt::QueuedConnection);
+    }
     static QWidget* MakeText(QWidget* parent) {
         auto* text = new QLineEdit(parent);
         text->setFrame(false);
@@ -99,7 +121,7 @@ class CGridDelegate final : public QStyledItemDelegate {
         for (const std::string& word : item.GetChoices()) list->addItem(ToQString(word));
         connect(list, &QComboBox::activated, this, [this, list] {
             auto* self = const_cast<CGridDelegate*>(this);
-            if (Take(list, m_view.currentIndex())) Q_EMIT self->closeEditor(list, NoHint);
+            if (Take(list, m_edited)) Q_EMIT self->closeEditor(list, NoHint);
         });
         return list;
     }
@@ -120,6 +142,7 @@ class CGridDelegate final : public QStyledItemDelegate {
     CTrvGridView& m_view;
     CTrvGridModel& m_model;
     mutable bool m_isTaking = false;
+    mutable QPersistentModelIndex m_edited; // the value in the editor
 };
 
 } // namespace

@@ -35,7 +35,9 @@ struct SBlockData final : QTextBlockUserData {
     const Outils_Objets::CObject* subject = nullptr;
 };
 
-const SBlockData* GetData(const QTextBlock& block) { return static_cast<const SBlockData*>(block.userData()); }
+const SBlockData* GetData(const QTextBlock& block) {
+    return static_cast<const SBlockData*>(block.userData());
+}
 
 QTime GetBlockTime(const QTextBlock& block) {
     const int seconds = block.userState(); // -1 also for no block
@@ -43,7 +45,9 @@ QTime GetBlockTime(const QTextBlock& block) {
 }
 
 // The engine may send any number: one that means nothing is no alarm.
-int GetKnownLevel(int level) { return level == levelWarning || level == levelError ? level : levelInformation; }
+int GetKnownLevel(int level) {
+    return level == levelWarning || level == levelError ? level : levelInformation;
+}
 
 } // namespace
 
@@ -148,7 +152,8 @@ bool CTrvOutputWnd::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) return QPlainTextEdit::event(event);
     const auto* help = static_cast<QHelpEvent*>(event);
     const SBlockData* line = GetData(cursorForPosition(viewport()->mapFromGlobal(help->globalPos())).block());
-    QToolTip::showText(help->globalPos(), line && line->subject ? Text(EText::outputLinkTip) : QString(), this);
+    QToolTip::showText(help->globalPos(), line && line->subject ? Text(EText::outputLinkTip) : QString(),
+                       this);
     return true;
 }
 
@@ -187,9 +192,9 @@ void CTrvOutputWnd::paintEvent(QPaintEvent* event) {
     if (hidden == 0 || hidden < blockCount() - 1) return;
     QPainter painter(viewport());
     painter.setPen(palette().color(QPalette::PlaceholderText));
-    painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap,
-                     Outils_Plot2D::ToQString(
-                         Outils_Texte::FormatText(EText::outputNothing, {std::to_string(hidden)})));
+    painter.drawText(
+        viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap,
+        Outils_Plot2D::ToQString(Outils_Texte::FormatText(EText::outputNothing, {std::to_string(hidden)})));
 }
 
 void CTrvOutputWnd::PlaceMargin() {

@@ -13,10 +13,10 @@ class QTextBlock;
 
 namespace Application_Tarvel {
 
-// Keeps the last hundred thousand lines. The margin shows the time at which each text came and its level; both
-// are no part of the text, so that copied lines are the lines as they were written. A text about an object of
-// the project looks like a link, and a click or Enter on it goes there. The context menu offers to copy, and
-// the actions added to the panel.
+// Keeps the last hundred thousand lines. The margin shows the time at which each text came and its level;
+// both are no part of the text, so that copied lines are the lines as they were written. A text about an
+// object of the project looks like a link, and a click or Enter on it goes there. The context menu offers to
+// copy, and the actions added to the panel.
 class CTrvOutputWnd final : public QPlainTextEdit {
     Q_OBJECT
 
@@ -56,7 +56,7 @@ class CTrvOutputWnd final : public QPlainTextEdit {
     void PlaceMargin();
     void PaintMargin();
 
-    QWidget* m_margin; // Owned as a child.
+    QWidget* m_margin;            // Owned as a child.
     std::array<QIcon, 3> m_icons; // by level
     int m_leastLevel = Communication_Interfaces::levelInformation;
     QStringList m_words;

@@ -38,7 +38,14 @@ CTrvViewProcessing::CTrvViewProcessing(CTrvDocument& document,
       m_configuration(configuration),
       m_tree(document, adaptors),
       m_grid(new CTrvGridView(m_tree.GetGrid(), document.GetHost(), this)),
-      m_button(new QPushButton(this)) {
+      m_button(new QPushButton(this)),
+      m_extents(document, [this] { m_tree.GetGrid().Changed(m_tree.GetGrid().GetRoot()); }) {
+    m_tree.SetExtents(
+        [this](const Metier_Tarvel::CTrvDataFileChannel& channel) -> std::optional<CProcessingTree::SExtent> {
+            const auto* extent = m_extents.Find({channel.file, channel.id});
+            if (!extent) return std::nullopt;
+            return CProcessingTree::SExtent{extent->count, extent->first, extent->last};
+        });
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
@@ -118,12 +125,23 @@ void CTrvViewProcessing::OnUpdate(EHint hint, const Outils_Objets::CObject* obje
     case hintRunEnded: UpdateButton(false); break;
     default: break;
     }
+    if (hint == hintDataFileContentChanged) m_extents.Refresh(object);
     m_tree.OnUpdate(hint, object);
+    FollowSensors();
     Q_EMIT StateChanged();
+}
+
+void CTrvViewProcessing::FollowSensors() {
+    std::set<Presentation_Tarvel_Graphics::SChannelKey> channels;
+    if (const auto* project = m_document.GetProject())
+        for (const auto& sensor : project->simulationParameters->sensors)
+            if (sensor->channel) channels.insert({sensor->channel->file, sensor->channel->id});
+    m_extents.Follow(channels);
 }
 
 void CTrvViewProcessing::ShowProject() {
     m_tree.Rebuild();
+    FollowSensors();
     const bool hasProject = m_document.GetProject() != nullptr;
     setVisible(hasProject);
     if (hasProject) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "document/document_base.h"
+#include "graph/channel_extents.h"
 #include "grid/processing_tree.h"
 
 #include <QBasicTimer>
@@ -67,6 +68,7 @@ class CTrvViewProcessing final : public QWidget, public IDocumentView {
 
   private:
     void UpdateButton(bool running);
+    void FollowSensors();
     void ShowProject();
     void Expand(const Presentation_Tarvel_Grid::CHGItem& item);
 
@@ -76,7 +78,8 @@ class CTrvViewProcessing final : public QWidget, public IDocumentView {
     CTrvGridView* m_grid;  // Owned by the view.
     QPushButton* m_button; // Owned by the view.
     QMenu* m_menu = nullptr;
-    QBasicTimer m_poll; // sees the end of a run
+    QBasicTimer m_poll;                                         // sees the end of a run
+    Presentation_Tarvel_Graphics::CTrvChannelExtents m_extents; // of the sensors' channels
 };
 
 } // namespace Application_Tarvel
