@@ -207,7 +207,10 @@ const SCommandRow kCommands[] = {
     Toggle<commandStandardBar>(EText::showStandardBar, "Ctrl+Shift+T"),
     Toggle<commandToolsBar>(EText::showToolsBar, "Ctrl+Shift+L"),
     Toggle<commandProcessingPanel>(EText::showProcessing, "Ctrl+Shift+P", true),
+    Toggle<commandVariablesPanel>(EText::showVariables, "Ctrl+Shift+V"),
+    Toggle<commandValuesPanel>(EText::showInstantValues, "Ctrl+Shift+I"),
     Toggle<commandOutputPanel>(EText::showOutput, "Ctrl+Shift+O"),
+    Toggle<commandPlanPanel>(EText::showPlan, "Ctrl+Shift+M"),
 
     Mode<EView1DMode::select>(commandModeSelect, EText::modeSelect, EText::modeSelectTip, "Ctrl+1", select, true),
     Mode<EView1DMode::pan>(commandModePan, EText::modePan, EText::modePanTip, "Ctrl+2", pan, false),

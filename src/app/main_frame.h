@@ -9,8 +9,11 @@
 #include "document/document.h"
 #include "foundation/text_id.h"
 #include "views/output_wnd.h"
+#include "views/plan_view.h"
 #include "views/view_1d.h"
+#include "views/view_metadata.h"
 #include "views/view_processing.h"
+#include "views/view_value.h"
 
 #include <QMainWindow>
 
@@ -43,6 +46,9 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     Presentation_Tarvel_Graphics::CViewState& GetViewState() const { return m_viewState; }
     CTrvView1D& GetView() const { return *m_view; }
     CTrvViewProcessing& GetProcessing() const { return *m_processing; }
+    CTrvViewMetadata& GetVariables() const { return *m_variables; }
+    CTrvViewValue& GetValues() const { return *m_values; }
+    CTrvPlanView& GetPlan() const { return *m_plan; }
     CTrvOutputWnd& GetOutput() const { return *m_output; }
     const CRecentFiles& GetRecentFiles() const { return m_recentFiles; }
     // The action of a command; every command of the table has one.
@@ -90,6 +96,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void ChooseValue(const Presentation_Tarvel_Grid::CHGItem& item);
     QDockWidget* MakePanel(int command, const char* name, EText title, QWidget* content, QSize size,
                            Qt::DockWidgetArea area);
+    void MakeDataPanels();
     void RestoreWindow();
     void StoreWindow();
 
@@ -106,6 +113,9 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     CTrvOutputWnd* m_output = nullptr;
     CTrvView1D* m_view = nullptr;
     CTrvViewProcessing* m_processing = nullptr;
+    CTrvViewMetadata* m_variables = nullptr;
+    CTrvViewValue* m_values = nullptr;
+    CTrvPlanView* m_plan = nullptr;
     std::unique_ptr<CTrvCommandBars> m_commands;
     std::map<int, QWidget*> m_bars; // what a toggle command shows and hides
     std::int32_t m_equipment = 0;
