@@ -77,7 +77,7 @@ EOutcome CTrvFrameHost::ConvertRawFiles(const std::vector<std::filesystem::path>
     return Refuse(FormatText(EText::convertFilesName, {ToText(files.front())}));
 }
 
-void CTrvFrameHost::AppendOutputText(const std::string& line) {
+void CTrvFrameHost::AppendOutputText(const SOutputLine& line) {
     if (m_output) m_output->AppendLine(line);
 }
 
@@ -105,7 +105,7 @@ void CTrvFrameHost::OnMessageQueued() {
     int level = 0, code = 0;
     std::string text;
     if (m_receiver.TakeMessage(level, code, text))
-        AppendOutputText(Communication_Processus::FormatMessageLine(level, text));
+        AppendOutputText({Communication_Processus::FormatMessageLine(level, text), level});
 }
 
 } // namespace Application_Tarvel

@@ -52,7 +52,7 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
     EOutcome UpdateDataFile(const std::filesystem::path& path) override;
     EOutcome ConvertRawFiles(const std::vector<std::filesystem::path>& files, ERawFormat format,
                              std::filesystem::path& converted) override;
-    void AppendOutputText(const std::string& line) override;
+    void AppendOutputText(const SOutputLine& line) override;
     void SetProgress(int percent) override;
     void ShowProgress(bool visible) override;
     void ShowWaitCursor(bool on) override;

@@ -60,8 +60,8 @@ EOutcome CBatchHost::ConvertRawFiles(const std::vector<std::filesystem::path>& f
     return Refuse(FormatText(EText::convertFilesName, {ToText(files.front())}));
 }
 
-void CBatchHost::AppendOutputText(const std::string& line) {
-    m_report.ReportLine(Communication_Interfaces::levelInformation, ToLine(line));
+void CBatchHost::AppendOutputText(const SOutputLine& line) {
+    m_report.ReportLine(Communication_Interfaces::levelInformation, ToLine(line.text));
 }
 
 void CBatchHost::SetProgress(int percent) {

@@ -1,6 +1,7 @@
 #include "dialogs/project_dialogs.h"
 
 #include "config/config_file.h"
+#include "document/automatic_sensors.h"
 #include "document/project_creation.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
@@ -98,6 +99,66 @@ void CNewProjectWizard::ChooseInputFiles(const std::vector<std::filesystem::path
     if (m_inputFiles.empty()) return;
     projectName = ToText(m_inputFiles[0].stem());
     projectFolder = m_inputFiles[0].parent_path();
+    StartSurvey();
+}
+
+CNewProjectWizard::~CNewProjectWizard() {
+    m_looks.Forget(&m_findings);
+    m_looks.Forget(&m_channelsKnown);
+}
+
+void CNewProjectWizard::Survey(std::function<void()> onFound) {
+    m_onFound = std::move(onFound);
+    StartSurvey();
+}
+
+void CNewProjectWizard::StartSurvey() {
+    m_looks.Forget(&m_findings);
+    m_looks.Forget(&m_channelsKnown);
+    m_findings = {};
+    m_channelsKnown = false;
+    if (!m_onFound || m_inputFiles.empty()) return;
+    m_findings.isBusy = true;
+    const auto path = m_inputFiles[0];
+    const int most = m_configuration.Get(Cnf<"general/utcSearch/maxPacketCount">);
+    m_looks.Ask(
+        &m_findings,
+        [path, most](const Outils::CEvent& cancel) { return SurveyRecording(path, most, cancel); },
+        [this, path](SRecordingSurvey found) {
+            m_findings.recording = std::move(found);
+            m_findings.isBusy = m_findings.recording.isRecording;
+            if (m_findings.isBusy)
+                m_looks.Ask(
+                    &m_channelsKnown,
+                    [path](const Outils::CEvent& cancel) { return SurveyChannels(path, cancel); },
+                    [this](std::vector<SSurveyedChannel> channels) {
+                        TakeChannels(std::move(channels));
+                        m_onFound();
+                    });
+            m_onFound();
+        });
+    m_onFound();
+}
+
+void CNewProjectWizard::TakeChannels(std::vector<SSurveyedChannel> channels) {
+    m_channelsKnown = true;
+    m_findings.isBusy = false;
+    m_findings.channels = std::move(channels);
+    for (const SSurveyedChannel& channel : m_findings.channels)
+        if (channel.kind) m_findings.offers.push_back({channel});
+}
+
+// The configuration file of the INS may have given a channel its sensor already.
+void CNewProjectWizard::AddSensors(CTrvProject& project) const {
+    auto& run = *project.simulationParameters;
+    for (const SOffer& offer : m_findings.offers) {
+        auto* channel = run.mainInputFile->FindChannel(offer.channel.id);
+        const auto uses = [channel](const auto& sensor) { return sensor->channel == channel; };
+        if (!offer.isTaken || !channel || std::ranges::any_of(run.sensors, uses) ||
+            !run.CanAddSensor(*offer.channel.kind))
+            continue;
+        if (auto* sensor = run.AddSensor(*offer.channel.kind)) ConnectSensor(*sensor, *channel);
+    }
 }
 
 std::string CNewProjectWizard::GetInputLine() const {
@@ -151,6 +212,7 @@ bool CNewProjectWizard::Convert(ERawFormat format) {
     std::filesystem::path converted;
     if (m_host.ConvertRawFiles(m_inputFiles, format, converted) != EOutcome::done) return false;
     m_inputFiles = {ToAbsolute(converted)};
+    StartSurvey();
     // A converter reports its failure only in its output.
     return CheckExists(m_inputFiles[0]);
 }
@@ -173,7 +235,16 @@ std::unique_ptr<CTrvProject> CNewProjectWizard::MakeProject(EProjectField& focus
         focus = made.failure == EText::insConfigurationFailed ? EProjectField::configurationFile
                                                               : EProjectField::files;
         Refuse(FormatText(made.failure, {ToText(wanted.recording)}));
+        return nullptr;
     }
+    if (m_onFound && !m_channelsKnown) {
+        // The user did not wait, or the recording has just been converted: what its first part holds.
+        auto channels = LookInto([path = wanted.recording](const Outils::CEvent& cancel) {
+            return SurveyChannels(path, cancel);
+        });
+        if (channels) TakeChannels(std::move(*channels));
+    }
+    AddSensors(*made.project);
     return std::move(made.project);
 }
 

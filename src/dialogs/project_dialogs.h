@@ -5,9 +5,11 @@
 #include "dialogs/batch_creation.h"
 #include "document/document_host.h"
 #include "document/file_looks.h"
+#include "document/recording_survey.h"
 #include "foundation/texts.h"
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -68,6 +70,7 @@ class CProjectDialog {
 
     IDocumentHost& m_host;
     const Outils_Configuration::CTrvCnfConfigFile& m_configuration;
+    CFileLooks& m_looks;
 
   private:
     bool CheckPlace(EProjectField& focus);
@@ -77,13 +80,13 @@ class CProjectDialog {
     // `none`, and reported, when the disk does not answer in time or refuses to.
     std::filesystem::file_type FindType(const std::filesystem::path& path);
 
-    CFileLooks& m_looks;
     std::unique_ptr<CTrvProject> m_project;
 };
 
 class CNewProjectWizard final : public CProjectDialog {
   public:
     using CProjectDialog::CProjectDialog;
+    ~CNewProjectWizard() override;
 
     // Texts of the two file dialogs.
     static constexpr EText kInputFilter = EText::recordingFilter;
@@ -97,7 +100,29 @@ class CNewProjectWizard final : public CProjectDialog {
     // The files on one line; those with a blank in quotes.
     std::string GetInputLine() const;
 
+    // A sensor for a channel of the recording.
+    struct SOffer {
+        SSurveyedChannel channel;
+        bool isTaken = true;
+    };
+    struct SFindings {
+        bool isBusy = false; // more may come
+        SRecordingSurvey recording;
+        std::vector<SSurveyedChannel> channels;
+        std::vector<SOffer> offers; // one for each aiding channel, in file order
+    };
+    // From now on the chosen recording is looked into in the background; `onFound` runs as often as more of it
+    // is known. Without it nobody looks, and the project starts without sensors.
+    void Survey(std::function<void()> onFound);
+    const SFindings& GetFindings() const { return m_findings; }
+    // Whether the new project gets the offered sensor.
+    void Take(std::size_t offer, bool isTaken) { m_findings.offers[offer].isTaken = isTaken; }
+
   private:
+    void StartSurvey();
+    void TakeChannels(std::vector<SSurveyedChannel> channels);
+    void AddSensors(CTrvProject& project) const;
+
     bool CheckFiles(EProjectField& focus) override;
     // Leaves one packet file of the current layout in the list.
     bool PrepareFiles() override;
@@ -105,6 +130,9 @@ class CNewProjectWizard final : public CProjectDialog {
     std::unique_ptr<CTrvProject> MakeProject(EProjectField& focus) override;
 
     std::vector<std::filesystem::path> m_inputFiles;
+    std::function<void()> m_onFound; // empty while nobody looks
+    SFindings m_findings;
+    bool m_channelsKnown = false;
 };
 
 class CNewFromBatchParametersDlg final : public CProjectDialog {

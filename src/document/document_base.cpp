@@ -138,7 +138,8 @@ bool CDocumentEx::ReportFailedSave(const std::filesystem::path& path) {
     std::string message = FormatText(EText::failedToSave, {ToText(path)});
     if (const EText reason = FindFaultOf(path.parent_path()); reason != EText::none)
         message += "\n\n" + FormatText(reason, {ToText(path.parent_path())});
-    m_host.AppendOutputText(FormatText(EText::projectNotSaved, {ToText(path)}));
+    m_host.AppendOutputText(
+        {FormatText(EText::projectNotSaved, {ToText(path)}), Communication_Interfaces::levelError});
     m_host.ShowMessage(message, EButtons::ok, EIcon::exclamation);
     return false;
 }

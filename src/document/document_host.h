@@ -6,12 +6,14 @@
 #include "foundation/date_time.h"
 #include "foundation/text_id.h"
 #include "model/project.h"
+#include "processing/notification.h"
 
 #include <chrono>
 #include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace Communication_Interfaces {
@@ -74,12 +76,25 @@ class IProjectDialogs {
                                      std::filesystem::path& converted) = 0;
 };
 
+// A line of the output panel.
+struct SOutputLine {
+    SOutputLine(std::string written) : text(std::move(written)) {}
+    SOutputLine(std::string written, int weight, const Outils_Objets::CObject* about = nullptr)
+        : text(std::move(written)), level(weight), subject(about) {}
+
+    std::string text;
+    int level = Communication_Interfaces::levelInformation; // an EMessageLevel, or any number of the engine
+    // The object of the project whose values the line is about; null for none. An identity only: the object
+    // may be gone when the user follows the line.
+    const Outils_Objets::CObject* subject = nullptr;
+};
+
 class IOutput {
   public:
     virtual ~IOutput() = default;
 
     // Adds one line at the end of the output panel.
-    virtual void AppendOutputText(const std::string& line) = 0;
+    virtual void AppendOutputText(const SOutputLine& line) = 0;
     // Sets the progress bar of a run, 0 to 100.
     virtual void SetProgress(int percent) = 0;
     virtual void ShowProgress(bool visible) = 0;

@@ -262,7 +262,7 @@ void CEngineRun::Report(Communication_Interfaces::EMessageLevel level, EText tex
     if (auto* receiver = m_host.GetReceiver())
         receiver->OnMessage(level, 0, formatted);
     else
-        m_host.AppendOutputText(Communication_Processus::FormatMessageLine(level, formatted));
+        m_host.AppendOutputText({Communication_Processus::FormatMessageLine(level, formatted), level});
 }
 
 void CEngineRun::ExamineResult(const std::filesystem::path& result) {
@@ -272,7 +272,9 @@ void CEngineRun::ExamineResult(const std::filesystem::path& result) {
             const EText text = left == CResultGuard::ELeft::partial  ? EText::resultWasPartial
                                : left == CResultGuard::ELeft::former ? EText::resultRestored
                                                                      : EText::none;
-            if (text != EText::none) m_host.AppendOutputText(FormatText(text, {ToText(result)}));
+            if (text != EText::none)
+                m_host.AppendOutputText(
+                    {FormatText(text, {ToText(result)}), Communication_Interfaces::levelWarning});
         });
 }
 

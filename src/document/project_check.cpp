@@ -15,9 +15,10 @@ bool ValidateProject(IDocumentHost& host, const Metier_Tarvel::CTrvSimulationPar
                      EText line, EText message) {
     Metier_Tarvel_Regles::CTrvRuleReport report;
     if (parameters.Validate(report)) return true;
-    host.AppendOutputText(std::string(GetText(line)));
+    using Communication_Interfaces::levelError;
+    host.AppendOutputText({std::string(GetText(line)), levelError});
     for (const auto& violation : report.GetViolations())
-        host.AppendOutputText(std::string(violation.rule->GetMessage()));
+        host.AppendOutputText({std::string(violation.rule->GetMessage()), levelError, violation.object});
     host.ShowMessage(std::string(GetText(message)), EButtons::ok, EIcon::information);
     return false;
 }

@@ -259,6 +259,27 @@ void CProjectFiles::Update(CTrvDataFile& file) {
     if (!m_starting) StartAnalysis(file);
 }
 
+void CProjectFiles::Move(CTrvDataFile& file, const std::filesystem::path& path) {
+    StopAnalysis(file);
+    Unwatch(file);
+    file.path = path;
+    m_services.cache.InvalidateFile(path);
+    m_files[&file] = {};
+    m_files[&file].stage = EStage::changed;
+    WatchAgain(file);
+    LookAtFile(file);
+    StartAnalysis(file);
+}
+
+std::vector<CTrvDataFile*> CProjectFiles::GetMissing() const {
+    std::vector<CTrvDataFile*> missing;
+    for (CTrvDataFile* file : GetFiles())
+        if (const auto state = m_files.find(file);
+            !IsResult(*file) && state != m_files.end() && state->second.fault == EText::fileVanished)
+            missing.push_back(file);
+    return missing;
+}
+
 void CProjectFiles::CheckLateVersions() {
     const auto isAwaited = [this](const CTrvDataFile* file) {
         return m_unchecked.contains(file) && m_services.looks.IsAsked(file);
@@ -285,7 +306,8 @@ void CProjectFiles::OnDamageFound(const CTrvDataFile& file, std::int64_t positio
     if (!Find(&file) || IsBeingWritten(file) || std::exchange(m_files[&file].damage, position) == position)
         return;
     m_services.host.AppendOutputText(
-        FormatText(EText::fileDamaged, {ToText(file.path), std::to_string(position)}));
+        {FormatText(EText::fileDamaged, {ToText(file.path), std::to_string(position)}),
+         Communication_Interfaces::levelWarning, &file});
 }
 
 void CProjectFiles::OnFileChanged(EFileChange change, const void* key) {
@@ -317,7 +339,8 @@ void CProjectFiles::OnFileChanged(EFileChange change, const void* key) {
 }
 
 void CProjectFiles::Report(EText text, const CTrvDataFile& file) {
-    m_services.host.AppendOutputText(FormatText(text, {ToText(file.path)}));
+    m_services.host.AppendOutputText(
+        {FormatText(text, {ToText(file.path)}), Communication_Interfaces::levelWarning, &file});
 }
 
 } // namespace Application_Tarvel

@@ -68,6 +68,11 @@ class CProjectFiles {
     // The engine has ended: what it wrote is a new file in all respects.
     void FollowResult();
 
+    // Follows the file under another path, as a new file in all respects.
+    void Move(CTrvDataFile& file, const std::filesystem::path& path);
+    // The files that are not in their place, without the result, in the order of the project.
+    std::vector<CTrvDataFile*> GetMissing() const;
+
     // What the analysis of an input file finds of its UTC origin and position within the time that the
     // settings allow.
     SFirstData WaitForFirstData(const CTrvDataFile& file);

@@ -41,8 +41,14 @@ class CTrv1DGraphStack {
     // The selected portlet, or null without portlets.
     CTrv1DGraphPortlet* GetSelected() const;
     int GetSelectedIndex() const;
-    void Select(int index); // clamped
+    void Select(int index); // clamped; while a graph is shown alone, the selected one is
     void Select(const CTrv1DGraphPortlet* portlet);
+
+    // Shows the selected graph alone, or all again. Layout must follow.
+    void ShowAlone(bool alone);
+    bool IsAlone() const { return m_alone; }
+    // Those that are not left out, in order.
+    std::vector<CTrv1DGraphPortlet*> GetShown() const;
 
     // The displayed time, in simulation time; there is none until it is set.
     bool HasPeriod() const { return !m_period.IsEmpty(); }
@@ -72,6 +78,7 @@ class CTrv1DGraphStack {
   private:
     std::unique_ptr<CTrv1DGraphPortlet> TakePortlet(const SGraphDescription& graph,
                                                     Outils_Plot2D::CPlot2DSettings& settings);
+    void Collapse();
     void PlacePortlets(SSize size, ELayout layout);
     void SetPeriod(const SPeriod& period);
     void LevelMargins();
@@ -80,6 +87,7 @@ class CTrv1DGraphStack {
     SSimulationTimeText m_timeText; // before the portlets, which refer to it
     Portlets m_portlets;
     int m_selected = 0;
+    bool m_alone = false;
     SPeriod m_period;
     SPeriod m_fullExtent;
     bool m_legendsVisible = true;

@@ -190,7 +190,10 @@ void CProcessingTree::Fill(CHGItem& item, CObject& object, CObject& target) {
     const SPropertyClass* described = FindPropertyClass(object);
     if (!described) return;
     for (const SProperty* property : described->rows) {
-        if (property->isExpert && !m_document.IsExpertMode()) continue;
+        if (property->isExpert && !m_document.IsExpertMode()) {
+            Hide(item, object, *property);
+            continue;
+        }
         if (!property->child) {
             CObject& owner = CTrvDocumentEdits::CanChange(object, object, *property) ? object : target;
             item.Add(std::make_unique<CPropertyItem>(m_session->project, *property, owner, object));
@@ -201,6 +204,18 @@ void CProcessingTree::Fill(CHGItem& item, CObject& object, CObject& target) {
                 property->label == EText::none ? FindPropertyClass(*child)->title : property->label;
             item.Add(MakeObject(*child, title, &target, property->isInline));
         }
+    }
+}
+
+// A rule can be broken by what only experts see: the row of the owner then says so.
+void CProcessingTree::Hide(CHGItem& item, CObject& owner, const SProperty& property) {
+    auto* row = dynamic_cast<CObjectItem*>(&item);
+    if (!row || !property.child) return;
+    for (std::size_t i = 0; CObject* child = property.child(owner, i); ++i) {
+        row->AddHidden(*child);
+        m_objects.insert_or_assign(child, row);
+        if (const SPropertyClass* described = FindPropertyClass(*child))
+            for (const SProperty* below : described->rows) Hide(item, *child, *below);
     }
 }
 
@@ -235,6 +250,8 @@ void CProcessingTree::OnRemoved(const CObject* object) {
 // By the rows alone: the objects may have gone.
 void CProcessingTree::Forget(const CHGItem& item) {
     m_objects.erase(item.GetObject());
+    if (const auto* row = dynamic_cast<const CObjectItem*>(&item))
+        for (const CObject* hidden : row->GetHidden()) m_objects.erase(hidden);
     for (std::size_t i = 0; const CHGItem* child = item.GetChild(i); ++i) {
         if (child->GetChildCount() == 0 && child->GetKind() != ERowKind::section) continue;
         m_lists.erase(child);
@@ -253,10 +270,29 @@ std::string CProcessingTree::GetSensorNote(const CTrvSensor& sensor) const {
                             : nullptr;
     const bool isKnown = m_document.GetFiles() && !m_document.GetFiles()->IsAnalysing();
     if (layer && !layer->m_hasData && isKnown) note.append(", ").append(GetText(EText::noteNoPackets));
+    if (const auto extent = m_findExtent ? m_findExtent(*sensor.channel) : std::nullopt)
+        note.append(", ").append(DescribeExtent(sensor, *extent));
     const CLeverArm* arm = const_cast<CTrvSensor&>(sensor).GetLeverArm();
     if (arm && arm->xv1 == 0.0 && arm->xv2 == 0.0 && arm->xv3 == 0.0)
         note.append(", ").append(GetText(EText::noteNoArm));
     return note;
+}
+
+std::string CProcessingTree::DescribeExtent(const CTrvSensor& sensor, const SExtent& extent) const {
+    const auto& run = *m_document.GetProject()->simulationParameters;
+    // On the clock of the recording, as the period is.
+    const auto offset = ToSpan(sensor.channel->file->timeOffset);
+    const auto first = extent.first + offset, last = extent.last + offset;
+    std::string text = FormatText(EText::notePackets, {std::to_string(extent.packets)});
+    const auto show = [&](Outils_Temps::CDateTimeSpan date) {
+        std::string shown;
+        m_time.ValueToText(ToStoredTime(date), run, shown);
+        return shown;
+    };
+    text.append(", ").append(FormatText(EText::noteDates, {show(first), show(last)}));
+    if (last < ToSpan(run.begin) || first > ToSpan(run.end))
+        text.append(", ").append(GetText(EText::noteOutsidePeriod));
+    return text;
 }
 
 CHGItem* CProcessingTree::FindNextFault(const CHGItem* after) const {

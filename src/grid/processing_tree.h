@@ -7,6 +7,7 @@
 #include "grid/property_item.h"
 #include "model/simulation_time_adaptor.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -36,6 +37,16 @@ class CProcessingTree {
     void OnUpdate(Application_Tarvel::EHint hint, const CObject* object);
     // Takes units and notations of the settings again.
     void Reformat();
+
+    // What is known of a channel with packets.
+    struct SExtent {
+        std::uint64_t packets;
+        Outils_Temps::CDateTimeSpan first, last; // on the clock of the file
+    };
+    // Where the notes of the sensors find it; nothing as long as it is not known. Empty, as at the first, for
+    // nowhere.
+    using CFindExtent = std::function<std::optional<SExtent>(const Metier_Tarvel::CTrvDataFileChannel&)>;
+    void SetExtents(CFindExtent find) { m_findExtent = std::move(find); }
 
     // The faults of the project. O(1).
     std::size_t GetFaultCount() const { return m_report.GetViolations().size(); }
@@ -67,11 +78,13 @@ class CProcessingTree {
                                         bool hasLine);
     void Fill(CHGItem& item, CObject& object, CObject& target);
     std::unique_ptr<CListItem> MakeList(Outils_Texte::EText title, const SProperty& property, CObject& owner);
+    void Hide(CHGItem& item, CObject& owner, const SProperty& property);
     void Forget(const CHGItem& item);
     void OnAdded(const CObject* object);
     void OnRemoved(const CObject* object);
     void Validate();
     std::string GetSensorNote(const Metier_Tarvel::CTrvSensor& sensor) const;
+    std::string DescribeExtent(const Metier_Tarvel::CTrvSensor& sensor, const SExtent& extent) const;
 
     Application_Tarvel::CTrvDocument& m_document;
     const Outils_Valeurs::CTrvAdaptors& m_adaptors;
@@ -84,6 +97,7 @@ class CProcessingTree {
     std::unordered_set<const CHGItem*> m_collections;
     CHGItem* m_parametersItem = nullptr;
     const CHGItem* m_added = nullptr;
+    CFindExtent m_findExtent;
 };
 
 } // namespace Presentation_Tarvel_Grid

@@ -141,9 +141,17 @@ std::string CObjectItem::GetValue() const {
     return m_hasLine ? ShowLine(m_project.context, m_object) : std::string();
 }
 std::string CObjectItem::GetFault() const {
-    if (!m_project.report.HasViolation(&m_object)) return {};
-    for (const auto& violation : m_project.report.GetViolations())
-        if (violation.object == &m_object) return std::string(violation.rule->GetMessage());
+    if (m_project.report.IsEmpty()) return {};
+    const auto find = [this](const CObject* object) -> std::string {
+        if (!m_project.report.HasViolation(object)) return {};
+        const auto violation = std::ranges::find(m_project.report.GetViolations(), object,
+                                                 [](const auto& broken) { return broken.object; });
+        return std::string(violation->rule->GetMessage());
+    };
+    if (std::string fault = find(&m_object); !fault.empty()) return fault;
+    for (const CObject* hidden : m_hidden)
+        if (std::string fault = find(hidden); !fault.empty())
+            return fault.append("\n").append(GetText(EText::gridExpertFault));
     return {};
 }
 

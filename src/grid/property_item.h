@@ -61,6 +61,10 @@ class CObjectItem final : public CHGItem {
     std::string GetFault() const override;
     const CObject* GetObject() const override { return &m_object; }
     CObject& GetOwned() const { return m_object; }
+    // An object that belongs to this one and has no row: what is wrong with it, this row says.
+    void AddHidden(const CObject& object) { m_hidden.push_back(&object); }
+    // Identities only: the objects may be gone.
+    const std::vector<const CObject*>& GetHidden() const { return m_hidden; }
 
   private:
     const SProjectGrid& m_project;
@@ -68,6 +72,7 @@ class CObjectItem final : public CHGItem {
     const Outils_Texte::EText m_title;
     const std::function<std::string()> m_note;
     const bool m_hasLine;
+    std::vector<const CObject*> m_hidden;
 };
 
 // A title over the objects of a list.

@@ -279,6 +279,30 @@ void CGraphics::DrawRectangle(const QPen& pen, const SRect& rect) {
     m_painter->drawRect(ToNative(ClampInto(rect, Sight(kShapeMargin))));
 }
 
+void CGraphics::DrawMarker(EMarker marker, SPoint centre, Colour fill, Colour edge) {
+    if (!Begin(IsFinite(centre) && marker != EMarker::none) || !Sight(kLineMargin).Contains(centre)) return;
+    constexpr double kReach = 3.5;
+    const auto at = [&](double x, double y) {
+        return QPointF(static_cast<double>(centre.x) + x * kReach, static_cast<double>(centre.y) + y * kReach);
+    };
+    m_painter->setPen(ToNative(edge));
+    m_painter->setBrush(ToNative(fill));
+    switch (marker) {
+    case EMarker::square: m_painter->drawRect(QRectF(at(-0.9, -0.9), at(0.9, 0.9))); break;
+    case EMarker::disc: m_painter->drawEllipse(at(0, 0), kReach, kReach); break;
+    case EMarker::triangle: m_painter->drawPolygon(QPolygonF{at(0, -1.2), at(1.1, 0.9), at(-1.1, 0.9)}); break;
+    case EMarker::diamond:
+        m_painter->drawPolygon(QPolygonF{at(0, -1.3), at(1.3, 0), at(0, 1.3), at(-1.3, 0)});
+        break;
+    case EMarker::cross:
+        m_painter->drawLine(at(-1, -1), at(1, 1));
+        m_painter->drawLine(at(-1, 1), at(1, -1));
+        break;
+    case EMarker::none: break;
+    }
+    m_painter->setBrush(Qt::NoBrush);
+}
+
 void CGraphics::DrawString(std::string_view text, const QFont& font, SPoint anchor,
                            const SStringFormat& format, Colour colour) {
     if (!Begin(IsFinite(anchor) && kEverything.Contains(anchor))) return;

@@ -32,6 +32,7 @@ class CPlot2DSerieCurve : public CPlot2DSerie {
     };
 
     void Project(const CPlot2DDataSource& source);
+    void DrawMarkers(CGraphics& graphics);
     void AddBucket(SPoint minimum, SPoint maximum, float halfWidth);
     void CloseBand();
 

@@ -75,6 +75,18 @@ void CTrvViewProcessing::SelectNextFault() {
     }
 }
 
+void CTrvViewProcessing::ShowObject(const Outils_Objets::CObject* object) {
+    const CHGItem* item = m_tree.Find(object);
+    if (!item && m_tree.GetParametersItem() && m_tree.GetParametersItem()->GetObject() == object)
+        item = m_tree.GetParametersItem();
+    if (!item) return;
+    if (const CHGItem* fault = m_tree.FindNextFault(item->GetParent() ? item : nullptr);
+        fault && item->HasFaultBelow())
+        item = fault;
+    m_grid->Select(*item);
+    m_grid->setFocus();
+}
+
 void CTrvViewProcessing::Add(const std::function<void()>& add) {
     m_tree.TakeAdded(); // of the analysis, which moves nobody's selection
     add();

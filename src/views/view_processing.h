@@ -42,6 +42,9 @@ class CTrvViewProcessing final : public QWidget, public IDocumentView {
     void Add(const std::function<void()>& add);
     // Goes to the next value at fault, round the whole tree; does nothing without one.
     void SelectNextFault();
+    // Goes to the row of the object, or to the value in it that is at fault; does nothing for an object that
+    // the tree does not show, as after it was removed.
+    void ShowObject(const Outils_Objets::CObject* object);
     // Takes units and notations of the settings again.
     void Reformat();
     // Must outlive the view; null for none.

@@ -80,7 +80,7 @@ class CScriptedHost : public IDocumentHost, private Communication_Processus::INo
         return m_converted ? EOutcome::done : EOutcome::cancelled;
     }
 
-    void AppendOutputText(const std::string& line) override { m_output.push_back(line); }
+    void AppendOutputText(const SOutputLine& line) override { m_output.push_back(line.text); }
     void SetProgress(int percent) override { m_progress.push_back(percent); }
     void ShowProgress(bool visible) override { m_progressShows = visible; }
     void ShowWaitCursor(bool on) override { m_waitCursors += on ? 1 : -1; }

@@ -1,6 +1,7 @@
 #include "document/actions/data_file_kind.h"
 #include "document/actions/procedures.h"
 #include "document/document.h"
+#include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "values/adaptors.h"
 
@@ -90,10 +91,12 @@ std::optional<std::filesystem::path> Prepare(const CEdit& edit, const std::files
 
 } // namespace
 
-bool Procedures::AddDataFile(const CEdit& edit) {
+bool Procedures::AddDataFile(const CEdit& edit, std::filesystem::path given) {
     CTrvDocument& document = edit.GetDocument();
-    const auto chosen = document.GetHost().AskPath(
-        {EPathKind::open, EText::dataFileTitle, EText::dataFileFilter, kRecordingExtension});
+    std::vector<std::filesystem::path> chosen{std::move(given)};
+    if (chosen.front().empty())
+        chosen = document.GetHost().AskPath(
+            {EPathKind::open, EText::dataFileTitle, EText::dataFileFilter, kRecordingExtension});
     if (chosen.empty()) return false;
     const auto path = Prepare(edit, chosen.front());
     if (!path) return false;
@@ -109,6 +112,16 @@ bool Procedures::AddDataFile(const CEdit& edit) {
         if (const auto offset = data.utcOrigin - parameters.utcReference; offset.IsValid())
             file->timeOffset = Metier_Tarvel::ToStoredTime(offset);
     return edit.Changed(file);
+}
+
+bool Procedures::MoveDataFiles(const CEdit& edit, CMoves moves) {
+    const auto& parameters = *edit.GetProject().simulationParameters;
+    for (const auto& [file, path] : moves) {
+        if (!Outils_Fichiers::CanBeStored(path)) return edit.Refuse(EText::nameNotStorable);
+        if (!Outils_Fichiers::SamePath(file->path, path) && parameters.HasDataFile(path)) return edit.Refuse();
+    }
+    for (const auto& [file, path] : moves) edit.GetDocument().GetFiles()->Move(*file, path);
+    return !moves.empty() && edit.Changed(nullptr);
 }
 
 bool Procedures::RemoveDataFile(const CEdit& edit, CTrvDataFile& file) {

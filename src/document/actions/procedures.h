@@ -22,7 +22,12 @@ using namespace Metier_Tarvel_InstantValues;
 
 // Asks for a file, has it updated or converted where it must be, and takes it into the project as an external
 // file.
-bool AddDataFile(const CEdit& edit);
+bool AddDataFile(const CEdit& edit, std::filesystem::path given);
+
+// Files of the project, and where each is now.
+using CMoves = std::vector<std::pair<CTrvDataFile*, std::filesystem::path>>;
+bool MoveDataFiles(const CEdit& edit, CMoves moves);
+
 // Refuses a file that is still in use.
 bool RemoveDataFile(const CEdit& edit, CTrvDataFile& file);
 

@@ -11,6 +11,7 @@ using namespace Edits;
 
 constexpr const SEditRow* kRows[] = {
     &kAddDataFile,
+    &kMoveDataFiles,
     &kRemoveDataFile,
     &kChangeDataFileTimeOffset,
     &kAddSensorGps,

@@ -27,8 +27,11 @@ inline void SetFileOffset(CTrvDataFile& file, CDateTimeSpan offset) {
 
 // --- Data files
 
-inline constexpr TEditRow<> kAddDataFile{{"CTrvActAddDataFile", hintDataFileAdded, EText::dataFileFailed},
-                                         AddDataFile};
+// With the file, or an empty path to ask for it.
+inline constexpr TEditRow<std::filesystem::path> kAddDataFile{
+    {"CTrvActAddDataFile", hintDataFileAdded, EText::dataFileFailed}, AddDataFile};
+inline constexpr TEditRow<CMoves> kMoveDataFiles{
+    {"CTrvActMoveDataFiles", hintDataLayersRebuilt, EText::dataFileReferenced}, MoveDataFiles};
 inline constexpr TEditRow<CTrvDataFile&> kRemoveDataFile{
     {"CTrvActRemoveDataFile", hintDataFileRemoved, EText::dataFileInUse}, Procedures::RemoveDataFile};
 inline constexpr auto kChangeDataFileTimeOffset =
