@@ -211,7 +211,10 @@ const SCommandRow kCommands[] = {
     Toggle<commandStandardBar>(EText::showStandardBar, "Ctrl+Shift+T"),
     Toggle<commandToolsBar>(EText::showToolsBar, "Ctrl+Shift+L"),
     Toggle<commandProcessingPanel>(EText::showProcessing, "Ctrl+Shift+P", true),
+    Toggle<commandVariablesPanel>(EText::showVariables, "Ctrl+Shift+V"),
+    Toggle<commandValuesPanel>(EText::showInstantValues, "Ctrl+Shift+I"),
     Toggle<commandOutputPanel>(EText::showOutput, "Ctrl+Shift+O"),
+    Toggle<commandPlanPanel>(EText::showPlan, "Ctrl+Shift+M"),
     {.id = commandResetLayout, .menu = EMenu::display, .text = EText::resetLayout, .tip = EText::resetLayoutTip,
      .run = [](Frame& f) { f.ResetLayout(); }},
 

@@ -13,6 +13,7 @@
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
+#include "views/drop_targets.h"
 
 #include <QCloseEvent>
 #include <QDockWidget>
@@ -41,7 +42,7 @@ using Outils_Texte::EText;
 
 namespace {
 
-constexpr int kStateVersion = 1; // of the window's layout: counts up when bars or panels are renamed
+constexpr int kStateVersion = 2; // of the window's layout: counts up when bars or panels are renamed
 constexpr const char* kGeometryKey = "mainFrame/geometry";
 constexpr const char* kStateKey = "mainFrame/state";
 constexpr QSize kFirstSize(1280, 800);
@@ -49,6 +50,11 @@ constexpr QSize kFirstSize(1280, 800);
 constexpr auto kSamplePath = "../../sample/mission.tarprj";
 constexpr QSize kProcessingSize(320, 500);
 constexpr QSize kOutputSize(600, 140);
+constexpr QSize kVariablesSize(255, 400);
+constexpr QSize kValuesSize(255, 300);
+constexpr QSize kPlanSize(500, 350);
+constexpr const char* kCursorValuesKey = "variables/cursorValues";
+constexpr const char* kStatisticsKey = "instantValues/statistics";
 
 // Between a panel and its content: the panel has its size also while the content is hidden, and shows
 // and hides without a say in that.
@@ -134,6 +140,7 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     MakePanel(commandOutputPanel, "outputPanel", EText::outputTitle, m_output, kOutputSize,
               Qt::BottomDockWidgetArea);
     GetOutput().addAction(&GetAction(commandClearOutput));
+    MakeDataPanels();
     resize(kFirstSize.boundedTo(screen()->availableSize()));
     m_firstLayout = saveState(kStateVersion);
     RestoreWindow();
@@ -220,6 +227,9 @@ void CTrvProjectMainFrame::ShowSettings() {
     ApplyAppearance();
     m_view->Reformat();
     m_processing->Reformat();
+    m_variables->Reformat();
+    m_values->Reformat();
+    m_plan->Reformat();
 }
 
 void CTrvProjectMainFrame::ImportConfiguration() {
@@ -355,6 +365,23 @@ QDockWidget* CTrvProjectMainFrame::MakePanel(int command, const char* name, ETex
     return panel;
 }
 
+// What looks into the data beside the graphs.
+void CTrvProjectMainFrame::MakeDataPanels() {
+    const auto& adaptors = m_application.GetAdaptors();
+    m_variables = new CTrvViewMetadata(m_document, m_viewState, adaptors);
+    m_values = new CTrvViewValue(m_document, m_viewState, m_application.GetConfiguration(), adaptors);
+    m_plan = new CTrvPlanView(m_document, m_viewState, adaptors);
+    MakePanel(commandVariablesPanel, "variablesPanel", EText::variablesTitle, m_variables, kVariablesSize,
+              Qt::RightDockWidgetArea);
+    MakePanel(commandValuesPanel, "valuesPanel", EText::instantValuesTitle, m_values, kValuesSize,
+              Qt::RightDockWidgetArea);
+    MakePanel(commandPlanPanel, "planPanel", EText::planTitle, m_plan, kPlanSize, Qt::BottomDockWidgetArea)
+        ->hide(); // until it is asked for
+    m_variables->SetReceivers(*m_view, m_values->GetValues());
+    m_variables->AddTarget(std::make_unique<CGraphsDropTarget>(*m_view));
+    m_variables->AddTarget(std::make_unique<CValuesDropTarget>(*m_values));
+}
+
 bool CTrvProjectMainFrame::IsBarShown(int command) const { return !m_bars.at(command)->isHidden(); }
 
 void CTrvProjectMainFrame::ToggleBar(int command) {
@@ -366,11 +393,15 @@ void CTrvProjectMainFrame::RestoreWindow() {
     // What cannot be restored, after a change of the panels or a damaged file, leaves the first layout.
     restoreGeometry(m_settings.value(kGeometryKey).toByteArray());
     restoreState(m_settings.value(kStateKey).toByteArray(), kStateVersion);
+    m_variables->ShowValues(m_settings.value(kCursorValuesKey).toBool());
+    m_values->ShowStatistics(m_settings.value(kStatisticsKey).toBool());
 }
 
 void CTrvProjectMainFrame::StoreWindow() {
     m_settings.setValue(kGeometryKey, saveGeometry());
     m_settings.setValue(kStateKey, saveState(kStateVersion));
+    m_settings.setValue(kCursorValuesKey, m_variables->AreValuesShown());
+    m_settings.setValue(kStatisticsKey, m_values->AreStatisticsShown());
 }
 
 void CTrvProjectMainFrame::ApplyAppearance() {

@@ -10,8 +10,11 @@
 #include "foundation/text_id.h"
 #include "views/output_panel.h"
 #include "views/output_wnd.h"
+#include "views/plan_view.h"
 #include "views/view_1d.h"
+#include "views/view_metadata.h"
 #include "views/view_processing.h"
+#include "views/view_value.h"
 
 #include <QMainWindow>
 
@@ -47,6 +50,9 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     CTrvView1D& GetView() const { return *m_view; }
     CTrvViewProcessing& GetProcessing() const { return *m_processing; }
     CTrvOutputWnd& GetOutput() const { return m_output->GetLines(); }
+    CTrvViewMetadata& GetVariables() const { return *m_variables; }
+    CTrvViewValue& GetValues() const { return *m_values; }
+    CTrvPlanView& GetPlan() const { return *m_plan; }
     const CRecentFiles& GetRecentFiles() const { return m_recentFiles; }
     // The action of a command; every command of the table has one.
     QAction& GetAction(int command) const;
@@ -100,6 +106,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void MakeMiddle();
     void UpdateStartPage();
     void LookForRecent();
+    void MakeDataPanels();
     void RestoreWindow();
     void StoreWindow();
 
@@ -118,6 +125,9 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     QStackedWidget* m_middle = nullptr; // the graphs, or without a project the start page
     CTrvView1D* m_view = nullptr;
     CTrvViewProcessing* m_processing = nullptr;
+    CTrvViewMetadata* m_variables = nullptr;
+    CTrvViewValue* m_values = nullptr;
+    CTrvPlanView* m_plan = nullptr;
     std::unique_ptr<CTrvCommandBars> m_commands;
     std::map<int, QWidget*> m_bars; // what a toggle command shows and hides
     std::int32_t m_equipment = 0;

@@ -60,6 +60,11 @@ std::string CFieldText::GetUnit() const {
     return physical ? physical->GetCurrentUnit().symbol : std::string();
 }
 
+double CFieldText::GetScale() const {
+    const auto* physical = dynamic_cast<const CPhysicalValueAdaptor*>(m_adaptor);
+    return physical ? physical->GetCurrentUnit().B / physical->GetCurrentUnit().A : 1;
+}
+
 std::string CFieldText::Format(double value) const {
     std::string text;
     m_adaptor->ValueToText(value, text);

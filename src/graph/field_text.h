@@ -36,6 +36,8 @@ class CFieldText {
     std::uint32_t GetNature() const { return m_nature; }
     // The symbol of the unit; empty for a number without one.
     std::string GetUnit() const;
+    // How many of the unit one internal unit is.
+    double GetScale() const;
     // With the unit. REQUIRES: made with adaptors.
     std::string Format(double value) const;
     // A difference or a deviation, which no latitude or longitude is: those are in degrees.
