@@ -316,32 +316,4 @@ TEST_F(MainFrame, HelpIsOfferedWhenThereIsAny) {
                             testing::StartsWith("Failed to prepare the e-mail.")));
 }
 
-TEST_F(MainFrame, OutputGrowsAtItsEnd) {
-    CTrvOutputWnd output;
-    output.AppendLine("first");
-    output.moveCursor(QTextCursor::Start);
-    output.AppendLine("second\nthird \xFF");
-    EXPECT_EQ(output.toPlainText(), QString::fromUtf8("first\nsecond\nthird \uFFFD\n"));
-    EXPECT_TRUE(output.textCursor().atEnd());
-    // What a child sends as one line without end is shown whole, in lines that can be laid out.
-    output.clear();
-    output.AppendLine(std::string(10'000, 'x'));
-    EXPECT_EQ(output.toPlainText().count(u'x'), 10'000);
-    EXPECT_EQ(output.blockCount(), 4);
-}
-
-TEST_F(MainFrame, OutputShowsTheTimeOfEachText) {
-    CTrvOutputWnd output;
-    const QTime morning(8, 30, 15), night(23, 59, 59);
-    output.AppendLine("first\nits second line", morning);
-    output.AppendLine("\nafter an empty line", night);
-    const QTime none;
-    const QTime expected[] = {morning, none, night, none, none};
-    ASSERT_EQ(output.blockCount(), 5);
-    for (int line = 0; line < 5; ++line) EXPECT_EQ(output.GetTime(line), expected[line]) << line;
-    EXPECT_EQ(output.GetTime(5), none);
-    output.clear();
-    EXPECT_EQ(output.GetTime(0), none);
-}
-
 } // namespace

@@ -102,6 +102,29 @@ TEST_F(ProcessingPanel, KeepsTheEditorOfARefusedText) {
 }
 
 // The model of the window system holds its promises, and no edit moves selection or expanded rows.
+TEST_F(ProcessingPanel, CallsTheFocusBackToARefusedText) {
+    Open();
+    QApplication::setActiveWindow(m_frame);
+    Grid().Select(Row(Run(), Rows::kDefaultOutputRate));
+    Grid().setFocus();
+    QTest::keyClick(&Grid(), Qt::Key_F2);
+    auto* editor = FindEditor<QLineEdit>();
+    ASSERT_TRUE(editor);
+    const double before = Run().defaultOutputRate;
+    editor->selectAll();
+    QTest::keyClicks(editor, "often");
+    m_frame->GetOutput().setFocus();
+    EXPECT_EQ(m_dialogs.TakeMessages().size(), 1U);
+    EXPECT_TRUE(PumpUntil([&] { return editor->hasFocus(); }));
+    EXPECT_EQ(editor->selectedText(), "often");
+    // A good text is taken on the way out.
+    QTest::keyClicks(editor, "3");
+    m_frame->GetOutput().setFocus();
+    EXPECT_NE(before, 3);
+    EXPECT_EQ(Run().defaultOutputRate, 3);
+    EXPECT_EQ(FindEditor<QLineEdit>(), nullptr);
+}
+
 TEST_F(ProcessingPanel, ResetsNothing) {
     Open();
     QAbstractItemModelTester tester(Grid().model(), QAbstractItemModelTester::FailureReportingMode::Fatal);

@@ -3,6 +3,7 @@
 #include "config/config_file.h"
 #include "dataaccess/test_recording.h"
 #include "dialogs/choosers.h"
+#include "dialogs/relink.h"
 #include "dialogs/rough_misalignment.h"
 #include "document/document.h"
 #include "document/project_creation.h"
@@ -184,6 +185,114 @@ TEST_F(ProjectDialogs, WizardPreparesTheRecording) {
     CNewProjectWizard wizard(m_host, m_configuration, m_looks);
     wizard.ChooseInputFiles({"/d/raw1.log", "/d/raw 2.log"});
     EXPECT_EQ(wizard.GetInputLine(), "/d/raw1.log \"/d/raw 2.log\"");
+}
+
+TEST_F(ProjectDialogs, OffersTheSensorsOfTheRecording) {
+    {
+        test::CTestRecording recording(m_folder / "long.tarin");
+        for (int i = 0; i <= 20; ++i) {
+            recording.Imu(10 + i, 14);
+            if (i % 2) recording.Gps(10 + i, 48.5, -4.5, 10);
+            if (i % 4 == 3) recording.Depth(10 + i, 5.0F);
+        }
+        recording.Utc(31, 2026, 9, 0, 31);
+        recording.Flush();
+    }
+    enum class EUser { waits, unticks, hurries, isGivenNoWindow };
+    for (const EUser user : {EUser::waits, EUser::unticks, EUser::hurries, EUser::isGivenNoWindow}) {
+        CNewProjectWizard wizard(m_host, m_configuration, m_looks);
+        wizard.ChooseInputFiles(InFolder({"long.tarin"}));
+        int calls = 0;
+        if (user != EUser::isGivenNoWindow) wizard.Survey([&calls] { ++calls; });
+        if (user == EUser::waits || user == EUser::unticks) {
+            for (int i = 0; i < 100 && wizard.GetFindings().isBusy; ++i)
+                m_looks.Wait(std::chrono::milliseconds(100));
+            std::vector<std::string> rows;
+            for (const auto& row : wizard.DescribeFindings())
+                rows.push_back(row.title + '|' + row.value +
+                               (row.offer ? '|' + std::to_string(*row.offer) : ""));
+            EXPECT_THAT(rows, ElementsAre("Equipment|INS Model 14", // of the channels, those with packets
+                                          "Period|0:00:10.000 to 0:00:30.000 (0:00:20.000)",
+                                          "UTC of its start|14/03/2026 09:00:00.000",
+                                          "IMU|21 packets, 0:00:10.000 to 0:00:30.000",
+                                          "DEPTH|5 packets, 0:00:13.000 to 0:00:29.000|0",
+                                          "GPS_1|10 packets, 0:00:11.000 to 0:00:29.000|1",
+                                          "UTC|1 packets, 0:00:31.000 to 0:00:31.000"));
+            EXPECT_EQ(calls, 3);
+        }
+        if (user == EUser::unticks) wizard.Take(1, false);
+        EProjectField focus{};
+        wizard.projectName = "p" + std::to_string(static_cast<int>(user));
+        ASSERT_TRUE(wizard.OnOK(focus));
+        std::vector<std::string> sensors;
+        const auto project = wizard.TakeProject();
+        for (const auto& sensor : project->simulationParameters->sensors)
+            sensors.push_back(sensor->channel->name);
+        if (user == EUser::isGivenNoWindow)
+            EXPECT_THAT(sensors, IsEmpty());
+        else if (user == EUser::unticks)
+            EXPECT_THAT(sensors, ElementsAre("DEPTH"));
+        else
+            EXPECT_THAT(sensors, ElementsAre("DEPTH", "GPS_1"));
+    }
+    // A file that is none says so, and another choice begins anew.
+    CNewProjectWizard wizard(m_host, m_configuration, m_looks);
+    wizard.Survey([] {});
+    EXPECT_THAT(wizard.DescribeFindings(), IsEmpty());
+    for (const char* name : {"raw1.log", "blind.tarin", "old.tarin"}) {
+        wizard.ChooseInputFiles(InFolder({name}));
+        for (int i = 0; i < 100 && wizard.GetFindings().isBusy; ++i) m_looks.Wait(std::chrono::seconds(1));
+        const auto rows = wizard.DescribeFindings();
+        if (name == std::string("blind.tarin"))
+            EXPECT_EQ(rows[0].value, Outils_Texte::GetText(EText::surveyNoInertial));
+        else
+            EXPECT_EQ(rows[0].title, Outils_Texte::GetText(EText::surveyNone)) << name;
+        EXPECT_EQ(rows.size(), name == std::string("blind.tarin") ? 3U : 1U);
+    }
+}
+
+TEST_F(ProjectDialogs, FindsMissingFilesBesideTheFirst) {
+    for (const char* name : {"second.tarin", "third.tarin", "fourth.tarin"}) Record(name, 14);
+    std::string message;
+    auto made = CreateProject({m_folder / "dive.tarin", m_folder / "p.tarprj"}, message);
+    for (const char* name : {"second.tarin", "third.tarin"})
+        ASSERT_TRUE(made->AddDataFile(m_folder / name, false));
+    const auto path = m_folder / "p.tarprj";
+    {
+        CTrvDocument document(m_host, m_host.m_queue, m_configuration, false);
+        ASSERT_TRUE(document.NewFromProject(std::move(made), path));
+    }
+    std::filesystem::create_directories(m_folder / "moved");
+    for (const char* name : {"dive.tarin", "third.tarin"})
+        std::filesystem::rename(m_folder / name, m_folder / "moved" / name);
+
+    CTrvDocument document(m_host, m_host.m_queue, m_configuration, false);
+    ASSERT_TRUE(document.CommandOpen(path));
+    CRelinkDialog dialog(document);
+    ASSERT_EQ(dialog.GetRows().size(), 2U);
+    EXPECT_FALSE(dialog.OnOK()); // nothing was chosen
+    EXPECT_EQ(dialog.GetQuestion(1).proposed, m_folder / "third.tarin");
+    dialog.Choose(1, m_folder / "moved/third.tarin");
+    EXPECT_EQ(dialog.GetRows()[0].place, m_folder / "moved/dive.tarin");
+    const auto& run = *document.GetProject()->simulationParameters;
+    // A file of the project cannot stand for another one.
+    dialog.Choose(1, m_folder / "second.tarin");
+    EXPECT_FALSE(dialog.OnOK());
+    EXPECT_EQ(m_host.TakeMessages(),
+              std::vector{std::string(Outils_Texte::GetText(EText::dataFileReferenced))});
+    EXPECT_EQ(run.mainInputFile->path, m_folder / "dive.tarin");
+    EXPECT_FALSE(document.IsModified());
+    dialog.Choose(1, m_folder / "fourth.tarin");
+    EXPECT_TRUE(dialog.OnOK());
+    EXPECT_EQ(run.mainInputFile->path, m_folder / "moved/dive.tarin");
+    EXPECT_EQ(run.externalFiles[1]->path, m_folder / "fourth.tarin");
+    EXPECT_TRUE(document.IsModified());
+    // The files are followed where they are now.
+    m_host.PumpUntil([&] { return !document.IsAnalysing(); });
+    EXPECT_THAT(document.GetFiles()->GetMissing(), IsEmpty());
+    EXPECT_TRUE(document.GetProject()->dataModel->HasLayers(run.mainInputFile.get()));
+    EXPECT_TRUE(
+        document.GetProject()->dataModel->FindLayer(run.mainInputFile.get(), test::kGpsNumber)->m_hasData);
 }
 
 TEST_F(ProjectDialogs, OldFilesAreAskedAboutTogether) {

@@ -238,3 +238,46 @@ TEST_F(ProcessingTree, LetsGoOfAClosedProject) {
     EXPECT_EQ(first.m_rows, 0);
     EXPECT_GT(m_tree.GetGrid().GetRoot().GetChildCount(), 0u);
 }
+
+TEST_F(ProcessingTree, SaysWhatIsWrongWithHiddenValues) {
+    // The fixture's document is nobody's expert: the standard deviations have no rows.
+    auto& gps = Get<CTrvSensorGps>();
+    auto& hidden = *gps.stdDevInstruction;
+    EXPECT_EQ(m_tree.Find(&hidden), m_tree.Find(&gps));
+    EXPECT_EQ(m_tree.FindNextFault(nullptr), nullptr);
+    hidden.isDefault = false;
+    hidden.begin = ToStoredTime(CDateTimeSpan::FromSeconds(20));
+    hidden.end = ToStoredTime(CDateTimeSpan::FromSeconds(10));
+    m_treeView.OnUpdate(hintGpsStdDevChanged, &hidden);
+    EXPECT_GT(m_tree.GetFaultCount(), 0U);
+    const CHGItem* fault = m_tree.FindNextFault(nullptr);
+    EXPECT_EQ(fault, m_tree.Find(&gps));
+    EXPECT_TRUE(fault && fault->GetFault().find(GetText(EText::gridExpertFault)) != std::string::npos);
+    // Nothing is known of a sensor that has gone, or of what belonged to it.
+    ASSERT_TRUE(m_edits.Do(Edits::kRemoveSensor, gps));
+    EXPECT_EQ(m_tree.Find(&hidden), nullptr);
+}
+
+TEST_F(ProcessingTree, NotesWhatASensorHas) {
+    auto& gps = Get<CTrvSensorGps>();
+    auto& run = Parameters();
+    run.begin = ToStoredTime(CDateTimeSpan::FromSeconds(10));
+    run.end = ToStoredTime(CDateTimeSpan::FromSeconds(20));
+    const auto at = [](double seconds) { return CDateTimeSpan::FromSeconds(seconds); };
+    std::optional<CProcessingTree::SExtent> extent;
+    m_tree.SetExtents([&extent](const CTrvDataFileChannel&) { return extent; });
+    const auto note = [&] { return m_tree.Find(&gps)->GetNote(); };
+    const auto outside = std::string(GetText(EText::noteOutsidePeriod));
+    EXPECT_THAT(note(), testing::Not(testing::HasSubstr("packets,")));
+    extent = {1234, at(12), at(13)};
+    EXPECT_THAT(note(), testing::HasSubstr("1234 packets, 0:00:12.000 to 0:00:13.000"));
+    EXPECT_THAT(note(), testing::Not(testing::HasSubstr(outside)));
+    for (const auto& [first, last] : {std::pair(0.0, 9.9), std::pair(20.1, 30.0)}) {
+        extent = {2, at(first), at(last)};
+        EXPECT_THAT(note(), testing::HasSubstr(outside)) << first;
+    }
+    // On the clock of the recording, the file begins later.
+    gps.channel->file->timeOffset = ToStoredTime(at(5));
+    extent = {2, at(0), at(9.9)};
+    EXPECT_THAT(note(), testing::Not(testing::HasSubstr(outside)));
+}
