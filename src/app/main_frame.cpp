@@ -2,6 +2,7 @@
 
 #include "app/appearance.h"
 #include "app/command_bars.h"
+#include "app/graph_commands.h"
 #include "app/status_bar.h"
 #include "dialogs/choosers.h"
 #include "dialogs/project_dialogs.h"
@@ -39,9 +40,11 @@ namespace {
 constexpr int kStateVersion = 1; // of the window's layout: counts up when bars or panels are renamed
 constexpr const char* kGeometryKey = "mainFrame/geometry";
 constexpr const char* kStateKey = "mainFrame/state";
+constexpr const char* kHeightsKey = "graphs/heights";
 constexpr QSize kFirstSize(1280, 800);
 constexpr QSize kProcessingSize(320, 500);
 constexpr QSize kOutputSize(600, 140);
+constexpr int kNoticeTime = 4000; // milliseconds
 
 // Between a panel and its content: the panel has its size also while the content is hidden, and shows
 // and hides without a say in that.
@@ -112,6 +115,8 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     std::error_code error;
     m_hasUserGuide = std::filesystem::is_regular_file(m_application.GetUserGuide(), error);
 
+    m_graphs = std::make_unique<CTrvGraphCommands>(*m_view, m_host, m_dialogs, application.GetConfiguration(),
+                                                   application.GetAdaptors());
     m_commands = std::make_unique<CTrvCommandBars>(*this);
     m_commands->ServeGraphs();
     m_commands->ServeProcessing();
@@ -131,6 +136,10 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     RestoreWindow();
 
     connect(m_view, &CTrvView1D::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
+    connect(m_view, &CTrvView1D::PropertiesRequested, this, [this] { m_graphs->EditCurve(); });
+    connect(m_view, &CTrvView1D::RangeRequested, this, [this] { m_graphs->EditRange(); });
+    connect(m_view, &CTrvView1D::Notice, this,
+            [this](const QString& text) { m_statusBar->showMessage(text, kNoticeTime); });
     connect(m_processing, &CTrvViewProcessing::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
     connect(m_processing, &CTrvViewProcessing::DialogRequested, this,
             [this](Presentation_Tarvel_Grid::CHGItem* item) { ChooseValue(*item); });
@@ -272,11 +281,19 @@ void CTrvProjectMainFrame::RestoreWindow() {
     // What cannot be restored, after a change of the panels or a damaged file, leaves the first layout.
     restoreGeometry(m_settings.value(kGeometryKey).toByteArray());
     restoreState(m_settings.value(kStateKey).toByteArray(), kStateVersion);
+    std::map<std::string, float> heights;
+    const QVariantMap kept = m_settings.value(kHeightsKey).toMap();
+    for (auto row = kept.begin(); row != kept.end(); ++row)
+        heights[row.key().toStdString()] = row.value().toFloat();
+    m_view->GetStack().SetHeights(std::move(heights));
 }
 
 void CTrvProjectMainFrame::StoreWindow() {
     m_settings.setValue(kGeometryKey, saveGeometry());
     m_settings.setValue(kStateKey, saveState(kStateVersion));
+    QVariantMap heights;
+    for (const auto& [title, height] : m_view->GetStack().GetHeights()) heights[ToQString(title)] = height;
+    m_settings.setValue(kHeightsKey, heights);
 }
 
 void CTrvProjectMainFrame::ApplyAppearance() {

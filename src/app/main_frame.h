@@ -25,6 +25,7 @@ namespace Application_Tarvel {
 using Outils_Texte::EText;
 
 class CTrvCommandBars;
+class CTrvGraphCommands;
 
 class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     Q_OBJECT
@@ -42,6 +43,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     // Displayed time, ranges, cursors: for every panel that shows values.
     Presentation_Tarvel_Graphics::CViewState& GetViewState() const { return m_viewState; }
     CTrvView1D& GetView() const { return *m_view; }
+    CTrvGraphCommands& GetGraphs() const { return *m_graphs; }
     CTrvViewProcessing& GetProcessing() const { return *m_processing; }
     CTrvOutputWnd& GetOutput() const { return *m_output; }
     const CRecentFiles& GetRecentFiles() const { return m_recentFiles; }
@@ -106,6 +108,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     CTrvOutputWnd* m_output = nullptr;
     CTrvView1D* m_view = nullptr;
     CTrvViewProcessing* m_processing = nullptr;
+    std::unique_ptr<CTrvGraphCommands> m_graphs;
     std::unique_ptr<CTrvCommandBars> m_commands;
     std::map<int, QWidget*> m_bars; // what a toggle command shows and hides
     std::int32_t m_equipment = 0;

@@ -1,6 +1,7 @@
 #include "graph/cursor_steps.h"
 
 #include "dataaccess/step_query.h"
+#include "foundation/texts.h"
 #include "graph/sample_queries.h"
 
 #include <utility>

@@ -21,7 +21,7 @@ EQueryEnd CTrv1DSampleQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDa
     SPacketHeader header;
     if (!channel.SeekPacketNumber(PickNearer(bracket, m_time)) || !channel.ReadNextPacket(*packet, &header))
         return m_cancel.IsSet() ? EQueryEnd::cancelled : EQueryEnd::failed;
-    m_place = SSamplePlace{header.number, channel.GetPrevious(), packet->GetPacketDate()};
+    m_place = SSamplePlace{header.number, channel.GetPrevious().Get(), packet->GetPacketDate()};
     return EQueryEnd::done;
 }
 
