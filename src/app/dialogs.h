@@ -22,6 +22,10 @@ class CRoughMisalignmentChooser;
 class CTrvSettingsDlg;
 } // namespace Dialogue_Tarvel
 
+namespace Presentation_Tarvel_Graphics {
+class CForm;
+}
+
 namespace Application_Tarvel {
 
 // UI thread. `parent` is the window over which a dialog stands; every dialog returns when it was answered.
@@ -41,6 +45,7 @@ class IDialogs {
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) = 0;
     // Ends with OK when the project has taken the new places.
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CRelinkDialog& dialog) = 0;
+    virtual bool Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& form) = 0;
     // Hands the link to the program that the desktop has for it; false when there is none.
     virtual bool OpenLink(const QUrl& link) = 0;
 };
@@ -56,6 +61,7 @@ class CWindowDialogs final : public IDialogs {
     bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CRelinkDialog& dialog) override;
+    bool Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& form) override;
     bool OpenLink(const QUrl& link) override;
 };
 

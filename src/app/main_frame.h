@@ -31,6 +31,7 @@ using Outils_Texte::EText;
 
 class CTrvCommandBars;
 class CTrvStartPage;
+class CTrvGraphCommands;
 
 class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     Q_OBJECT
@@ -48,6 +49,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     // Displayed time, ranges, cursors: for every panel that shows values.
     Presentation_Tarvel_Graphics::CViewState& GetViewState() const { return m_viewState; }
     CTrvView1D& GetView() const { return *m_view; }
+    CTrvGraphCommands& GetGraphs() const { return *m_graphs; }
     CTrvViewProcessing& GetProcessing() const { return *m_processing; }
     CTrvOutputWnd& GetOutput() const { return m_output->GetLines(); }
     CTrvViewMetadata& GetVariables() const { return *m_variables; }
@@ -128,6 +130,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     CTrvViewMetadata* m_variables = nullptr;
     CTrvViewValue* m_values = nullptr;
     CTrvPlanView* m_plan = nullptr;
+    std::unique_ptr<CTrvGraphCommands> m_graphs;
     std::unique_ptr<CTrvCommandBars> m_commands;
     std::map<int, QWidget*> m_bars; // what a toggle command shows and hides
     std::int32_t m_equipment = 0;

@@ -63,6 +63,7 @@ class CTrv1DGraphPortlet {
     virtual void Reformat() {}
     // What the plotting area says while there is nothing to draw; empty for nothing.
     void SetNotice(std::string notice) { m_notice = std::move(notice); }
+    const std::string& GetNotice() const { return m_notice; }
     // Some curve that is not hidden has a point.
     bool HasPoints() const;
 

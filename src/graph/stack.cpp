@@ -11,6 +11,7 @@ namespace {
 
 constexpr float kPortletGap = 3;  // between two portlets
 constexpr float kFarAway = -1e5f; // the place of those that are left out
+constexpr float kGreatestHeight = 1e4f;
 
 } // namespace
 
@@ -28,6 +29,7 @@ void CTrv1DGraphStack::Reformat() {
 void CTrv1DGraphStack::SetGraphs(const std::vector<SGraphDescription>& graphs,
                                  Outils_Plot2D::CPlot2DSettings& settings) {
     const CTrv1DGraphPortlet* selected = GetSelected();
+    m_heights = GetHeights();
     Portlets portlets;
     for (const SGraphDescription& graph : graphs) portlets.push_back(TakePortlet(graph, settings));
     m_portlets = std::move(portlets);
@@ -55,11 +57,14 @@ std::unique_ptr<CTrv1DGraphPortlet> CTrv1DGraphStack::TakePortlet(const SGraphDe
     else
         portlet = std::make_unique<CTrv1DGraphMeasurePortlet>(settings, m_timeText, graph);
     portlet->GetPlot().SetLegendVisible(m_legendsVisible);
+    const auto height = m_heights.find(portlet->GetTitle());
+    if (height != m_heights.end()) portlet->SetUserHeight(height->second);
     if (HasPeriod()) portlet->SetDisplay(m_period.start, m_period.end);
     return portlet;
 }
 
 void CTrv1DGraphStack::Clear() {
+    m_heights = GetHeights();
     m_portlets.clear();
     m_period = m_fullExtent = SPeriod();
     m_selected = 0;
@@ -89,6 +94,20 @@ void CTrv1DGraphStack::ShowAlone(bool alone) {
 void CTrv1DGraphStack::Collapse() {
     const auto* selected = GetSelected();
     for (const auto& portlet : m_portlets) portlet->SetCollapsed(m_alone && portlet.get() != selected);
+}
+
+std::map<std::string, float> CTrv1DGraphStack::GetHeights() const {
+    auto heights = m_heights;
+    for (const auto& portlet : m_portlets) {
+        heights.erase(portlet->GetTitle());
+        if (portlet->GetUserHeight() > 0) heights[portlet->GetTitle()] = portlet->GetUserHeight();
+    }
+    return heights;
+}
+
+void CTrv1DGraphStack::SetHeights(std::map<std::string, float> heights) {
+    std::erase_if(heights, [](const auto& row) { return !(row.second > 0 && row.second < kGreatestHeight); });
+    m_heights = std::move(heights);
 }
 
 std::vector<CTrv1DGraphPortlet*> CTrv1DGraphStack::GetShown() const {

@@ -5,7 +5,10 @@
 #include "graph/measure_portlet.h"
 #include "graph/period.h"
 
+#include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -47,6 +50,10 @@ class CTrv1DGraphStack {
     // Shows the selected graph alone, or all again. Layout must follow.
     void ShowAlone(bool alone);
     bool IsAlone() const { return m_alone; }
+    // The heights that the user gave to graphs, by their titles, those of graphs that have gone included.
+    std::map<std::string, float> GetHeights() const;
+    // Graphs that come take theirs from here; heights out of all measure are ignored.
+    void SetHeights(std::map<std::string, float> heights);
     // Those that are not left out, in order.
     std::vector<CTrv1DGraphPortlet*> GetShown() const;
 
@@ -88,6 +95,7 @@ class CTrv1DGraphStack {
     Portlets m_portlets;
     int m_selected = 0;
     bool m_alone = false;
+    std::map<std::string, float> m_heights; // of graphs that are to come
     SPeriod m_period;
     SPeriod m_fullExtent;
     bool m_legendsVisible = true;

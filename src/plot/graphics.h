@@ -97,6 +97,9 @@ class CGraphics {
     void DrawCurve(const QPen& pen, std::span<const SPoint> points);
     // One polygon, alternate fill mode. Fewer than three points, or one that is not finite: nothing is drawn.
     void FillPolygon(const QBrush& brush, std::span<const SPoint> points);
+    // Rectangles side by side, each from where the one before it ends, as one area: a pixel is filled once.
+    // False, and nothing is drawn, on a device that is not made of pixels, or when they are not in order.
+    bool FillBuckets(const QBrush& brush, std::span<const SRect> rects);
     void FillRectangle(const QBrush& brush, const SRect& rect);
     void DrawRectangle(const QPen& pen, const SRect& rect);
 
@@ -126,6 +129,7 @@ class CGraphics {
     // What can be seen, and `margin` pixels about it, in the present coordinates.
     SRect Sight(float margin) const;
     bool FillColumns(const QBrush& brush, std::span<const SPoint> points);
+    void FillPixels(const QBrush& brush, std::vector<QRect>& rects);
     QPen DevicePen(const QPen& pen) const;
     QPen ThinPen(const QPen& pen, std::size_t pointCount);
     template <class Stroke>

@@ -45,12 +45,24 @@ void CPlot2DSerieCurve::Draw(CGraphics& graphics) {
             graphics.DrawCurve(pen.GetNative(), m_screenPoints);
         else
             graphics.DrawLines(pen.GetNative(), m_screenPoints);
-        for (const SBand& band : m_bands)
-            graphics.FillPolygon(brush.GetNative(),
-                                 std::span(m_bandPoints).subspan(band.first, band.count));
+        for (const SBand& band : m_bands) DrawBand(graphics, brush, band);
         if (GetMarker() != EMarker::none) DrawMarkers(graphics);
     }
     graphics.ResetClip();
+}
+
+void CPlot2DSerieCurve::DrawBand(CGraphics& graphics, const CPlot2DSolidBrush& brush, const SBand& band) {
+    const auto points = std::span(m_bandPoints).subspan(band.first, band.count);
+    const std::size_t buckets = points.size() / 4;
+    m_buckets.clear();
+    for (std::size_t i = 0; i < buckets; ++i) {
+        const SPoint low = points[2 * i], lowEnd = points[2 * i + 1],
+                     high = points[points.size() - 1 - 2 * i];
+        // Of minimum and maximum at two times the outline is no rectangle.
+        if (low.x != high.x) return graphics.FillPolygon(brush.GetNative(), points);
+        m_buckets.push_back({low.x, std::min(low.y, high.y), lowEnd.x - low.x, std::fabs(low.y - high.y)});
+    }
+    if (!graphics.FillBuckets(brush.GetNative(), m_buckets)) graphics.FillPolygon(brush.GetNative(), points);
 }
 
 // At places of the window and not of the data, each kind at its own, so that curves that agree show all of

@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 namespace Application_Tarvel {
 
@@ -49,6 +50,7 @@ CTrvView1D::CTrvView1D(CTrvDocument& document, CViewState& viewState,
       m_configuration(configuration),
       m_loader(document, viewState, adaptors, settings),
       m_steps(document, viewState, [this](EText text) { Q_EMIT Notice(Text(text)); }),
+      m_coverage(document, [this] { OnCoverageChanged(); }),
       m_tip(std::make_unique<CTrvView1DTip>(*this)) {
     setFocusPolicy(Qt::StrongFocus);
     setFrameShape(QFrame::NoFrame);
@@ -120,8 +122,35 @@ const Outils_Plot2D::STheme& CTrvView1D::GetTheme() const {
                                                              : Outils_Plot2D::kLightTheme;
 }
 
+SGraphHit CTrvView1D::Hit(QPointF position) const {
+    return static_cast<float>(position.y()) < GetStackHeight() ? HitTest(GetStack(), ToStack(position))
+                                                               : SGraphHit();
+}
+
+std::optional<SStripHit> CTrvView1D::HitStrip(QPointF position) const {
+    return Presentation_Tarvel_Graphics::HitStrip(
+        m_coverage, GetStack(), GetStripRect(),
+        {static_cast<float>(position.x()), static_cast<float>(position.y())});
+}
+
+float CTrvView1D::GetStackHeight() const { return static_cast<float>(viewport()->height()) - m_stripHeight; }
+
+SRect CTrvView1D::GetStripRect() const {
+    return {0, GetStackHeight(), static_cast<float>(viewport()->width()), m_stripHeight};
+}
+
+void CTrvView1D::OnCoverageChanged() {
+    // Called by the constructor, too.
+    const float height = m_loader.HasProject() ? GetStripHeight(m_coverage) : 0;
+    if (std::exchange(m_stripHeight, height) != height)
+        FitToWindow();
+    else
+        Redraw();
+}
+
 void CTrvView1D::DrawOverlay(QPainter& painter) {
     painter.save();
+    painter.setClipRect(QRectF(0, 0, viewport()->width(), static_cast<double>(GetStackHeight())));
     painter.translate(0, -verticalScrollBar()->value());
     CGraphics graphics(painter);
     graphics.SetTheme(GetTheme());
@@ -295,7 +324,8 @@ void CTrvView1D::ShowSelected() {
     const int top = static_cast<int>(portlet->GetRect().y);
     const int bottom = static_cast<int>(std::ceil(portlet->GetRect().Bottom()));
     QScrollBar& bar = *verticalScrollBar();
-    if (bottom > bar.value() + viewport()->height()) bar.setValue(bottom - viewport()->height());
+    const int page = static_cast<int>(GetStackHeight());
+    if (bottom > bar.value() + page) bar.setValue(bottom - page);
     if (top < bar.value()) bar.setValue(top);
 }
 
@@ -313,8 +343,7 @@ void CTrvView1D::OnLoaderChanged(bool layout) {
 }
 
 void CTrvView1D::FitToWindow() {
-    const QSize size = viewport()->size();
-    m_loader.SetViewSize({static_cast<float>(size.width()), static_cast<float>(size.height())},
+    m_loader.SetViewSize({static_cast<float>(viewport()->width()), std::max(GetStackHeight(), 1.0f)},
                          devicePixelRatioF());
     UpdateScrollBar();
     Redraw();
@@ -322,8 +351,9 @@ void CTrvView1D::FitToWindow() {
 
 void CTrvView1D::UpdateScrollBar() {
     const int height = static_cast<int>(std::ceil(GetStack().GetHeight()));
-    verticalScrollBar()->setPageStep(viewport()->height());
-    verticalScrollBar()->setRange(0, std::max(0, height - viewport()->height()));
+    const int page = static_cast<int>(GetStackHeight());
+    verticalScrollBar()->setPageStep(page);
+    verticalScrollBar()->setRange(0, std::max(0, height - page));
 }
 
 void CTrvView1D::contextMenuEvent(QContextMenuEvent* event) {
@@ -389,9 +419,9 @@ void CTrvView1D::PaintBacking() {
     CGraphics graphics(painter);
     graphics.SetTheme(theme);
     DrawStack(GetStack(), graphics,
-              {0, static_cast<float>(top), static_cast<float>(viewport()->width()),
-               static_cast<float>(viewport()->height())},
-              true);
+              {0, static_cast<float>(top), static_cast<float>(viewport()->width()), GetStackHeight()}, true);
+    painter.translate(0, top);
+    DrawStrip(m_coverage, GetStack(), graphics, GetStripRect());
 }
 
 } // namespace Application_Tarvel

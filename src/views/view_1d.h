@@ -8,7 +8,9 @@
 // Escape ends a gesture; the menu key opens the menu.
 #pragma once
 
+#include "graph/coverage_strip.h"
 #include "graph/cursor_steps.h"
+#include "graph/hit_test.h"
 #include "graph/loader.h"
 #include "graph/stack_picture.h"
 #include "views/interactor.h"
@@ -66,6 +68,7 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     bool AreLegendsVisible() const { return GetStack().AreLegendsVisible(); }
     void SetEcho(bool on);
     bool HasEcho() const { return m_echo; }
+    const Presentation_Tarvel_Graphics::SCursorLook& GetCursorLook() const { return m_cursorLook; }
     // Takes the settings again.
     void Reformat();
 
@@ -87,6 +90,9 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
 
     // For the interactors. Positions are in pixels of the window; the stack may be scrolled under it.
     Outils_Plot2D::SPoint ToStack(QPointF position) const;
+    // What lies there; nothing over the strip of the files.
+    Presentation_Tarvel_Graphics::SGraphHit Hit(QPointF position) const;
+    std::optional<Presentation_Tarvel_Graphics::SStripHit> HitStrip(QPointF position) const;
     // Cursors, interval and their values.
     void DrawOverlay(QPainter& painter);
     // Clamps the index; scrolls the graph into sight.
@@ -128,6 +134,9 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
 
   private:
     void OnLoaderChanged(bool layout);
+    void OnCoverageChanged();
+    float GetStackHeight() const;
+    Outils_Plot2D::SRect GetStripRect() const;
     void FitToWindow();
     void UpdateScrollBar();
     void PaintBacking();
@@ -140,6 +149,8 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     Outils_Configuration::CTrvCnfConfigFile& m_configuration;
     CTrv1DGraphLoader m_loader;
     Presentation_Tarvel_Graphics::CTrv1DCursorSteps m_steps;
+    float m_stripHeight = 0; // before the coverage, which reports at once
+    Presentation_Tarvel_Graphics::CTrv1DCoverage m_coverage;
     std::unique_ptr<CTrvView1DTip> m_tip;
     std::vector<std::pair<QKeySequence, QAction*>> m_keys; // actions are not owned
     QMenu* m_menu = nullptr;                               // not owned

@@ -78,7 +78,9 @@ void CTrvView1DInteractor::OnMousePress(QMouseEvent& event) {
     if (m_gesture) return;
     View().EndWheel();
     const auto& stack = View().GetStack();
-    const SGraphHit hit = HitTest(stack, View().ToStack(event.position()));
+    const SGraphHit hit = View().Hit(event.position());
+    const auto strip = View().HitStrip(event.position());
+    if (strip && event.button() == Qt::LeftButton) View().GetLoader().ShowPeriod(strip->period);
     if (!hit.portlet) return;
     const int index = IndexOf(stack, hit.portlet);
     const QPointF at = event.position();
@@ -196,7 +198,7 @@ void CTrvView1DInteractor::ShowBand(const SGesture& band) {
 
 void CTrvView1DInteractor::OnMouseDoubleClick(QMouseEvent& event) {
     if (event.button() != Qt::LeftButton) return;
-    const SGraphHit hit = HitTest(View().GetStack(), View().ToStack(event.position()));
+    const SGraphHit hit = View().Hit(event.position());
     switch (hit.part) {
     case EGraphPart::plot:
     case EGraphPart::timeAxis: View().GetLoader().ViewAll(); break;
@@ -217,7 +219,7 @@ void CTrvView1DInteractor::OnWheel(QWheelEvent& event) {
     const bool sideways = turn.y() == 0;
     const double notches = (sideways ? turn.x() : turn.y()) / ToDouble(QWheelEvent::DefaultDeltasPerStep);
     const SPoint point = View().ToStack(event.position());
-    const SGraphHit hit = HitTest(View().GetStack(), point);
+    const SGraphHit hit = View().Hit(event.position());
     const bool inPlot = hit.part == EGraphPart::plot || hit.part == EGraphPart::timeAxis;
     auto& loader = View().GetLoader();
     if (notches == 0 || m_gesture) return;
@@ -265,7 +267,7 @@ void CTrvView1DInteractor::OnKeyRelease(QKeyEvent& event) {
 }
 
 void CTrvView1DInteractor::Hover(QPointF position) {
-    const SGraphHit hit = HitTest(View().GetStack(), View().ToStack(position));
+    const SGraphHit hit = View().Hit(position);
     bool changed = false;
     for (const auto& portlet : View().GetStack().GetPortlets()) {
         auto& plot = portlet->GetPlot();
@@ -273,7 +275,7 @@ void CTrvView1DInteractor::Hover(QPointF position) {
         changed = changed || plot.GetHoveredSerie() != hovered;
         plot.SetHoveredSerie(hovered);
     }
-    const Qt::CursorShape shape = GetShape(hit);
+    const Qt::CursorShape shape = View().HitStrip(position) ? Qt::PointingHandCursor : GetShape(hit);
     if (View().viewport()->cursor().shape() != shape) View().viewport()->setCursor(shape);
     if (changed) View().Redraw();
 }

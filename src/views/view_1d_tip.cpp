@@ -43,8 +43,10 @@ void CTrvView1DTip::Show(const QHelpEvent& event) {
     if (m_query) m_queries->Cancel(m_query);
     m_query.reset();
     auto& document = m_view.GetLoader().GetDocument();
-    const SGraphHit hit = HitTest(m_view.GetStack(), m_view.ToStack(event.pos()));
+    const SGraphHit hit = m_view.Hit(event.pos());
     const auto* project = document.GetProject();
+    if (const auto strip = m_view.HitStrip(event.pos()))
+        return QToolTip::showText(event.globalPos(), ToQString(strip->text), &m_view);
     if (!hit.portlet || !project) return QToolTip::hideText();
     const Outils_Plot2D::CPlot2DSerie* serie =
         hit.serie ? hit.serie : hit.portlet->GetPlot().GetSelectedSerie();

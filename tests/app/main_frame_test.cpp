@@ -129,8 +129,8 @@ TEST_F(MainFrame, GraphCommandsAreReached) {
         const char* key;
         double start, end, low, high;
     } rows[] = {{commandZoomHorizontal, "+", 250, 750, 0, 100},
-                {commandScrollRight, "Right", 250, 1250, 0, 100},
-                {commandScrollLeft, "Left", -250, 750, 0, 100},
+                {commandScrollRight, "", 250, 1250, 0, 100},
+                {commandScrollLeft, "", -250, 750, 0, 100},
                 {commandUnzoomHorizontal, "-", -500, 1500, 0, 100},
                 {commandZoomVertical, "Ctrl++", 0, 1000, 25, 75},
                 {commandUnzoomVertical, "Ctrl+-", 0, 1000, -50, 150},
