@@ -269,9 +269,10 @@ std::string CProcessingTree::GetSensorNote(const CTrvSensor& sensor) const {
                             ? project->dataModel->FindLayer(sensor.channel->file, sensor.channel->id)
                             : nullptr;
     const bool isKnown = m_document.GetFiles() && !m_document.GetFiles()->IsAnalysing();
-    if (layer && !layer->m_hasData && isKnown) note.append(", ").append(GetText(EText::noteNoPackets));
     if (const auto extent = m_findExtent ? m_findExtent(*sensor.channel) : std::nullopt)
         note.append(", ").append(DescribeExtent(sensor, *extent));
+    else if (layer && !layer->m_hasData && isKnown)
+        note.append(", ").append(GetText(EText::noteNoPackets));
     const CLeverArm* arm = const_cast<CTrvSensor&>(sensor).GetLeverArm();
     if (arm && arm->xv1 == 0.0 && arm->xv2 == 0.0 && arm->xv3 == 0.0)
         note.append(", ").append(GetText(EText::noteNoArm));

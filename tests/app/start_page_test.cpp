@@ -30,6 +30,8 @@ class StartPage : public test::Session {
         QList<QUrl> links;
         for (const auto& file : files) links << QUrl::fromLocalFile(QString::fromStdString(file.string()));
         data.setUrls(links);
+        QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(m_frame, &enter);
         QDropEvent event({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QApplication::sendEvent(m_frame, &event);
     }
@@ -75,7 +77,7 @@ TEST_F(StartPage, DroppedRecordingsJoinTheOpenProject) {
     ASSERT_TRUE(m_frame->OpenProject(path));
     auto& run = *m_frame->GetDocument().GetProject()->simulationParameters;
     Drop({m_folder / "second.tarin"});
-    EXPECT_TRUE(PumpUntil([&] { return !run.externalFiles.empty(); }));
+    ASSERT_TRUE(PumpUntil([&] { return !run.externalFiles.empty(); }));
     EXPECT_EQ(run.externalFiles[0]->path, m_folder / "second.tarin");
     EXPECT_EQ(m_frame->GetProcessing().GetSelected()->GetObject(), run.externalFiles[0].get());
 }

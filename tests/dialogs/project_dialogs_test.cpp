@@ -212,12 +212,12 @@ TEST_F(ProjectDialogs, OffersTheSensorsOfTheRecording) {
                 rows.push_back(row.title + '|' + row.value +
                                (row.offer ? '|' + std::to_string(*row.offer) : ""));
             EXPECT_THAT(rows, ElementsAre("Equipment|INS Model 14", // of the channels, those with packets
-                                          "Period|0:00:10.000 to 0:00:30.000 (0:00:20.000)",
+                                          "Period|00:00:10.000 to 00:00:30.000 (00:00:20.000)",
                                           "UTC of its start|14/03/2026 09:00:00.000",
-                                          "IMU|21 packets, 0:00:10.000 to 0:00:30.000",
-                                          "DEPTH|5 packets, 0:00:13.000 to 0:00:29.000|0",
-                                          "GPS_1|10 packets, 0:00:11.000 to 0:00:29.000|1",
-                                          "UTC|1 packets, 0:00:31.000 to 0:00:31.000"));
+                                          "IMU|21 packets, 00:00:10.000 to 00:00:30.000",
+                                          "DEPTH|5 packets, 00:00:13.000 to 00:00:29.000|0",
+                                          "GPS_1|10 packets, 00:00:11.000 to 00:00:29.000|1",
+                                          "UTC|1 packets, 00:00:31.000 to 00:00:31.000"));
             EXPECT_EQ(calls, 3);
         }
         if (user == EUser::unticks) wizard.Take(1, false);
@@ -288,7 +288,7 @@ TEST_F(ProjectDialogs, FindsMissingFilesBesideTheFirst) {
     EXPECT_EQ(run.externalFiles[1]->path, m_folder / "fourth.tarin");
     EXPECT_TRUE(document.IsModified());
     // The files are followed where they are now.
-    m_host.PumpUntil([&] { return !document.IsAnalysing(); });
+    m_host.m_queue.RunUntil([&] { return !document.IsAnalysing(); }, std::chrono::seconds(30));
     EXPECT_THAT(document.GetFiles()->GetMissing(), IsEmpty());
     EXPECT_TRUE(document.GetProject()->dataModel->HasLayers(run.mainInputFile.get()));
     EXPECT_TRUE(
