@@ -130,6 +130,7 @@ TEST_F(View1DTest, RemovesCurvesAndGraphsAfterAQuestion) {
     m_view->SelectPortlet(0);
     Key("Space");
     EXPECT_TRUE(m_view->HasSelectedCurve());
+    m_host.TakeMessages();
     m_host.m_answers = {EAnswer::no, EAnswer::yes, EAnswer::yes};
     m_view->RemoveSelected();
     EXPECT_EQ(graph.curves.size(), 2u) << "the answer was no";
@@ -140,8 +141,7 @@ TEST_F(View1DTest, RemovesCurvesAndGraphsAfterAQuestion) {
     EXPECT_GT(changes, 0);
     m_view->RemoveSelected();
     EXPECT_EQ(graphs.size(), 7u) << "without a curve, the graph";
-    EXPECT_EQ(m_host.m_messages.size(), 3u);
-    m_host.m_messages.clear();
+    EXPECT_EQ(m_host.TakeMessages().size(), 3u);
 }
 
 TEST_F(View1DTest, KeysTriggerTheCommandsGivenToThem) {
