@@ -113,10 +113,10 @@ void CTrv1DCoverage::OnUpdate(EHint hint, const Outils_Objets::CObject* object) 
     switch (hint) {
     case hintRefresh:
     case hintDataFileAdded:
-    case hintDataFileRemoved:
     case hintDataFileTimeOffsetChanged:
     case hintOutputFileNameChanged:
     case hintRunStarted: Rebuild(); break;
+    case hintDataFileRemoved: Rebuild(object); break;
     case hintRunEnded:
     case hintDataLayersRebuilt:
     case hintDataFileContentChanged:
@@ -127,12 +127,13 @@ void CTrv1DCoverage::OnUpdate(EHint hint, const Outils_Objets::CObject* object) 
     }
 }
 
-void CTrv1DCoverage::Rebuild() {
+void CTrv1DCoverage::Rebuild(const Outils_Objets::CObject* removed) {
     for (const auto& [file, walk] : std::exchange(m_walks, {})) m_queries.Cancel(walk.query);
     m_files.clear();
     if (const auto* project = m_document.GetProject())
         for (const CTrvDataFile* file : project->simulationParameters->GetDataFiles())
-            m_files.push_back({file, Outils_Fichiers::ToText(file->path.filename()), false, {}});
+            if (file != removed)
+                m_files.push_back({file, Outils_Fichiers::ToText(file->path.filename()), false, {}});
     for (const SFile& file : m_files) Ask(*file.file);
     m_onChanged();
 }
