@@ -262,7 +262,7 @@ const SCommandRow kCommands[] = {
                                      EText::scrollDownTip, "Ctrl+Down", scrollDown, false, EContext::submenu,
                                      ""),
     {.id = commandFitValues, .menu = EMenu::vertical, .text = EText::verticalViewAll,
-     .tip = EText::verticalViewAllTip, .run = [](Frame& f) { f.GetView().GetLoader().FitValues(); },
+     .tip = EText::verticalViewAllTip, .shortcut = "Alt+End", .run = [](Frame& f) { f.GetView().GetLoader().FitValues(); },
      .enabledWhen = HasPeriod, .graphMenu = EContext::top, .graphKeys = "Shift+F"},
 
     {.id = commandPreviousView, .menu = EMenu::graph, .text = EText::previousView, .tip = EText::previousViewTip,

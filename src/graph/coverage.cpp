@@ -113,10 +113,10 @@ void CTrv1DCoverage::OnUpdate(EHint hint, const Outils_Objets::CObject* object) 
     switch (hint) {
     case hintRefresh:
     case hintDataFileAdded:
-    case hintDataFileRemoved:
     case hintDataFileTimeOffsetChanged:
     case hintOutputFileNameChanged:
     case hintRunStarted: Rebuild(); break;
+    case hintDataFileRemoved: Rebuild(object); break;
     case hintRunEnded:
     case hintDataLayersRebuilt:
     case hintDataFileContentChanged:
@@ -127,12 +127,13 @@ void CTrv1DCoverage::OnUpdate(EHint hint, const Outils_Objets::CObject* object) 
     }
 }
 
-void CTrv1DCoverage::Rebuild() {
+void CTrv1DCoverage::Rebuild(const Outils_Objets::CObject* removed) {
     for (const auto& [file, walk] : std::exchange(m_walks, {})) m_queries.Cancel(walk.query);
     m_files.clear();
     if (const auto* project = m_document.GetProject())
         for (const CTrvDataFile* file : project->simulationParameters->GetDataFiles())
-            m_files.push_back({file, Outils_Fichiers::ToText(file->path.filename()), false, {}});
+            if (file != removed)
+                m_files.push_back({file, Outils_Fichiers::ToText(file->path.filename()), false, {}});
     for (const SFile& file : m_files) Ask(*file.file);
     m_onChanged();
 }
@@ -154,15 +155,17 @@ void CTrv1DCoverage::Ask(const CTrvDataFile& file) {
     m_queries.Submit(query);
 }
 
-// `key` may be a file that has gone.
+// `key` may be a file that has gone, also with its project, which is reported later.
 void CTrv1DCoverage::OnDone(const void* key, CTrv1DCoverageQuery& query, EQueryEnd end) {
     const auto walk = m_walks.find(key);
     if (walk == m_walks.end() || walk->second.query.get() != &query) return;
     const bool again = walk->second.again;
     m_walks.erase(walk);
+    const auto* project = m_document.GetProject();
+    const auto files = project ? project->simulationParameters->GetDataFiles() : std::vector<CTrvDataFile*>();
     const auto place =
         std::ranges::find(m_files, key, [](const SFile& own) -> const void* { return own.file; });
-    if (place == m_files.end()) return;
+    if (place == m_files.end() || std::ranges::find(files, place->file) == files.end()) return;
     place->known = end != EQueryEnd::cancelled;
     place->coverage = query.GetCoverage();
     MoveTo(place->coverage, Metier_Tarvel::ToSpan(place->file->timeOffset));

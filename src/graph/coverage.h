@@ -80,7 +80,8 @@ class CTrv1DCoverage final : public Application_Tarvel::IDocumentView {
         bool again = false; // the file has changed since
     };
 
-    void Rebuild();
+    // `removed` is about to leave the project.
+    void Rebuild(const Outils_Objets::CObject* removed = nullptr);
     void Ask(const Metier_Tarvel::CTrvDataFile& file);
     void OnDone(const void* file, CTrv1DCoverageQuery& query, Application_Tarvel::EQueryEnd end);
 

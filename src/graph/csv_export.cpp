@@ -77,7 +77,12 @@ std::vector<std::filesystem::path> CTrv1DCsvExport::GetTargets(const std::filesy
     for (const SChannel& channel : m_channels) {
         const auto name = path.stem().concat(' ' + channel.address.path.filename().string() + ' ' +
                                              ToFileName(channel.name));
-        targets.push_back(path.parent_path() / name.string().append(path.extension().string()));
+        auto target = path.parent_path() / name.string().append(path.extension().string());
+        // Files of one name in two folders.
+        for (int i = 2; std::ranges::find(targets, target) != targets.end(); ++i)
+            target = path.parent_path() /
+                     name.string().append(' ' + std::to_string(i) + path.extension().string());
+        targets.push_back(std::move(target));
     }
     return targets;
 }

@@ -17,11 +17,19 @@ CTrv1DCursorSteps::CTrv1DCursorSteps(CTrvDocument& document, CViewState& viewSta
       m_viewState(viewState),
       m_onEnd(std::move(onEnd)),
       m_queries(document.GetMessageTarget()),
-      m_self(std::make_shared<CTrv1DCursorSteps*>(this)) {}
+      m_self(std::make_shared<CTrv1DCursorSteps*>(this)) {
+    m_document.AddView(this);
+}
 
 CTrv1DCursorSteps::~CTrv1DCursorSteps() {
     *m_self = nullptr;
+    m_document.RemoveView(this);
     Cancel();
+}
+
+// A file that goes takes the steps on it along.
+void CTrv1DCursorSteps::OnUpdate(EHint hint, const Outils_Objets::CObject*) {
+    if (hint == hintRefresh || hint == hintDataFileRemoved) Cancel();
 }
 
 void CTrv1DCursorSteps::Cancel() {

@@ -13,14 +13,14 @@
 
 namespace Presentation_Tarvel_Graphics {
 
-class CTrv1DCursorSteps {
+class CTrv1DCursorSteps final : public Application_Tarvel::IDocumentView {
   public:
     // Both must outlive the object. Calls `onEnd` when a step found nothing in its direction, with the text
     // that says so.
     CTrv1DCursorSteps(Application_Tarvel::CTrvDocument& document, CViewState& viewState,
                       std::function<void(Outils_Texte::EText)> onEnd);
     // Answers still under way are dropped.
-    ~CTrv1DCursorSteps();
+    ~CTrv1DCursorSteps() override;
     CTrv1DCursorSteps(const CTrv1DCursorSteps&) = delete;
     CTrv1DCursorSteps& operator=(const CTrv1DCursorSteps&) = delete;
 
@@ -31,8 +31,10 @@ class CTrv1DCursorSteps {
     // To the next change of a status field after the cursor, or before it.
     void StepToChange(const SChannelKey& channel, std::uint32_t field, bool forward);
     bool IsBusy() const { return m_query != nullptr; }
-    // Ends what is under way, as when the project goes.
+    // Ends what is under way.
     void Cancel();
+
+    void OnUpdate(Application_Tarvel::EHint hint, const Outils_Objets::CObject* object) override;
 
   private:
     struct SStep {

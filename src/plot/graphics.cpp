@@ -354,7 +354,7 @@ void CGraphics::DrawString(std::string_view text, const QFont& font, SPoint anch
     if (!Begin(IsFinite(anchor) && kEverything.Contains(anchor))) return;
     m_painter->setFont(font);
     m_painter->setPen(ToNative(colour));
-    CTextLayout(text, font).Draw(*m_painter, {anchor.x, anchor.y, 0, 0}, format);
+    GetTextLayout(text, font).Draw(*m_painter, {anchor.x, anchor.y, 0, 0}, format);
 }
 
 void CGraphics::DrawString(std::string_view text, const QFont& font, const SRect& box,
@@ -365,18 +365,18 @@ void CGraphics::DrawString(std::string_view text, const QFont& font, const SRect
         m_painter->setClipRect(QRectF(box.x, box.y, box.width, box.height), Qt::IntersectClip);
     m_painter->setFont(font);
     m_painter->setPen(ToNative(colour));
-    CTextLayout(text, font, box, format.trimming).Draw(*m_painter, box, format);
+    GetTextLayout(text, font, box, format.trimming).Draw(*m_painter, box, format);
     m_painter->restore();
 }
 
 SRect CGraphics::MeasureString(std::string_view text, const QFont& font, SPoint anchor,
                                const SStringFormat& format) const {
-    return CTextLayout(text, font).GetBounds({anchor.x, anchor.y, 0, 0}, format);
+    return GetTextLayout(text, font).GetBounds({anchor.x, anchor.y, 0, 0}, format);
 }
 
 SRect CGraphics::MeasureString(std::string_view text, const QFont& font, const SRect& box,
                                const SStringFormat& format) const {
-    return CTextLayout(text, font, box, format.trimming).GetBounds(box, format);
+    return GetTextLayout(text, font, box, format.trimming).GetBounds(box, format);
 }
 
 float CGraphics::GetFontHeight(const QFont& font) const {

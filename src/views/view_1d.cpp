@@ -339,7 +339,10 @@ void CTrvView1D::OnLoaderChanged(bool layout) {
     if (!m_loader.HasProject()) m_steps.Cancel();
     Redraw();
     if (!m_description.isActive()) m_description.start();
-    Q_EMIT StateChanged();
+    // A drag shows many views: only what changes a command is reported.
+    const auto& viewState = GetViewState();
+    const SOffered offered = {viewState.CanGoBack(), viewState.CanGoForward(), viewState.HasPeriod()};
+    if (std::exchange(m_offered, offered) != offered || layout) Q_EMIT StateChanged();
 }
 
 void CTrvView1D::FitToWindow() {

@@ -141,6 +141,10 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     void UpdateScrollBar();
     void PaintBacking();
     void ShowSelected();
+    struct SOffered {
+        bool back = false, forward = false, period = false;
+        bool operator==(const SOffered&) const = default;
+    };
     bool Ask(Outils_Texte::EText question, const std::string& name);
     bool DropOn(const CTrv1DGraphPortlet* portlet, const Outils_Objets::CObject& field);
     const Presentation_Tarvel_Graphics::SCurveDescription* FindSelectedShown() const;
@@ -157,7 +161,8 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     Presentation_Tarvel_Graphics::SCursorLook m_cursorLook;
     EView1DMode m_mode = EView1DMode::select;
     bool m_echo = true;
-    QPixmap m_backing; // what the window shows of the stack, without what lies over it
+    SOffered m_offered; // as reported last
+    QPixmap m_backing;  // what the window shows of the stack, without what lies over it
     bool m_backingValid = false;
     QTimer m_wheelEnd;    // runs while the wheel turns
     QTimer m_description; // runs until the accessible description is brought up to date

@@ -105,7 +105,7 @@ TEST_F(MainFrame, WhatTheMenusOfferFollowsTheProject) {
     Action(commandModePan).trigger();
     EXPECT_EQ(m_frame->GetView().GetMode(), EView1DMode::pan);
     EXPECT_TRUE(Action(commandModePan).isChecked() && !Action(commandModeSelect).isChecked());
-    EXPECT_FALSE(Action(commandDeleteCurve).isEnabled()) << "no curve is selected";
+    EXPECT_FALSE(Action(commandCurveProperties).isEnabled()) << "no curve is selected";
     const bool legends = m_frame->GetView().AreLegendsVisible();
     Action(commandLegends).trigger();
     EXPECT_EQ(m_frame->GetView().AreLegendsVisible(), !legends);

@@ -1,15 +1,18 @@
 #include "config/config_file.h"
 #include "document/scripted_host.h"
 #include "graph/fabricated.h"
+#include "support/temporary_folder.h"
 #include "views/stack_pictures.h"
 #include "views/view_1d.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QFile>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPrinter>
 #include <QScrollBar>
 #include <QSvgRenderer>
 #include <QWheelEvent>
@@ -130,6 +133,7 @@ TEST_F(View1DTest, RemovesCurvesAndGraphsAfterAQuestion) {
     m_view->SelectPortlet(0);
     Key("Space");
     EXPECT_TRUE(m_view->HasSelectedCurve());
+    m_host.TakeMessages();
     m_host.m_answers = {EAnswer::no, EAnswer::yes, EAnswer::yes};
     m_view->RemoveSelected();
     EXPECT_EQ(graph.curves.size(), 2u) << "the answer was no";
@@ -140,8 +144,7 @@ TEST_F(View1DTest, RemovesCurvesAndGraphsAfterAQuestion) {
     EXPECT_GT(changes, 0);
     m_view->RemoveSelected();
     EXPECT_EQ(graphs.size(), 7u) << "without a curve, the graph";
-    EXPECT_EQ(m_host.m_messages.size(), 3u);
-    m_host.m_messages.clear();
+    EXPECT_EQ(m_host.TakeMessages().size(), 3u);
 }
 
 TEST_F(View1DTest, KeysTriggerTheCommandsGivenToThem) {
@@ -332,6 +335,47 @@ TEST_F(View1DTest, OneGraphIsShownAlone) {
     EXPECT_EQ(PortletAt(m_view->GetStack(), {100, 100}), m_view->GetStack().GetSelected());
     m_view->GetLoader().ShowAlone(false);
     EXPECT_EQ(m_view->GetStack().GetShown().size(), 8u);
+}
+
+TEST_F(View1DTest, PagesAndFilesHoldThePicture) {
+    const SPictureContent content{m_view->GetStack(), m_viewState, {}};
+    CTemporaryFolder folder;
+    for (const auto& [name, begin] :
+         {std::pair("a.pdf", "%PDF"), {"a.png", "\x89PNG"}, {"a.svg", "<?xml"}, {"a.other", "<?xml"}}) {
+        EXPECT_TRUE(SavePicture(content, folder / name));
+        QFile file(QString::fromStdString((folder / name).string()));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly) && file.readAll().startsWith(begin)) << name;
+    }
+    EXPECT_FALSE(SavePicture(content, folder / "none" / "a.svg"));
+
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setPageSize(QPageSize(QPageSize::A4));
+    printer.setOutputFileName(QString::fromStdString((folder / "pages.pdf").string()));
+    PrintPages(content, printer, SPageMargins{}, "dive, 0 to 1000");
+    QFile pages(QString::fromStdString((folder / "pages.pdf").string()));
+    ASSERT_TRUE(pages.open(QIODevice::ReadOnly));
+    // Eight graphs of 130 pixels in 900 make some 2.5 cm each on 17 cm, and nine such fit on 25.7 cm.
+    EXPECT_EQ(pages.readAll().count("/Type /Page\n"), 1);
+    for (const auto& portlet : m_view->GetStack().GetPortlets()) portlet->SetUserHeight(500);
+    m_view->GetLoader().Relayout();
+    printer.setOutputFileName(QString::fromStdString((folder / "more.pdf").string()));
+    PrintPages(content, printer, SPageMargins{}, "dive, 0 to 1000");
+    QFile more(QString::fromStdString((folder / "more.pdf").string()));
+    ASSERT_TRUE(more.open(QIODevice::ReadOnly));
+    EXPECT_EQ(more.readAll().count("/Type /Page\n"), 4);
+}
+
+TEST_F(View1DTest, DarkPaletteMakesDarkGraphs) {
+    const auto ground = [this] {
+        const QPointF at = At(0.02, 0.05);
+        return m_view->grab().toImage().pixelColor(at.toPoint()).lightness();
+    };
+    EXPECT_GT(ground(), 200);
+    QPalette dark;
+    dark.setColor(QPalette::Base, Qt::black);
+    m_view->setPalette(dark);
+    EXPECT_LT(ground(), 80);
 }
 
 TEST_F(View1DTest, FieldsAreDroppedWhereTheyFit) {
