@@ -164,7 +164,7 @@ bool CTrvInstantValues::GetValue(const SValueRow& row, std::size_t moment, doubl
 
 std::string CTrvInstantValues::DescribeSample(const SValueRow& row, std::size_t moment) const {
     const SSample& sample = m_moments.Get(row.channel, moment);
-    return FormatText(EText::sampleTip, {m_timeText.Format(sample.date), std::to_string(sample.place.number),
+    return FormatText(EText::sampleAtCursorTip, {m_timeText.Format(sample.date), std::to_string(sample.place.number),
                                          std::to_string(sample.place.position.Get())});
 }
 
