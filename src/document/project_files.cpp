@@ -262,13 +262,20 @@ void CProjectFiles::Update(CTrvDataFile& file) {
 void CProjectFiles::Move(CTrvDataFile& file, const std::filesystem::path& path) {
     StopAnalysis(file);
     Unwatch(file);
+    m_services.looks.Forget(&file); // at the former place
     file.path = path;
     m_services.cache.InvalidateFile(path);
     m_files[&file] = {};
     m_files[&file].stage = EStage::changed;
+    m_unchecked.insert(&file);
     WatchAgain(file);
     LookAtFile(file);
     StartAnalysis(file);
+    auto& parameters = *m_project.simulationParameters;
+    if (&file != parameters.mainInputFile.get()) return;
+    m_services.looks.Forget(parameters.nelixConfiguration.get());
+    m_services.looks.Forget(&parameters);
+    LookAtRecording();
 }
 
 std::vector<CTrvDataFile*> CProjectFiles::GetMissing() const {

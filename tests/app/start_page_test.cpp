@@ -7,6 +7,7 @@
 #include "session.h"
 
 #include <QAbstractButton>
+#include <QDockWidget>
 #include <QDropEvent>
 #include <QMimeData>
 
@@ -105,9 +106,17 @@ TEST_F(StartPage, OffersToFindMissingFiles) {
 
 TEST_F(StartPage, PutsPanelsBack) {
     m_frame->show();
-    const auto state = [this] { return m_frame->saveState(); };
+    const auto state = [this] {
+        QList<bool> shown;
+        for (const int command : {commandOutputPanel, commandStandardBar, commandProcessingPanel})
+            shown << m_frame->IsBarShown(command);
+        for (const auto* panel : m_frame->findChildren<QDockWidget*>())
+            shown << (m_frame->dockWidgetArea(const_cast<QDockWidget*>(panel)) == Qt::BottomDockWidgetArea);
+        return shown;
+    };
     const auto first = state();
     for (const int command : {commandOutputPanel, commandStandardBar}) m_frame->ToggleBar(command);
+    m_frame->addDockWidget(Qt::BottomDockWidgetArea, m_frame->findChild<QDockWidget*>("processingPanel"));
     EXPECT_NE(state(), first);
     Action(commandResetLayout).trigger();
     EXPECT_EQ(state(), first);

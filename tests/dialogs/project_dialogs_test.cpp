@@ -211,7 +211,7 @@ TEST_F(ProjectDialogs, OffersTheSensorsOfTheRecording) {
             for (const auto& row : wizard.DescribeFindings())
                 rows.push_back(row.title + '|' + row.value +
                                (row.offer ? '|' + std::to_string(*row.offer) : ""));
-            EXPECT_THAT(rows, ElementsAre("Equipment|INS Model 14", // of the channels, those with packets
+            EXPECT_THAT(rows, ElementsAre("Equipment|INS model 14", // of the channels, those with packets
                                           "Period|00:00:10.000 to 00:00:30.000 (00:00:20.000)",
                                           "UTC of its start|14/03/2026 09:00:00.000",
                                           "IMU|21 packets, 00:00:10.000 to 00:00:30.000",
@@ -288,11 +288,14 @@ TEST_F(ProjectDialogs, FindsMissingFilesBesideTheFirst) {
     EXPECT_EQ(run.externalFiles[1]->path, m_folder / "fourth.tarin");
     EXPECT_TRUE(document.IsModified());
     // The files are followed where they are now.
-    m_host.m_queue.RunUntil([&] { return !document.IsAnalysing(); }, std::chrono::seconds(30));
+    const auto* file = run.mainInputFile.get();
+    EXPECT_TRUE(m_host.m_queue.RunUntil(
+        [&] {
+            const auto* layer = document.GetProject()->dataModel->FindLayer(file, test::kGpsNumber);
+            return layer && layer->m_hasData;
+        },
+        std::chrono::seconds(30)));
     EXPECT_THAT(document.GetFiles()->GetMissing(), IsEmpty());
-    EXPECT_TRUE(document.GetProject()->dataModel->HasLayers(run.mainInputFile.get()));
-    EXPECT_TRUE(
-        document.GetProject()->dataModel->FindLayer(run.mainInputFile.get(), test::kGpsNumber)->m_hasData);
 }
 
 TEST_F(ProjectDialogs, OldFilesAreAskedAboutTogether) {
