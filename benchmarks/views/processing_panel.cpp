@@ -1,5 +1,6 @@
 // The processing panel over a project with this many ZUPT: until it is painted after an opening, and from an
 // edit to the repainted panel.
+#include "application.h"
 #include "batch/session.h"
 #include "document/edits.h"
 #include "document/project_file.h"
@@ -7,8 +8,6 @@
 #include "views/view_processing.h"
 
 #include <benchmark/benchmark.h>
-
-#include <QApplication>
 
 #include <filesystem>
 #include <iostream>
@@ -48,15 +47,6 @@ class CPanelSession {
     Outils_Configuration::CTrvCnfConfigFile m_settings;
     Outils_Valeurs::CTrvAdaptors m_adaptors;
 };
-
-QApplication& GetApplication() {
-    static int count = 1;
-    static char name[] = "bench_views";
-    static char* words[] = {name, nullptr};
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static QApplication application(count, words);
-    return application;
-}
 
 void OpenPanel(benchmark::State& state) {
     GetApplication();

@@ -171,8 +171,10 @@ void CTrvView1DInteractor::OnMouseRelease(QMouseEvent& event) {
 void CTrvView1DInteractor::Finish() {
     const auto gesture = std::exchange(m_gesture, std::nullopt);
     if (!gesture) return;
-    if (gesture->kind == EView1DGesture::pan) View().GetLoader().EndDrag(true);
-    if (gesture->kind == EView1DGesture::band) ShowBand(*gesture);
+    if (gesture->kind == EView1DGesture::band) return ShowBand(*gesture);
+    if (gesture->kind != EView1DGesture::pan) return;
+    View().GetLoader().EndDrag(true);
+    Q_EMIT View().StateChanged(); // there is a view to go back to
 }
 
 void CTrvView1DInteractor::ShowBand(const SGesture& band) {
