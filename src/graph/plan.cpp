@@ -228,7 +228,8 @@ bool CTrvPlan::SetCursorAt(SPoint pixel) {
         };
         const auto nearest = std::ranges::min_element(drawn->points, {}, distance);
         if (!(distance(*nearest) <= kReach * m_scale.metresPerPixel)) continue;
-        return m_state.SetCursor(ECursor::first, nearest->date + track.origin);
+        m_state.SetCursor(ECursor::first, nearest->date + track.origin);
+        return true;
     }
     return false;
 }
