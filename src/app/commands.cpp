@@ -1,10 +1,10 @@
 #include "app/commands.h"
 
+#include "app/graph_commands.h"
 #include "app/main_frame.h"
 #include "document/edits.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
-#include "views/stack_clipboard.h"
 
 namespace Application_Tarvel {
 
@@ -22,6 +22,7 @@ constexpr SMenuRow kMenus[] = {
     {EMenu::display, EMenu::display, EText::displayMenu, false},
     {EMenu::horizontal, EMenu::display, EText::horizontalScale, false},
     {EMenu::vertical, EMenu::display, EText::verticalScale, false},
+    {EMenu::graph, EMenu::display, EText::graphMenu, false},
     {EMenu::mouse, EMenu::display, EText::mouseMenu, false},
     {EMenu::tools, EMenu::tools, EText::toolsMenu, true},
     {EMenu::help, EMenu::help, EText::helpMenu, true},
@@ -74,6 +75,11 @@ constexpr SCommandRow Graph(int id, EMenu menu, EText text, EText tip, const cha
             .graphMenu = context,
             .graphKeys = keys};
 }
+
+bool HasGraphs(const Frame& frame) { return !frame.GetView().GetStack().GetPortlets().empty(); }
+bool HasPeriod(const Frame& frame) { return frame.GetView().GetStack().HasPeriod(); }
+bool HasMeasures(const Frame& frame) { return frame.GetView().GetStack().GetSelectedMeasure() != nullptr; }
+bool HasCurve(const Frame& frame) { return HasMeasures(frame) && frame.GetView().HasSelectedCurve(); }
 
 template <EView1DMode mode>
 constexpr SCommandRow Mode(int id, EText text, EText tip, const char* shortcut, EGlyph glyph, bool newGroup) {
@@ -161,6 +167,16 @@ const SCommandRow kCommands[] = {
      [](Frame& f) { f.GetDocument().CommandSaveAs(); }, HasProject},
     {commandSaveCopyAs, EMenu::file, EText::saveCopyAs, EText::saveCopyAsTip, "", none, EBar::none, false,
      [](Frame& f) { f.GetDocument().SaveCopyAs(); }, HasProject},
+    {.id = commandPrint, .menu = EMenu::file, .text = EText::print, .tip = EText::printTip, .shortcut = "Ctrl+P",
+     .newGroup = true, .run = [](Frame& f) { f.GetGraphs().Print(); }, .enabledWhen = HasGraphs},
+    {.id = commandPrintPreview, .menu = EMenu::file, .text = EText::printPreview, .tip = EText::printPreviewTip,
+     .run = [](Frame& f) { f.GetGraphs().ShowPreview(); }, .enabledWhen = HasGraphs},
+    {.id = commandSavePicture, .menu = EMenu::file, .text = EText::savePicture, .tip = EText::savePictureTip,
+     .run = [](Frame& f) { f.GetGraphs().SavePicture(); }, .enabledWhen = HasGraphs, .graphMenu = EContext::top},
+    {.id = commandSaveData, .menu = EMenu::file, .text = EText::saveData, .tip = EText::saveDataTip,
+     .run = [](Frame& f) { f.GetGraphs().SaveData(); },
+     .enabledWhen = [](const Frame& f) { return HasGraphs(f) && !f.GetGraphs().IsSavingData(); },
+     .graphMenu = EContext::top},
     kRecent<0>, kRecent<1>, kRecent<2>, kRecent<3>,
     {commandExit, EMenu::file, EText::exit, EText::exitTip, "Ctrl+Q", none, EBar::none, true,
      [](Frame& f) { f.close(); }},
@@ -222,12 +238,12 @@ const SCommandRow kCommands[] = {
                                  EText::unzoomHorizontalTip, "Alt+-", unzoomHorizontal, false, EContext::submenu,
                                  "-; _"),
     Graph<&Loader::ScrollTime, -1>(commandScrollLeft, EMenu::horizontal, EText::leftScroll, EText::scrollLeftTip,
-                                   "Alt+Left", scrollLeft, false, EContext::submenu, "Left"),
+                                   "Ctrl+Alt+Left", scrollLeft, false, EContext::submenu, ""),
     Graph<&Loader::ScrollTime, 1>(commandScrollRight, EMenu::horizontal, EText::rightScroll,
-                                  EText::scrollRightTip, "Alt+Right", scrollRight, false, EContext::submenu,
-                                  "Right"),
+                                  EText::scrollRightTip, "Ctrl+Alt+Right", scrollRight, false, EContext::submenu,
+                                  ""),
     Graph<&Loader::ViewAll>(commandViewAll, EMenu::horizontal, EText::horizontalViewAll, EText::viewAllTip,
-                            "Alt+Home", viewAll, false, EContext::top, "Home"),
+                            "Alt+Home", viewAll, false, EContext::top, "F"),
 
     Graph<&Loader::ZoomValues, 1>(commandZoomVertical, EMenu::vertical, EText::zoom, EText::zoomVerticalTip,
                                   "Ctrl++", zoomVertical, true, EContext::submenu, "Ctrl++; Ctrl+="),
@@ -239,6 +255,41 @@ const SCommandRow kCommands[] = {
     Graph<&Loader::ScrollValues, -1>(commandScrollDown, EMenu::vertical, EText::downScroll,
                                      EText::scrollDownTip, "Ctrl+Down", scrollDown, false, EContext::submenu,
                                      ""),
+    {.id = commandFitValues, .menu = EMenu::vertical, .text = EText::verticalViewAll,
+     .tip = EText::verticalViewAllTip, .shortcut = "Alt+End", .run = [](Frame& f) { f.GetView().GetLoader().FitValues(); },
+     .enabledWhen = HasPeriod, .graphMenu = EContext::top, .graphKeys = "Shift+F"},
+
+    {.id = commandPreviousView, .menu = EMenu::graph, .text = EText::previousView, .tip = EText::previousViewTip,
+     .run = [](Frame& f) { f.GetViewState().GoBack(); },
+     .enabledWhen = [](const Frame& f) { return f.GetViewState().CanGoBack(); }, .graphMenu = EContext::top,
+     .graphKeys = "Backspace; Alt+Left"},
+    {.id = commandNextView, .menu = EMenu::graph, .text = EText::nextView, .tip = EText::nextViewTip,
+     .run = [](Frame& f) { f.GetViewState().GoForward(); },
+     .enabledWhen = [](const Frame& f) { return f.GetViewState().CanGoForward(); }, .graphKeys = "Alt+Right"},
+    {.id = commandGoToDate, .menu = EMenu::graph, .text = EText::goToDate, .tip = EText::goToDateTip,
+     .shortcut = "Ctrl+G", .run = [](Frame& f) { f.GetGraphs().GoToDate(); }, .enabledWhen = HasPeriod},
+    {.id = commandCurveProperties, .menu = EMenu::graph, .text = EText::curveProperties,
+     .tip = EText::curvePropertiesTip, .newGroup = true, .run = [](Frame& f) { f.GetGraphs().EditCurve(); },
+     .enabledWhen = HasCurve, .graphMenu = EContext::top, .graphKeys = "Return; Enter"},
+    {.id = commandAxisRange, .menu = EMenu::graph, .text = EText::axisRange, .tip = EText::axisRangeTip,
+     .run = [](Frame& f) { f.GetGraphs().EditRange(); }, .enabledWhen = HasMeasures,
+     .graphMenu = EContext::top, .graphKeys = "R"},
+    {.id = commandShowAlone, .menu = EMenu::graph, .text = EText::showAlone, .tip = EText::showAloneTip,
+     .newGroup = true,
+     .run = [](Frame& f) { f.GetView().GetLoader().ShowAlone(!f.GetView().GetStack().IsAlone()); },
+     .enabledWhen = HasGraphs, .tickedWhen = [](const Frame& f) { return f.GetView().GetStack().IsAlone(); },
+     .graphMenu = EContext::top, .graphKeys = "Z"},
+    {.id = commandMoveGraphUp, .menu = EMenu::graph, .text = EText::moveGraphUp, .tip = EText::moveGraphTip,
+     .run = [](Frame& f) { f.GetView().GetLoader().MoveSelected(-1); }, .enabledWhen = HasGraphs,
+     .graphKeys = "Ctrl+Shift+Up"},
+    {.id = commandMoveGraphDown, .menu = EMenu::graph, .text = EText::moveGraphDown, .tip = EText::moveGraphTip,
+     .run = [](Frame& f) { f.GetView().GetLoader().MoveSelected(1); }, .enabledWhen = HasGraphs,
+     .graphKeys = "Ctrl+Shift+Down"},
+    {.id = commandEqualHeights, .menu = EMenu::graph, .text = EText::equalHeights, .tip = EText::equalHeightsTip,
+     .run = [](Frame& f) { f.GetView().GetLoader().EqualHeights(); }, .enabledWhen = HasGraphs},
+    {.id = commandRemoveGraph, .menu = EMenu::graph, .text = EText::removeGraph, .tip = EText::removeGraphTip,
+     .newGroup = true, .run = [](Frame& f) { f.GetView().RemoveSelectedGraph(); }, .enabledWhen = HasGraphs,
+     .graphMenu = EContext::top},
 
     {.id = commandLegends, .menu = EMenu::display, .text = EText::graphLegends, .tip = EText::legendsTip,
      .shortcut = "Ctrl+L", .glyph = legends, .bar = EBar::tools, .newGroup = true,
@@ -250,12 +301,10 @@ const SCommandRow kCommands[] = {
      .tickedWhen = [](const Frame& f) { return f.GetView().HasEcho(); }, .graphMenu = EContext::top},
     {.id = commandCopyGraphs, .menu = EMenu::display, .text = EText::copy, .tip = EText::copyGraphsTip,
      .newGroup = true,
-     .run = [](Frame& f) { CopyToClipboard(f.GetView().GetStack(), f.GetView().viewport()->width()); },
-     .enabledWhen = HasProject, .graphMenu = EContext::top, .graphKeys = "Ctrl+C"},
+     .run = [](Frame& f) { f.GetGraphs().Copy(); }, .enabledWhen = HasGraphs, .graphMenu = EContext::top, .graphKeys = "Ctrl+C"},
     {.id = commandDeleteCurve, .menu = EMenu::display, .text = EText::deleteCurve, .tip = EText::deleteCurveTip,
-     .run = [](Frame& f) { f.GetView().DeleteSelectedCurve(); },
-     .enabledWhen = [](const Frame& f) { return f.GetView().HasSelectedCurve(); }, .graphMenu = EContext::top,
-     .graphKeys = "Del"},
+     .run = [](Frame& f) { f.GetView().RemoveSelected(); }, .enabledWhen = HasGraphs,
+     .graphMenu = EContext::top, .graphKeys = "Del"},
 
     {.id = commandSettings, .menu = EMenu::tools, .text = EText::settings, .tip = EText::settingsTip,
      .shortcut = "Ctrl+,", .run = [](Frame& f) { f.ShowSettings(); }},

@@ -13,7 +13,7 @@ namespace Application_Tarvel {
 class CTrvProjectMainFrame;
 
 // Where a command stands. The numbers of commands and bars are stable: they are kept in the user's settings.
-enum class EMenu { file, simulation, add, display, horizontal, vertical, mouse, tools, help, count };
+enum class EMenu { file, simulation, add, display, horizontal, vertical, graph, mouse, tools, help, count };
 enum class EBar { none, standard, tools };
 // Where a command is in a context menu: directly, or under the title of its own menu.
 enum class EContext { none, top, submenu };
@@ -55,6 +55,7 @@ enum ECommand : int {
     commandScrollUp = 32832,
     commandScrollDown = 32833,
     commandViewAll = 32840,
+    commandFitValues = 32841,
     commandModeSelect = 32850,
     commandModePan = 32851,
     commandModeZoom = 32852,
@@ -79,16 +80,30 @@ enum ECommand : int {
     commandClearOutput = 32879,
     commandUserGuide = 32882,
     commandContactSupport = 32883,
+    commandCurveProperties = 32884,
+    commandRemoveGraph = 32885,
     commandAddFiltering = 32888,
     commandBatchFile = 32889,
     commandNewFromBatch = 32890,
     commandNextFault = 32895,
     commandImportConfiguration = 32896,
+    commandPreviousView = 32910,
+    commandNextView = 32911,
+    commandGoToDate = 32912,
+    commandAxisRange = 32913,
+    commandMoveGraphUp = 32914,
+    commandMoveGraphDown = 32915,
+    commandShowAlone = 32916,
+    commandEqualHeights = 32917,
+    commandSavePicture = 32918,
+    commandSaveData = 32919,
     commandNew = 57600,
     commandOpen = 57601,
     commandSave = 57603,
     commandSaveAs = 57604,
     commandSaveCopyAs = 57611,
+    commandPrint = 57607,
+    commandPrintPreview = 57609,
     commandFirstRecent = 57616,
     commandDeleteCurve = 57632,
     commandCopyGraphs = 57634,

@@ -5,10 +5,12 @@
 #include "dialogs/rough_misalignment.h"
 #include "dialogs/settings_dialog.h"
 #include "foundation/texts.h"
+#include "graph/forms.h"
 #include "plot/text.h"
 #include "views/grid_view.h"
 
 #include <QButtonGroup>
+#include <QComboBox>
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -18,6 +20,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPixmap>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
@@ -279,6 +282,59 @@ bool CWindowDialogs::Show(QWidget* parent, CRoughMisalignmentChooser& logic) {
     show();
     dialog.Add(sides);
     return dialog.Run();
+}
+
+namespace {
+
+// A line of a form on the screen: a text, or a choice of colours.
+QWidget* MakeFormField(QWidget& parent, const Presentation_Tarvel_Graphics::SFormLine& line) {
+    QWidget* field = nullptr;
+    if (line.choices.empty()) {
+        field = new QLineEdit(ToQString(line.text), &parent);
+        field->setMinimumWidth(260);
+    } else {
+        auto* list = new QComboBox(&parent);
+        for (const auto& choice : line.choices) {
+            QPixmap swatch(list->iconSize());
+            swatch.fill(QColor::fromRgba(choice.colour));
+            list->addItem(swatch, Text(choice.name));
+        }
+        list->setCurrentIndex(static_cast<int>(line.choice));
+        field = list;
+    }
+    field->setAccessibleName(WithoutKey(line.label));
+    if (line.help != Outils_Texte::kNoText) field->setToolTip(Text(line.help));
+    return field;
+}
+
+void TakeFormField(const QWidget& field, Presentation_Tarvel_Graphics::SFormLine& line) {
+    if (const auto* text = qobject_cast<const QLineEdit*>(&field))
+        line.text = text->text().toStdString();
+    else if (const auto* list = qobject_cast<const QComboBox*>(&field))
+        line.choice = static_cast<std::size_t>(list->currentIndex());
+}
+
+} // namespace
+
+bool CWindowDialogs::Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& logic) {
+    CDialog dialog(parent, WithoutKey(logic.GetTitle()).remove(QStringLiteral("...")));
+    auto* form = new QFormLayout;
+    std::vector<QWidget*> fields;
+    for (const auto& line : logic.GetLines()) {
+        fields.push_back(MakeFormField(dialog, line));
+        form->addRow(Text(line.label), fields.back());
+    }
+    dialog.Add(form);
+    if (auto* first = qobject_cast<QLineEdit*>(fields.front())) first->selectAll();
+    return dialog.Run([&] {
+        for (std::size_t i = 0; i < fields.size(); ++i) TakeFormField(*fields[i], logic.GetLines()[i]);
+        const auto refusal = logic.OnOK();
+        if (!refusal) return true;
+        ShowMessage(&dialog, refusal->message, EButtons::ok, EIcon::exclamation);
+        fields[refusal->line]->setFocus();
+        if (auto* text = qobject_cast<QLineEdit*>(fields[refusal->line])) text->selectAll();
+        return false;
+    });
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CTrvSettingsDlg& logic) {

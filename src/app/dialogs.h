@@ -21,6 +21,10 @@ class CRoughMisalignmentChooser;
 class CTrvSettingsDlg;
 } // namespace Dialogue_Tarvel
 
+namespace Presentation_Tarvel_Graphics {
+class CForm;
+}
+
 namespace Application_Tarvel {
 
 // UI thread. `parent` is the window over which a dialog stands; every dialog returns when it was answered.
@@ -38,6 +42,7 @@ class IDialogs {
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) = 0;
+    virtual bool Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& form) = 0;
     // Hands the link to the program that the desktop has for it; false when there is none.
     virtual bool OpenLink(const QUrl& link) = 0;
 };
@@ -52,6 +57,7 @@ class CWindowDialogs final : public IDialogs {
     bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) override;
+    bool Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& form) override;
     bool OpenLink(const QUrl& link) override;
 };
 

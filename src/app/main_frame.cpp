@@ -2,6 +2,7 @@
 
 #include "app/appearance.h"
 #include "app/command_bars.h"
+#include "app/graph_commands.h"
 #include "app/status_bar.h"
 #include "dialogs/choosers.h"
 #include "dialogs/project_dialogs.h"
@@ -40,6 +41,7 @@ namespace {
 constexpr int kStateVersion = 2; // of the window's layout: counts up when bars or panels are renamed
 constexpr const char* kGeometryKey = "mainFrame/geometry";
 constexpr const char* kStateKey = "mainFrame/state";
+constexpr const char* kHeightsKey = "graphs/heights";
 constexpr QSize kFirstSize(1280, 800);
 constexpr QSize kProcessingSize(320, 500);
 constexpr QSize kOutputSize(600, 140);
@@ -48,6 +50,7 @@ constexpr QSize kValuesSize(255, 300);
 constexpr QSize kPlanSize(500, 350);
 constexpr const char* kCursorValuesKey = "variables/cursorValues";
 constexpr const char* kStatisticsKey = "instantValues/statistics";
+constexpr int kNoticeTime = 4000; // milliseconds
 
 // Between a panel and its content: the panel has its size also while the content is hidden, and shows
 // and hides without a say in that.
@@ -118,6 +121,8 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     std::error_code error;
     m_hasUserGuide = std::filesystem::is_regular_file(m_application.GetUserGuide(), error);
 
+    m_graphs = std::make_unique<CTrvGraphCommands>(*m_view, m_host, m_dialogs, application.GetConfiguration(),
+                                                   application.GetAdaptors());
     m_commands = std::make_unique<CTrvCommandBars>(*this);
     m_commands->ServeGraphs();
     m_commands->ServeProcessing();
@@ -138,6 +143,10 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     RestoreWindow();
 
     connect(m_view, &CTrvView1D::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
+    connect(m_view, &CTrvView1D::PropertiesRequested, this, [this] { m_graphs->EditCurve(); });
+    connect(m_view, &CTrvView1D::RangeRequested, this, [this] { m_graphs->EditRange(); });
+    connect(m_view, &CTrvView1D::Notice, this,
+            [this](const QString& text) { m_statusBar->showMessage(text, kNoticeTime); });
     connect(m_processing, &CTrvViewProcessing::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
     connect(m_processing, &CTrvViewProcessing::DialogRequested, this,
             [this](Presentation_Tarvel_Grid::CHGItem* item) { ChooseValue(*item); });
@@ -301,6 +310,11 @@ void CTrvProjectMainFrame::RestoreWindow() {
     restoreState(m_settings.value(kStateKey).toByteArray(), kStateVersion);
     m_variables->ShowValues(m_settings.value(kCursorValuesKey).toBool());
     m_values->ShowStatistics(m_settings.value(kStatisticsKey).toBool());
+    std::map<std::string, float> heights;
+    const QVariantMap kept = m_settings.value(kHeightsKey).toMap();
+    for (auto row = kept.begin(); row != kept.end(); ++row)
+        heights[row.key().toStdString()] = row.value().toFloat();
+    m_view->GetStack().SetHeights(std::move(heights));
 }
 
 void CTrvProjectMainFrame::StoreWindow() {
@@ -308,6 +322,9 @@ void CTrvProjectMainFrame::StoreWindow() {
     m_settings.setValue(kStateKey, saveState(kStateVersion));
     m_settings.setValue(kCursorValuesKey, m_variables->AreValuesShown());
     m_settings.setValue(kStatisticsKey, m_values->AreStatisticsShown());
+    QVariantMap heights;
+    for (const auto& [title, height] : m_view->GetStack().GetHeights()) heights[ToQString(title)] = height;
+    m_settings.setValue(kHeightsKey, heights);
 }
 
 void CTrvProjectMainFrame::ApplyAppearance() {

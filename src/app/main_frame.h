@@ -28,6 +28,7 @@ namespace Application_Tarvel {
 using Outils_Texte::EText;
 
 class CTrvCommandBars;
+class CTrvGraphCommands;
 
 class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     Q_OBJECT
@@ -45,6 +46,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     // Displayed time, ranges, cursors: for every panel that shows values.
     Presentation_Tarvel_Graphics::CViewState& GetViewState() const { return m_viewState; }
     CTrvView1D& GetView() const { return *m_view; }
+    CTrvGraphCommands& GetGraphs() const { return *m_graphs; }
     CTrvViewProcessing& GetProcessing() const { return *m_processing; }
     CTrvViewMetadata& GetVariables() const { return *m_variables; }
     CTrvViewValue& GetValues() const { return *m_values; }
@@ -116,6 +118,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     CTrvViewMetadata* m_variables = nullptr;
     CTrvViewValue* m_values = nullptr;
     CTrvPlanView* m_plan = nullptr;
+    std::unique_ptr<CTrvGraphCommands> m_graphs;
     std::unique_ptr<CTrvCommandBars> m_commands;
     std::map<int, QWidget*> m_bars; // what a toggle command shows and hides
     std::int32_t m_equipment = 0;

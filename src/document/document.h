@@ -40,6 +40,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     // For panels with a query manager of their own, so that long work does not hold up the graphs.
     Outils::IMessageTarget& GetMessageTarget() { return m_target; }
     CXpfFileCache& GetFileCache() { return m_fileCache; }
+    // The way back to the UI thread, for managers of queries beside the document's own.
+    Outils::IMessageTarget& GetMessageTarget() const { return m_target; }
     const Outils_Configuration::CTrvCnfConfigFile& GetConfiguration() const { return m_configuration; }
     // Whether the layers of an added file offer what is for experts.
     bool IsExpertMode() const { return m_expertMode; }

@@ -1,11 +1,13 @@
 #include "graph/channel_feed.h"
 
 #include "config/config_file.h"
+#include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "graph/extent_query.h"
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -14,6 +16,8 @@ namespace Presentation_Tarvel_Graphics {
 using namespace Application_Tarvel;
 using Outils_Configuration::Cnf;
 using Outils_Texte::EText;
+using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
 
 namespace {
 
@@ -74,16 +78,46 @@ bool CTrv1DChannelFeed::HasDataOf(const Outils_Objets::CObject* file) const {
     });
 }
 
-EText CTrv1DChannelFeed::GetNotice(const CTrv1DGraphPortlet& portlet) const {
-    bool waits = false, hasData = false;
-    portlet.ForEachSource([&](const CTrv1DGraphDataSource& source) {
+std::string CTrv1DChannelFeed::GetNotice(const CTrv1DGraphPortlet& portlet) const {
+    if (portlet.GetPlot().GetSeries().empty()) return GetCurvelessNotice(portlet);
+    bool waits = false, visible = false;
+    std::string empty;
+    std::optional<SPeriod> extent;
+    portlet.ForEachVisible([&](const CPlot2DSerie&, const CTrv1DGraphDataSource& source) {
+        visible = true;
         const auto place = m_channels.find(source.GetChannel());
         if (place == m_channels.end()) return;
         const SChannel& channel = place->second;
         waits = waits || !channel.answered || channel.windowQuery;
-        hasData = hasData || channel.hasData;
+        if (!channel.hasData) {
+            empty = GetEmptyNotice(place->first, channel);
+            return;
+        }
+        const SPeriod own = {channel.first + channel.origin, channel.last + channel.origin};
+        extent = extent ? SPeriod{std::min(extent->start, own.start), std::max(extent->end, own.end)} : own;
     });
-    return waits ? EText::loading : hasData ? EText::noDataInPeriod : EText::noData;
+    if (!visible) return std::string(GetText(EText::curveHidden));
+    if (waits) return std::string(GetText(EText::loading));
+    if (!extent) return empty.empty() ? std::string(GetText(EText::noData)) : empty;
+    const SSimulationTimeText& text = m_stack.GetTimeText();
+    const SPeriod& shown = m_stack.GetPeriod();
+    return FormatText(EText::noDataBetween, {text.Format(shown.start), text.Format(shown.end),
+                                             text.Format(extent->start), text.Format(extent->end)});
+}
+
+// A default graph has no curve as long as its files have no layers.
+std::string CTrv1DChannelFeed::GetCurvelessNotice(const CTrv1DGraphPortlet& portlet) const {
+    const auto* project = m_document.GetProject();
+    if (portlet.GetGraph() || !project) return std::string(GetText(EText::graphWithoutCurves));
+    if (m_document.IsAnalysing()) return std::string(GetText(EText::loading));
+    const auto& result = *project->simulationParameters->outputFile;
+    return FormatText(EText::resultMissing, {Outils_Fichiers::ToText(result.path.filename())});
+}
+
+std::string CTrv1DChannelFeed::GetEmptyNotice(const SChannelKey& key, const SChannel& channel) const {
+    const std::string name = Outils_Fichiers::ToText(channel.address.path.filename());
+    if (!channel.fault) return FormatText(EText::channelWithoutPackets, {name});
+    return FormatText(IsResult(key) ? EText::resultMissing : EText::fileUnreadable, {name});
 }
 
 void CTrv1DChannelFeed::Update() {
@@ -230,12 +264,14 @@ void CTrv1DChannelFeed::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
         }
     }
     const SPeriod& period = m_stack.GetPeriod();
+    channel.fault = !success && IsFault(query);
     const bool hadData = std::exchange(channel.hasData, success);
     const bool sameStart = hadData && success && channel.first == query.GetFirst();
     // What was appended after the displayed time changes nothing in it.
     const bool growth = channel.last != query.GetLast() && !(period.end < channel.last + channel.origin);
     const bool read = std::exchange(channel.force, false) || !sameStart || growth;
     channel.answered = true;
+    const CDateTimeSpan formerEnd = channel.last + channel.origin;
     channel.first = query.GetFirst();
     channel.last = query.GetLast();
     if (!success) {
@@ -245,6 +281,7 @@ void CTrv1DChannelFeed::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
         m_stack.SetDataset(key, nullptr);
     }
     const SPeriod asked = m_askedPeriod;
+    if (hadData && success && IsResult(key)) FollowEnd(formerEnd, channel.last + channel.origin);
     UpdateFullExtent();
     // Where the displayed time followed, all was asked for.
     if (read && m_askedPeriod == asked) AskWindow(key, channel);
@@ -265,6 +302,19 @@ void CTrv1DChannelFeed::OnWindow(const SChannelKey& key, CWindowQuery& query, bo
     }
     StartRefreshes();
     m_onChanged();
+}
+
+bool CTrv1DChannelFeed::IsResult(const SChannelKey& key) const {
+    const auto* project = m_document.GetProject();
+    return project && key.file == project->simulationParameters->outputFile.get();
+}
+
+// The last screenful stays the last one. A view of everything grows instead.
+void CTrv1DChannelFeed::FollowEnd(CDateTimeSpan formerEnd, CDateTimeSpan end) {
+    const SPeriod period = m_viewState.GetView().period;
+    if (m_stack.ShowsFullExtent() || end <= formerEnd || formerEnd < period.start || formerEnd > period.end)
+        return;
+    m_viewState.FollowData(Move(period, static_cast<double>((end - formerEnd).GetTicks())));
 }
 
 // A view of everything stays one.

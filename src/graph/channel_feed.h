@@ -3,12 +3,12 @@
 #pragma once
 
 #include "document/document.h"
-#include "foundation/text_id.h"
 #include "graph/stack.h"
 
 #include <functional>
 #include <map>
 #include <memory>
+#include <string>
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -29,8 +29,8 @@ class CTrv1DChannelFeed {
     bool IsLoading() const;
     // Data of this file has come. `file` is compared only.
     bool HasDataOf(const Outils_Objets::CObject* file) const;
-    // What a graph without points has to say.
-    Outils_Texte::EText GetNotice(const CTrv1DGraphPortlet& portlet) const;
+    // What a graph without points has to say: why it has none, and what helps.
+    std::string GetNotice(const CTrv1DGraphPortlet& portlet) const;
 
     // Follows the channels that the stack shows now: asks about new ones, drops those that left, and hands
     // what is known to every curve.
@@ -57,6 +57,7 @@ class CTrv1DChannelFeed {
         std::shared_ptr<const CTrv1DGraphDataset> dataset; // the last that came; may be null
         CDateTimeSpan first, last;                         // of the data, in file time
         bool hasData = false;
+        bool fault = false;    // the file could not be read
         bool answered = false; // where its data lies is known, or that it has none
         bool refresh = false;  // look at the file again as soon as no query is under way
         bool force = false;    // and read the window again even if the file has not grown
@@ -73,6 +74,10 @@ class CTrv1DChannelFeed {
     void OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success, bool cancelled);
     void OnWindow(const SChannelKey& key, CWindowQuery& query, bool success, bool cancelled);
     void UpdateFullExtent();
+    bool IsResult(const SChannelKey& key) const;
+    std::string GetCurvelessNotice(const CTrv1DGraphPortlet& portlet) const;
+    std::string GetEmptyNotice(const SChannelKey& key, const SChannel& channel) const;
+    void FollowEnd(CDateTimeSpan formerEnd, CDateTimeSpan end);
     SPeriod FindFullExtent() const;
 
     Application_Tarvel::CTrvDocument& m_document;

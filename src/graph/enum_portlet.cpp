@@ -45,6 +45,10 @@ CPlot2DSerie& CTrv1DGraphEnumPortlet::AddSerie(std::unique_ptr<CTrv1DGraphDataSo
     return GetPlot().AddChronogram(std::move(source), std::move(name));
 }
 
+std::string CTrv1DGraphEnumPortlet::FormatValue(double value) const {
+    return GetPlot().GetVerticalAxis().GetFormater()->Format(value);
+}
+
 float CTrv1DGraphEnumPortlet::GetMinimumHeight() const {
     const float rows = static_cast<float>(m_rows) * kRowHeight + kRowsSurround;
     return std::clamp(rows, kMinimumPortletHeight, kMaximumRowsHeight);

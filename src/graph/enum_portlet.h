@@ -12,6 +12,7 @@ class CTrv1DGraphEnumPortlet : public CTrv1DGraphPortlet {
                            const SGraphDescription& description);
 
     void Update(const SGraphDescription& description) override;
+    std::string FormatValue(double value) const override;
     float GetMinimumHeight() const override;
 
   protected:

@@ -1,7 +1,10 @@
 #include "graph/field_drop.h"
 
 #include "document/edits.h"
+#include "graph/measure_portlet.h"
 #include "model/graph_rules.h"
+
+#include <optional>
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -21,21 +24,27 @@ const T* As(const CObject& object) {
     return object.IsKindOf(T::Class()) ? static_cast<const T*>(&object) : nullptr;
 }
 
-bool Takes(const Metier_Tarvel::CTrvProject& project, CTrv1DGraph& graph, const CObject& field) {
-    const auto* measure = As<CTrvMeasureDef>(field);
-    const auto* measures = As<CTrv1DGraphMeasure>(&graph);
-    if (!measure || !measures) return false;
-    std::uint32_t nature = 0;
-    double factor = 1;
-    return !FindGraphNature(project, *measures, nature) || CanJoin(nature, measure->m_nature, factor);
+// The nature of the first curve that the dictionary knows; none for a graph that takes any measure.
+std::optional<std::uint32_t> FindNature(const Metier_Tarvel::CTrvProject& project,
+                                        const CTrv1DGraphPortlet& portlet) {
+    for (const SCurveDescription& curve : portlet.GetCurves()) {
+        const auto* layer = project.dataModel->FindLayer(curve.channel.file, curve.channel.channel);
+        const auto* measure = layer ? CTrvDataModel::FindMeasure(*layer, curve.field) : nullptr;
+        if (measure) return measure->m_nature;
+    }
+    return {};
 }
 
 } // namespace
 
 bool CanDrop(const Metier_Tarvel::CTrvProject& project, const CTrv1DGraphPortlet* portlet,
              const CObject& field) {
-    if (portlet && portlet->GetGraph()) return Takes(project, *portlet->GetGraph(), field);
-    return As<CTrvMeasureDef>(field) || As<CTrvEnumDef>(field);
+    const auto* measure = As<CTrvMeasureDef>(field);
+    if (!portlet) return measure || As<CTrvEnumDef>(field);
+    if (!measure || !dynamic_cast<const CTrv1DGraphMeasurePortlet*>(portlet)) return false;
+    const auto nature = FindNature(project, *portlet);
+    double factor = 1;
+    return !nature || CanJoin(*nature, measure->m_nature, factor);
 }
 
 bool Drop(Application_Tarvel::CTrvDocument& document, const CTrv1DGraphPortlet* portlet,
@@ -44,9 +53,11 @@ bool Drop(Application_Tarvel::CTrvDocument& document, const CTrv1DGraphPortlet* 
     if (!project || !CanDrop(*project, portlet, field)) return false;
     auto edits = document.GetEdits();
     const auto* measure = As<CTrvMeasureDef>(field);
-    if (!measure) return edits.Do(Application_Tarvel::Edits::kAdd1DGraphEnum, static_cast<const CTrvEnumDef&>(field));
+    if (!measure)
+        return edits.Do(Application_Tarvel::Edits::kAdd1DGraphEnum, static_cast<const CTrvEnumDef&>(field));
     auto* graph = portlet ? As<CTrv1DGraphMeasure>(portlet->GetGraph()) : nullptr;
-    return graph ? edits.Do(Application_Tarvel::Edits::kAdd1DCurve, *graph, *measure) : edits.Do(Application_Tarvel::Edits::kAdd1DGraphMeasure, *measure);
+    return graph ? edits.Do(Application_Tarvel::Edits::kAdd1DCurve, *graph, *measure)
+                 : edits.Do(Application_Tarvel::Edits::kAdd1DGraphMeasure, *measure);
 }
 
 } // namespace Presentation_Tarvel_Graphics

@@ -1,10 +1,12 @@
 #include "graph/loader.h"
 
 #include "config/config_file.h"
-#include "foundation/text_id.h"
+#include "graph/default_graphs.h"
+#include "graph/hit_test.h"
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -12,7 +14,6 @@ namespace Presentation_Tarvel_Graphics {
 
 using namespace Application_Tarvel;
 using Outils_Configuration::Cnf;
-using Outils_Texte::GetText;
 
 namespace {
 
@@ -61,11 +62,76 @@ void CTrv1DGraphLoader::Relayout() {
 
 bool CTrv1DGraphLoader::IsLoading() const { return m_feed.IsLoading(); }
 
-void CTrv1DGraphLoader::ZoomTime(double steps) {
+double CTrv1DGraphLoader::GetTimeFactor(double steps) const {
     const double in = Factor(Config().Get(Cnf<"view1D/horizontalZoomScaleFactor">), 0.5);
     const double out = Factor(Config().Get(Cnf<"view1D/horizontalUnzoomScaleFactor">), 2);
-    ShowPeriod(steps > 0 ? ZoomIn(m_stack.GetPeriod(), std::pow(in, steps))
-                         : ZoomOut(m_stack.GetPeriod(), std::pow(out, -steps)));
+    return steps > 0 ? std::pow(in, steps) : std::pow(out, -steps);
+}
+
+double CTrv1DGraphLoader::GetValueFactor(double steps) const {
+    const double in = Factor(Config().Get(Cnf<"view1D/verticalZoomScaleFactor">), 0.5);
+    const double out = Factor(Config().Get(Cnf<"view1D/verticalUnzoomScaleFactor">), 2);
+    return steps > 0 ? std::pow(in, steps) : std::pow(out, -steps);
+}
+
+void CTrv1DGraphLoader::ZoomTime(double steps) {
+    const double factor = GetTimeFactor(steps);
+    ShowPeriod(steps > 0 ? ZoomIn(m_stack.GetPeriod(), factor) : ZoomOut(m_stack.GetPeriod(), factor));
+}
+
+void CTrv1DGraphLoader::ZoomTimeAt(double steps, CDateTimeSpan at) {
+    ShowPeriod(ZoomAt(m_stack.GetPeriod(), at, GetTimeFactor(steps)));
+}
+
+void CTrv1DGraphLoader::PageTime(int windows) { ShowPeriod(Scroll(m_stack.GetPeriod(), windows)); }
+
+void CTrv1DGraphLoader::ShowBegin() {
+    const SPeriod &period = m_stack.GetPeriod(), &all = m_stack.GetFullExtent();
+    ShowPeriod(Move(period, static_cast<double>((all.start - period.start).GetTicks())));
+}
+
+void CTrv1DGraphLoader::ShowEnd() {
+    const SPeriod &period = m_stack.GetPeriod(), &all = m_stack.GetFullExtent();
+    ShowPeriod(Move(period, static_cast<double>((all.end - period.end).GetTicks())));
+}
+
+void CTrv1DGraphLoader::GoTo(CDateTimeSpan time) {
+    const SPeriod& period = m_stack.GetPeriod();
+    if (period.IsEmpty()) return;
+    if (time < period.start || time > period.end)
+        ShowPeriod(Move(period, static_cast<double>((time - period.start).GetTicks()) -
+                                    static_cast<double>((period.end - period.start).GetTicks()) / 2));
+    m_viewState.SetCursor(ECursor::first, time);
+}
+
+void CTrv1DGraphLoader::MoveSelected(int step) {
+    auto* project = m_document.GetProject();
+    if (!project || !m_stack.GetSelected() || !SaveDefaults()) return;
+    auto& graphs = project->graphSettings->graphs;
+    const auto place = std::ranges::find(graphs, m_stack.GetSelected()->GetGraph(),
+                                         [](const auto& own) { return own.get(); });
+    const auto index = place - graphs.begin(), other = index + step;
+    if (place == graphs.end() || other < 0 || other >= std::ssize(graphs)) return;
+    std::swap(graphs[static_cast<std::size_t>(index)], graphs[static_cast<std::size_t>(other)]);
+    m_document.ProjectChanged(hintGraphAdded, graphs[static_cast<std::size_t>(other)].get());
+}
+
+void CTrv1DGraphLoader::ShowAlone(bool alone) {
+    m_stack.ShowAlone(alone);
+    Relayout();
+}
+
+void CTrv1DGraphLoader::EqualHeights() {
+    for (const auto& portlet : m_stack.GetPortlets()) portlet->SetUserHeight(0);
+    Relayout();
+}
+
+bool CTrv1DGraphLoader::SaveDefaults() {
+    auto* project = m_document.GetProject();
+    if (!project) return false;
+    if (const auto* saved = SaveDefaultGraphs(*project, m_adaptors))
+        m_document.ProjectChanged(hintGraphAdded, saved);
+    return !project->graphSettings->graphs.empty();
 }
 
 void CTrv1DGraphLoader::ScrollTime(double steps) {
@@ -78,11 +144,12 @@ void CTrv1DGraphLoader::ViewAll() { ShowPeriod(m_stack.GetFullExtent()); }
 void CTrv1DGraphLoader::FitValues() { m_viewState.SetView({m_viewState.GetView().period, {}}); }
 
 void CTrv1DGraphLoader::ZoomValues(double steps) {
-    const double in = Factor(Config().Get(Cnf<"view1D/verticalZoomScaleFactor">), 0.5);
-    const double out = Factor(Config().Get(Cnf<"view1D/verticalUnzoomScaleFactor">), 2);
     if (const auto* graph = m_stack.GetSelectedMeasure())
-        m_viewState.SetRange(graph->GetKey(), Zoom(graph->GetRange(),
-                                                   steps > 0 ? std::pow(in, steps) : std::pow(out, -steps)));
+        m_viewState.SetRange(graph->GetKey(), Zoom(graph->GetRange(), GetValueFactor(steps)));
+}
+
+void CTrv1DGraphLoader::ZoomValuesAt(const CTrv1DGraphMeasurePortlet& graph, double steps, double value) {
+    m_viewState.SetRange(graph.GetKey(), ZoomAt(graph.GetRange(), value, GetValueFactor(steps)));
 }
 
 void CTrv1DGraphLoader::ScrollValues(double steps) {
@@ -194,10 +261,10 @@ void CTrv1DGraphLoader::UpdateGraphs() {
     std::vector<SGraphDescription> graphs;
     if (const auto* project = m_document.GetProject())
         graphs = DescribeGraphs(*project, m_adaptors, Config().Get(Cnf<"view1D/chronogram/color">).argb);
-    std::vector<SGraphKey> before;
-    for (const auto& portlet : m_stack.GetPortlets()) before.push_back(portlet->GetKey());
+    std::map<const CTrv1DGraphPortlet*, SGraphKey> before;
+    for (const auto& portlet : m_stack.GetPortlets()) before[portlet.get()] = portlet->GetKey();
     m_stack.SetGraphs(graphs, m_settings);
-    ForgetLeftRanges(before);
+    MoveRanges(before);
     m_stack.SetTimeText(MakeTimeText());
     m_stack.Show(m_viewState.GetView());
     m_stack.Layout(m_size, m_layout);
@@ -205,17 +272,21 @@ void CTrv1DGraphLoader::UpdateGraphs() {
     Changed(true);
 }
 
-// A graph to come may get the address of one that has gone.
-void CTrv1DGraphLoader::ForgetLeftRanges(const std::vector<SGraphKey>& before) {
-    for (const SGraphKey& key : before)
-        if (std::ranges::none_of(m_stack.GetPortlets(),
-                                 [&](const auto& portlet) { return portlet->GetKey() == key; }))
+// A default graph that was saved keeps its range. One that has gone does not: a graph to come may get its
+// address.
+void CTrv1DGraphLoader::MoveRanges(const std::map<const CTrv1DGraphPortlet*, SGraphKey>& before) {
+    for (const auto& [portlet, key] : before) {
+        const int index = IndexOf(m_stack, portlet);
+        if (index < 0)
             m_viewState.ForgetGraph(key);
+        else if (const SGraphKey now = m_stack.GetPortlets()[static_cast<std::size_t>(index)]->GetKey();
+                 now != key)
+            m_viewState.RenameGraph(key, now);
+    }
 }
 
 void CTrv1DGraphLoader::UpdateNotices() {
-    for (const auto& portlet : m_stack.GetPortlets())
-        portlet->SetNotice(std::string(GetText(m_feed.GetNotice(*portlet))));
+    for (const auto& portlet : m_stack.GetPortlets()) portlet->SetNotice(m_feed.GetNotice(*portlet));
 }
 
 void CTrv1DGraphLoader::Changed(bool layout) {

@@ -6,6 +6,7 @@
 #include "values/adaptors.h"
 
 #include <functional>
+#include <map>
 #include <optional>
 
 namespace Presentation_Tarvel_Graphics {
@@ -48,9 +49,27 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     void ViewAll();
     // Lets the values of every graph follow what is visible again.
     void FitValues();
+    // Keeps the length of the displayed time: by whole windows, positive to later times; to the first data;
+    // to the last.
+    void PageTime(int windows);
+    void ShowBegin();
+    void ShowEnd();
+    // Puts the cursor at a time, in the middle of what is shown unless it is shown already.
+    void GoTo(CDateTimeSpan time);
+    // Zoom about a time; about a value of a graph of measures.
+    void ZoomTimeAt(double steps, CDateTimeSpan at);
+    void ZoomValuesAt(const CTrv1DGraphMeasurePortlet& graph, double steps, double value);
     // Act on the selected graph, if that is one of measures.
     void ZoomValues(double steps);
     void ScrollValues(double steps);
+    // The selected graph in the stack: one place up (negative) or down; alone or with all others again.
+    void MoveSelected(int step);
+    void ShowAlone(bool alone);
+    // Forgets the heights that the user gave.
+    void EqualHeights();
+    // Makes the default graphs part of the project before one of them changes. True when the project has
+    // graphs of its own then; every graph keeps its place and what it shows.
+    bool SaveDefaults();
     // For all graphs; at the start the settings decide.
     void SetLegendsVisible(bool visible);
     // Shows this period; ignores an empty one.
@@ -67,7 +86,9 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
   private:
     void OnViewChanged();
     void UpdateGraphs();
-    void ForgetLeftRanges(const std::vector<SGraphKey>& before);
+    void MoveRanges(const std::map<const CTrv1DGraphPortlet*, SGraphKey>& before);
+    double GetTimeFactor(double steps) const;
+    double GetValueFactor(double steps) const;
     void ForgetResult();
     SSimulationTimeText MakeTimeText() const;
     void UpdateNotices();

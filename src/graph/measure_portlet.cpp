@@ -56,6 +56,12 @@ void CTrv1DGraphMeasurePortlet::SetRangeAutomatic() {
     FitRange();
 }
 
+std::optional<double> CTrv1DGraphMeasurePortlet::ReadValue(const std::string& text) const {
+    double value = 0;
+    if (!m_scale->GetAdaptor().TextToValue(text, value)) return {};
+    return value;
+}
+
 void CTrv1DGraphMeasurePortlet::OnDataChanged() {
     if (m_automatic) FitRange();
 }
@@ -63,7 +69,7 @@ void CTrv1DGraphMeasurePortlet::OnDataChanged() {
 void CTrv1DGraphMeasurePortlet::FitRange() {
     double low = std::numeric_limits<double>::infinity(), high = -low;
     bool found = false;
-    ForEachSource([&](const CTrv1DGraphDataSource& source) {
+    ForEachVisible([&](const CPlot2DSerie&, const CTrv1DGraphDataSource& source) {
         if (source.IncludeValues(low, high)) found = true;
     });
     if (!found) return;

@@ -5,6 +5,8 @@
 #include "graph/range.h"
 #include "graph/vertical_scale.h"
 
+#include <optional>
+
 namespace Presentation_Tarvel_Graphics {
 
 // Its vertical range fits the data until the user changes it.
@@ -25,6 +27,10 @@ class CTrv1DGraphMeasurePortlet : public CTrv1DGraphPortlet {
     void SetRange(const SRange& range);
     void SetRangeAutomatic();
 
+    // The value that a text of the axis says, with its unit or without; none for any other text.
+    std::optional<double> ReadValue(const std::string& text) const;
+
+    std::string FormatValue(double value) const override { return m_formater->Format(value); }
     void OnDataChanged() override;
     void Reformat() override;
 

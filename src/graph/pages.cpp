@@ -49,17 +49,18 @@ SPrintedPages ComputePages(const SPageMetrics& metrics, const SPageMargins& marg
 SPrintedPages ComputePages(const SPageMetrics& metrics, const SPageMargins& margins,
                            const CTrv1DGraphStack& stack) {
     std::vector<SSize> sizes;
-    for (const auto& portlet : stack.GetPortlets())
+    for (const auto* portlet : stack.GetShown())
         sizes.push_back({portlet->GetRect().width, portlet->GetRect().height});
     return ComputePages(metrics, margins, sizes);
 }
 
 void DrawPage(const CTrv1DGraphStack& stack, CGraphics& graphics, const SPrintedPages& pages,
               std::size_t page) {
-    if (page >= pages.pages.size() || pages.places.size() != stack.GetPortlets().size()) return;
+    const auto portlets = stack.GetShown();
+    if (page >= pages.pages.size() || pages.places.size() != portlets.size()) return;
     const QTransform former = graphics.GetTransform();
     for (std::size_t i = pages.pages[page].first; i <= pages.pages[page].last; ++i) {
-        CTrv1DGraphPortlet& portlet = *stack.GetPortlets()[i];
+        CTrv1DGraphPortlet& portlet = *portlets[i];
         const SRect &place = pages.places[i], &screen = portlet.GetRect();
         QTransform transform = former;
         transform.translate(static_cast<double>(place.x), static_cast<double>(place.y));

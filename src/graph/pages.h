@@ -34,14 +34,14 @@ struct US_printedPageInfo {
 struct SPrintedPages {
     SRect box;                             // within the margins
     std::vector<US_printedPageInfo> pages; // none when nothing fits between the margins
-    std::vector<SRect> places;             // of each portlet on its page
+    std::vector<SRect> places;             // of each shown portlet on its page
 };
 
 // Every portlet takes the width of the box and a height in proportion; one that is higher than the box has a
 // page of its own and is made smaller until it fits. `sizes`: of the portlets on the screen, in order.
 SPrintedPages ComputePages(const SPageMetrics& metrics, const SPageMargins& margins,
                            std::span<const SSize> sizes);
-// The same for the portlets of a stack that is laid out.
+// The same for the shown portlets of a stack that is laid out.
 SPrintedPages ComputePages(const SPageMetrics& metrics, const SPageMargins& margins,
                            const CTrv1DGraphStack& stack);
 

@@ -37,6 +37,14 @@ SPeriod ZoomOut(const SPeriod& period, double factor) {
     return ZoomTo(period, std::trunc(factor * ToDouble(period.end - period.start)));
 }
 
+SPeriod ZoomAt(const SPeriod& period, CDateTimeSpan at, double factor) {
+    const double span = ToDouble(period.end - period.start);
+    if (period.IsEmpty() || (factor < 1 && span < kShortestSpan)) return {};
+    const double wanted = factor < 1 ? std::max(std::trunc(factor * span), kShortestSpan) : factor * span;
+    const double start = ToDouble(at) - std::trunc(ToDouble(at - period.start) / span * wanted);
+    return MakePeriod(start, start + std::trunc(wanted));
+}
+
 SPeriod Scroll(const SPeriod& period, double factor) {
     if (period.IsEmpty()) return {};
     const double shift = factor * ToDouble(period.end - period.start);

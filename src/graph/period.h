@@ -22,6 +22,8 @@ struct SPeriod {
 // Keeps the centre. Ends at one second; a period below that is left alone.
 SPeriod ZoomIn(const SPeriod& period, double factor);
 SPeriod ZoomOut(const SPeriod& period, double factor);
+// Keeps `at` at its place in the window; a factor below 1 zooms in and ends at one second.
+SPeriod ZoomAt(const SPeriod& period, CDateTimeSpan at, double factor);
 // Moves by this part of the length, positive to later times. May pass the ends of the data.
 SPeriod Scroll(const SPeriod& period, double factor);
 // Moves by whole ticks, the fraction left out.

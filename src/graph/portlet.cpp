@@ -19,16 +19,9 @@ constexpr float kLabelGap = 6; // labels are three pixels from the plotting area
 constexpr float kTimeLabelGap = 14;
 constexpr float kNoticeHeight = 14;
 
-constexpr Colour kGround = 0xFFFFFFFF;
-constexpr Colour kTitleGround = 0xFFF4F6F9;
-constexpr Colour kTitleSelectedFrom = 0xFFF5FAFF;
-constexpr Colour kTitleSelectedTo = 0xFFD7EBFF;
-constexpr Colour kTitleText = 0xFF000078;
-constexpr Colour kFrame = 0xFFC9D1DE;
-constexpr Colour kFrameSelected = 0xFF99DEFE;
-constexpr Colour kGrid = 0xFFE7EAF0;
-constexpr Colour kAxis = 0xFF000078;
-constexpr Colour kNotice = 0xFF7A8294;
+// By the place of a curve in its graph: the first has none.
+constexpr EMarker kMarkers[] = {EMarker::none,     EMarker::square,  EMarker::disc,
+                                EMarker::triangle, EMarker::diamond, EMarker::cross};
 
 // The numbers of ticks from one label to the next among which to choose.
 constexpr int kStrides[] = {1, 2, 4, 5, 10, 20, 50, 100};
@@ -44,20 +37,18 @@ CTrv1DGraphPortlet::CTrv1DGraphPortlet(CPlot2DSettings& settings, const SSimulat
     m_timeFormater = formater.get();
     m_plot.GetHorizontalAxis().SetScale(std::move(scale));
     m_plot.GetHorizontalAxis().SetFormater(std::move(formater));
-    for (CPlot2DAxis* axis : {&m_plot.GetHorizontalAxis(), &m_plot.GetVerticalAxis()}) {
-        axis->SetPen(std::make_unique<CPlot2DPen>(kAxis));
-        axis->GetGrid().SetPen(std::make_unique<CPlot2DPen>(kGrid));
-    }
-    m_plot.GetPlottingArea().SetBrush(std::make_unique<CPlot2DSolidBrush>(kGround));
+    m_plot.GetLegend().SetValueLines(true);
+    ApplyTheme(kLightTheme);
 }
 
 CTrv1DGraphPortlet::~CTrv1DGraphPortlet() = default;
 
 namespace {
 
-// Both are the same curve, whatever its colour, name or factor. Default curves have no saved one.
+// Both are the same curve, whatever its colour, name or factor. Default curves have no saved one until they
+// become part of the project.
 bool IsSameCurve(const SCurveDescription& a, const SCurveDescription& b) {
-    if (a.curve || b.curve) return a.curve == b.curve;
+    if (a.curve && b.curve) return a.curve == b.curve;
     return a.channel == b.channel && a.field == b.field;
 }
 
@@ -68,12 +59,14 @@ bool ReadsTheSame(const SCurveDescription& a, const SCurveDescription& b) {
 } // namespace
 
 void CTrv1DGraphPortlet::Update(const SGraphDescription& description) {
+    m_graph = description.graph;
     m_title = description.title;
     RemoveSeries(description.curves);
     for (std::size_t i = 0; i < description.curves.size(); ++i) {
         const SCurveDescription& wanted = description.curves[i];
         if (i == m_entries.size()) m_entries.push_back({&AddSerie(MakeSource(wanted), wanted.name), wanted});
         UpdateSerie(m_entries[i], wanted);
+        m_entries[i].serie->SetMarker(kMarkers[i % std::size(kMarkers)]);
     }
     OnDataChanged();
 }
@@ -114,16 +107,35 @@ void CTrv1DGraphPortlet::UpdateSerie(SEntry& entry, const SCurveDescription& wan
             ->SetDisplay(m_timeScale->GetDisplayStart(), m_timeScale->GetDisplayEnd());
 }
 
-const Metier_Tarvel_Graphics::CTrv1DCurve* CTrv1DGraphPortlet::GetCurve(const CPlot2DSerie* serie) const {
+std::vector<SCurveDescription> CTrv1DGraphPortlet::GetCurves() const {
+    std::vector<SCurveDescription> curves;
+    for (const SEntry& entry : m_entries) curves.push_back(entry.shown);
+    return curves;
+}
+
+const SCurveDescription* CTrv1DGraphPortlet::FindShown(const CPlot2DSerie* serie) const {
     for (const SEntry& entry : m_entries)
-        if (entry.serie == serie) return entry.shown.curve;
+        if (entry.serie == serie) return &entry.shown;
     return nullptr;
+}
+
+const Metier_Tarvel_Graphics::CTrv1DCurve* CTrv1DGraphPortlet::GetCurve(const CPlot2DSerie* serie) const {
+    const SCurveDescription* shown = FindShown(serie);
+    return shown ? shown->curve : nullptr;
 }
 
 void CTrv1DGraphPortlet::ForEachSource(const std::function<void(CTrv1DGraphDataSource&)>& visit) const {
     // Series of a portlet are made here, each with a source of this class.
     for (const auto& serie : m_plot.GetSeries())
         if (auto* source = static_cast<CTrv1DGraphDataSource*>(serie->GetDataSource())) visit(*source);
+}
+
+void CTrv1DGraphPortlet::ForEachVisible(
+    const std::function<void(CPlot2DSerie&, CTrv1DGraphDataSource&)>& visit) const {
+    for (const auto& serie : m_plot.GetSeries())
+        if (auto* source = static_cast<CTrv1DGraphDataSource*>(serie->GetDataSource());
+            source && serie->IsVisible())
+            visit(*serie, *source);
 }
 
 void CTrv1DGraphPortlet::SetDisplay(CDateTimeSpan start, CDateTimeSpan end) {
@@ -136,7 +148,9 @@ void CTrv1DGraphPortlet::OnDataChanged() {}
 
 bool CTrv1DGraphPortlet::HasPoints() const {
     bool found = false;
-    ForEachSource([&found](const CTrv1DGraphDataSource& source) { found = found || source.GetCount() > 0; });
+    ForEachVisible([&found](const CPlot2DSerie&, const CTrv1DGraphDataSource& source) {
+        found = found || source.GetCount() > 0;
+    });
     return found;
 }
 
@@ -182,23 +196,35 @@ void CTrv1DGraphPortlet::ChooseTimeLabels(const CGraphics& graphics) {
     }
 }
 
+void CTrv1DGraphPortlet::ApplyTheme(const STheme& theme) {
+    if (m_theme == &theme) return;
+    m_theme = &theme;
+    for (CPlot2DAxis* axis : {&m_plot.GetHorizontalAxis(), &m_plot.GetVerticalAxis()}) {
+        axis->SetPen(std::make_unique<CPlot2DPen>(theme.axis));
+        axis->GetGrid().SetPen(std::make_unique<CPlot2DPen>(theme.grid));
+    }
+    m_plot.GetPlottingArea().SetBrush(std::make_unique<CPlot2DSolidBrush>(theme.ground));
+}
+
 void CTrv1DGraphPortlet::Draw(CGraphics& graphics, bool selected) {
+    const STheme& theme = graphics.GetTheme();
+    ApplyTheme(theme);
     const SRect frame = {m_rect.x, m_rect.y, m_rect.width - 1, m_rect.height - 1};
     const SRect title = {frame.x, frame.y, frame.width, kTitleHeight - 3};
-    CPlot2DSolidBrush(kGround).Fill(graphics, frame);
+    CPlot2DSolidBrush(theme.ground).Fill(graphics, frame);
     if (selected)
-        CPlot2DLinearGradientBrush(kTitleSelectedFrom, kTitleSelectedTo, LinearGradientMode::Vertical)
+        CPlot2DLinearGradientBrush(theme.selectedFrom, theme.selectedTo, LinearGradientMode::Vertical)
             .Fill(graphics, title);
     else
-        CPlot2DSolidBrush(kTitleGround).Fill(graphics, title);
-    const CPlot2DPen pen(selected ? kFrameSelected : kFrame);
+        CPlot2DSolidBrush(theme.titleGround).Fill(graphics, title);
+    const CPlot2DPen pen(selected ? theme.frameSelected : theme.frame);
     graphics.DrawRectangle(pen.GetNative(), frame);
 
     SStringFormat format;
     format.lineAlign = StringAlignment::Center;
     graphics.SetClipRect(title);
     graphics.DrawString(m_title, m_plot.GetHorizontalAxis().GetFont(),
-                        SPoint{title.x + 2 * kPadding, title.y + title.height / 2}, format, kTitleText);
+                        SPoint{title.x + 2 * kPadding, title.y + title.height / 2}, format, theme.text);
     graphics.ResetClip();
 
     m_plot.Draw(graphics);
@@ -213,7 +239,7 @@ void CTrv1DGraphPortlet::DrawNotice(CGraphics& graphics) const {
     format.lineAlign = StringAlignment::Center;
     const SRect& area = m_plottingRect;
     graphics.DrawString(m_notice, font, SPoint{area.x + area.width / 2, area.y + area.height / 2}, format,
-                        kNotice);
+                        graphics.GetTheme().notice);
 }
 
 } // namespace Presentation_Tarvel_Graphics

@@ -36,15 +36,24 @@ class CTrv1DGraphPortlet {
     // By what the view state knows the graph.
     SGraphKey GetKey() const { return {m_graph, m_graph ? std::string() : m_title}; }
     CPlot2D& GetPlot() { return m_plot; }
+    const CPlot2D& GetPlot() const { return m_plot; }
     CTrv1DGraphSimulationTimeScale& GetTimeScale() const { return *m_timeScale; }
 
+    // What each serie shows, in drawing order; saved curves may be destroyed.
+    std::vector<SCurveDescription> GetCurves() const;
+    // What a serie of the plot shows; null for a serie of another plot.
+    const SCurveDescription* FindShown(const CPlot2DSerie* serie) const;
     // The saved curve that a serie of the plot shows; null if there is none.
     const Metier_Tarvel_Graphics::CTrv1DCurve* GetCurve(const CPlot2DSerie* serie) const;
     // Shows what `description` says of the same graph. Series that show the same field stay as they are, with
     // their data and their selection; the others come and go.
     virtual void Update(const SGraphDescription& description);
-    // Calls for the data source of every serie, in drawing order.
+    // Calls for the data source of every serie, in drawing order, hidden ones included.
     void ForEachSource(const std::function<void(CTrv1DGraphDataSource&)>& visit) const;
+    // The same with the serie, without the hidden ones.
+    void ForEachVisible(const std::function<void(CPlot2DSerie&, CTrv1DGraphDataSource&)>& visit) const;
+    // The text of a value of the graph, with its unit.
+    virtual std::string FormatValue(double value) const = 0;
 
     // The displayed time. REQUIRES: start < end.
     void SetDisplay(CDateTimeSpan start, CDateTimeSpan end);
@@ -54,7 +63,8 @@ class CTrv1DGraphPortlet {
     virtual void Reformat() {}
     // What the plotting area says while there is nothing to draw; empty for nothing.
     void SetNotice(std::string notice) { m_notice = std::move(notice); }
-    // Some curve has a point.
+    const std::string& GetNotice() const { return m_notice; }
+    // Some curve that is not hidden has a point.
     bool HasPoints() const;
 
     // The strip, in the coordinates of the stack. `margin` pixels at least are left for the labels of the
@@ -65,6 +75,9 @@ class CTrv1DGraphPortlet {
     const SRect& GetRect() const { return m_rect; }
     // The plotting area in the coordinates of the stack.
     const SRect& GetPlottingRect() const { return m_plottingRect; }
+    // Left out of the stack, because another graph is shown alone.
+    bool IsCollapsed() const { return m_collapsed; }
+    void SetCollapsed(bool collapsed) { m_collapsed = collapsed; }
     // The height that the user gave, or 0 to share what there is.
     float GetUserHeight() const { return m_userHeight; }
     void SetUserHeight(float height) { m_userHeight = height; }
@@ -93,6 +106,7 @@ class CTrv1DGraphPortlet {
     void RemoveSeries(const std::vector<SCurveDescription>& wanted);
     void UpdateSerie(SEntry& entry, const SCurveDescription& wanted);
 
+    void ApplyTheme(const Outils_Plot2D::STheme& theme);
     void LayoutPlot(const CGraphics& graphics);
     void ChooseTimeLabels(const CGraphics& graphics);
     void DrawNotice(CGraphics& graphics) const;
@@ -109,6 +123,8 @@ class CTrv1DGraphPortlet {
     float m_margin = 0;       // at least, as the layout said
     float m_wantedMargin = 0; // for the labels
     float m_userHeight = 0;
+    bool m_collapsed = false;
+    const Outils_Plot2D::STheme* m_theme = nullptr; // of the present pens
 };
 
 } // namespace Presentation_Tarvel_Graphics

@@ -9,7 +9,9 @@ namespace Presentation_Tarvel_Graphics {
 
 namespace {
 
-constexpr float kPortletGap = 3; // between two portlets
+constexpr float kPortletGap = 3;  // between two portlets
+constexpr float kFarAway = -1e5f; // the place of those that are left out
+constexpr float kGreatestHeight = 1e4f;
 
 } // namespace
 
@@ -27,19 +29,22 @@ void CTrv1DGraphStack::Reformat() {
 void CTrv1DGraphStack::SetGraphs(const std::vector<SGraphDescription>& graphs,
                                  Outils_Plot2D::CPlot2DSettings& settings) {
     const CTrv1DGraphPortlet* selected = GetSelected();
+    m_heights = GetHeights();
     Portlets portlets;
     for (const SGraphDescription& graph : graphs) portlets.push_back(TakePortlet(graph, settings));
     m_portlets = std::move(portlets);
     Select(selected);
     Select(m_selected);
+    Collapse();
 }
 
 // The portlet that shows the graph already, or a new one.
 std::unique_ptr<CTrv1DGraphPortlet> CTrv1DGraphStack::TakePortlet(const SGraphDescription& graph,
                                                                   Outils_Plot2D::CPlot2DSettings& settings) {
     for (auto& portlet : m_portlets) {
-        if (!portlet || portlet->GetGraph() != graph.graph) continue;
-        if (!graph.graph && portlet->GetTitle() != graph.title) continue;
+        // A default graph that becomes part of the project keeps its title.
+        if (!portlet || (portlet->GetGraph() && portlet->GetGraph() != graph.graph)) continue;
+        if (!portlet->GetGraph() && portlet->GetTitle() != graph.title) continue;
         // An address may come again with another graph.
         const bool isChronogram = !dynamic_cast<CTrv1DGraphMeasurePortlet*>(portlet.get());
         if (isChronogram != graph.IsChronogram()) continue;
@@ -52,14 +57,18 @@ std::unique_ptr<CTrv1DGraphPortlet> CTrv1DGraphStack::TakePortlet(const SGraphDe
     else
         portlet = std::make_unique<CTrv1DGraphMeasurePortlet>(settings, m_timeText, graph);
     portlet->GetPlot().SetLegendVisible(m_legendsVisible);
+    const auto height = m_heights.find(portlet->GetTitle());
+    if (height != m_heights.end()) portlet->SetUserHeight(height->second);
     if (HasPeriod()) portlet->SetDisplay(m_period.start, m_period.end);
     return portlet;
 }
 
 void CTrv1DGraphStack::Clear() {
+    m_heights = GetHeights();
     m_portlets.clear();
     m_period = m_fullExtent = SPeriod();
     m_selected = 0;
+    m_alone = false;
     m_height = 0;
 }
 
@@ -74,11 +83,43 @@ int CTrv1DGraphStack::GetSelectedIndex() const {
 void CTrv1DGraphStack::Select(int index) {
     m_selected = index;
     m_selected = GetSelectedIndex();
+    Collapse();
+}
+
+void CTrv1DGraphStack::ShowAlone(bool alone) {
+    m_alone = alone;
+    Collapse();
+}
+
+void CTrv1DGraphStack::Collapse() {
+    const auto* selected = GetSelected();
+    for (const auto& portlet : m_portlets) portlet->SetCollapsed(m_alone && portlet.get() != selected);
+}
+
+std::map<std::string, float> CTrv1DGraphStack::GetHeights() const {
+    auto heights = m_heights;
+    for (const auto& portlet : m_portlets) {
+        heights.erase(portlet->GetTitle());
+        if (portlet->GetUserHeight() > 0) heights[portlet->GetTitle()] = portlet->GetUserHeight();
+    }
+    return heights;
+}
+
+void CTrv1DGraphStack::SetHeights(std::map<std::string, float> heights) {
+    std::erase_if(heights, [](const auto& row) { return !(row.second > 0 && row.second < kGreatestHeight); });
+    m_heights = std::move(heights);
+}
+
+std::vector<CTrv1DGraphPortlet*> CTrv1DGraphStack::GetShown() const {
+    std::vector<CTrv1DGraphPortlet*> shown;
+    for (const auto& portlet : m_portlets)
+        if (!portlet->IsCollapsed()) shown.push_back(portlet.get());
+    return shown;
 }
 
 void CTrv1DGraphStack::Select(const CTrv1DGraphPortlet* portlet) {
     for (std::size_t i = 0; i < m_portlets.size(); ++i)
-        if (m_portlets[i].get() == portlet) m_selected = static_cast<int>(i);
+        if (m_portlets[i].get() == portlet) Select(static_cast<int>(i));
 }
 
 void CTrv1DGraphStack::Show(const SView& view) {
@@ -145,10 +186,14 @@ void CTrv1DGraphStack::Layout(SSize size, ELayout layout) {
 void CTrv1DGraphStack::PlacePortlets(SSize size, ELayout layout) {
     float y = 0;
     const float share =
-        std::floor(size.height / static_cast<float>(std::max<std::size_t>(m_portlets.size(), 1)));
+        std::floor(size.height / static_cast<float>(std::max<std::size_t>(GetShown().size(), 1)));
     for (const auto& portlet : m_portlets) {
+        if (portlet->IsCollapsed()) {
+            portlet->Layout({0, kFarAway, size.width, kMinimumPortletHeight}, 0);
+            continue;
+        }
         float height = share;
-        if (layout == ELayout::scroll) {
+        if (layout == ELayout::scroll && !m_alone) {
             const float automatic = std::max(portlet->GetMinimumHeight(), share);
             const float user = portlet->GetUserHeight();
             height = user > 0 ? std::max(user, kLeastHeight) + kPortletGap : automatic;

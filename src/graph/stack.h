@@ -5,7 +5,10 @@
 #include "graph/measure_portlet.h"
 #include "graph/period.h"
 
+#include <map>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -41,8 +44,18 @@ class CTrv1DGraphStack {
     // The selected portlet, or null without portlets.
     CTrv1DGraphPortlet* GetSelected() const;
     int GetSelectedIndex() const;
-    void Select(int index); // clamped
+    void Select(int index); // clamped; while a graph is shown alone, the selected one is
     void Select(const CTrv1DGraphPortlet* portlet);
+
+    // Shows the selected graph alone, or all again. Layout must follow.
+    void ShowAlone(bool alone);
+    bool IsAlone() const { return m_alone; }
+    // The heights that the user gave to graphs, by their titles, those of graphs that have gone included.
+    std::map<std::string, float> GetHeights() const;
+    // Graphs that come take theirs from here; heights out of all measure are ignored.
+    void SetHeights(std::map<std::string, float> heights);
+    // Those that are not left out, in order.
+    std::vector<CTrv1DGraphPortlet*> GetShown() const;
 
     // The displayed time, in simulation time; there is none until it is set.
     bool HasPeriod() const { return !m_period.IsEmpty(); }
@@ -72,6 +85,7 @@ class CTrv1DGraphStack {
   private:
     std::unique_ptr<CTrv1DGraphPortlet> TakePortlet(const SGraphDescription& graph,
                                                     Outils_Plot2D::CPlot2DSettings& settings);
+    void Collapse();
     void PlacePortlets(SSize size, ELayout layout);
     void SetPeriod(const SPeriod& period);
     void LevelMargins();
@@ -80,6 +94,8 @@ class CTrv1DGraphStack {
     SSimulationTimeText m_timeText; // before the portlets, which refer to it
     Portlets m_portlets;
     int m_selected = 0;
+    bool m_alone = false;
+    std::map<std::string, float> m_heights; // of graphs that are to come
     SPeriod m_period;
     SPeriod m_fullExtent;
     bool m_legendsVisible = true;

@@ -10,22 +10,25 @@
 namespace Presentation_Tarvel_Graphics {
 
 using Outils_Plot2D::CPlot2DPen;
+using Outils_Plot2D::SStringFormat;
 
 namespace {
 
 constexpr float kBorderReach = 3; // pixels from a border at which it can be taken
+constexpr Outils_Plot2D::Colour kIntervalTint = 0x304682B4;
+constexpr float kAxisGap = 3; // from the plotting area to what is on its axis
 
 } // namespace
 
 CTrv1DGraphPortlet* PortletAt(const CTrv1DGraphStack& stack, SPoint point) {
-    for (const auto& portlet : stack.GetPortlets())
-        if (portlet->GetRect().Contains(point)) return portlet.get();
+    for (CTrv1DGraphPortlet* portlet : stack.GetShown())
+        if (portlet->GetRect().Contains(point)) return portlet;
     return nullptr;
 }
 
 CTrv1DGraphPortlet* BorderAt(const CTrv1DGraphStack& stack, float y) {
-    for (const auto& portlet : stack.GetPortlets())
-        if (std::abs(portlet->GetRect().Bottom() - y) < kBorderReach) return portlet.get();
+    for (CTrv1DGraphPortlet* portlet : stack.GetShown())
+        if (std::abs(portlet->GetRect().Bottom() - y) < kBorderReach) return portlet;
     return nullptr;
 }
 
@@ -86,28 +89,91 @@ void DrawStack(CTrv1DGraphStack& stack, QPainter& painter, SSize size) {
     DrawStack(stack, graphics, {0, 0, size.width, size.height}, false);
 }
 
-void DrawCursor(const CTrv1DGraphStack& stack, CGraphics& graphics, CDateTimeSpan time,
+std::vector<SValueAt> GetValuesAt(const CTrv1DGraphPortlet& portlet, CDateTimeSpan time) {
+    std::vector<SValueAt> values;
+    portlet.ForEachVisible([&](const CPlot2DSerie& serie, const CTrv1DGraphDataSource& source) {
+        SValueAt& row = values.emplace_back();
+        row.serie = &serie;
+        if (source.GetNearestPoint(time, row.percent, row.value)) row.text = portlet.FormatValue(row.value);
+    });
+    return values;
+}
+
+namespace {
+
+void DrawLine(const CTrv1DGraphPortlet& portlet, CGraphics& graphics, CDateTimeSpan time, const QPen& pen) {
+    const SRect& area = portlet.GetPlottingRect();
+    const double percent = portlet.GetTimeScale().ToPercent(time);
+    if (!(percent >= 0 && percent <= 100)) return;
+    const float x = area.x + portlet.GetTimeScale().ToPixel(percent, area.width);
+    graphics.DrawLine(pen, {x, area.y}, {x, area.Bottom()});
+}
+
+void DrawInterval(const CTrv1DGraphPortlet& portlet, CGraphics& graphics, const SPeriod& interval,
+                  const std::string& length) {
+    const SRect& area = portlet.GetPlottingRect();
+    const auto toX = [&](CDateTimeSpan time) {
+        const double percent = std::clamp(portlet.GetTimeScale().ToPercent(time), 0.0, 100.0);
+        return area.x + portlet.GetTimeScale().ToPixel(percent, area.width);
+    };
+    const float left = toX(interval.start), right = toX(interval.end);
+    if (!(right > left)) return;
+    graphics.FillRectangle(QColor::fromRgba(kIntervalTint), {left, area.y, right - left, area.height});
+    const QFont& font = portlet.GetPlot().GetVerticalAxis().GetFont();
+    SStringFormat format;
+    format.align = Outils_Plot2D::StringAlignment::Center;
+    const SPoint anchor = {(left + right) / 2, area.Bottom() + kAxisGap};
+    const SRect box = graphics.MeasureString(length, font, anchor, format);
+    graphics.FillRectangle(QColor::fromRgba(graphics.GetTheme().selectedTo),
+                           {box.x - kAxisGap, box.y, box.width + 2 * kAxisGap, box.height});
+    graphics.DrawString(length, font, anchor, format, graphics.GetTheme().text);
+}
+
+void DrawValues(const CTrv1DGraphPortlet& portlet, CGraphics& graphics, CDateTimeSpan time,
                 const SCursorLook& look, bool echo) {
+    const auto values = GetValuesAt(portlet, time);
+    const SRect& area = portlet.GetPlottingRect();
+    const auto& plot = portlet.GetPlot();
+    const auto* vertical = plot.GetVerticalAxis().GetScale();
+    const CPlot2DPen pen(look.echoColour, look.echoWidth);
+    for (const SValueAt& row : values) {
+        if (row.text.empty() || !echo) continue;
+        const float x = area.x + portlet.GetTimeScale().ToPixel(row.percent, area.width);
+        const float y = area.Bottom() - vertical->ToPixel(row.value, area.height);
+        const float half = look.echoSize / 2;
+        if (area.Contains({x, y}))
+            graphics.DrawRectangle(pen.GetNative(), {x - half, y - half, look.echoSize, look.echoSize});
+    }
+    if (!plot.IsLegendVisible()) return;
+    const SPoint origin = {plot.GetRect().x, plot.GetRect().y};
+    plot.GetLegend().ForEachValue([&](const CPlot2DSerie* serie, const SRect& box) {
+        for (const SValueAt& row : values)
+            if (row.serie == serie && !row.text.empty())
+                graphics.DrawString(row.text, plot.GetVerticalAxis().GetFont(),
+                                    SPoint{origin.x + box.x, origin.y + box.y}, SStringFormat{},
+                                    graphics.GetTheme().text);
+    });
+}
+
+} // namespace
+
+void DrawCursors(const CTrv1DGraphStack& stack, CGraphics& graphics, const CViewState& viewState,
+                 const SCursorLook& look, bool echo) {
     if (!stack.HasPeriod() || !(stack.GetPlotWidth() > 0)) return;
+    const auto interval = viewState.GetInterval();
+    std::string length;
+    if (interval) stack.GetTimeText().span.ValueToText(interval->end - interval->start, length);
     const CPlot2DPen pen(look.colour, look.width);
-    const CPlot2DPen echoPen(look.echoColour, look.echoWidth);
-    for (const auto& portlet : stack.GetPortlets()) {
-        const SRect area = portlet->GetPlottingRect();
-        const double percent = portlet->GetTimeScale().ToPercent(time);
-        if (!(percent >= 0 && percent <= 100)) return;
-        const float x = area.x + portlet->GetTimeScale().ToPixel(percent, area.width);
-        graphics.DrawLine(pen.GetNative(), {x, area.y}, {x, area.Bottom()});
-        if (!echo) continue;
-        const auto* vertical = portlet->GetPlot().GetVerticalAxis().GetScale();
-        portlet->ForEachSource([&](const CTrv1DGraphDataSource& source) {
-            double px = 0, value = 0;
-            if (!source.GetNearestPoint(time, px, value)) return;
-            const float cx = area.x + portlet->GetTimeScale().ToPixel(px, area.width);
-            const float cy = area.Bottom() - vertical->ToPixel(value, area.height);
-            if (!area.Contains({cx, cy})) return;
-            const float half = look.echoSize / 2;
-            graphics.DrawRectangle(echoPen.GetNative(), {cx - half, cy - half, look.echoSize, look.echoSize});
-        });
+    QPen second = pen.GetNative();
+    second.setStyle(Qt::DashLine);
+    for (CTrv1DGraphPortlet* portlet : stack.GetShown()) {
+        if (interval) DrawInterval(*portlet, graphics, *interval, length);
+        if (const auto time = viewState.GetCursor(ECursor::second))
+            DrawLine(*portlet, graphics, *time, second);
+        const auto time = viewState.GetCursor(ECursor::first);
+        if (!time) continue;
+        DrawLine(*portlet, graphics, *time, pen.GetNative());
+        DrawValues(*portlet, graphics, *time, look, echo);
     }
 }
 

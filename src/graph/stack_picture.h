@@ -36,8 +36,19 @@ void DrawStack(const CTrv1DGraphStack& stack, CGraphics& graphics, const SRect& 
 // Lays the stack out for `size`, draws all of it from the painter's origin, without a mark of the selection,
 // on a white ground. One unit is one pixel of a screen: scale the painter for paper or a dense picture.
 void DrawStack(CTrv1DGraphStack& stack, QPainter& painter, SSize size);
-// The cursor at a time across all plotting areas, with the values under it marked if `echo`.
-void DrawCursor(const CTrv1DGraphStack& stack, CGraphics& graphics, CDateTimeSpan time,
-                const SCursorLook& look, bool echo);
+// Over the picture: the cursors across all plotting areas, the interval between them tinted and its length on
+// the time axis, and the values at the first cursor in the legends. With `echo` these are marked on the
+// curves.
+void DrawCursors(const CTrv1DGraphStack& stack, CGraphics& graphics, const CViewState& viewState,
+                 const SCursorLook& look, bool echo);
+
+// The values of the visible curves of a graph at a time, as the data at hand has them, in drawing order.
+struct SValueAt {
+    const CPlot2DSerie* serie = nullptr;
+    std::string text;   // empty without a point near the time
+    double percent = 0; // where the point lies, of the displayed time
+    double value = 0;
+};
+std::vector<SValueAt> GetValuesAt(const CTrv1DGraphPortlet& portlet, CDateTimeSpan time);
 
 } // namespace Presentation_Tarvel_Graphics

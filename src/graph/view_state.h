@@ -59,7 +59,7 @@ class CViewState {
     bool SetPeriod(const SPeriod& period);
     bool SetRange(const SGraphKey& graph, const std::optional<SRange>& range);
     bool SetView(const SView& view);
-    // The data has grown or come: the displayed time follows, and no view is kept.
+    // The data has grown or come, or the cursor has left it: the displayed time follows, and no view is kept.
     bool FollowData(const SPeriod& period);
 
     // A drag or a turn of the wheel shows many views, of which only the one before it is kept.

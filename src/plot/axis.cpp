@@ -8,7 +8,6 @@ namespace Outils_Plot2D {
 
 namespace {
 
-constexpr Colour kTextColour = 0xFF000078;
 constexpr float kTickLength = 5;
 constexpr float kLabelGap = 3; // from the plotting area to the labels
 
@@ -35,7 +34,6 @@ CPlot2DAxis::CPlot2DAxis(CPlot2D& plot, Orientation orientation)
       m_scale(std::make_unique<CPlot2DLinearScale>()),
       m_formater(std::make_unique<CPlot2DSimpleFormater>()),
       m_font(DefaultFont()),
-      m_textBrush(kTextColour),
       m_grid(*this) {
     const bool horizontal = orientation == Orientation::Horizontal;
     m_format.align = horizontal ? StringAlignment::Center : StringAlignment::Far;
@@ -69,7 +67,7 @@ void CPlot2DAxis::DrawHorizontalTick(CGraphics& graphics, double value) const {
     const SRect box = graphics.MeasureString(label, m_font, anchor, m_format);
     // The comparison is false for a tick that has no place at all.
     if (!(box.x >= area.x && box.Right() <= area.Right())) return;
-    graphics.DrawString(label, m_font, anchor, m_format, m_textBrush.GetColor());
+    graphics.DrawString(label, m_font, anchor, m_format, graphics.GetTheme().text);
     if (m_pen) graphics.DrawLine(m_pen->GetNative(), anchor, {anchor.x, anchor.y - kTickLength});
 }
 
@@ -81,7 +79,7 @@ void CPlot2DAxis::DrawVerticalTick(CGraphics& graphics, double value, float half
         return;
     if (m_pen) graphics.DrawLine(m_pen->GetNative(), anchor, {anchor.x + kTickLength, anchor.y});
     if (m_formater)
-        graphics.DrawString(m_formater->Format(value), m_font, anchor, m_format, m_textBrush.GetColor());
+        graphics.DrawString(m_formater->Format(value), m_font, anchor, m_format, graphics.GetTheme().text);
 }
 
 SSize CPlot2DAxis::MeasureLabels(const CGraphics& graphics) const {

@@ -68,7 +68,6 @@ class CPlot2DAxis {
     std::unique_ptr<CPlot2DScale> m_scale;
     std::unique_ptr<CPlot2DValueFormater> m_formater;
     QFont m_font;
-    CPlot2DSolidBrush m_textBrush;
     SStringFormat m_format;
     CPlot2DGrid m_grid;
     std::unique_ptr<CPlot2DPen> m_pen;

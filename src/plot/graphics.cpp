@@ -31,6 +31,8 @@ constexpr float kShapeMargin = 4096.0f;
 constexpr std::size_t kLongLine = 100;
 constexpr int kWidestStrokes = 4;
 constexpr double kWidestPen = 1000;
+// By so many pixels rectangles side by side may overlap by rounding.
+constexpr float kSeam = 0.01f;
 
 QPointF ToNative(SPoint point) { return {point.x, point.y}; }
 QRectF ToNative(const SRect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
@@ -256,8 +258,14 @@ bool CGraphics::FillColumns(const QBrush& brush, std::span<const SPoint> points)
     const QRect bounds = toDevice.mapRect(ToNative(Sight(0))).toAlignedRect();
     std::vector<QRect> rects;
     if (!PolygonToColumns(m_line, bounds, rects)) return false;
+    FillPixels(brush, rects);
+    return true;
+}
+
+// In pixels of the device.
+void CGraphics::FillPixels(const QBrush& brush, std::vector<QRect>& rects) {
     CutTallColumns(rects);
-    const QTransform world = m_painter->worldTransform();
+    const QTransform toDevice = m_painter->deviceTransform(), world = m_painter->worldTransform();
     // Whatever is between the world and the device (pixel ratio, redirection) is undone by its inverse.
     m_painter->setWorldTransform((world.inverted() * toDevice).inverted());
     m_painter->setPen(Qt::NoPen);
@@ -265,6 +273,41 @@ bool CGraphics::FillColumns(const QBrush& brush, std::span<const SPoint> points)
     m_painter->drawRects(rects.data(), static_cast<int>(rects.size()));
     m_painter->setBrush(Qt::NoBrush);
     m_painter->setWorldTransform(world);
+}
+
+// Each column of pixels belongs to the rectangle that holds its centre. It costs a tenth of the general
+// polygon.
+bool CGraphics::FillBuckets(const QBrush& brush, std::span<const SRect> rects) {
+    if (!Begin(true) || !m_clipped || !IsPixelGrid(*m_painter)) return false;
+    const QTransform toDevice = m_painter->deviceTransform();
+    if (!(toDevice.m11() > 0)) return false;
+    const QRect bounds = toDevice.mapRect(ToNative(Sight(0))).toAlignedRect();
+    const auto toPixel = [](double edge, int low, int high) {
+        return static_cast<int>(
+            std::clamp(std::ceil(edge - 0.5), static_cast<double>(low), static_cast<double>(high)));
+    };
+    const int bottom = bounds.y() + bounds.height(), right = bounds.x() + bounds.width();
+    std::vector<QRect> pixels;
+    pixels.reserve(rects.size());
+    int next = bounds.x();
+    float edge = rects.empty() ? 0 : rects.front().x;
+    for (const SRect& rect : rects) {
+        if (!IsFinite(rect) || rect.x < edge - kSeam) return false;
+        edge = rect.Right();
+        const QRectF device = toDevice.mapRect(ToNative(rect));
+        const int x0 = std::max(toPixel(device.left(), bounds.x(), right), next),
+                  x1 = toPixel(device.right(), bounds.x(), right);
+        const int y0 = toPixel(device.top(), bounds.y(), bottom),
+                  y1 = toPixel(device.bottom(), bounds.y(), bottom);
+        if (x1 <= x0 || y1 <= y0) continue;
+        next = x1;
+        if (!pixels.empty() && pixels.back().top() == y0 && pixels.back().bottom() == y1 - 1 &&
+            pixels.back().right() == x0 - 1)
+            pixels.back().setRight(x1 - 1);
+        else
+            pixels.emplace_back(x0, y0, x1 - x0, y1 - y0);
+    }
+    FillPixels(brush, pixels);
     return true;
 }
 
@@ -279,12 +322,39 @@ void CGraphics::DrawRectangle(const QPen& pen, const SRect& rect) {
     m_painter->drawRect(ToNative(ClampInto(rect, Sight(kShapeMargin))));
 }
 
+void CGraphics::DrawMarker(EMarker marker, SPoint centre, Colour fill, Colour edge) {
+    if (!Begin(IsFinite(centre) && marker != EMarker::none) || !Sight(kLineMargin).Contains(centre)) return;
+    constexpr double kReach = 3.5;
+    const auto at = [&](double x, double y) {
+        return QPointF(static_cast<double>(centre.x) + x * kReach,
+                       static_cast<double>(centre.y) + y * kReach);
+    };
+    m_painter->setPen(ToNative(edge));
+    m_painter->setBrush(ToNative(fill));
+    switch (marker) {
+    case EMarker::square: m_painter->drawRect(QRectF(at(-0.9, -0.9), at(0.9, 0.9))); break;
+    case EMarker::disc: m_painter->drawEllipse(at(0, 0), kReach, kReach); break;
+    case EMarker::triangle:
+        m_painter->drawPolygon(QPolygonF{at(0, -1.2), at(1.1, 0.9), at(-1.1, 0.9)});
+        break;
+    case EMarker::diamond:
+        m_painter->drawPolygon(QPolygonF{at(0, -1.3), at(1.3, 0), at(0, 1.3), at(-1.3, 0)});
+        break;
+    case EMarker::cross:
+        m_painter->drawLine(at(-1, -1), at(1, 1));
+        m_painter->drawLine(at(-1, 1), at(1, -1));
+        break;
+    case EMarker::none: break;
+    }
+    m_painter->setBrush(Qt::NoBrush);
+}
+
 void CGraphics::DrawString(std::string_view text, const QFont& font, SPoint anchor,
                            const SStringFormat& format, Colour colour) {
     if (!Begin(IsFinite(anchor) && kEverything.Contains(anchor))) return;
     m_painter->setFont(font);
     m_painter->setPen(ToNative(colour));
-    CTextLayout(text, font).Draw(*m_painter, {anchor.x, anchor.y, 0, 0}, format);
+    GetTextLayout(text, font).Draw(*m_painter, {anchor.x, anchor.y, 0, 0}, format);
 }
 
 void CGraphics::DrawString(std::string_view text, const QFont& font, const SRect& box,
@@ -295,18 +365,18 @@ void CGraphics::DrawString(std::string_view text, const QFont& font, const SRect
         m_painter->setClipRect(QRectF(box.x, box.y, box.width, box.height), Qt::IntersectClip);
     m_painter->setFont(font);
     m_painter->setPen(ToNative(colour));
-    CTextLayout(text, font, box, format.trimming).Draw(*m_painter, box, format);
+    GetTextLayout(text, font, box, format.trimming).Draw(*m_painter, box, format);
     m_painter->restore();
 }
 
 SRect CGraphics::MeasureString(std::string_view text, const QFont& font, SPoint anchor,
                                const SStringFormat& format) const {
-    return CTextLayout(text, font).GetBounds({anchor.x, anchor.y, 0, 0}, format);
+    return GetTextLayout(text, font).GetBounds({anchor.x, anchor.y, 0, 0}, format);
 }
 
 SRect CGraphics::MeasureString(std::string_view text, const QFont& font, const SRect& box,
                                const SStringFormat& format) const {
-    return CTextLayout(text, font, box, format.trimming).GetBounds(box, format);
+    return GetTextLayout(text, font, box, format.trimming).GetBounds(box, format);
 }
 
 float CGraphics::GetFontHeight(const QFont& font) const {

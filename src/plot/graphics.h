@@ -6,6 +6,8 @@
 // is cut there, which changes nothing that can be seen and keeps a zoomed-in view as cheap as a full one.
 #pragma once
 
+#include "plot/theme.h"
+
 #include <QFont>
 #include <QTransform>
 
@@ -19,8 +21,6 @@ class QPainter;
 class QPen;
 
 namespace Outils_Plot2D {
-
-using Colour = std::uint32_t; // 0xAARRGGBB
 
 struct SPoint {
     float x = 0, y = 0;
@@ -51,6 +51,9 @@ struct SStringFormat {
     bool noClip = false; // text may leave its box
 };
 
+// What tells curves apart beside their colour.
+enum class EMarker { none, square, disc, triangle, diamond, cross };
+
 enum class TextRenderingHint { SystemDefault = 0, AntiAlias = 4 };
 
 // The sans-serif font of the user interface, sized in pixels so that text keeps its size beside the lines on
@@ -69,6 +72,11 @@ class CGraphics {
     explicit CGraphics(QPainter& painter);
     CGraphics(const CGraphics&) = delete;
     CGraphics& operator=(const CGraphics&) = delete;
+
+    // The colours of what is drawn; light at the start.
+    const STheme& GetTheme() const { return *m_theme; }
+    // `theme` must outlive the object.
+    void SetTheme(const STheme& theme) { m_theme = &theme; }
 
     // The world transform, to be saved and put back around a translation.
     QTransform GetTransform() const;
@@ -89,8 +97,14 @@ class CGraphics {
     void DrawCurve(const QPen& pen, std::span<const SPoint> points);
     // One polygon, alternate fill mode. Fewer than three points, or one that is not finite: nothing is drawn.
     void FillPolygon(const QBrush& brush, std::span<const SPoint> points);
+    // Rectangles side by side, each from where the one before it ends, as one area: a pixel is filled once.
+    // False, and nothing is drawn, on a device that is not made of pixels, or when they are not in order.
+    bool FillBuckets(const QBrush& brush, std::span<const SRect> rects);
     void FillRectangle(const QBrush& brush, const SRect& rect);
     void DrawRectangle(const QPen& pen, const SRect& rect);
+
+    // A shape of some seven pixels about `centre`, filled, with an edge.
+    void DrawMarker(EMarker marker, SPoint centre, Colour fill, Colour edge);
 
     // One line of text (UTF-8) placed about `anchor`: Near begins there, Center is centred on it, Far ends
     // there.
@@ -115,6 +129,7 @@ class CGraphics {
     // What can be seen, and `margin` pixels about it, in the present coordinates.
     SRect Sight(float margin) const;
     bool FillColumns(const QBrush& brush, std::span<const SPoint> points);
+    void FillPixels(const QBrush& brush, std::vector<QRect>& rects);
     QPen DevicePen(const QPen& pen) const;
     QPen ThinPen(const QPen& pen, std::size_t pointCount);
     template <class Stroke>
@@ -122,6 +137,7 @@ class CGraphics {
     void DrawPolyline();
 
     QPainter* m_painter = nullptr; // not owned
+    const STheme* m_theme = &kLightTheme;
     bool m_clipped = false;
     SRect m_clip;
     QTransform m_clipTransform; // the one under which the clip was set

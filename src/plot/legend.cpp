@@ -8,8 +8,6 @@ namespace Outils_Plot2D {
 
 namespace {
 
-constexpr Colour kLegendColour = 0xFF000078;
-constexpr Colour kRowBorderColour = 0xFF99DEFE;
 constexpr float kMargin = 5;
 constexpr float kMarkerSize = 12;
 constexpr float kTextLeft = kMargin + kMarkerSize + kMargin;
@@ -17,26 +15,34 @@ constexpr float kRowInset = 2; // of the row's frame about its text
 
 } // namespace
 
-CPlot2DLegend::CPlot2DLegend(CPlot2D& plot)
-    : m_plot(plot),
-      m_markerPen(kLegendColour),
-      m_font(DefaultFont()),
-      m_textBrush(kLegendColour),
-      m_markerBrush(kLegendColour) {
+CPlot2DLegend::CPlot2DLegend(CPlot2D& plot) : m_plot(plot), m_font(DefaultFont()) {
     m_format.trimming = StringTrimming::Word;
     m_format.noClip = true;
 }
 
-// Calls `visit(serie, layout box, measured height)` from the top down, in coordinates of the legend, until it
-// returns false. Drawing and hit test share the walk, so that what is hit is what is seen.
+float CPlot2DLegend::GetLegendHeight(const CGraphics& graphics, float valueHeight) const {
+    float height = kMargin;
+    const float lineHeight = graphics.GetFontHeight(m_font);
+    for (const auto& serie : m_plot.GetSeries()) {
+        const SRect box = {kTextLeft, 0, GetRect().width - kTextLeft - kMargin, 2 * lineHeight};
+        height += std::trunc(graphics.MeasureString(serie->GetName(), m_font, box, m_format).height) +
+                  valueHeight + kMargin;
+    }
+    return height;
+}
+
+// Calls `visit(serie, box of the name, height of the row)` from the top down, in coordinates of the legend,
+// until it returns false. Drawing and hit test share the walk, so that what is hit is what is seen.
 template <class Visitor>
 void CPlot2DLegend::ForEachRow(const CGraphics& graphics, Visitor&& visit) const {
     const float lineHeight = graphics.GetFontHeight(m_font);
+    const bool values = m_valueLines && GetLegendHeight(graphics, lineHeight) <= GetRect().height;
     float top = kMargin;
     for (const auto& serie : m_plot.GetSeries()) {
         const SRect box = {kTextLeft, top, GetRect().width - kTextLeft - kMargin, 2 * lineHeight};
-        const float height = graphics.MeasureString(serie->GetName(), m_font, box, m_format).height;
-        if (!visit(*serie, box, height)) return;
+        const float name = graphics.MeasureString(serie->GetName(), m_font, box, m_format).height;
+        const float height = name + (values ? lineHeight : 0);
+        if (!visit(*serie, SRect{box.x, box.y, box.width, name}, height)) return;
         top += std::trunc(height) + kMargin;
     }
 }
@@ -48,8 +54,13 @@ void CPlot2DLegend::Draw(CGraphics& graphics) {
     graphics.SetTextRenderingHint(TextRenderingHint::AntiAlias);
     const QTransform transform = graphics.GetTransform();
     graphics.Translate(GetRect().x, GetRect().y);
+    m_values.clear();
     ForEachRow(graphics, [&](const CPlot2DSerie& serie, const SRect& box, float height) {
         DrawRow(graphics, serie, box, height);
+        if (height > box.height)
+            m_values.push_back({&serie,
+                                {GetRect().x + box.x, GetRect().y + box.Bottom(), box.width,
+                                 height - box.height}});
         return true;
     });
     graphics.SetTransform(transform);
@@ -58,21 +69,24 @@ void CPlot2DLegend::Draw(CGraphics& graphics) {
 }
 
 void CPlot2DLegend::DrawRow(CGraphics& graphics, const CPlot2DSerie& serie, const SRect& box, float height) {
+    const STheme& theme = graphics.GetTheme();
     const bool selected = m_plot.GetSelectedSerie() == &serie;
     if (selected || m_plot.GetHoveredSerie() == &serie) {
         const SRect row = {kMargin - kRowInset, box.y - kRowInset,
                            GetRect().width - 2 * kMargin + 2 * kRowInset, height + 2 * kRowInset};
-        CPlot2DLinearGradientBrush(selected ? 0xFFFAFAFA : 0xFFF5FAFF, selected ? 0xFFD2D2D2 : 0xFFD7EBFF,
-                                   LinearGradientMode::Vertical)
+        CPlot2DLinearGradientBrush(selected ? theme.pickedFrom : theme.hoveredFrom,
+                                   selected ? theme.pickedTo : theme.hoveredTo, LinearGradientMode::Vertical)
             .Fill(graphics, row);
-        graphics.DrawRectangle(CPlot2DPen(kRowBorderColour).GetNative(), row);
+        graphics.DrawRectangle(CPlot2DPen(theme.frameSelected).GetNative(), row);
     }
+    // The box of a hidden serie is empty.
     const SRect marker = {kMargin, box.y, kMarkerSize, kMarkerSize};
-    m_markerBrush.SetColor(serie.GetColor());
-    m_markerBrush.Fill(graphics, marker);
-    graphics.DrawRectangle(m_markerPen.GetNative(), marker);
-    graphics.DrawString(serie.GetName(), m_font, {box.x, box.y, box.width, height}, m_format,
-                        m_textBrush.GetColor());
+    if (serie.IsVisible()) CPlot2DSolidBrush(theme.OnGround(serie.GetColor())).Fill(graphics, marker);
+    graphics.DrawRectangle(CPlot2DPen(theme.text).GetNative(), marker);
+    if (serie.IsVisible())
+        graphics.DrawMarker(serie.GetMarker(), {marker.x + kMarkerSize / 2, marker.y + kMarkerSize / 2},
+                            theme.ground, theme.text);
+    graphics.DrawString(serie.GetName(), m_font, box, m_format, theme.text);
 }
 
 CPlot2DSerie* CPlot2DLegend::SerieAt(SPoint point) const {
@@ -85,6 +99,11 @@ CPlot2DSerie* CPlot2DLegend::SerieAt(SPoint point) const {
         return !found;
     });
     return found;
+}
+
+CPlot2DSerie* CPlot2DLegend::BoxAt(SPoint point) const {
+    const float x = point.x - m_plot.GetRect().x - GetRect().x;
+    return x <= kMargin + kMarkerSize ? SerieAt(point) : nullptr;
 }
 
 } // namespace Outils_Plot2D

@@ -20,7 +20,8 @@ void CPlot2D::Draw(CGraphics& graphics) {
     m_plottingArea.DrawArea(graphics);
     m_horizontalAxis.Draw(graphics);
     m_verticalAxis.Draw(graphics);
-    for (const auto& serie : m_series) serie->Draw(graphics);
+    for (const auto& serie : m_series)
+        if (serie->IsVisible()) serie->Draw(graphics);
     if (m_legendVisible) m_legend.Draw(graphics);
     graphics.SetTransform(transform);
 }

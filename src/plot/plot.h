@@ -42,10 +42,12 @@ class CPlot2D : public CPlot2DArea {
     CPlot2DSettings& GetSettings() const { return m_settings; }
     CPlot2DAxis& GetHorizontalAxis() { return m_horizontalAxis; }
     CPlot2DAxis& GetVerticalAxis() { return m_verticalAxis; }
+    const CPlot2DAxis& GetVerticalAxis() const { return m_verticalAxis; }
     CPlot2DPlottingArea& GetPlottingArea() { return m_plottingArea; }
     // In drawing order.
     const std::vector<std::unique_ptr<CPlot2DSerie>>& GetSeries() const { return m_series; }
     CPlot2DLegend& GetLegend() { return m_legend; }
+    const CPlot2DLegend& GetLegend() const { return m_legend; }
     bool IsLegendVisible() const { return m_legendVisible; }
     void SetLegendVisible(bool visible) { m_legendVisible = visible; }
     // The serie under the mouse in the legend, and the one picked by the user; may be null, not owned.

@@ -32,6 +32,12 @@ class CPlot2DSerie {
     void SetName(std::string name) { m_name = std::move(name); }
     CPlot2DDataSource* GetDataSource() const { return m_source.get(); }
     Colour GetColor() const { return m_color; }
+    // Whether the plot draws it; its row of the legend stays.
+    bool IsVisible() const { return m_visible; }
+    void SetVisible(bool visible) { m_visible = visible; }
+    // Drawn here and there on it and in its box of the legend.
+    EMarker GetMarker() const { return m_marker; }
+    void SetMarker(EMarker marker) { m_marker = marker; }
 
   protected:
     CPlot2DSerie(CPlot2D& plot, std::unique_ptr<CPlot2DDataSource> source, std::string name);
@@ -41,6 +47,8 @@ class CPlot2DSerie {
     std::string m_name;
     std::unique_ptr<CPlot2DDataSource> m_source;
     Colour m_color = 0xFF000000;
+    bool m_visible = true;
+    EMarker m_marker = EMarker::none;
 };
 
 } // namespace Outils_Plot2D

@@ -10,6 +10,9 @@ namespace Outils_Plot2D {
 
 namespace {
 
+constexpr float kLeastLabelled = 20; // pixels: no label fits into less
+constexpr float kLabelRoom = 4;      // on both sides of a label
+
 struct SBucket {
     float left;
     float right; // the left again where a bucket is drawn as a point in time
@@ -61,6 +64,9 @@ void CPlot2DSerieChronogram::Draw(CGraphics& graphics) {
 // three per bucket.
 void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source) {
     const CProjection project(GetPlot());
+    const STheme& theme = graphics.GetTheme();
+    const CPlot2DSolidBrush brush(theme.OnGround(GetColor()));
+    m_drawnPen = CPlot2DPen(theme.OnGround(GetColor()));
     const double halfPeriod = source.GetPeriod() * 0.5;
     const bool stairs = project.HalfPeriod(source.GetPeriod()) >= 0.5f;
     const bool extrema = source.HasExtremum();
@@ -69,6 +75,7 @@ void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataS
     const std::uint32_t count = source.GetCount();
 
     m_steps.clear();
+    m_segments.clear();
     bool any = false, previousMixed = false;
     float blockLeft = 0, lastRight = 0;
     for (std::uint32_t i = 0; i < count; ++i) {
@@ -80,13 +87,14 @@ void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataS
         if (!IsFinite(SPoint{bucket.left, bucket.y}) || !std::isfinite(bucket.right)) continue;
         if (any && previousMixed && !bucket.mixed) {
             const SRect block = Block(blockLeft, bucket.left, top, bottom);
-            graphics.FillRectangle(m_brush.GetNative(), block);
-            graphics.DrawRectangle(m_pen.GetNative(), block);
+            graphics.FillRectangle(brush.GetNative(), block);
+            graphics.DrawRectangle(m_drawnPen.GetNative(), block);
         } else if (any && !previousMixed) {
             AddPoint(m_steps, {bucket.left, m_steps.back().y});
             AddPoint(m_steps, {bucket.left, bucket.y});
         }
         if (!bucket.mixed) {
+            AddToSegment(bucket.left, bucket.right, bucket.y, y, any && !previousMixed);
             AddPoint(m_steps, {bucket.left, bucket.y});
             AddPoint(m_steps, {bucket.right, bucket.y});
         } else if (!previousMixed) {
@@ -98,14 +106,43 @@ void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataS
         any = true;
     }
     DrawSteps(graphics);
-    if (!previousMixed) return;
-    const SRect block = Block(blockLeft, lastRight, top, bottom);
-    graphics.DrawRectangle(m_pen.GetNative(), block);
-    graphics.FillRectangle(m_brush.GetNative(), block);
+    if (previousMixed) {
+        const SRect block = Block(blockLeft, lastRight, top, bottom);
+        graphics.DrawRectangle(m_drawnPen.GetNative(), block);
+        graphics.FillRectangle(brush.GetNative(), block);
+    }
+    DrawLabels(graphics);
+}
+
+void CPlot2DSerieChronogram::AddToSegment(float left, float right, float y, double state, bool goesOn) {
+    if (goesOn && !m_segments.empty() && m_segments.back().state == state)
+        m_segments.back().right = right;
+    else
+        m_segments.push_back({left, right, y, state});
+}
+
+// The state's text in every segment that is wide enough, over the line.
+void CPlot2DSerieChronogram::DrawLabels(CGraphics& graphics) const {
+    const auto& axis = GetPlot().GetVerticalAxis();
+    if (!axis.GetFormater()) return;
+    const SRect& area = GetPlot().GetPlottingArea().GetRect();
+    SStringFormat format;
+    format.align = format.lineAlign = StringAlignment::Center;
+    for (const SSegment& segment : m_segments) {
+        const float left = std::max(segment.left, area.x), right = std::min(segment.right, area.Right());
+        if (!(right - left >= kLeastLabelled)) continue;
+        const std::string label = axis.GetFormater()->Format(segment.state);
+        const SPoint middle = {(left + right) / 2, segment.y};
+        const SRect box = graphics.MeasureString(label, axis.GetFont(), middle, format);
+        if (box.width + 2 * kLabelRoom > right - left) continue;
+        CPlot2DSolidBrush(graphics.GetTheme().ground)
+            .Fill(graphics, {box.x - 2, box.y, box.width + 4, box.height});
+        graphics.DrawString(label, axis.GetFont(), middle, format, graphics.GetTheme().text);
+    }
 }
 
 void CPlot2DSerieChronogram::DrawSteps(CGraphics& graphics) {
-    graphics.DrawLines(m_pen.GetNative(), m_steps);
+    graphics.DrawLines(m_drawnPen.GetNative(), m_steps);
     m_steps.clear();
 }
 

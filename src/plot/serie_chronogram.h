@@ -10,7 +10,8 @@
 
 namespace Outils_Plot2D {
 
-// A step signal of whole states. Buckets that hold several states are drawn as blocks over all rows.
+// A step signal of whole states, each with its text where there is room. Buckets that hold several states are
+// drawn as blocks over all rows.
 class CPlot2DSerieChronogram : public CPlot2DSerie {
   public:
     CPlot2DSerieChronogram(CPlot2D& plot, std::unique_ptr<CPlot2DDataSource> source, std::string name);
@@ -24,8 +25,18 @@ class CPlot2DSerieChronogram : public CPlot2DSerie {
   private:
     void DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source);
     void DrawSteps(CGraphics& graphics);
+    void AddToSegment(float left, float right, float y, double state, bool goesOn);
+    void DrawLabels(CGraphics& graphics) const;
+
+    // One state without a break.
+    struct SSegment {
+        float left, right, y;
+        double state;
+    };
 
     std::vector<SPoint> m_steps; // kept between paints
+    std::vector<SSegment> m_segments;
+    CPlot2DPen m_drawnPen{0xFF000000};
     CPlot2DPen m_pen;
     CPlot2DSolidBrush m_brush;
 };

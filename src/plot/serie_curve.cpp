@@ -4,6 +4,7 @@
 #include "plot/projection.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace Outils_Plot2D {
@@ -12,6 +13,8 @@ namespace {
 
 constexpr SPoint kBreak = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::quiet_NaN()};
 constexpr Colour kOpaqueMask = 0x00FFFFFF;
+constexpr float kMarkerDistance = 120; // pixels
+constexpr float kMarkerKinds = 6;
 
 } // namespace
 
@@ -35,15 +38,44 @@ void CPlot2DSerieCurve::Draw(CGraphics& graphics) {
     graphics.SetClipRect(GetPlot().GetPlottingArea().GetRect());
     if (source && CProjection(GetPlot()).IsValid()) {
         Project(*source);
+        const STheme& theme = graphics.GetTheme();
+        const CPlot2DPen pen(theme.OnGround(m_pen.GetColor()), m_pen.GetWidth());
+        const CPlot2DSolidBrush brush(theme.OnGround(m_brush.GetColor()));
         if (GetPlot().GetSettings().drawCurve)
-            graphics.DrawCurve(m_pen.GetNative(), m_screenPoints);
+            graphics.DrawCurve(pen.GetNative(), m_screenPoints);
         else
-            graphics.DrawLines(m_pen.GetNative(), m_screenPoints);
-        for (const SBand& band : m_bands)
-            graphics.FillPolygon(m_brush.GetNative(),
-                                 std::span(m_bandPoints).subspan(band.first, band.count));
+            graphics.DrawLines(pen.GetNative(), m_screenPoints);
+        for (const SBand& band : m_bands) DrawBand(graphics, brush, band);
+        if (GetMarker() != EMarker::none) DrawMarkers(graphics);
     }
     graphics.ResetClip();
+}
+
+void CPlot2DSerieCurve::DrawBand(CGraphics& graphics, const CPlot2DSolidBrush& brush, const SBand& band) {
+    const auto points = std::span(m_bandPoints).subspan(band.first, band.count);
+    const std::size_t buckets = points.size() / 4;
+    m_buckets.clear();
+    for (std::size_t i = 0; i < buckets; ++i) {
+        const SPoint low = points[2 * i], lowEnd = points[2 * i + 1],
+                     high = points[points.size() - 1 - 2 * i];
+        // Of minimum and maximum at two times the outline is no rectangle.
+        if (low.x != high.x) return graphics.FillPolygon(brush.GetNative(), points);
+        m_buckets.push_back({low.x, std::min(low.y, high.y), lowEnd.x - low.x, std::fabs(low.y - high.y)});
+    }
+    if (!graphics.FillBuckets(brush.GetNative(), m_buckets)) graphics.FillPolygon(brush.GetNative(), points);
+}
+
+// At places of the window and not of the data, each kind at its own, so that curves that agree show all of
+// theirs.
+void CPlot2DSerieCurve::DrawMarkers(CGraphics& graphics) {
+    const float offset = kMarkerDistance * static_cast<float>(GetMarker()) / kMarkerKinds;
+    float next = GetPlot().GetPlottingArea().GetRect().x + offset;
+    for (const SPoint& point : m_screenPoints) {
+        if (!(point.x >= next)) continue;
+        graphics.DrawMarker(GetMarker(), point, graphics.GetTheme().OnGround(GetColor()),
+                            graphics.GetTheme().ground);
+        next += kMarkerDistance * (std::floor((point.x - next) / kMarkerDistance) + 1);
+    }
 }
 
 // Buckets that the source has no point for are passed over; what has no place on the screen leaves a gap.

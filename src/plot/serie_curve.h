@@ -32,6 +32,8 @@ class CPlot2DSerieCurve : public CPlot2DSerie {
     };
 
     void Project(const CPlot2DDataSource& source);
+    void DrawMarkers(CGraphics& graphics);
+    void DrawBand(CGraphics& graphics, const CPlot2DSolidBrush& brush, const SBand& band);
     void AddBucket(SPoint minimum, SPoint maximum, float halfWidth);
     void CloseBand();
 
@@ -40,6 +42,7 @@ class CPlot2DSerieCurve : public CPlot2DSerie {
     std::vector<SPoint> m_bandPoints;
     std::vector<SPoint> m_upperEdge;
     std::vector<SBand> m_bands;
+    std::vector<SRect> m_buckets; // of the band at hand
     CPlot2DPen m_pen;
     CPlot2DSolidBrush m_brush;
 };

@@ -5,6 +5,7 @@
 #include "plot/graphics.h"
 
 #include <QFont>
+#include <QStaticText>
 #include <QString>
 
 #include <string_view>
@@ -32,6 +33,7 @@ class CTextLayout {
     struct SLine {
         QString text;
         float width;
+        QStaticText shaped; // for devices of pixels, which draw it without laying it out again
     };
 
     explicit CTextLayout(const QFontMetricsF& metrics);
@@ -43,5 +45,11 @@ class CTextLayout {
     float m_lineHeight = 0;
     float m_ascent = 0;
 };
+
+// The layout of a text, as by the constructors, from a cache: the labels of a graph are the same from paint
+// to paint. Valid until the next call on the same thread.
+const CTextLayout& GetTextLayout(std::string_view text, const QFont& font);
+const CTextLayout& GetTextLayout(std::string_view text, const QFont& font, const SRect& box,
+                                 StringTrimming trimming);
 
 } // namespace Outils_Plot2D

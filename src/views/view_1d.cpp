@@ -4,33 +4,41 @@
 #include "document/edits.h"
 #include "foundation/texts.h"
 #include "graph/field_drop.h"
+#include "graph/hit_test.h"
+#include "graph/stack_text.h"
 #include "plot/text.h"
 #include "views/view_1d_interactors.h"
+#include "views/view_1d_tip.h"
 
 #include <QAction>
 #include <QContextMenuEvent>
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
 
+#include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <utility>
 
 namespace Application_Tarvel {
 
-using Outils_Plot2D::Text;
-using Outils_Texte::EText;
-
 using namespace Presentation_Tarvel_Graphics;
+using namespace std::chrono_literals;
 using Outils_Configuration::Cnf;
+using Outils_Plot2D::Text;
+using Outils_Plot2D::ToQString;
+using Outils_Texte::EText;
 
 namespace {
 
-// The view has its own ground, so that curves look the same under every theme.
-const QColor kGround(0xE9, 0xED, 0xF3);
-const QColor kGroundText(0x5A, 0x64, 0x78);
 constexpr int kScrollStep = 40; // pixels
+// Turns of the wheel that are nearer to each other than this belong together.
+constexpr auto kWheelPause = 500ms;
+constexpr auto kDescriptionPause = 300ms;
 
 } // namespace
 
@@ -40,16 +48,29 @@ CTrvView1D::CTrvView1D(CTrvDocument& document, CViewState& viewState,
                        QWidget* parent)
     : CInteractorView(parent),
       m_configuration(configuration),
-      m_loader(document, viewState, adaptors, settings) {
+      m_loader(document, viewState, adaptors, settings),
+      m_steps(document, viewState, [this](EText text) { Q_EMIT Notice(Text(text)); }),
+      m_coverage(document, [this] { OnCoverageChanged(); }),
+      m_tip(std::make_unique<CTrvView1DTip>(*this)) {
     setFocusPolicy(Qt::StrongFocus);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setAccessibleName(Text(EText::graphs));
     setAccessibleDescription(Text(EText::graphsHelp));
     verticalScrollBar()->setSingleStep(kScrollStep);
+    m_wheelEnd.setSingleShot(true);
+    m_wheelEnd.setInterval(kWheelPause);
+    connect(&m_wheelEnd, &QTimer::timeout, this, &CTrvView1D::EndWheel);
+    m_description.setSingleShot(true);
+    m_description.setInterval(kDescriptionPause);
+    connect(&m_description, &QTimer::timeout, this, [this] {
+        setAccessibleDescription(ToQString(DescribeStack(GetStack(), GetViewState())) + u' ' +
+                                 Text(EText::graphsHelp));
+    });
     m_loader.SetOnChanged([this](bool layout) { OnLoaderChanged(layout); });
     m_subscription = viewState.Listen([this](EViewChange change) {
         if (change == EViewChange::cursor) RedrawOverlay();
+        if (!m_description.isActive()) m_description.start();
     });
     Reformat();
     SetMode(EView1DMode::select);
@@ -96,21 +117,61 @@ SPoint CTrvView1D::ToStack(QPointF position) const {
             static_cast<float>(position.y() + verticalScrollBar()->value())};
 }
 
-void CTrvView1D::DrawCursor(QPainter& painter) {
-    const auto time = GetViewState().GetCursor(ECursor::first);
-    if (!time) return;
+const Outils_Plot2D::STheme& CTrvView1D::GetTheme() const {
+    return palette().color(QPalette::Base).lightness() < 128 ? Outils_Plot2D::kDarkTheme
+                                                             : Outils_Plot2D::kLightTheme;
+}
+
+SGraphHit CTrvView1D::Hit(QPointF position) const {
+    return static_cast<float>(position.y()) < GetStackHeight() ? HitTest(GetStack(), ToStack(position))
+                                                               : SGraphHit();
+}
+
+std::optional<SStripHit> CTrvView1D::HitStrip(QPointF position) const {
+    return Presentation_Tarvel_Graphics::HitStrip(
+        m_coverage, GetStack(), GetStripRect(),
+        {static_cast<float>(position.x()), static_cast<float>(position.y())});
+}
+
+float CTrvView1D::GetStackHeight() const { return static_cast<float>(viewport()->height()) - m_stripHeight; }
+
+SRect CTrvView1D::GetStripRect() const {
+    return {0, GetStackHeight(), static_cast<float>(viewport()->width()), m_stripHeight};
+}
+
+void CTrvView1D::OnCoverageChanged() {
+    // Called by the constructor, too.
+    const float height = m_loader.HasProject() ? GetStripHeight(m_coverage) : 0;
+    if (std::exchange(m_stripHeight, height) != height)
+        FitToWindow();
+    else
+        Redraw();
+}
+
+void CTrvView1D::DrawOverlay(QPainter& painter) {
     painter.save();
+    painter.setClipRect(QRectF(0, 0, viewport()->width(), static_cast<double>(GetStackHeight())));
     painter.translate(0, -verticalScrollBar()->value());
     CGraphics graphics(painter);
-    Presentation_Tarvel_Graphics::DrawCursor(GetStack(), graphics, *time, m_cursorLook, m_echo);
+    graphics.SetTheme(GetTheme());
+    DrawCursors(GetStack(), graphics, GetViewState(), m_cursorLook, m_echo);
     painter.restore();
 }
 
 void CTrvView1D::SelectPortlet(int index) {
+    const bool alone = GetStack().IsAlone() && index != GetStack().GetSelectedIndex();
     GetStack().Select(index);
+    if (alone) m_loader.Relayout(); // another one is shown now
     ShowSelected();
     Redraw();
     Q_EMIT StateChanged();
+}
+
+void CTrvView1D::ChangeSelectedHeight(float pixels) {
+    CTrv1DGraphPortlet* portlet = GetStack().GetSelected();
+    if (!portlet) return;
+    portlet->SetUserHeight(std::max(1.0f, portlet->GetRect().height + pixels));
+    m_loader.Relayout();
 }
 
 void CTrvView1D::SelectSerie(Outils_Plot2D::CPlot2DSerie* serie) {
@@ -120,21 +181,102 @@ void CTrvView1D::SelectSerie(Outils_Plot2D::CPlot2DSerie* serie) {
     Q_EMIT StateChanged();
 }
 
-bool CTrvView1D::HasSelectedCurve() const {
+// After the last, none.
+void CTrvView1D::SelectNextCurve() {
     CTrv1DGraphPortlet* portlet = GetStack().GetSelected();
-    return portlet && portlet->GetGraph() && portlet->GetPlot().GetSelectedSerie();
+    if (!portlet) return;
+    const auto& series = portlet->GetPlot().GetSeries();
+    const auto place = std::ranges::find(series, portlet->GetPlot().GetSelectedSerie(),
+                                         [](const auto& own) { return own.get(); });
+    const auto next = place == series.end() ? series.begin() : place + 1;
+    SelectSerie(next == series.end() ? nullptr : next->get());
 }
 
-void CTrvView1D::DeleteSelectedCurve() {
-    if (!HasSelectedCurve()) return;
-    CTrv1DGraphPortlet& portlet = *GetStack().GetSelected();
-    const auto* curve = portlet.GetCurve(portlet.GetPlot().GetSelectedSerie());
-    auto edits = m_loader.GetDocument().GetEdits();
-    // The document reports the edit to the loader, which destroys the serie, and a chronogram's portlet.
-    if (curve)
-        edits.Do(Edits::kRemove1DCurve, *curve);
-    else
-        edits.Do(Edits::kRemove1DGraph, *portlet.GetGraph());
+void CTrvView1D::SetCurveVisible(CTrv1DGraphPortlet& portlet, Outils_Plot2D::CPlot2DSerie& serie,
+                                 bool visible) {
+    serie.SetVisible(visible);
+    portlet.OnDataChanged();
+    m_loader.Relayout();
+}
+
+bool CTrvView1D::HasSelectedCurve() const {
+    const CTrv1DGraphPortlet* portlet = GetStack().GetSelected();
+    return portlet && portlet->GetPlot().GetSelectedSerie();
+}
+
+Metier_Tarvel_Graphics::CTrv1DCurve* CTrvView1D::TakeSelectedCurve() {
+    if (!HasSelectedCurve() || !m_loader.SaveDefaults()) return nullptr;
+    const CTrv1DGraphPortlet* portlet = GetStack().GetSelected();
+    const auto* shown = portlet ? portlet->GetCurve(portlet->GetPlot().GetSelectedSerie()) : nullptr;
+    auto* graph = shown ? shown->graph : nullptr;
+    if (!graph) return nullptr;
+    const auto place = std::ranges::find(
+        graph->curves, shown, [](const auto& own) -> const auto* { return own.get(); });
+    return place == graph->curves.end() ? nullptr : place->get();
+}
+
+bool CTrvView1D::Ask(EText question, const std::string& name) {
+    return m_loader.GetDocument().GetHost().ShowMessage(Outils_Texte::FormatText(question, {name}),
+                                                        EButtons::yesNo, EIcon::question) == EAnswer::yes;
+}
+
+void CTrvView1D::RemoveSelected() {
+    const CTrv1DGraphPortlet* portlet = GetStack().GetSelected();
+    const auto* shown = FindSelectedShown();
+    const bool isMeasure = dynamic_cast<const CTrv1DGraphMeasurePortlet*>(portlet);
+    if (!isMeasure || !HasSelectedCurve() || !shown) return RemoveSelectedGraph();
+    if (!Ask(EText::removeCurveQuestion, shown->name)) return;
+    // The document reports the edit to the loader, which destroys the serie.
+    if (const auto* curve = TakeSelectedCurve())
+        m_loader.GetDocument().GetEdits().Do(Edits::kRemove1DCurve, *curve);
+    Q_EMIT StateChanged();
+}
+
+void CTrvView1D::RemoveSelectedGraph() {
+    const CTrv1DGraphPortlet* portlet = GetStack().GetSelected();
+    if (!portlet || !Ask(EText::removeGraphQuestion, portlet->GetTitle()) || !m_loader.SaveDefaults()) return;
+    portlet = GetStack().GetSelected();
+    if (portlet && portlet->GetGraph())
+        m_loader.GetDocument().GetEdits().Do(Edits::kRemove1DGraph, *portlet->GetGraph());
+    Q_EMIT StateChanged();
+}
+
+// The selected curve, or the first of the selected graph that is visible.
+const SCurveDescription* CTrvView1D::FindSelectedShown() const {
+    const CTrv1DGraphPortlet* portlet = GetStack().GetSelected();
+    if (!portlet) return nullptr;
+    const Outils_Plot2D::CPlot2DSerie* serie = portlet->GetPlot().GetSelectedSerie();
+    portlet->ForEachVisible([&](const Outils_Plot2D::CPlot2DSerie& own, const CTrv1DGraphDataSource&) {
+        if (!serie) serie = &own;
+    });
+    return portlet->FindShown(serie);
+}
+
+void CTrvView1D::StepCursor(int samples) {
+    const auto* shown = FindSelectedShown();
+    if (shown && shown->channel.file) m_steps.Step(shown->channel, samples);
+}
+
+void CTrvView1D::StepToChange(bool forward) {
+    const auto* shown = FindSelectedShown();
+    const bool isMeasure = GetStack().GetSelectedMeasure();
+    if (shown && shown->channel.file && !isMeasure)
+        m_steps.StepToChange(shown->channel, shown->field, forward);
+}
+
+void CTrvView1D::SetSecondCursorHere() {
+    GetViewState().SetCursor(ECursor::second, GetViewState().GetCursor(ECursor::first));
+}
+
+void CTrvView1D::BeginWheel() {
+    GetViewState().BeginGesture();
+    m_wheelEnd.start();
+}
+
+void CTrvView1D::EndWheel() {
+    if (!m_wheelEnd.isActive() && sender() != &m_wheelEnd) return;
+    m_wheelEnd.stop();
+    GetViewState().EndGesture();
     Q_EMIT StateChanged();
 }
 
@@ -147,8 +289,33 @@ bool CTrvView1D::CanDrop(QPointF position, const Outils_Objets::CObject& field) 
 bool CTrvView1D::Drop(QPointF position, const Outils_Objets::CObject& field) {
     if (!CanDrop(position, field)) return false;
     setFocus();
-    return Presentation_Tarvel_Graphics::Drop(m_loader.GetDocument(),
-                                              PortletAt(GetStack(), ToStack(position)), field);
+    return DropOn(PortletAt(GetStack(), ToStack(position)), field);
+}
+
+bool CTrvView1D::AddField(const Outils_Objets::CObject& field, bool newGraph) {
+    const auto* project = m_loader.GetDocument().GetProject();
+    if (!project) return false;
+    const CTrv1DGraphPortlet* portlet = newGraph ? nullptr : GetStack().GetSelected();
+    const bool fits = Presentation_Tarvel_Graphics::CanDrop(*project, portlet, field);
+    return DropOn(fits ? portlet : nullptr, field);
+}
+
+// A default graph that shows nothing is not saved: a field for it gets a graph of its own.
+bool CTrvView1D::DropOn(const CTrv1DGraphPortlet* portlet, const Outils_Objets::CObject& field) {
+    m_loader.SaveDefaults();
+    if (IndexOf(GetStack(), portlet) < 0) portlet = nullptr;
+    return Presentation_Tarvel_Graphics::Drop(m_loader.GetDocument(), portlet, field);
+}
+
+bool CTrvView1D::viewportEvent(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return CInteractorView::viewportEvent(event);
+    m_tip->Show(*static_cast<QHelpEvent*>(event));
+    return true;
+}
+
+void CTrvView1D::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) Redraw();
+    CInteractorView::changeEvent(event);
 }
 
 void CTrvView1D::ShowSelected() {
@@ -157,7 +324,8 @@ void CTrvView1D::ShowSelected() {
     const int top = static_cast<int>(portlet->GetRect().y);
     const int bottom = static_cast<int>(std::ceil(portlet->GetRect().Bottom()));
     QScrollBar& bar = *verticalScrollBar();
-    if (bottom > bar.value() + viewport()->height()) bar.setValue(bottom - viewport()->height());
+    const int page = static_cast<int>(GetStackHeight());
+    if (bottom > bar.value() + page) bar.setValue(bottom - page);
     if (top < bar.value()) bar.setValue(top);
 }
 
@@ -168,12 +336,17 @@ void CTrvView1D::Redraw() {
 
 void CTrvView1D::OnLoaderChanged(bool layout) {
     if (layout) UpdateScrollBar();
+    if (!m_loader.HasProject()) m_steps.Cancel();
     Redraw();
+    if (!m_description.isActive()) m_description.start();
+    // A drag shows many views: only what changes a command is reported.
+    const auto& viewState = GetViewState();
+    const SOffered offered = {viewState.CanGoBack(), viewState.CanGoForward(), viewState.HasPeriod()};
+    if (std::exchange(m_offered, offered) != offered || layout) Q_EMIT StateChanged();
 }
 
 void CTrvView1D::FitToWindow() {
-    const QSize size = viewport()->size();
-    m_loader.SetViewSize({static_cast<float>(size.width()), static_cast<float>(size.height())},
+    m_loader.SetViewSize({static_cast<float>(viewport()->width()), std::max(GetStackHeight(), 1.0f)},
                          devicePixelRatioF());
     UpdateScrollBar();
     Redraw();
@@ -181,8 +354,9 @@ void CTrvView1D::FitToWindow() {
 
 void CTrvView1D::UpdateScrollBar() {
     const int height = static_cast<int>(std::ceil(GetStack().GetHeight()));
-    verticalScrollBar()->setPageStep(viewport()->height());
-    verticalScrollBar()->setRange(0, std::max(0, height - viewport()->height()));
+    const int page = static_cast<int>(GetStackHeight());
+    verticalScrollBar()->setPageStep(page);
+    verticalScrollBar()->setRange(0, std::max(0, height - page));
 }
 
 void CTrvView1D::contextMenuEvent(QContextMenuEvent* event) {
@@ -234,21 +408,23 @@ void CTrvView1D::paintEvent(QPaintEvent* event) {
 }
 
 void CTrvView1D::PaintBacking() {
-    m_backing.fill(kGround);
+    const auto& theme = GetTheme();
+    m_backing.fill(QColor::fromRgba(theme.around));
     m_backingValid = true;
     QPainter painter(&m_backing);
     if (!m_loader.HasProject()) {
-        painter.setPen(kGroundText);
+        painter.setPen(QColor::fromRgba(theme.notice));
         painter.drawText(viewport()->rect(), Qt::AlignCenter | Qt::TextWordWrap, Text(EText::noProject));
         return;
     }
     const int top = verticalScrollBar()->value();
     painter.translate(0, -top);
     CGraphics graphics(painter);
+    graphics.SetTheme(theme);
     DrawStack(GetStack(), graphics,
-              {0, static_cast<float>(top), static_cast<float>(viewport()->width()),
-               static_cast<float>(viewport()->height())},
-              true);
+              {0, static_cast<float>(top), static_cast<float>(viewport()->width()), GetStackHeight()}, true);
+    painter.translate(0, top);
+    DrawStrip(m_coverage, GetStack(), graphics, GetStripRect());
 }
 
 } // namespace Application_Tarvel

@@ -1,7 +1,8 @@
-// What the mouse does in the graphs: one object per mode. Portlets are known by their place, because they may
-// go during a gesture. UI thread.
+// What the mouse and the keys do in the graphs: one object per mode, which differ in what a left drag in a
+// plotting area does. Portlets are known by their place, because they may go during a gesture. UI thread.
 #pragma once
 
+#include "graph/hit_test.h"
 #include "views/interactor.h"
 #include "views/view_1d.h"
 
@@ -11,13 +12,12 @@
 
 namespace Application_Tarvel {
 
-// Lets the cursor follow the mouse, and draws it.
+// Draws what lies over the graphs.
 class CCursorInteractor : public Outils_Application::CInteractor {
   public:
     explicit CCursorInteractor(CTrvView1D& view) : CInteractor(view), m_view(view) {}
 
-    void OnMouseMove(QMouseEvent& event) override;
-    void Draw(QPainter& painter) override;
+    void Draw(QPainter& painter) override { m_view.DrawOverlay(painter); }
 
   protected:
     CTrvView1D& View() const { return m_view; }
@@ -26,96 +26,82 @@ class CCursorInteractor : public Outils_Application::CInteractor {
     CTrvView1D& m_view; // Not owned.
 };
 
-// What all modes share: the keys and the wheel.
+enum class EView1DGesture {
+    border, // a height
+    pan,    // the picture; new data is asked for at the end
+    band,   // the time to be shown
+    cursor
+};
+
+// What all modes share.
 class CTrvView1DInteractor : public CCursorInteractor {
   public:
     using CCursorInteractor::CCursorInteractor;
 
-    void OnWheel(QWheelEvent& event) override;
-    void OnKeyPress(QKeyEvent& event) override;
-
-  protected:
-    CTrv1DGraphPortlet* PortletAt(QPointF position) const;
-    // The portlet at this place of the stack, or null.
-    CTrv1DGraphPortlet* GetPortlet(int index) const;
-    int IndexOf(const CTrv1DGraphPortlet* portlet) const;
-
-  private:
-    void MoveCursor(int pixels);
-    void SelectNextCurve();
-    void ChangeHeight(float pixels);
-};
-
-// Selects graphs and curves, and drags the lower border of a graph.
-class CTrvView1DInteractorSelect : public CTrvView1DInteractor {
-  public:
-    using CTrvView1DInteractor::CTrvView1DInteractor;
-
     void OnMousePress(QMouseEvent& event) override;
     void OnMouseMove(QMouseEvent& event) override;
     void OnMouseRelease(QMouseEvent& event) override;
+    void OnMouseDoubleClick(QMouseEvent& event) override;
     void OnMouseLeave() override;
-    void OnCaptureLost() override { m_dragged = -1; }
-
-  protected:
-    // The mode's own press in the plotting area of a portlet; true when a gesture began.
-    virtual bool BeginGesture(QMouseEvent&, CTrv1DGraphPortlet&) { return false; }
-    // The shape of the mouse over a plotting area.
-    virtual Qt::CursorShape GetShape() const { return Qt::ArrowCursor; }
-
-  private:
-    void Hover(QPointF position);
-
-    int m_dragged = -1; // the portlet whose border is dragged
-};
-
-// Drags the picture; new data is asked for at the end.
-class CTrvView1DInteractorPan final : public CTrvView1DInteractorSelect {
-  public:
-    using CTrvView1DInteractorSelect::CTrvView1DInteractorSelect;
-
-    void OnMouseMove(QMouseEvent& event) override;
-    void OnMouseRelease(QMouseEvent& event) override;
-    void OnCaptureLost() override;
-
-  protected:
-    bool BeginGesture(QMouseEvent& event, CTrv1DGraphPortlet& portlet) override;
-    Qt::CursorShape GetShape() const override {
-        return m_gesture ? Qt::ClosedHandCursor : Qt::OpenHandCursor;
-    }
-
-  private:
-    struct SGesture {
-        int portlet;
-        QPointF start, last;
-        bool vertical = false; // the mouse has left the height at which it was pressed
-    };
-    void End(bool accept);
-
-    std::optional<SGesture> m_gesture;
-};
-
-// Spans a rubber band over the time to be shown.
-class CTrvView1DInteractorZoom final : public CTrvView1DInteractorSelect {
-  public:
-    using CTrvView1DInteractorSelect::CTrvView1DInteractorSelect;
-
-    void OnMouseMove(QMouseEvent& event) override;
-    void OnMouseRelease(QMouseEvent& event) override;
+    void OnWheel(QWheelEvent& event) override;
+    void OnKeyPress(QKeyEvent& event) override;
+    void OnKeyRelease(QKeyEvent& event) override;
     void OnCaptureLost() override;
     void Draw(QPainter& painter) override;
 
   protected:
-    bool BeginGesture(QMouseEvent& event, CTrv1DGraphPortlet& portlet) override;
-    Qt::CursorShape GetShape() const override { return Qt::CrossCursor; }
+    virtual EView1DGesture GetLeftGesture() const = 0;
 
   private:
-    // In pixels of the window, within the plotting area of the portlet.
     struct SGesture {
+        EView1DGesture kind;
+        Qt::MouseButton button;
         int portlet;
-        QPointF start, current;
+        QPointF start, last;
+        bool values = false;   // of a band: its height counts too
+        bool vertical = false; // of a pan: the mouse has left the height at which it was pressed
+        Presentation_Tarvel_Graphics::ECursor cursor{};
     };
+
+    CTrv1DGraphPortlet* GetPortlet(int index) const;
+    void Begin(SGesture gesture);
+    void Finish();
+    void Pan(QPointF position);
+    void PutCursor(QPointF position);
+    void ShowBand(const SGesture& band);
+    void ClickLegend(const Presentation_Tarvel_Graphics::SGraphHit& hit);
+    void Hover(QPointF position);
+    Qt::CursorShape GetShape(const Presentation_Tarvel_Graphics::SGraphHit& hit) const;
+    void Cancel();
+
     std::optional<SGesture> m_gesture;
+    bool m_space = false;     // is held
+    bool m_spaceUsed = false; // for a drag
+};
+
+// Puts the cursor, and with Shift the second one.
+class CTrvView1DInteractorSelect final : public CTrvView1DInteractor {
+  public:
+    using CTrvView1DInteractor::CTrvView1DInteractor;
+
+  protected:
+    EView1DGesture GetLeftGesture() const override { return EView1DGesture::cursor; }
+};
+
+class CTrvView1DInteractorPan final : public CTrvView1DInteractor {
+  public:
+    using CTrvView1DInteractor::CTrvView1DInteractor;
+
+  protected:
+    EView1DGesture GetLeftGesture() const override { return EView1DGesture::pan; }
+};
+
+class CTrvView1DInteractorZoom final : public CTrvView1DInteractor {
+  public:
+    using CTrvView1DInteractor::CTrvView1DInteractor;
+
+  protected:
+    EView1DGesture GetLeftGesture() const override { return EView1DGesture::band; }
 };
 
 } // namespace Application_Tarvel

@@ -105,7 +105,7 @@ TEST_F(MainFrame, WhatTheMenusOfferFollowsTheProject) {
     Action(commandModePan).trigger();
     EXPECT_EQ(m_frame->GetView().GetMode(), EView1DMode::pan);
     EXPECT_TRUE(Action(commandModePan).isChecked() && !Action(commandModeSelect).isChecked());
-    EXPECT_FALSE(Action(commandDeleteCurve).isEnabled()) << "no curve is selected";
+    EXPECT_FALSE(Action(commandCurveProperties).isEnabled()) << "no curve is selected";
     const bool legends = m_frame->GetView().AreLegendsVisible();
     Action(commandLegends).trigger();
     EXPECT_EQ(m_frame->GetView().AreLegendsVisible(), !legends);
@@ -129,8 +129,8 @@ TEST_F(MainFrame, GraphCommandsAreReached) {
         const char* key;
         double start, end, low, high;
     } rows[] = {{commandZoomHorizontal, "+", 250, 750, 0, 100},
-                {commandScrollRight, "Right", 250, 1250, 0, 100},
-                {commandScrollLeft, "Left", -250, 750, 0, 100},
+                {commandScrollRight, "", 250, 1250, 0, 100},
+                {commandScrollLeft, "", -250, 750, 0, 100},
                 {commandUnzoomHorizontal, "-", -500, 1500, 0, 100},
                 {commandZoomVertical, "Ctrl++", 0, 1000, 25, 75},
                 {commandUnzoomVertical, "Ctrl+-", 0, 1000, -50, 150},

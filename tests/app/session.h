@@ -57,6 +57,8 @@ class CScriptedDialogs final : public IDialogs {
         return m_rough && m_rough(d);
     }
     bool Show(QWidget*, Dialogue_Tarvel::CTrvSettingsDlg& d) override { return m_settings && m_settings(d); }
+    std::function<bool(Presentation_Tarvel_Graphics::CForm&)> m_form;
+    bool Show(QWidget*, Presentation_Tarvel_Graphics::CForm& d) override { return m_form && m_form(d); }
     bool OpenLink(const QUrl& link) override {
         m_links.push_back(link);
         return m_linkOpens;

@@ -95,6 +95,28 @@ TEST(Plot, ARemovedSerieIsForgottenEverywhere) {
     EXPECT_EQ(test.plot.GetSeries()[0].get(), &second);
 }
 
+TEST(Legend, LeavesLinesForValuesAsLongAsTheyFit) {
+    SPlotOfTest test;
+    auto& legend = test.plot.GetLegend();
+    test.plot.SetLegendVisible(true);
+    legend.SetValueLines(true);
+    test.plot.AddCurve(nullptr, "first");
+    auto& second = test.plot.AddCurve(nullptr, "second");
+    second.SetVisible(false);
+    for (const float height : {300.0f, 50.0f}) {
+        legend.SetRect({5, 7, 120, height});
+        test.Paint();
+        std::vector<const CPlot2DSerie*> series;
+        legend.ForEachValue([&](const CPlot2DSerie* serie, const SRect& box) {
+            series.push_back(serie);
+            EXPECT_EQ(legend.SerieAt({10 + box.x, 20 + box.y + 2}), serie) << "the value is part of the row";
+            EXPECT_EQ(legend.BoxAt({10 + 5 + 8, 20 + box.y}), serie);
+            EXPECT_EQ(legend.BoxAt({10 + box.x, 20 + box.y}), nullptr);
+        });
+        EXPECT_EQ(series.size(), height > 100 ? 2u : 0u);
+    }
+}
+
 TEST(Legend, MarkersHitTheirSerie) {
     SPlotOfTest test;
     test.plot.SetLegendVisible(true);

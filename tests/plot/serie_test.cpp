@@ -194,3 +194,31 @@ TEST(Chronogram, MixedBucketsMakeOneBlock) {
     EXPECT_EQ(operations[4].brush, 0u);
     EXPECT_EQ(operations[5].pen, 0u);
 }
+
+TEST(Chronogram, WideSegmentsSayTheirState) {
+    SChronogramOfTest test;
+    auto formater = std::make_unique<CPlot2DChronogramFormater>();
+    formater->SetText(1, "on");
+    test.plot.GetVerticalAxis().SetFormater(std::move(formater));
+    const auto painting = test.Paint(10, {{5, 1, 1, 1},
+                                          {15, 1, 1, 1},
+                                          {25, 1, 1, 1},
+                                          {35, 1, 1, 1},
+                                          {45, 3, 3, 3},
+                                          {55, 2, 2, 2},
+                                          {85, 2, 2, 2}});
+    std::vector<std::string> labels;
+    for (const SOperation& text : painting.Find(SOperation::Text))
+        if (text.points[0].x() > At(0, 0).x()) labels.push_back(text.text); // in the plotting area
+    EXPECT_THAT(labels, ElementsAre("on", "2"))
+        << "the narrow one has no room, a state without a name its number";
+}
+
+TEST(Theme, DarkGroundKeepsCurvesVisible) {
+    for (const Colour colour : kCurvePalette) {
+        EXPECT_EQ(kLightTheme.OnGround(colour), colour);
+        const QColor shown = QColor::fromRgba(kDarkTheme.OnGround(colour));
+        EXPECT_GT(qGray(shown.rgb()), 100) << std::hex << colour;
+        EXPECT_EQ(shown.alpha(), 0xFF);
+    }
+}

@@ -1,15 +1,18 @@
 #include "config/config_file.h"
 #include "document/scripted_host.h"
 #include "graph/fabricated.h"
-#include "views/stack_clipboard.h"
+#include "support/temporary_folder.h"
+#include "views/stack_pictures.h"
 #include "views/view_1d.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QFile>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QPrinter>
 #include <QScrollBar>
 #include <QSvgRenderer>
 #include <QWheelEvent>
@@ -47,22 +50,35 @@ class View1DTest : public testing::Test {
     // By its name, as "Ctrl+Down".
     void Key(const char* name) {
         const QKeyCombination key = QKeySequence(name)[0];
-        QKeyEvent event(QEvent::KeyPress, key.key(), key.keyboardModifiers());
-        QApplication::sendEvent(&*m_view, &event);
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, key.key(), key.keyboardModifiers());
+            QApplication::sendEvent(&*m_view, &event);
+        }
     }
-    void Mouse(QEvent::Type type, QPointF position) {
-        const bool move = type == QEvent::MouseMove;
+    void Mouse(QEvent::Type type, QPointF position, Qt::KeyboardModifiers keys = {},
+               Qt::MouseButton button = Qt::LeftButton) {
         QMouseEvent event(type, position, m_view->viewport()->mapToGlobal(position),
-                          move ? Qt::NoButton : Qt::LeftButton,
-                          type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, Qt::NoModifier);
+                          type == QEvent::MouseMove ? Qt::NoButton : button,
+                          type == QEvent::MouseButtonRelease ? Qt::NoButton : button, keys);
         QApplication::sendEvent(m_view->viewport(), &event);
     }
-    void Drag(QPointF from, QPointF to) {
-        Mouse(QEvent::MouseButtonPress, from);
-        Mouse(QEvent::MouseMove, (from + to) / 2);
-        Mouse(QEvent::MouseMove, to);
-        Mouse(QEvent::MouseButtonRelease, to);
+    void Drag(QPointF from, QPointF to, Qt::KeyboardModifiers keys = {},
+              Qt::MouseButton button = Qt::LeftButton) {
+        Mouse(QEvent::MouseButtonPress, from, keys, button);
+        Mouse(QEvent::MouseMove, (from + to) / 2, keys, button);
+        Mouse(QEvent::MouseMove, to, keys, button);
+        Mouse(QEvent::MouseButtonRelease, to, keys, button);
     }
+    void DoubleClick(QPointF position) { Mouse(QEvent::MouseButtonDblClick, position); }
+    void Turn(QPointF position, QPoint turn, Qt::KeyboardModifiers keys = {}) {
+        QWheelEvent event(position, position, QPoint(), turn, Qt::NoButton, keys, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(m_view->viewport(), &event);
+    }
+    double Cursor(ECursor cursor = ECursor::first) {
+        const auto time = m_viewState.GetCursor(cursor);
+        return time ? time->GetTotalSeconds() : -1;
+    }
+    void ShowAll() { m_viewState.SetView({{Seconds(0), Seconds(1000)}, {}}); }
     // A point of the plotting area of the first graph, by parts of its width and height.
     QPointF At(double x, double y) {
         const SRect area = m_view->GetStack().GetPortlets()[0]->GetPlottingRect();
@@ -89,52 +105,46 @@ class View1DTest : public testing::Test {
 
 using Period = std::pair<double, double>;
 
-TEST_F(View1DTest, KeyboardSelectsAndScrolls) {
+TEST_F(View1DTest, KeysSelectAndMoveTheTime) {
     const float height = First().GetRect().height;
-    Key("Ctrl+Shift+Down");
+    Key("Alt+Down");
     EXPECT_GT(First().GetRect().height, height);
-    Key("Shift+Right");
-    EXPECT_EQ(m_viewState.GetCursor(ECursor::first), Seconds(500));
-    Key("Shift+Right");
-    EXPECT_GT(m_viewState.GetCursor(ECursor::first).value(), Seconds(500));
-
     const QScrollBar& bar = *m_view->verticalScrollBar();
     for (int i = 0; i < 20; ++i) Key("Down");
     EXPECT_EQ(m_view->GetStack().GetSelectedIndex(), 7);
     EXPECT_NEAR(bar.value(), bar.maximum(), 4) << "in sight";
     for (int i = 0; i < 20; ++i) Key("Up");
     EXPECT_EQ(bar.value(), 0);
-    Key("PgDown");
-    EXPECT_GT(bar.value(), 0);
 
-    Key("PgUp");
-    EXPECT_EQ(bar.value(), 0);
+    m_view->GetLoader().ShowPeriod({Seconds(100), Seconds(300)});
+    const std::pair<const char*, Period> rows[] = {
+        {"PgDown", {300, 500}}, {"PgUp", {100, 300}}, {"End", {800, 1000}}, {"Home", {0, 200}}};
+    for (const auto& [key, shown] : rows) {
+        Key(key);
+        EXPECT_EQ(Shown(), shown) << key;
+    }
 }
 
-TEST_F(View1DTest, DeletesTheSelectedCurveOnly) {
-    const auto& graph = dynamic_cast<Metier_Tarvel_Graphics::CTrv1DGraphMeasure&>(
-        *m_document->GetProject()->graphSettings->graphs[0]);
+TEST_F(View1DTest, RemovesCurvesAndGraphsAfterAQuestion) {
+    const auto& graphs = m_document->GetProject()->graphSettings->graphs;
+    const auto& graph = dynamic_cast<Metier_Tarvel_Graphics::CTrv1DGraphMeasure&>(*graphs[0]);
     int changes = 0;
     QObject::connect(&*m_view, &CTrvView1D::StateChanged, [&] { ++changes; });
-    const auto expect = [&](bool selected, std::size_t curves) {
-        EXPECT_EQ(m_view->HasSelectedCurve(), selected);
-        EXPECT_EQ(graph.curves.size(), curves);
-        EXPECT_EQ(First().GetPlot().GetSeries().size(), curves);
-        EXPECT_GT(std::exchange(changes, 0), 0);
-    };
-    m_view->DeleteSelectedCurve();
     m_view->SelectPortlet(0);
-    expect(false, 2);
     Key("Space");
-    expect(true, 2);
-    m_view->SelectPortlet(1);
-    expect(false, 2);
-    m_view->SelectPortlet(0);
-    m_view->DeleteSelectedCurve();
-    expect(false, 1);
-    Key("Space");
-    Key("Space"); // after the last curve, none
-    expect(false, 1);
+    EXPECT_TRUE(m_view->HasSelectedCurve());
+    m_host.TakeMessages();
+    m_host.m_answers = {EAnswer::no, EAnswer::yes, EAnswer::yes};
+    m_view->RemoveSelected();
+    EXPECT_EQ(graph.curves.size(), 2u) << "the answer was no";
+    m_view->RemoveSelected();
+    EXPECT_EQ(graph.curves.size(), 1u);
+    EXPECT_EQ(First().GetPlot().GetSeries().size(), 1u);
+    EXPECT_FALSE(m_view->HasSelectedCurve());
+    EXPECT_GT(changes, 0);
+    m_view->RemoveSelected();
+    EXPECT_EQ(graphs.size(), 7u) << "without a curve, the graph";
+    EXPECT_EQ(m_host.TakeMessages().size(), 3u);
 }
 
 TEST_F(View1DTest, KeysTriggerTheCommandsGivenToThem) {
@@ -148,7 +158,7 @@ TEST_F(View1DTest, KeysTriggerTheCommandsGivenToThem) {
         {Qt::Key_Plus, Qt::KeypadModifier, 1},
         {Qt::Key_Plus, Qt::ControlModifier, 0},
         {Qt::Key_Left, {}, 1},
-        {Qt::Key_Left, Qt::ShiftModifier, 0}, // moves the cursor
+        {Qt::Key_Left, Qt::ShiftModifier, 0}, // steps the cursor
         {Qt::Key_Right, {}, 0},
     };
     for (const auto& [key, modifiers, expected] : rows) {
@@ -162,23 +172,36 @@ TEST_F(View1DTest, KeysTriggerTheCommandsGivenToThem) {
 }
 
 TEST_F(View1DTest, WheelActsInProportion) {
-    const auto wheel = [&](int turn, Qt::KeyboardModifier key) {
-        QWheelEvent event(At(0.5, 0.5), At(0.5, 0.5), QPoint(), QPoint(0, turn), Qt::NoButton, key,
-                          Qt::NoScrollPhase, false);
-        QApplication::sendEvent(m_view->viewport(), &event);
-    };
     const struct {
         Qt::KeyboardModifier key;
-        int turn, times;
+        QPoint turn;
+        int times;
         Period shown;
-    } rows[] = {{Qt::ControlModifier, 120, 1, {250, 750}}, {Qt::ControlModifier, 15, 8, {250, 750}},
-                {Qt::ControlModifier, 240, 1, {375, 625}}, {Qt::ControlModifier, -30, 4, {-500, 1500}},
-                {Qt::ShiftModifier, 120, 1, {-250, 750}},  {Qt::ShiftModifier, -12, 10, {250, 1250}}};
+    } rows[] = {{Qt::NoModifier, {0, 120}, 1, {250, 750}},     {Qt::NoModifier, {0, 15}, 8, {250, 750}},
+                {Qt::NoModifier, {0, 240}, 1, {375, 625}},     {Qt::NoModifier, {0, -30}, 4, {-500, 1500}},
+                {Qt::ShiftModifier, {0, 120}, 1, {-250, 750}}, {Qt::ShiftModifier, {0, -12}, 10, {250, 1250}},
+                {Qt::NoModifier, {-120, 0}, 1, {250, 1250}}};
     for (const auto& row : rows) {
-        for (int i = 0; i < row.times; ++i) wheel(row.turn, row.key);
-        EXPECT_EQ(Shown(), row.shown) << row.turn;
-        m_view->GetLoader().ViewAll();
+        for (int i = 0; i < row.times; ++i) Turn(At(0.5, 0.5), row.turn, row.key);
+        EXPECT_EQ(Shown(), row.shown) << row.turn.y();
+        m_view->EndWheel();
+        EXPECT_TRUE(m_viewState.GoBack());
+        EXPECT_EQ(Shown(), Period(0, 1000)) << "all turns are one view";
     }
+    Turn(At(0.25, 0.5), {0, 120});
+    EXPECT_NEAR(Shown().first, 125, 2) << "the time under the pointer stays";
+    ShowAll();
+
+    const SRange range = First().GetRange();
+    for (const QPointF at : {At(0.5, 1), At(0, 1) - QPointF(10, 0)}) {
+        Turn(at, {0, 120}, at.x() > At(0, 0).x() ? Qt::ControlModifier : Qt::NoModifier);
+        EXPECT_NEAR(First().GetMinimum(), range.low, 1) << "the value under the pointer stays";
+        EXPECT_NEAR(First().GetRange().GetWidth(), range.GetWidth() / 2, 1);
+        ShowAll();
+    }
+    Turn(QPointF(40, 60), {0, -120}); // over a legend
+    EXPECT_EQ(Shown(), Period(0, 1000));
+    EXPECT_GT(m_view->verticalScrollBar()->value(), 0);
 }
 
 TEST_F(View1DTest, SwitchesAreKeptInTheSettings) {
@@ -190,11 +213,12 @@ TEST_F(View1DTest, SwitchesAreKeptInTheSettings) {
     EXPECT_FALSE(again.AreLegendsVisible() || again.HasEcho());
 }
 
-TEST_F(View1DTest, RubberBandZoomsTheTime) {
+TEST_F(View1DTest, BandZoomsTheTime) {
     m_view->SetMode(EView1DMode::zoom);
     Drag(At(0.25, 0.5), At(0.75, 0.6));
     EXPECT_NEAR(Shown().first, 250, 3);
     EXPECT_NEAR(Shown().second, 750, 3);
+    EXPECT_TRUE(First().IsRangeAutomatic());
     const auto before = m_view->GetStack().GetPeriod();
     Drag(At(0.5, 0.5), At(0.5, 0.5));
     Drag(At(0.5, 0.5), At(0.9, 0.5)); // flat
@@ -203,8 +227,17 @@ TEST_F(View1DTest, RubberBandZoomsTheTime) {
     Key("Esc");
     Mouse(QEvent::MouseButtonRelease, At(0.4, 0.4));
     EXPECT_EQ(m_view->GetStack().GetPeriod(), before);
+    EXPECT_EQ(Cursor(), -1) << "a click changes nothing";
     Drag(At(0.5, 0.5), At(3, 4)); // far out: kept to the plotting area
     EXPECT_NEAR(Shown().second, 750, 3);
+
+    ShowAll();
+    m_view->SetMode(EView1DMode::select);
+    const SRange range = First().GetRange();
+    Drag(At(0.2, 0.25), At(0.4, 0.75), Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_NEAR(Shown().first, 200, 3);
+    EXPECT_NEAR(First().GetMinimum(), range.low + range.GetWidth() / 4, range.GetWidth() / 50);
+    EXPECT_NEAR(First().GetMaximum(), range.low + range.GetWidth() * 0.75, range.GetWidth() / 50);
 }
 
 TEST_F(View1DTest, PanDragsTimeAndMeantDragsOfValues) {
@@ -216,24 +249,133 @@ TEST_F(View1DTest, PanDragsTimeAndMeantDragsOfValues) {
     EXPECT_EQ(First().GetMinimum(), low) << "a hand is not quite steady";
     Drag(At(0.5, 0.25), At(0.5, 0.75));
     EXPECT_NEAR(First().GetMinimum(), low + (First().GetMaximum() - First().GetMinimum()) / 2, 1);
+    EXPECT_TRUE(m_viewState.GoBack() && m_viewState.GoBack());
+    EXPECT_EQ(Shown(), Period(0, 1000)) << "a drag is one view";
+
+    // In any mode by the middle button, or with Space held.
+    m_view->SetMode(EView1DMode::zoom);
+    Drag(At(0.5, 0.5), At(0.25, 0.5), {}, Qt::MiddleButton);
+    EXPECT_NEAR(Shown().first, 250, 3);
+    ShowAll();
+    QKeyEvent press(QEvent::KeyPress, Qt::Key_Space, {}), release(QEvent::KeyRelease, Qt::Key_Space, {});
+    QApplication::sendEvent(&*m_view, &press);
+    Drag(At(0.5, 0.5), At(0.25, 0.5));
+    QApplication::sendEvent(&*m_view, &release);
+    EXPECT_NEAR(Shown().first, 250, 3);
+    EXPECT_FALSE(m_view->HasSelectedCurve()) << "Space was for the drag";
+    ShowAll();
+    Mouse(QEvent::MouseButtonPress, At(0.5, 0.5), {}, Qt::MiddleButton);
+    Mouse(QEvent::MouseMove, At(0.1, 0.5), {}, Qt::MiddleButton);
+    Key("Esc");
+    EXPECT_EQ(Shown(), Period(0, 1000));
 }
 
-TEST_F(View1DTest, SelectTakesBordersLegendsAndTheCursor) {
-    const SRect rect = First().GetRect();
-    Drag(QPointF(500, static_cast<double>(rect.Bottom()) + 1),
-         QPointF(500, static_cast<double>(rect.Bottom()) + 61));
-    EXPECT_NEAR(First().GetRect().height, rect.height + 61, 5);
+TEST_F(View1DTest, SelectPutsBothCursors) {
+    Drag(At(0.25, 0.5), At(0.25, 0.5));
+    EXPECT_NEAR(Cursor(), 250, 2);
+    Drag(At(0.25, 0.5), At(0.5, 0.5));
+    EXPECT_NEAR(Cursor(), 500, 2);
+    Drag(At(0.75, 0.5), At(2, 0.5), Qt::ShiftModifier);
+    EXPECT_NEAR(Cursor(), 500, 2);
+    EXPECT_NEAR(Cursor(ECursor::second), 1000, 2) << "kept to the plotting area";
+    Mouse(QEvent::MouseMove, At(0.1, 0.1));
+    EXPECT_NEAR(Cursor(), 500, 2) << "the mouse alone moves nothing";
+    EXPECT_FALSE(m_view->grab().isNull());
+    Key("Ins");
+    EXPECT_EQ(Cursor(), Cursor(ECursor::second));
+    EXPECT_FALSE(m_viewState.GetInterval());
+}
 
+TEST_F(View1DTest, LegendsSelectAndHide) {
     const SRect plot = First().GetPlot().GetRect();
-    const QPointF row(static_cast<double>(plot.x) + 30, static_cast<double>(plot.y) + 12);
+    const QPointF row(static_cast<double>(plot.x) + 40, static_cast<double>(plot.y) + 12),
+        box = row - QPointF(28, 0);
+    const auto& serie = *First().GetPlot().GetSeries()[0];
     Mouse(QEvent::MouseMove, row);
-    EXPECT_NE(First().GetPlot().GetHoveredSerie(), nullptr);
+    EXPECT_EQ(First().GetPlot().GetHoveredSerie(), &serie);
     Drag(row, row);
-    EXPECT_NE(First().GetPlot().GetSelectedSerie(), nullptr);
-
+    EXPECT_EQ(First().GetPlot().GetSelectedSerie(), &serie);
     Mouse(QEvent::MouseMove, At(0.5, 0.5));
     EXPECT_EQ(First().GetPlot().GetHoveredSerie(), nullptr);
-    EXPECT_NEAR(m_viewState.GetCursor(ECursor::first)->GetTotalSeconds(), 500, 2);
+    Drag(box, box);
+    EXPECT_FALSE(serie.IsVisible());
+    m_document->UpdateAllViews(nullptr, hintGraphAdded);
+    EXPECT_FALSE(serie.IsVisible()) << "a change of the project shows nothing again";
+    DoubleClick(box);
+    EXPECT_TRUE(serie.IsVisible());
+}
+
+TEST_F(View1DTest, DoubleClicksAskOrShowAll) {
+    int ranges = 0, properties = 0;
+    QObject::connect(&*m_view, &CTrvView1D::RangeRequested, [&] { ++ranges; });
+    QObject::connect(&*m_view, &CTrvView1D::PropertiesRequested, [&] { ++properties; });
+    m_view->GetLoader().ShowPeriod({Seconds(100), Seconds(300)});
+    DoubleClick(At(0.5, 0.5));
+    EXPECT_EQ(Shown(), Period(0, 1000));
+    DoubleClick(At(0, 0.5) - QPointF(10, 0));
+    EXPECT_EQ(ranges, 1);
+    const SRect plot = First().GetPlot().GetRect();
+    DoubleClick(QPointF(static_cast<double>(plot.x) + 40, static_cast<double>(plot.y) + 12));
+    EXPECT_EQ(properties, 1);
+
+    const SRect rect = First().GetRect();
+    const QPointF border(500, static_cast<double>(rect.Bottom()) + 1);
+    Drag(border, border + QPointF(0, 60));
+    EXPECT_NEAR(First().GetRect().height, rect.height + 61, 5);
+    DoubleClick(border + QPointF(0, 60));
+    EXPECT_EQ(First().GetRect().height, rect.height);
+}
+
+TEST_F(View1DTest, OneGraphIsShownAlone) {
+    m_view->GetLoader().ShowAlone(true);
+    EXPECT_GT(First().GetRect().height, 400);
+    Key("Down");
+    EXPECT_TRUE(First().IsCollapsed());
+    EXPECT_EQ(m_view->GetStack().GetShown().size(), 1u);
+    EXPECT_EQ(PortletAt(m_view->GetStack(), {100, 100}), m_view->GetStack().GetSelected());
+    m_view->GetLoader().ShowAlone(false);
+    EXPECT_EQ(m_view->GetStack().GetShown().size(), 8u);
+}
+
+TEST_F(View1DTest, PagesAndFilesHoldThePicture) {
+    const SPictureContent content{m_view->GetStack(), m_viewState, {}};
+    CTemporaryFolder folder;
+    for (const auto& [name, begin] :
+         {std::pair("a.pdf", "%PDF"), {"a.png", "\x89PNG"}, {"a.svg", "<?xml"}, {"a.other", "<?xml"}}) {
+        EXPECT_TRUE(SavePicture(content, folder / name));
+        QFile file(QString::fromStdString((folder / name).string()));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly) && file.readAll().startsWith(begin)) << name;
+    }
+    EXPECT_FALSE(SavePicture(content, folder / "none" / "a.svg"));
+
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setPageSize(QPageSize(QPageSize::A4));
+    printer.setOutputFileName(QString::fromStdString((folder / "pages.pdf").string()));
+    PrintPages(content, printer, SPageMargins{}, "dive, 0 to 1000");
+    QFile pages(QString::fromStdString((folder / "pages.pdf").string()));
+    ASSERT_TRUE(pages.open(QIODevice::ReadOnly));
+    // Eight graphs of 130 pixels in 900 make some 2.5 cm each on 17 cm, and nine such fit on 25.7 cm.
+    EXPECT_EQ(pages.readAll().count("/Type /Page\n"), 1);
+    for (const auto& portlet : m_view->GetStack().GetPortlets()) portlet->SetUserHeight(500);
+    m_view->GetLoader().Relayout();
+    printer.setOutputFileName(QString::fromStdString((folder / "more.pdf").string()));
+    PrintPages(content, printer, SPageMargins{}, "dive, 0 to 1000");
+    QFile more(QString::fromStdString((folder / "more.pdf").string()));
+    ASSERT_TRUE(more.open(QIODevice::ReadOnly));
+    EXPECT_EQ(more.readAll().count("/Type /Page\n"), 4);
+}
+
+TEST_F(View1DTest, DarkPaletteMakesDarkGraphs) {
+    const auto ground = [this] {
+        const QPointF at = At(0.02, 0.05);
+        return m_view->grab().toImage().pixelColor(at.toPoint()).lightness();
+    };
+    EXPECT_GT(ground(), 200);
+    QPalette dark;
+    dark.setColor(QPalette::Base, Qt::black);
+    m_view->setPalette(dark);
+    EXPECT_LT(ground(), 80);
 }
 
 TEST_F(View1DTest, FieldsAreDroppedWhereTheyFit) {
@@ -279,11 +421,16 @@ TEST_F(View1DTest, ProjectMayGoDuringAGesture) {
 TEST_F(View1DTest, ClipboardGetsAVectorImage) {
     m_viewState.SetRange(First().GetKey(), SRange{400, 600}); // of values from 0 to 1000
     m_view->GetLoader().Relayout();
-    CopyToClipboard(m_view->GetStack(), m_view->viewport()->width());
+    m_viewState.SetCursor(ECursor::first, Seconds(500));
+    const SPictureContent content{m_view->GetStack(), m_viewState, {}};
+    EXPECT_EQ(CopyToClipboard(content), ECopyEnd::done);
     const QMimeData* data = QApplication::clipboard()->mimeData();
     ASSERT_TRUE(data && data->hasFormat("image/svg+xml"));
     EXPECT_TRUE(data->data("image/svg+xml").contains("<polyline"));
-    EXPECT_TRUE(data->hasImage());
+    EXPECT_TRUE(data->data("application/pdf").startsWith("%PDF"));
+    EXPECT_TRUE(data->text().contains("first\tnorth\t5"));
+    const QImage dense = QImage::fromData(data->data("image/png"));
+    EXPECT_EQ(dense.width(), 2 * m_view->viewport()->width());
 
     // The curve ends at the plotting area: that kind of image has no clip of its own.
     QSvgRenderer svg(data->data("image/svg+xml"));

@@ -1,0 +1,151 @@
+#include "views/stack_pictures.h"
+
+#include "foundation/texts.h"
+#include "graph/stack_text.h"
+#include "plot/text.h"
+
+#include <QBuffer>
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QImage>
+#include <QMimeData>
+#include <QPageLayout>
+#include <QPainter>
+#include <QPdfWriter>
+#include <QPrinter>
+#include <QSaveFile>
+#include <QSvgGenerator>
+
+#include <cmath>
+
+namespace Application_Tarvel {
+
+using namespace Presentation_Tarvel_Graphics;
+using Outils_Plot2D::ToQString;
+using Outils_Texte::EText;
+using Outils_Texte::FormatText;
+
+namespace {
+
+constexpr int kPngScale = 2;
+constexpr int kPdfResolution = 96; // units an inch: one is a pixel of the screen
+constexpr const char* kMimeTypes[] = {"image/svg+xml", "application/pdf", "image/png"};
+
+// From the left and upper edge of the stack to its right and lower one.
+QSize GetPictureSize(const CTrv1DGraphStack& stack) {
+    float width = 0;
+    for (const CTrv1DGraphPortlet* portlet : stack.GetShown())
+        width = std::max(width, portlet->GetRect().Right());
+    return {static_cast<int>(std::ceil(width)), static_cast<int>(std::ceil(stack.GetHeight()))};
+}
+
+void Draw(const SPictureContent& content, QPaintDevice& device) {
+    const QSize size = GetPictureSize(content.stack);
+    QPainter painter(&device);
+    painter.fillRect(QRect(QPoint(), size), QColor::fromRgba(Outils_Plot2D::kLightTheme.ground));
+    CGraphics graphics(painter);
+    DrawStack(content.stack, graphics,
+              {0, 0, static_cast<float>(size.width()), static_cast<float>(size.height())}, false);
+    DrawCursors(content.stack, graphics, content.viewState, content.look, content.echo);
+}
+
+void WriteSvg(const SPictureContent& content, QBuffer& buffer, QSize size) {
+    QSvgGenerator generator;
+    generator.setOutputDevice(&buffer);
+    generator.setSize(size);
+    generator.setViewBox(QRect(QPoint(), size));
+    Draw(content, generator);
+}
+
+void WritePdf(const SPictureContent& content, QBuffer& buffer, QSize size) {
+    QPdfWriter writer(&buffer);
+    writer.setResolution(kPdfResolution);
+    constexpr double kPointsPerUnit = 72.0 / kPdfResolution;
+    writer.setPageSize(
+        QPageSize(QSizeF(size) * kPointsPerUnit, QPageSize::Point, QString(), QPageSize::ExactMatch));
+    writer.setPageMargins(QMarginsF());
+    Draw(content, writer);
+}
+
+void WritePng(const SPictureContent& content, QBuffer& buffer, QSize size) {
+    QImage image(size * kPngScale, QImage::Format_RGB32);
+    image.setDevicePixelRatio(kPngScale);
+    Draw(content, image);
+    image.save(&buffer, "PNG");
+}
+
+} // namespace
+
+QByteArray MakePicture(const SPictureContent& content, EPictureFormat format) {
+    const QSize size = GetPictureSize(content.stack);
+    QByteArray bytes;
+    if (size.isEmpty()) return bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    constexpr void (*kWriters[])(const SPictureContent&, QBuffer&, QSize) = {WriteSvg, WritePdf, WritePng};
+    kWriters[static_cast<std::size_t>(format)](content, buffer, size);
+    return bytes;
+}
+
+bool SavePicture(const SPictureContent& content, const std::filesystem::path& path) {
+    const QString ending = ToQString(path.extension()).toLower();
+    const EPictureFormat format = ending == QLatin1String(".pdf")   ? EPictureFormat::pdf
+                                  : ending == QLatin1String(".png") ? EPictureFormat::png
+                                                                    : EPictureFormat::svg;
+    const QByteArray bytes = MakePicture(content, format);
+    QSaveFile file(ToQString(path));
+    return !bytes.isEmpty() && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
+           file.commit();
+}
+
+ECopyEnd CopyToClipboard(const SPictureContent& content) {
+    auto mime = std::make_unique<QMimeData>();
+    for (const EPictureFormat format : {EPictureFormat::svg, EPictureFormat::pdf, EPictureFormat::png}) {
+        const QByteArray bytes = MakePicture(content, format);
+        if (bytes.isEmpty()) return ECopyEnd::noPicture;
+        mime->setData(QLatin1String(kMimeTypes[static_cast<std::size_t>(format)]), bytes);
+    }
+    mime->setText(ToQString(WriteValues(content.stack, content.viewState)));
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    clipboard->setMimeData(mime.release());
+    // Another program may hold it.
+    const QMimeData* held = clipboard->mimeData();
+    return held && held->hasFormat(QLatin1String(kMimeTypes[0])) ? ECopyEnd::done : ECopyEnd::noClipboard;
+}
+
+void PrintPages(const SPictureContent& content, QPrinter& printer, const SPageMargins& margins,
+                const std::string& header) {
+    const auto toFloat = [](auto value) { return static_cast<float>(value); };
+    printer.setFullPage(false);
+    printer.setPageMargins(QMarginsF(0, 0, 0, 0), QPageLayout::Millimeter);
+    const QRectF paper = printer.paperRect(QPrinter::DevicePixel),
+                 page = printer.pageRect(QPrinter::DevicePixel);
+    const SPageMetrics metrics = {{toFloat(paper.width()), toFloat(paper.height())},
+                                  {toFloat(page.x() - paper.x()), toFloat(page.y() - paper.y())},
+                                  {toFloat(printer.logicalDpiX()), toFloat(printer.logicalDpiY())}};
+    const SPrintedPages pages = ComputePages(metrics, margins, content.stack);
+    QPainter painter(&printer);
+    if (!painter.isActive()) return;
+    CGraphics graphics(painter);
+    const SRect& box = pages.box;
+    // As high as a line of text of the graphs on that paper.
+    const auto portlets = content.stack.GetShown();
+    const float scale = portlets.empty() ? 1 : box.width / portlets.front()->GetRect().width;
+    QFont font = Outils_Plot2D::DefaultFont();
+    font.setPixelSize(std::max(1, static_cast<int>(toFloat(font.pixelSize()) * scale)));
+    const float line = graphics.GetFontHeight(font) * 1.5f;
+    for (std::size_t i = 0; i < pages.pages.size(); ++i) {
+        if (i > 0) printer.newPage();
+        DrawPage(content.stack, graphics, pages, i);
+        if (box.y < line) continue;
+        Outils_Plot2D::SStringFormat format;
+        graphics.DrawString(header, font, Outils_Plot2D::SPoint{box.x, box.y - line}, format,
+                            graphics.GetTheme().text);
+        format.align = Outils_Plot2D::StringAlignment::Far;
+        graphics.DrawString(
+            FormatText(EText::pageNumber, {std::to_string(i + 1), std::to_string(pages.pages.size())}), font,
+            Outils_Plot2D::SPoint{box.Right(), box.y - line}, format, graphics.GetTheme().text);
+    }
+}
+
+} // namespace Application_Tarvel
