@@ -22,6 +22,7 @@ using Outils_Texte::GetText;
 namespace {
 
 constexpr float kMargin = 0.05f;     // of the picture about the whole of all tracks
+constexpr float kLegendLine = 16;    // pixels, above everything
 constexpr double kLeastSpan = 1;     // metres, of a picture of everything
 constexpr double kFinest = 1e-4;     // metres a pixel
 constexpr double kCoarsest = 1e5;    // metres a pixel
@@ -206,14 +207,18 @@ bool CTrvPlan::FitAll() {
             isAny = true;
         }
     }
+    // The legend has a line for each track, the origin, and two for the numbers at the cursor.
     const float inner = 1 - 2 * kMargin;
+    const float legend =
+        std::min(kLegendLine * static_cast<float>(m_tracks.size() + 3), m_scale.size.height / 3);
     if (!isAny || !(m_scale.size.width > 0) || !(m_scale.size.height > 0)) return false;
     const auto fit = [&](int axis, float pixels) {
         return std::max(high[axis] - low[axis], kLeastSpan) / static_cast<double>(pixels * inner);
     };
-    m_scale.centre = {(low[0] + high[0]) / 2, (low[1] + high[1]) / 2};
-    m_scale.metresPerPixel =
-        std::clamp(std::max(fit(0, m_scale.size.width), fit(1, m_scale.size.height)), kFinest, kCoarsest);
+    m_scale.metresPerPixel = std::clamp(
+        std::max(fit(0, m_scale.size.width), fit(1, m_scale.size.height - legend)), kFinest, kCoarsest);
+    m_scale.centre = {(low[0] + high[0]) / 2,
+                      (low[1] + high[1]) / 2 + static_cast<double>(legend / 2) * m_scale.metresPerPixel};
     return true;
 }
 
@@ -228,7 +233,8 @@ bool CTrvPlan::SetCursorAt(SPoint pixel) {
         };
         const auto nearest = std::ranges::min_element(drawn->points, {}, distance);
         if (!(distance(*nearest) <= kReach * m_scale.metresPerPixel)) continue;
-        return m_state.SetCursor(ECursor::first, nearest->date + track.origin);
+        m_state.SetCursor(ECursor::first, nearest->date + track.origin);
+        return true;
     }
     return false;
 }

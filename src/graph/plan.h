@@ -73,7 +73,7 @@ class CTrvPlan final : public Application_Tarvel::IDocumentView {
     const CLocalFrame* GetFrame() const { return m_frame ? &*m_frame : nullptr; }
     // The part of the ground that is seen.
     SGeoBox GetSeen() const;
-    const CTrvDocument& GetDocument() const { return m_document; }
+    CTrvDocument& GetDocument() const { return m_document; }
     const Outils_Valeurs::CTrvAdaptors& GetAdaptors() const { return m_adaptors; }
     SPeriod GetPeriod() const { return m_state.GetView().period; }
     // Of each track that has a sample at the cursor.

@@ -219,8 +219,9 @@ class CPlanPainter {
         const CFieldText distance(adaptors, Persistance_Xpf::naturePositionStdDev);
         for (const SPlanCursor& cursor : m_plan.GetCursors()) {
             if (!cursor.hasUncertainty || cursor.track->mark != ETrackMark::line) continue;
-            write(FormatText(EText::planEllipse, {distance.Format(cursor.north), distance.Format(cursor.east),
-                                                  distance.Format(cursor.ellipse.semiMajor),
+            write(FormatText(EText::planDeviations,
+                             {distance.Format(cursor.north), distance.Format(cursor.east)}));
+            write(FormatText(EText::planEllipse, {distance.Format(cursor.ellipse.semiMajor),
                                                   distance.Format(cursor.ellipse.semiMinor)}));
         }
     }

@@ -1,15 +1,13 @@
 #include "views/plan_view.h"
 
+#include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "graph/plan_picture.h"
 #include "plot/text.h"
-#include "views/picture_data.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QWheelEvent>
@@ -53,15 +51,29 @@ CTrvPlanView::CTrvPlanView(CTrvDocument& document, CViewState& state,
     };
     add(EText::planShowAll, "F", [this] { m_plan.ShowAll(); });
     add(EText::planCopy, "Ctrl+C", [this] { CopyPicture(); });
+    add(EText::savePicture, "", [this] { SavePicture(); });
     m_plan.SetOnChanged([this] { update(); });
 }
 
 CTrvPlanView::~CTrvPlanView() { m_plan.SetOnChanged({}); }
 
-void CTrvPlanView::CopyPicture() {
+SPictureData CTrvPlanView::GetPicture() const {
     const SSize pixels{static_cast<float>(width()), static_cast<float>(height())};
-    auto picture = MakePictureData(size(), [&](QPainter& painter) { DrawPlan(m_plan, painter, pixels); });
-    if (picture) QGuiApplication::clipboard()->setMimeData(picture.release());
+    return {size(), [this, pixels](QPainter& painter) { DrawPlan(m_plan, painter, pixels); }};
+}
+
+void CTrvPlanView::CopyPicture() { Application_Tarvel::CopyPicture(GetPicture()); }
+
+void CTrvPlanView::SavePicture() {
+    CTrvDocument& document = m_plan.GetDocument();
+    auto proposed = document.GetPathName();
+    proposed.replace_extension(".plan.svg");
+    const auto chosen = document.GetHost().AskPath(
+        {EPathKind::save, EText::savePicture, EText::pictureFilter, "svg", proposed});
+    if (chosen.empty() || Application_Tarvel::SavePicture(GetPicture(), chosen.front())) return;
+    document.GetHost().ShowMessage(
+        Outils_Texte::FormatText(EText::pictureFailed, {Outils_Fichiers::ToText(chosen.front())}),
+        EButtons::ok, EIcon::exclamation);
 }
 
 void CTrvPlanView::FitToWindow() {

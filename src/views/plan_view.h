@@ -5,8 +5,8 @@
 #pragma once
 
 #include "graph/plan.h"
+#include "views/picture_data.h"
 
-#include <QPixmap>
 #include <QWidget>
 
 namespace Application_Tarvel {
@@ -25,6 +25,8 @@ class CTrvPlanView final : public QWidget {
 
     CTrvPlan& GetPlan() { return m_plan; }
     void CopyPicture();
+    // Asks for a file; a message box reports a failure.
+    void SavePicture();
     // Takes texts and units from the settings again.
     void Reformat() { m_plan.Reformat(); }
 
@@ -42,6 +44,7 @@ class CTrvPlanView final : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
+    SPictureData GetPicture() const;
     void FitToWindow();
 
     CTrvPlan m_plan;

@@ -47,6 +47,7 @@ CValuesList::CValuesList(QWidget* parent) : QTreeView(parent) {
     setDropIndicatorShown(true);
     setFrameShape(NoFrame);
     setAllColumnsShowFocus(true);
+    setTextElideMode(Qt::ElideMiddle); // the field is at the end of its label
     setContextMenuPolicy(Qt::ActionsContextMenu);
     setAccessibleName(Text(EText::instantValuesTitle));
     setAccessibleDescription(Text(EText::valuesHelp));
@@ -202,6 +203,8 @@ void CTrvViewValue::ShowColumns() {
         m_list->setColumnHidden(column, !isShown);
         if (column > 0) m_list->resizeColumnToContents(column);
     }
+    // A single value has the room that the names leave.
+    m_list->header()->setStretchLastSection(columns.size() <= 2);
 }
 
 void CTrvViewValue::ShowProgress() {

@@ -9,8 +9,11 @@
 #include "graph/fabricated.h"
 #include "graph/view_state.h"
 #include "values/adaptors.h"
+#include "xpf/tarout_layouts.h"
 
+#include <algorithm>
 #include <optional>
+#include <stdexcept>
 
 namespace test {
 
@@ -40,9 +43,10 @@ class CDataFixture : public testing::Test {
         for (int t = 0; t <= kDiveEnd; ++t) {
             const auto packet = MakeResult(t, kFirstLatitude + t * kDegreesPerSecond);
             packet->SetDouble(kLongitude, kFirstLongitude + t * kDegreesPerSecond);
-            packet->SetDouble(kHeading, std::fmod(kFirstHeading + t, 360));
-            packet->SetDouble(30, 3); // standard deviations north and east
-            packet->SetDouble(31, 4);
+            const auto& layout = Persistance_Xpf::kMorvexStdLayout;
+            packet->SetDouble(layout.IndexOf("Heading"), std::fmod(kFirstHeading + t, 360));
+            packet->SetDouble(layout.IndexOf("Std. dev. north"), 3);
+            packet->SetDouble(layout.IndexOf("Std. dev. east"), 4);
             EXPECT_TRUE(result.Write("MORVEX_STD", *packet));
         }
         EXPECT_TRUE(result.Close());
@@ -50,14 +54,26 @@ class CDataFixture : public testing::Test {
         m_document.emplace(m_host, m_host.m_queue, m_config, false);
         auto project =
             std::make_unique<Metier_Tarvel::CTrvProject>(m_folder / "dive.tarin", m_folder / "dive.tarout");
-        EXPECT_TRUE(m_document->NewFromProject(std::move(project), m_folder / "dive.tarprj",
-                                               CTrvDocument::EResultName::kept));
+        EXPECT_TRUE(m_document->NewFromProject(std::move(project), m_folder / "dive.tarprj"));
+        // An opened project has all its files analysed.
+        EXPECT_TRUE(m_document->OpenDocument(m_folder / "dive.tarprj"));
+        RunUntil([this] { return HasData("MORVEX_STD") && HasData("GPS_1") && HasData("DEPTH"); });
         RunUntil([this] { return !m_document->IsAnalysing(); });
         m_host.m_queue.RunPending();
     }
 
     void RunUntil(const std::function<bool()>& done) {
         EXPECT_TRUE(m_host.m_queue.RunUntil(done, std::chrono::seconds(60)));
+    }
+    bool HasData(std::string_view channel) {
+        return std::ranges::any_of(Project().dataModel->m_layers, [&](const auto& layer) {
+            return layer->m_name == channel && layer->m_hasData;
+        });
+    }
+    // Without saving.
+    void Close() {
+        m_host.m_answers.push_back(EAnswer::no);
+        EXPECT_TRUE(m_document->CloseDocument());
     }
     Metier_Tarvel::CTrvProject& Project() { return *m_document->GetProject(); }
     Metier_Tarvel::CTrvSimulationParameters& Parameters() { return *Project().simulationParameters; }

@@ -1,6 +1,7 @@
 // Datasets made up for tests: one result packet per second with known values.
 #pragma once
 
+#include "dataaccess/test_recording.h"
 #include "graph/dataset.h"
 #include "xpf/packets.h"
 
@@ -10,8 +11,6 @@
 namespace test {
 
 using namespace Presentation_Tarvel_Graphics;
-
-inline CDateTimeSpan Seconds(double seconds) { return CDateTimeSpan::FromSeconds(seconds); }
 
 // Fields of the result packet: latitude, longitude, altitude and heading.
 inline constexpr std::uint32_t kLatitude = 3, kLongitude = 4, kAltitude = 5, kHeading = 40;

@@ -113,9 +113,9 @@ TEST_F(InstantValuesTest, EmptyValuesGiveTheirReason) {
 TEST_F(InstantValuesTest, RowsOfARemovedFileGo) {
     auto& external = AddExternal();
     Add("DEPTH", "Depth");
-    for (const auto& layer : Project().dataModel->m_layers)
-        if (layer->m_dataFile == &external && !layer->m_measures.empty() && layer->m_name == "DEPTH")
-            EXPECT_TRUE(m_values->Add(*layer->m_measures.front()));
+    const auto* layer = Project().dataModel->FindLayer(&external, kDepthNumber);
+    ASSERT_TRUE(layer);
+    EXPECT_TRUE(m_values->Add(*layer->m_measures.front()));
     ASSERT_EQ(m_values->GetRows().size(), 2u);
     EXPECT_EQ(m_values->GetRows()[1].label, "Depth sensor - Depth - second.tarin");
     EXPECT_FALSE(m_values->CanAdd(Field("DEPTH", "Depth"))) << "it is there";
@@ -124,7 +124,7 @@ TEST_F(InstantValuesTest, RowsOfARemovedFileGo) {
     EXPECT_TRUE(m_document->GetEdits().Do(Edits::kRemoveDataFile, external));
     EXPECT_EQ(Labels(), std::vector<std::string>{"Depth sensor - Depth"});
     Load();
-    EXPECT_TRUE(m_document->CloseDocument());
+    Close();
     EXPECT_EQ(m_values->GetNotice(), Text(EText::valuesNoProject));
 }
 

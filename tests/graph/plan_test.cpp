@@ -185,7 +185,7 @@ TEST_F(PlanTest, TracksAreFromTheFirstPointOfTheResult) {
             const auto pixel = m_plan->GetScale().ToPixel(point.place);
             EXPECT_TRUE(Outils_Plot2D::SRect({0, 0, 400, 300}).Contains(pixel));
         }
-    EXPECT_TRUE(m_document->CloseDocument());
+    Close();
     EXPECT_EQ(m_plan->GetNotice(), Text(EText::planNoProject));
 }
 
@@ -225,7 +225,7 @@ TEST_F(PlanTest, CursorAndShownPeriodAreMarked) {
 
     // A click beside the track puts the cursor to its sample.
     const auto& points = m_plan->GetTracks()[0].whole->points;
-    const SPoint at = m_plan->GetScale().ToPixel(points[points.size() / 2].place);
+    const SPoint at = m_plan->GetScale().ToPixel(points[points.size() / 4].place);
     EXPECT_TRUE(m_plan->SetCursorAt({at.x + 2, at.y}));
     EXPECT_NE(m_state.GetCursor(ECursor::first), Seconds(50));
     EXPECT_FALSE(m_plan->SetCursorAt({390, 10}));

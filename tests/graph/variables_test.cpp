@@ -83,7 +83,7 @@ TEST_F(VariablesTest, RemovedFileTakesItsBranchOnly) {
     EXPECT_TRUE(m_document->GetEdits().Do(Edits::kRemoveDataFile, external));
     EXPECT_EQ(m_variables->GetTree().size(), 2u);
     Load();
-    EXPECT_TRUE(m_document->CloseDocument());
+    Close();
     EXPECT_TRUE(m_variables->GetTree().empty());
     EXPECT_EQ(m_variables->GetNotice(""), Text(EText::variablesNoProject));
 }
