@@ -1,0 +1,45 @@
+#include "convert/clock_cycle.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Conversion {
+namespace {
+
+constexpr double kFewestPairs = 10;
+constexpr double kClockUnit = 1e-4;       // s: what the clock itself can tell apart
+constexpr double kLargestDifference = 10; // s: a pair that errs more is damaged
+
+double ToSeconds(Ticks ticks) { return static_cast<double>(ticks) / kTicksPerSecond; }
+
+} // namespace
+
+void CDriftFit::Add(Ticks date, Ticks utc) {
+    if (m_n == 0) m_firstDate = date, m_firstDifference = utc - date;
+    const double t = ToSeconds(date - m_firstDate), d = ToSeconds(utc - date - m_firstDifference);
+    if (std::abs(d) > kLargestDifference) return;
+    m_n += 1;
+    m_t += t;
+    m_d += d;
+    m_tt += t * t;
+    m_td += t * d;
+    m_dd += d * d;
+    m_span = std::max(m_span, t);
+}
+
+double CDriftFit::GetRate() const {
+    const double spread = m_tt - m_t * m_t / std::max(m_n, 1.0);
+    return m_n < kFewestPairs || spread <= 0 ? 1 : 1 + (m_td - m_t * m_d / m_n) / spread;
+}
+
+bool CDriftFit::IsSignificant() const {
+    if (m_n < kFewestPairs) return false;
+    const double spread = m_tt - m_t * m_t / m_n, slope = GetRate() - 1;
+    const double rest = std::max(0.0, m_dd - m_d * m_d / m_n - slope * slope * spread);
+    const double jitter = std::max(kClockUnit, std::sqrt(rest / (m_n - 2)));
+    constexpr double kCertain = 5; // standard deviations
+    return std::abs(slope) * m_span > jitter &&
+           slope * slope * spread > kCertain * kCertain * jitter * jitter;
+}
+
+} // namespace Conversion
