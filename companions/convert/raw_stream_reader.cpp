@@ -29,8 +29,9 @@ class CFrameReader {
     // The next frame; its view is valid until the next call. False at the end.
     bool Next(SFrame& frame) {
         for (m_lost = 0;;) {
-            const std::span<const std::uint8_t> rest = std::span(m_buffer).subspan(m_begin, m_end - m_begin);
-            if (rest.size() < kLargestFrame && Fill()) continue;
+            while (m_end - m_begin < kLargestFrame && Fill()) {
+            }
+            const std::span<const std::uint8_t> rest(m_buffer.data() + m_begin, m_end - m_begin);
             if (rest.empty()) return false;
             const std::size_t stated = GetFrameSize(rest);
             if (m_only != 0 && stated != 0 && rest[2] != m_only && stated < rest.size() &&
