@@ -79,7 +79,7 @@ class CBeaconReader {
             m_beacon = *beacon;
             m_conversion.notes.Say(ELevel::information, EText::beaconTaken, {std::to_string(m_beacon)});
         }
-        if (*beacon != m_beacon) return CountOther(*beacon);
+        if (*beacon == 0 || *beacon != m_beacon) return CountOther(*beacon);
         if (!IsValid(fields[fieldValid])) return Fault(EText::faultInvalid);
         Write(fields);
     }

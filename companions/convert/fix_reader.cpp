@@ -130,11 +130,12 @@ class CFixReader {
     }
 
     CFields Split(std::string_view line) {
+        // A comma may also be the decimal sign: it separates only where blanks and tabs do not.
         if (m_kind->hasFixedColumns && !m_hasSeparator) {
             m_hasSeparator = true;
-            for (const char separator : {';', ','})
-                if (line.find(separator) != std::string_view::npos &&
-                    line.find('.') != std::string_view::npos)
+            for (const char separator : {',', ';'})
+                if (CFields::SplitWords(line).GetCount() < m_layout.columns.size() &&
+                    line.find(separator) != std::string_view::npos)
                     m_layout.separator = separator;
         }
         m_line.assign(line);

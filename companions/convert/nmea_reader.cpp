@@ -281,6 +281,8 @@ class CNmeaReader {
         const bool isOther = chosen && chosen->talker != m_talker;
         if (isOther && epoch.tick - m_lastTick < m_interval - m_interval / 100) m_twoReceivers = true;
         for (const SPosition& position : epoch.gga.Get()) {
+            if (&position != chosen && position.talker == chosen->talker)
+                m_conversion.faults.Add(EText::faultRepeated, position.line);
             if (position.talker == m_talker || (&position == chosen && !m_twoReceivers)) continue;
             m_twoReceivers = true;
             m_conversion.faults.Add(EText::faultOtherReceiver, position.line);

@@ -37,10 +37,9 @@ void CRecordSink::Add(std::uint16_t channel, Ticks date, std::span<const std::ui
     if (IsDone()) return;
     if (m_waiting == kWaiting) WriteFirst();
     std::size_t index = m_waiting;
-    while (index > 0 && At(index - 1).date > date) {
-        At(index) = At(index - 1);
-        --index;
-    }
+    while (index > 0 && At(index - 1).date > date) --index;
+    if (IsRepeated(channel, date, payload, index)) return m_faults.Add(EText::faultRepeated, place);
+    for (std::size_t i = m_waiting; i > index; --i) At(i) = At(i - 1);
     SRecord& record = At(index);
     record.date = date;
     record.number = m_number++;
@@ -48,22 +47,16 @@ void CRecordSink::Add(std::uint16_t channel, Ticks date, std::span<const std::ui
     record.channel = channel;
     record.size = static_cast<std::uint8_t>(payload.size());
     std::memcpy(record.payload.data(), payload.data(), payload.size());
-    std::memcpy(record.payload.data(), &date, sizeof date);
-    ++m_waiting;
-    if (index + 1 < m_waiting) {
-        DropAheadOfAll();
-    } else if (IsRepeated(record, index)) {
-        m_faults.Add(EText::faultRepeated, place);
-        --m_waiting;
-    }
+    if (++m_waiting > index + 1) DropAheadOfAll();
 }
 
-// The same record has come just before.
-bool CRecordSink::IsRepeated(const SRecord& record, std::size_t place) {
-    while (place-- > 0 && At(place).date == record.date) {
+// The same record waits already, just before this place.
+bool CRecordSink::IsRepeated(std::uint16_t channel, Ticks date, std::span<const std::uint8_t> payload,
+                             std::size_t place) {
+    while (place-- > 0 && At(place).date == date) {
         const SRecord& other = At(place);
-        if (other.channel == record.channel &&
-            std::memcmp(other.payload.data(), record.payload.data(), record.size) == 0)
+        if (other.channel == channel &&
+            std::equal(payload.begin() + sizeof date, payload.end(), other.payload.begin() + sizeof date))
             return true;
     }
     return false;
@@ -118,10 +111,8 @@ void CRecordSink::WriteFirst() {
 }
 
 bool CRecordSink::Write(SRecord& record) {
-    if (m_isAbsolute) {
-        const Ticks date = record.date - m_origin;
-        std::memcpy(record.payload.data(), &date, sizeof date);
-    }
+    const Ticks date = m_isAbsolute ? record.date - m_origin : record.date;
+    std::memcpy(record.payload.data(), &date, sizeof date);
     if (m_writesUtc) WriteUtc(m_isAbsolute ? record.date : record.date + m_origin);
     ++m_count;
     return m_writer.WriteRaw(m_handles[record.channel], {record.payload.data(), record.size});

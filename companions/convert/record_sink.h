@@ -72,7 +72,8 @@ class CRecordSink {
     };
 
     SRecord& At(std::size_t index) { return m_records[(m_first + index) % m_records.size()]; }
-    bool IsRepeated(const SRecord& record, std::size_t place);
+    bool IsRepeated(std::uint16_t channel, Ticks date, std::span<const std::uint8_t> payload,
+                    std::size_t place);
     void DropFarBack();
     void DropAheadOfAll();
     void WriteFirst();
