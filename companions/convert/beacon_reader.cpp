@@ -1,5 +1,6 @@
 // Positions of acoustic beacons, "$PTSAG".
 #include "convert/nmea_sentence.h"
+#include "convert/packet_values.h"
 #include "convert/readers.h"
 #include "xpf/tarin_layouts.h"
 
@@ -11,9 +12,6 @@ namespace {
 using Enregistrement::CPayload;
 using Enregistrement::PlaceOf;
 using Persistance_Xpf::kUsblLayout;
-
-constexpr double kAuto = 3, kOff = 2; // rejection
-constexpr double kAbsolute = 1;       // mode
 
 // The fields after the address.
 enum EField : std::size_t {

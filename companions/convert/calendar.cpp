@@ -96,12 +96,15 @@ std::optional<Ticks> MakeGpsTime(std::int64_t week, Ticks timeOfWeek) {
 }
 
 int GetLeapSeconds(Ticks gpsTime) {
-    int count = 0;
-    for (const year_month_day& day : kLeapDays) {
-        const Ticks begin = (sys_days(day) - kFirstDay).count() * kTicksPerDay;
-        count += gpsTime - (count + 1) * kTicksPerSecond >= begin;
-    }
-    return count;
+    // As GPS time: the second of each step is that of UTC and all leap seconds before.
+    static constexpr auto kSteps = [] {
+        std::array<Ticks, kLeapDays.size()> steps{};
+        for (std::size_t i = 0; i < steps.size(); ++i)
+            steps[i] = (sys_days(kLeapDays[i]) - kFirstDay).count() * kTicksPerDay +
+                       static_cast<Ticks>(i + 1) * kTicksPerSecond;
+        return steps;
+    }();
+    return static_cast<int>(std::ranges::upper_bound(kSteps, gpsTime) - kSteps.begin());
 }
 
 std::optional<Ticks> ParseCompactTime(std::string_view text) {

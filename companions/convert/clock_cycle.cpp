@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace Conversion {
 namespace {
@@ -13,6 +14,17 @@ constexpr double kLargestDifference = 10; // s: a pair that errs more is damaged
 double ToSeconds(Ticks ticks) { return static_cast<double>(ticks) / kTicksPerSecond; }
 
 } // namespace
+
+Ticks CClockCycle::Unwrap(Ticks time) {
+    if (m_last == kNone) return m_last = time;
+    const Ticks far = m_cycle / 8, least = m_last - far - time;
+    const Ticks cycles = least <= 0 ? -(-least / m_cycle) : (least + m_cycle - 1) / m_cycle;
+    time += cycles * m_cycle;
+    const bool isFar = std::abs(time - m_last) > far;
+    if (isFar && (m_doubtful == kNone || std::abs(time - m_doubtful) > far)) return m_doubtful = time;
+    m_doubtful = kNone;
+    return m_last = time;
+}
 
 void CDriftFit::Add(Ticks date, Ticks utc) {
     if (m_n == 0) m_firstDate = date, m_firstDifference = utc - date;

@@ -3,9 +3,6 @@
 
 #include "convert/calendar.h"
 
-#include <cstdlib>
-#include <optional>
-
 namespace Conversion {
 
 class CClockCycle {
@@ -16,20 +13,12 @@ class CClockCycle {
     // The steady time: later than the one before, or earlier by less than an eighth of the cycle. A single
     // time far from its neighbours, damaged perhaps, leaves those after it as they are.
     // REQUIRES: 0 <= time <= cycle.
-    Ticks Unwrap(Ticks time) {
-        if (!m_last) return *(m_last = time);
-        const Ticks far = m_cycle / 8, least = *m_last - far - time;
-        const Ticks cycles = least <= 0 ? -(-least / m_cycle) : (least + m_cycle - 1) / m_cycle;
-        time += cycles * m_cycle;
-        const bool isFar = std::abs(time - *m_last) > far;
-        if (isFar && !(m_doubtful && std::abs(time - *m_doubtful) <= far)) return *(m_doubtful = time);
-        m_doubtful.reset();
-        return *(m_last = time);
-    }
+    Ticks Unwrap(Ticks time);
 
   private:
-    Ticks m_cycle;
-    std::optional<Ticks> m_last, m_doubtful;
+    static constexpr Ticks kNone = INT64_MIN;
+
+    Ticks m_cycle, m_last = kNone, m_doubtful = kNone;
 };
 
 // Fits a line to pairs of clock time and UTC, to find by how much the clock drifts.

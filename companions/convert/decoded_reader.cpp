@@ -94,7 +94,7 @@ bool StoreField(EFieldType type, std::string_view word, std::uint8_t* bytes) {
     return false;
 }
 
-struct STagged {
+struct STaggedChannel {
     STagRow row;
     std::uint16_t channel = 0;
     const SPacketLayout* layout = nullptr; // null: no channel
@@ -108,7 +108,7 @@ class CDecodedReader {
           m_equipment(static_cast<int>(conversion.arguments.GetNumber("/e", 0))),
           m_isImuLate(conversion.arguments.GetWord("/imu5msOffset", 0) == 0) {
         for (const STagRow& row : kTags) {
-            STagged tagged{row};
+            STaggedChannel tagged{row};
             if (!row.channel.empty()) {
                 tagged.channel = GetChannelRow(row.channel);
                 tagged.layout = FindPacketLayout(GetChannelLayouts()[tagged.channel].packetType);
@@ -148,15 +148,15 @@ class CDecodedReader {
         return found;
     }
 
-    const STagged* FindTag(std::string_view tag) {
+    const STaggedChannel* FindTag(std::string_view tag) {
         if (m_lastTag && m_lastTag->row.tag == tag) return m_lastTag; // most lines are of one tag
         const auto found =
-            std::ranges::find(m_tags, tag, [](const STagged& tagged) { return tagged.row.tag; });
+            std::ranges::find(m_tags, tag, [](const STaggedChannel& tagged) { return tagged.row.tag; });
         return m_lastTag = found == m_tags.end() ? nullptr : &*found;
     }
 
     EText Take(std::string_view line, std::uint64_t number, CClockCycle& clock) {
-        const STagged* tagged = FindTag(line.substr(0, kTagSize));
+        const STaggedChannel* tagged = FindTag(line.substr(0, kTagSize));
         if (!tagged) return EText::faultNoTag;
         if (!tagged->layout) return EText::faultNoChannel;
         const SPacketLayout& layout = *tagged->layout;
@@ -194,8 +194,8 @@ class CDecodedReader {
     int m_equipment; // code; 0: as the text says
     bool m_isImuLate, m_hasRemarked = false;
     std::optional<Ticks> m_day;
-    std::vector<STagged> m_tags;
-    const STagged* m_lastTag = nullptr;
+    std::vector<STaggedChannel> m_tags;
+    const STaggedChannel* m_lastTag = nullptr;
     std::array<std::uint8_t, kLargestFrame> m_payload{};
 };
 

@@ -1,4 +1,5 @@
 // PD6: the text lines of a Doppler log.
+#include "convert/packet_values.h"
 #include "convert/readers.h"
 #include "xpf/tarin_layouts.h"
 
@@ -11,7 +12,6 @@ using Enregistrement::CPayload;
 using Enregistrement::PlaceOf;
 using Persistance_Xpf::kDvlLayout;
 
-constexpr double kAuto = 3; // rejection
 constexpr double kNoValue = -32768;
 constexpr double kMetresPerMillimetre = 1e-3;
 

@@ -1,4 +1,5 @@
 // Events of external synchronisation: date, channel and number, with tabs between.
+#include "convert/packet_values.h"
 #include "convert/readers.h"
 #include "xpf/tarin_layouts.h"
 
@@ -9,7 +10,6 @@ using Enregistrement::CPayload;
 using Enregistrement::PlaceOf;
 using Persistance_Xpf::kSynchroLayout;
 
-constexpr double kAuto = 3; // rejection
 constexpr std::size_t kChannels = 3;
 
 // The text says by itself whether day or month comes first, as soon as one of them is above 12.

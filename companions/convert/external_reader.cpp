@@ -1,6 +1,7 @@
 // External data text: a heading, a line of column titles, one line a record. The packet layouts say which
 // columns there may be.
 #include "convert/column.h"
+#include "convert/packet_values.h"
 #include "convert/readers.h"
 #include "xpf/tarin_layouts.h"
 
@@ -22,7 +23,7 @@ struct SDefault {
     double value;
 };
 
-struct SKind {
+struct SExternalKind {
     std::string_view heading;
     const SPacketLayout& layout;
     std::span<const std::string_view> channels;
@@ -38,8 +39,6 @@ constexpr std::string_view kRangeNeeds[] = {"Latitude", "Longitude", "Altitude",
                            kPlatformNeeds[] = {"Drift (heading)", "Roll", "Pitch"},
                            kOdometerNeeds[] = {"Measure"}, kDepthNeeds[] = {"Depth"};
 
-constexpr double kAuto = 3;     // rejection: the processing decides
-constexpr double kAbsolute = 1; // mode of a beacon's position
 constexpr SDefault kRangeDefaults[] = {{PlaceOf(kLblLayout, "Rejection"), kAuto}},
                    kBeaconDefaults[] = {{PlaceOf(kUsblLayout, "Horizontal rejection"), kAuto},
                                         {PlaceOf(kUsblLayout, "Vertical rejection"), kAuto},
@@ -47,23 +46,23 @@ constexpr SDefault kRangeDefaults[] = {{PlaceOf(kLblLayout, "Rejection"), kAuto}
                    kOdometerDefaults[] = {{PlaceOf(kOdometerLayout, "Rejection"), kAuto}},
                    kDepthDefaults[] = {{PlaceOf(kDepthLayout, "Rejection"), kAuto}};
 
-constexpr SKind kRange{"RANGE TO VARNE NAV EXTERNAL DATA", kLblLayout, kRangeChannels, kRangeNeeds,
-                       kRangeDefaults};
-constexpr SKind kBeacon{"USBL TO VARNE NAV EXTERNAL DATA", kUsblLayout, kBeaconChannels, kBeaconNeeds,
-                        kBeaconDefaults};
-constexpr SKind kPlatform{"PLATFORM ORIENTATION TO VARNE NAV EXTERNAL DATA",
-                          kPlatformOrientationLayout,
-                          kPlatformChannels,
-                          kPlatformNeeds,
-                          {}};
-constexpr SKind kOdometer{"ODOMETER TO VARNE NAV EXTERNAL DATA", kOdometerLayout, kOdometerChannels,
-                          kOdometerNeeds, kOdometerDefaults};
-constexpr SKind kDepth{"DEPTH TO VARNE NAV EXTERNAL DATA", kDepthLayout, kDepthChannels, kDepthNeeds,
-                       kDepthDefaults};
+constexpr SExternalKind kRange{"RANGE TO VARNE NAV EXTERNAL DATA", kLblLayout, kRangeChannels, kRangeNeeds,
+                               kRangeDefaults};
+constexpr SExternalKind kBeacon{"USBL TO VARNE NAV EXTERNAL DATA", kUsblLayout, kBeaconChannels, kBeaconNeeds,
+                                kBeaconDefaults};
+constexpr SExternalKind kPlatform{"PLATFORM ORIENTATION TO VARNE NAV EXTERNAL DATA",
+                                  kPlatformOrientationLayout,
+                                  kPlatformChannels,
+                                  kPlatformNeeds,
+                                  {}};
+constexpr SExternalKind kOdometer{"ODOMETER TO VARNE NAV EXTERNAL DATA", kOdometerLayout, kOdometerChannels,
+                                  kOdometerNeeds, kOdometerDefaults};
+constexpr SExternalKind kDepth{"DEPTH TO VARNE NAV EXTERNAL DATA", kDepthLayout, kDepthChannels, kDepthNeeds,
+                               kDepthDefaults};
 
 class CExternalReader {
   public:
-    CExternalReader(SConversion& conversion, const SKind& kind)
+    CExternalReader(SConversion& conversion, const SExternalKind& kind)
         : m_conversion(conversion), m_kind(kind), m_lines(conversion.source) {
         m_default.Reset(kind.layout.payloadSize);
         for (const SDefault& value : kind.defaults) m_default.Put(value.place, value.value);
@@ -178,7 +177,7 @@ class CExternalReader {
     }
 
     SConversion& m_conversion;
-    const SKind& m_kind;
+    const SExternalKind& m_kind;
     CLineReader m_lines;
     CPayload m_default;
     char m_separator = ';';

@@ -25,8 +25,7 @@ constexpr std::string_view Trim(std::string_view text) {
 inline std::optional<double> ParseNumber(std::string_view text) {
     text = Trim(text);
     if (text.starts_with('+')) text.remove_prefix(1);
-    if (text.empty() || text.front() == '+' || std::isalpha(static_cast<unsigned char>(text.back())))
-        return std::nullopt;
+    if (text.empty() || text.front() == '+') return std::nullopt;
     double value;
     const auto end = std::from_chars(text.data(), text.data() + text.size(), value);
     if (end.ec != std::errc() || end.ptr != text.data() + text.size() || !std::isfinite(value))
@@ -64,22 +63,25 @@ class CFields {
     // One field more than there are separators. What follows the last of kMost fields is left out.
     static CFields Split(std::string_view text, char separator) {
         CFields fields;
-        while (fields.m_count < kMost) {
-            const std::size_t end = text.find(separator);
-            fields.m_fields[fields.m_count++] = text.substr(0, end);
-            if (end == std::string_view::npos) break;
-            text.remove_prefix(end + 1);
+        std::size_t begin = 0;
+        // Fields are a few bytes long: a call of a search for each would take longer than the bytes.
+        for (std::size_t i = 0; i < text.size() && fields.m_count + 1 < kMost; ++i) {
+            if (text[i] != separator) continue;
+            fields.Add(text.substr(begin, i - begin));
+            begin = i + 1;
         }
+        fields.Add(text.substr(begin, text.find(separator, begin) - begin));
         return fields;
     }
-    // Words with blanks or tabs between.
-    static CFields SplitWords(std::string_view text) {
+    // Words with blanks or tabs between, or also `separator`.
+    static CFields SplitWords(std::string_view text, char separator = ' ') {
         CFields fields;
+        const auto isGap = [separator](char c) { return c == ' ' || c == '\t' || c == separator; };
         for (std::size_t i = 0; i < text.size() && fields.m_count < kMost;) {
-            while (i < text.size() && IsBlank(text[i])) ++i;
+            while (i < text.size() && isGap(text[i])) ++i;
             const std::size_t begin = i;
-            while (i < text.size() && !IsBlank(text[i])) ++i;
-            if (i > begin) fields.m_fields[fields.m_count++] = text.substr(begin, i - begin);
+            while (i < text.size() && !isGap(text[i])) ++i;
+            if (i > begin) fields.Add(text.substr(begin, i - begin));
         }
         return fields;
     }
@@ -87,11 +89,21 @@ class CFields {
     std::size_t GetCount() const { return m_count; }
     // Empty for a field that the line does not have.
     std::string_view operator[](std::size_t index) const {
-        return index < m_count ? m_fields[index] : std::string_view();
+        return index < m_count ? std::string_view(m_fields[index].data, m_fields[index].size)
+                               : std::string_view();
     }
 
   private:
-    std::array<std::string_view, kMost> m_fields;
+    // Not set before it is used: a line has few fields, and setting all of them would take most of the time.
+    struct SField {
+        const char* data;
+        std::size_t size;
+    };
+
+    CFields() {} // NOLINT: see above
+    void Add(std::string_view field) { m_fields[m_count++] = {field.data(), field.size()}; }
+
+    SField m_fields[kMost];
     std::size_t m_count = 0;
 };
 

@@ -1,5 +1,6 @@
 // Post-processed GPS text of several programs: a header that names the columns, then one line a position.
 #include "convert/fix_columns.h"
+#include "convert/packet_values.h"
 #include "convert/position_error.h"
 #include "convert/readers.h"
 #include "xpf/tarin_layouts.h"
@@ -17,21 +18,19 @@ using Enregistrement::PlaceOf;
 using Persistance_Xpf::kGpsLayout;
 using enum EFixColumn;
 
-constexpr double kAuto = 3; // rejection
-
 // "GPS mode" by the quality figure of the programs, from 1 on; 0 and figures beyond count as single.
 constexpr std::array kGradedModes{gpsFixed, gpsFloat, gpsConverging, gpsDifferential, gpsSingle, gpsSingle};
 constexpr std::array kSolutionModes{gpsFixed,        gpsFloat,  gpsDifferential,
                                     gpsDifferential, gpsSingle, gpsFloat};
 
 // How one of the kinds is recognised and read.
-struct SKind {
+struct STextKind {
     std::string_view heading;
     std::span<const EGpsMode> modes;
     char comment;         // begins the lines of the header, also that of the titles; 0: none
     bool hasFixedColumns; // there are no titles
 };
-constexpr SKind kKinds[] = {
+constexpr STextKind kTextKinds[] = {
     {"% program", kSolutionModes, '%', false},
     {"Program:", kGradedModes, 0, false},
     {"GRAFNAV TO VARNE NAV POST-PROCESSED GPS DATA", kGradedModes, '#', true},
@@ -65,7 +64,7 @@ class CFixReader {
             else
                 TakeLine(line);
         }
-        if (!m_short.empty() && !m_conversion.IsDone()) TakeWords(m_short, m_shortLine);
+        if (!m_short.empty() && !m_conversion.IsDone()) TakeWords(Split(m_short), m_shortLine);
         if (!m_kind || !m_hasLayout) {
             m_conversion.notes.Say(ELevel::error, EText::fixNoColumns);
             return false;
@@ -79,7 +78,7 @@ class CFixReader {
     }
 
     void FindKind(std::string_view line) {
-        for (const SKind& kind : kKinds)
+        for (const STextKind& kind : kTextKinds)
             if (line.starts_with(kind.heading)) m_kind = &kind;
         if (!m_kind || !m_kind->hasFixedColumns) return;
         m_layout = MakeFixedLayout();
@@ -126,7 +125,7 @@ class CFixReader {
             m_shortLine = m_lines.GetNumber();
             return;
         }
-        TakeWords(line, m_lines.GetNumber());
+        TakeWords(words, m_lines.GetNumber());
     }
 
     CFields Split(std::string_view line) {
@@ -138,10 +137,7 @@ class CFixReader {
                     line.find(separator) != std::string_view::npos)
                     m_layout.separator = separator;
         }
-        m_line.assign(line);
-        for (char& c : m_line)
-            if (c == m_layout.separator) c = ' ';
-        return CFields::SplitWords(m_line);
+        return CFields::SplitWords(line, m_layout.separator);
     }
 
     std::optional<double> ParseValue(std::string_view word) const {
@@ -238,8 +234,7 @@ class CFixReader {
         return *tick - std::llround(leap * kTicksPerSecond);
     }
 
-    void TakeWords(std::string_view line, std::uint64_t number) {
-        const CFields words = Split(line);
+    void TakeWords(const CFields& words, std::uint64_t number) {
         SFix fix;
         fix.values.fill(std::nan(""));
         std::size_t first = 0;
@@ -303,10 +298,10 @@ class CFixReader {
     SConversion& m_conversion;
     CLineReader m_lines;
     const std::uint16_t m_channel = GetChannelRow("GPS_1");
-    const SKind* m_kind = nullptr;
+    const STextKind* m_kind = nullptr;
     SFixLayout m_layout;
     bool m_hasLayout = false, m_awaitsUnits = false, m_hasSeparator = false;
-    std::string m_titles, m_line;
+    std::string m_titles;
     std::string m_short; // a line that lacks words, and may be the last
     std::uint64_t m_shortLine = 0;
     double m_leap = -1; // seconds, said last

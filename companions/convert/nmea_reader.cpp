@@ -1,6 +1,7 @@
 // NMEA 0183: positions (GGA, GNS) with their errors (GST) and dates (ZDA, RMC).
 #include "convert/nmea_clock.h"
 #include "convert/nmea_sentence.h"
+#include "convert/packet_values.h"
 #include "convert/position_error.h"
 #include "convert/readers.h"
 #include "xpf/tarin_layouts.h"
@@ -18,8 +19,6 @@ namespace {
 using Enregistrement::CPayload;
 using Enregistrement::PlaceOf;
 using Persistance_Xpf::kGpsLayout;
-
-constexpr double kAuto = 3, kOff = 2; // rejection
 
 using Talker = std::array<char, 2>;
 
@@ -46,6 +45,7 @@ class TFew {
         m_values[m_count++] = value;
         return true;
     }
+    void Clear() { m_count = 0; }
     std::span<const T> Get() const { return {m_values.data(), m_count}; }
 
   private:
@@ -58,6 +58,12 @@ struct SEpoch {
     Ticks timeOfDay = 0, tick = 0; // the tick as the clock places it
     TFew<SPosition> gga, gns;
     TFew<SDeviations> gst;
+
+    void Clear() {
+        gga.Clear();
+        gns.Clear();
+        gst.Clear();
+    }
 };
 
 struct SEarlyFix {
@@ -112,7 +118,7 @@ class CNmeaReader {
         for (std::string_view line; !m_conversion.IsDone() && m_lines.Next(line);)
             for (SSentence sentence; TakeSentence(line, sentence);)
                 if (!sentence.GetKind().empty() && IsTrusted(sentence)) Take(sentence);
-        while (!m_open.empty() && !m_conversion.IsDone()) CloseFirst();
+        while (m_openCount > 0 && !m_conversion.IsDone()) CloseFirst();
         if (!m_clock.IsDated() && !m_early.empty()) {
             for (const SEarlyFix& fix : m_early) m_conversion.faults.Add(EText::faultUndated, fix.line);
             m_conversion.notes.Say(ELevel::error, EText::nmeaUndated);
@@ -159,14 +165,17 @@ class CNmeaReader {
 
     SEpoch& Open(Ticks timeOfDay) {
         constexpr Ticks kSame = kTicksPerSecond / 1000; // receivers state two or three decimals
-        for (SEpoch& epoch : m_open)
-            if (std::abs(epoch.timeOfDay - timeOfDay) < kSame) return epoch;
-        if (m_open.size() == kMostOpen) CloseFirst();
-        m_open.emplace_back();
-        m_open.back().timeOfDay = timeOfDay;
-        m_open.back().tick = m_clock.Place(timeOfDay);
-        return m_open.back();
+        for (std::size_t i = 0; i < m_openCount; ++i)
+            if (std::abs(GetOpen(i).timeOfDay - timeOfDay) < kSame) return GetOpen(i);
+        if (m_openCount == kMostOpen) CloseFirst();
+        SEpoch& epoch = GetOpen(m_openCount++);
+        epoch.Clear();
+        epoch.timeOfDay = timeOfDay;
+        epoch.tick = m_clock.Place(timeOfDay);
+        return epoch;
     }
+    // The epochs that are open, the oldest first.
+    SEpoch& GetOpen(std::size_t index) { return m_open[(m_firstOpen + index) % kMostOpen]; }
 
     // What GGA and GNS have in common. `first`: the place of the dilution, after which altitude and
     // separation follow.
@@ -252,8 +261,9 @@ class CNmeaReader {
     }
 
     void CloseFirst() {
-        const SEpoch epoch = std::move(m_open.front());
-        m_open.erase(m_open.begin());
+        const SEpoch& epoch = GetOpen(0); // stays as it is until another is opened
+        m_firstOpen = (m_firstOpen + 1) % kMostOpen;
+        --m_openCount;
         const SPosition* position = Choose(epoch);
         if (!position) return;
         m_lastTick = epoch.tick;
@@ -332,7 +342,8 @@ class CNmeaReader {
     bool m_verifies, m_hasSums = false;
     const std::uint16_t m_channel = GetChannelRow("GPS_1");
     CNmeaClock m_clock;
-    std::vector<SEpoch> m_open;
+    std::array<SEpoch, kMostOpen> m_open; // a ring
+    std::size_t m_firstOpen = 0, m_openCount = 0;
     std::vector<SEarlyFix> m_early; // before the first date
     bool m_hasFix = false;          // written
 

@@ -28,8 +28,9 @@ bool TakeSentence(std::string_view& line, SSentence& sentence) {
     const std::size_t begin = line.find('$');
     if (begin == std::string_view::npos) return false;
     line.remove_prefix(begin + 1);
-    const std::size_t end = line.find_first_of("$*");
-    std::string_view text = line.substr(0, end);
+    // The sentence that follows on the same line, if there is one, limits the search for the sum.
+    std::string_view text = line.substr(0, line.find('$'));
+    text = text.substr(0, text.find('*'));
     sentence.sum = ECheckSum::missing;
     line.remove_prefix(text.size());
     if (line.starts_with('*')) {

@@ -1,5 +1,6 @@
 #include "convert/record_sink.h"
 
+#include "convert/packet_values.h"
 #include "xpf/tarin_layouts.h"
 
 #include <algorithm>
@@ -17,7 +18,6 @@ static_assert(kNelixNavLayout.payloadSize <= 64, "no packet of a recording is la
 
 // The first record stands alone when the others are so much later.
 constexpr Ticks kIsolated = kTicksPerDay;
-constexpr double kAuto = 3; // rejection: the processing decides
 
 } // namespace
 
