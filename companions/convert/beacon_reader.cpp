@@ -2,6 +2,7 @@
 #include "convert/nmea_sentence.h"
 #include "convert/packet_values.h"
 #include "convert/readers.h"
+#include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
 #include <map>

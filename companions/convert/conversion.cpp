@@ -2,6 +2,7 @@
 
 #include "common/target_file.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
 // The twelve converters and their switches, one row each.
 #include "convert/readers.h"
+#include "foundation/texts.h"
 
 namespace Conversion {
 namespace {

@@ -4,6 +4,7 @@
 #include "convert/raw_frame.h"
 #include "convert/readers.h"
 #include "convert/utc_packet.h"
+#include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
 #include <algorithm>

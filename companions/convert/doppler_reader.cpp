@@ -1,6 +1,7 @@
 // PD6: the text lines of a Doppler log.
 #include "convert/packet_values.h"
 #include "convert/readers.h"
+#include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
 #include <array>

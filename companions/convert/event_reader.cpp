@@ -1,6 +1,7 @@
 // Events of external synchronisation: date, channel and number, with tabs between.
 #include "convert/packet_values.h"
 #include "convert/readers.h"
+#include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
 namespace Conversion {

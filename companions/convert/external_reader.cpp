@@ -3,6 +3,7 @@
 #include "convert/column.h"
 #include "convert/packet_values.h"
 #include "convert/readers.h"
+#include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
 #include <algorithm>

@@ -3,6 +3,7 @@
 #include "convert/packet_values.h"
 #include "convert/position_error.h"
 #include "convert/readers.h"
+#include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
 #include <array>

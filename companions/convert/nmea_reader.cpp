@@ -4,6 +4,7 @@
 #include "convert/packet_values.h"
 #include "convert/position_error.h"
 #include "convert/readers.h"
+#include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
 #include <algorithm>
@@ -117,7 +118,7 @@ class CNmeaReader {
     bool Read() {
         for (std::string_view line; !m_conversion.IsDone() && m_lines.Next(line);)
             for (SSentence sentence; TakeSentence(line, sentence);)
-                if (!sentence.GetKind().empty() && IsTrusted(sentence)) Take(sentence);
+                if (!sentence.GetKind().empty()) Take(sentence);
         while (m_openCount > 0 && !m_conversion.IsDone()) CloseFirst();
         if (!m_clock.IsDated() && !m_early.empty()) {
             for (const SEarlyFix& fix : m_early) m_conversion.faults.Add(EText::faultUndated, fix.line);
@@ -135,12 +136,11 @@ class CNmeaReader {
         if (!m_lines.IsUnfinished()) m_conversion.faults.Add(kind, m_lines.GetNumber());
     }
 
-    // Once a log has check sums, a sentence without one is cut.
+    // Once these sentences have check sums, one without is cut.
     bool IsTrusted(const SSentence& sentence) {
         m_hasSums = m_hasSums || sentence.sum == ECheckSum::right;
-        if (!m_verifies || sentence.sum == ECheckSum::right) return true;
-        if (sentence.sum == ECheckSum::missing && !m_hasSums) return true;
-        Fault(sentence.sum == ECheckSum::wrong ? EText::faultCheckSum : EText::faultNoCheckSum);
+        if (!m_verifies || sentence.sum == ECheckSum::right || !m_hasSums) return true;
+        Fault(EText::faultNoCheckSum);
         return false;
     }
 
@@ -155,7 +155,9 @@ class CNmeaReader {
                                   {"ZDA", &CNmeaReader::TakeZda},
                                   {"RMC", &CNmeaReader::TakeRmc}};
         const auto* row = std::ranges::find(kRows, sentence.GetKind(), &SRow::kind);
-        if (row == std::end(kRows)) return;
+        // The kind itself may be what is damaged.
+        if (m_verifies && sentence.sum == ECheckSum::wrong) return Fault(EText::faultCheckSum);
+        if (row == std::end(kRows) || !IsTrusted(sentence)) return;
         const CFields fields = CFields::Split(sentence.body, ',');
         if (fields[0].empty()) return; // a receiver that does not know the time yet
         const auto time = ParseCompactTime(fields[0]);

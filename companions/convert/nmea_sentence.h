@@ -17,7 +17,9 @@ struct SSentence {
     std::string_view GetTalker() const { return address.substr(0, 2); }
     // The kind of a standard sentence, "GGA"; empty for one of a maker.
     std::string_view GetKind() const {
-        return address.size() == 5 && address.front() != 'P' ? address.substr(2) : std::string_view();
+        bool isStandard = address.size() == 5 && address.front() != 'P';
+        for (const char c : address) isStandard = isStandard && c >= 'A' && c <= 'Z';
+        return isStandard ? address.substr(2) : std::string_view();
     }
 };
 

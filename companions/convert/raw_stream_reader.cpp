@@ -5,6 +5,7 @@
 #include "convert/utc_packet.h"
 #include "foundation/numbers.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
 #include <algorithm>

@@ -1,6 +1,7 @@
 #include "convert/record_sink.h"
 
 #include "convert/packet_values.h"
+#include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
 #include <algorithm>

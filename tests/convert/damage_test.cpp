@@ -1,12 +1,16 @@
 #include "conversion_fixture.h"
 
 #include "convert/raw_frame.h"
+#include "foundation/texts.h"
 #include "simulator/foreign_writer.h"
 #include "simulator/mission_writer.h"
 
 #include <algorithm>
+#include <csignal>
 #include <random>
 #include <set>
+
+#include <sys/resource.h>
 
 namespace {
 
@@ -70,7 +74,7 @@ TEST_F(DamageTest, LosesOnlyTheRecordsItTouches) {
         ASSERT_GT(expected.size(), 10u) << source.kind;
         // The head names the columns: without it there is nothing to read.
         const std::size_t head = whole.find('\n', whole.find('\n') + 1) + 1,
-                          begin = std::max<std::size_t>(head, whole.size() / 20);
+                          begin = std::max({head, whole.size() / 20, std::size_t{100}});
         for (int round = 0; round < 24; ++round) {
             const std::size_t at = begin + random() % (whole.size() - begin - 300), size = 1 + random() % 20;
             std::string damaged = whole;
@@ -134,6 +138,22 @@ TEST_F(DamageTest, BadTargetsAndSourcesAreRefused) {
         EXPECT_TRUE(m_monitor.texts.contains(said)) << from << to << m_monitor.all;
     }
     EXPECT_EQ(std::filesystem::file_size(source), MakeSource("nmea").size()) << "the source stays";
+}
+
+// As on a full disk: no file can grow beyond a limit.
+TEST_F(DamageTest, FullDiskLeavesNoTarget) {
+    MakeSource("raw");
+    rlimit former{};
+    getrlimit(RLIMIT_FSIZE, &former);
+    const auto signal = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{20000, former.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &small);
+    const ERunEnd end = Run("PostProNelixDecode", {(m_folder / "foreign").string()});
+    setrlimit(RLIMIT_FSIZE, &former);
+    std::signal(SIGXFSZ, signal);
+    EXPECT_EQ(end, ERunEnd::failed);
+    EXPECT_TRUE(m_monitor.texts.contains(EText::targetNotWritable)) << m_monitor.all;
+    EXPECT_EQ(CountFiles(), 2u);
 }
 
 // A former target stays when the conversion fails.

@@ -1,4 +1,5 @@
 #include "conversion_fixture.h"
+#include "foundation/texts.h"
 
 #include <cmath>
 

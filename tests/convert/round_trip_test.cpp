@@ -1,5 +1,6 @@
 #include "conversion_fixture.h"
 
+#include "foundation/texts.h"
 #include "simulator/foreign_writer.h"
 #include "simulator/mission_writer.h"
 
