@@ -50,12 +50,12 @@ struct SOutcome {
 SOutcome Read(const SConverter& converter, const CArguments& arguments, const SFiles& files,
               CByteSource& source, const fs::path& path, IRunMonitor& monitor, CFaultCounter& faults) {
     CNotes notes(monitor);
-    SEra era;
+    SLearnt learnt;
     for (ChannelSet channels;;) {
         faults = CFaultCounter();
         source.Rewind();
         CRecordSink sink(path, converter.dates, channels, faults);
-        SConversion conversion{arguments, files.sources, source, sink, faults, notes, era};
+        SConversion conversion{arguments, files.sources, source, sink, faults, notes, learnt};
         const bool readable = converter.read(conversion);
         const auto fail = [&](EText text, const fs::path& file) {
             monitor.Report(ELevel::error, text, {Outils_Fichiers::ToText(file)});

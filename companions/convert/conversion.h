@@ -30,10 +30,12 @@ class CNotes {
     std::set<std::string> m_said;
 };
 
-// What a date was shifted by, once a reader has seen that the log begins in a wrong era of the GPS week.
-struct SEra {
-    Ticks before = INT64_MIN; // earlier dates are
-    Ticks shift = 0;          // shifted by this much
+// What a reader has learnt of a source by its end, and needs from its start: kept when it starts again.
+struct SLearnt {
+    // Dates before `eraBegin` are of a wrong era of the GPS week: they are shifted by this much.
+    Ticks eraBegin = INT64_MIN, eraShift = 0;
+    std::optional<double> clockRate; // seconds of UTC in a second of the INS clock
+    bool lacksUtc = false;
 };
 
 // One attempt at a conversion, as a reader sees it.
@@ -44,7 +46,7 @@ struct SConversion {
     CRecordSink& sink;
     CFaultCounter& faults;
     CNotes& notes;
-    SEra& era; // kept over a new start
+    SLearnt& learnt;
     // A reader that sets this and returns is started again from the first byte.
     bool startAgain = false;
 

@@ -245,14 +245,15 @@ class CNmeaReader {
         const auto number = MakeDay(year, month, day);
         if (!number) return;
         Ticks midnight = *number * kTicksPerDay;
-        SEra& era = m_conversion.era;
-        if (midnight < era.before) midnight += era.shift;
+        SLearnt& learnt = m_conversion.learnt;
+        if (midnight < learnt.eraBegin) midnight += learnt.eraShift;
         const bool wasDated = m_clock.IsDated();
         m_clock.SetDate(midnight, time);
         if (!wasDated) DateEarlyFixes();
         const Ticks step = m_clock.TakeEraStep();
-        if (step == 0 || !m_hasFix || era.shift != 0) return;
-        era = {midnight - kTicksPerDay, step};
+        if (step == 0 || !m_hasFix || learnt.eraShift != 0) return;
+        learnt.eraBegin = midnight - kTicksPerDay;
+        learnt.eraShift = step;
         m_conversion.startAgain = true;
         m_conversion.notes.Say(ELevel::warning, EText::nmeaEraStep);
     }

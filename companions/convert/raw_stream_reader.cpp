@@ -23,9 +23,7 @@ using namespace Persistance_Xpf;
 // Frames in a stream of bytes: looks for the next whose sum holds where one is damaged.
 class CFrameReader {
   public:
-    // `only`: the channel that is asked for; 0 for all.
-    explicit CFrameReader(CByteSource& source, std::uint8_t only = 0)
-        : m_source(source), m_only(only), m_buffer(2 * CByteSource::kPieceSize) {}
+    explicit CFrameReader(CByteSource& source) : m_source(source), m_buffer(2 * CByteSource::kPieceSize) {}
 
     // The next frame; its view is valid until the next call. False at the end.
     bool Next(SFrame& frame) {
@@ -35,11 +33,6 @@ class CFrameReader {
             const std::span<const std::uint8_t> rest(m_buffer.data() + m_begin, m_end - m_begin);
             if (rest.empty()) return false;
             const std::size_t stated = GetFrameSize(rest);
-            if (m_only != 0 && stated != 0 && rest[2] != m_only && stated < rest.size() &&
-                rest[stated] == kFrameMark) {
-                m_begin += stated; // between two marks: not looked at closer
-                continue;
-            }
             if (const auto found = ReadFrame(rest)) {
                 frame = *found;
                 m_place = m_position + m_begin;
@@ -75,7 +68,6 @@ class CFrameReader {
     }
 
     CByteSource& m_source;
-    std::uint8_t m_only;
     std::vector<std::uint8_t> m_buffer;
     std::size_t m_begin = 0, m_end = 0;
     std::uint64_t m_position = 0; // of the buffer in the stream
@@ -95,49 +87,51 @@ class CRawStreamReader {
     }
 
     bool Read() {
-        const std::size_t compensation = m_conversion.arguments.GetWord("/ccd", 0);
-        const auto day = GetUtcDay(m_conversion.arguments);
-        // Clock and UTC are compared over the whole stream before the first packet can be dated.
-        const CDriftFit fit = MeasureDrift(day, compensation != kOff);
-        if (m_conversion.source.IsStopped() || m_conversion.source.IsFailed()) return true;
-        if (compensation == kOn || (compensation != kOff && fit.IsSignificant())) m_rate = fit.GetRate();
-        if (m_rate != 1)
-            m_conversion.notes.Say(ELevel::information, EText::rawDrift, {FormatPartsPerMillion(m_rate - 1)});
-        if (!m_hasUtc && day) m_conversion.sink.SetUtcOrigin(*day);
-        if (!m_hasUtc && !day) m_conversion.notes.Say(ELevel::warning, EText::rawNoUtc);
-        m_conversion.source.Rewind();
-
+        m_day = GetUtcDay(m_conversion.arguments);
+        const SLearnt& learnt = m_conversion.learnt;
+        if (learnt.lacksUtc && m_day) m_conversion.sink.SetUtcOrigin(*m_day);
         CFrameReader frames(m_conversion.source);
         CClockCycle clock(kClockCycle * kTicksPerClockUnit);
+        Ticks begin = INT64_MIN;
         for (SFrame frame; !m_conversion.IsDone() && frames.Next(frame);) {
             if (frames.TakeLost()) m_conversion.faults.Add(EText::faultFrame, frames.GetLostPlace());
             if (!Follows(frame, frames.GetPlace())) continue;
             const Ticks date = clock.Unwrap(frame.time * kTicksPerClockUnit);
-            if (m_begin == INT64_MIN) m_begin = date;
-            if (date - m_begin < m_skip) continue;
-            if (m_stop > 0 && date - m_begin >= m_stop) break;
-            if (!Take(frame, date, day, frames.GetPlace())) return false;
+            if (begin == INT64_MIN) begin = date;
+            if (m_stop > 0 && date - begin >= m_stop) break;
+            if (frame.channel == m_utcRow) TakeUtc(frame, date);
+            if (date - begin >= m_skip && !Take(frame, date, frames.GetPlace())) return false;
         }
         if (frames.TakeLost()) m_conversion.faults.Add(EText::faultFrame, frames.GetLostPlace());
+        const bool isWhole = !m_conversion.source.IsStopped() && !m_conversion.source.IsFailed();
+        if (isWhole && !m_conversion.IsDone()) Learn();
         return true;
     }
 
   private:
-    static std::string FormatPartsPerMillion(double share);
+    void TakeUtc(const SFrame& frame, Ticks date) {
+        const auto time = ReadUtc(frame.payload, m_day);
+        m_hasUtc = m_hasUtc || time.has_value();
+        if (time) m_fit.Add(date, *time);
+    }
 
-    // Without `measures` only looks whether there is UTC at all.
-    CDriftFit MeasureDrift(std::optional<Ticks> day, bool measures) {
-        CDriftFit fit;
-        CFrameReader frames(m_conversion.source, static_cast<std::uint8_t>(m_utcRow));
-        CClockCycle clock(kClockCycle * kTicksPerClockUnit);
-        for (SFrame frame; !(m_hasUtc && !measures) && frames.Next(frame);) {
-            const Ticks date = clock.Unwrap(frame.time * kTicksPerClockUnit);
-            if (const auto time = ReadUtc(frame.payload, day)) {
-                m_hasUtc = true;
-                fit.Add(date, *time);
+    // Most streams hold UTC and have a steady clock, and need not be read again.
+    void Learn() {
+        SLearnt& learnt = m_conversion.learnt;
+        if (!learnt.clockRate) {
+            const std::size_t compensation = m_conversion.arguments.GetWord("/ccd", 0);
+            const bool drifts = compensation == kOn || (compensation != kOff && m_fit.IsSignificant());
+            learnt.clockRate = drifts ? m_fit.GetRate() : 1;
+            if (*learnt.clockRate != 1) {
+                m_conversion.startAgain = true;
+                m_conversion.notes.Say(ELevel::information, EText::rawDrift,
+                                       {Outils_Texte::FormatFixed((*learnt.clockRate - 1) * 1e6, 3)});
             }
         }
-        return fit;
+        if (m_hasUtc || learnt.lacksUtc) return;
+        learnt.lacksUtc = true;
+        m_conversion.startAgain = m_conversion.startAgain || m_day.has_value();
+        if (!m_day) m_conversion.notes.Say(ELevel::warning, EText::rawNoUtc);
     }
 
     // False for a repeated frame. Counts the gaps in the sequence.
@@ -159,7 +153,7 @@ class CRawStreamReader {
     }
 
     // False when the stream needs a key that is not there.
-    bool Take(const SFrame& frame, Ticks date, std::optional<Ticks> day, std::uint64_t place) {
+    bool Take(const SFrame& frame, Ticks date, std::uint64_t place) {
         std::memcpy(m_payload.data() + kDateSize, frame.payload.data(), frame.payload.size());
         const std::span<std::uint8_t> body(m_payload.data() + kDateSize, frame.payload.size());
         if (frame.channel == m_imuRow && body[GetDataTypeOffset()] == kEnciphered && m_deciphers) {
@@ -167,8 +161,9 @@ class CRawStreamReader {
             m_cipher->Apply(body, frame.time, frame.sequence);
             body[GetDataTypeOffset()] = kPlain;
         }
-        if (frame.channel == m_utcRow && day) CompleteUtc(body, *day);
-        if (m_rate != 1) date = std::llround(static_cast<double>(date) * m_rate);
+        if (frame.channel == m_utcRow && m_day) CompleteUtc(body, *m_day);
+        const double rate = m_conversion.learnt.clockRate.value_or(1);
+        if (rate != 1) date = std::llround(static_cast<double>(date) * rate);
         m_conversion.sink.Add(frame.channel, date, {m_payload.data(), frame.payload.size() + kDateSize},
                               place);
         return true;
@@ -189,9 +184,9 @@ class CRawStreamReader {
     const std::uint16_t m_utcRow, m_imuRow;
     Ticks m_skip = 0, m_stop = 0; // from the first frame; 0: to the end
     bool m_deciphers = true, m_hasUtc = false;
-    double m_rate = 1;
+    std::optional<Ticks> m_day; // that the switch gives
+    CDriftFit m_fit;
     std::optional<CInertialCipher> m_cipher;
-    Ticks m_begin = INT64_MIN;
     std::array<std::uint8_t, kLargestFrame> m_payload{};
 
     bool m_hasLast = false;
@@ -199,10 +194,6 @@ class CRawStreamReader {
     std::uint16_t m_lastChannel = 0;
     std::uint32_t m_lastTime = 0;
 };
-
-std::string CRawStreamReader::FormatPartsPerMillion(double share) {
-    return Outils_Texte::FormatFixed(share * 1e6, 3);
-}
 
 } // namespace
 

@@ -179,4 +179,18 @@ TEST_F(RoundTripTest, DriftOfTheClockIsTakenOut) {
     EXPECT_TRUE(m_monitor.texts.contains(Compagnon::EText::rawDrift));
 }
 
+TEST_F(RoundTripTest, GivenDayDatesAStreamWithoutUtc) {
+    m_options.channels = {"IMU"};
+    WriteMission();
+    for (const SRow& row : {SRow{"raw", "PostProNelixDecode", {"/utc", "2024-05-14"}, {}, 0, {}},
+                            SRow{"decoded", "DecodedNelix2Tarin", {"/utc", "2024-05-14"}, {}, 0, {}}}) {
+        const Packets target = WriteAndConvert(row);
+        EXPECT_EQ(target.at("IMU").size(), m_mission["IMU"].size());
+        ASSERT_GE(target.at("UTC").size(), 60u);
+        const SPacket& last = target.at("UTC").back();
+        EXPECT_EQ(last["UTC day"], 14);
+        EXPECT_EQ(last["UTC Minute"] * 60 + last["UTC Second"], last.date) << "the clock starts at midnight";
+    }
+}
+
 } // namespace
