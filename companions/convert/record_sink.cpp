@@ -36,6 +36,8 @@ CRecordSink::CRecordSink(std::filesystem::path path, EDates dates, ChannelSet kn
 void CRecordSink::Add(std::uint16_t channel, Ticks date, std::span<const std::uint8_t> payload,
                       std::uint64_t place) {
     if (IsDone()) return;
+    // Old data in between must not seem to overtake what waits.
+    if (date < m_lastDate) return m_faults.Add(EText::faultLate, place);
     if (m_waiting == kWaiting) WriteFirst();
     std::size_t index = m_waiting;
     while (index > 0 && At(index - 1).date > date) --index;
@@ -101,7 +103,6 @@ void CRecordSink::WriteFirst() {
     SRecord& record = At(0);
     m_first = (m_first + 1) % m_records.size();
     --m_waiting;
-    if (record.date < m_lastDate) return m_faults.Add(EText::faultLate, record.place);
     m_lastDate = record.date;
     if (!m_channels.contains(record.channel)) {
         m_channels.insert(record.channel);

@@ -105,6 +105,19 @@ TEST_F(NmeaTest, OddLogsGiveWhatIsInThem) {
     EXPECT_EQ(Convert("Nmea2Tarin", z + g + wrong, {"/verifyChecksum", "no"}).at("GPS_1").size(), 2u);
 }
 
+TEST_F(NmeaTest, OldDataInBetweenCostsNothing) {
+    std::string old, log = Zda("110000");
+    for (int second = 0; second < 200; ++second) {
+        std::array<char, 8> time;
+        std::snprintf(time.data(), time.size(), "11%02d%02d", second / 60, second % 60);
+        if (second < 50) old += Gga(time.data());
+        if (second == 150) log += old;
+        log += Gga(time.data());
+    }
+    EXPECT_EQ(Convert("Nmea2Tarin", log)["GPS_1"].size(), 200u) << m_monitor.all;
+    EXPECT_EQ(Said(EText::faultLate), "50");
+}
+
 TEST_F(NmeaTest, PositionsWithoutErrorsTakeDilution) {
     auto packets = Convert("Nmea2Tarin", Zda("120000") + Gga("120000", "GP", "4") + Gga("120001", "GP", "1"));
     EXPECT_FLOAT_EQ(packets["GPS_1"][0]["Std. dev. north"], 0.03f);
