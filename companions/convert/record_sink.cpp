@@ -38,7 +38,6 @@ void CRecordSink::Add(std::uint16_t channel, Ticks date, std::span<const std::ui
     if (IsDone()) return;
     // Old data in between must not seem to overtake what waits.
     if (date < m_lastDate) return m_faults.Add(EText::faultLate, place);
-    if (m_waiting == kWaiting) WriteFirst();
     std::size_t index = m_waiting;
     while (index > 0 && At(index - 1).date > date) --index;
     if (IsRepeated(channel, date, payload, index)) return m_faults.Add(EText::faultRepeated, place);
@@ -51,6 +50,7 @@ void CRecordSink::Add(std::uint16_t channel, Ticks date, std::span<const std::ui
     record.size = static_cast<std::uint8_t>(payload.size());
     std::memcpy(record.payload.data(), payload.data(), payload.size());
     if (++m_waiting > index + 1) DropAheadOfAll();
+    if (m_waiting > kWaiting) WriteFirst();
 }
 
 // The same record waits already, just before this place.
