@@ -4,7 +4,9 @@
 #include "foundation/texts.h"
 #include "xpf/tarin_layouts.h"
 
+#include <algorithm>
 #include <array>
+#include <bitset>
 
 namespace Conversion {
 namespace {
@@ -31,8 +33,7 @@ struct SEnsemble {
     std::optional<Ticks> date;
     double soundVelocity = 0; // m/s
     STrack bottom, water;
-    std::uint64_t seen = 0; // which tags have come, one bit each
-    std::uint64_t line = 0;
+    std::bitset<16> seen; // which tags have come
 };
 
 // "YYMMDDhhmmsscc", hundredths of a second at the end.
@@ -89,17 +90,15 @@ class CDopplerReader {
             {"BD", &CDopplerReader::TakeDistance, &SEnsemble::bottom},
             {"UT", nullptr, nullptr},
         };
-        for (std::size_t i = 0; i < std::size(kRows); ++i) {
-            if (kRows[i].tag != tag) continue;
-            // The lines of an ensemble come in one order and once each: a second one begins the next.
-            const std::uint64_t bit = std::uint64_t{1} << i;
-            if (i == 0 || (m_ensemble.seen & bit) != 0 || (i == 1 && m_ensemble.date)) Close();
-            m_ensemble.seen |= bit;
-            if (m_ensemble.line == 0) m_ensemble.line = m_lines.GetNumber();
-            if (kRows[i].take) (this->*kRows[i].take)(CFields::Split(text, ','), m_ensemble.*kRows[i].track);
-            return true;
-        }
-        return false;
+        const auto* row = std::ranges::find(kRows, tag, &SRow::tag);
+        if (row == std::end(kRows)) return false;
+        // The lines of an ensemble come in one order and once each: a second one begins the next.
+        const auto place = static_cast<std::size_t>(row - kRows);
+        const bool begins = tag == "SA" || (tag == "TS" && m_ensemble.date);
+        if (begins || m_ensemble.seen.test(place)) Close();
+        m_ensemble.seen.set(place);
+        if (row->take) (this->*row->take)(CFields::Split(text, ','), m_ensemble.*row->track);
+        return true;
     }
 
     void TakeStamp(const CFields& fields, STrack&) {
