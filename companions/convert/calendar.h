@@ -25,7 +25,8 @@ std::optional<Ticks> MakeGpsTime(std::int64_t week, Ticks timeOfWeek);
 // How many seconds GPS time is ahead of UTC at this GPS time.
 int GetLeapSeconds(Ticks gpsTime);
 
-inline constexpr std::int64_t kDaysPerEra = 1024 * 7; // until the ten bits of the GPS week begin again
+inline constexpr Ticks kTicksPerEra =
+    1024 * 7 * kTicksPerDay; // until the ten bits of the GPS week begin again
 
 // "hhmmss" with or without a fraction, 000000 to 240000; second 60 is the first of the next minute.
 std::optional<Ticks> ParseCompactTime(std::string_view text);

@@ -26,11 +26,13 @@ class CNmeaClock {
     Ticks TakeEraStep() { return std::exchange(m_eraStep, 0); }
     // A date was moved out of the first era, in which no log can be.
     bool HasMovedEra() const { return m_hasMoved; }
+    // The first date, as ticks of its midnight; 0 without one.
+    Ticks GetFirstDay() const { return m_firstDay; }
 
   private:
     CClockCycle m_clock{kTicksPerDay};
     std::optional<Ticks> m_offset; // from relative to absolute
-    Ticks m_eraStep = 0;
+    Ticks m_eraStep = 0, m_firstDay = 0;
     bool m_hasMoved = false;
 };
 

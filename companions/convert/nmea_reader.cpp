@@ -124,7 +124,10 @@ class CNmeaReader {
             for (const SEarlyFix& fix : m_early) m_conversion.faults.Add(EText::faultUndated, fix.line);
             m_conversion.notes.Say(ELevel::error, EText::nmeaUndated);
         }
-        if (m_clock.HasMovedEra()) m_conversion.notes.Say(ELevel::warning, EText::nmeaMovedEra);
+        if (m_clock.HasMovedEra())
+            m_conversion.notes.Say(ELevel::warning, EText::nmeaMovedEra);
+        else if (m_clock.IsDated())
+            RemarkOnOldDate();
         return true;
     }
 
@@ -256,6 +259,14 @@ class CNmeaReader {
         learnt.eraShift = step;
         m_conversion.startAgain = true;
         m_conversion.notes.Say(ELevel::warning, EText::nmeaEraStep);
+    }
+
+    // A log that may as well be younger by an era: nothing in it can tell.
+    void RemarkOnOldDate() {
+        const Ticks day = m_clock.GetFirstDay();
+        const Outils_Temps::CDateTime date(static_cast<std::uint64_t>(day));
+        if (day + kTicksPerEra < static_cast<Ticks>(Outils_Temps::CDateTime::Now().GetTicks()))
+            m_conversion.notes.Say(ELevel::information, EText::nmeaOldDate, {std::to_string(date.GetYear())});
     }
 
     void DateEarlyFixes() {
