@@ -1,5 +1,6 @@
 #include "foundation/texts.h"
 #include "simulator/command_line.h"
+#include "simulator/foreign_writer.h"
 #include "simulator/mission_writer.h"
 
 #include <cstdio>
@@ -32,5 +33,8 @@ int main(int count, char** arguments) {
     if (!Simulation::CheckTargets(line, error) ||
         !Simulation::WriteMission(line.options, line.output, line.truth, error))
         return Report(error, kFailure);
+    for (const auto& [kind, path] : line.also)
+        if (!Simulation::WriteForeign(kind, line.output, line.options.GetUtcOrigin(), path, error))
+            return Report(error, kFailure);
     return kSuccess;
 }

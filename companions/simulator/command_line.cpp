@@ -4,6 +4,7 @@
 #include "foundation/paths.h"
 #include "foundation/switches.h"
 #include "foundation/texts.h"
+#include "simulator/foreign_writer.h"
 #include "simulator/grades.h"
 #include "simulator/sensors.h"
 #include "simulator/truth_writer.h"
@@ -320,6 +321,9 @@ constexpr SOptionRow kRows[] = {
 
 // Options of the program itself.
 constexpr SSwitchRow kTruth{"--truth", ESwitchValue::text, "FILE", EText::simTruthHelp};
+constexpr SSwitchRow kAlso{"--also", ESwitchValue::list, "KIND=FILE", EText::simAlsoHelp};
+constexpr SSwitchRow kRaw{"--raw", ESwitchValue::text, "FILE", EText::simRawHelp};
+constexpr SSwitchRow kDecoded{"--decoded", ESwitchValue::text, "FILE", EText::simDecodedHelp};
 constexpr SSwitchRow kForce{"--force", ESwitchValue::none, "", EText::simForceHelp};
 constexpr SSwitchRow kVersion{"--version", ESwitchValue::none, "", EText::simVersionHelp};
 constexpr SSwitchRow kHelp{"--help", ESwitchValue::none, "", EText::simHelpHelp};
@@ -327,7 +331,7 @@ constexpr SSwitchRow kShortHelp{"-h", ESwitchValue::none, "", EText::simHelpHelp
 constexpr std::string_view kHelpWord = "help";
 
 std::vector<SSwitchRow> MakeSwitches() {
-    std::vector<SSwitchRow> rows{kTruth, kForce, kVersion, kHelp, kShortHelp};
+    std::vector<SSwitchRow> rows{kTruth, kAlso, kRaw, kDecoded, kForce, kVersion, kHelp, kShortHelp};
     for (const SOptionRow& row : kRows) {
         const bool two = row.value.find(' ') != std::string_view::npos;
         rows.push_back({row.name, two ? ESwitchValue::pair : ESwitchValue::text, row.value, row.help});
@@ -374,6 +378,26 @@ std::string DescribeChannels() {
     return text;
 }
 
+std::string ListForeignKinds() {
+    return Join(GetForeignKinds(), [](std::string_view kind) { return std::string(kind); });
+}
+
+// The foreign formats that are asked for; false for one that there is not.
+bool TakeAlso(const Outils_Texte::CArguments& arguments, SCommandLine& line, std::string& error) {
+    const auto kinds = GetForeignKinds();
+    for (const auto& given : arguments.GetSwitches()) {
+        const std::string_view name = given.row->name;
+        if (name == kRaw.name || name == kDecoded.name)
+            line.also.emplace_back(name.substr(2), Outils_Fichiers::FromText(given.text));
+        if (name != kAlso.name) continue;
+        const std::string_view text = given.text, kind = text.substr(0, text.find('='));
+        if (kind.size() + 1 >= text.size() || !FindWord(kinds, kind))
+            return Refuse(error, EText::simAlsoKind, {text, ListForeignKinds()});
+        line.also.emplace_back(kind, Outils_Fichiers::FromText(text.substr(kind.size() + 1)));
+    }
+    return true;
+}
+
 } // namespace
 
 bool ParseCommandLine(std::span<const std::string> words, SCommandLine& commandLine, std::string& error) {
@@ -397,6 +421,7 @@ bool ParseCommandLine(std::span<const std::string> words, SCommandLine& commandL
             return Refuse(error, EText::simWrongValue,
                           {row->name, given.text, row->value, GetText(row->help)});
     }
+    if (!TakeAlso(arguments, commandLine, error)) return false;
     if (commandLine.output.empty()) return Refuse(error, EText::simNoOutput);
     if (commandLine.truth.empty())
         commandLine.truth = Outils_Fichiers::WithExtension(commandLine.output, ".truth.csv");
@@ -405,9 +430,13 @@ bool ParseCommandLine(std::span<const std::string> words, SCommandLine& commandL
 
 bool CheckTargets(const SCommandLine& commandLine, std::string& error) {
     const std::filesystem::path result = GetTruthResultPath(commandLine.truth);
-    if (Outils_Fichiers::SamePath(commandLine.output, commandLine.truth))
-        return Refuse(error, EText::simSameFile, {Outils_Fichiers::ToText(commandLine.output)});
-    for (const auto& path : {commandLine.output, commandLine.truth, result}) {
+    std::vector<std::filesystem::path> targets{commandLine.output, commandLine.truth, result};
+    for (const auto& [kind, path] : commandLine.also) targets.push_back(path);
+    for (auto path = targets.begin(); path != targets.end(); ++path)
+        for (auto other = targets.begin(); other != path; ++other)
+            if (Outils_Fichiers::SamePath(*path, *other))
+                return Refuse(error, EText::simSameFile, {Outils_Fichiers::ToText(*path)});
+    for (const auto& path : targets) {
         std::error_code unknown;
         const auto status = std::filesystem::symlink_status(path, unknown);
         if (commandLine.force ? std::filesystem::is_directory(status) : std::filesystem::exists(status))
@@ -424,8 +453,8 @@ std::string GetUsage() {
         AddOption(usage, row.name, row.value, GetText(row.help),
                   row.showDefault ? row.showDefault(defaults) : std::string());
     AddOption(usage, "-h, --help", "", GetText(kHelp.help));
-    for (const SSwitchRow& row : {kTruth, kForce, kVersion})
-        AddOption(usage, row.name, row.value, GetText(row.help));
+    for (const SSwitchRow& row : {kTruth, kAlso, kRaw, kDecoded, kForce, kVersion})
+        AddOption(usage, row.name, row.value, FormatText(row.help, {ListForeignKinds()}));
     return usage + DescribeGrades() + DescribeChannels();
 }
 

@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <span>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace Simulation {
 
@@ -13,7 +15,9 @@ struct SCommandLine {
     SMissionOptions options;
     std::filesystem::path output;
     std::filesystem::path truth; // by default beside the output
-    bool force = false;          // existing files are replaced
+    // The mission in foreign formats, see foreign_writer.h: format and file.
+    std::vector<std::pair<std::string, std::filesystem::path>> also;
+    bool force = false; // existing files are replaced
     // Asked for instead of a mission.
     bool help = false;
     bool version = false;
@@ -23,8 +27,8 @@ struct SCommandLine {
 // sense; the values of the options are not validated.
 bool ParseCommandLine(std::span<const std::string> arguments, SCommandLine& commandLine, std::string& error);
 
-// False, with the reason in `error`, when recording or truth would replace a file without --force, or each
-// other.
+// False, with the reason in `error`, when a file would be replaced without --force, or two of the targets are
+// one.
 bool CheckTargets(const SCommandLine& commandLine, std::string& error);
 
 // One line for each option with its default, the grades of inertial units and the channels.

@@ -1,13 +1,17 @@
 // The inertial channel: what three gyroscopes and three accelerometers along the vessel axes count.
 #pragma once
 
+#include "recording/payload.h"
 #include "simulator/mission.h"
-#include "simulator/payload.h"
 #include "simulator/random.h"
 
 #include <array>
 
 namespace Simulation {
+
+using Enregistrement::CPayload;
+using Enregistrement::PlaceOf;
+using Enregistrement::SPlace;
 
 // Turns exact increments into raw counts, one sample after the other.
 //

@@ -1,14 +1,18 @@
 // The channels of a recording beside the inertial one: what each measures of the vehicle, with its errors.
 #pragma once
 
+#include "recording/payload.h"
 #include "simulator/mission.h"
-#include "simulator/payload.h"
 #include "simulator/random.h"
 
 #include <span>
 #include <utility>
 
 namespace Simulation {
+
+using Enregistrement::CPayload;
+using Enregistrement::PlaceOf;
+using Enregistrement::SPlace;
 
 struct SSensorRow;
 

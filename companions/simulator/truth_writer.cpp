@@ -1,8 +1,8 @@
 #include "simulator/truth_writer.h"
 
 #include "foundation/paths.h"
+#include "recording/payload.h"
 #include "recording/recording_writer.h"
-#include "simulator/payload.h"
 #include "xpf/tarout_layouts.h"
 
 #include <charconv>
@@ -10,6 +10,10 @@
 #include <fstream>
 
 namespace Simulation {
+
+using Enregistrement::CPayload;
+using Enregistrement::PlaceOf;
+using Enregistrement::SPlace;
 
 using Enregistrement::CRecordingWriter;
 using Outils_Temps::kTicksPerSecond;

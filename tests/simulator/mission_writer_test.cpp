@@ -305,7 +305,7 @@ TEST(CommandLineTest, OptionsReachTheMission) {
     SCommandLine line;
     ASSERT_TRUE(parse("--vehicle car --start 10,-20.5,30 --gps-outage 60:90 --gps-outage 100:130 "
                       "--lever-arm gps 1,2,-3 --channels GPS_1,ODOMETER --rate ODOMETER=20 "
-                      "--utc 2023-02-28T23:59:58 /tmp/x.tarin --seed 77",
+                      "--utc 2023-02-28T23:59:58 /tmp/x.tarin --seed 77 --also nmea=a --raw b",
                       line));
     const SMissionOptions& options = line.options;
     EXPECT_EQ(options.vehicle, EVehicle::car);
@@ -317,6 +317,8 @@ TEST(CommandLineTest, OptionsReachTheMission) {
     EXPECT_EQ(options.FindChannelOptions("ODOMETER")->rate, 20);
     EXPECT_EQ(options.GetUtcOrigin().GetDay(), 28);
     EXPECT_EQ(line.truth, fs::path("/tmp/x.truth.csv"));
+    const decltype(line.also) also{{"nmea", "a"}, {"raw", "b"}};
+    EXPECT_EQ(line.also, also);
 
     for (const char* wrong : {"",
                               "--duration 10",
@@ -337,6 +339,8 @@ TEST(CommandLineTest, OptionsReachTheMission) {
                               "x --start 90,0,0",
                               "x --imu-lost 2",
                               "x --jam GPS_1=5",
+                              "x --also nmea",
+                              "x --also sonar=y",
                               "x --stated-deviation 0"}) {
         SCommandLine ignored;
         EXPECT_FALSE(parse(wrong, ignored)) << wrong;
@@ -355,6 +359,7 @@ TEST(CommandLineTest, NeverOverwritesWithoutForce) {
         {{recording}, "x.truth.csv exists already; --force replaces it"},
         {{recording, "--force"}, ""},
         {{recording, "--truth", recording}, "cannot both be"},
+        {{recording, "--force", "--also", "nmea=" + recording}, "cannot both be"},
         {{recording, "--truth", recording + ".csv"}, ""},
         {{(folder / "d.tarin").string(), "--force"}, "is a folder"},
     };

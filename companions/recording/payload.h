@@ -11,7 +11,7 @@
 #include <span>
 #include <string_view>
 
-namespace Simulation {
+namespace Enregistrement {
 
 struct SPlace {
     std::uint32_t offset;
@@ -65,4 +65,4 @@ class CPayload {
     std::uint32_t m_size = 0;
 };
 
-} // namespace Simulation
+} // namespace Enregistrement
