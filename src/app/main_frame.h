@@ -7,7 +7,7 @@
 #include "app/frame_host.h"
 #include "app/recent_files.h"
 #include "document/document.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "views/output_wnd.h"
 #include "views/view_1d.h"
 #include "views/view_processing.h"

@@ -1,6 +1,7 @@
 #include "batch/run_report.h"
 
 #include "dataaccess/date_search.h"
+#include "foundation/texts.h"
 #include "processing/message_line.h"
 #include "processing/notification.h"
 

@@ -3,6 +3,7 @@
 #include "config/config_file.h"
 #include "foundation/numbers.h"
 #include "foundation/text.h"
+#include "foundation/texts.h"
 #include "values/adaptors.h"
 
 #include <algorithm>
