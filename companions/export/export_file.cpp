@@ -1,5 +1,7 @@
 #include "export/export_file.h"
 
+#include "foundation/texts.h"
+
 #include <algorithm>
 #include <cerrno>
 

@@ -5,6 +5,7 @@
 #include "export/clock.h"
 #include "export/export_file.h"
 #include "export/packet_pass.h"
+#include "foundation/texts.h"
 
 #include <array>
 #include <cstdint>

@@ -2,6 +2,7 @@
 
 #include "foundation/bytes.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "xpf/whole_packet_search.h"
 
 #include <algorithm>
@@ -106,6 +107,8 @@ bool CPacketPass::Next(SPassPacket& packet) {
     }
     return false;
 }
+
+void CPacketPass::ReportFaults() const { m_faults.Report(m_monitor, EText::faultsByByte); }
 
 // False at the end of the file, or when the run is stopped.
 bool CPacketPass::NextRun() {

@@ -72,7 +72,7 @@ class CPacketPass {
     // Whether the monitor stopped the walk.
     bool IsStopped() const { return m_stopped; }
     // One warning for each kind of damage that the walk passed.
-    void ReportFaults() const { m_faults.Report(m_monitor, EText::faultsByByte); }
+    void ReportFaults() const;
 
   private:
     bool NextRun();

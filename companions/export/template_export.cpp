@@ -150,6 +150,10 @@ class CLineWriter {
         char* end = field.precision ? FormatFixed(value, *field.precision, out)
                                     : std::to_chars(out, out + kWidestValue, value).ptr;
         std::string text(static_cast<char*>(out), end);
+        // A heading that rounds to 360 is 0.
+        const bool isHeading = field.field && field.denominator == 1.0 && field.field.row->name == "Heading";
+        if (isHeading && text.starts_with("360") && text.find_first_of("123456789", 3) == text.npos)
+            text.erase(0, 2);
         // A zero has no sign.
         if (text[0] == '-' && text.find_first_of("123456789") == text.npos) text.erase(0, 1);
         if (field.plus && text[0] != '-') text.insert(0, 1, '+');

@@ -6,6 +6,7 @@
 #include "foundation/numbers.h"
 #include "foundation/paths.h"
 #include "foundation/text.h"
+#include "foundation/texts.h"
 
 #include <pugixml.hpp>
 
@@ -298,7 +299,7 @@ class CReader {
 // As UTF-8, so that places in the parsed text are places in the file.
 std::string LoadText(const std::vector<std::uint8_t>& bytes) {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    const std::string_view declaration = text.substr(0, text.find("?>"));
+    const std::string_view declaration = text.starts_with("<?xml") ? text.substr(0, text.find("?>")) : "";
     const bool isNarrow =
         std::ranges::any_of(std::array{"iso-8859-1", "ISO-8859-1", "windows-1252", "Windows-1252"},
                             [&](const char* name) { return declaration.find(name) != declaration.npos; });

@@ -3,6 +3,7 @@
 #include "common/target_file.h"
 #include "foundation/bytes.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "recording/recording_writer.h"
 #include "update/packet_conversion.h"
 #include "xpf/file.h"

@@ -1,6 +1,7 @@
 #include "update/updater_program.h"
 
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "update/file_update.h"
 
 #include <limits>

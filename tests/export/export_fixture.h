@@ -2,6 +2,7 @@
 #pragma once
 
 #include "common/child_program.h"
+#include "foundation/texts.h"
 #include "recording/recording_writer.h"
 #include "support/temporary_folder.h"
 #include "xpf/packets.h"

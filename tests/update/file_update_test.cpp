@@ -1,5 +1,6 @@
 #include "update/file_update.h"
 
+#include "foundation/texts.h"
 #include "support/temporary_folder.h"
 #include "update/packet_conversion.h"
 #include "update/updater_program.h"
