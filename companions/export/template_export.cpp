@@ -179,8 +179,7 @@ bool ShowsUtc(const SExportTemplate& made) {
 
 ERunEnd ExportTemplate(const CArguments& arguments, IRunMonitor& monitor) {
     CExportRun run(arguments, monitor);
-    if (!arguments.Has(kTemplateSwitch.name))
-        return run.Fail(EText::templateNoAttribute, {kTemplateSwitch.name});
+    if (!arguments.Has(kTemplateSwitch.name)) return run.Fail(EText::exportNoTemplate, {});
     if (!run.Open({EFileKind::tarin, EFileKind::tarout})) return ERunEnd::failed;
     const auto made = ReadTemplate(FromText(arguments.GetText(kTemplateSwitch.name)), run.GetPass(), monitor);
     CExportFile file;
