@@ -89,7 +89,7 @@ TEST_F(GeoExport, SwitchesChooseColumnsAndRows) {
         {"/from 10 /to 19", "Feature Count: 10", "SpeedUp"},
         {"/toffset 5 /from 10 /to 19 /motion yes", "Date (Real) = 10.0", "Heading"},
         {"/utc 2020-02-28T23:59:59.5 /orientation yes", "UTC (String) = 2020-02-29T00:00:00.5000000Z",
-         "2026"},
+         "2026-03"},
     };
     for (const auto& row : rows) {
         Ask(Command(row.switches, "t.shp"));
