@@ -28,6 +28,10 @@ bool ReadChannels(CXpfFile& file, std::uint32_t count, std::vector<SOwnChannel>&
         SOwnChannel channel{Load<std::uint16_t>(record),
                             std::string(LoadPaddedText(record + 2, kChannelNameSize)),
                             Load<std::uint16_t>(record + kChannelRecordSize - 2)};
+        const std::uint8_t* padding = record + 2 + channel.name.size();
+        if (std::any_of(padding, static_cast<const std::uint8_t*>(record) + 2 + kChannelNameSize,
+                        [](std::uint8_t byte) { return byte != 0; }))
+            return false;
         const auto isSame = [&](const SOwnChannel& other) {
             return other.name == channel.name || other.number == channel.number;
         };
@@ -61,7 +65,9 @@ bool ReadDefinitions(CXpfFile& file, std::uint32_t count, std::vector<SOwnDefini
         definition.version = Load<std::uint32_t>(head + 2);
         const auto fields = Load<std::uint16_t>(head + 6);
         total += fields;
-        if (total > kLargestFieldTotal) return false;
+        const bool isRepeated =
+            std::ranges::find(definitions, definition.type, &SOwnDefinition::type) != definitions.end();
+        if (total > kLargestFieldTotal || isRepeated) return false;
         for (std::uint32_t k = 0; k < fields; ++k) {
             std::uint8_t record[kFieldRecordSize];
             if (!Read(file, record)) return false;
@@ -72,26 +78,30 @@ bool ReadDefinitions(CXpfFile& file, std::uint32_t count, std::vector<SOwnDefini
     return true;
 }
 
-ELayout Judge(SFileLayout& layout) {
-    if (layout.channels.empty()) return ELayout::damaged;
+// Of the versions that a file states, also those of packets that no channel has: a reader compares them all.
+ELayout JudgeVersions(const SFileLayout& layout) {
     ELayout state = ELayout::current;
-    for (std::size_t i = 0; i < layout.channels.size(); ++i) {
-        const SOwnChannel& channel = layout.channels[i];
-        const SChannelLayout* row = FindChannelLayout(channel.name);
-        if (i == 0 && row) layout.kind = row->kind;
-        if (!row || row->kind != layout.kind || row->packetType != channel.packetType) {
-            layout.culprit = channel.name;
-            return ELayout::unknown;
-        }
-        const SPacketLayout* current = FindDescribedLayout(layout.kind, channel.packetType);
-        const SOwnDefinition* own = layout.FindDefinition(channel.packetType);
-        // Without a description a packet can only be taken as it is.
-        if (!own || !current || own->version == current->version) continue;
-        if (own->version > current->version) return ELayout::newer;
-        if (!own->readable) return ELayout::damaged;
+    for (const SOwnDefinition& own : layout.definitions) {
+        const SPacketLayout* present = FindDescribedLayout(layout.kind, own.type);
+        if (!present || own.version == present->version) continue;
+        if (own.version > present->version) return ELayout::newer;
+        if (!own.readable) return ELayout::damaged;
         state = ELayout::former;
     }
     return state;
+}
+
+ELayout Judge(SFileLayout& layout) {
+    if (layout.channels.empty()) return ELayout::damaged;
+    const SChannelLayout* first = FindChannelLayout(layout.channels.front().name);
+    if (first) layout.kind = first->kind;
+    for (const SOwnChannel& channel : layout.channels) {
+        const SChannelLayout* row = FindChannelLayout(channel.name);
+        if (row && row->kind == layout.kind && row->packetType == channel.packetType) continue;
+        layout.culprit = channel.name;
+        return ELayout::unknown;
+    }
+    return JudgeVersions(layout);
 }
 
 } // namespace
