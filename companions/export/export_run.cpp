@@ -10,12 +10,6 @@ namespace Exportation {
 using namespace Persistance_Xpf;
 using Outils_Fichiers::ToText;
 
-namespace {
-
-constexpr std::string_view kNavigationChannel = "NELIX_NAV";
-
-} // namespace
-
 CExportRun::CExportRun(const CArguments& arguments, IRunMonitor& monitor)
     : m_arguments(arguments),
       m_monitor(monitor),
@@ -62,8 +56,7 @@ const SPassChannel* CExportRun::ChooseTrackChannel() {
         return FindTrackFields(*channel.layout, 0).HasPosition() && channel.layout->type != typeMorvexExt;
     };
     const SPassChannel* channel = nullptr;
-    std::string name = m_arguments.GetText(kChannelSwitch.name);
-    if (name == kNavigationChannel && m_pass.GetKind() == EFileKind::tarout) name = kResultChannel;
+    const std::string name = m_arguments.GetText(kChannelSwitch.name);
     if (name.empty()) {
         const auto found = std::ranges::find_if(m_pass.GetChannels(), hasPosition);
         if (found != m_pass.GetChannels().end()) channel = &*found;

@@ -29,6 +29,9 @@ inline constexpr SSwitchRow kOffsetSwitch{"/toffset", ESwitchValue::number, "SEC
                                           EText::exportSwitchOffset};
 inline constexpr SSwitchRow kUtcSwitch{"/utc", ESwitchValue::text, "DATE", EText::exportSwitchUtc};
 
+// The places of the words "on|off".
+inline constexpr std::size_t kOn = 0, kOff = 1;
+
 // The packets of one export. One thread.
 class CExportRun {
   public:

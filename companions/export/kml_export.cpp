@@ -23,7 +23,6 @@ constexpr SSwitchRow kPointColorSwitch{"/pointColor", ESwitchValue::text, "AARRG
 constexpr SSwitchRow kClampSwitch{"/clampToGround", ESwitchValue::word, "on|off", EText::exportSwitchClamp};
 constexpr SSwitchRow kScaleSwitch{"/asf", ESwitchValue::number, "FACTOR", EText::exportSwitchScale};
 constexpr SSwitchRow kHeightSwitch{"/ao", ESwitchValue::number, "METERS", EText::exportSwitchHeight};
-constexpr std::size_t kOn = 0, kOff = 1;
 constexpr Argb kWhite = 0xFFFFFFFF;
 
 // False after a report of a text that is no colour.
@@ -95,10 +94,10 @@ ERunEnd ExportKml(const CArguments& arguments, IRunMonitor& monitor, EFileKind k
     return run.Finish(files, writer.GetPoints());
 }
 
-constexpr SSwitchRow kSwitches[] = {kChannelSwitch, kPointSwitch,     kTimeSwitch,       kOffsetSwitch,
-                                    kUtcSwitch,     kTrackSwitch,     kTrackColorSwitch, kPointColorSwitch,
-                                    kClampSwitch,   kScaleSwitch,     kHeightSwitch,     kFromSwitch,
-                                    kToSwitch,      kDecimationSwitch};
+constexpr SSwitchRow kKmlSwitches[] = {kChannelSwitch, kPointSwitch,     kTimeSwitch,       kOffsetSwitch,
+                                       kUtcSwitch,     kTrackSwitch,     kTrackColorSwitch, kPointColorSwitch,
+                                       kClampSwitch,   kScaleSwitch,     kHeightSwitch,     kFromSwitch,
+                                       kToSwitch,      kDecimationSwitch};
 
 ERunEnd ExportInputKml(const CArguments& arguments, IRunMonitor& monitor) {
     return ExportKml(arguments, monitor, EFileKind::tarin);
@@ -110,10 +109,10 @@ ERunEnd ExportResultKml(const CArguments& arguments, IRunMonitor& monitor) {
 } // namespace
 
 const SProgram kInputToKml{
-    "Tarin2Kml.exe", EText::exportKmlPurpose, "SOURCE TARGET", 2, 2, kSwitches, EDialect::tool, true,
+    "Tarin2Kml.exe", EText::exportKmlPurpose, "SOURCE TARGET", 2, 2, kKmlSwitches, EDialect::tool, true,
     ExportInputKml};
 const SProgram kResultToKml{
-    "Tarout2Kml.exe", EText::exportKmlPurpose, "SOURCE TARGET", 2, 2, kSwitches, EDialect::tool, true,
+    "Tarout2Kml.exe", EText::exportKmlPurpose, "SOURCE TARGET", 2, 2, kKmlSwitches, EDialect::tool, true,
     ExportResultKml};
 
 } // namespace Exportation

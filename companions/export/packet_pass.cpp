@@ -13,6 +13,7 @@ using namespace Persistance_Xpf;
 
 namespace {
 
+constexpr std::string_view kNavigationChannel = "NELIX_NAV";
 constexpr unsigned kRunsBetweenQuestions = 16; // of up to 64 packets
 
 EText GetReason(EOpening how) {
@@ -52,6 +53,7 @@ bool CPacketPass::Open(const std::filesystem::path& path, std::initializer_list<
 }
 
 const SPassChannel* CPacketPass::FindChannel(std::string_view name) const {
+    if (name == kNavigationChannel && m_kind == EFileKind::tarout) name = kResultChannel;
     const auto found = std::ranges::find_if(
         m_channels, [name](const SPassChannel& channel) { return channel.row->name == name; });
     return found == m_channels.end() ? nullptr : &*found;

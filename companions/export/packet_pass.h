@@ -58,7 +58,8 @@ class CPacketPass {
 
     Persistance_Xpf::EFileKind GetKind() const { return m_kind; }
     const std::vector<SPassChannel>& GetChannels() const { return m_channels; }
-    // Null when the file has no such channel.
+    // Null when the file has no such channel. "NELIX_NAV" is in a result the name of its navigation, which is
+    // stored as MORVEX_STD.
     const SPassChannel* FindChannel(std::string_view name) const;
     // The names of all channels, with commas between them.
     std::string ListChannels() const;

@@ -137,8 +137,8 @@ ERunEnd ExportSbet(const CArguments& arguments, IRunMonitor& monitor) {
     return run.Finish(withAccuracy ? std::span(files) : std::span(files).last(1), writer.GetRecords());
 }
 
-constexpr SSwitchRow kSwitches[] = {kPointSwitch, kReferenceSwitch, kAccuracySwitch,
-                                    kFromSwitch,  kToSwitch,        kDecimationSwitch};
+constexpr SSwitchRow kSbetSwitches[] = {kPointSwitch, kReferenceSwitch, kAccuracySwitch,
+                                        kFromSwitch,  kToSwitch,        kDecimationSwitch};
 
 } // namespace
 
@@ -150,7 +150,7 @@ std::filesystem::path NameAccuracyFile(const std::filesystem::path& target) {
 }
 
 const SProgram kResultToSbet{
-    "Tarout2Sbet.exe", EText::exportSbetPurpose, "SOURCE TARGET", 2, 2, kSwitches, EDialect::tool, true,
+    "Tarout2Sbet.exe", EText::exportSbetPurpose, "SOURCE TARGET", 2, 2, kSbetSwitches, EDialect::tool, true,
     ExportSbet};
 
 } // namespace Exportation

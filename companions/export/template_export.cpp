@@ -201,13 +201,19 @@ ERunEnd ExportTemplate(const CArguments& arguments, IRunMonitor& monitor) {
     return run.Finish(files, writer.GetLines());
 }
 
-constexpr SSwitchRow kSwitches[] = {kTemplateSwitch, kFromSwitch, kToSwitch,
-                                    kOffsetSwitch,   kUtcSwitch,  kDecimationSwitch};
+constexpr SSwitchRow kTemplateSwitches[] = {kTemplateSwitch, kFromSwitch, kToSwitch,
+                                            kOffsetSwitch,   kUtcSwitch,  kDecimationSwitch};
 
 } // namespace
 
-const SProgram kTemplateExporter{
-    "udtExporter.exe", EText::exportTemplatePurpose, "SOURCE TARGET", 2, 2, kSwitches, EDialect::tool, true,
-    ExportTemplate};
+const SProgram kTemplateExporter{"udtExporter.exe",
+                                 EText::exportTemplatePurpose,
+                                 "SOURCE TARGET",
+                                 2,
+                                 2,
+                                 kTemplateSwitches,
+                                 EDialect::tool,
+                                 true,
+                                 ExportTemplate};
 
 } // namespace Exportation

@@ -24,7 +24,6 @@ namespace {
 constexpr std::uint64_t kLargestTemplate = 1 << 20; // bytes
 constexpr std::size_t kWidestField = 200;           // characters, less than kWidestValue
 constexpr int kMostDecimals = 30;
-constexpr std::string_view kNavigationChannel = "NELIX_NAV";
 
 // The elements, where they stand and what attributes they have; words end with "|".
 struct SElement {
@@ -204,8 +203,7 @@ class CReader {
         STemplateInput input;
         input.name = node.attribute("name") ? Attribute(node, "name") : channel;
         if (node.attribute("point")) input.point = Integer(node, "point", 0, 3);
-        const bool isResult = m_pass.GetKind() == EFileKind::tarout && channel == kNavigationChannel;
-        input.channel = m_pass.FindChannel(isResult ? kResultChannel : channel);
+        input.channel = m_pass.FindChannel(channel);
         if (!input.channel) Refuse(node, EText::templateNoChannel, {channel, m_pass.ListChannels()});
         m_made.inputs.push_back(std::move(input));
     }

@@ -19,7 +19,6 @@ namespace {
 
 constexpr SSwitchRow kHeaderSwitch{"/header", ESwitchValue::word, "on|off", EText::exportSwitchHeader};
 constexpr SSwitchRow kImuSwitch{"/imu", ESwitchValue::word, "on|off", EText::exportSwitchImu};
-constexpr std::size_t kOn = 0, kOff = 1;
 
 constexpr std::string_view kImuFields[] = {"Gyro X", "Gyro Y", "Gyro Z", "Acc X", "Acc Y", "Acc Z"};
 
