@@ -129,9 +129,13 @@ ERunEnd ExportGeo(const CArguments& arguments, IRunMonitor& monitor, EFileKind k
         if (!writer.Add(packet.payload, packet.date)) return fail();
         ++written;
     }
+    if (run.GetPass().IsStopped()) {
+        writer.Abandon();
+        return run.Finish({}, written);
+    }
     if (!writer.Close()) return fail();
     if (refused > 0) monitor.Report(ELevel::warning, EText::exportBadPositions, {std::to_string(refused)});
-    if (run.GetPass().IsStopped() || written == 0) return run.Finish({}, written);
+    if (written == 0) return run.Finish({}, written);
     const std::vector<fs::path> files = beside.Commit(beside.Get() / name);
     if (files.empty()) return run.Fail(EText::exportWriteFailed, {ToText(run.GetTarget())});
     std::string list;

@@ -147,6 +147,13 @@ bool CGeoWriter::Close() {
     return (CPLGetLastErrorType() < CE_Failure && IsWhole()) || Fail();
 }
 
+void CGeoWriter::Abandon() {
+    [[maybe_unused]] static GDALDataset* kept; // reachable until the process ends
+    kept = m_file;
+    m_file = nullptr;
+    m_layer = nullptr;
+}
+
 bool CGeoWriter::IsWhole() const {
     if (!m_options.format->tail.empty()) {
         std::string end(m_options.format->tail.size(), '\0');

@@ -57,6 +57,10 @@ class CGeoWriter {
     // some are not.
     bool Close();
 
+    // Lets go of the file as it is, for a process that ends: closing takes some formats longer than a stop
+    // may.
+    void Abandon();
+
     // What GDAL says; empty when it reports nothing.
     const std::string& GetFault() const { return m_fault; }
 
