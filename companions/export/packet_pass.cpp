@@ -25,6 +25,11 @@ EText GetReason(EOpening how) {
     }
 }
 
+// A result looks like a former recording to the reader of recordings, and the other way round.
+bool IsOtherKind(const std::filesystem::path& path, EFileKind kind) {
+    return OpenXpfFile(path, kind == EFileKind::tarin ? EFileKind::tarout : EFileKind::tarin).file != nullptr;
+}
+
 } // namespace
 
 bool CPacketPass::Open(const std::filesystem::path& path, std::initializer_list<EFileKind> kinds) {
@@ -37,6 +42,8 @@ bool CPacketPass::Open(const std::filesystem::path& path, std::initializer_list<
         m_kind = kind;
         if (m_file) break;
     }
+    if (reason == EOpening::outdated && kinds.size() == 1 && IsOtherKind(path, *kinds.begin()))
+        reason = EOpening::foreign;
     if (!m_file || !m_file->GetDataStart().IsKnown()) {
         m_monitor.Report(ELevel::error, GetReason(reason), {Outils_Fichiers::ToText(path)});
         m_file.reset();

@@ -123,6 +123,7 @@ TEST_F(TextExport, InertialValuesJoinByDate) {
 
 TEST_F(TextExport, RefusesWhatItCannotWrite) {
     RecordInput(3);
+    RecordResult();
     std::ofstream(Path("text")) << "no packet file";
     std::filesystem::create_directory(Path("folder"));
     const struct {
@@ -131,6 +132,7 @@ TEST_F(TextExport, RefusesWhatItCannotWrite) {
     } rows[] = {
         {"text", "out.csv", EText::exportSourceForeign},
         {"missing", "out.csv", EText::exportSourceUnreadable},
+        {"in.tarout", "out.csv", EText::exportSourceForeign},
         {"in.tarin", "in.tarin", EText::targetIsSource},
         {"in.tarin", "folder", EText::targetIsFolder},
         {"in.tarin", "none/out.csv", EText::targetNotWritable},
