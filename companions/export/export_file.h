@@ -40,6 +40,12 @@ class CExportFile {
     // Bytes taken so far.
     std::uint64_t GetSize() const { return m_written + m_used; }
 
+    // Hands all bytes to the system; false once a write has failed. Before the first of several files is
+    // committed.
+    bool Complete() {
+        Flush(0);
+        return m_good;
+    }
     // Brings the bytes to the disk and gives the file its name; on false nothing is left of it.
     bool Commit();
 

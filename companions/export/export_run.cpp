@@ -84,6 +84,9 @@ ERunEnd CExportRun::Finish(std::span<CExportFile* const> files, std::uint64_t pa
     }
     m_pass.ReportFaults();
     if (packets == 0) return Fail(EText::exportNothing, {ToText(m_source)});
+    // Several files appear all or none, as far as writes decide it.
+    for (CExportFile* file : files)
+        if (!file->Complete()) return Fail(EText::exportWriteFailed, {ToText(file->GetTarget())});
     for (CExportFile* file : files)
         if (!file->Commit()) return Fail(EText::exportWriteFailed, {ToText(file->GetTarget())});
     m_monitor.Progress(100.0);

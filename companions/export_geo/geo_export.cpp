@@ -88,52 +88,73 @@ bool CheckTarget(const CExportRun& run, const fs::path& main) {
     return true;
 }
 
+// The file that the format makes of the target: with its own extension, unless the target has one of its.
+fs::path NameMain(const fs::path& target, const SGeoFormat& format) {
+    using Outils_Texte::EqualsNoCase;
+    const auto extension = target.extension().string();
+    const bool isOwn = EqualsNoCase(extension, format.extension) ||
+                       (!extension.empty() && EqualsNoCase(extension, format.otherExtension));
+    return target.stem().concat(isOwn ? extension : std::string(format.extension));
+}
+
+// Says what the format cannot hold, and leaves it out.
+void KeepToFormat(SGeoOptions& options, IRunMonitor& monitor) {
+    if (!options.format->hasAttributes)
+        monitor.Report(ELevel::warning, EText::exportGeoNoAttributes, {options.format->word});
+    if (!options.is25d || options.format->hasAltitude) return;
+    monitor.Report(ELevel::warning, EText::exportGeoFlat, {options.format->word});
+    options.is25d = false;
+}
+
+struct SPoints {
+    std::uint64_t written = 0, refused = 0;
+    bool good = true;
+};
+
+SPoints WritePoints(CExportRun& run, const SPassChannel& channel, const STrackFields& fields,
+                    CGeoWriter& writer) {
+    SPoints points;
+    const std::uint64_t decimation = run.GetDecimation();
+    std::uint64_t seen = 0;
+    run.GetPass().Begin({&channel}, run.GetPeriod());
+    for (SPassPacket packet; points.good && run.GetPass().Next(packet);) {
+        if (seen++ % decimation != 0) continue;
+        if (IsPosition(GetValue(packet.payload, fields.latitude),
+                       GetValue(packet.payload, fields.longitude))) {
+            points.good = writer.Add(packet.payload, packet.date);
+            ++points.written;
+        } else {
+            ++points.refused;
+        }
+    }
+    return points;
+}
+
 ERunEnd ExportGeo(const CArguments& arguments, IRunMonitor& monitor, EFileKind kind) {
     CExportRun run(arguments, monitor);
     SGeoOptions options = ReadOptions(arguments);
     if (!run.Open({kind})) return ERunEnd::failed;
     const SPassChannel* channel = run.ChooseTrackChannel();
-    const auto extension = run.GetTarget().extension().string();
-    const bool isOwn =
-        Outils_Texte::EqualsNoCase(extension, options.format->extension) ||
-        (!extension.empty() && Outils_Texte::EqualsNoCase(extension, options.format->otherExtension));
-    fs::path name = run.GetTarget().stem();
-    name += isOwn ? extension : std::string(options.format->extension);
+    const fs::path name = NameMain(run.GetTarget(), *options.format);
     CBesideFolder beside;
     if (!channel || !CheckTarget(run, name)) return ERunEnd::failed;
     if (!beside.Make(run.GetTarget())) return run.Fail(EText::targetNotWritable, {ToText(run.GetTarget())});
-    if (!options.format->hasAttributes)
-        monitor.Report(ELevel::warning, EText::exportGeoNoAttributes, {options.format->word});
-    if (options.is25d && !options.format->hasAltitude)
-        monitor.Report(ELevel::warning, EText::exportGeoFlat, {options.format->word});
-    options.is25d = options.is25d && options.format->hasAltitude;
+    KeepToFormat(options, monitor);
 
     CGeoWriter writer;
-    const STrackFields fields = FindTrackFields(*channel->layout, run.GetPoint());
     const auto fail = [&] {
         return writer.GetFault().empty()
                    ? run.Fail(EText::exportWriteFailed, {ToText(run.GetTarget())})
                    : run.Fail(EText::exportGeoFailed, {options.format->word, writer.GetFault()});
     };
+    const STrackFields fields = FindTrackFields(*channel->layout, run.GetPoint());
     if (!writer.Open(beside.Get() / name, options, fields, run.GetClock())) return fail();
-    const std::uint64_t decimation = run.GetDecimation();
-    std::uint64_t seen = 0, written = 0, refused = 0;
-    run.GetPass().Begin({channel}, run.GetPeriod());
-    for (SPassPacket packet; run.GetPass().Next(packet);) {
-        if (seen++ % decimation != 0) continue;
-        if (!IsPosition(GetValue(packet.payload, fields.latitude),
-                        GetValue(packet.payload, fields.longitude))) {
-            ++refused;
-            continue;
-        }
-        if (!writer.Add(packet.payload, packet.date)) return fail();
-        ++written;
-    }
+    const auto [written, refused, good] = WritePoints(run, *channel, fields, writer);
     if (run.GetPass().IsStopped()) {
         writer.Abandon();
         return run.Finish({}, written);
     }
-    if (!writer.Close()) return fail();
+    if (!good || !writer.Close()) return fail();
     if (refused > 0) monitor.Report(ELevel::warning, EText::exportBadPositions, {std::to_string(refused)});
     if (written == 0) return run.Finish({}, written);
     const std::vector<fs::path> files = beside.Commit(beside.Get() / name);
@@ -144,9 +165,9 @@ ERunEnd ExportGeo(const CArguments& arguments, IRunMonitor& monitor, EFileKind k
     return run.Finish({}, written);
 }
 
-constexpr SSwitchRow kSwitches[] = {kChannelSwitch,     kPointSwitch, kFormatSwitch, kOffsetSwitch,
-                                    kUtcSwitch,         k25dSwitch,   kMotionSwitch, kSpeedSwitch,
-                                    kOrientationSwitch, kFromSwitch,  kToSwitch,     kDecimationSwitch};
+constexpr SSwitchRow kGeoSwitches[] = {kChannelSwitch,     kPointSwitch, kFormatSwitch, kOffsetSwitch,
+                                       kUtcSwitch,         k25dSwitch,   kMotionSwitch, kSpeedSwitch,
+                                       kOrientationSwitch, kFromSwitch,  kToSwitch,     kDecimationSwitch};
 
 ERunEnd ExportInputGeo(const CArguments& arguments, IRunMonitor& monitor) {
     return ExportGeo(arguments, monitor, EFileKind::tarin);
@@ -158,10 +179,10 @@ ERunEnd ExportResultGeo(const CArguments& arguments, IRunMonitor& monitor) {
 } // namespace
 
 const SProgram kInputToGeo{
-    "Tarin2Geo.exe", EText::exportGeoPurpose, "SOURCE TARGET", 2, 2, kSwitches, EDialect::tool, true,
+    "Tarin2Geo.exe", EText::exportGeoPurpose, "SOURCE TARGET", 2, 2, kGeoSwitches, EDialect::tool, true,
     ExportInputGeo};
 const SProgram kResultToGeo{
-    "Tarout2Geo.exe", EText::exportGeoPurpose, "SOURCE TARGET", 2, 2, kSwitches, EDialect::tool, true,
+    "Tarout2Geo.exe", EText::exportGeoPurpose, "SOURCE TARGET", 2, 2, kGeoSwitches, EDialect::tool, true,
     ExportResultGeo};
 
 } // namespace Exportation

@@ -35,7 +35,7 @@ class TextExport : public ExportTest {
 
     void RecordInput(int fixes) const {
         Enregistrement::CRecordingWriter writer;
-        ASSERT_TRUE(writer.Create(Path("in.tarin"), std::vector<std::string_view>{"GPS_1", "DEPTH", "UTC"}));
+        ASSERT_TRUE(writer.Create(Path("in.tarin"), std::vector<std::string_view>{"UTC", "DEPTH", "GPS_1"}));
         ASSERT_TRUE(writer.Write("UTC", MakeUtc(-0.5, 1, 23, 59, 59.5)));
         for (int i = 0; i < fixes; ++i) ASSERT_TRUE(writer.Write("GPS_1", Fix(i)));
         ASSERT_TRUE(writer.Close());
@@ -82,7 +82,7 @@ TEST_F(TextExport, ValuesAreThoseOfThePackets) {
     }
     EXPECT_EQ(table[1][0], "0.0000000");
     EXPECT_EQ(table[1][1], "2026-03-02T00:00:00.0000000Z") << "the next day begins";
-    EXPECT_THAT(Read("out.csv")[1], ElementsAre("GPS_1", "50", "0.0000000", "4.9000000", "out_GPS_1.csv"));
+    EXPECT_THAT(Read("out.csv")[2], ElementsAre("GPS_1", "50", "0.0000000", "4.9000000", "out_GPS_1.csv"));
 }
 
 TEST_F(TextExport, SwitchesChooseRowsAndHeader) {
