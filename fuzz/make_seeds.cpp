@@ -139,6 +139,16 @@ void AddTexts(CSeedWriter& seeds) {
         "\3progress 12.5\r\nmessage info \"a \"\"b\"\" c\"\nmessage error \"\nstate\t\"\" x\n\"a\"b\n12");
 }
 
+// The versions of the packets as those of a former layout.
+void MakeFormer(std::vector<std::uint8_t>& bytes) {
+    using namespace Persistance_Xpf;
+    std::size_t place = kFileHeaderSize + std::size_t{kChannelRecordSize} * bytes[kChannelCountOffset];
+    for (int i = 0; i < bytes[kDefinitionCountOffset]; ++i) {
+        if (bytes[place + 2] > 1) --bytes[place + 2];
+        place += kDefinitionRecordSize + std::size_t{kFieldRecordSize} * bytes[place + 6];
+    }
+}
+
 // A few packets of two channels, one of them twice as often.
 void AddRecording(CSeedWriter& seeds, const char* name, std::string_view dense, std::string_view sparse) {
     const auto path = seeds.GetFolder() / "seed.xpf";
@@ -156,6 +166,25 @@ void AddRecording(CSeedWriter& seeds, const char* name, std::string_view dense, 
         }
     Fuzz::Require(written && writer.Close(), "a recording can be written");
     seeds.AddFile("packet_file", name, path);
+    seeds.AddFile("export_source", name, path);
+    auto former = Outils_Fichiers::ReadWholeFile(path, 1 << 20);
+    Fuzz::Require(former.has_value(), "seeds can be read");
+    MakeFormer(*former);
+    seeds.Add("export_source", (std::string("former_") + name).c_str(), *former);
+}
+
+void AddTemplates(CSeedWriter& seeds) {
+    seeds.Add(
+        "export_template", "every_element",
+        "<?xml version=\"1.0\"?><exportTemplate><recommendedExtension>t</recommendedExtension>"
+        "<output encoding=\"ascii\" lineEnd=\"lf\"/><primaryInput primaryChannel=\"GPS_1\" name=\"g\"/>"
+        "<input channel=\"NELIX_NAV\" name=\"n\" interpolation=\"nearest\" maxGap=\"5\"/><header>h</header>"
+        "<line><field name=\"utc\" pattern=\"yyyy-MM-dd DDD HH:mm:ss.fff\"/><text> </text>"
+        "<field name=\"localTime\" offset=\"+02:00\" pattern=\"HH\"/>"
+        "<field name=\"Heading\" input=\"n\" unit=\"rad\" width=\"9\" precision=\"3\" fill=\"zero\"/>"
+        "<field name=\"utmEasting\" zone=\"31\" hemisphere=\"south\" decimalSign=\",\" empty=\"-\"/>"
+        "<field name=\"geocentricZ\" sign=\"always\" align=\"left\"/></line><footer>f</footer>"
+        "</exportTemplate>");
 }
 
 } // namespace
@@ -172,5 +201,7 @@ int main(int argc, char** argv) {
     AddTexts(seeds);
     AddRecording(seeds, "recording", "DEPTH", "UTC");
     AddRecording(seeds, "result", "MORVEX_MSG", "MORVEX_STD");
+    AddRecording(seeds, "navigation", "NELIX_NAV", "UTC");
+    AddTemplates(seeds);
     return 0;
 }

@@ -1,7 +1,8 @@
 # Sourced by ./run and ./test: installs what is missing and configures a build tree.
 
 packages="g++ cmake ninja-build ccache qt6-base-dev qt6-svg-dev libpugixml-dev libeigen3-dev \
-libgeographiclib-dev libgtest-dev libgmock-dev libbenchmark-dev libgl1-mesa-dev fonts-dejavu-core"
+libgeographiclib-dev libgtest-dev libgmock-dev libbenchmark-dev libgl1-mesa-dev fonts-dejavu-core \
+libgdal-dev gdal-bin python3"
 
 install_packages() {
   local missing=""

@@ -2,6 +2,7 @@
 
 #include "foundation/message_target.h"
 #include "xpf/stream_walk.h"
+#include "xpf/whole_packet_search.h"
 
 #include <algorithm>
 #include <cstring>
@@ -86,7 +87,7 @@ void CFileScan::Run(const std::function<void(int percent)>& progress) {
         } else {
             if (m_firstData) m_firstData->End();
             // A damaged size can reach beyond the end as well: the file is torn when no packet follows.
-            const bool found = FindNextPacket(position + 1);
+            const bool found = FindWholePacket(m_file, position + 1);
             const std::int64_t end = found ? m_file.GetPosition() : size;
             AddDamage({position, end - position, !found && m_file.IsTornTail(position)});
             if (!found) break;
@@ -95,31 +96,6 @@ void CFileScan::Run(const std::function<void(int percent)>& progress) {
             if (progress) progress(static_cast<int>(step) * 10);
     }
     if (progress) progress(100);
-}
-
-// The file's own forward search gives up after a place that only looks like a packet; here every place with
-// the magic is tried.
-bool CFileScan::FindNextPacket(std::int64_t from) {
-    std::vector<char> bytes(1 << 16);
-    const std::int64_t size = m_file.GetFileSize();
-    for (;;) {
-        if (!m_file.Seek(from)) return false;
-        const std::size_t count = m_file.Read(bytes.data(), bytes.size());
-        if (count < kPacketOverhead) return false;
-        const std::string_view view(bytes.data(), count);
-        for (std::size_t i = view.find("$$"); i != view.npos; i = view.find("$$", i + 1)) {
-            const std::int64_t place = from + static_cast<std::int64_t>(i);
-            SPacketHeader header;
-            SPacketTrailer trailer;
-            // Only the frame is read: the sizes of chance places would have megabytes read for each.
-            if (m_file.Seek(place) && m_file.Read(&header, sizeof header) == sizeof header &&
-                header.Check() && place + header.size <= size &&
-                m_file.Seek(place + header.size - kPacketTrailerSize) &&
-                m_file.Read(&trailer, sizeof trailer) == sizeof trailer && trailer.Matches(header))
-                return m_file.Seek(place);
-        }
-        from += static_cast<std::int64_t>(count) - 1;
-    }
 }
 
 void CFileScan::AddDamage(const SDamage& damage) {

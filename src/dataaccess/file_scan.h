@@ -61,8 +61,6 @@ class CFileScan {
   private:
     class CFirstDataFinder;
 
-    // Moves to the first whole packet at or after a place; false when there is none.
-    bool FindNextPacket(std::int64_t from);
     void AddDamage(const SDamage& damage);
     void Take(std::int64_t position, const Persistance_Xpf::SPacketHeader& header,
               std::span<const std::uint8_t> payload);

@@ -1,0 +1,5 @@
+#include "update/updater_program.h"
+
+int main(int count, char** arguments) {
+    return Compagnon::RunMain(MiseANiveau::kFileUpdater, count, arguments);
+}

@@ -1,0 +1,5 @@
+#include "export_geo/geo_export.h"
+
+int main(int count, char** arguments) {
+    return Compagnon::RunMain(Exportation::kInputToGeo, count, arguments);
+}

@@ -1,0 +1,5 @@
+#include "export/sbet_export.h"
+
+int main(int count, char** arguments) {
+    return Compagnon::RunMain(Exportation::kResultToSbet, count, arguments);
+}
