@@ -161,6 +161,8 @@ const SCommandRow kCommands[] = {
      [](Frame& f) { f.GetDocument().CommandSaveAs(); }, HasProject},
     {commandSaveCopyAs, EMenu::file, EText::saveCopyAs, EText::saveCopyAsTip, "", none, EBar::none, false,
      [](Frame& f) { f.GetDocument().SaveCopyAs(); }, HasProject},
+    {.id = commandExport, .menu = EMenu::file, .text = EText::exportCommand, .tip = EText::exportTip,
+     .shortcut = "Ctrl+Shift+E", .newGroup = true, .run = [](Frame& f) { f.Export(); }, .enabledWhen = HasProject},
     kRecent<0>, kRecent<1>, kRecent<2>, kRecent<3>,
     {commandExit, EMenu::file, EText::exit, EText::exitTip, "Ctrl+Q", none, EBar::none, true,
      [](Frame& f) { f.close(); }},

@@ -18,6 +18,7 @@ class CDataFileChannelChooser;
 class CNewFromBatchParametersDlg;
 class CNewProjectWizard;
 class CRoughMisalignmentChooser;
+class CToolDialog;
 class CTrvSettingsDlg;
 } // namespace Dialogue_Tarvel
 
@@ -38,6 +39,8 @@ class IDialogs {
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) = 0;
+    // The dialog of a tool, which keeps its outcome; whether it has ended by itself.
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CToolDialog& dialog) = 0;
     // Hands the link to the program that the desktop has for it; false when there is none.
     virtual bool OpenLink(const QUrl& link) = 0;
 };
@@ -52,6 +55,7 @@ class CWindowDialogs final : public IDialogs {
     bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CToolDialog& dialog) override; // tool_windows.cpp
     bool OpenLink(const QUrl& link) override;
 };
 

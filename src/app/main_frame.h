@@ -6,6 +6,7 @@
 #include "app/commands.h"
 #include "app/frame_host.h"
 #include "app/recent_files.h"
+#include "dialogs/tool_dialog.h"
 #include "document/document.h"
 #include "foundation/texts.h"
 #include "views/output_wnd.h"
@@ -65,6 +66,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void ShowAbout();
     void ShowSettings();
     void ImportConfiguration();
+    void Export();
 
     // The style and colours of the `appearance` setting; again after a change of it.
     void ApplyAppearance();
@@ -81,6 +83,10 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
   private:
     EOutcome MakeProject(SMadeProject& made, std::vector<std::filesystem::path> files);
     EOutcome MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made);
+    EOutcome UpdateFile(const std::filesystem::path& path);
+    EOutcome ConvertFiles(const std::vector<std::filesystem::path>& files, ERawFormat format,
+                          std::filesystem::path& converted);
+    Dialogue_Tarvel::SToolServices GetToolServices();
     // What was dropped on the window.
     void Take(const std::vector<std::filesystem::path>& files);
     void ChooseValue(const Presentation_Tarvel_Grid::CHGItem& item);

@@ -24,6 +24,7 @@ class CSilentDialogs final : public IDialogs {
     bool Show(QWidget*, Dialogue_Tarvel::CDataFileChannelChooser&) override { return false; }
     bool Show(QWidget*, Dialogue_Tarvel::CRoughMisalignmentChooser&) override { return false; }
     bool Show(QWidget*, Dialogue_Tarvel::CTrvSettingsDlg&) override { return false; }
+    bool Show(QWidget*, Dialogue_Tarvel::CToolDialog&) override { return false; }
     bool OpenLink(const QUrl&) override { return false; }
 
   private:

@@ -228,9 +228,9 @@ bool CTrvGridView::StartDialog(CHGItem& item) {
         if (chosen.isValid()) Write(item, chosen.name(QColor::HexArgb));
     } else if (const SPathQuestion* question = item.GetPathQuestion()) {
         SPathQuestion asked = *question;
-        asked.proposed = Outils_Fichiers::FromText(item.GetValue());
+        if (asked.proposed.empty()) asked.proposed = Outils_Fichiers::FromText(item.GetValue());
         const auto paths = m_questions.AskPath(asked);
-        if (!paths.empty()) Write(item, ToQString(Outils_Fichiers::ToText(paths.front())));
+        if (!paths.empty()) Accepts(item.WritePaths(paths));
     }
     return true;
 }

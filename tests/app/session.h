@@ -57,6 +57,8 @@ class CScriptedDialogs final : public IDialogs {
         return m_rough && m_rough(d);
     }
     bool Show(QWidget*, Dialogue_Tarvel::CTrvSettingsDlg& d) override { return m_settings && m_settings(d); }
+    std::function<bool(Dialogue_Tarvel::CToolDialog&)> m_tool;
+    bool Show(QWidget*, Dialogue_Tarvel::CToolDialog& d) override { return m_tool && m_tool(d); }
     bool OpenLink(const QUrl& link) override {
         m_links.push_back(link);
         return m_linkOpens;
