@@ -182,7 +182,7 @@ const SCommandRow kCommands[] = {
      .run = [](Frame& f) { f.GetDocument().PrepareBatchCommandFile(); }, .enabledWhen = HasProject},
 
     Add(commandAddDataFile, EText::addDataFile, EText::addDataFileTip, EUnits::all,
-        [](Frame& f) { f.GetDocument().GetEdits().Do(Edits::kAddDataFile); }, HasProject, true),
+        [](Frame& f) { f.AddDataFile(); }, HasProject, true),
     AddSensor<ESensorKind::gps>(commandAddGps, EText::addGps, EUnits::all, true),
     AddSensor<ESensorKind::dvl>(commandAddDvl, EText::addDvl, kOthers),
     AddSensor<ESensorKind::emLog>(commandAddEMLog, EText::addEMLog, kOthers),

@@ -262,7 +262,19 @@ EOutcome CTrvProjectMainFrame::ConvertFiles(const std::vector<std::filesystem::p
         m_host.ShowMessage(
             FormatText(EText::dataFileFailedToConvert, {ToText(files.front()), dialog.GetFailure()}),
             EButtons::ok, EIcon::exclamation);
+    if (dialog.GetOutcome() == EOutcome::done) m_convertedFormat = format;
     return dialog.GetOutcome();
+}
+
+void CTrvProjectMainFrame::AddDataFile(const std::filesystem::path& path) {
+    m_convertedFormat.reset();
+    auto edits = m_document.GetEdits();
+    const bool added =
+        path.empty() ? edits.Do(Edits::kAddDataFile) : edits.Do(Edits::kAddGivenDataFile, path);
+    if (!added || !m_convertedFormat) return;
+    // A second recording of an INS has sensors of its own unit: which of them are meant is not known.
+    if (*m_convertedFormat == ERawFormat::rawIns || *m_convertedFormat == ERawFormat::decodedIns) return;
+    edits.Do(Edits::kAddSensorsOfFile, *m_document.GetProject()->simulationParameters->externalFiles.back());
 }
 
 void CTrvProjectMainFrame::Export() {
@@ -372,6 +384,8 @@ void CTrvProjectMainFrame::dropEvent(QDropEvent* event) {
 void CTrvProjectMainFrame::Take(const std::vector<std::filesystem::path>& files) {
     if (IsProject(files.front())) {
         OpenProject(files.front());
+    } else if (HasProject()) {
+        for (const auto& file : files) AddDataFile(file);
     } else {
         m_dropped = files;
         NewProject();

@@ -17,6 +17,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QSettings;
@@ -67,6 +68,9 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void ShowSettings();
     void ImportConfiguration();
     void Export();
+    // Asks for the file when `path` is empty. A recording of a sensor that was converted for it gets its
+    // sensor.
+    void AddDataFile(const std::filesystem::path& path = {});
 
     // The style and colours of the `appearance` setting; again after a change of it.
     void ApplyAppearance();
@@ -102,6 +106,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     CTrvFrameHost& m_host;
     CTrvDocument& m_document;
     std::vector<std::filesystem::path> m_dropped; // recordings for the next new project
+    std::optional<ERawFormat> m_convertedFormat;  // of the last conversion
     // The widgets belong to the window.
     CTrvStatusBar* m_statusBar = nullptr;
     CTrvOutputWnd* m_output = nullptr;

@@ -111,6 +111,8 @@ class CToolDialog {
     bool HasEnded() const { return m_hasEnded; }
     // How the last run ended; cancelled before the first.
     Application_Tarvel::EOutcome GetOutcome() const { return m_outcome; }
+    // How the last tool itself ended. REQUIRES: IsRunning() is false.
+    const Communication_Processus::SProcessEnd& GetEnd() const { return m_run.GetEnd(); }
     // Why the last run has failed; empty when it has not.
     const std::string& GetFailure() const { return m_failure; }
 

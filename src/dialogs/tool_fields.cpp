@@ -197,4 +197,20 @@ std::string JoinPaths(const std::vector<std::filesystem::path>& paths) {
     return line;
 }
 
+std::vector<Outils_Texte::SSwitchRow> MakeOptions(std::span<const SToolField> rows) {
+    using Outils_Texte::ESwitchValue;
+    constexpr std::string_view kValues[] = {"WORD",      "N",    "X",        "YYYY-MM-DD", "S",
+                                            "#AARRGGBB", "FILE", "FILE ...", "FILE",       ""};
+    std::vector<Outils_Texte::SSwitchRow> options;
+    for (const SToolField& row : rows) {
+        const auto isOwn = [&row](const auto& option) { return option.name == row.option; };
+        if (row.option.empty() || std::ranges::any_of(options, isOwn)) continue;
+        const bool hasWords = !row.words.empty();
+        options.push_back({row.option, hasWords ? ESwitchValue::word : ESwitchValue::text,
+                           hasWords ? row.words : kValues[static_cast<int>(row.kind)],
+                           row.key.row == kNoKey.row ? row.help : kSchema[row.key.row].help});
+    }
+    return options;
+}
+
 } // namespace Dialogue_Tarvel

@@ -6,7 +6,6 @@
 #include "foundation/switches.h"
 #include "foundation/texts.h"
 
-#include <array>
 #include <filesystem>
 #include <optional>
 #include <span>
@@ -118,35 +117,7 @@ class CToolFields {
 // "a b.log" "c.log" as one line, those with a blank in quotes.
 std::string JoinPaths(const std::vector<std::filesystem::path>& paths);
 
-// The options that a batch command has of the rows: each name once. `Count` is CountOptions of the rows.
-consteval std::size_t CountOptions(std::span<const SToolField> rows) {
-    std::size_t count = 0;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        bool isNew = !rows[i].option.empty();
-        for (std::size_t j = 0; j < i; ++j) isNew = isNew && rows[j].option != rows[i].option;
-        count += isNew ? 1 : 0;
-    }
-    return count;
-}
-template <std::size_t Count>
-consteval std::array<Outils_Texte::SSwitchRow, Count> MakeOptions(std::span<const SToolField> rows) {
-    using Outils_Texte::ESwitchValue;
-    constexpr std::string_view kValues[] = {"WORD",      "N",    "X",     "YYYY-MM-DD", "S",
-                                            "#AARRGGBB", "FILE", "FILES", "FILE",       ""};
-    std::array<Outils_Texte::SSwitchRow, Count> options{};
-    std::size_t count = 0;
-    for (const SToolField& row : rows) {
-        bool isNew = !row.option.empty();
-        for (std::size_t j = 0; j < count; ++j) isNew = isNew && options[j].name != row.option;
-        if (!isNew) continue;
-        options[count].name = row.option;
-        options[count].kind = row.words.empty() ? ESwitchValue::text : ESwitchValue::word;
-        options[count].value = row.words.empty() ? kValues[static_cast<int>(row.kind)] : row.words;
-        options[count].help =
-            row.key.row == kNoKey.row ? row.help : Outils_Configuration::kSchema[row.key.row].help;
-        ++count;
-    }
-    return options;
-}
+// The options that a batch command has of the rows, each name once.
+std::vector<Outils_Texte::SSwitchRow> MakeOptions(std::span<const SToolField> rows);
 
 } // namespace Dialogue_Tarvel

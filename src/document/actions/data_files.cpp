@@ -1,6 +1,8 @@
 #include "document/actions/data_file_kind.h"
 #include "document/actions/procedures.h"
+#include "document/automatic_sensors.h"
 #include "document/document.h"
+#include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "values/adaptors.h"
 
@@ -94,8 +96,12 @@ bool Procedures::AddDataFile(const CEdit& edit) {
     CTrvDocument& document = edit.GetDocument();
     const auto chosen = document.GetHost().AskPath(
         {EPathKind::open, EText::dataFileTitle, EText::dataFileFilter, kRecordingExtension});
-    if (chosen.empty()) return false;
-    const auto path = Prepare(edit, chosen.front());
+    return !chosen.empty() && AddGivenDataFile(edit, chosen.front());
+}
+
+bool Procedures::AddGivenDataFile(const CEdit& edit, std::filesystem::path chosen) {
+    CTrvDocument& document = edit.GetDocument();
+    const auto path = Prepare(edit, chosen);
     if (!path) return false;
     auto& parameters = *edit.GetProject().simulationParameters;
     if (parameters.HasDataFile(*path)) return edit.Refuse(EText::dataFileReferenced);
@@ -109,6 +115,24 @@ bool Procedures::AddDataFile(const CEdit& edit) {
         if (const auto offset = data.utcOrigin - parameters.utcReference; offset.IsValid())
             file->timeOffset = Metier_Tarvel::ToStoredTime(offset);
     return edit.Changed(file);
+}
+
+bool Procedures::AddSensorsOfFile(const CEdit& edit, CTrvDataFile& file) {
+    auto& parameters = *edit.GetProject().simulationParameters;
+    const std::string name = Outils_Fichiers::ToText(file.path.filename());
+    bool added = false;
+    for (const auto& channel : file.channels) {
+        const auto* kind = Metier_Tarvel::FindSensorKind(channel->sensorClass);
+        if (!kind) continue;
+        const std::string label(GetText(kind->label));
+        CTrvSensor* sensor = MakeSensor(parameters, kind->kind);
+        if (sensor) ConnectSensor(*sensor, *channel);
+        edit.GetDocument().GetHost().AppendOutputText(
+            sensor ? Outils_Texte::FormatText(EText::convertedSensorAdded, {label, channel->name, name})
+                   : Outils_Texte::FormatText(EText::convertedSensorMissing, {label, name}));
+        if (sensor) added = edit.Changed(sensor);
+    }
+    return added;
 }
 
 bool Procedures::RemoveDataFile(const CEdit& edit, CTrvDataFile& file) {

@@ -20,20 +20,23 @@ bool ReadConfigurationFile(CTrvNelixConfiguration& configuration, const std::fil
 
 } // namespace
 
+CTrvSensor* MakeSensor(CTrvSimulationParameters& parameters, ESensorKind kind) {
+    CTrvSensor* added = parameters.AddSensor(kind);
+    if (!added || kind != ESensorKind::gps) return added;
+    // The antennas of one vessel are often side by side.
+    for (const auto& sensor : parameters.sensors) {
+        if (sensor.get() == added || sensor->GetKind().kind != ESensorKind::gps) continue;
+        *added->GetLeverArm() = *sensor->GetLeverArm();
+        break;
+    }
+    return added;
+}
+
 bool AddSensor(const CEdit& edit, ESensorKind kind) {
     auto& parameters = *edit.GetProject().simulationParameters;
     if (!parameters.CanAddSensor(kind)) return edit.Refuse(EText::tooManySensors);
-    CTrvSensor* added = parameters.AddSensor(kind);
-    if (!added) return edit.Refuse();
-    if (kind == ESensorKind::gps) {
-        // The antennas of one vessel are often side by side.
-        for (const auto& sensor : parameters.sensors) {
-            if (sensor.get() == added || sensor->GetKind().kind != ESensorKind::gps) continue;
-            *added->GetLeverArm() = *sensor->GetLeverArm();
-            break;
-        }
-    }
-    return edit.Changed(added);
+    CTrvSensor* added = MakeSensor(parameters, kind);
+    return added ? edit.Changed(added) : edit.Refuse();
 }
 
 bool ChangeSensorChannel(const CEdit& edit, CTrvSensor& sensor, CTrvDataFileChannel& channel) {
