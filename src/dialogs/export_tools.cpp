@@ -466,8 +466,8 @@ std::string CTrvSimpleExporterDlg::Read(int field, std::string_view text, std::s
                                                    m_services.adaptors.GetDateTime());
     times.Configure(m_services.configuration);
     Outils_Temps::CDateTime time;
-    if (!times.TextToValue(text, *m_project.parameters, time))
-        return std::string(GetText(EText::invalidTime));
+    // Any other text is a number of seconds, or refused as none.
+    if (!times.TextToValue(text, *m_project.parameters, time)) return {};
     value = Outils_Texte::FormatShortest(Metier_Tarvel::ToSpan(time).GetTotalSeconds());
     return {};
 }
