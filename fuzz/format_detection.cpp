@@ -1,7 +1,7 @@
 // Files of any kind, as they are given to the format detection.
 #include "dataaccess/format_detection.h"
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "input.h"
 
 using namespace Application_Tarvel;

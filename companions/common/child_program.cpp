@@ -3,6 +3,7 @@
 #include "common/command_reader.h"
 #include "foundation/end_signals.h"
 #include "foundation/text.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <cerrno>

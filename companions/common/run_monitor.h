@@ -1,7 +1,7 @@
 // How a child program reports while it works.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <initializer_list>
 #include <string_view>

@@ -1,4 +1,5 @@
 #include "common/target_file.h"
+#include "foundation/texts.h"
 
 #include <atomic>
 

@@ -19,7 +19,7 @@ class CTargetFile {
     CTargetFile(const CTargetFile&) = delete;
     CTargetFile& operator=(const CTargetFile&) = delete;
 
-    // Prepares the place. EText::none when it is ready; else the text of what is wrong, whose %1 is the
+    // Prepares the place. kNoText when it is ready; else the text of what is wrong, whose %1 is the
     // target: it is a folder, it is one of the sources, or its folder cannot be written.
     EText Open(const std::filesystem::path& target, std::span<const std::filesystem::path> sources);
 

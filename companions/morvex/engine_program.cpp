@@ -1,6 +1,7 @@
 #include "morvex/engine_program.h"
 
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "model/simulation_parameters.h"
 #include "morvex/navigation_run.h"
 #include "morvex/run_plan.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "common/run_monitor.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "morvex/aiding.h"
 #include "morvex/alignment.h"
 #include "morvex/estimates.h"

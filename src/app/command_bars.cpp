@@ -1,6 +1,7 @@
 #include "app/command_bars.h"
 
 #include "app/main_frame.h"
+#include "foundation/texts.h"
 #include "plot/text.h"
 
 #include <QAction>

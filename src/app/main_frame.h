@@ -8,7 +8,7 @@
 #include "app/recent_files.h"
 #include "dialogs/tool_dialog.h"
 #include "document/document.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "views/output_wnd.h"
 #include "views/view_1d.h"
 #include "views/view_processing.h"

@@ -210,7 +210,9 @@ void CToolWindow::reject() {
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CToolDialog& logic) {
-    CToolWindow window(parent, logic);
+    // The wizard may be open: this one is over it.
+    QWidget* const above = QApplication::activeModalWidget();
+    CToolWindow window(above ? above : parent, logic);
     return window.exec() == QDialog::Accepted;
 }
 

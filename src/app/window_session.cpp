@@ -1,4 +1,5 @@
 #include "app/window_session.h"
+#include "foundation/texts.h"
 
 #include <QApplication>
 

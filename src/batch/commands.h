@@ -2,7 +2,7 @@
 #pragma once
 
 #include "batch/options.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <iosfwd>
 #include <span>

@@ -3,6 +3,7 @@
 #include "batch/comparison.h"
 #include "batch/file_access.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 
 #include <cmath>
 #include <limits>

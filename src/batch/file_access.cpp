@@ -6,6 +6,7 @@
 #include "foundation/files.h"
 #include "foundation/paths.h"
 #include "foundation/text.h"
+#include "foundation/texts.h"
 #include "xpf/packets.h"
 
 #include <cerrno>

@@ -21,10 +21,10 @@ int Fail(std::string_view what, EText text, SStreams streams,
 // Writes a message of the application, which may be made for a box, as one line. Returns exitFailure.
 int FailWith(std::string_view message, SStreams streams);
 
-// Why the file cannot be read: missing, no rights, a folder, a device, empty. EText::none when it can.
+// Why the file cannot be read: missing, no rights, a folder, a device, empty. kNoText when it can.
 EText FindFileFault(const std::filesystem::path& path);
 // Why the file is not one of the application's packet files: what FindFileFault finds, foreign, of another
-// layout, or damaged. EText::none when it is one.
+// layout, or damaged. kNoText when it is one.
 EText FindPacketFileFault(const std::filesystem::path& path);
 // The same for a project, as far as its first bytes show.
 EText FindProjectFault(const std::filesystem::path& path);

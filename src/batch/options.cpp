@@ -1,6 +1,7 @@
 #include "batch/options.h"
 
 #include "foundation/numbers.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <cmath>

@@ -6,6 +6,7 @@
 #include "dataaccess/file_scan.h"
 #include "dataaccess/view_queries.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 
 #include <limits>
 #include <ostream>

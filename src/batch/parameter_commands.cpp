@@ -6,6 +6,7 @@
 #include "dialogs/batch_creation.h"
 #include "exchange/parameter_file.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "model/properties/classes.h"
 #include "model/rules/rule_report.h"
 

@@ -4,6 +4,7 @@
 #include "batch/session.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "graph/loader.h"
 #include "graph/stack_picture.h"
 #include "plot/settings.h"

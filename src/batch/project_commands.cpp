@@ -5,6 +5,7 @@
 #include "document/automatic_sensors.h"
 #include "document/project_creation.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <ostream>

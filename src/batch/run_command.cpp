@@ -4,6 +4,7 @@
 #include "batch/run_report.h"
 #include "batch/session.h"
 #include "foundation/end_signals.h"
+#include "foundation/texts.h"
 #include "foundation/thread.h"
 
 #include <chrono>

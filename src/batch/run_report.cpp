@@ -2,6 +2,7 @@
 
 #include "dataaccess/date_search.h"
 #include "dialogs/tool_run.h"
+#include "foundation/texts.h"
 #include "processing/message_line.h"
 #include "processing/notification.h"
 

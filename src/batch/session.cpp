@@ -4,6 +4,7 @@
 #include "config/settings_files.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 
 namespace Batch {
 

@@ -7,6 +7,7 @@
 #include "dialogs/import_tools.h"
 #include "foundation/end_signals.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "model/project.h"
 
 #include <algorithm>

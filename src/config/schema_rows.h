@@ -50,15 +50,16 @@ struct SSchemaRow {
     std::string_view defaultText;
     Outils_Texte::EText help; // one line: what it does
     SNumberRange range = {};  // of integers and reals
-    Outils_Texte::EText unit = Outils_Texte::EText::none;
+    Outils_Texte::EText unit = Outils_Texte::kNoText;
     EForm form = EForm::element;
 };
 
 namespace Schema {
 using enum EKind;
 using Outils_Texte::EText;
+using Outils_Texte::kNoText;
 inline constexpr EForm attribute = EForm::attribute;
-inline constexpr EText kNoUnit = EText::none;
+inline constexpr EText kNoUnit = kNoText;
 inline constexpr SNumberRange kAny{};
 // Below zero the conversion takes its own default of six decimals.
 inline constexpr SNumberRange kDecimals{-1, 40};

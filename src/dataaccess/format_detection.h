@@ -3,7 +3,7 @@
 
 #include "values/date_time_adaptor.h"
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <filesystem>
 #include <string_view>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "dataaccess/format_detection.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <cstddef>
 #include <span>

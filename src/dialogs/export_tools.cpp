@@ -5,6 +5,7 @@
 #include "foundation/files.h"
 #include "foundation/numbers.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "model/simulation_parameters.h"
 #include "model/simulation_time_adaptor.h"
 #include "processing/command_switches.h"
@@ -342,6 +343,8 @@ CTrvSimpleExporterDlg::CTrvSimpleExporterDlg(const SToolServices& services, SExp
     ProposeTarget();
     MakeRows();
 }
+
+EText CTrvSimpleExporterDlg::GetTitle() const { return EText::exportTitle; }
 
 CToolDialog::SSizeKeys CTrvSimpleExporterDlg::GetSizeKeys() const {
     return {Cnf<"simpleExporter/width">, Cnf<"simpleExporter/height">,

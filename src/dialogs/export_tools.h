@@ -100,7 +100,7 @@ class CTrvSimpleExporterDlg final : public CToolDialog {
 
     CTrvSimpleExporterDlg(const SToolServices& services, SExportProject project, COpenFile openFile);
 
-    EText GetTitle() const override { return EText::exportTitle; }
+    EText GetTitle() const override;
     SSizeKeys GetSizeKeys() const override;
     std::string GetCommandLine() const override;
     std::filesystem::path GetTarget() const override;

@@ -2,6 +2,7 @@
 
 #include "config/config_file.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "processing/command_switches.h"
 
 namespace Dialogue_Tarvel {
@@ -52,9 +53,13 @@ CTrvFileUpdaterDlg::CTrvFileUpdaterDlg(const SToolServices& services,
     MakeRows();
 }
 
+EText CTrvFileUpdaterDlg::GetTitle() const { return EText::updateTitle; }
+
 CToolDialog::SSizeKeys CTrvFileUpdaterDlg::GetSizeKeys() const {
     return {Cnf<"fileUpdater/width">, Cnf<"fileUpdater/height">, Cnf<"fileUpdater/firstColumnWidth">};
 }
+
+EText CTrvFileUpdaterDlg::GetLaunchFailure() const { return EText::updaterLaunchFailed; }
 
 std::string CTrvFileUpdaterDlg::GetProgram() const { return ResolveProgram(Cnf<"process/fileUpdater">); }
 

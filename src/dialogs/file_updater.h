@@ -13,13 +13,13 @@ class CTrvFileUpdaterDlg final : public CToolDialog {
   public:
     CTrvFileUpdaterDlg(const SToolServices& services, const std::vector<std::filesystem::path>& files);
 
-    EText GetTitle() const override { return EText::updateTitle; }
+    EText GetTitle() const override;
     SSizeKeys GetSizeKeys() const override;
     std::string GetCommandLine() const override;
 
   private:
     bool Check() override;
-    EText GetLaunchFailure() const override { return EText::updaterLaunchFailed; }
+    EText GetLaunchFailure() const override;
     std::string GetProgram() const override;
     bool OnEnded(Application_Tarvel::EOutcome& outcome, std::string& failure) override;
 };

@@ -2,6 +2,7 @@
 
 #include "config/config_file.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "processing/command_switches.h"
 #include "values/date_time_adaptor.h"
 
@@ -227,6 +228,8 @@ CTrvSimpleImporterDlg::CTrvSimpleImporterDlg(const SToolServices& services, ERaw
     ProposeTarget();
     MakeRows();
 }
+
+EText CTrvSimpleImporterDlg::GetTitle() const { return EText::importTitle; }
 
 CToolDialog::SSizeKeys CTrvSimpleImporterDlg::GetSizeKeys() const {
     return {Cnf<"simpleImporter/width">, Cnf<"simpleImporter/height">,

@@ -46,7 +46,7 @@ class CTrvSimpleImporterDlg final : public CToolDialog {
                           const std::vector<std::filesystem::path>& sources,
                           std::vector<std::filesystem::path> projectFiles = {});
 
-    EText GetTitle() const override { return EText::importTitle; }
+    EText GetTitle() const override;
     SSizeKeys GetSizeKeys() const override;
     std::string GetCommandLine() const override;
     // The file that was made.

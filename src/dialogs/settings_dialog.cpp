@@ -4,6 +4,7 @@
 #include "dialogs/color_text.h"
 #include "foundation/numbers.h"
 #include "foundation/text.h"
+#include "foundation/texts.h"
 #include "values/adaptors.h"
 
 #include <algorithm>

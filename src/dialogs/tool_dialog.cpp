@@ -3,6 +3,7 @@
 #include "config/config_file.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "processing/message_line.h"
 #include "processing/process.h"
 
@@ -126,6 +127,8 @@ CToolDialog::CToolDialog(EToolKind kind, const SToolServices& services, std::spa
       }) {}
 
 CToolDialog::~CToolDialog() { m_listener = nullptr; }
+
+EText CToolDialog::GetLaunchFailure() const { return EText::launchFailed; }
 
 void CToolDialog::MakeRows() {
     for (std::size_t i = 0; i < m_fields.GetCount(); ++i) {

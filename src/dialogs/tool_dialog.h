@@ -125,7 +125,7 @@ class CToolDialog {
     virtual bool Check() = 0;
     // To be removed before the start; empty for none.
     virtual std::filesystem::path GetTarget() const { return {}; }
-    virtual EText GetLaunchFailure() const { return EText::launchFailed; }
+    virtual EText GetLaunchFailure() const;
     virtual std::string GetProgram() const = 0;
     // A field has another value.
     virtual void OnWritten(int /*field*/) {}

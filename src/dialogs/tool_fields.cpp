@@ -5,6 +5,7 @@
 #include "foundation/numbers.h"
 #include "foundation/paths.h"
 #include "foundation/text.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -102,7 +103,8 @@ std::string CToolFields::Set(int field, std::string_view text) {
         if (taken.empty() && !text.empty()) return std::string(GetText(EText::invalidTime));
         break;
     case EFieldKind::color:
-        if (!ParseColor(text)) return std::string(GetText(EText::invalidValue));
+        if (!taken.starts_with('#')) taken.insert(taken.begin(), '#'); // begins a comment in a shell
+        if (!ParseColor(taken)) return std::string(GetText(EText::invalidValue));
         break;
     default: break;
     }
@@ -200,7 +202,7 @@ std::string JoinPaths(const std::vector<std::filesystem::path>& paths) {
 std::vector<Outils_Texte::SSwitchRow> MakeOptions(std::span<const SToolField> rows) {
     using Outils_Texte::ESwitchValue;
     constexpr std::string_view kValues[] = {"WORD",      "N",    "X",        "YYYY-MM-DD", "S",
-                                            "#AARRGGBB", "FILE", "FILE ...", "FILE",       ""};
+                                            "AARRGGBB", "FILE", "FILE ...", "FILE",       ""};
     std::vector<Outils_Texte::SSwitchRow> options;
     for (const SToolField& row : rows) {
         const auto isOwn = [&row](const auto& option) { return option.name == row.option; };

@@ -4,7 +4,7 @@
 
 #include "config/schema.h"
 #include "foundation/switches.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <filesystem>
 #include <optional>
@@ -51,11 +51,12 @@ struct SToolField {
     std::string_view option{}; // of the batch program, "--beacon"; empty for none
     // Of a word, as commands have them, "no|yes". A setting that is a flag counts the second for true.
     std::string_view words{};
-    EText firstShown = EText::none; // what the dialog shows for the first; none: the words themselves
+    EText firstShown =
+        Outils_Texte::kNoText; // what the dialog shows for the first; none: the words themselves
     Outils_Configuration::SKey key = kNoKey; // keeps the last value
     SFieldCondition with{};
     bool expertOnly = false;
-    EText help = EText::none; // of a row without a key
+    EText help = Outils_Texte::kNoText; // of a row without a key
 };
 
 // What a command calls a word, and what the user reads.

@@ -1,5 +1,6 @@
 #include "dialogs/tool_run.h"
 
+#include "foundation/texts.h"
 #include "processing/child_processes.h"
 #include "processing/receivers.h"
 

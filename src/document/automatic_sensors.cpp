@@ -1,6 +1,7 @@
 #include "document/automatic_sensors.h"
 
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 

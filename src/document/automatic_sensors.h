@@ -1,7 +1,7 @@
 // The sensors that need no choice of the user: a new project gets them as the analysis meets their channels.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "model/simulation_parameters.h"
 
 #include <cstdint>
@@ -19,7 +19,7 @@ class CAutomaticSensors {
     // The sensor made for the channel, and the text that says so; null for none.
     struct SAdded {
         Metier_Tarvel::CTrvSensor* sensor = nullptr;
-        Outils_Texte::EText message = Outils_Texte::EText::none;
+        Outils_Texte::EText message = Outils_Texte::kNoText;
     };
     // Adds an event marker or a mount when the channel is for one and no sensor uses it. Once for each
     // channel: what the user then removes stays away.

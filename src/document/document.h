@@ -9,7 +9,7 @@
 #include "document/engine_run.h"
 #include "document/project_files.h"
 #include "document/unsaved_work.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "model/project.h"
 
 #include <filesystem>

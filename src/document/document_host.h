@@ -4,7 +4,7 @@
 
 #include "document/actions/data_file_kind.h"
 #include "foundation/date_time.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "model/project.h"
 
 #include <chrono>

@@ -8,6 +8,7 @@
 #include "foundation/files.h"
 #include "foundation/numbers.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "model/data_file.h"
 #include "model/simulation_parameters.h"
 #include "processing/engine_command.h"

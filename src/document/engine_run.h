@@ -4,7 +4,7 @@
 
 #include "document/file_looks.h"
 #include "document/result_guard.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "processing/child_processes.h"
 #include "processing/child_run.h"
 

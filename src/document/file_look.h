@@ -1,7 +1,7 @@
 // A look at the head of a data file: what it says of itself, and whether it can be read at all.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "foundation/thread.h"
 #include "model/dictionary/file_description.h"
 #include "xpf/layout.h"
@@ -11,11 +11,12 @@
 namespace Application_Tarvel {
 
 using Outils_Texte::EText;
+using Outils_Texte::kNoText;
 
 struct SFileLook {
     // Why the file cannot be read as one of its kind, with its path as %1; none if it can, or could once it
     // is brought up to date.
-    EText fault = EText::none;
+    EText fault = kNoText;
     bool outdated = false;
     Metier_Tarvel_DataModel::SFileDescription description;
 };

@@ -1,7 +1,7 @@
 // The rules of a project, asked before a run and before a batch command file is written.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 namespace Metier_Tarvel {
 class CTrvSimulationParameters;

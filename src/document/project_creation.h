@@ -2,7 +2,7 @@
 #pragma once
 
 #include "foundation/date_time.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "foundation/thread.h"
 #include "model/project.h"
 

@@ -90,7 +90,7 @@ class CProjectFiles {
         EStage stage = EStage::followed;
         bool lookAgain = false;           // changed since the question: the answer may be out of date
         bool headIsWhole = false;         // at the last look, reported or not
-        EText fault = EText::none;        // reported last; none once the file is whole again
+        EText fault = kNoText;            // reported last; none once the file is whole again
         std::int64_t damage = -1;         // the position that was reported last
         std::set<std::uint16_t> channels; // found by the analysis: the layers may come after them
     };

@@ -2,6 +2,7 @@
 
 #include "foundation/numbers.h"
 #include "foundation/text.h"
+#include "foundation/texts.h"
 
 #include <algorithm>
 #include <cmath>

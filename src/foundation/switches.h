@@ -1,7 +1,7 @@
 // Command lines as tables: one row a switch, one parser and one help text for all programs.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <cstddef>
 #include <limits>

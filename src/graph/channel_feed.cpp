@@ -1,6 +1,7 @@
 #include "graph/channel_feed.h"
 
 #include "config/config_file.h"
+#include "foundation/texts.h"
 #include "graph/extent_query.h"
 
 #include <algorithm>

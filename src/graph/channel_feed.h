@@ -3,7 +3,7 @@
 #pragma once
 
 #include "document/document.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "graph/stack.h"
 
 #include <functional>

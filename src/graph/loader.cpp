@@ -1,7 +1,7 @@
 #include "graph/loader.h"
 
 #include "config/config_file.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <algorithm>
 #include <cmath>

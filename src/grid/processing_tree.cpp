@@ -2,6 +2,7 @@
 
 #include "config/config_file.h"
 #include "document/document.h"
+#include "foundation/texts.h"
 #include "model/properties/rows.h"
 #include "model/sensors.h"
 

@@ -1,6 +1,7 @@
 #include "grid/property_item.h"
 
 #include "foundation/numbers.h"
+#include "foundation/texts.h"
 #include "model/properties/rows.h"
 #include "model/words.h"
 #include "values/adaptors.h"

@@ -1,7 +1,7 @@
 // What the aiding sensors of all kinds share, and the table of the kinds.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "model/instruction.h"
 #include "model/std_dev_instruction.h"
 

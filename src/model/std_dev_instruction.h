@@ -2,7 +2,7 @@
 // is made and destroyed with the sensor.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "model/period.h"
 
 #include <span>

@@ -2,7 +2,7 @@
 // file may hold any value; the words are numbered texts with consecutive numbers.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <cstdint>
 #include <span>

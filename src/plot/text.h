@@ -2,7 +2,7 @@
 #pragma once
 
 #include "foundation/paths.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <QString>
 

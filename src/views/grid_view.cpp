@@ -1,7 +1,7 @@
 #include "views/grid_view.h"
 
 #include "foundation/paths.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "plot/text.h"
 #include "views/grid_model.h"
 

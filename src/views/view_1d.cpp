@@ -2,6 +2,7 @@
 
 #include "config/config_file.h"
 #include "document/edits.h"
+#include "foundation/texts.h"
 #include "graph/field_drop.h"
 #include "plot/text.h"
 #include "views/view_1d_interactors.h"

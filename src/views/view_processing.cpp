@@ -2,6 +2,7 @@
 
 #include "config/config_file.h"
 #include "document/document.h"
+#include "foundation/texts.h"
 #include "plot/text.h"
 #include "views/grid_view.h"
 

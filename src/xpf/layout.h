@@ -3,7 +3,7 @@
 // read these rows.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <algorithm>
 #include <array>

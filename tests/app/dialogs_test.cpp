@@ -1,6 +1,7 @@
 #include "app/dialogs.h"
 
 #include "dataaccess/test_recording.h"
+#include "foundation/texts.h"
 #include "plot/text.h"
 
 #include <QApplication>

@@ -1,6 +1,7 @@
 #include "app/main_frame.h"
 
 #include "dialogs/project_dialogs.h"
+#include "foundation/texts.h"
 #include "plot/text.h"
 #include "session.h"
 

@@ -5,7 +5,7 @@
 #include "app/window_session.h"
 #include "dataaccess/test_recording.h"
 #include "document/project_creation.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <QSettings>
 #include <QTest>

@@ -3,6 +3,7 @@
 #include "common/fault_counter.h"
 #include "common/target_file.h"
 #include "foundation/files.h"
+#include "foundation/texts.h"
 #include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>

@@ -6,6 +6,7 @@
 #include "document/document.h"
 #include "document/scripted_host.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "support/faulty_disk.h"
 
 #include <optional>

@@ -9,6 +9,7 @@
 #include "document/scripted_host.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>

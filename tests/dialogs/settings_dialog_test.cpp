@@ -2,6 +2,7 @@
 
 #include "config/config_file.h"
 #include "document/scripted_host.h"
+#include "foundation/texts.h"
 #include "values/adaptors.h"
 
 #include <gmock/gmock.h>

@@ -6,6 +6,7 @@
 #include "dialogs/import_tools.h"
 #include "document/scripted_host.h"
 #include "foundation/message_target.h"
+#include "foundation/texts.h"
 #include "model/simulation_parameters.h"
 #include "support/temporary_folder.h"
 #include "values/adaptors.h"

@@ -2,6 +2,7 @@
 #include "document/edit_fixture.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 
 namespace test {
 

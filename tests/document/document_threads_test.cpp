@@ -2,6 +2,7 @@
 #include "dialogs/project_dialogs.h"
 #include "document/document_fixture.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>

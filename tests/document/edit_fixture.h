@@ -7,7 +7,7 @@
 #include "document/project_creation.h"
 #include "document/scripted_host.h"
 #include "foundation/archive.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,6 @@
 #include "document/edit_fixture.h"
 
+#include "foundation/texts.h"
 #include "model/properties/classes.h"
 
 #include <map>

@@ -1,5 +1,6 @@
 #include "document/document_fixture.h"
 #include "foundation/paths.h"
+#include "foundation/texts.h"
 #include "support/faulty_disk.h"
 
 #include <gmock/gmock.h>

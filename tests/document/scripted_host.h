@@ -3,7 +3,7 @@
 
 #include "document/document_host.h"
 #include "foundation/message_target.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "processing/message_line.h"
 #include "processing/receivers.h"
 

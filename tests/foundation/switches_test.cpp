@@ -1,4 +1,5 @@
 #include "foundation/switches.h"
+#include "foundation/texts.h"
 
 #include <gtest/gtest.h>
 

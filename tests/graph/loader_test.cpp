@@ -1,5 +1,6 @@
 #include "config/config_file.h"
 #include "document/scripted_host.h"
+#include "foundation/texts.h"
 #include "graph/fabricated.h"
 #include "graph/loader.h"
 #include "recording/recording_writer.h"

@@ -1,5 +1,6 @@
 // The rows of the processing panel over a project with every kind of sensor and instruction.
 #include "document/edit_fixture.h"
+#include "foundation/texts.h"
 #include "grid/processing_tree.h"
 #include "values/adaptors.h"
 

@@ -1,5 +1,6 @@
 // Every property of the model, shown and read in every unit and notation.
 #include "config/config_file.h"
+#include "foundation/texts.h"
 #include "model/project.h"
 #include "model/properties/classes.h"
 #include "model/properties/rows.h"

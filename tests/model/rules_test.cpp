@@ -1,4 +1,4 @@
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "model/properties/classes.h"
 #include "model/rules/rule_report.h"
 #include "model/rules/rules.h"

@@ -4,7 +4,7 @@
 #include "common/run_monitor.h"
 #include "foundation/archive.h"
 #include "foundation/files.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "model/simulation_parameters.h"
 #include "simulator/mission_writer.h"
 #include "support/temporary_folder.h"

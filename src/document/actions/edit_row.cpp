@@ -1,6 +1,7 @@
 #include "document/actions/edit_row.h"
 
 #include "document/document.h"
+#include "foundation/texts.h"
 
 namespace Application_Tarvel {
 

@@ -5,7 +5,7 @@
 #include "document/hints.h"
 #include "document/user_action.h"
 #include "foundation/object.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "model/project.h"
 
 #include <functional>
@@ -21,12 +21,13 @@ using Metier_Tarvel::CTrvProject;
 using Outils_Objets::CObject;
 using Outils_Objets::CRuntimeClass;
 using Outils_Texte::EText;
+using Outils_Texte::kNoText;
 
 // What all rows have, whatever their arguments.
 struct SEditRow {
     std::string_view className; // the given name of the action
     EHint hint;
-    EText failureText = EText::none; // none for an edit that cannot fail or stays silent
+    EText failureText = kNoText; // none for an edit that cannot fail or stays silent
 
     // Of an edit that writes values: the class it changes, and whether a member at this address is one of
     // the values of the target, or a part of one. Null for the others.
@@ -203,7 +204,7 @@ constexpr auto Add(std::string_view className, EHint hint, EText failureText) {
 
 // `Remove(project, target)` deletes the object; false if it is not in the model.
 template <class Target, bool (*Remove)(CTrvProject&, const Target&)>
-constexpr auto RemoveBy(std::string_view className, EHint hint, EText failureText = EText::none) {
+constexpr auto RemoveBy(std::string_view className, EHint hint, EText failureText = kNoText) {
     return TEditRow<const Target&>{
         {className, hint, failureText}, [](const CEdit& edit, const Target& target) {
             const CObject* identity = &target;

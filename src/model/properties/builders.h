@@ -1,7 +1,7 @@
 // Makes rows from pointers to members: get, set and address are written once for all types of members.
 #pragma once
 
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 #include "model/properties/property.h"
 #include "model/words.h"
 #include "values/adaptors.h"
@@ -21,7 +21,7 @@ constexpr SForm Quantity(Outils_Valeurs::EQuantity quantity) {
     return {EPropertyForm::quantity, static_cast<int>(quantity)};
 }
 constexpr SForm Word(Metier_Tarvel::EWordList list) { return {EPropertyForm::word, static_cast<int>(list)}; }
-constexpr SForm Number(EText unit = EText::none) { return {EPropertyForm::number, 0, unit}; }
+constexpr SForm Number(EText unit = kNoText) { return {EPropertyForm::number, 0, unit}; }
 
 // --- Members
 

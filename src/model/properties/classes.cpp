@@ -1,5 +1,6 @@
 #include "model/properties/classes.h"
 
+#include "foundation/texts.h"
 #include "model/project.h"
 #include "model/properties/rows.h"
 

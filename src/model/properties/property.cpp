@@ -2,6 +2,7 @@
 
 #include "foundation/numbers.h"
 #include "foundation/text.h"
+#include "foundation/texts.h"
 #include "model/properties/classes.h"
 #include "model/simulation_parameters.h"
 #include "model/simulation_time_adaptor.h"

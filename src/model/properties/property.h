@@ -11,7 +11,7 @@
 
 #include "foundation/date_time.h"
 #include "foundation/object.h"
-#include "foundation/texts.h"
+#include "foundation/text_id.h"
 
 #include <cstdint>
 #include <limits>
@@ -34,6 +34,7 @@ namespace Metier_Tarvel_Proprietes {
 using Outils_Objets::CObject;
 using Outils_Temps::CDateTime;
 using Outils_Texte::EText;
+using Outils_Texte::kNoText;
 
 // How a value is written.
 enum class EPropertyForm {
@@ -54,7 +55,7 @@ enum class EPropertyForm {
 struct SForm {
     EPropertyForm form = EPropertyForm::shown;
     int detail = 0;
-    EText unit = EText::none;
+    EText unit = kNoText;
 };
 
 // A value of any row, in the unit of the model. Times and offsets are as the model stores them.
@@ -84,8 +85,8 @@ struct SPropertyContext {
 // A row is a value (`get`, and `set` unless it is only shown), a text (`show`), or the place of other objects
 // (`child`). REQUIRES for every function: the object is of the class that has the row.
 struct SProperty {
-    EText label = EText::none; // title of the row; none where the class of the child has the title
-    EText help = EText::none;  // one line: what it means
+    EText label = kNoText; // title of the row; none where the class of the child has the title
+    EText help = kNoText;  // one line: what it means
     SForm form{};
     SRange range{};
     bool isExpert = false; // shown in expert mode only
@@ -134,7 +135,7 @@ std::string Show(const SProperty& row, const SPropertyContext& context, const CO
 
 struct SReading {
     std::optional<CPropertyValue> value; // what to set
-    EText refusal = EText::none;         // without a value: why
+    EText refusal = kNoText;             // without a value: why
 };
 // Reads what a person typed for the row. The text that is shown reads back to the very value, digits that are
 // not shown included; a number may have its unit or none, and a comma for its decimal point. Refused are a

@@ -264,7 +264,7 @@ inline std::string ChannelText(const SPropertyContext&, const CTrvDataFileChanne
     return line;
 }
 inline constexpr SProperty kChannelText =
-    Shown<CTrvDataFileChannel, ChannelText>(EText::none, EText::helpChannels);
+    Shown<CTrvDataFileChannel, ChannelText>(kNoText, EText::helpChannels);
 
 inline constexpr SProperty kLatitude =
     Value<&CPosition::latitude>(EText::latitude, EText::helpLatitude, {EPropertyForm::latitude})
