@@ -15,6 +15,7 @@
 
 using namespace Application_Tarvel;
 using namespace Dialogue_Tarvel;
+using Outils_Configuration::Cnf;
 using Outils_Texte::EText;
 using test::CTestRecording;
 using testing::ElementsAre;
