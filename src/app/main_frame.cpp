@@ -274,7 +274,7 @@ void CTrvProjectMainFrame::AddDataFile(const std::filesystem::path& path) {
     if (!added || !m_convertedFormat) return;
     // A second recording of an INS has sensors of its own unit: which of them are meant is not known.
     if (*m_convertedFormat == ERawFormat::rawIns || *m_convertedFormat == ERawFormat::decodedIns) return;
-    edits.Do(Edits::kAddSensorsOfFile, *m_document.GetProject()->simulationParameters->externalFiles.back());
+    m_document.AddSensorsOf(*m_document.GetProject()->simulationParameters->externalFiles.back());
 }
 
 void CTrvProjectMainFrame::Export() {

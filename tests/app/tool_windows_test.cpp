@@ -125,10 +125,14 @@ TEST_F(ToolWindows, DroppedLogBecomesASensor) {
     };
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QString::fromStdString((m_folder / "gps.nmea").string()))});
+    QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(m_frame, &enter);
     QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
     QCoreApplication::sendEvent(m_frame, &event);
-    EXPECT_TRUE(PumpUntil([&] { return parameters.externalFiles.size() == 1; }));
-    EXPECT_TRUE(PumpUntil([&] { return parameters.sensors.size() == 2; }));
+    ASSERT_TRUE(PumpUntil([&] { return parameters.externalFiles.size() == 1; }))
+        << testing::PrintToString(m_dialogs.TakeMessages());
+    ASSERT_TRUE(PumpUntil([&] { return parameters.sensors.size() == 2; }))
+        << m_frame->GetOutput().toPlainText().toStdString();
     EXPECT_EQ(parameters.externalFiles[0]->path, m_folder / "gps.tarin");
     EXPECT_EQ(parameters.sensors[1]->channel->file, parameters.externalFiles[0].get());
     EXPECT_THAT(m_dialogs.TakeMessages(),

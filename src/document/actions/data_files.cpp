@@ -1,8 +1,6 @@
 #include "document/actions/data_file_kind.h"
 #include "document/actions/procedures.h"
-#include "document/automatic_sensors.h"
 #include "document/document.h"
-#include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "values/adaptors.h"
 
@@ -115,24 +113,6 @@ bool Procedures::AddGivenDataFile(const CEdit& edit, std::filesystem::path chose
         if (const auto offset = data.utcOrigin - parameters.utcReference; offset.IsValid())
             file->timeOffset = Metier_Tarvel::ToStoredTime(offset);
     return edit.Changed(file);
-}
-
-bool Procedures::AddSensorsOfFile(const CEdit& edit, CTrvDataFile& file) {
-    auto& parameters = *edit.GetProject().simulationParameters;
-    const std::string name = Outils_Fichiers::ToText(file.path.filename());
-    bool added = false;
-    for (const auto& channel : file.channels) {
-        const auto* kind = Metier_Tarvel::FindSensorKind(channel->sensorClass);
-        if (!kind) continue;
-        const std::string label(GetText(kind->label));
-        CTrvSensor* sensor = MakeSensor(parameters, kind->kind);
-        if (sensor) ConnectSensor(*sensor, *channel);
-        edit.GetDocument().GetHost().AppendOutputText(
-            sensor ? Outils_Texte::FormatText(EText::convertedSensorAdded, {label, channel->name, name})
-                   : Outils_Texte::FormatText(EText::convertedSensorMissing, {label, name}));
-        if (sensor) added = edit.Changed(sensor);
-    }
-    return added;
 }
 
 bool Procedures::RemoveDataFile(const CEdit& edit, CTrvDataFile& file) {

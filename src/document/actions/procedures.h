@@ -25,15 +25,9 @@ using namespace Metier_Tarvel_InstantValues;
 bool AddDataFile(const CEdit& edit);
 // The same for a file that was chosen already.
 bool AddGivenDataFile(const CEdit& edit, std::filesystem::path chosen);
-// A sensor on each channel of an external file that is for one, as far as the project takes more of its kind;
-// the output panel says what was added and what not. False when nothing was.
-bool AddSensorsOfFile(const CEdit& edit, CTrvDataFile& file);
 // Refuses a file that is still in use.
 bool RemoveDataFile(const CEdit& edit, CTrvDataFile& file);
 
-// A sensor on the main input file's first channel of the kind, with the lever arm of the first other GPS if
-// it is one; null when the project takes no more of its kind, or its recording has none.
-CTrvSensor* MakeSensor(CTrvSimulationParameters& parameters, ESensorKind kind);
 // A sensor on the main input file's first channel of the kind. A further GPS starts with the lever arm of the
 // first one.
 bool AddSensor(const CEdit& edit, ESensorKind kind);

@@ -29,10 +29,9 @@ inline void SetFileOffset(CTrvDataFile& file, CDateTimeSpan offset) {
 
 inline constexpr TEditRow<> kAddDataFile{{"CTrvActAddDataFile", hintDataFileAdded, EText::dataFileFailed},
                                          AddDataFile};
-// Two edits of the window that have no given name.
+// For a file that was dropped: it has no given name.
 inline constexpr TEditRow<std::filesystem::path> kAddGivenDataFile{
     {"", hintDataFileAdded, EText::dataFileFailed}, AddGivenDataFile};
-inline constexpr TEditRow<CTrvDataFile&> kAddSensorsOfFile{{"", hintSensorAdded}, AddSensorsOfFile};
 inline constexpr TEditRow<CTrvDataFile&> kRemoveDataFile{
     {"CTrvActRemoveDataFile", hintDataFileRemoved, EText::dataFileInUse}, Procedures::RemoveDataFile};
 inline constexpr auto kChangeDataFileTimeOffset =

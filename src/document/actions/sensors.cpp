@@ -1,4 +1,5 @@
 #include "document/actions/procedures.h"
+#include "document/automatic_sensors.h"
 #include "document/document.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -19,18 +20,6 @@ bool ReadConfigurationFile(CTrvNelixConfiguration& configuration, const std::fil
 }
 
 } // namespace
-
-CTrvSensor* MakeSensor(CTrvSimulationParameters& parameters, ESensorKind kind) {
-    CTrvSensor* added = parameters.AddSensor(kind);
-    if (!added || kind != ESensorKind::gps) return added;
-    // The antennas of one vessel are often side by side.
-    for (const auto& sensor : parameters.sensors) {
-        if (sensor.get() == added || sensor->GetKind().kind != ESensorKind::gps) continue;
-        *added->GetLeverArm() = *sensor->GetLeverArm();
-        break;
-    }
-    return added;
-}
 
 bool AddSensor(const CEdit& edit, ESensorKind kind) {
     auto& parameters = *edit.GetProject().simulationParameters;
