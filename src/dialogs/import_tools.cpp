@@ -268,7 +268,10 @@ void CTrvSimpleImporterDlg::ProposeTarget() {
     const auto sources = GetSources();
     if (m_targetIsChosen || sources.empty()) return;
     auto target = Outils_Fichiers::WithExtension(sources.front(), kPacketExtension);
-    if (std::ranges::find(sources, target) != sources.end()) target += kPacketExtension;
+    // A log has often the name of the recording beside which it was made.
+    const auto isTaken = [&target](const auto& file) { return Outils_Fichiers::SamePath(file, target); };
+    if (std::ranges::any_of(sources, isTaken) || std::ranges::any_of(m_projectFiles, isTaken))
+        (target = sources.front()) += kPacketExtension;
     m_fields.SetPaths(ToInt(EImportField::target), {target});
 }
 

@@ -268,8 +268,11 @@ void CToolDialog::Finish() {
 }
 
 std::string CToolDialog::DescribeEnd() const {
+    using Communication_Processus::SProcessEnd;
     std::string text = m_run.GetError();
-    if (!m_run.GetEnd().IsSuccess()) {
+    // A tool that has said why it failed ends with an exit code that says no more.
+    const bool wasKilled = m_run.GetEnd().kind != SProcessEnd::EKind::exited;
+    if (wasKilled || (text.empty() && !m_run.GetEnd().IsSuccess())) {
         const std::string end =
             FormatText(EText::toolEnded, {GetProgram(), Communication_Processus::ToText(m_run.GetEnd())});
         text += text.empty() ? end : "\n\n" + end;

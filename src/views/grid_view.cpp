@@ -15,6 +15,8 @@
 #include <QScopedValueRollback>
 #include <QStyledItemDelegate>
 
+#include <algorithm>
+
 namespace Application_Tarvel {
 
 using namespace Presentation_Tarvel_Grid;
@@ -71,6 +73,7 @@ class CGridDelegate final : public QStyledItemDelegate {
         if (!editor || event->type() != QEvent::KeyPress)
             return QStyledItemDelegate::eventFilter(watched, event);
         const int key = static_cast<QKeyEvent*>(event)->key();
+        if (MoveInList(editor, *static_cast<QKeyEvent*>(event))) return true;
         const bool isTab = key == Qt::Key_Tab || key == Qt::Key_Backtab;
         if (!isTab && key != Qt::Key_Return && key != Qt::Key_Enter)
             return QStyledItemDelegate::eventFilter(watched, event);
@@ -102,6 +105,15 @@ class CGridDelegate final : public QStyledItemDelegate {
             if (Take(list, m_view.currentIndex())) Q_EMIT self->closeEditor(list, NoHint);
         });
         return list;
+    }
+
+    // The arrows only move in a list that is not open: by itself it would be done with the first step.
+    static bool MoveInList(QWidget* editor, const QKeyEvent& event) {
+        auto* list = qobject_cast<QComboBox*>(editor);
+        const int step = event.key() == Qt::Key_Down ? 1 : event.key() == Qt::Key_Up ? -1 : 0;
+        if (!list || step == 0 || (event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) return false;
+        list->setCurrentIndex(std::clamp(list->currentIndex() + step, 0, list->count() - 1));
+        return true;
     }
 
     // True when the row has taken what the editor holds.
