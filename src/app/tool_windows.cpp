@@ -34,7 +34,7 @@ namespace {
 constexpr int kPollPeriod = 100;       // milliseconds
 constexpr int kMostMessages = 5000;    // in the list; the output panel has all
 constexpr QSize kScreenMargin(20, 60); // around the window: title bar and borders
-constexpr int kLeastGridRows = 8, kLeastMessageRows = 3;
+constexpr int kLeastGridRows = 12, kLeastMessageRows = 3;
 
 QString WithoutKey(EText text) { return Text(text).remove(QLatin1Char('&')); }
 

@@ -477,6 +477,9 @@ TEST_F(ToolDialogs, EveryFieldKeepsItsLastValue) {
     EXPECT_EQ(m_configuration.Get(Cnf<"simpleExporter/kml/leverArm">), 3);
     auto importer = Import(ERawFormat::decodedIns, {"a.log"}, true);
     Write(*importer, EImportField::equipment, "14");
+    EXPECT_EQ(
+        importer->GetGrid().GetRoot().GetChild(static_cast<std::size_t>(EImportField::equipment))->GetValue(),
+        "INS model 14");
     Write(*importer, EImportField::clockDrift, "off");
     EXPECT_TRUE(importer->Close());
     EXPECT_EQ(m_configuration.Get(Cnf<"simpleImporter/decodedNelix/equipmentType">), 14);
