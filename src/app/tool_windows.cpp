@@ -34,7 +34,7 @@ namespace {
 constexpr int kPollPeriod = 100;       // milliseconds
 constexpr int kMostMessages = 5000;    // in the list; the output panel has all
 constexpr QSize kScreenMargin(20, 60); // around the window: title bar and borders
-constexpr int kLeastGridRows = 12, kLeastMessageRows = 3;
+constexpr int kLeastGridRows = 12, kLeastMessageRows = 4;
 
 QString WithoutKey(EText text) { return Text(text).remove(QLatin1Char('&')); }
 
@@ -70,6 +70,7 @@ void CToolWindow::MakeContent() {
     m_messages->setSelectionMode(QAbstractItemView::ExtendedSelection);
     m_messages->setMinimumHeight(fontMetrics().height() * kLeastMessageRows);
     m_messages->setWordWrap(true);
+    m_messages->setIconSize(QSize(fontMetrics().height(), fontMetrics().height()));
     panes->setStretchFactor(0, 3);
     panes->setStretchFactor(1, 1);
     layout->addWidget(panes, 1);

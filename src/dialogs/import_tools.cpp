@@ -268,9 +268,13 @@ void CTrvSimpleImporterDlg::ProposeTarget() {
     const auto sources = GetSources();
     if (m_targetIsChosen || sources.empty()) return;
     auto target = Outils_Fichiers::WithExtension(sources.front(), kPacketExtension);
-    // A log has often the name of the recording beside which it was made.
+    // A log has often the name of the recording beside which it was made, which no habit may cost.
     const auto isTaken = [&target](const auto& file) { return Outils_Fichiers::SamePath(file, target); };
-    if (std::ranges::any_of(sources, isTaken) || std::ranges::any_of(m_projectFiles, isTaken))
+    const auto files = m_services.looks.Call(
+        [sources, target](const Outils::CEvent&) { return LookAtFiles(sources, target); },
+        GetTimeForChosenFile(m_services.configuration));
+    if ((files && (files->targetExists || files->targetIsSource)) ||
+        std::ranges::any_of(m_projectFiles, isTaken))
         (target = sources.front()) += kPacketExtension;
     m_fields.SetPaths(ToInt(EImportField::target), {target});
 }
