@@ -201,7 +201,7 @@ std::string JoinPaths(const std::vector<std::filesystem::path>& paths) {
 
 std::vector<Outils_Texte::SSwitchRow> MakeOptions(std::span<const SToolField> rows) {
     using Outils_Texte::ESwitchValue;
-    constexpr std::string_view kValues[] = {"WORD",      "N",    "X",        "YYYY-MM-DD", "S",
+    constexpr std::string_view kValues[] = {"WORD",     "N",    "X",        "YYYY-MM-DD", "S",
                                             "AARRGGBB", "FILE", "FILE ...", "FILE",       ""};
     std::vector<Outils_Texte::SSwitchRow> options;
     for (const SToolField& row : rows) {
