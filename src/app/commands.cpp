@@ -177,6 +177,8 @@ const SCommandRow kCommands[] = {
      .run = [](Frame& f) { f.GetGraphs().SaveData(); },
      .enabledWhen = [](const Frame& f) { return HasGraphs(f) && !f.GetGraphs().IsSavingData(); },
      .graphMenu = EContext::top},
+    {.id = commandExport, .menu = EMenu::file, .text = EText::exportCommand, .tip = EText::exportTip,
+     .shortcut = "Ctrl+Shift+E", .newGroup = true, .run = [](Frame& f) { f.Export(); }, .enabledWhen = HasProject},
     kRecent<0>, kRecent<1>, kRecent<2>, kRecent<3>,
     {commandExit, EMenu::file, EText::exit, EText::exitTip, "Ctrl+Q", none, EBar::none, true,
      [](Frame& f) { f.close(); }},
@@ -196,7 +198,7 @@ const SCommandRow kCommands[] = {
      .run = [](Frame& f) { f.GetDocument().PrepareBatchCommandFile(); }, .enabledWhen = HasProject},
 
     Add(commandAddDataFile, EText::addDataFile, EText::addDataFileTip, EUnits::all,
-        [](Frame& f) { f.GetDocument().GetEdits().Do(Edits::kAddDataFile, {}); }, HasProject, true),
+        [](Frame& f) { f.AddDataFile(); }, HasProject, true),
     AddSensor<ESensorKind::gps>(commandAddGps, EText::addGps, EUnits::all, true),
     AddSensor<ESensorKind::dvl>(commandAddDvl, EText::addDvl, kOthers),
     AddSensor<ESensorKind::emLog>(commandAddEMLog, EText::addEMLog, kOthers),

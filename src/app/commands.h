@@ -74,6 +74,7 @@ enum ECommand : int {
     commandAddOutputRate = 32872,
     commandAddAltitudeMode = 32873,
     commandRemove = 32874,
+    commandExport = 32875,
     commandSettings = 32876,
     commandLegends = 32877,
     commandEcho = 32878,

@@ -79,9 +79,10 @@ std::vector<std::filesystem::path> CWindowDialogs::AskPath(QWidget* parent, cons
     QFileDialog dialog(parent, Text(question.title).remove(QLatin1Char('&')), ToQString(folder),
                        ToNameFilters(question.filter));
     constexpr QFileDialog::FileMode kModes[] = {QFileDialog::ExistingFile, QFileDialog::ExistingFiles,
-                                                QFileDialog::AnyFile};
+                                                QFileDialog::AnyFile, QFileDialog::AnyFile};
     dialog.setFileMode(kModes[static_cast<int>(question.kind)]);
-    if (question.kind == EPathKind::save) dialog.setAcceptMode(QFileDialog::AcceptSave);
+    if (question.kind >= EPathKind::save) dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, question.kind == EPathKind::saveUnasked);
     // Given to the dialog, not added afterwards: it asks about replacing the very file that will be written.
     dialog.setDefaultSuffix(
         QString::fromUtf8(question.extension.data(), static_cast<qsizetype>(question.extension.size())));

@@ -19,6 +19,7 @@ class CNewFromBatchParametersDlg;
 class CNewProjectWizard;
 class CRelinkDialog;
 class CRoughMisalignmentChooser;
+class CToolDialog;
 class CTrvSettingsDlg;
 } // namespace Dialogue_Tarvel
 
@@ -46,6 +47,8 @@ class IDialogs {
     // Ends with OK when the project has taken the new places.
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CRelinkDialog& dialog) = 0;
     virtual bool Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& form) = 0;
+    // The dialog of a tool, which keeps its outcome; whether it has ended by itself.
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CToolDialog& dialog) = 0;
     // Hands the link to the program that the desktop has for it; false when there is none.
     virtual bool OpenLink(const QUrl& link) = 0;
 };
@@ -62,6 +65,7 @@ class CWindowDialogs final : public IDialogs {
     bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CRelinkDialog& dialog) override;
     bool Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& form) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CToolDialog& dialog) override; // tool_windows.cpp
     bool OpenLink(const QUrl& link) override;
 };
 

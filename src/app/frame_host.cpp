@@ -69,12 +69,15 @@ EOutcome CTrvFrameHost::MakeProjectFrom(const std::filesystem::path& commandFile
 }
 
 EOutcome CTrvFrameHost::UpdateDataFile(const std::filesystem::path& path) {
-    return Refuse(FormatText(EText::updateFileName, {ToText(path)}));
+    const CPlainCursor plain(*this);
+    return m_update ? m_update(path) : Refuse(FormatText(EText::updateFileName, {ToText(path)}));
 }
 
-EOutcome CTrvFrameHost::ConvertRawFiles(const std::vector<std::filesystem::path>& files, ERawFormat,
-                                        std::filesystem::path&) {
-    return Refuse(FormatText(EText::convertFilesName, {ToText(files.front())}));
+EOutcome CTrvFrameHost::ConvertRawFiles(const std::vector<std::filesystem::path>& files, ERawFormat format,
+                                        std::filesystem::path& converted) {
+    const CPlainCursor plain(*this);
+    return m_convert ? m_convert(files, format, converted)
+                     : Refuse(FormatText(EText::convertFilesName, {ToText(files.front())}));
 }
 
 void CTrvFrameHost::AppendOutputText(const SOutputLine& line) {

@@ -40,12 +40,19 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
 
     EAnswer ShowMessage(const std::string& text, EButtons buttons, EIcon icon) override;
     std::vector<std::filesystem::path> AskPath(const SPathQuestion& question) override;
-    // The dialogs of these have no windows yet.
     // Show the dialogs that make a project; empty, as at the start, for none.
     void SetProjectMakers(std::function<EOutcome(SMadeProject&)> make,
                           std::function<EOutcome(const std::filesystem::path&, SMadeProject&)> makeFrom) {
         m_makeProject = std::move(make);
         m_makeProjectFrom = std::move(makeFrom);
+    }
+    // The same for the dialogs of the tools.
+    using CUpdate = std::function<EOutcome(const std::filesystem::path&)>;
+    using CConvert = std::function<EOutcome(const std::vector<std::filesystem::path>&, ERawFormat,
+                                            std::filesystem::path&)>;
+    void SetTools(CUpdate update, CConvert convert) {
+        m_update = std::move(update);
+        m_convert = std::move(convert);
     }
     EOutcome MakeProject(SMadeProject& made) override;
     EOutcome MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made) override;
@@ -77,6 +84,8 @@ class CTrvFrameHost final : public IDocumentHost, private Communication_Processu
     std::function<void(std::int32_t)> m_onEquipment;
     std::function<EOutcome(SMadeProject&)> m_makeProject;
     std::function<EOutcome(const std::filesystem::path&, SMadeProject&)> m_makeProjectFrom;
+    CUpdate m_update;
+    CConvert m_convert;
     int m_waitCursors = 0;
     QWidget* m_window = nullptr;          // not owned
     CTrvOutputWnd* m_output = nullptr;    // not owned

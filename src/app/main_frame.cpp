@@ -6,6 +6,9 @@
 #include "app/start_page.h"
 #include "app/status_bar.h"
 #include "dialogs/choosers.h"
+#include "dialogs/export_tools.h"
+#include "dialogs/file_updater.h"
+#include "dialogs/import_tools.h"
 #include "dialogs/project_dialogs.h"
 #include "dialogs/relink.h"
 #include "dialogs/rough_misalignment.h"
@@ -36,10 +39,12 @@
 namespace Application_Tarvel {
 
 using Outils_Configuration::Cnf;
+using Outils_Fichiers::ToText;
 using Outils_Plot2D::Text;
 using Outils_Plot2D::ToPath;
 using Outils_Plot2D::ToQString;
 using Outils_Texte::EText;
+using Outils_Texte::FormatText;
 
 namespace {
 
@@ -124,6 +129,10 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
         [this](const std::filesystem::path& file, SMadeProject& made) {
             return MakeProjectFrom(file, made);
         });
+    m_host.SetTools([this](const std::filesystem::path& path) { return UpdateFile(path); },
+                    [this](const auto& files, ERawFormat format, std::filesystem::path& converted) {
+                        return ConvertFiles(files, format, converted);
+                    });
     // Known from the start on: menus ask for it at each refresh.
     std::error_code error;
     m_hasUserGuide = std::filesystem::is_regular_file(m_application.GetUserGuide(), error);
@@ -178,6 +187,7 @@ CTrvProjectMainFrame::~CTrvProjectMainFrame() {
     m_view->disconnect(this);
     m_processing->disconnect(this);
     m_host.SetProjectMakers({}, {});
+    m_host.SetTools({}, {});
     for (auto& [command, bar] : m_bars) bar->disconnect(this);
     m_host.SetOnEquipment({});
     m_host.Attach(nullptr, nullptr, nullptr);
@@ -277,6 +287,55 @@ EOutcome CTrvProjectMainFrame::MakeProjectFrom(const std::filesystem::path& comm
     if (!m_dialogs.Show(this, dialog)) return EOutcome::cancelled;
     made = {dialog.TakeProject(), dialog.GetProjectPath()};
     return EOutcome::done;
+}
+
+Dialogue_Tarvel::SToolServices CTrvProjectMainFrame::GetToolServices() {
+    return {m_host, m_application.GetConfiguration(), m_document.GetFileLooks(), m_application.GetAdaptors(),
+            m_application.IsExpertMode()};
+}
+
+EOutcome CTrvProjectMainFrame::UpdateFile(const std::filesystem::path& path) {
+    Dialogue_Tarvel::CTrvFileUpdaterDlg dialog(GetToolServices(), {path});
+    m_dialogs.Show(this, dialog);
+    if (dialog.HasEnded() && dialog.GetOutcome() == EOutcome::failed)
+        m_host.ShowMessage(FormatText(EText::updateFailed, {ToText(path), dialog.GetFailure()}), EButtons::ok,
+                           EIcon::exclamation);
+    return dialog.GetOutcome();
+}
+
+EOutcome CTrvProjectMainFrame::ConvertFiles(const std::vector<std::filesystem::path>& files,
+                                            ERawFormat format, std::filesystem::path& converted) {
+    std::vector<std::filesystem::path> own;
+    if (const auto* project = m_document.GetProject())
+        for (const auto* file : project->simulationParameters->GetDataFiles()) own.push_back(file->path);
+    Dialogue_Tarvel::CTrvSimpleImporterDlg dialog(GetToolServices(), format, files, own);
+    m_dialogs.Show(this, dialog);
+    converted = dialog.GetTarget();
+    if (dialog.HasEnded() && dialog.GetOutcome() == EOutcome::failed)
+        m_host.ShowMessage(
+            FormatText(EText::dataFileFailedToConvert, {ToText(files.front()), dialog.GetFailure()}),
+            EButtons::ok, EIcon::exclamation);
+    if (dialog.GetOutcome() == EOutcome::done) m_convertedFormat = format;
+    return dialog.GetOutcome();
+}
+
+void CTrvProjectMainFrame::AddDataFile(const std::filesystem::path& path) {
+    m_convertedFormat.reset();
+    auto edits = m_document.GetEdits();
+    const bool added =
+        path.empty() ? edits.Do(Edits::kAddDataFile) : edits.Do(Edits::kAddGivenDataFile, path);
+    if (!added || !m_convertedFormat) return;
+    // A second recording of an INS has sensors of its own unit: which of them are meant is not known.
+    if (*m_convertedFormat == ERawFormat::rawIns || *m_convertedFormat == ERawFormat::decodedIns) return;
+    m_document.AddSensorsOf(*m_document.GetProject()->simulationParameters->externalFiles.back());
+}
+
+void CTrvProjectMainFrame::Export() {
+    using namespace Dialogue_Tarvel;
+    CTrvSimpleExporterDlg dialog(
+        GetToolServices(), GetExportProject(*m_document.GetProject()->simulationParameters),
+        [this](const auto& file) { return m_dialogs.OpenLink(QUrl::fromLocalFile(ToQString(file))); });
+    m_dialogs.Show(this, dialog);
 }
 
 // A value that is chosen from what the project has.
@@ -471,8 +530,7 @@ void CTrvProjectMainFrame::Take(const std::vector<std::filesystem::path>& files)
     if (IsProject(files.front())) {
         OpenProject(files.front());
     } else if (HasProject()) {
-        for (const auto& file : files)
-            m_processing->Add([&] { m_document.GetEdits().Do(Edits::kAddDataFile, file); });
+        for (const auto& file : files) AddDataFile(file);
     } else {
         m_dropped = files;
         NewProject();

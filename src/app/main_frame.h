@@ -6,6 +6,7 @@
 #include "app/commands.h"
 #include "app/frame_host.h"
 #include "app/recent_files.h"
+#include "dialogs/tool_dialog.h"
 #include "document/document.h"
 #include "foundation/text_id.h"
 #include "views/output_panel.h"
@@ -20,6 +21,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QSettings;
@@ -84,6 +86,10 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void Relink();
     // Puts panels and tool bars back to their first places.
     void ResetLayout();
+    void Export();
+    // Asks for the file when `path` is empty. A recording of a sensor that was converted for it gets its
+    // sensor.
+    void AddDataFile(const std::filesystem::path& path = {});
 
     // The style and colours of the `appearance` setting; again after a change of it.
     void ApplyAppearance();
@@ -100,6 +106,10 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
   private:
     EOutcome MakeProject(SMadeProject& made, std::vector<std::filesystem::path> files);
     EOutcome MakeProjectFrom(const std::filesystem::path& commandFile, SMadeProject& made);
+    EOutcome UpdateFile(const std::filesystem::path& path);
+    EOutcome ConvertFiles(const std::vector<std::filesystem::path>& files, ERawFormat format,
+                          std::filesystem::path& converted);
+    Dialogue_Tarvel::SToolServices GetToolServices();
     // What was dropped on the window.
     void Take(const std::vector<std::filesystem::path>& files);
     void ChooseValue(const Presentation_Tarvel_Grid::CHGItem& item);
@@ -120,6 +130,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     CTrvDocument& m_document;
     Presentation_Tarvel_Graphics::CViewState& m_viewState;
     std::vector<std::filesystem::path> m_dropped; // recordings for the next new project
+    std::optional<ERawFormat> m_convertedFormat;  // of the last conversion
     // The widgets belong to the window.
     CTrvStatusBar* m_statusBar = nullptr;
     CTrvOutputPanel* m_output = nullptr;

@@ -26,6 +26,7 @@ class CSilentDialogs final : public IDialogs {
     bool Show(QWidget*, Dialogue_Tarvel::CTrvSettingsDlg&) override { return false; }
     bool Show(QWidget*, Dialogue_Tarvel::CRelinkDialog&) override { return false; }
     bool Show(QWidget*, Presentation_Tarvel_Graphics::CForm&) override { return false; }
+    bool Show(QWidget*, Dialogue_Tarvel::CToolDialog&) override { return false; }
     bool OpenLink(const QUrl&) override { return false; }
 
   private:

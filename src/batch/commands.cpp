@@ -32,7 +32,7 @@ constexpr SSwitchRow kCompareOptions[] = {
     {"--fields", ESwitchValue::text, "NAME,...", EText::fieldsHelp}, kFrom, kTo, kJson};
 constexpr SSwitchRow kPictureOptions[] = {{"--size", ESwitchValue::text, "WxH", EText::sizeHelp}};
 
-constexpr SCommand kCommands[] = {
+const SCommand kCommands[] = {
     {"create", "RECORDING PROJECT", EText::createSummary, kCreateOptions, CreateCommand},
     {"run", "PROJECT", EText::runSummary, kReportOptions, RunCommand},
     {"check", "PROJECT", EText::checkSummary, kReportOptions, CheckCommand},
@@ -49,6 +49,9 @@ constexpr SCommand kCommands[] = {
     {"at", "FILE CHANNEL S", EText::atSummary, kReportOptions, AtCommand},
     {"reduce", "FILE CHANNEL", EText::reduceSummary, kReduceOptions, ReduceCommand},
     {"compare", "RESULT TRUTH", EText::compareSummary, kCompareOptions, CompareCommand},
+    {"import", "KIND|auto SOURCE... TARGET", EText::importSummary, GetImportOptions(), ImportCommand},
+    {"export", "FORMAT PROJECT|FILE TARGET", EText::exportSummary, GetExportOptions(), ExportCommand},
+    {"update", "FILE...", EText::updateSummary, GetUpdateOptions(), UpdateCommand},
     {"picture", "PROJECT OUT.png|.svg|.pdf", EText::pictureSummary, kPictureOptions, PictureCommand},
 };
 
@@ -106,7 +109,9 @@ int RunCommandLine(const SCommand& command, std::span<const std::string> words, 
     const COptions options(words, command.options);
     const auto arguments =
         static_cast<std::size_t>(std::ranges::count(command.arguments, ' ')) + 1; // as the usage has them
-    if (options.GetArguments().size() != arguments) throw CUsageError(EText::wrongArguments);
+    const bool repeats = command.arguments.find("...") != std::string_view::npos;
+    if (options.GetArguments().size() < arguments || (options.GetArguments().size() > arguments && !repeats))
+        throw CUsageError(EText::wrongArguments);
     return command.run(options, streams);
 }
 

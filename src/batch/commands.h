@@ -20,8 +20,9 @@ enum EExit { exitSuccess = 0, exitFailure = 1, exitUsage = 2 };
 
 struct SCommand {
     std::string_view name;
-    std::string_view arguments; // the words after the name that are no options, as the usage shows them
-    EText summary;              // says in one line what the command does
+    // The words after the name that are no options, as the usage shows them; one with "..." may be repeated.
+    std::string_view arguments;
+    EText summary; // says in one line what the command does
     std::span<const SSwitchRow> options;
     int (*run)(const COptions& options, SStreams streams);
 };
@@ -53,6 +54,13 @@ int AtCommand(const COptions& options, SStreams streams);
 int ReduceCommand(const COptions& options, SStreams streams);
 // compare_command.cpp:
 int CompareCommand(const COptions& options, SStreams streams);
+// tool_commands.cpp, with the options that the fields of the dialogs are:
+std::span<const SSwitchRow> GetImportOptions();
+std::span<const SSwitchRow> GetExportOptions();
+std::span<const SSwitchRow> GetUpdateOptions();
+int ImportCommand(const COptions& options, SStreams streams);
+int ExportCommand(const COptions& options, SStreams streams);
+int UpdateCommand(const COptions& options, SStreams streams);
 // picture_command.cpp:
 int PictureCommand(const COptions& options, SStreams streams);
 

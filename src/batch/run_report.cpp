@@ -1,6 +1,7 @@
 #include "batch/run_report.h"
 
 #include "dataaccess/date_search.h"
+#include "dialogs/tool_run.h"
 #include "foundation/texts.h"
 #include "processing/message_line.h"
 #include "processing/notification.h"
@@ -48,12 +49,10 @@ void CRunReport::ReportProgress(int percent) {
         Application_Tarvel::FindDateReached(m_result).value_or(CDateTimeSpan::Invalid());
     CTable& table = GetTable();
     table.Add(EText::rowProgress).Add(percent).Add(reached).Add(m_utcOrigin + reached);
-    if (percent > 0) table.Add(EstimateTimeLeft(std::chrono::steady_clock::now() - m_start, percent).count());
+    if (percent > 0)
+        table.Add(
+            Dialogue_Tarvel::EstimateTimeLeft(std::chrono::steady_clock::now() - m_start, percent).count());
     table.EndRow(true);
-}
-
-std::chrono::seconds EstimateTimeLeft(std::chrono::steady_clock::duration elapsed, int percent) {
-    return std::chrono::round<std::chrono::seconds>(elapsed * (100 - percent) / percent);
 }
 
 } // namespace Batch

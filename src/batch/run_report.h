@@ -57,7 +57,4 @@ class CRunReport final : public IReport {
     std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
 };
 
-// The time that a work will still take, as far as its progress shows. REQUIRES: percent above 0.
-std::chrono::seconds EstimateTimeLeft(std::chrono::steady_clock::duration elapsed, int percent);
-
 } // namespace Batch

@@ -1,6 +1,7 @@
 #include "dialogs/settings_dialog.h"
 
 #include "config/config_file.h"
+#include "dialogs/color_text.h"
 #include "foundation/numbers.h"
 #include "foundation/text.h"
 #include "foundation/texts.h"
@@ -165,19 +166,6 @@ ERowKind KindOf(ESetting setting) {
     }
 }
 
-std::string ToHex(std::uint32_t argb) {
-    constexpr char kDigits[] = "0123456789ABCDEF";
-    std::string text = "#";
-    for (int shift = 28; shift >= 0; shift -= 4) text += kDigits[argb >> shift & 0xF];
-    return text;
-}
-std::optional<std::uint32_t> FromHex(std::string_view text) {
-    std::uint32_t argb = 0;
-    if (text.size() != 9 || text[0] != '#') return std::nullopt;
-    const auto [end, error] = std::from_chars(text.data() + 1, text.data() + text.size(), argb, 16);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(argb) : std::nullopt;
-}
-
 SChoices GetChoicesOf(const SSettingRow& row, const Outils_Valeurs::CTrvAdaptors& adaptors) {
     SChoices choices;
     if (row.kind == ESetting::unit) {
@@ -208,7 +196,7 @@ class CSettingItem final : public CHGItem {
         if (row.kind == ESetting::section) return;
         m_choices = GetChoicesOf(row, adaptors);
         switch (row.kind) {
-        case ESetting::color: m_text = ToHex(value.GetColor()); break;
+        case ESetting::color: m_text = FormatColor(value.GetColor()); break;
         case ESetting::character:
             m_text = Outils_Texte::Utf16ToUtf8(std::u16string(1, value.GetChar()));
             break;
@@ -257,8 +245,8 @@ class CSettingItem final : public CHGItem {
             break;
         }
         case ESetting::color:
-            if (!FromHex(text)) return std::string(GetText(EText::invalidValue));
-            m_text = ToHex(*FromHex(text));
+            if (!ParseColor(text)) return std::string(GetText(EText::invalidValue));
+            m_text = FormatColor(*ParseColor(text));
             return {};
         case ESetting::program:
             if (text.empty()) return std::string(GetText(EText::enterValue));
@@ -276,7 +264,7 @@ class CSettingItem final : public CHGItem {
 
     const SSettingRow& GetRow() const { return m_row; }
     const std::string& GetKeptText() const { return m_text; }
-    std::uint32_t GetColor() const { return FromHex(m_text).value_or(0); }
+    std::uint32_t GetColor() const { return ParseColor(m_text).value_or(0); }
 
     void Store(CTrvCnfConfigFile& configuration) const {
         CXmlConfigValue& value = configuration.GetValue(m_row.key);

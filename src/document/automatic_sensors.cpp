@@ -32,6 +32,36 @@ void ConnectSensor(CTrvSensor& sensor, CTrvDataFileChannel& channel) {
         marker->eventId = std::to_string(channel.id - kChannelBeforeEvents);
 }
 
+CTrvSensor* MakeSensor(CTrvSimulationParameters& parameters, ESensorKind kind) {
+    CTrvSensor* added = parameters.AddSensor(kind);
+    if (!added || kind != ESensorKind::gps) return added;
+    // The antennas of one vessel are often side by side.
+    for (const auto& sensor : parameters.sensors) {
+        if (sensor.get() == added || sensor->GetKind().kind != ESensorKind::gps) continue;
+        *added->GetLeverArm() = *sensor->GetLeverArm();
+        break;
+    }
+    return added;
+}
+
+SChannelSensor AddSensorOn(CTrvSimulationParameters& parameters, CTrvDataFile& file, std::uint16_t number) {
+    CTrvDataFileChannel* channel = file.FindChannel(number);
+    const SSensorKind* kind = channel ? FindSensorKind(channel->sensorClass) : nullptr;
+    if (!kind) return {};
+    const bool served = std::ranges::any_of(parameters.sensors, [&](const auto& sensor) {
+        const bool isOfFile = sensor->channel && sensor->channel->file == &file;
+        return sensor->channel == channel ||
+               (isOfFile && kind->maximum == 1 && sensor->GetKind().kind == kind->kind);
+    });
+    if (served) return {};
+    const std::string_view label = Outils_Texte::GetText(kind->label);
+    const std::string name = Outils_Fichiers::ToText(file.path.filename());
+    CTrvSensor* sensor = MakeSensor(parameters, kind->kind);
+    if (!sensor) return {nullptr, Outils_Texte::FormatText(EText::convertedSensorMissing, {label, name})};
+    ConnectSensor(*sensor, *channel);
+    return {sensor, Outils_Texte::FormatText(EText::convertedSensorAdded, {label, channel->name, name})};
+}
+
 CAutomaticSensors::SAdded CAutomaticSensors::Add(CTrvSimulationParameters& parameters, CTrvDataFile& file,
                                                  std::uint16_t number) {
     CTrvDataFileChannel* channel = file.FindChannel(number);

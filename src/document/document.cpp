@@ -221,6 +221,7 @@ void CTrvDocument::DeleteContents() {
 void CTrvDocument::LetGo() {
     const CWaitCursor wait(GetHost());
     m_automaticSensors.reset();
+    m_sensorFiles.clear();
     m_files.reset();
     m_queryManager.Stop();
     m_pProject.reset();
@@ -302,11 +303,27 @@ void CTrvDocument::OnRecordingKnown() {
 
 void CTrvDocument::OnChannelFound(CTrvDataFile& file, std::uint16_t channel) {
     UpdateAllViews(nullptr, hintChannelFound, &file);
+    if (m_sensorFiles.contains(&file)) AddSensorOn(file, channel);
     if (!m_automaticSensors) return;
     const auto [sensor, message] = m_automaticSensors->Add(*m_pProject->simulationParameters, file, channel);
     if (!sensor) return;
     ProjectChanged(hintSensorAdded, sensor);
     GetHost().AppendOutputText(std::string(GetText(message)));
+}
+
+void CTrvDocument::AddSensorsOf(CTrvDataFile& file) {
+    m_sensorFiles.insert(&file);
+    for (const auto& channel : file.channels)
+        if (const auto* layer = m_pProject->dataModel->FindLayer(&file, channel->id);
+            layer && layer->m_hasData)
+            AddSensorOn(file, channel->id);
+}
+
+void CTrvDocument::AddSensorOn(CTrvDataFile& file, std::uint16_t channel) {
+    const auto [sensor, line] =
+        Application_Tarvel::AddSensorOn(*m_pProject->simulationParameters, file, channel);
+    if (sensor) ProjectChanged(hintSensorAdded, sensor);
+    if (!line.empty()) GetHost().AppendOutputText(line);
 }
 
 bool CTrvDocument::PrepareBatchCommandFile() {
@@ -318,6 +335,7 @@ bool CTrvDocument::PrepareBatchCommandFile() {
 CTrvDocumentEdits CTrvDocument::GetEdits() { return CTrvDocumentEdits(*this); }
 
 void CTrvDocument::ProjectChanged(EHint hint, const Outils_Objets::CObject* object) {
+    if (hint == hintDataFileRemoved) m_sensorFiles.erase(object);
     SetModifiedFlag(true);
     m_bParametersChanged = true;
     UpdateAllViews(nullptr, hint, object);

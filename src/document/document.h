@@ -15,6 +15,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <set>
 
 namespace Outils_Configuration {
 class CTrvCnfConfigFile;
@@ -54,6 +55,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     // Whether any file is still looked at or analysed, also for no project.
     bool IsAnalysing() const { return m_fileLooks.IsBusy() || (m_files && m_files->IsAnalysing()); }
 
+    // Gives the external file a sensor on each channel that has packets, as the analysis meets it.
+    void AddSensorsOf(CTrvDataFile& file);
     // The edits of the project, one method each: document/edits.h.
     CTrvDocumentEdits GetEdits();
     // Marks the project modified and informs the views: every edit calls it after its change of the model.
@@ -134,6 +137,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     void FollowProject();
     void SearchFirstData();
 
+    void AddSensorOn(CTrvDataFile& file, std::uint16_t channel);
+
     void OnResultRemoved(bool existed) override;
     void OnRunStarted() override;
     void OnRunEnded() override;
@@ -150,6 +155,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
     bool m_bParametersChanged = false;
     CUnsavedWork m_unsaved;
     std::optional<CAutomaticSensors> m_automaticSensors; // of a project that was not reopened since it is new
+
+    std::set<const Outils_Objets::CObject*> m_sensorFiles; // whose channels get sensors
 
     CXpfFileCache m_fileCache; // outlives the queries of the manager below
     Outils::CEndingThreads m_endingThreads;

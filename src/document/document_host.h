@@ -27,7 +27,12 @@ enum class EButtons { ok, okCancel, yesNo, yesNoCancel };
 enum class EIcon { information, exclamation, question };
 enum class EAnswer { ok, cancel, yes, no };
 
-enum class EPathKind { open, openSeveral, save };
+enum class EPathKind {
+    open,
+    openSeveral,
+    save,
+    saveUnasked // the caller asks about replacing a file
+};
 
 struct SPathQuestion {
     EPathKind kind;
@@ -43,8 +48,8 @@ class IQuestions {
 
     // Shows a text and waits for the answer.
     virtual EAnswer ShowMessage(const std::string& text, EButtons buttons, EIcon icon) = 0;
-    // Returns the chosen paths, one unless several may be opened; empty when cancelled. The user agreed to
-    // replace an existing file that is to be saved.
+    // Returns the chosen paths, one unless several may be opened; empty when cancelled. For `save` the user
+    // agreed to replace an existing file.
     virtual std::vector<std::filesystem::path> AskPath(const SPathQuestion& question) = 0;
 };
 

@@ -1,5 +1,7 @@
 #include "grid/item.h"
 
+#include "foundation/paths.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -16,6 +18,10 @@ std::string CHGItem::Choose(int choice) {
     const auto choices = GetChoices();
     if (choice < 0 || static_cast<std::size_t>(choice) >= choices.size()) return {};
     return Write(choices[static_cast<std::size_t>(choice)]);
+}
+
+std::string CHGItem::WritePaths(const std::vector<std::filesystem::path>& paths) {
+    return Write(Outils_Fichiers::ToText(paths.front()));
 }
 
 void CHGItem::Insert(std::size_t index, std::unique_ptr<CHGItem> child) {

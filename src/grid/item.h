@@ -5,6 +5,7 @@
 #include "document/document_host.h"
 #include "foundation/object.h"
 
+#include <filesystem>
 #include <memory>
 #include <span>
 #include <string>
@@ -61,6 +62,8 @@ class CHGItem {
     virtual std::string Write(std::string_view text);
     // The same for the word of a list by its number.
     virtual std::string Choose(int choice);
+    // The same for the paths that the dialog of a file row gave. REQUIRES: at least one.
+    virtual std::string WritePaths(const std::vector<std::filesystem::path>& paths);
     // The object of the model that the row stands for or belongs to; null for none.
     virtual const CObject* GetObject() const { return nullptr; }
 

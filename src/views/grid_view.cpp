@@ -15,6 +15,8 @@
 #include <QScopedValueRollback>
 #include <QStyledItemDelegate>
 
+#include <algorithm>
+
 namespace Application_Tarvel {
 
 using namespace Presentation_Tarvel_Grid;
@@ -77,6 +79,7 @@ class CGridDelegate final : public QStyledItemDelegate {
         if (!editor || event->type() != QEvent::KeyPress)
             return QStyledItemDelegate::eventFilter(watched, event);
         const int key = static_cast<QKeyEvent*>(event)->key();
+        if (MoveInList(editor, *static_cast<QKeyEvent*>(event))) return true;
         const bool isTab = key == Qt::Key_Tab || key == Qt::Key_Backtab;
         if (!isTab && key != Qt::Key_Return && key != Qt::Key_Enter)
             return QStyledItemDelegate::eventFilter(watched, event);
@@ -124,6 +127,15 @@ class CGridDelegate final : public QStyledItemDelegate {
             if (Take(list, m_edited)) Q_EMIT self->closeEditor(list, NoHint);
         });
         return list;
+    }
+
+    // The arrows only move in a list that is not open: by itself it would be done with the first step.
+    static bool MoveInList(QWidget* editor, const QKeyEvent& event) {
+        auto* list = qobject_cast<QComboBox*>(editor);
+        const int step = event.key() == Qt::Key_Down ? 1 : event.key() == Qt::Key_Up ? -1 : 0;
+        if (!list || step == 0 || (event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) return false;
+        list->setCurrentIndex(std::clamp(list->currentIndex() + step, 0, list->count() - 1));
+        return true;
     }
 
     // True when the row has taken what the editor holds.
@@ -251,9 +263,9 @@ bool CTrvGridView::StartDialog(CHGItem& item) {
         if (chosen.isValid()) Write(item, chosen.name(QColor::HexArgb));
     } else if (const SPathQuestion* question = item.GetPathQuestion()) {
         SPathQuestion asked = *question;
-        asked.proposed = Outils_Fichiers::FromText(item.GetValue());
+        if (asked.proposed.empty()) asked.proposed = Outils_Fichiers::FromText(item.GetValue());
         const auto paths = m_questions.AskPath(asked);
-        if (!paths.empty()) Write(item, ToQString(Outils_Fichiers::ToText(paths.front())));
+        if (!paths.empty()) Accepts(item.WritePaths(paths));
     }
     return true;
 }

@@ -61,6 +61,8 @@ class CScriptedDialogs final : public IDialogs {
     bool Show(QWidget*, Dialogue_Tarvel::CRelinkDialog& d) override { return m_relink && m_relink(d); }
     std::function<bool(Presentation_Tarvel_Graphics::CForm&)> m_form;
     bool Show(QWidget*, Presentation_Tarvel_Graphics::CForm& d) override { return m_form && m_form(d); }
+    std::function<bool(Dialogue_Tarvel::CToolDialog&)> m_tool;
+    bool Show(QWidget*, Dialogue_Tarvel::CToolDialog& d) override { return m_tool && m_tool(d); }
     bool OpenLink(const QUrl& link) override {
         m_links.push_back(link);
         return m_linkOpens;

@@ -53,7 +53,7 @@ TEST_F(DataFileEdits, PreparesFilesBeforeAdding) {
         m_host.m_answers.assign(c.answers.begin(), c.answers.end());
         m_host.m_repaired = c.canUpdate ? good : std::filesystem::path();
         m_host.m_converted = c.canConvert ? std::optional(good) : std::nullopt;
-        EXPECT_EQ(m_edits.Do(Edits::kAddDataFile, {}), c.added) << c.chosen;
+        EXPECT_EQ(m_edits.Do(Edits::kAddDataFile), c.added) << c.chosen;
         std::vector<std::string> messages;
         for (const EText message : c.messages) messages.push_back(Text(message));
         EXPECT_EQ(m_host.TakeMessages(), messages) << c.chosen;
@@ -62,7 +62,7 @@ TEST_F(DataFileEdits, PreparesFilesBeforeAdding) {
     }
     EXPECT_EQ(m_host.m_conversions.back().second, ERawFormat::depth);
     m_host.m_dataFile.reset();
-    EXPECT_FALSE(m_edits.Do(Edits::kAddDataFile, {}));
+    EXPECT_FALSE(m_edits.Do(Edits::kAddDataFile));
     EXPECT_THAT(m_host.m_messages, IsEmpty());
     // One hour after the main recording, to the precision of the seconds in a UTC packet.
     const auto& file = *Parameters().externalFiles.back();

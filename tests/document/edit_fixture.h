@@ -97,7 +97,7 @@ class CEditTest : public testing::Test {
     CTrvDataFile* AddFile(const char* name, int hour = 11) {
         Record(m_folder / name, 9, hour);
         m_host.m_dataFile = m_folder / name;
-        return m_edits.Do(Edits::kAddDataFile, {}) ? Parameters().externalFiles.back().get() : nullptr;
+        return m_edits.Do(Edits::kAddDataFile) ? Parameters().externalFiles.back().get() : nullptr;
     }
     std::vector<std::uint8_t> Bytes() {
         Outils_Objets::CMemoryStream stream;

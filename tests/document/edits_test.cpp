@@ -280,7 +280,7 @@ TEST_F(EditsTest, NoProjectMeansNoEditNoMessage) {
     CTrvZupt zupt;
     m_host.m_dataFile = m_folder / "r.tarin";
     EXPECT_FALSE(m_edits.AddSensor(ESensorKind::gps));
-    EXPECT_FALSE(m_edits.Do(Edits::kAddDataFile, {}));
+    EXPECT_FALSE(m_edits.Do(Edits::kAddDataFile));
     EXPECT_FALSE(m_edits.Do(Edits::kChangeZupt, zupt, {1, CDateTime(), CDateTime()}));
     EXPECT_FALSE(CTrvActChangeZupt(m_document, zupt, {1, CDateTime(), CDateTime()}).Do());
     EXPECT_FALSE(m_edits.Change(zupt, zupt, Rows::kZuptMode, std::int64_t{1}));

@@ -91,14 +91,16 @@ std::optional<std::filesystem::path> Prepare(const CEdit& edit, const std::files
 
 } // namespace
 
-bool Procedures::AddDataFile(const CEdit& edit, std::filesystem::path given) {
+bool Procedures::AddDataFile(const CEdit& edit) {
     CTrvDocument& document = edit.GetDocument();
-    std::vector<std::filesystem::path> chosen{std::move(given)};
-    if (chosen.front().empty())
-        chosen = document.GetHost().AskPath(
-            {EPathKind::open, EText::dataFileTitle, EText::dataFileFilter, kRecordingExtension});
-    if (chosen.empty()) return false;
-    const auto path = Prepare(edit, chosen.front());
+    const auto chosen = document.GetHost().AskPath(
+        {EPathKind::open, EText::dataFileTitle, EText::dataFileFilter, kRecordingExtension});
+    return !chosen.empty() && AddGivenDataFile(edit, chosen.front());
+}
+
+bool Procedures::AddGivenDataFile(const CEdit& edit, std::filesystem::path chosen) {
+    CTrvDocument& document = edit.GetDocument();
+    const auto path = Prepare(edit, chosen);
     if (!path) return false;
     auto& parameters = *edit.GetProject().simulationParameters;
     if (parameters.HasDataFile(*path)) return edit.Refuse(EText::dataFileReferenced);

@@ -22,7 +22,9 @@ using namespace Metier_Tarvel_InstantValues;
 
 // Asks for a file, has it updated or converted where it must be, and takes it into the project as an external
 // file.
-bool AddDataFile(const CEdit& edit, std::filesystem::path given);
+bool AddDataFile(const CEdit& edit);
+// The same for a file that was chosen already.
+bool AddGivenDataFile(const CEdit& edit, std::filesystem::path chosen);
 
 // Files of the project, and where each is now.
 using CMoves = std::vector<std::pair<CTrvDataFile*, std::filesystem::path>>;

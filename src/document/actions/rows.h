@@ -27,9 +27,11 @@ inline void SetFileOffset(CTrvDataFile& file, CDateTimeSpan offset) {
 
 // --- Data files
 
-// With the file, or an empty path to ask for it.
-inline constexpr TEditRow<std::filesystem::path> kAddDataFile{
-    {"CTrvActAddDataFile", hintDataFileAdded, EText::dataFileFailed}, AddDataFile};
+inline constexpr TEditRow<> kAddDataFile{{"CTrvActAddDataFile", hintDataFileAdded, EText::dataFileFailed},
+                                         AddDataFile};
+// For a file that was dropped: it has no given name.
+inline constexpr TEditRow<std::filesystem::path> kAddGivenDataFile{
+    {"", hintDataFileAdded, EText::dataFileFailed}, AddGivenDataFile};
 inline constexpr TEditRow<CMoves> kMoveDataFiles{
     {"CTrvActMoveDataFiles", hintDataLayersRebuilt, EText::dataFileReferenced}, MoveDataFiles};
 inline constexpr TEditRow<CTrvDataFile&> kRemoveDataFile{

@@ -1,4 +1,5 @@
 #include "document/actions/procedures.h"
+#include "document/automatic_sensors.h"
 #include "document/document.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -23,17 +24,8 @@ bool ReadConfigurationFile(CTrvNelixConfiguration& configuration, const std::fil
 bool AddSensor(const CEdit& edit, ESensorKind kind) {
     auto& parameters = *edit.GetProject().simulationParameters;
     if (!parameters.CanAddSensor(kind)) return edit.Refuse(EText::tooManySensors);
-    CTrvSensor* added = parameters.AddSensor(kind);
-    if (!added) return edit.Refuse();
-    if (kind == ESensorKind::gps) {
-        // The antennas of one vessel are often side by side.
-        for (const auto& sensor : parameters.sensors) {
-            if (sensor.get() == added || sensor->GetKind().kind != ESensorKind::gps) continue;
-            *added->GetLeverArm() = *sensor->GetLeverArm();
-            break;
-        }
-    }
-    return edit.Changed(added);
+    CTrvSensor* added = MakeSensor(parameters, kind);
+    return added ? edit.Changed(added) : edit.Refuse();
 }
 
 bool ChangeSensorChannel(const CEdit& edit, CTrvSensor& sensor, CTrvDataFileChannel& channel) {
