@@ -107,7 +107,8 @@ int PictureCommand(const COptions& options, SStreams streams) {
     Outils_Valeurs::CTrvAdaptors adaptors;
     adaptors.Configure(session.GetConfiguration());
     Outils_Plot2D::CPlot2DSettings settings;
-    CTrv1DGraphLoader loader(session.GetDocument(), adaptors, settings);
+    CViewState viewState;
+    CTrv1DGraphLoader loader(session.GetDocument(), viewState, adaptors, settings);
     loader.SetViewSize({static_cast<float>(size.width()), static_cast<float>(size.height())}, 1.0,
                        ELayout::fit);
     auto& queue = session.GetHost().GetQueue();
