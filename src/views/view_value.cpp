@@ -178,8 +178,8 @@ void CTrvViewValue::MoveRows(int places) {
     int limit = places > 0 ? m_model.rowCount() : -1; // the row before, which the next one does not pass
     for (const CTrvInstantValue* saved : rows) {
         const int wanted = placeOf(saved) + places;
-        if (places > 0 ? wanted < limit : wanted > limit)
-            m_values.Move(*saved, static_cast<std::size_t>(std::max(wanted, 0)));
+        const int place = places > 0 ? std::min(wanted, limit - 1) : std::max(wanted, limit + 1);
+        m_values.Move(*saved, static_cast<std::size_t>(place));
         limit = placeOf(saved);
     }
 }

@@ -96,11 +96,11 @@ class DataPanelsTest : public CDataFixture {
 const QPoint kOnValues(850, 300), kBelowGraphs(500, 590), kOutside(150, 590);
 
 TEST_F(DataPanelsTest, FilterLeavesWhatMatches) {
-    const QModelIndex depth = Find("dep");
+    const QModelIndex depth = Find("input dep"); // the result has states of the depth sensor
     EXPECT_EQ(depth.data(), "Depth");
     EXPECT_EQ(m_tree->model()->rowCount(), 1);
     Key(*m_tree, Qt::Key_X, {}, "xyz"); // typing in the tree goes on in the box
-    EXPECT_EQ(m_box->text(), "depxyz");
+    EXPECT_EQ(m_box->text(), "input depxyz");
     EXPECT_EQ(m_tree->model()->rowCount(), 0);
     Key(*m_box, Qt::Key_Escape);
     EXPECT_EQ(m_box->text(), "");
@@ -195,8 +195,11 @@ TEST_F(DataPanelsTest, PlanFollowsWheelDragAndKeys) {
     EXPECT_EQ(m_state.GetCursor(ECursor::first), std::nullopt);
     Key(view, Qt::Key_Home);
     EXPECT_EQ(scale().metresPerPixel, before.metresPerPixel);
-    Mouse(view, QEvent::MouseButtonPress, {200, 150});
-    Mouse(view, QEvent::MouseButtonRelease, {200, 150});
+    const auto& points = view.GetPlan().GetTracks()[0].whole->points;
+    const SPoint middle = scale().ToPixel(points[points.size() / 2].place);
+    const QPoint onTrack(static_cast<int>(middle.x), static_cast<int>(middle.y));
+    Mouse(view, QEvent::MouseButtonPress, onTrack);
+    Mouse(view, QEvent::MouseButtonRelease, onTrack);
     EXPECT_TRUE(m_state.GetCursor(ECursor::first)) << "a click puts the cursor to the track";
     view.CopyPicture();
     const QMimeData* data = QApplication::clipboard()->mimeData();
