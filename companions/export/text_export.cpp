@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 
 namespace Exportation {
 
@@ -109,7 +108,7 @@ class CResultTable {
     CResultTable(CExportRun& run, CExportFile& file, bool withImu)
         : m_clock(run.GetClock()), m_file(file), m_decimation(run.GetDecimation()), m_row(kMorvexStdLayout) {
         if (withImu)
-            m_imu.emplace(kMorvexExtLayout, [](std::string_view name) {
+            m_imu = std::make_unique<CTextRow>(kMorvexExtLayout, [](std::string_view name) {
                 return std::ranges::find(kImuFields, name) != std::end(kImuFields);
             });
         if (HasHeader(run.GetArguments()))
@@ -127,7 +126,7 @@ class CResultTable {
         Complete();
         if (m_seen++ % m_decimation != 0) return;
         BeginRow(packet);
-        m_waits = m_imu.has_value();
+        m_waits = m_imu != nullptr;
         m_waitingDate = packet.date;
         if (!m_imu || HasExtended()) Complete();
     }
@@ -157,7 +156,7 @@ class CResultTable {
     CExportFile& m_file;
     std::uint64_t m_decimation;
     CTextRow m_row;
-    std::optional<CTextRow> m_imu;
+    std::unique_ptr<CTextRow> m_imu; // null without them
     CIsoFormatter m_iso;
     std::vector<std::uint8_t> m_extended; // payload of the last extended packet
     std::int64_t m_extendedDate = 0;

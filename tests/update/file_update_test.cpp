@@ -74,9 +74,9 @@ std::vector<SFormerField> GetFields(const SFormerLayout& former, bool isFormer) 
 
 // A number that every type holds, different for each field and packet.
 int MakeValue(const std::string& name, int packet) {
-    int sum = packet;
-    for (const char c : name) sum = sum * 31 + c;
-    return sum & 0x7F;
+    unsigned sum = static_cast<unsigned>(packet);
+    for (const char c : name) sum = sum * 31 + static_cast<unsigned char>(c);
+    return static_cast<int>(sum & 0x7F);
 }
 
 Bytes MakePayload(const std::vector<SFormerField>& fields, int packet) {
