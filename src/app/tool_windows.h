@@ -34,6 +34,7 @@ class CToolWindow final : public QDialog, private Dialogue_Tarvel::IToolDialogLi
 
   private:
     void OnToolMessage(int level, const std::string& text) override;
+    void OnToolEnded() override { ShowState(); }
     void MakeContent();
     void StartOrCancel();
     void Poll();

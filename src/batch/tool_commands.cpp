@@ -194,9 +194,7 @@ std::optional<SExportProject> MakeSingleSource(const std::string& path, SStreams
 // "result" and "main" in the place of the words of the dialog, or the name of a file.
 std::string FindSource(const SExportProject& project, const std::string& wanted) {
     for (const SExportSource& source : project.sources) {
-        const std::string_view role = source.word == "input" ? "main"
-                                      : source.isResult      ? "result"
-                                                             : source.word;
+        const std::string role = source.word == "input" ? "main" : source.isResult ? "result" : source.word;
         if (Outils_Texte::EqualsNoCase(wanted, role) || Outils_Texte::EqualsNoCase(wanted, source.word) ||
             wanted == ToText(source.path.filename()) ||
             Outils_Fichiers::SamePath(ToAbsolute(FromText(wanted)), source.path))

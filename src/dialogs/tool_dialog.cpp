@@ -263,8 +263,9 @@ bool CToolDialog::Close() {
 
 void CToolDialog::Finish() {
     m_outcome = m_run.IsStopRequested() ? EOutcome::cancelled : EOutcome::done;
-    m_hasEnded = OnEnded(m_outcome, m_failure);
     m_grid.Changed(m_grid.GetRoot());
+    if (m_listener) m_listener->OnToolEnded();
+    m_hasEnded = OnEnded(m_outcome, m_failure);
 }
 
 std::string CToolDialog::DescribeEnd() const {

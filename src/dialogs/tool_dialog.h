@@ -34,6 +34,8 @@ class IToolDialogListener {
     virtual ~IToolDialogListener() = default;
     // `level` is an EMessageLevel.
     virtual void OnToolMessage(int level, const std::string& text) = 0;
+    // Comes before what the dialog says of the end.
+    virtual void OnToolEnded() {}
 };
 
 // What the checks ask the disk, found by one look.
