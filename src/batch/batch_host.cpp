@@ -60,7 +60,7 @@ EOutcome CBatchHost::ConvertRawFiles(const std::vector<std::filesystem::path>& f
     return Refuse(FormatText(EText::convertFilesName, {ToText(files.front())}));
 }
 
-void CBatchHost::AppendOutputText(const SOutputLine& line) {
+void CBatchHost::AppendOutputText(const Application_Tarvel::SOutputLine& line) {
     m_report.ReportLine(Communication_Interfaces::levelInformation, ToLine(line.text));
 }
 

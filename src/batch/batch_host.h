@@ -34,7 +34,7 @@ class CBatchHost final : public Application_Tarvel::IDocumentHost,
     Application_Tarvel::EOutcome ConvertRawFiles(const std::vector<std::filesystem::path>& files,
                                                  Application_Tarvel::ERawFormat,
                                                  std::filesystem::path&) override;
-    void AppendOutputText(const SOutputLine& line) override;
+    void AppendOutputText(const Application_Tarvel::SOutputLine& line) override;
     void SetProgress(int percent) override;
     void ShowProgress(bool visible) override;
     void ShowWaitCursor(bool) override {}
