@@ -530,7 +530,7 @@ void CTrvProjectMainFrame::Take(const std::vector<std::filesystem::path>& files)
     if (IsProject(files.front())) {
         OpenProject(files.front());
     } else if (HasProject()) {
-        for (const auto& file : files) AddDataFile(file);
+        for (const auto& file : files) m_processing->Add([&] { AddDataFile(file); });
     } else {
         m_dropped = files;
         NewProject();

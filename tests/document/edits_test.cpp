@@ -38,7 +38,7 @@ struct SExpected {
 };
 // clang-format off
 const std::map<std::string, SExpected, std::less<>> kExpected = {
-    {"AddDataFile", {1, 303}}, {"RemoveDataFile", {2, 326}}, {"AddSensorGps", {3, 301}}, {"AddSensorDvl", {3, 301}},
+    {"AddDataFile", {1, 303}}, {"MoveDataFiles", {31, 302}}, {"RemoveDataFile", {2, 326}}, {"AddSensorGps", {3, 301}}, {"AddSensorDvl", {3, 301}},
     {"AddSensorEMLog", {3, 301}}, {"AddSensorDepth", {3, 301}}, {"AddSensorUsbl", {3, 301}},
     {"AddSensorLbl", {3, 301}}, {"AddSensorOdometer", {3, 301}}, {"AddSensorEventMarker", {3, 301}},
     {"AddSensorPlatformOrientation", {3, 301}}, {"RemoveSensor", {13}}, {"ChangeSensorGps", {12}},

@@ -214,7 +214,7 @@ TEST_F(PlanTest, CursorAndShownPeriodAreMarked) {
     const QImage plain = Draw();
     SetCursors(50);
     RunUntil([this] { return m_plan->GetCursors().size() == 2; });
-    const SPlanCursor& cursor = m_plan->GetCursors()[0];
+    const SPlanCursor cursor = m_plan->GetCursors()[0];
     EXPECT_NEAR(cursor.place.north, 50 * kDegreesPerSecond * 111131.8, 1e-3);
     EXPECT_TRUE(cursor.hasUncertainty);
     EXPECT_EQ(cursor.ellipse.semiMajor, 4);
