@@ -2,6 +2,7 @@
 #pragma once
 
 #include "export/packet_pass.h"
+#include "foundation/date_text.h"
 #include "foundation/date_time.h"
 
 #include <optional>
@@ -11,15 +12,12 @@ namespace Exportation {
 
 using Outils_Temps::CDateTime;
 using Outils_Temps::CDateTimeSpan;
+using Outils_Temps::CIsoFormatter;
+using Outils_Temps::FormatSeconds;
 
 // "2026-03-01T12:30:15.2500000", with "T" or a blank, with or without a fraction and a final "Z"; invalid for
 // any other text and for what names no instant.
 CDateTime ParseIsoDate(std::string_view text);
-
-// `value` with leading zeros. Returns the end.
-char* FormatDigits(std::uint64_t value, int digits, char* out);
-// Signed decimal seconds with seven decimals. Returns the end.
-char* FormatSeconds(std::int64_t ticks, char* out);
 
 class CClock {
   public:
@@ -43,20 +41,6 @@ class CClock {
   private:
     std::int64_t m_offset = 0;
     std::optional<CDateTime> m_zero;
-};
-
-// Writes instants as "2026-03-14T09:26:53.5897932Z". The calendar is asked once a day. One thread.
-class CIsoFormatter {
-  public:
-    // Decimals of the second, 0 to 7; further ones are cut.
-    explicit CIsoFormatter(int decimals = 7) : m_decimals(decimals) {}
-    // Returns the end; `out` itself for an invalid instant or a year above 9999.
-    char* Format(CDateTime instant, char* out);
-
-  private:
-    int m_decimals;
-    std::uint64_t m_day = ~std::uint64_t{0}; // whose date m_text holds
-    char m_text[11] = {};
 };
 
 } // namespace Exportation

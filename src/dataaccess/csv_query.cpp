@@ -32,20 +32,6 @@ char* FormatElement(const std::uint8_t* bytes, const SCsvColumn& column, char* o
         .ptr;
 }
 
-// With leading zeros.
-char* FormatDigits(std::int64_t value, int digits, char* out) {
-    for (int i = digits; i-- > 0; value /= 10) out[i] = static_cast<char>('0' + value % 10);
-    return out + digits;
-}
-
-char* FormatSeconds(std::int64_t ticks, char* out) {
-    if (ticks < 0) *out++ = '-';
-    const auto size = ticks < 0 ? 0 - static_cast<std::uint64_t>(ticks) : static_cast<std::uint64_t>(ticks);
-    out = std::to_chars(out, out + kWidestValue, size / kTicksPerSecond).ptr;
-    *out++ = '.';
-    return FormatDigits(static_cast<std::int64_t>(size % kTicksPerSecond), 7, out);
-}
-
 } // namespace
 
 CTrvCsvQuery::CTrvCsvQuery(SChannelAddress address, SClosedPeriod period, SCsvClock clock,
@@ -62,7 +48,6 @@ bool CTrvCsvQuery::Begin(const SPacketLayout& layout) {
     m_elements.clear();
     m_headings.clear();
     m_rows = 0;
-    m_day = -1;
     m_targetAtFault = false;
     AppendHeading(m_clock.heading);
     for (const SCsvColumn& column : m_columns)
@@ -116,36 +101,12 @@ bool CTrvCsvQuery::Take(Payloads payloads) {
     return true;
 }
 
-// The calendar is asked once a day.
 char* CTrvCsvQuery::FormatDate(std::int64_t date, char* out) {
     const CDateTimeSpan span(date);
-    const CDateTime instant = m_clock.zero ? *m_clock.zero + span : CDateTime::Invalid();
-    const auto ticks = static_cast<std::int64_t>(instant.GetTicks());
-    if (instant.IsValid() && ticks / kTicksPerDay != m_day) {
-        CalendarFields fields;
-        m_day = instant.GetCalendar(fields) && fields.year <= 9999 ? ticks / kTicksPerDay : -1;
-        char* text = FormatDigits(fields.year, 4, m_dayText);
-        *text++ = '-';
-        text = FormatDigits(fields.month, 2, text);
-        *text++ = '-';
-        FormatDigits(fields.day, 2, text);
-    }
-    if (!instant.IsValid() || m_day < 0) {
-        const CDateTimeSpan shown = span + m_clock.origin;
-        return FormatSeconds(shown.IsValid() ? shown.GetTicks() : date, out);
-    }
-    const std::int64_t inDay = ticks % kTicksPerDay;
-    std::memcpy(out, m_dayText, 10);
-    out[10] = 'T';
-    FormatDigits(inDay / kTicksPerHour, 2, out + 11);
-    out[13] = ':';
-    FormatDigits(inDay / kTicksPerMinute % 60, 2, out + 14);
-    out[16] = ':';
-    FormatDigits(inDay / kTicksPerSecond % 60, 2, out + 17);
-    out[19] = '.';
-    FormatDigits(inDay % kTicksPerSecond, 7, out + 20);
-    out[27] = 'Z';
-    return out + 28;
+    if (m_clock.zero)
+        if (char* end = m_iso.Format(*m_clock.zero + span, out); end != out) return end;
+    const CDateTimeSpan shown = span + m_clock.origin;
+    return Outils_Temps::FormatSeconds(shown.IsValid() ? shown.GetTicks() : date, out);
 }
 
 bool CTrvCsvQuery::OpenBeside() {

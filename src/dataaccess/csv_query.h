@@ -4,6 +4,7 @@
 #pragma once
 
 #include "dataaccess/period_query.h"
+#include "foundation/date_text.h"
 #include "foundation/descriptor.h"
 
 #include <filesystem>
@@ -76,8 +77,7 @@ class CTrvCsvQuery final : public TPeriodQuery<CTrvCsvQuery> {
     std::size_t m_used = 0;
     std::uint64_t m_rows = 0;
     bool m_targetAtFault = false;
-    std::int64_t m_day = -1; // whose calendar date m_dayText holds
-    char m_dayText[11] = {};
+    Outils_Temps::CIsoFormatter m_iso;
 };
 
 } // namespace Application_Tarvel
