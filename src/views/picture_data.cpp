@@ -19,9 +19,8 @@ namespace Application_Tarvel {
 
 namespace {
 
-constexpr int kDensity = 2; // pixels of a bitmap for one of the picture
-constexpr double kPointsPerPixel = 0.75;
-constexpr int kPointsPerInch = 72;
+constexpr int kDensity = 2;        // pixels of a bitmap for one of the picture
+constexpr int kPdfResolution = 96; // units an inch: one is a pixel of the screen
 
 void WriteSvg(const SPictureData& picture, QBuffer& buffer) {
     QSvgGenerator generator;
@@ -34,12 +33,11 @@ void WriteSvg(const SPictureData& picture, QBuffer& buffer) {
 
 void WritePdf(const SPictureData& picture, QBuffer& buffer) {
     QPdfWriter writer(&buffer);
-    writer.setResolution(kPointsPerInch);
-    const QSizeF points = QSizeF(picture.size) * kPointsPerPixel;
+    writer.setResolution(kPdfResolution);
+    const QSizeF points = QSizeF(picture.size) * (72.0 / kPdfResolution);
     writer.setPageSize(QPageSize(points, QPageSize::Point, {}, QPageSize::ExactMatch));
     writer.setPageMargins(QMarginsF());
     QPainter painter(&writer);
-    painter.scale(kPointsPerPixel, kPointsPerPixel);
     picture.draw(painter);
 }
 
@@ -64,20 +62,26 @@ static_assert(std::size(kForms) == std::size(kPictureTypes));
 
 } // namespace
 
-QByteArray MakePictureBytes(const SPictureData& picture, std::size_t type) {
+QByteArray MakePictureBytes(const SPictureData& picture, EPictureFormat format) {
     QByteArray bytes;
     if (picture.size.isEmpty()) return bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
-    kForms[type].write(picture, buffer);
+    kForms[static_cast<std::size_t>(format)].write(picture, buffer);
     return bytes;
 }
 
-bool CopyPicture(const SPictureData& picture) {
+bool AddPicture(const SPictureData& picture, QMimeData& data) {
     if (picture.size.isEmpty()) return false;
-    auto data = std::make_unique<QMimeData>();
     for (std::size_t type = 0; type < std::size(kPictureTypes); ++type)
-        data->setData(QString::fromLatin1(kPictureTypes[type]), MakePictureBytes(picture, type));
+        data.setData(QString::fromLatin1(kPictureTypes[type]),
+                     MakePictureBytes(picture, static_cast<EPictureFormat>(type)));
+    return true;
+}
+
+bool CopyPicture(const SPictureData& picture) {
+    auto data = std::make_unique<QMimeData>();
+    if (!AddPicture(picture, *data)) return false;
     QGuiApplication::clipboard()->setMimeData(data.release());
     return true;
 }
@@ -87,7 +91,7 @@ bool SavePicture(const SPictureData& picture, const std::filesystem::path& path)
     std::size_t type = 0;
     for (std::size_t i = 0; i < std::size(kForms); ++i)
         if (ending == QLatin1String(kForms[i].ending)) type = i;
-    const QByteArray bytes = MakePictureBytes(picture, type);
+    const QByteArray bytes = MakePictureBytes(picture, static_cast<EPictureFormat>(type));
     QSaveFile file(Outils_Plot2D::ToQString(path));
     return !bytes.isEmpty() && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
            file.commit();

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 
+class QMimeData;
 class QPainter;
 
 namespace Application_Tarvel {
@@ -20,9 +21,13 @@ struct SPictureData {
 // The clipboard's name of a form is also that of its bytes; png has two pixels for one.
 inline constexpr const char* kPictureTypes[] = {"image/svg+xml", "application/pdf", "image/png"};
 
-// The bytes of the form of this place in the list. Empty for an empty size.
-QByteArray MakePictureBytes(const SPictureData& picture, std::size_t type);
-// In all forms. False for an empty size.
+enum class EPictureFormat { svg, pdf, png }; // in the order of the types
+
+// Empty for an empty size.
+QByteArray MakePictureBytes(const SPictureData& picture, EPictureFormat format);
+// Adds all forms to what goes to the clipboard. False, and nothing is added, for an empty size.
+bool AddPicture(const SPictureData& picture, QMimeData& data);
+// The same on the clipboard.
 bool CopyPicture(const SPictureData& picture);
 // By the ending of the name, SVG for an unknown one. False when the file could not be written; it is then as
 // it was.

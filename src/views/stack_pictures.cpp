@@ -4,17 +4,12 @@
 #include "graph/stack_text.h"
 #include "plot/text.h"
 
-#include <QBuffer>
 #include <QClipboard>
 #include <QGuiApplication>
-#include <QImage>
 #include <QMimeData>
 #include <QPageLayout>
 #include <QPainter>
-#include <QPdfWriter>
 #include <QPrinter>
-#include <QSaveFile>
-#include <QSvgGenerator>
 
 #include <cmath>
 
@@ -27,10 +22,6 @@ using Outils_Texte::FormatText;
 
 namespace {
 
-constexpr int kPngScale = 2;
-constexpr int kPdfResolution = 96; // units an inch: one is a pixel of the screen
-constexpr const char* kMimeTypes[] = {"image/svg+xml", "application/pdf", "image/png"};
-
 // From the left and upper edge of the stack to its right and lower one.
 QSize GetPictureSize(const CTrv1DGraphStack& stack) {
     float width = 0;
@@ -39,78 +30,36 @@ QSize GetPictureSize(const CTrv1DGraphStack& stack) {
     return {static_cast<int>(std::ceil(width)), static_cast<int>(std::ceil(stack.GetHeight()))};
 }
 
-void Draw(const SPictureContent& content, QPaintDevice& device) {
+SPictureData ToData(const SPictureContent& content) {
     const QSize size = GetPictureSize(content.stack);
-    QPainter painter(&device);
-    painter.fillRect(QRect(QPoint(), size), QColor::fromRgba(Outils_Plot2D::kLightTheme.ground));
-    CGraphics graphics(painter);
-    DrawStack(content.stack, graphics,
-              {0, 0, static_cast<float>(size.width()), static_cast<float>(size.height())}, false);
-    DrawCursors(content.stack, graphics, content.viewState, content.look, content.echo);
-}
-
-void WriteSvg(const SPictureContent& content, QBuffer& buffer, QSize size) {
-    QSvgGenerator generator;
-    generator.setOutputDevice(&buffer);
-    generator.setSize(size);
-    generator.setViewBox(QRect(QPoint(), size));
-    Draw(content, generator);
-}
-
-void WritePdf(const SPictureContent& content, QBuffer& buffer, QSize size) {
-    QPdfWriter writer(&buffer);
-    writer.setResolution(kPdfResolution);
-    constexpr double kPointsPerUnit = 72.0 / kPdfResolution;
-    writer.setPageSize(
-        QPageSize(QSizeF(size) * kPointsPerUnit, QPageSize::Point, QString(), QPageSize::ExactMatch));
-    writer.setPageMargins(QMarginsF());
-    Draw(content, writer);
-}
-
-void WritePng(const SPictureContent& content, QBuffer& buffer, QSize size) {
-    QImage image(size * kPngScale, QImage::Format_RGB32);
-    image.setDevicePixelRatio(kPngScale);
-    Draw(content, image);
-    image.save(&buffer, "PNG");
+    return {size, [&content, size](QPainter& painter) {
+                painter.fillRect(QRect(QPoint(), size), QColor::fromRgba(Outils_Plot2D::kLightTheme.ground));
+                CGraphics graphics(painter);
+                DrawStack(content.stack, graphics,
+                          {0, 0, static_cast<float>(size.width()), static_cast<float>(size.height())}, false);
+                DrawCursors(content.stack, graphics, content.viewState, content.look, content.echo);
+            }};
 }
 
 } // namespace
 
 QByteArray MakePicture(const SPictureContent& content, EPictureFormat format) {
-    const QSize size = GetPictureSize(content.stack);
-    QByteArray bytes;
-    if (size.isEmpty()) return bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    constexpr void (*kWriters[])(const SPictureContent&, QBuffer&, QSize) = {WriteSvg, WritePdf, WritePng};
-    kWriters[static_cast<std::size_t>(format)](content, buffer, size);
-    return bytes;
+    return MakePictureBytes(ToData(content), format);
 }
 
 bool SavePicture(const SPictureContent& content, const std::filesystem::path& path) {
-    const QString ending = ToQString(path.extension()).toLower();
-    const EPictureFormat format = ending == QLatin1String(".pdf")   ? EPictureFormat::pdf
-                                  : ending == QLatin1String(".png") ? EPictureFormat::png
-                                                                    : EPictureFormat::svg;
-    const QByteArray bytes = MakePicture(content, format);
-    QSaveFile file(ToQString(path));
-    return !bytes.isEmpty() && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
-           file.commit();
+    return SavePicture(ToData(content), path);
 }
 
 ECopyEnd CopyToClipboard(const SPictureContent& content) {
     auto mime = std::make_unique<QMimeData>();
-    for (const EPictureFormat format : {EPictureFormat::svg, EPictureFormat::pdf, EPictureFormat::png}) {
-        const QByteArray bytes = MakePicture(content, format);
-        if (bytes.isEmpty()) return ECopyEnd::noPicture;
-        mime->setData(QLatin1String(kMimeTypes[static_cast<std::size_t>(format)]), bytes);
-    }
+    if (!AddPicture(ToData(content), *mime)) return ECopyEnd::noPicture;
     mime->setText(ToQString(WriteValues(content.stack, content.viewState)));
     QClipboard* clipboard = QGuiApplication::clipboard();
     clipboard->setMimeData(mime.release());
     // Another program may hold it.
     const QMimeData* held = clipboard->mimeData();
-    return held && held->hasFormat(QLatin1String(kMimeTypes[0])) ? ECopyEnd::done : ECopyEnd::noClipboard;
+    return held && held->hasFormat(QLatin1String(kPictureTypes[0])) ? ECopyEnd::done : ECopyEnd::noClipboard;
 }
 
 void PrintPages(const SPictureContent& content, QPrinter& printer, const SPageMargins& margins,

@@ -4,6 +4,7 @@
 
 #include "graph/pages.h"
 #include "graph/stack_picture.h"
+#include "views/picture_data.h"
 
 #include <QByteArray>
 
@@ -21,8 +22,6 @@ struct SPictureContent {
     Presentation_Tarvel_Graphics::SCursorLook look;
     bool echo = true;
 };
-
-enum class EPictureFormat { svg, pdf, png }; // png with two pixels for one of the screen
 
 // Empty when there is nothing to draw.
 QByteArray MakePicture(const SPictureContent& content, EPictureFormat format);
