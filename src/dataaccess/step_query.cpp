@@ -9,13 +9,8 @@ using namespace Persistance_Xpf;
 
 EQueryEnd CTrvStepQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet) {
     m_date.reset();
-    // An exact hit in the cache would leave the bracket at both ends of the file.
-    SDateSearch search = MakeSearch(false);
-    search.cache = nullptr;
     SDateBracket bracket;
-    const EDateSearch end = SearchDate(channel, *packet, m_from, search, bracket);
-    if (end == EDateSearch::cancelled) return EQueryEnd::cancelled;
-    if (end == EDateSearch::failed) return EQueryEnd::failed;
+    if (const auto end = FindNeighbours(channel, *packet, m_from, bracket)) return *end;
     const bool isAfter = m_from >= bracket.upperDate;
     if (m_steps > 0) return StepOn(channel, *packet, bracket.lowerNumber);
     if (m_steps < 0) return StepBack(channel, *packet, isAfter ? bracket.upperNumber : bracket.lowerNumber);

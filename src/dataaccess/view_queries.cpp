@@ -40,6 +40,17 @@ void CTrvDataQuery::ForgetReplaced(const CXpfFile& file) const {
     if (m_address.cache && !file.IsAt(m_address.path)) m_address.cache->InvalidateFile(m_address.path);
 }
 
+std::optional<EQueryEnd> CTrvDataQuery::FindNeighbours(CXpfChannel& channel, CXpfDatedPacket& packet,
+                                                       CDateTimeSpan date, SDateBracket& bracket) const {
+    SDateSearch search = MakeSearch(false);
+    search.cache = nullptr;
+    switch (SearchDate(channel, packet, date, search, bracket)) {
+    case EDateSearch::cancelled: return EQueryEnd::cancelled;
+    case EDateSearch::failed: return EQueryEnd::failed;
+    default: return std::nullopt;
+    }
+}
+
 EQueryEnd CTrvViewValueDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet) {
     switch (SearchDate(channel, *packet, m_time, MakeSearch(false), m_bracket)) {
     case EDateSearch::outside: return EQueryEnd::done;
@@ -51,7 +62,7 @@ EQueryEnd CTrvViewValueDataQuery::Search(CXpfChannel& channel, std::unique_ptr<C
     SPacketHeader header;
     if (!channel.SeekPacketNumber(PickNearer(m_bracket, m_time)) || !channel.ReadNextPacket(*packet, &header))
         return EQueryEnd::failed;
-    m_place = {header.number, channel.GetPrevious()};
+    m_place = {header.number, channel.GetPrevious(), packet->GetPacketDate()};
     m_packet = std::move(packet);
     return EQueryEnd::done;
 }

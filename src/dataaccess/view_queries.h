@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace Application_Tarvel {
@@ -61,6 +62,12 @@ class CTrvDataQuery : public CAsyncQuery {
     SDateSearch MakeSearch(bool feedsCache) const {
         return {m_address.path, m_address.cache, feedsCache, m_cancel};
     }
+    // The packets around a date, or with a date outside the data the first and the last one. Without the
+    // cache, an exact hit in which would leave the bracket at both ends of the file. None when the bracket is
+    // filled; else how the query ends.
+    std::optional<EQueryEnd> FindNeighbours(Persistance_Xpf::CXpfChannel& channel,
+                                            Persistance_Xpf::CXpfDatedPacket& packet, CDateTimeSpan date,
+                                            SDateBracket& bracket) const;
 
     Outils::CEvent m_cancel;
 
@@ -76,6 +83,7 @@ class CTrvDataQuery : public CAsyncQuery {
 struct SPacketPlace {
     std::uint32_t number = 0; // within its channel
     Persistance_Xpf::CXpfFilePosition position;
+    CDateTimeSpan date; // on the clock of the file
 };
 
 // The packet nearest to a moment, the earlier on a tie.

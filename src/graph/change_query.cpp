@@ -1,4 +1,4 @@
-#include "graph/sample_queries.h"
+#include "graph/change_query.h"
 
 #include "dataaccess/date_search.h"
 
@@ -9,29 +9,9 @@ namespace Presentation_Tarvel_Graphics {
 using namespace Application_Tarvel;
 using namespace Persistance_Xpf;
 
-EQueryEnd CTrv1DSampleQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet) {
-    // An exact hit in the cache would leave the bracket at both ends of the file.
-    SDateSearch search = MakeSearch(false);
-    search.cache = nullptr;
-    SDateBracket bracket;
-    const EDateSearch end = SearchDate(channel, *packet, m_time, search, bracket);
-    if (end == EDateSearch::cancelled) return EQueryEnd::cancelled;
-    if (end == EDateSearch::failed) return EQueryEnd::failed;
-    if (end == EDateSearch::outside) return EQueryEnd::done;
-    SPacketHeader header;
-    if (!channel.SeekPacketNumber(PickNearer(bracket, m_time)) || !channel.ReadNextPacket(*packet, &header))
-        return m_cancel.IsSet() ? EQueryEnd::cancelled : EQueryEnd::failed;
-    m_place = SSamplePlace{header.number, channel.GetPrevious().Get(), packet->GetPacketDate()};
-    return EQueryEnd::done;
-}
-
 EQueryEnd CTrv1DChangeQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpfDatedPacket> packet) {
-    SDateSearch search = MakeSearch(false);
-    search.cache = nullptr;
     SDateBracket bracket;
-    const EDateSearch end = SearchDate(channel, *packet, m_from, search, bracket);
-    if (end == EDateSearch::cancelled) return EQueryEnd::cancelled;
-    if (end == EDateSearch::failed) return EQueryEnd::failed;
+    if (const auto end = FindNeighbours(channel, *packet, m_from, bracket)) return *end;
     const bool isAfter = m_from >= bracket.upperDate;
     if (m_forward) return SearchOn(channel, *packet, isAfter ? bracket.upperNumber : bracket.lowerNumber);
     return SearchBack(channel, *packet, isAfter ? bracket.upperNumber : bracket.lowerNumber);

@@ -1,5 +1,4 @@
-// Questions about single samples of a channel: where the one at a moment lies in its file, and where a state
-// changes. Run on the loader thread; answers come on the UI thread.
+// Where a state changes. Runs on the loader thread; the answer comes on the UI thread.
 #pragma once
 
 #include "dataaccess/view_queries.h"
@@ -12,43 +11,6 @@ namespace Presentation_Tarvel_Graphics {
 using Application_Tarvel::EQueryEnd;
 using Application_Tarvel::SChannelAddress;
 using Outils_Temps::CDateTimeSpan;
-
-struct SSamplePlace {
-    std::uint32_t number = 0;  // of the packet in its channel
-    std::int64_t position = 0; // bytes from the start of the file
-    CDateTimeSpan date;        // on the file's clock
-
-    friend bool operator==(const SSamplePlace&, const SSamplePlace&) = default;
-};
-
-// The packet nearest to a moment.
-class CTrv1DSampleQuery final : public Application_Tarvel::CTrvDataQuery {
-  public:
-    // Once. None outside the channel's data and on failure.
-    using Callback = std::function<void(std::optional<SSamplePlace> place)>;
-
-    CTrv1DSampleQuery(SChannelAddress address, CDateTimeSpan time, Callback onDone)
-        : CTrvDataQuery(std::move(address)), m_time(time), m_onDone(std::move(onDone)) {}
-
-    // Once Execute has returned.
-    const std::optional<SSamplePlace>& GetPlace() const { return m_place; }
-
-    void OnFinished(bool) override {
-        if (m_onDone) m_onDone(m_place);
-    }
-    void OnCancelled() override {
-        if (m_onDone) m_onDone({});
-    }
-
-  protected:
-    EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
-                     std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) override;
-
-  private:
-    CDateTimeSpan m_time;
-    Callback m_onDone;
-    std::optional<SSamplePlace> m_place;
-};
 
 // The nearest change of a status field before or after a moment: the date of the first packet with the new
 // state.

@@ -2,7 +2,7 @@
 
 #include "dataaccess/step_query.h"
 #include "foundation/texts.h"
-#include "graph/sample_queries.h"
+#include "graph/change_query.h"
 
 #include <utility>
 

@@ -58,25 +58,28 @@ void CTrvView1DTip::Show(const QHelpEvent& event) {
     QToolTip::showText(event.globalPos(), text, &m_view);
     const auto cursor = m_view.GetViewState().GetCursor(ECursor::first);
     if (!cursor) return;
-    const auto address = document.GetFiles()->GetAddress(*curve->channel.file, curve->channel.channel);
+    auto address = document.GetFiles()->GetAddress(*curve->channel.file, curve->channel.channel);
+    address.cache = nullptr; // by an exact hit in it the search would answer with an end of the file
     const auto origin = Metier_Tarvel::ToSpan(curve->channel.file->timeOffset);
-    // The manager drops answers that come after its end.
-    m_query = std::make_shared<CTrv1DSampleQuery>(
-        address, *cursor - origin,
-        [this, at = event.globalPos(), text, origin](std::optional<SSamplePlace> place) {
-            if (place) place->date += origin;
-            OnPlace(at, text, place);
+    // The manager drops answers that come after its end. The query outlives its own answer.
+    const auto asked = std::make_shared<const CTrvViewValueDataQuery*>(nullptr);
+    const auto query = std::make_shared<CTrvViewValueDataQuery>(
+        std::move(address), *cursor - origin,
+        [this, at = event.globalPos(), text, origin, asked](bool, const auto& packet) {
+            if (packet) OnPlace(at, text, (*asked)->GetPlace(), (*asked)->GetPlace().date + origin);
         });
+    *asked = query.get();
+    m_query = query;
     m_queries->Submit(m_query);
 }
 
-void CTrvView1DTip::OnPlace(QPoint at, const QString& text, const std::optional<SSamplePlace>& place) {
-    if (!place || !QToolTip::isVisible() || QToolTip::text() != text) return;
-    const std::string date = m_view.GetStack().GetTimeText().Format(place->date);
+void CTrvView1DTip::OnPlace(QPoint at, const QString& text, const SPacketPlace& place, CDateTimeSpan date) {
+    if (!QToolTip::isVisible() || QToolTip::text() != text) return;
     QToolTip::showText(
         at,
-        ToQString(FormatText(EText::sampleTip, {text.toStdString(), date, std::to_string(place->number),
-                                                std::to_string(place->position)})),
+        ToQString(FormatText(EText::sampleTip,
+                             {text.toStdString(), m_view.GetStack().GetTimeText().Format(date),
+                              std::to_string(place.number), std::to_string(place.position.Get())})),
         &m_view);
 }
 

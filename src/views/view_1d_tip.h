@@ -2,14 +2,12 @@
 // thread; the place is searched in the background, and shown once it is known.
 #pragma once
 
-#include "dataaccess/async_query.h"
-#include "graph/sample_queries.h"
+#include "dataaccess/view_queries.h"
 
 #include <QPoint>
 #include <QString>
 
 #include <memory>
-#include <optional>
 
 class QHelpEvent;
 
@@ -28,8 +26,8 @@ class CTrvView1DTip {
     void Show(const QHelpEvent& event);
 
   private:
-    void OnPlace(QPoint at, const QString& text,
-                 const std::optional<Presentation_Tarvel_Graphics::SSamplePlace>& place);
+    // `date`: of the packet, on the clock of the recording.
+    void OnPlace(QPoint at, const QString& text, const SPacketPlace& place, CDateTimeSpan date);
 
     CTrvView1D& m_view;
     std::unique_ptr<CAsyncQueryManager> m_queries;

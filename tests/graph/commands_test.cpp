@@ -1,9 +1,9 @@
 #include "foundation/texts.h"
+#include "graph/change_query.h"
 #include "graph/csv_export.h"
 #include "graph/cursor_steps.h"
 #include "graph/dive.h"
 #include "graph/forms.h"
-#include "graph/sample_queries.h"
 #include "graph/stack_text.h"
 
 #include <fstream>
@@ -96,20 +96,20 @@ TEST_F(GraphCommands, SamplesAreFoundInTheirFile) {
     OpenAndLoad();
     const auto address =
         m_document->GetFiles()->GetAddress(Recording(), Channel(Recording(), "DEPTH").channel);
-    CTrv1DSampleQuery query(address, Seconds(180), {});
+    CTrvViewValueDataQuery query(address, Seconds(180), {});
     ASSERT_EQ(query.Execute(), EQueryEnd::done);
-    ASSERT_TRUE(query.GetPlace());
-    EXPECT_EQ(query.GetPlace()->date, Seconds(200));
+    ASSERT_TRUE(query.TakePacket());
+    EXPECT_EQ(query.GetPlace().date, Seconds(200));
     // The date itself is in the file at that place, after the header of the packet.
     std::ifstream file(m_folder / "dive.tarin", std::ios::binary);
     std::string bytes(200, '\0');
-    file.seekg(query.GetPlace()->position);
+    file.seekg(query.GetPlace().position.Get());
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     const std::int64_t ticks = Seconds(200).GetTicks();
     EXPECT_LT(bytes.find(std::string(reinterpret_cast<const char*>(&ticks), sizeof ticks)), 64u);
-    CTrv1DSampleQuery outside(address, Seconds(1000), {});
+    CTrvViewValueDataQuery outside(address, Seconds(1000), {});
     EXPECT_EQ(outside.Execute(), EQueryEnd::done);
-    EXPECT_FALSE(outside.GetPlace());
+    EXPECT_FALSE(outside.TakePacket());
 }
 
 TEST_F(GraphCommands, VisibleDataBecomesTables) {
