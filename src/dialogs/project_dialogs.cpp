@@ -183,17 +183,11 @@ std::vector<CNewProjectWizard::SFindingRow> CNewProjectWizard::DescribeFindings(
     return rows;
 }
 
-// The configuration file of the INS may have given a channel its sensor already.
+// A channel that the configuration file of the INS has given its sensor keeps that.
 void CNewProjectWizard::AddSensors(CTrvProject& project) const {
     auto& run = *project.simulationParameters;
-    for (const SOffer& offer : m_findings.offers) {
-        auto* channel = run.mainInputFile->FindChannel(offer.channel.id);
-        const auto uses = [channel](const auto& sensor) { return sensor->channel == channel; };
-        if (!offer.isTaken || !channel || std::ranges::any_of(run.sensors, uses) ||
-            !run.CanAddSensor(*offer.channel.kind))
-            continue;
-        if (auto* sensor = run.AddSensor(*offer.channel.kind)) ConnectSensor(*sensor, *channel);
-    }
+    for (const SOffer& offer : m_findings.offers)
+        if (offer.isTaken) AddSensorOn(run, *run.mainInputFile, offer.channel.id);
 }
 
 std::string CNewProjectWizard::GetInputLine() const {
