@@ -32,7 +32,7 @@ enum EField : std::size_t {
     fieldSensorDepth
 };
 
-// The depth that counts, m: 0 of the code says none, 1 the computed one, 2 that of the beacon's sensor.
+// The depth to take, m, by its code: 0 none, 1 the computed depth, 2 the beacon's own sensor.
 std::optional<double> GetDepth(const CFields& fields) {
     const auto kind = ParseInteger<int>(fields[fieldDepthKind]);
     if (kind == 1) return ParseNumber(fields[fieldDepth]);

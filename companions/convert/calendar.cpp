@@ -96,7 +96,7 @@ std::optional<Ticks> MakeGpsTime(std::int64_t week, Ticks timeOfWeek) {
 }
 
 int GetLeapSeconds(Ticks gpsTime) {
-    // As GPS time: the second of each step is that of UTC and all leap seconds before.
+    // In GPS time: UTC of the step plus the leap seconds inserted before it.
     static constexpr auto kSteps = [] {
         std::array<Ticks, kLeapDays.size()> steps{};
         for (std::size_t i = 0; i < steps.size(); ++i)

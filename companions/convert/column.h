@@ -12,7 +12,7 @@ namespace Conversion {
 struct SColumn {
     const Persistance_Xpf::SFieldLayout* field = nullptr; // null: ignored
     Enregistrement::SPlace place{};
-    double factor = 1; // from the unit of the column to that of the field
+    double factor = 1; // converts the unit of the column into the unit of the field
 };
 
 // The column of a title, "Depth" or "Std. dev. depth [cm]", matched without case. A title that is none of the

@@ -28,7 +28,7 @@ struct STrack {
     std::uint64_t line = 0;
 };
 
-// What is measured at one time.
+// The measurements of one date.
 struct SEnsemble {
     std::optional<Ticks> date;
     double soundVelocity = 0; // m/s

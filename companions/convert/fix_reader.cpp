@@ -28,7 +28,7 @@ constexpr std::array kSolutionModes{gpsFixed,        gpsFloat,  gpsDifferential,
 struct STextKind {
     std::string_view heading;
     std::span<const EGpsMode> modes;
-    char comment;         // begins the lines of the header, also that of the titles; 0: none
+    char comment;         // begins the lines of the header and of the titles; 0 for none
     bool hasFixedColumns; // there are no titles
 };
 constexpr STextKind kTextKinds[] = {
@@ -145,7 +145,7 @@ class CFixReader {
         return m_layout.separator == ',' ? ParseNumber(word) : ParseNumberOrComma(word);
     }
 
-    // Degrees of one to three words; the sign is that of the first, "-0" included.
+    // Degrees in one to three words. The first word has the sign, also as "-0".
     std::optional<double> ParseAngle(const CFields& words, std::size_t first, unsigned count,
                                      double most) const {
         double angle = 0, unit = 1;

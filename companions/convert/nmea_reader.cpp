@@ -158,7 +158,7 @@ class CNmeaReader {
                                   {"ZDA", &CNmeaReader::TakeZda},
                                   {"RMC", &CNmeaReader::TakeRmc}};
         const auto* row = std::ranges::find(kRows, sentence.GetKind(), &SRow::kind);
-        // The kind itself may be what is damaged.
+        // The damage may be in the name of the sentence.
         if (m_verifies && sentence.sum == ECheckSum::wrong) return Fault(EText::faultCheckSum);
         if (row == std::end(kRows) || !IsTrusted(sentence)) return;
         const CFields fields = CFields::Split(sentence.body, ',');
@@ -242,7 +242,7 @@ class CNmeaReader {
         if (date && fields[8].size() == 6) SetDate(*date % 100, *date / 100 % 100, *date / 10000, time);
     }
 
-    // A date that no calendar has is that of a receiver without one.
+    // Receivers send an impossible date while they do not know it.
     void SetDate(int year, int month, int day, Ticks time) {
         if (year < 100) year += year < 80 ? 2000 : 1900;
         const auto number = MakeDay(year, month, day);

@@ -36,7 +36,7 @@ struct SFrame {
 std::size_t GetFrameSize(std::span<const std::uint8_t> bytes);
 // The frame at the front; empty unless it is whole and its sum holds.
 std::optional<SFrame> ReadFrame(std::span<const std::uint8_t> bytes);
-// Writes a frame; its size. REQUIRES: the payload is that of the channel; there are kLargestFrame bytes.
+// Writes a frame and returns its size. REQUIRES: a payload of the channel, and room for kLargestFrame bytes.
 std::size_t WriteFrame(const SFrame& frame, std::span<std::uint8_t> bytes);
 
 // CRC-32 as in IEEE 802.3, of these bytes.

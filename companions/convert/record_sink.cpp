@@ -17,7 +17,7 @@ namespace {
 
 static_assert(kNelixNavLayout.payloadSize <= 64, "no packet of a recording is larger");
 
-// The first record stands alone when the others are so much later.
+// With a longer gap after it the first record counts as a stray one.
 constexpr Ticks kIsolated = kTicksPerDay;
 
 } // namespace
