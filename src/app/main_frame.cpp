@@ -3,8 +3,8 @@
 #include "app/appearance.h"
 #include "app/command_bars.h"
 #include "app/graph_commands.h"
-#include "app/start_page.h"
 #include "app/status_bar.h"
+#include "app/window_middle.h"
 #include "dialogs/choosers.h"
 #include "dialogs/export_tools.h"
 #include "dialogs/file_updater.h"
@@ -22,13 +22,11 @@
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QDragEnterEvent>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScreen>
 #include <QSettings>
-#include <QStackedWidget>
 #include <QTimer>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -53,8 +51,6 @@ constexpr const char* kGeometryKey = "mainFrame/geometry";
 constexpr const char* kStateKey = "mainFrame/state";
 constexpr const char* kHeightsKey = "graphs/heights";
 constexpr QSize kFirstSize(1280, 800);
-// The mission that the build records as an example, from the folder of the program.
-constexpr auto kSamplePath = "../../sample/mission.tarprj";
 constexpr QSize kProcessingSize(320, 500);
 constexpr QSize kOutputSize(600, 140);
 constexpr QSize kVariablesSize(255, 400);
@@ -113,7 +109,12 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
 
     m_view = new CTrvView1D(m_document, m_viewState, application.GetConfiguration(),
                             application.GetAdaptors(), application.GetPlotSettings(), this);
-    MakeMiddle();
+    m_middle = new CWindowMiddle(m_view, m_document, m_recentFiles, application.GetProgramFolder(), this);
+    setCentralWidget(m_middle);
+    connect(m_middle, &CWindowMiddle::NewRequested, this, &CTrvProjectMainFrame::NewProject);
+    connect(m_middle, &CWindowMiddle::OpenRequested, this, &CTrvProjectMainFrame::AskAndOpen);
+    connect(m_middle, &CWindowMiddle::ProjectRequested, this, &CTrvProjectMainFrame::OpenProject);
+    connect(m_middle, &CWindowMiddle::RecentRequested, this, &CTrvProjectMainFrame::OpenRecent);
     m_processing =
         new CTrvViewProcessing(m_document, application.GetConfiguration(), application.GetAdaptors());
     m_output = new CTrvOutputPanel;
@@ -177,13 +178,12 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     m_document.AddView(this);
     UpdateFrame();
     m_middle->currentWidget()->setFocus();
-    LookForRecent();
 }
 
 CTrvProjectMainFrame::~CTrvProjectMainFrame() {
     // The widgets go after this: from here on nothing reaches a window that is half gone.
     m_document.RemoveView(this);
-    m_document.GetFileLooks().Forget(this);
+    m_middle->disconnect(this);
     m_view->disconnect(this);
     m_processing->disconnect(this);
     m_host.SetProjectMakers({}, {});
@@ -358,65 +358,6 @@ void CTrvProjectMainFrame::ChooseValue(const Presentation_Tarvel_Grid::CHGItem& 
                              std::filesystem::path());
 }
 
-void CTrvProjectMainFrame::MakeMiddle() {
-    m_start = new CTrvStartPage;
-    m_middle = new QStackedWidget(this);
-    m_middle->addWidget(m_start);
-    m_middle->addWidget(m_view);
-    setCentralWidget(m_middle);
-    connect(m_start, &CTrvStartPage::NewRequested, this, &CTrvProjectMainFrame::NewProject);
-    connect(m_start, &CTrvStartPage::OpenRequested, this, &CTrvProjectMainFrame::AskAndOpen);
-    connect(m_start, &CTrvStartPage::SampleRequested, this, [this] { OpenProject(m_sample); });
-    connect(m_start, &CTrvStartPage::RecentRequested, this, &CTrvProjectMainFrame::OpenRecent);
-}
-
-void CTrvProjectMainFrame::UpdateStartPage() {
-    QWidget* const shown = HasProject() ? static_cast<QWidget*>(m_view) : m_start;
-    if (m_middle->currentWidget() != shown) {
-        const bool hadFocus = m_middle->isAncestorOf(focusWidget());
-        m_middle->setCurrentWidget(shown);
-        if (hadFocus) shown->setFocus();
-    }
-    if (HasProject()) return;
-    std::vector<CTrvStartPage::SRecent> recent;
-    for (const auto& file : m_recentFiles.GetFiles()) {
-        const QString folder = ToQString(file.parent_path());
-        const auto date = m_dates.find(file);
-        recent.push_back({ToQString(file.stem()),
-                          date == m_dates.end() ? folder
-                                                : ToQString(Outils_Texte::FormatText(
-                                                      EText::startRecentPlace,
-                                                      {folder.toStdString(), date->second.toStdString()}))});
-    }
-    m_start->SetRecent(recent);
-    m_start->SetHasSample(!m_sample.empty());
-}
-
-// What the start page shows of files: no disk is waited for.
-void CTrvProjectMainFrame::LookForRecent() {
-    struct SFound {
-        std::map<std::filesystem::path, QString> dates;
-        std::filesystem::path sample;
-    };
-    const auto look = [files = m_recentFiles.GetFiles(), folder = m_application.GetProgramFolder(),
-                       locale = locale()](const Outils::CEvent& cancel) {
-        SFound found;
-        for (const auto& file : files) {
-            if (cancel.IsSet()) break;
-            if (const QFileInfo info(ToQString(file)); info.exists())
-                found.dates[file] = locale.toString(info.lastModified(), QLocale::ShortFormat);
-        }
-        const auto sample = (folder / kSamplePath).lexically_normal();
-        if (std::error_code error; std::filesystem::is_regular_file(sample, error)) found.sample = sample;
-        return found;
-    };
-    m_document.GetFileLooks().Ask(this, look, [this](SFound found) {
-        m_dates = std::move(found.dates);
-        m_sample = std::move(found.sample);
-        UpdateStartPage();
-    });
-}
-
 QDockWidget* CTrvProjectMainFrame::MakePanel(int command, const char* name, EText title, QWidget* content,
                                              QSize size, Qt::DockWidgetArea area) {
     auto* panel = new QDockWidget(Text(title), this);
@@ -497,7 +438,7 @@ void CTrvProjectMainFrame::UpdateFrame() {
     m_statusBar->SetMessage(Text(m_running ? EText::running : EText::ready));
     m_statusBar->SetFaults(m_processing->GetTree().GetFaultCount());
     m_commands->Update();
-    UpdateStartPage();
+    m_middle->Update();
 }
 
 void CTrvProjectMainFrame::OnUpdate(EHint hint, const Outils_Objets::CObject*) {

@@ -25,14 +25,13 @@
 #include <vector>
 
 class QSettings;
-class QStackedWidget;
 
 namespace Application_Tarvel {
 
 using Outils_Texte::EText;
 
 class CTrvCommandBars;
-class CTrvStartPage;
+class CWindowMiddle;
 class CTrvGraphCommands;
 
 class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
@@ -115,9 +114,6 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void ChooseValue(const Presentation_Tarvel_Grid::CHGItem& item);
     QDockWidget* MakePanel(int command, const char* name, EText title, QWidget* content, QSize size,
                            Qt::DockWidgetArea area);
-    void MakeMiddle();
-    void UpdateStartPage();
-    void LookForRecent();
     void MakeDataPanels();
     void RestoreWindow();
     void StoreWindow();
@@ -134,8 +130,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     // The widgets belong to the window.
     CTrvStatusBar* m_statusBar = nullptr;
     CTrvOutputPanel* m_output = nullptr;
-    CTrvStartPage* m_start = nullptr;
-    QStackedWidget* m_middle = nullptr; // the graphs, or without a project the start page
+    CWindowMiddle* m_middle = nullptr;
     CTrvView1D* m_view = nullptr;
     CTrvViewProcessing* m_processing = nullptr;
     CTrvViewMetadata* m_variables = nullptr;
@@ -149,8 +144,6 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     bool m_hasUserGuide = false;
     std::filesystem::path m_knownPath; // of the document, when last looked at
     QByteArray m_firstLayout;
-    std::map<std::filesystem::path, QString> m_dates; // of recent projects, as far as they are known
-    std::filesystem::path m_sample;                   // the sample mission; empty when it is not there
 };
 
 } // namespace Application_Tarvel
