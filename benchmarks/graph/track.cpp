@@ -46,7 +46,8 @@ class CSurvey {
 void TrackOfWholeChannel(benchmark::State& state) {
     static const CSurvey survey;
     const CDateTimeSpan end(static_cast<std::int64_t>(kPackets) * kStep);
-    const SChannelAddress address{survey.GetPath(), EFileKind::tarin, 0};
+    constexpr std::uint16_t kGpsNumber = 5; // row of the channel table
+    const SChannelAddress address{survey.GetPath(), EFileKind::tarin, kGpsNumber};
     STrackRequest request;
     request.latitude = kGpsLayout.IndexOf("Latitude");
     request.longitude = kGpsLayout.IndexOf("Longitude");
