@@ -228,6 +228,8 @@ void CEngineRun::End() {
     m_outcome = left && left->hasFinished ? ERunOutcome::finished
                 : m_run.IsStopRequested() ? ERunOutcome::stopped
                                           : ERunOutcome::failed;
+    // The engine's last progress may still wait for this thread, and comes too late once the bar is hidden.
+    m_host.SetProgress(static_cast<int>(m_process.GetProgress()));
     m_listener.OnRunEnded();
     m_host.SetProgress(0);
     m_host.ShowProgress(false);

@@ -109,6 +109,17 @@ TEST_F(EngineRun, ReportsAndEnds) {
     EXPECT_THAT(ParameterFiles(), IsEmpty());
 }
 
+// The engine writes all its lines and ends at once, while this thread serves no message.
+TEST_F(EngineRun, ShowsTheLastProgressUnderLoad) {
+    UseEngine("work", MakeResult());
+    Create();
+    ASSERT_TRUE(m_document.StartSimulation());
+    while (m_document.IsSimulationRunning()) std::this_thread::yield();
+    EXPECT_THAT(m_host.m_shownProgress, Contains(100));
+    m_host.m_queue.RunPending();
+    EXPECT_EQ(m_host.m_shownProgress.back(), 0) << "the bar is set back before it is hidden";
+}
+
 TEST_F(EngineRun, GuardsTheProjectUntilItEnds) {
     UseEngine("deaf");
     Create();

@@ -29,7 +29,7 @@ class CScriptedHost : public IDocumentHost, private Communication_Processus::INo
     std::deque<std::optional<std::filesystem::path>> m_paths; // for the next save dialogs
     std::vector<std::string> m_messages;                      // of the message boxes
     std::vector<std::string> m_output;                        // lines of the output panel
-    std::vector<int> m_progress;
+    std::vector<int> m_progress, m_shownProgress;             // all, and while the bar shows
     bool m_progressShows = false;
     int m_waitCursors = 0;
     std::filesystem::path m_programFolder, m_userFolder;
@@ -81,7 +81,10 @@ class CScriptedHost : public IDocumentHost, private Communication_Processus::INo
     }
 
     void AppendOutputText(const SOutputLine& line) override { m_output.push_back(line.text); }
-    void SetProgress(int percent) override { m_progress.push_back(percent); }
+    void SetProgress(int percent) override {
+        m_progress.push_back(percent);
+        if (m_progressShows) m_shownProgress.push_back(percent);
+    }
     void ShowProgress(bool visible) override { m_progressShows = visible; }
     void ShowWaitCursor(bool on) override { m_waitCursors += on ? 1 : -1; }
     void UpdateMenuForEquipment(std::int32_t equipment) override { m_equipment = equipment; }
