@@ -83,7 +83,7 @@ std::span<const std::uint8_t> CInertialUnit::MakePacket() {
 
     Vector3d rotation = Vector3d::Zero(), velocity = Vector3d::Zero();
     for (const auto& [node, weight] : GetNodes(step)) {
-        const SVehicleState state = m_mission->GetState(middle + node * step / 2, m_cursor);
+        const SVehicleState state = m_mission->GetUnitState(middle + node * step / 2, m_cursor);
         rotation += weight * step * state.inertialRate;
         velocity += weight * step * state.force;
     }

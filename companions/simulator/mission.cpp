@@ -113,10 +113,19 @@ void CMission::MoveTo(std::int64_t step, CTrackCursor& cursor) const {
 }
 
 SVehicleState CMission::GetState(double time, CTrackCursor& cursor) const {
+    return MakeState(time, cursor, false);
+}
+
+SVehicleState CMission::GetUnitState(double time, CTrackCursor& cursor) const {
+    return MakeState(time, cursor, m_options.stabilised > 0);
+}
+
+SVehicleState CMission::MakeState(double time, CTrackCursor& cursor, bool isLevelled) const {
     time = std::clamp(time, 0.0, m_duration);
     MoveTo(static_cast<std::int64_t>(time / kStep), cursor);
     SVehicleState state;
     state.motion = m_motion.At(time, cursor.hint);
+    if (isLevelled) state.motion.roll = state.motion.pitch = {};
 
     // The integral of the parabola through the three rates.
     const double x = (time - static_cast<double>(cursor.step) * kStep) / kStep;

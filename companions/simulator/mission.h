@@ -71,8 +71,11 @@ class CMission {
     STruth GetTruth(double time) const;
     STruth GetTruth(double time, CTrackCursor& cursor) const;
     SVehicleState GetState(double time, CTrackCursor& cursor) const;
+    // The same of the inertial unit, which a stabilised mount keeps level.
+    SVehicleState GetUnitState(double time, CTrackCursor& cursor) const;
 
   private:
+    SVehicleState MakeState(double time, CTrackCursor& cursor, bool isLevelled) const;
     void MoveTo(std::int64_t step, CTrackCursor& cursor) const;
     void Integrate(CTrackCursor& cursor) const;
 

@@ -50,6 +50,9 @@ constexpr SRange kRanges[] = {
     {"--stated-deviation", &SMissionOptions::statedDeviation, 0.001, 1000},
     {"--current-field", &SMissionOptions::currentField, 0, 5},
     {"--gravity-disturbance", &SMissionOptions::gravityDisturbance, 0, 1000},
+    {"--stabilised", &SMissionOptions::stabilised, 0, 1},
+    {"--lbl-beacons", &SMissionOptions::lblBeacons, 1, 4},
+    {"--usbl-origin", &SMissionOptions::usblOrigin, -1e5, 1e5},
 };
 
 } // namespace

@@ -95,6 +95,9 @@ struct SMissionOptions {
     // The surroundings.
     double currentField = 0;       // metres per second, of a current that turns once an hour
     double gravityDisturbance = 0; // micro-g sideways, over 20 km of the way
+    double stabilised = 0;         // 1: the unit sits on a mount that keeps it level, 0: on the vessel
+    double lblBeacons = 4;         // that answer in turn, 1 to 4
+    double usblOrigin = 0;         // metres that the origin of relative USBL is north of theirs; 0: absolute
 
     std::vector<std::string> channels; // empty: those usual for the vehicle; "IMU" is always written
     std::vector<SChannelOptions> channelOptions; // at most one for each channel

@@ -4,6 +4,8 @@
 #include "simulator/grades.h"
 #include "xpf/tarin_layouts.h"
 
+#include <Eigen/Geometry>
+
 #include <algorithm>
 #include <cmath>
 
@@ -117,9 +119,10 @@ void FillDepth(CSensor& sensor, CPayload& payload) {
 
 void FillUsbl(CSensor& sensor, CPayload& payload) {
     constexpr SPositionError kError{1.2, 0.6};
-    constexpr double kAbsolute = 1;
+    constexpr double kAbsolute = 1, kRelative = 2;
+    const double origin = sensor.GetOptions().usblOrigin;
     const Vector3d bias = sensor.GetOptions().GetNoise() * sensor.StepWander(0.15, 1800);
-    const double north = bias.x() + sensor.MakeError(kError.horizontal);
+    const double north = bias.x() + sensor.MakeError(kError.horizontal) - origin;
     const double east = bias.y() + sensor.MakeError(kError.horizontal);
     const double up = bias.z() + sensor.MakeError(kError.vertical);
     const CSensor::SPoint fix = Shift(sensor, sensor.GetPointAt(EMount::usbl), north, east, up);
@@ -127,7 +130,7 @@ void FillUsbl(CSensor& sensor, CPayload& payload) {
     payload.Put(PlaceOf(kUsblLayout, "Horizontal rejection"), kAuto);
     payload.Put(PlaceOf(kUsblLayout, "Vertical rejection"), kAuto);
     payload.Put(PlaceOf(kUsblLayout, "Beacon"), GetNumber(sensor));
-    payload.Put(PlaceOf(kUsblLayout, "Mode"), kAbsolute);
+    payload.Put(PlaceOf(kUsblLayout, "Mode"), origin != 0 ? kRelative : kAbsolute);
     payload.Put(PlaceOf(kUsblLayout, "Latitude"), fix.latitude * kDegreesPerRadian);
     payload.Put(PlaceOf(kUsblLayout, "Longitude"), std::remainder(fix.longitude * kDegreesPerRadian, 360));
     payload.Put(PlaceOf(kUsblLayout, "Altitude"), fix.altitude - sensor.GetOptions().geoidSeparation);
@@ -141,7 +144,7 @@ void FillLbl(CSensor& sensor, CPayload& payload) {
     constexpr double kDeviation = 0.5;
     constexpr double kPlaces[][2] = {{900, 700}, {800, -900}, {-1000, -600}, {-700, 1000}}; // north, east
     const SMissionOptions& options = sensor.GetOptions();
-    const std::uint32_t beacon = sensor.GetCount() % std::size(kPlaces);
+    const std::uint32_t beacon = sensor.GetCount() % static_cast<std::uint32_t>(options.lblBeacons);
     const double latitude = options.latitude * kRadiansPerDegree + kPlaces[beacon][0] / kSemiMajorAxis;
     const double longitude =
         options.longitude * kRadiansPerDegree +
@@ -267,15 +270,21 @@ void FillTemperature(CSensor& sensor, CPayload& payload) {
                     kCold + (kRise + static_cast<double>(i)) * warm + sensor.MakeError(kDeviation));
 }
 
-// A mount that takes out the roll and the pitch of its vehicle.
+// A mount that takes out the roll and the pitch of its vehicle: the platform's attitude in the vehicle.
 void FillPlatform(CSensor& sensor, CPayload& payload) {
-    const SKinematics& motion = sensor.GetState().motion;
+    const SVehicleState& state = sensor.GetState();
+    const Matrix3d mount =
+        state.attitude.transpose() *
+        Eigen::AngleAxisd(-state.motion.heading.value, Vector3d::UnitZ()).toRotationMatrix();
+    const double drift = std::atan2(-mount(1, 0), mount(0, 0)), pitch = std::asin(mount(2, 0));
+    const double roll = std::atan2(mount(2, 1), mount(2, 2));
     constexpr double kDeviation = 0.01;
-    payload.Put(PlaceOf(kPlatformOrientationLayout, "Drift (heading)"), sensor.MakeError(kDeviation));
+    payload.Put(PlaceOf(kPlatformOrientationLayout, "Drift (heading)"),
+                drift * kDegreesPerRadian + sensor.MakeError(kDeviation));
     payload.Put(PlaceOf(kPlatformOrientationLayout, "Roll"),
-                -motion.roll.value * kDegreesPerRadian + sensor.MakeError(kDeviation));
+                roll * kDegreesPerRadian + sensor.MakeError(kDeviation));
     payload.Put(PlaceOf(kPlatformOrientationLayout, "Pitch"),
-                -motion.pitch.value * kDegreesPerRadian + sensor.MakeError(kDeviation));
+                pitch * kDegreesPerRadian + sensor.MakeError(kDeviation));
 }
 
 constexpr SSensorRow kRows[] = {
