@@ -9,7 +9,8 @@
 namespace Morvex {
 namespace {
 
-constexpr double kTurnTime = 4.0;        // s that a rate lasts in the turns of a vehicle
+constexpr double kManoeuvre = 20.0;      // s: longer than a wave, shorter than the leg after a turn
+constexpr double kSwing = 4.0;           // s that a rate or a force lasts which swings
 constexpr double kCovarianceStep = 0.05; // s: attitude moves little within it
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
@@ -134,15 +135,29 @@ void CInsFilter::Advance(const SImuSample& sample) {
 void CInsFilter::PropagateCovariance() {
     const double dt = m_pending;
     if (dt <= 0.0) return;
-    const CoreMatrix a =
-        dt * ErrorDynamics(m_strapdown.Get(), m_pendingForce / dt, m_pendingAttitude / dt, m_state.direction);
-    CoreMatrix transition = a + 0.5 * a * a;
-    transition.diagonal().array() += 1.0;
+    // The biases only walk: the transition moves the errors of the navigation, the first nine states, and the
+    // rows of the biases stay those of the identity. That halves the work on all products.
+    constexpr int kMoved = stateGyroBias, kBiases = kStates - kMoved;
+    using Rows = Eigen::Matrix<double, kMoved, kStates>;
+    using Square = Eigen::Matrix<double, kMoved, kMoved>;
+    const Rows a =
+        dt * ErrorDynamics(m_strapdown.Get(), m_pendingForce / dt, m_pendingAttitude / dt, m_state.direction)
+                 .topRows<kMoved>();
+    Rows rows = a;
+    rows.noalias() += 0.5 * (a.leftCols<kMoved>() * a);
+    rows.leftCols<kMoved>().diagonal().array() += 1.0;
+    const Square own = rows.leftCols<kMoved>();
+    const Eigen::Matrix<double, kMoved, kBiases> byBias = rows.rightCols<kBiases>();
 
     // The sensors' states drive nothing of the navigation: their part of the transition is a diagonal.
     StateMatrix& p = m_state.covariance;
-    const CoreMatrix half = transition * p.topLeftCorner<kStates, kStates>();
-    p.topLeftCorner<kStates, kStates>().noalias() = half * transition.transpose();
+    const Rows half =
+        own * p.topLeftCorner<kMoved, kStates>() + byBias * p.block<kBiases, kStates>(kMoved, 0);
+    Square corner = half.leftCols<kMoved>() * own.transpose();
+    corner.noalias() += half.rightCols<kBiases>() * byBias.transpose();
+    p.topLeftCorner<kMoved, kMoved>() = 0.5 * (corner + corner.transpose());
+    p.block<kMoved, kBiases>(0, kMoved) = half.rightCols<kBiases>();
+    p.block<kBiases, kMoved>(kMoved, 0) = half.rightCols<kBiases>().transpose();
     const auto sensors = p.rows() - kStates;
     if (sensors > 0) {
         StateVector keep = StateVector::Ones(sensors);
@@ -158,8 +173,10 @@ void CInsFilter::PropagateCovariance() {
             noise.segment(first, row.size).setConstant(walk);
         }
         m_state.sensors.array() *= keep.array();
-        p.topRightCorner(kStates, sensors) =
-            (transition * p.topRightCorner(kStates, sensors) * keep.asDiagonal()).eval();
+        p.topRightCorner(kMoved, sensors) =
+            (own * p.topRightCorner(kMoved, sensors) + byBias * p.block(kMoved, kStates, kBiases, sensors))
+                .eval();
+        p.topRightCorner(kStates, sensors) *= keep.asDiagonal();
         p.bottomLeftCorner(sensors, kStates) = p.topRightCorner(kStates, sensors).transpose();
         p.bottomRightCorner(sensors, sensors) =
             (keep.asDiagonal() * p.bottomRightCorner(sensors, sensors) * keep.asDiagonal()).eval();
@@ -168,23 +185,33 @@ void CInsFilter::PropagateCovariance() {
             m_transition.bottomRows(sensors) = (keep.asDiagonal() * m_transition.bottomRows(sensors)).eval();
     }
     if (m_keepsTransition)
-        m_transition.topLeftCorner<kStates, kStates>() =
-            (transition * m_transition.topLeftCorner<kStates, kStates>()).eval();
+        m_transition.topLeftCorner<kMoved, kStates>() =
+            (own * m_transition.topLeftCorner<kMoved, kStates>() +
+             byBias * m_transition.block<kBiases, kStates>(kMoved, 0))
+                .eval();
 
     // The noise is the same along all axes of the unit, so it needs no turning into the level.
     auto addNoise = [&p](int group, double variance) { p.diagonal().segment<3>(group).array() += variance; };
-    // An error in proportion to a rate or to a force lasts as long as these.
-    const double scale = m_grade.scale * m_pendingRotation.norm();
-    addNoise(stateAttitude, m_grade.gyroNoise * m_grade.gyroNoise * dt + kTurnTime * scale * scale / dt);
+    // A scale that is off errs by its share of the angle that a turn goes through, and of the change of
+    // speed. What swings to and fro with waves takes its error back, so the noise follows the mean rate and
+    // the mean force of the last seconds: the square of a first-order mean of time constant T, integrated
+    // over a turn through an angle and taken 2 T times, is the square of the angle. What differs by the sign
+    // of the motion is not taken back.
     const double gravity = NormalGravity(std::sin(m_strapdown.Get().position[0]), 0.0);
-    const Vector3d moved = m_pendingForce - Vector3d(0.0, 0.0, gravity * dt);
-    const double push = m_grade.scale * moved.norm();
-    addNoise(stateVelocity, m_grade.accelNoise * m_grade.accelNoise * dt + kTurnTime * push * push / dt);
+    const Vector3d turn = m_pendingRotation / dt;
+    const Vector3d push = m_pendingForce / dt - Vector3d(0.0, 0.0, gravity);
+    const double share = dt / (kManoeuvre + dt);
+    m_turn += share * (turn - m_turn);
+    m_push += share * (push - m_push);
+    const auto byScale = [&](const Vector3d& mean, const Vector3d& now) {
+        const double swing = m_grade.rectified * m_grade.rectified * kSwing * now.squaredNorm();
+        return m_grade.scale * m_grade.scale * std::max(2.0 * kManoeuvre * mean.squaredNorm(), swing);
+    };
+    const auto white = [](double deviation) { return deviation * deviation; };
+    addNoise(stateAttitude, (white(m_grade.gyroNoise) + byScale(m_turn, turn)) * dt);
+    addNoise(stateVelocity, (white(m_grade.accelNoise) + byScale(m_push, push)) * dt);
     addNoise(stateGyroBias, m_grade.gyroDrift * m_grade.gyroDrift * dt);
     addNoise(stateAccelBias, m_grade.accelDrift * m_grade.accelDrift * dt);
-    p.topLeftCorner<kStates, kStates>() =
-        (0.5 * (p.topLeftCorner<kStates, kStates>() + p.topLeftCorner<kStates, kStates>().transpose()))
-            .eval();
 
     m_pending = 0.0;
     m_pendingForce.setZero();
@@ -273,11 +300,14 @@ SFixOutcome CInsFilter::Update(const SPositionFix& fix) {
     const SNavigation& navigation = m_strapdown.Get();
     const int armState = fix.source == 0 ? m_layout.Find(EGroup::gpsArm) : -1;
     const int biasState = fix.source >= kFirstUsbl ? m_layout.Find(EGroup::usblBias) : -1;
+    const int originState = fix.isRelative ? m_layout.Find(EGroup::usblOrigin) : -1;
+    if (fix.isRelative && originState < 0) return outcome;
     const Vector3d vesselArm =
         armState < 0 ? fix.leverArm : Vector3d(fix.leverArm + GetSensor3(EGroup::gpsArm));
     const Vector3d arm = navigation.attitude * vesselArm;
     outcome.innovation = MetresBetween(navigation.position, fix.position) - arm;
     if (biasState >= 0) outcome.innovation -= GetSensor3(EGroup::usblBias);
+    if (originState >= 0) outcome.innovation -= GetSensor3(EGroup::usblOrigin);
     // A fix that is dated late shows where the antenna was before.
     const int lagState = fix.source == 0 ? m_layout.Find(EGroup::gpsLag) : -1;
     const double lag = lagState < 0 ? 0.0 : GetSensor(EGroup::gpsLag);
@@ -289,6 +319,7 @@ SFixOutcome CInsFilter::Update(const SPositionFix& fix) {
     h.block<3, 3>(0, stateAttitude) = -SkewOf(arm);
     if (armState >= 0) h.block<3, 3>(0, armState) = navigation.attitude.toRotationMatrix();
     if (biasState >= 0) h.block<3, 3>(0, biasState).setIdentity();
+    if (originState >= 0) h.block<3, 3>(0, originState).setIdentity();
     if (lagState >= 0) {
         h.col(lagState).head<3>() = -speed;
         h.block<3, 3>(0, stateVelocity) = -lag * Matrix3d::Identity();

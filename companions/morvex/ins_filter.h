@@ -85,8 +85,9 @@ class CInsFilter {
 
     // Moves on by a sample. The covariance follows in steps of up to 50 ms.
     void Advance(const SImuSample& sample);
-    // Applies a fix at the present instant. The covariance is brought up to it. Contradictions that go on
-    // make the filter doubt itself: the sooner, the coarser the unit's grade.
+    // Applies a fix at the present instant; a relative one only where the layout has its origin. The
+    // covariance is brought up to it. Contradictions that go on make the filter doubt itself: the sooner, the
+    // coarser the unit's grade.
     SFixOutcome Update(const SPositionFix& fix);
     // Applies an observation. `contradictedSince` is the sensor's own: NaN while it agrees with the filter.
     // A sensor other than a fix is never given in to: its contradictions are left out.
@@ -139,6 +140,8 @@ class CInsFilter {
     Vector3d m_pendingForce = Vector3d::Zero();    // level axes, m/s
     Matrix3d m_pendingAttitude = Matrix3d::Zero(); // s
     Vector3d m_pendingRotation = Vector3d::Zero(); // rad
+    // Means of the last seconds: rate, vessel axes, rad/s, and force less gravity, level axes, m/s².
+    Vector3d m_turn = Vector3d::Zero(), m_push = Vector3d::Zero();
     // Since when each horizontal or vertical part has contradicted the filter; NaN: the last one agreed.
     double m_contradictedSince[2];
     double m_lastFix; // NaN before the first

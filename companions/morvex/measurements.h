@@ -56,6 +56,7 @@ struct SPositionFix {
     double geoidHeight = 0.0; // of the geoid above the ellipsoid, m
     EUse horizontal = EUse::tested;
     EUse vertical = EUse::tested;
+    bool isRelative = false; // to an origin that nobody knows well
     std::uint8_t source = 0; // GPS 0 to 2, or USBL from kFirstUsbl on
 };
 

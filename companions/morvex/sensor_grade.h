@@ -14,6 +14,7 @@ struct SSensorGrade {
     double noiseLimit; // largest angle random walk that a unit of this grade has, rad/√s
     double gyroDrift;  // random walk of the bias, rad/s/√s
     double scale;      // error in proportion to the rate and to the force, one part in one
+    double rectified;  // share of that which a swing to and fro does not take back: it differs by the sign
     double accelBias;  // m/s²
     double accelNoise; // velocity random walk, m/s/√s
     double accelDrift; // m/s²/√s
@@ -28,14 +29,15 @@ inline constexpr double kMilliG = 9.80665e-3;
 // A grade with angles in degrees and hours, accelerations in thousandths of g; drifts are per root of an
 // hour.
 constexpr SSensorGrade MakeGrade(std::string_view name, double gyroBias, double gyroNoise, double noiseLimit,
-                                 double gyroDrift, double scale, double accelBias, double accelNoise,
-                                 double accelDrift, double trust) {
+                                 double gyroDrift, double scale, double rectified, double accelBias,
+                                 double accelNoise, double accelDrift, double trust) {
     return {name,
             gyroBias * kDegreePerHour,
             gyroNoise * kDegreePerRootHour,
             noiseLimit * kDegreePerRootHour,
             gyroDrift * kDegreePerHour / 60.0,
             scale,
+            rectified,
             accelBias * kMilliG,
             accelNoise,
             accelDrift * kMilliG / 60.0,
@@ -47,10 +49,10 @@ constexpr SSensorGrade MakeGrade(std::string_view name, double gyroBias, double 
 // the noise of the increments allows, and under which the fixes agree with the filter as well as under the
 // coarser ones.
 inline constexpr std::array<SSensorGrade, 4> kSensorGrades{{
-    Units::MakeGrade("navigation", 0.05, 0.004, 0.035, 0.01, 2e-5, 0.3, 3e-4, 0.02, 20.0),
-    Units::MakeGrade("tactical", 2.0, 0.05, 0.14, 1.0, 3e-4, 2.0, 1e-3, 0.2, 5.0),
-    Units::MakeGrade("industrial", 30.0, 0.2, 0.6, 20.0, 1e-3, 6.0, 3e-3, 1.0, 1.5),
-    Units::MakeGrade("MEMS", 600.0, 6.0, 1e3, 30.0, 3e-3, 15.0, 1e-2, 1.0, 0.5),
+    Units::MakeGrade("navigation", 0.05, 0.004, 0.035, 0.01, 2e-5, 0.1, 0.3, 3e-4, 0.02, 20.0),
+    Units::MakeGrade("tactical", 2.0, 0.05, 0.14, 1.0, 3e-4, 0.3, 2.0, 1e-3, 0.2, 5.0),
+    Units::MakeGrade("industrial", 30.0, 0.2, 0.6, 20.0, 1e-3, 1.0, 6.0, 3e-3, 1.0, 1.5),
+    Units::MakeGrade("MEMS", 600.0, 6.0, 1e3, 30.0, 3e-3, 1.0, 15.0, 1e-2, 1.0, 0.5),
 }};
 
 } // namespace Morvex

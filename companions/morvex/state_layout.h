@@ -19,6 +19,7 @@ enum class EGroup : std::uint8_t {
     emLogScale,    // one part in one
     depthBias,     // tide, air pressure and offset, m
     usblBias,      // north, west, up, m
+    usblOrigin,    // by which the origin of relative positions is off, the same axes, m
     soundScale,    // of ranges to beacons, one part in one
     odometerScale, // one part in one
     odometerTurn,  // boresight about the vertical and the port axis, rad
@@ -43,6 +44,7 @@ inline constexpr std::array<SGroupRow, static_cast<std::size_t>(EGroup::count)> 
     {EGroup::emLogScale, 1, 0.03, 0.0, 0.0},
     {EGroup::depthBias, 1, 0.5, 0.0, 21600.0},
     {EGroup::usblBias, 3, 0.2, 0.0, 1800.0},
+    {EGroup::usblOrigin, 3, 3000.0, 0.0, 0.0},
     {EGroup::soundScale, 1, 0.003, 0.0, 0.0},
     {EGroup::odometerScale, 1, 0.1, 0.0, 0.0},
     {EGroup::odometerTurn, 2, 0.03, 0.0, 0.0},

@@ -1,8 +1,9 @@
 #include "morvex/aiding.h"
 #include "morvex/ins_filter.h"
 #include "morvex/noise_probe.h"
+#include "morvex/rest_detector.h"
 
-#include <Eigen/Eigenvalues>
+#include <Eigen/Dense>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -137,6 +138,7 @@ TEST(InsFilter, FixesFindEveryState) {
     layout.Add(EGroup::gpsArm);
     layout.Add(EGroup::gpsLag);
     layout.Add(EGroup::usblBias);
+    layout.Add(EGroup::usblOrigin);
     SFilterState start = MakeState();
     start.covariance.setZero(layout.GetSize(), layout.GetSize());
     start.sensors = StateVector::Zero(layout.GetSize() - kStates);
@@ -156,6 +158,7 @@ TEST(InsFilter, FixesFindEveryState) {
                 SPositionFix other = FixAt(start, start.navigation.attitude * arm, 1e-5);
                 other.leverArm = arm;
                 other.source = kFirstUsbl;
+                other.isRelative = state >= layout.Find(EGroup::usblOrigin);
                 other.horizontal = other.vertical = EUse::always;
                 return other;
             }();
@@ -168,6 +171,41 @@ TEST(InsFilter, FixesFindEveryState) {
         EXPECT_GT(before, 1e-4) << state;
         EXPECT_LT(filter.Update(fix).innovation.norm(), 0.02 * before) << state;
     }
+}
+
+// Observations of all states at once, against one least-squares solution of all of them.
+TEST(InsFilter, ObservationsAgreeWithLeastSquares) {
+    const SFilterState start = MakeState();
+    const StateVector unit = start.covariance.diagonal().cwiseSqrt();
+    CInsFilter filter(start, kSensorGrades[0]);
+    std::mt19937 random(7);
+    std::normal_distribution<double> normal;
+    constexpr double kVariance = 0.25;
+    Eigen::MatrixXd information = Eigen::MatrixXd::Identity(kStates, kStates);
+    Eigen::VectorXd right = Eigen::VectorXd::Zero(kStates);
+    StateVector found = StateVector::Zero(kStates); // in units of the deviations at the start
+    for (int i = 0; i < 60; ++i) {
+        SObservation observation(1 + i % 3);
+        observation.use = EUse::always;
+        for (int row = 0; row < observation.size; ++row) {
+            const Eigen::VectorXd a = Eigen::VectorXd::NullaryExpr(kStates, [&] { return normal(random); });
+            const double measured = normal(random);
+            observation.h.row(row).head(kStates) = a.cwiseQuotient(unit).transpose();
+            observation.innovation[row] = measured - a.dot(found);
+            observation.noise(row, row) = kVariance;
+            information += a * a.transpose() / kVariance;
+            right += a * measured / kVariance;
+        }
+        double since = std::nan("");
+        SFixOutcome outcome;
+        ASSERT_EQ(filter.Observe(observation, since, outcome), EFixResult::accepted);
+        found += filter.TakeCorrection().cwiseQuotient(unit);
+    }
+    const Eigen::MatrixXd covariance = information.inverse();
+    EXPECT_LT((found - covariance * right).norm(), 1e-9);
+    const StateMatrix scaled =
+        unit.cwiseInverse().asDiagonal() * filter.Get().covariance * unit.cwiseInverse().asDiagonal();
+    EXPECT_LT((scaled - covariance).norm(), 1e-9);
 }
 
 // A tilt by a known angle moves an antenna on its arm, and precise fixes find the tilt.
@@ -263,5 +301,23 @@ TEST(NoiseProbe, FindsTheGradeUnderWaves) {
                        {}});
         }
         EXPECT_EQ(kSensorGrades[probe.GetFinestGrade()].name, grade);
+    }
+}
+
+// Noise of the unit and an engine that idles are rest; a road, a turn and a start are not.
+TEST(RestDetector, TellsRestFromQuietMotion) {
+    struct SCase {
+        double shake, turn, noise; // m/s², rad/s, m/s/√s
+        bool isRest;
+    };
+    constexpr SCase kCases[] = {{0.0, 0.0, 3e-4, true},  {0.05, 0.0, 3e-4, true},  {0.0, 0.0, 1e-2, true},
+                                {0.3, 0.0, 3e-4, false}, {0.0, 0.01, 3e-4, false}, {0.0, 0.01, 1e-2, false}};
+    for (const auto& [shake, turn, noise, isRest] : kCases) {
+        CRestDetector detector(1e-6, noise);
+        std::mt19937 random(2);
+        std::normal_distribution<double> normal(0.0, noise / std::sqrt(0.01));
+        for (int i = 0; i < 500; ++i)
+            detector.Add(0.01, {7e-5, 0.0, turn}, {normal(random), 0.0, 9.8 + shake * std::sin(0.3 * i)});
+        EXPECT_EQ(detector.IsAtRest(), isRest) << shake << ' ' << turn << ' ' << noise;
     }
 }
