@@ -259,6 +259,7 @@ CStateLayout MakeStateLayout(const SRunPlan& plan) {
     }
     if (std::ranges::any_of(plan.gps, [](const SGpsPlan& p) { return p.isUsbl; }))
         layout.Add(EGroup::usblBias);
+    if (plan.hasRelativeFixes) layout.Add(EGroup::usblOrigin);
     return layout;
 }
 

@@ -24,6 +24,7 @@ struct SEstimateRow {
 constexpr double kDegrees = 1.0 / kRadiansPerDegree;
 constexpr SEstimateRow kEstimates[] = {
     {EGroup::gpsArm, EAiding::count, EText::estimateArm, 1.0, 2},
+    {EGroup::usblOrigin, EAiding::count, EText::estimateOrigin, 1.0, 1},
     {EGroup::dvlScale, EAiding::dvlBottom, EText::estimateScale, 100.0, 2},
     {EGroup::dvlTurn, EAiding::dvlBottom, EText::estimateTurn, kDegrees, 2},
     {EGroup::current, EAiding::dvlWater, EText::estimateCurrent, 1.0, 2},
@@ -43,22 +44,35 @@ Vector3d AsCurrent(const Vector3d& level) {
 
 } // namespace
 
-std::vector<SEstimateText> DescribeEstimates(const CInsFilter& filter, const SRunPlan& plan) {
+std::vector<SEstimateText> DescribeEstimates(CInsFilter& filter, const SRunPlan& plan) {
     std::vector<SEstimateText> texts;
+    const auto usbl = std::ranges::find(plan.gps, true, &SGpsPlan::isUsbl);
+    const StateVector variances = filter.Get().covariance.diagonal();
     for (const SEstimateRow& row : kEstimates) {
         if (filter.GetLayout().Find(row.group) < 0) continue;
         const auto sensor = std::ranges::find(plan.aidings, row.kind, &SAidingPlan::kind);
-        const bool isGps = row.kind == EAiding::count;
-        if (!isGps && sensor == plan.aidings.end()) continue;
+        const bool isPosition = row.kind == EAiding::count, isArm = row.group == EGroup::gpsArm;
+        if (!isPosition && sensor == plan.aidings.end()) continue;
+        const SChannelPlan& source = !isPosition ? sensor->source
+                                     : isArm     ? plan.gps.front().source
+                                                 : usbl->source;
+        const int size = filter.GetLayout().GetRow(row.group).size;
         Vector3d values = Vector3d::Zero();
-        for (int i = 0; i < filter.GetLayout().GetRow(row.group).size; ++i)
+        std::string deviations;
+        for (int i = 0; i < size; ++i) {
             values[i] = row.factor * filter.GetSensor(row.group, i);
-        if (isGps) values += plan.gps.front().leverArm;
+            const double variance = variances[filter.GetLayout().Find(row.group) + i];
+            if (i > 0) deviations += ", ";
+            deviations += FormatFixed(row.factor * std::sqrt(std::max(0.0, variance)), row.decimals);
+        }
+        if (isArm) values += plan.gps.front().leverArm;
         if (row.group == EGroup::current) values = AsCurrent(values);
-        texts.push_back({isGps ? plan.gps.front().source.channel : sensor->source.channel,
-                         FormatText(row.text, {FormatFixed(values.x(), row.decimals),
-                                               FormatFixed(values.y(), row.decimals),
-                                               FormatFixed(values.z(), row.decimals)})});
+        std::string text = FormatText(row.text, {FormatFixed(values.x(), row.decimals),
+                                                 FormatFixed(values.y(), row.decimals),
+                                                 FormatFixed(values.z(), row.decimals)});
+        // A current is shown as speed and direction: the deviations north and west say nothing of these.
+        if (row.group != EGroup::current) text = FormatText(EText::estimateDeviation, {text, deviations});
+        texts.push_back({source.channel, std::move(text)});
     }
     return texts;
 }

@@ -16,6 +16,6 @@ struct SEstimateText {
 };
 
 // A text for each group of states in the filter. The lever arm of the GPS includes the stated one.
-std::vector<SEstimateText> DescribeEstimates(const CInsFilter& filter, const SRunPlan& plan);
+std::vector<SEstimateText> DescribeEstimates(CInsFilter& filter, const SRunPlan& plan);
 
 } // namespace Morvex

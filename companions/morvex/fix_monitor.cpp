@@ -14,14 +14,15 @@ constexpr double kFineAligning = 0.5 * kRadiansPerDegree;
 
 // Bits of the status words.
 constexpr std::uint32_t kFilterOn = 1u << 0, kAlignment = 1u << 1, kFineAlignment = 1u << 2,
-                        kAltitudeGps = 1u << 4, kAltitudeDepth = 1u << 5, kAltitudeStabilized = 1u << 6;
+                        kAltitudeGps = 1u << 4, kAltitudeDepth = 1u << 5, kAltitudeStabilized = 1u << 6,
+                        kAltitudeHydro = 1u << 7;
 // The state of a GPS as four bits: on, valid, waiting, rejected.
 constexpr std::uint32_t kOn = 1, kValid = 2, kWaiting = 4, kRejected = 8;
 constexpr int kGps2Shift = 4;
 
 } // namespace
 
-CFixMonitor::CFixMonitor(const SRunPlan& plan) {
+CFixMonitor::CFixMonitor(const SRunPlan& plan) : m_heightAids(&plan.heightAids) {
     std::size_t usbls = 0, gps = 0;
     const auto turnOn = [this](std::size_t source, std::string_view channel, bool isOn) {
         m_sources[source].isOn = isOn;
@@ -95,8 +96,10 @@ std::uint32_t CFixMonitor::GetStatus1(double time, const NavigationCovariance& c
         word |= kAlignment;
     else if (heading > kFineAligning * kFineAligning)
         word |= kFineAlignment;
+    const EHeightAid* aid = FindInForce(*m_heightAids, time);
+    const bool isHydro = aid && *aid == EHeightAid::hydro;
     word |= time - GetLast(EAiding::depth) < kHeightRecent ? kAltitudeDepth
-            : time - m_lastHeight < kHeightRecent          ? kAltitudeGps
+            : time - m_lastHeight < kHeightRecent          ? (isHydro ? kAltitudeHydro : kAltitudeGps)
                                                            : kAltitudeStabilized;
     return word | GetWord(1, time);
 }

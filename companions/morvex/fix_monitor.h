@@ -21,7 +21,7 @@ class CFixMonitor {
         int components = 0;
     };
     // `plan`: which sensors the run has.
-    explicit CFixMonitor(const SRunPlan& plan);
+    explicit CFixMonitor(const SRunPlan& plan); // `plan` must outlive the monitor
 
     void Add(const SPositionFix& fix, const SFixOutcome& outcome);
     void Add(const SAiding& aiding, EFixResult result, const SFixOutcome& outcome);
@@ -64,6 +64,7 @@ class CFixMonitor {
 
     // GPS 0 to 2, USBL from kFirstUsbl on, then the kinds of EAiding.
     static constexpr std::size_t kFirstAiding = kFirstUsbl + 3;
+    const std::vector<SInPeriod<EHeightAid>>* m_heightAids;
     std::array<SSource, kFirstAiding + static_cast<std::size_t>(EAiding::count)> m_sources;
     double m_lastUsed = -1e30;
     double m_lastHeight = -1e30; // time of the last height that was used, s

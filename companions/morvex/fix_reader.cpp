@@ -50,6 +50,7 @@ std::vector<int> CFixReader::Open(const SRunPlan& plan) {
     std::vector<int> missing;
     m_plan = &plan;
     m_sources.clear();
+    if (plan.mount) m_mount.Open(*plan.mount);
     int usbls = 0;
     for (std::size_t i = 0; i < plan.gps.size(); ++i) {
         auto source = std::make_unique<SSource>();
@@ -119,6 +120,8 @@ consteval SPositionFields FieldsOf(const SPacketLayout& layout, std::string_view
 constexpr SPositionFields kGpsFields = FieldsOf(kGpsLayout, "GPS mode");
 constexpr SPositionFields kUsblFields = FieldsOf(kUsblLayout, "Mode");
 constexpr std::uint8_t kRelative = 2; // mode of a USBL position that is none of the earth
+// Modes of a GPS that resolve the phase of the carrier: accurate heights.
+bool IsAccurate(std::uint8_t mode) { return mode == 4 || mode == 5 || mode == 9; }
 constexpr SModeDeviation kUsblDeviation{true, 3.0, 3.0};
 
 } // namespace
@@ -127,7 +130,8 @@ bool CFixReader::MakeFix(SSource& source, const CPayload& payload, SPositionFix&
     const bool isUsbl = source.plan->isUsbl;
     const SPositionFields& at = isUsbl ? kUsblFields : kGpsFields;
     const auto mode = payload.Get<std::uint8_t>(at.mode);
-    if (isUsbl ? mode == kRelative : mode >= kModes.size() || !kModes[mode].taken) return false;
+    if (!isUsbl && (mode >= kModes.size() || !kModes[mode].taken)) return false;
+    fix.isRelative = isUsbl && mode == kRelative;
     const double delay = payload.Get<float>(at.delay);
     const double latitude = payload.Get<double>(at.latitude);
     const double longitude = payload.Get<double>(at.longitude);
@@ -145,7 +149,7 @@ bool CFixReader::MakeFix(SSource& source, const CPayload& payload, SPositionFix&
     fix.geoidHeight = m_geoidHeight;
     fix.position = {latitude * kRadiansPerDegree, longitude * kRadiansPerDegree,
                     altitude + (m_plan->aboveGeoid ? fix.geoidHeight : 0.0)};
-    fix.leverArm = source.plan->leverArm;
+    fix.leverArm = m_mount.ToUnit(source.plan->leverArm, fix.time);
     fix.source = source.number;
 
     SFixDeviation stated{payload.Get<float>(at.north), payload.Get<float>(at.east), payload.Get<float>(at.up),
@@ -157,7 +161,9 @@ bool CFixReader::MakeFix(SSource& source, const CPayload& payload, SPositionFix&
         CombineUse(payload.Get<std::uint8_t>(at.horizontal), FindInForce(source.plan->rejections, fix.time));
     fix.vertical = CombineUse(payload.Get<std::uint8_t>(at.vertical), nullptr);
     if (const EHeightAid* aid = FindInForce(m_plan->heightAids, fix.time)) {
-        if (*aid == EHeightAid::depth || *aid == EHeightAid::reference) fix.vertical = EUse::never;
+        const bool isCoarse = *aid == EHeightAid::hydro && (isUsbl || !IsAccurate(mode));
+        if (*aid == EHeightAid::depth || *aid == EHeightAid::reference || isCoarse)
+            fix.vertical = EUse::never;
         if (*aid == EHeightAid::gps && !isUsbl && fix.vertical == EUse::never) fix.vertical = EUse::tested;
     }
     return fix.horizontal != EUse::never || fix.vertical != EUse::never;

@@ -22,7 +22,7 @@ constexpr double kHopeless = 25.0;   // in log likelihood behind the best
 constexpr double kAlike = 4.0 * kRadiansPerDegree;
 constexpr double kLargestFixDistance = 30.0; // of one fix in the misfit: outliers are not the unit's fault
 
-bool IsUsable(const SPositionFix& fix) { return fix.horizontal != EUse::never; }
+bool IsUsable(const SPositionFix& fix) { return fix.horizontal != EUse::never && !fix.isRelative; }
 
 SPositionFix Blurred(SPositionFix fix) {
     fix.varianceNorth += kSearchNoise * kSearchNoise;
@@ -84,9 +84,8 @@ std::optional<SLevelStart> FindLevelStart(const SStretch& stretch, double needed
     const double begin = stretch.samples.front().time - stretch.samples.front().span;
     const double end = stretch.samples.back().time;
     const auto first =
-        std::find_if(stretch.fixes.begin(), stretch.fixes.end(), [begin](const SPositionFix& fix) {
-            return fix.time >= begin && fix.horizontal != EUse::never;
-        });
+        std::find_if(stretch.fixes.begin(), stretch.fixes.end(),
+                     [begin](const SPositionFix& fix) { return fix.time >= begin && IsUsable(fix); });
     if (first == stretch.fixes.end() || end < first->time + needed) return std::nullopt;
 
     SLevelStart start;

@@ -10,7 +10,7 @@
 namespace Morvex {
 namespace {
 
-constexpr double kProbed = 900.0;      // s of the recording
+constexpr double kProbed = 600.0;      // s of the recording
 constexpr double kReadAtOnce = 30.0;   // s
 constexpr double kForgottenArm = 30.0; // m: deviation of an arm that is left at zero
 constexpr double kUnknownLag = 1.0;    // s

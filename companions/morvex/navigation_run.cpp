@@ -22,27 +22,14 @@ using Outils_Texte::FormatFixed;
 
 constexpr double kGapWithoutResult = 1.0;
 constexpr double kReadAhead = 30.0; // s, between two looks at the alignment
-constexpr double kGpsGap = 10.0;    // s, from which a gap is reported
-constexpr int kMostGapsTold = 50;
-constexpr double kLeastArm = 1.0;    // m: a difference that is worth a warning
-constexpr double kLeastLag = 0.02;   // s
-constexpr double kLeastScale = 0.02; // one part in one: a difference that is worth a warning
+constexpr double kLeastArm = 1.0;   // m: a difference that is worth a warning
+constexpr double kLeastLag = 0.02;  // s
 constexpr std::size_t kUtcPackets = 101;
 constexpr double kEstimateSpan = 0.9999; // s, between two packets of estimates
 constexpr double kStateSpan = 9.9999;    // s, of internal states: a covariance is long
-constexpr double kScaleSpan = 30.0;      // s, between two looks at the scales
 constexpr double kLagToWarnOf = 0.05;    // s
-constexpr double kHeightUnaided = 120.0; // s, after which the height is held
-constexpr double kHeightHoldSpan = 10.0;
-constexpr double kHeightHoldDeviation = 20.0;            // m, of the last height that was aided
-constexpr double kReferenceDeviation = 5.0;              // m, of the height that the user states
-constexpr double kRestSpan = 1.0;                        // s, between two observations of a vehicle at rest
-constexpr double kLandSpan = 0.2;                        // s, between two observations of a vehicle on wheels
-constexpr double kLandMoving = 2.0;                      // m/s
-constexpr double kLandPatience = 5.0;                    // s of contradictions more than of agreement
-constexpr double kLandHeading = 5.0 * kRadiansPerDegree; // deviation up to which they are made
-constexpr double kEpochSpan = 1.0;                       // s, longest between two epochs of the smoother
-constexpr double kJustBefore = 1e-7;                     // s: a tick
+constexpr double kEpochSpan = 1.0;       // s, longest between two epochs of the smoother
+constexpr double kJustBefore = 1e-7;     // s: a tick
 constexpr std::chrono::seconds kStopPatience(3);
 constexpr double kForwardShare = 0.8; // of a smoothed run
 constexpr int kSamplesPerLook = 64;   // between two looks at the commands and the clock
@@ -113,10 +100,8 @@ CNavigationRun::CNavigationRun(const SRunPlan& plan, IRunMonitor& monitor)
       m_layout(MakeStateLayout(plan)),
       m_schedule(m_plan),
       m_results(m_plan, m_result),
-      m_fixMonitor(plan),
-      m_smoothing(plan.backwardAsked) {
-    m_contradicted.fill(std::nan(""));
-}
+      m_observer(m_plan, [this](auto level, auto code, auto arguments) { Tell(level, code, arguments); }),
+      m_smoothing(plan.backwardAsked) {}
 
 void CNavigationRun::Tell(ELevel level, EText code, std::initializer_list<std::string_view> arguments) {
     const std::string text = Outils_Texte::FormatText(code, arguments);
@@ -189,6 +174,9 @@ bool CNavigationRun::OpenInputs() {
     for (const SAidingPlan* aiding : m_aidings.Open(m_plan))
         Tell(ELevel::warning, EText::gpsChannelMissing,
              {aiding->source.channel, aiding->source.path.string()});
+    if (m_plan.mount && !m_mount.Open(*m_plan.mount))
+        Tell(ELevel::warning, EText::gpsChannelMissing,
+             {m_plan.mount->source.channel, m_plan.mount->source.path.string()});
     m_marks.Open(m_plan);
     SImuSample first;
     if (!m_inputs.NextSample(first)) {
@@ -216,10 +204,9 @@ void CNavigationRun::Prepare() {
     m_inputs.PutBack(first);
     m_inputs.OpenFixes();
     m_aidings.Open(m_plan);
+    m_plan.hasRelativeFixes = m_inputs.GetFixes().HasRelative();
     m_layout = MakeStateLayout(m_plan);
-    m_fixMonitor = CFixMonitor(m_plan);
-    for (const SAidingPlan& aiding : m_plan.aidings)
-        if (aiding.kind == EAiding::land) m_land = &aiding;
+    m_observer.Reset();
 }
 
 void CNavigationRun::UseMounting(const SMounting& mounting) {
@@ -329,14 +316,8 @@ bool CNavigationRun::NavigateSegment(const SStretch& stretch, const SAlignment& 
     const double begin = filter.GetNavigation().time;
     m_aidings.SkipTo(begin);
     m_nextOutput = m_schedule.GetNextAfter(begin - 1e-6);
-    m_nextHeightHold = begin + kHeightUnaided;
-    m_heldHeight = filter.GetNavigation().position[2];
-    m_nextRest = begin + kRestSpan;
-    m_nextLand = begin + kLandSpan;
-    m_nextScales = begin + kScaleSpan;
     m_nextEstimates = m_nextStates = begin;
-    m_lastFix = begin;
-    if (!stretch.fixes.empty()) m_fixMonitor.SetGeoidHeight(stretch.fixes.front().geoidHeight);
+    m_observer.Begin(filter, alignment.grade, stretch);
     while (m_marks.Peek() && m_marks.Peek()->time < begin) m_marks.Pop();
     m_navigated = true;
     BeginEpoch(filter);
@@ -384,16 +365,14 @@ bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample
     AdvanceThrough(filter, sample, items, [&](const CItems::SItem& item) {
         change(item.time, [&] {
             if (item.fix)
-                Use(filter, *item.fix);
+                m_observer.Use(filter, *item.fix);
             else
-                Use(filter, *item.aiding);
+                m_observer.Use(filter, *item.aiding);
         });
     });
     m_time = sample.time;
-    if (m_time >= m_nextRest) change(m_time, [&] { ObserveRest(filter); });
-    if (m_land && m_time >= m_nextLand) change(m_time, [&] { ObserveLand(filter); });
-    if (m_time >= m_nextHeightHold) change(m_time, [&] { ObserveHeight(filter); });
-    if (m_time >= m_nextScales) WatchScales(filter);
+    m_observer.AddMotion(filter, sample.span);
+    m_observer.ObserveDue(filter, m_time, [&](auto&& apply) { change(m_time, apply); });
     if (m_time >= m_nextEstimates) WriteStates(filter);
     if (m_smoothing && m_time - m_lastEpoch >= kEpochSpan) change(m_time, [] {});
     m_results.AddMotion(filter.GetStrapdown());
@@ -403,138 +382,15 @@ bool CNavigationRun::NavigateSample(CInsFilter& filter, const SImuSample& sample
     return KeepAlive(m_time);
 }
 
-void CNavigationRun::Use(CInsFilter& filter, const SPositionFix& fix) {
-    const SFixOutcome outcome = filter.Update(fix);
-    m_fixMonitor.Add(fix, outcome);
-    if (m_fixMonitor.GetLastUsed() == fix.time) TellGpsGap(fix.time);
-    if (m_fixMonitor.GetLastHeight() == fix.time) m_heldHeight = filter.GetNavigation().position[2];
-}
-
-EFixResult CNavigationRun::Use(CInsFilter& filter, const SAiding& aiding) {
-    const EHeightAid* aid = FindInForce(m_plan.heightAids, aiding.time);
-    if (m_watch.IsJammed(aiding)) {
-        if (const auto since = m_watch.TakeJam(aiding.kind))
-            Tell(ELevel::warning, EText::sensorJammed, {aiding.plan->source.channel, FormatFixed(*since, 1)});
-        return EFixResult::notTaken;
-    }
-    const bool otherHeight = aid && (*aid == EHeightAid::gps || *aid == EHeightAid::reference);
-    if (aiding.kind == EAiding::depth && otherHeight) return EFixResult::notTaken;
-    const SNavigation& navigation = filter.GetNavigation();
-    const SEarth earth(navigation.position[0], navigation.position[2], navigation.velocity);
-    SAidingContext context;
-    context.geoidHeight = m_fixMonitor.GetGeoidHeight();
-    context.rate = filter.GetStrapdown().GetRate() - navigation.attitude.conjugate() * earth.earthRate;
-    SFixOutcome outcome;
-    double& since = m_contradicted[static_cast<std::size_t>(aiding.kind)];
-    const bool isLog = aiding.kind == EAiding::dvlBottom;
-    if (isLog) WatchDirection(filter, aiding, context);
-    const EFixResult result = filter.Observe(ObserveAiding(aiding, filter, context), since, outcome);
-    if (const auto from = m_watch.TakeContradiction(aiding.kind, aiding.time, result);
-        from && aiding.kind != EAiding::land)
-        Tell(ELevel::warning, EText::sensorContradicts, {aiding.plan->source.channel, FormatFixed(*from, 1)});
-    m_fixMonitor.Add(aiding, result, outcome);
-    if (aiding.kind == EAiding::depth && result == EFixResult::accepted)
-        m_heldHeight = filter.GetNavigation().position[2];
-    return result;
-}
-
-// A log that is mounted turned is turned back in the plan, for the bottom and for the water.
-void CNavigationRun::WatchDirection(CInsFilter& filter, const SAiding& aiding,
-                                    const SAidingContext& context) {
-    if (HeadingDeviation(filter.Get()) > kLandHeading || m_time - m_fixMonitor.GetLastUsed() > kGpsGap)
-        return;
-    const SNavigation& navigation = filter.GetNavigation();
-    const Vector3d speed =
-        navigation.attitude.conjugate() * navigation.velocity + context.rate.cross(aiding.plan->leverArm);
-    m_watch.AddDirection(aiding.kind, aiding.value, aiding.plan->sensorToVessel.transpose() * speed);
-    const auto turn = m_watch.TakeTurn(aiding.kind);
-    if (!turn) return;
-    Tell(ELevel::warning, EText::sensorTurned,
-         {aiding.plan->source.channel, FormatFixed(*turn / kRadiansPerDegree, 0)});
-    const Matrix3d back = Eigen::AngleAxisd(*turn, Vector3d::UnitZ()).toRotationMatrix();
-    for (SAidingPlan& plan : m_plan.aidings)
-        if (plan.kind == EAiding::dvlBottom || plan.kind == EAiding::dvlWater)
-            plan.sensorToVessel = plan.sensorToVessel * back;
-}
-
-void CNavigationRun::ObserveRest(CInsFilter& filter) {
-    m_nextRest = m_time + kRestSpan;
-    const double* deviation = FindInForce(m_plan.atRest, m_time);
-    if (!deviation || *deviation <= 0.0) return;
-    SObservation observation(3);
-    observation.innovation = -filter.GetNavigation().velocity;
-    observation.h.block<3, 3>(0, stateVelocity).setIdentity();
-    observation.noise = Matrix3d::Identity() * *deviation * *deviation;
-    SFixOutcome outcome;
-    double since = 0.0;
-    filter.Observe(observation, since, outcome);
-}
-
-// While the heading is not known, the way of the vehicle must not be taken for it: the unit may be mounted
-// across.
-void CNavigationRun::ObserveLand(CInsFilter& filter) {
-    m_nextLand = m_time + kLandSpan;
-    if (filter.Get().covariance(stateAttitude + 2, stateAttitude + 2) > kLandHeading * kLandHeading) return;
-    const EFixResult result = Use(filter, MakeLandAiding(*m_land, m_time));
-    // A skid is short. What lasts is a unit that is mounted otherwise than stated, or no land vehicle at all.
-    if (filter.GetNavigation().velocity.norm() < kLandMoving) return;
-    m_landDoubt =
-        result == EFixResult::rejected ? m_landDoubt + kLandSpan : std::max(0.0, m_landDoubt - kLandSpan);
-    if (m_landDoubt < kLandPatience) return;
-    Tell(ELevel::warning, EText::landRefused, {FormatFixed(m_time, 1)});
-    m_land = nullptr;
-}
-
-// Without an aid the vertical channel errs exponentially: it is drawn to the height that the user states, or
-// to the last one that was aided.
-void CNavigationRun::ObserveHeight(CInsFilter& filter) {
-    m_nextHeightHold = m_time + kHeightHoldSpan;
-    const EHeightAid* aid = FindInForce(m_plan.heightAids, m_time);
-    if (aid && *aid == EHeightAid::reference) {
-        const double geoid = m_plan.aboveGeoid ? m_fixMonitor.GetGeoidHeight() : 0.0;
-        filter.HoldHeight(m_plan.referenceAltitude + geoid, kReferenceDeviation);
-    } else if (m_time - m_fixMonitor.GetLastHeightAid() > kHeightUnaided) {
-        filter.HoldHeight(m_heldHeight, kHeightHoldDeviation);
-    }
-}
-
-// Reports a scale far from the stated one as soon as it is certain.
-void CNavigationRun::WatchScales(CInsFilter& filter) {
-    m_nextScales = m_time + kScaleSpan;
-    struct SScale {
-        EGroup group;
-        EAiding kind;
-    };
-    constexpr SScale kScales[] = {{EGroup::dvlScale, EAiding::dvlBottom},
-                                  {EGroup::emLogScale, EAiding::emLog},
-                                  {EGroup::odometerScale, EAiding::odometer}};
-    for (const SScale& row : kScales) {
-        const int state = filter.GetLayout().Find(row.group);
-        bool& isReported = m_scaleReported[static_cast<std::size_t>(row.kind)];
-        if (state < 0 || isReported) continue;
-        const double scale = filter.GetSensor(row.group);
-        const double deviation = std::sqrt(filter.Get().covariance(state, state));
-        if (!IsCertain(scale, deviation, kLeastScale)) continue;
-        isReported = true;
-        Tell(ELevel::warning, EText::sensorScaled,
-             {GetChannel(row.kind), FormatFixed(100.0 * scale, 1), FormatFixed(100.0 * deviation, 1)});
-    }
-}
-
 void CNavigationRun::WriteStates(CInsFilter& filter) {
     m_nextEstimates = m_time + kEstimateSpan;
     const NavigationCovariance covariance = filter.Get().covariance.topLeftCorner<9, 9>();
-    const SEstimateContext context{m_fixMonitor.GetGeoidHeight(), m_fixMonitor.GetStatus1(m_time, covariance),
-                                   m_fixMonitor.GetStatus2(m_time)};
+    const SEstimateContext context{m_observer.GetGeoidHeight(), m_observer.GetStatus1(m_time, covariance),
+                                   m_observer.GetStatus2(m_time)};
     if (!m_result.WriteEstimates(MakeEstimatePacket(filter, m_plan, context))) m_writeFailed = true;
     if (m_time < m_nextStates) return;
     m_nextStates = m_time + kStateSpan;
     if (!m_result.WriteStates(MakeStatePacket(filter))) m_writeFailed = true;
-}
-
-std::string_view CNavigationRun::GetChannel(EAiding kind) const {
-    const auto plan = std::ranges::find(m_plan.aidings, kind, &SAidingPlan::kind);
-    return plan == m_plan.aidings.end() ? std::string_view() : std::string_view(plan->source.channel);
 }
 
 void CNavigationRun::BeginEpoch(CInsFilter& filter) {
@@ -561,10 +417,11 @@ bool CNavigationRun::WriteBetween(CInsFilter& filter, const SNavigation& before,
         if (time > until) return true;
         const NavigationCovariance covariance = filter.Get().covariance.topLeftCorner<9, 9>();
         SResultContext context;
-        context.geoidHeight = m_fixMonitor.GetGeoidHeight();
+        context.geoidHeight = m_observer.GetGeoidHeight();
         context.rate = filter.GetStrapdown().GetRate();
-        context.status1 = m_fixMonitor.GetStatus1(time, covariance);
-        context.status2 = m_fixMonitor.GetStatus2(time);
+        context.status1 = m_observer.GetStatus1(time, covariance);
+        context.status2 = m_observer.GetStatus2(time);
+        context.vehicleToUnit = m_mount.GetVehicleToUnit(time);
         if (isMark) {
             context.sensor = mark->channel;
             context.sensorData = mark->data;
@@ -600,14 +457,6 @@ bool CNavigationRun::Smooth() {
         m_smoother, [&](double share) { return goOn(std::min(kBefore + (1.0 - kBefore) * share, 0.999)); });
 }
 
-// Tells a gap between the last fix that was used and this time, if there was one.
-void CNavigationRun::TellGpsGap(double time) {
-    const double last = std::exchange(m_lastFix, time);
-    if (time - last < kGpsGap || ++m_gaps > kMostGapsTold) return;
-    Tell(ELevel::warning, EText::gpsGap,
-         {FormatFixed(last, 1), FormatFixed(time, 1), FormatFixed(time - last, 1)});
-}
-
 bool CNavigationRun::KeepAlive(double time) {
     if (m_end > m_begin)
         m_monitor.Progress((m_smoothing ? kForwardShare : 1.0) *
@@ -619,20 +468,16 @@ bool CNavigationRun::KeepAlive(double time) {
 
 void CNavigationRun::Finish() {
     if (!m_navigated) return;
-    TellGpsGap(m_time);
     if (const int damages = m_inputs.GetImu().GetStream().GetDamageCount(); damages > 0)
         Tell(ELevel::warning, EText::damaged, {std::to_string(damages)});
-    if (m_fixMonitor.GetRejectedCount() > 0)
-        Tell(ELevel::warning, EText::rejectedFixes,
-             {std::to_string(m_fixMonitor.GetRejectedCount()), std::to_string(m_fixMonitor.GetUsedCount())});
-    m_fixMonitor.ForEachAiding([&](std::string_view channel, const CFixMonitor::SUse& use) {
-        Tell(ELevel::information, EText::aidingUse,
-             {channel, std::to_string(use.used), std::to_string(use.rejected),
-              FormatFixed(use.components > 0 ? use.distance / use.components : 0.0, 2)});
-    });
+    m_observer.Finish(m_time);
+    if (m_mount.IsOpen())
+        Tell(ELevel::information, EText::mountUse,
+             {m_plan.mount->source.channel, std::to_string(m_mount.GetCount())});
     for (const SEstimateText& estimate : m_estimates)
         Tell(ELevel::information, EText::sensorEstimates, {estimate.channel, estimate.text});
-    if (m_gaps > 0 && !m_smoothing) Tell(ELevel::information, EText::smoothable, {std::to_string(m_gaps)});
+    if (const int gaps = m_observer.GetGapCount(); gaps > 0 && !m_smoothing)
+        Tell(ELevel::information, EText::smoothable, {std::to_string(gaps)});
     if (!m_result.WriteMessage(m_time, static_cast<int>(ELevel::information), MakeFinishedText()))
         m_writeFailed = true;
 }

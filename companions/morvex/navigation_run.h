@@ -6,18 +6,17 @@
 #include "morvex/aiding.h"
 #include "morvex/alignment.h"
 #include "morvex/estimates.h"
-#include "morvex/fix_monitor.h"
 #include "morvex/mark_reader.h"
+#include "morvex/mount_reader.h"
 #include "morvex/mounting_probe.h"
+#include "morvex/observer.h"
 #include "morvex/output_schedule.h"
 #include "morvex/result_queue.h"
 #include "morvex/result_writer.h"
 #include "morvex/run_inputs.h"
 #include "morvex/run_plan.h"
-#include "morvex/sensor_watch.h"
 #include "morvex/smoother.h"
 
-#include <array>
 #include <initializer_list>
 #include <string_view>
 
@@ -52,23 +51,14 @@ class CNavigationRun {
     bool NavigateSegment(const SStretch& stretch, const SAlignment& alignment);
     bool NavigateAll(CInsFilter& filter, const SStretch& stretch, CItems& items);
     bool NavigateSample(CInsFilter& filter, const SImuSample& sample, CItems& items);
-    void Use(CInsFilter& filter, const SPositionFix& fix);
-    EFixResult Use(CInsFilter& filter, const SAiding& aiding);
-    void WatchDirection(CInsFilter& filter, const SAiding& aiding, const SAidingContext& context);
-    void WatchScales(CInsFilter& filter);
     // Writes the estimates and, less often, the internal states.
     void WriteStates(CInsFilter& filter);
-    std::string_view GetChannel(EAiding kind) const;
-    void ObserveRest(CInsFilter& filter);
-    void ObserveLand(CInsFilter& filter);
-    void ObserveHeight(CInsFilter& filter);
     // Writes what is wanted up to `until`, interpolated from `before` to the filter's state.
     bool WriteBetween(CInsFilter& filter, const SNavigation& before, double until);
     // What the pass backwards needs of a date: around every change of the filter's state.
     void BeginEpoch(CInsFilter& filter);
     void EndEpoch(CInsFilter& filter, bool begins = false);
     bool Smooth();
-    void TellGpsGap(double time);
     bool KeepAlive(double time);
     void Finish();
     std::string MakeFinishedText() const;
@@ -83,18 +73,15 @@ class CNavigationRun {
     COutputSchedule m_schedule;
     CResultWriter m_result;
     CResultQueue m_results;
-    CFixMonitor m_fixMonitor;
-    CSensorWatch m_watch;
+    CObserver m_observer;
+    CMountReader m_mount;
     std::vector<SEstimateText> m_estimates;           // of the last segment
-    double m_nextScales = 0.0;                        // s
     double m_nextEstimates = 0.0, m_nextStates = 0.0; // s
-    std::array<bool, static_cast<std::size_t>(EAiding::count)> m_scaleReported{};
     // With the algorithm Backward the results wait for their smoothed errors.
     bool m_smoothing = false;
     CSmoother m_smoother;
     SEpoch m_epoch;
     double m_lastEpoch = 0.0;
-    std::array<double, static_cast<std::size_t>(EAiding::count)> m_contradicted{}; // since when, by kind
     bool m_segmentEnded = false;
     bool m_stopped = false;
     bool m_writeFailed = false;
@@ -102,14 +89,6 @@ class CNavigationRun {
     double m_begin = 0.0, m_end = 0.0; // of the run, for the progress, s
     double m_time = 0.0;               // how far the run has come, s
     double m_nextOutput = 0.0;
-    double m_nextHeightHold = 0.0;
-    double m_heldHeight = 0.0;           // when the height was aided last, m
-    double m_nextRest = 0.0;             // look at the periods at rest, s
-    const SAidingPlan* m_land = nullptr; // of a vehicle on wheels
-    double m_nextLand = 0.0;             // s
-    double m_landDoubt = 0.0;            // how long its wheels have contradicted, s
-    double m_lastFix = 0.0;              // the last that was used, or the begin of the segment, s
-    int m_gaps = 0;                      // without a position
     int m_samplesSinceAlive = 0;
 };
 

@@ -8,7 +8,7 @@ namespace {
 
 // A result that waits for its smoothed errors: bytes for a temporary file of this process.
 struct SOutput {
-    double values[15];
+    double values[19];
     double heave[4];
     std::uint32_t status1, status2, sensorData;
     const char* sensor;
@@ -16,9 +16,25 @@ struct SOutput {
 
     SOutput() = default;
     SOutput(const SNavigation& n, const SResultContext& c)
-        : values{n.time,         n.position[0], n.position[1],  n.position[2],  n.velocity[0],
-                 n.velocity[1],  n.velocity[2], n.attitude.w(), n.attitude.x(), n.attitude.y(),
-                 n.attitude.z(), c.geoidHeight, c.rate[0],      c.rate[1],      c.rate[2]},
+        : values{n.time,
+                 n.position[0],
+                 n.position[1],
+                 n.position[2],
+                 n.velocity[0],
+                 n.velocity[1],
+                 n.velocity[2],
+                 n.attitude.w(),
+                 n.attitude.x(),
+                 n.attitude.y(),
+                 n.attitude.z(),
+                 c.geoidHeight,
+                 c.rate[0],
+                 c.rate[1],
+                 c.rate[2],
+                 c.vehicleToUnit.w(),
+                 c.vehicleToUnit.x(),
+                 c.vehicleToUnit.y(),
+                 c.vehicleToUnit.z()},
           heave{c.heave[0], c.heave[1], c.heave[2], c.heave[3]},
           status1(c.status1),
           status2(c.status2),
@@ -36,6 +52,7 @@ struct SOutput {
         SResultContext context;
         context.geoidHeight = values[11];
         context.rate = Vector3d(values[12], values[13], values[14]);
+        context.vehicleToUnit = Quaterniond(values[15], values[16], values[17], values[18]);
         std::copy_n(heave, 4, context.heave.begin());
         context.status1 = status1;
         context.status2 = status2;

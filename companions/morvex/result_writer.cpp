@@ -57,9 +57,14 @@ bool CResultWriter::Write(const SNavigation& navigation, const NavigationCovaria
 
     const Matrix3d toLevel = navigation.attitude.toRotationMatrix();
     const SEarth earth(navigation.position[0], navigation.position[2], navigation.velocity);
+    // Under a stabilised mount the points are those of the vehicle.
+    const auto toUnit = [&](const Vector3d& point) -> Vector3d {
+        return m_plan->mount ? m_plan->mount->ToUnit(point, context.vehicleToUnit) : point;
+    };
+    const Vector3d primary = toUnit(m_plan->points[0]);
     for (std::size_t i = 0; i < kPoints.size(); ++i) {
         Vector3d position = navigation.position;
-        MovePosition(position, toLevel * m_plan->points[i], earth);
+        MovePosition(position, toLevel * toUnit(m_plan->points[i]), earth);
         Put(m_packet, kPoints[i].latitude, position[0] / kRadiansPerDegree);
         Put(m_packet, kPoints[i].longitude, position[1] / kRadiansPerDegree);
         const double altitude = position[2] - (m_plan->aboveGeoid ? context.geoidHeight : 0.0);
@@ -67,7 +72,7 @@ bool CResultWriter::Write(const SNavigation& navigation, const NavigationCovaria
         Put(m_packet, kPoints[i].heave, static_cast<float>(context.heave[i]));
     }
     const Vector3d againstEarth = context.rate - toLevel.transpose() * earth.earthRate;
-    const Vector3d velocity = navigation.velocity + toLevel * againstEarth.cross(m_plan->points[0]);
+    const Vector3d velocity = navigation.velocity + toLevel * againstEarth.cross(primary);
     Put(m_packet, At("Speed north"), velocity.x());
     Put(m_packet, At("Speed east"), -velocity.y());
     Put(m_packet, At("Speed up"), velocity.z());
@@ -79,7 +84,7 @@ bool CResultWriter::Write(const SNavigation& navigation, const NavigationCovaria
         h.block<3, 3>(0, stateAttitude) = -SkewOf(arm);
         return h * covariance * h.transpose();
     };
-    const Matrix3d place = ofPoint(statePosition, toLevel * m_plan->points[0]);
+    const Matrix3d place = ofPoint(statePosition, toLevel * primary);
     const Matrix3d speed = ofPoint(stateVelocity, velocity - navigation.velocity);
     Put(m_packet, At("Std. dev. north"), Deviation(place(0, 0)));
     Put(m_packet, At("Std. dev. east"), Deviation(place(1, 1)));
@@ -89,7 +94,7 @@ bool CResultWriter::Write(const SNavigation& navigation, const NavigationCovaria
     Put(m_packet, At("Std. dev. speed east"), Deviation(speed(1, 1)));
     Put(m_packet, At("Std. dev. speed up"), Deviation(speed(2, 2)));
 
-    const Matrix3d userToLevel = toLevel * m_plan->userToVessel;
+    const Matrix3d userToLevel = toLevel * context.vehicleToUnit.toRotationMatrix() * m_plan->userToVessel;
     const SAttitude attitude = AttitudeOf(userToLevel);
     Put(m_packet, At("Heading"), attitude.heading / kRadiansPerDegree);
     Put(m_packet, At("Roll"), attitude.roll / kRadiansPerDegree);

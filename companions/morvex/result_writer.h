@@ -20,7 +20,8 @@ namespace Morvex {
 struct SResultContext {
     double geoidHeight = 0.0;         // m, taken off the altitudes when they are wanted above the geoid
     Vector3d rate = Vector3d::Zero(); // of the vessel against inertial space, vessel axes, rad/s
-    std::array<double, 4> heave{};    // of the written points, m, positive up
+    Quaterniond vehicleToUnit = Quaterniond::Identity(); // of a stabilised mount
+    std::array<double, 4> heave{};                       // of the written points, m, positive up
     std::uint32_t status1 = 0, status2 = 0;
     std::string_view sensor = ""; // the channel whose date this is; empty for the output rate
     std::uint32_t sensorData = 0; // number of its packet

@@ -107,6 +107,11 @@ SAidingPlan OdometerPlanOf(const CTrvSensorOdometer& odometer) {
     return plan;
 }
 
+SMountPlan MountPlanOf(const CTrvSensorPlatformOrientation& mount) {
+    return {ChannelPlanOf(mount), VectorOf(mount.insLeverArm), VectorOf(mount.vehicleLeverArm),
+            MatrixOfMisalignment(mount.insMisalignment), MatrixOfMisalignment(mount.vehicleMisalignment)};
+}
+
 // The log on the bottom and, where its file has the channel, the same log on the water.
 void AddDvl(const CTrvSensorDvl& dvl, SRunPlan& plan) {
     SAidingPlan bottom;
@@ -170,6 +175,9 @@ void AddSensors(const CTrvSimulationParameters& parameters, SRunPlan& plan) {
             plan.aidings.push_back(OdometerPlanOf(static_cast<const CTrvSensorOdometer&>(*sensor)));
             break;
         case ESensorKind::eventMarker: break; // only its dates are of interest
+        case ESensorKind::platformOrientation:
+            plan.mount = MountPlanOf(static_cast<const CTrvSensorPlatformOrientation&>(*sensor));
+            break;
         default:
             if (!plan.sensorsNotUsed.empty()) plan.sensorsNotUsed += ", ";
             plan.sensorsNotUsed += Outils_Texte::GetText(sensor->GetKind().label);
@@ -248,14 +256,14 @@ SRunPlan MakeRunPlan(const CTrvSimulationParameters& parameters) {
     for (const auto& mode : parameters.altitudeModes) {
         // In the order of the words: live, none, GPS, depth sensor, hydro.
         constexpr EHeightAid aids[] = {EHeightAid::asPacketSays, EHeightAid::reference, EHeightAid::gps,
-                                       EHeightAid::depth, EHeightAid::gps};
+                                       EHeightAid::depth, EHeightAid::hydro};
         const bool known = mode->mode >= 0 && mode->mode < 5;
         plan.heightAids.push_back({PeriodOf(*mode), known ? aids[mode->mode] : EHeightAid::asPacketSays});
     }
     for (const auto& zupt : parameters.zupts) {
         // In the order of the words: live, none, static 10 m/s, static 0.1 m/s, autostatic, its bench form,
         // and one without a meaning here. 0: no speed is taken for granted.
-        constexpr double deviations[] = {0.0, 0.0, 10.0, 0.1, 0.02, 0.02, 0.0};
+        constexpr double deviations[] = {kFindRest, 0.0, 10.0, 0.1, 0.02, 0.02, 0.0};
         const bool known = zupt->mode >= 0 && zupt->mode < 7;
         plan.atRest.push_back({PeriodOf(*zupt), known ? deviations[zupt->mode] : 0.0});
         if (zupt->mode == kZuptAnc) plan.ignored.emplace_back(Outils_Texte::GetText(EText::ignoredZupt));

@@ -68,8 +68,26 @@ struct SGpsPlan {
 // The use of a packet: its own rejection byte, unless an instruction (null: none) says otherwise.
 EUse CombineUse(std::uint8_t rejection, const ERejection* instruction);
 
-// What the height comes from.
-enum class EHeightAid : std::uint8_t { asPacketSays, gps, depth, reference };
+// What the height comes from; `hydro` is a GPS that resolves the phase of its carrier.
+enum class EHeightAid : std::uint8_t { asPacketSays, gps, depth, reference, hydro };
+
+// In place of a deviation of the speed at rest: the engine finds the rest itself.
+inline constexpr double kFindRest = -1.0;
+
+// A gyro-stabilised mount between the vehicle and the unit. Its packets hold the attitude of the platform in
+// the mount.
+struct SMountPlan {
+    SChannelPlan source;
+    Vector3d unitArm = Vector3d::Zero();    // from the unit to the centre of the mount, the unit's axes, m
+    Vector3d vehicleArm = Vector3d::Zero(); // from the vehicle's reference point to it, vehicle axes, m
+    Matrix3d unitToPlatform = Matrix3d::Identity();
+    Matrix3d mountToVehicle = Matrix3d::Identity();
+
+    // A point of the vehicle, from its reference point in its axes, seen from the unit in the unit's axes, m.
+    Vector3d ToUnit(const Vector3d& point, const Quaterniond& vehicleToUnit) const {
+        return unitArm + vehicleToUnit * (point - vehicleArm);
+    }
+};
 
 // The kinds of aiding sensors other than positions.
 enum class EAiding : std::uint8_t {
@@ -102,10 +120,13 @@ struct SRunPlan {
     Matrix3d userToVessel = Matrix3d::Identity(); // axes whose attitude is written
     std::vector<SGpsPlan> gps;                    // at most three, then at most three USBL
     std::vector<SAidingPlan> aidings;
+    std::optional<SMountPlan> mount;
+    bool hasRelativeFixes = false;                    // some USBL knows its origin badly
     double gpsArmDeviation = 0.0;                     // of the first GPS's lever arm, m; 0: the usual
     double gpsLagDeviation = 0.0;                     // of its date lag, s; 0: it has none
     double currentDeviation = 0.0, currentTime = 0.0; // of the water, m/s and s; 0: the usual
-    std::vector<SInPeriod<double>> atRest;            // periods without speed: its standard deviation, m/s
+    // Periods without speed: its standard deviation, m/s, or kFindRest.
+    std::vector<SInPeriod<double>> atRest;
     std::vector<SInPeriod<EHeightAid>> heightAids;
     double referenceAltitude = 0.0; // for EHeightAid::reference, m
     // Altitudes of the fixes and of the result are above the geoid, not above the ellipsoid.

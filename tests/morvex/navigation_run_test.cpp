@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <optional>
 #include <sstream>
 
 #include <fcntl.h>
@@ -146,17 +147,22 @@ TEST(NavigationRun, ShipUnderWayIsNavigatedBetterThanItsFixes) {
 
 namespace {
 
-// Root mean square of the horizontal misses, m.
-double GetMiss(const CRunFolder& folder, const Simulation::SMissionOptions& options) {
+enum class EMiss : unsigned char { horizontal, all };
+
+// Root mean square of the misses, m.
+double GetMiss(const CRunFolder& folder, const Simulation::SMissionOptions& options,
+               EMiss which = EMiss::horizontal) {
     const Simulation::CMission mission(options);
     double squares = 0.0, count = 0.0;
     for (const CStd& packet : folder.ReadResult<CStd>("MORVEX_STD")) {
         const Simulation::STruth truth = mission.GetTruth(packet.GetPacketDate().GetTotalSeconds());
         const Vector3d found(Field(packet, "Latitude0") * kRadiansPerDegree,
                              Field(packet, "Longitude0") * kRadiansPerDegree, 0.0);
-        squares += MetresBetween(
-                       {truth.latitude * kRadiansPerDegree, truth.longitude * kRadiansPerDegree, 0.0}, found)
-                       .squaredNorm();
+        Vector3d miss = MetresBetween(
+            {truth.latitude * kRadiansPerDegree, truth.longitude * kRadiansPerDegree, 0.0}, found);
+        if (which == EMiss::all)
+            miss.z() = Field(packet, "Altitude0") + options.geoidSeparation - truth.altitude;
+        squares += miss.squaredNorm();
         ++count;
     }
     return count > 0.0 ? std::sqrt(squares / count) : HUGE_VAL;
@@ -223,6 +229,93 @@ INSTANTIATE_TEST_SUITE_P(
         SSensorCase{
             Simulation::EVehicle::car, {"IMU", "GPS_1"}, {}, false, 20.0, kLandEquipment, kForwardIsPort}));
 
+// What a project can declare beside its GPS, and by how much it lowers the misses when the GPS is lost.
+struct SHelpCase {
+    Simulation::EVehicle vehicle;
+    std::string_view channel; // empty: no sensor
+    std::optional<ESensorKind> kind;
+    double factor;
+    void (*prepare)(Simulation::SMissionOptions& options) = [](auto&) {};
+    void (*state)(CTrvSimulationParameters& parameters) = [](auto&) {};
+};
+
+class SensorHelp : public testing::TestWithParam<SHelpCase> {
+  protected:
+    // The miss of a run over a recording with this share of wild packets.
+    double Navigate(bool with, double outliers, CListeningMonitor& monitor) const {
+        const SHelpCase& c = GetParam();
+        const CRunFolder folder;
+        Simulation::SMissionOptions options = ShortMission();
+        options.vehicle = c.vehicle;
+        options.grade = Simulation::EGrade::tactical;
+        options.channels = {"IMU", "GPS_1"};
+        if (!c.channel.empty()) options.channels.emplace_back(c.channel);
+        options.outliers = outliers;
+        options.leverArms[0].setZero();
+        options.GetChannelOptions("GPS_1").outages.push_back({150.0, 1000.0});
+        c.prepare(options);
+        folder.Simulate(options);
+        auto parameters = folder.MakeParameters();
+        if (with && c.kind) {
+            EXPECT_TRUE(parameters->AddSensor(*c.kind));
+        }
+        if (with) c.state(*parameters);
+        folder.Store(*parameters);
+        EXPECT_EQ(Execute(folder, monitor), ERunEnd::finished);
+        return GetMiss(folder, options, EMiss::all);
+    }
+};
+
+TEST_P(SensorHelp, FaultyPacketsDoNoHarm) {
+    CListeningMonitor without, with, faulty;
+    const double miss = Navigate(false, 0.0, without);
+    EXPECT_LT(GetParam().factor * Navigate(true, 0.0, with), miss);
+    EXPECT_LT(Navigate(true, 0.1, faulty), miss);
+    EXPECT_TRUE(faulty.Has(EText::rejectedFixes));
+    EXPECT_TRUE(with.Has(GetParam().kind ? EText::aidingUse : EText::restUse));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Engine, SensorHelp,
+    testing::Values(SHelpCase{Simulation::EVehicle::ship, "DVL_BT", ESensorKind::dvl, 3.0},
+                    SHelpCase{Simulation::EVehicle::ship, "DVL_WT", ESensorKind::dvl, 1.3},
+                    SHelpCase{Simulation::EVehicle::ship, "EM_LOG_1", ESensorKind::emLog, 1.1},
+                    SHelpCase{Simulation::EVehicle::auv, "DEPTH", ESensorKind::depth, 1.5},
+                    SHelpCase{Simulation::EVehicle::ship, "LBL", ESensorKind::lbl, 2.0},
+                    SHelpCase{Simulation::EVehicle::auv, "USBL_1", ESensorKind::usbl, 2.0},
+                    SHelpCase{Simulation::EVehicle::auv, "USBL_1", ESensorKind::usbl, 1.5,
+                              [](auto& o) { o.usblOrigin = 400.0; }},
+                    SHelpCase{Simulation::EVehicle::car, "ODOMETER", ESensorKind::odometer, 2.0},
+                    // At rest from begin to end, which the engine is to find by itself.
+                    SHelpCase{Simulation::EVehicle::car, "", std::nullopt, 3.0,
+                              [](auto& o) { o.alignmentDuration = 1000.0; },
+                              [](auto& p) { p.AddZupt()->end = At(1000.0); }}));
+
+// A unit that its mount keeps level: the result is the attitude of the vehicle, and its antenna swings.
+TEST(NavigationRun, MountGivesTheVehiclesAttitude) {
+    const CRunFolder folder;
+    Simulation::SMissionOptions options = ShortMission();
+    options.stabilised = 1.0;
+    options.outliers = 0.0;
+    options.channels.emplace_back("PLATFORM_ORIENT");
+    folder.Simulate(options);
+    auto parameters = folder.MakeParameters();
+    *static_cast<CTrvSensorGps&>(*parameters->sensors[0]).leverArm = CLeverArm(4.0, -2.0, 8.0);
+    ASSERT_TRUE(parameters->AddSensor(ESensorKind::platformOrientation));
+    folder.Store(*parameters);
+    CListeningMonitor monitor;
+    ASSERT_EQ(Execute(folder, monitor), ERunEnd::finished);
+    EXPECT_TRUE(monitor.Has(EText::mountUse));
+    EXPECT_LT(GetMiss(folder, options), 0.6);
+    const Simulation::CMission mission(options);
+    for (const CStd& packet : folder.ReadResult<CStd>("MORVEX_STD")) {
+        const Simulation::STruth truth = mission.GetTruth(packet.GetPacketDate().GetTotalSeconds());
+        EXPECT_NEAR(Field(packet, "Roll"), truth.roll, 0.2);
+        EXPECT_NEAR(Field(packet, "Pitch"), truth.pitch, 0.2);
+        EXPECT_LT(std::abs(std::remainder(Field(packet, "Heading") - truth.heading, 360.0)), 1.0);
+    }
+}
+
 // Settings that are wrong, and the word that names them.
 struct SWrongCase {
     Simulation::EVehicle vehicle;
@@ -230,7 +323,8 @@ struct SWrongCase {
     std::vector<ESensorKind> kinds; // besides the GPS
     void (*spoil)(Simulation::SMissionOptions& options);
     EText named;
-    double duration; // s
+    double duration;                    // s
+    Vector3d stated = Vector3d::Zero(); // lever arm of the GPS, m
 };
 
 class WrongSetting : public testing::TestWithParam<SWrongCase> {};
@@ -248,11 +342,20 @@ TEST_P(WrongSetting, IsNamedAndSetRight) {
     folder.Simulate(options);
     auto parameters = folder.MakeParameters();
     for (const ESensorKind kind : c.kinds) ASSERT_TRUE(parameters->AddSensor(kind));
+    *static_cast<CTrvSensorGps&>(*parameters->sensors[0]).leverArm =
+        CLeverArm(c.stated.x(), c.stated.y(), c.stated.z());
     folder.Store(*parameters);
     CListeningMonitor monitor;
     ASSERT_EQ(Execute(folder, monitor), ERunEnd::finished);
-    EXPECT_TRUE(monitor.Has(c.named));
     EXPECT_LT(GetMiss(folder, options), 0.6);
+    // Named on the way and in the result, with the date by which it was known.
+    const auto message = std::ranges::find(monitor.messages, c.named, &CListeningMonitor::SMessage::code);
+    ASSERT_NE(message, monitor.messages.end());
+    const auto packets = folder.ReadResult<CXpfTaroutMorvexMsgPacketV1>("MORVEX_MSG");
+    const auto number = static_cast<std::size_t>(message - monitor.messages.begin());
+    ASSERT_LT(number, packets.size());
+    constexpr double kTenMinutes = 600.0;
+    EXPECT_LT(packets[number].GetPacketDate().GetTotalSeconds(), kTenMinutes);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -266,6 +369,15 @@ INSTANTIATE_TEST_SUITE_P(
                    },
                    EText::gpsArmFound,
                    900.0},
+        SWrongCase{Simulation::EVehicle::ship,
+                   {"IMU", "GPS_1"},
+                   {},
+                   [](auto& o) {
+                       o.leverArms[0] = {12.0, 6.0, 9.0};
+                   },
+                   EText::gpsArmDiffers,
+                   900.0,
+                   {12.0, -6.0, 9.0}},
         SWrongCase{Simulation::EVehicle::car,
                    {"IMU", "GPS_1"},
                    {},
