@@ -196,16 +196,18 @@ void CInsFilter::PropagateCovariance() {
     // speed. What swings to and fro with waves takes its error back, so the noise follows the mean rate and
     // the mean force of the last seconds: the square of a first-order mean of time constant T, integrated
     // over a turn through an angle and taken 2 T times, is the square of the angle. What differs by the sign
-    // of the motion is not taken back.
+    // of the motion, or varies within it, is not taken back and follows the motion itself.
     const double gravity = NormalGravity(std::sin(m_strapdown.Get().position[0]), 0.0);
     const Vector3d turn = m_pendingRotation / dt;
     const Vector3d push = m_pendingForce / dt - Vector3d(0.0, 0.0, gravity);
     const double share = dt / (kManoeuvre + dt);
     m_turn += share * (turn - m_turn);
     m_push += share * (push - m_push);
+    const double swinging = m_grade.rectified * m_grade.rectified;
     const auto byScale = [&](const Vector3d& mean, const Vector3d& now) {
-        const double swing = m_grade.rectified * m_grade.rectified * kSwing * now.squaredNorm();
-        return m_grade.scale * m_grade.scale * std::max(2.0 * kManoeuvre * mean.squaredNorm(), swing);
+        return m_grade.scale * m_grade.scale *
+               ((1.0 - swinging) * 2.0 * kManoeuvre * mean.squaredNorm() +
+                swinging * kSwing * now.squaredNorm());
     };
     const auto white = [](double deviation) { return deviation * deviation; };
     addNoise(stateAttitude, (white(m_grade.gyroNoise) + byScale(m_turn, turn)) * dt);

@@ -280,10 +280,10 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(SHelpCase{Simulation::EVehicle::ship, "DVL_BT", ESensorKind::dvl, 3.0},
                     SHelpCase{Simulation::EVehicle::ship, "DVL_WT", ESensorKind::dvl, 1.3},
                     SHelpCase{Simulation::EVehicle::ship, "EM_LOG_1", ESensorKind::emLog, 1.1},
-                    SHelpCase{Simulation::EVehicle::auv, "DEPTH", ESensorKind::depth, 1.5},
+                    SHelpCase{Simulation::EVehicle::ship, "DEPTH", ESensorKind::depth, 1.5},
                     SHelpCase{Simulation::EVehicle::ship, "LBL", ESensorKind::lbl, 2.0},
-                    SHelpCase{Simulation::EVehicle::auv, "USBL_1", ESensorKind::usbl, 2.0},
-                    SHelpCase{Simulation::EVehicle::auv, "USBL_1", ESensorKind::usbl, 1.5,
+                    SHelpCase{Simulation::EVehicle::ship, "USBL_1", ESensorKind::usbl, 2.0},
+                    SHelpCase{Simulation::EVehicle::ship, "USBL_1", ESensorKind::usbl, 1.5,
                               [](auto& o) { o.usblOrigin = 400.0; }},
                     SHelpCase{Simulation::EVehicle::car, "ODOMETER", ESensorKind::odometer, 2.0},
                     // At rest from begin to end, which the engine is to find by itself.
