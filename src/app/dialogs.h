@@ -14,6 +14,7 @@
 class QWidget;
 
 namespace Dialogue_Tarvel {
+class CDataFileChooser;
 class CDataFileChannelChooser;
 class CNewFromBatchParametersDlg;
 class CNewProjectWizard;
@@ -41,6 +42,7 @@ class IDialogs {
     // Each shows the dialog, and returns whether it ended with OK: its logic then holds the result.
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CNewProjectWizard& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CNewFromBatchParametersDlg& dialog) = 0;
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) = 0;
@@ -60,6 +62,7 @@ class CWindowDialogs final : public IDialogs {
     void ShowAbout(QWidget* parent, const CVersionInfo& version) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CNewProjectWizard& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CNewFromBatchParametersDlg& dialog) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) override;

@@ -62,6 +62,7 @@ void ShowFindings(QTreeWidget& list, const CNewProjectWizard& logic) {
     list.clear();
     for (const auto& found : logic.DescribeFindings()) {
         auto* row = AddRow(list, found.title, found.value);
+        row->setFirstColumnSpanned(found.value.empty()); // a sentence
         if (!found.offer) continue;
         row->setData(0, Qt::UserRole, static_cast<int>(*found.offer));
         row->setToolTip(0, Text(EText::surveySensorTip));
@@ -90,7 +91,6 @@ bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
         place->Show(logic);
     });
     files->GetLine().setReadOnly(true);
-    files->GetLine().setPlaceholderText(Text(EText::wizardHint));
     files->GetLine().setText(ToQString(logic.GetInputLine()));
     configuration = new CPathLine(&dialog, WithoutKey(EText::wizardConfiguration), [&] {
         const auto chosen = AskPath(&dialog, {EPathKind::open, EText::wizardConfiguration,
@@ -111,6 +111,7 @@ bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
     });
     dialog.Add(findings);
     logic.Survey([&] { ShowFindings(*findings, logic); });
+    ShowFindings(*findings, logic);
     if (logic.GetInputFiles().empty())
         files->FocusButton(); // without a recording there is nothing to type
     else

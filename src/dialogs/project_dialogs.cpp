@@ -149,9 +149,9 @@ void CNewProjectWizard::TakeChannels(std::vector<SSurveyedChannel> channels) {
 }
 
 std::vector<CNewProjectWizard::SFindingRow> CNewProjectWizard::DescribeFindings() const {
-    if (m_inputFiles.empty() || !m_onFound) return {};
-    const auto& recording = m_findings.recording;
     const auto text = [](EText id) { return std::string(GetText(id)); };
+    if (m_inputFiles.empty()) return {{text(EText::wizardHint), {}, {}}};
+    const auto& recording = m_findings.recording;
     if (!recording.isRecording)
         return {{text(m_findings.isBusy ? EText::surveyBusy : EText::surveyNone), {}, {}}};
     Outils_Valeurs::CTrvAdaptors adaptors;

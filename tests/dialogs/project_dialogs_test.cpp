@@ -238,7 +238,8 @@ TEST_F(ProjectDialogs, OffersTheSensorsOfTheRecording) {
     // A file that is none says so, and another choice begins anew.
     CNewProjectWizard wizard(m_host, m_configuration, m_looks);
     wizard.Survey([] {});
-    EXPECT_THAT(wizard.DescribeFindings(), IsEmpty());
+    ASSERT_EQ(wizard.DescribeFindings().size(), 1u);
+    EXPECT_EQ(wizard.DescribeFindings()[0].title, Outils_Texte::GetText(EText::wizardHint));
     for (const char* name : {"raw1.log", "blind.tarin", "old.tarin"}) {
         wizard.ChooseInputFiles(InFolder({name}));
         for (int i = 0; i < 100 && wizard.GetFindings().isBusy; ++i) m_looks.Wait(std::chrono::seconds(1));
