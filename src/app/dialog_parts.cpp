@@ -7,7 +7,6 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -37,7 +36,7 @@ bool CDialog::Run(const std::function<bool()>& onOK, bool enterIsOK) {
 }
 
 CPathLine::CPathLine(QWidget* parent, const QString& name, std::function<void()> choose)
-    : QWidget(parent), m_line(new QLineEdit(this)), m_button(new QToolButton(this)) {
+    : QWidget(parent), m_line(new QLineEdit(this)), m_button(new QPushButton(this)) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     m_line->setAccessibleName(name);
@@ -45,14 +44,17 @@ CPathLine::CPathLine(QWidget* parent, const QString& name, std::function<void()>
     m_button->setText(Text(EText::browse));
     m_button->setToolTip(Text(EText::wizardBrowseTip));
     m_button->setAccessibleName(QStringLiteral("%1 %2").arg(Text(EText::wizardBrowseTip), name));
-    m_button->setFocusPolicy(Qt::StrongFocus);
-    connect(m_button, &QToolButton::clicked, this, [choose = std::move(choose)] { choose(); });
+    m_button->setFixedWidth(m_button->fontMetrics().horizontalAdvance(m_button->text()) * 3);
+    connect(m_button, &QPushButton::clicked, this, [choose = std::move(choose)] { choose(); });
     layout->addWidget(m_line, 1);
     layout->addWidget(m_button);
     setFocusProxy(m_line);
 }
 
-void CPathLine::FocusButton() { m_button->setFocus(); }
+void CPathLine::SetChosenOnly() {
+    m_line->setReadOnly(true);
+    setFocusProxy(m_button); // there is nothing to type
+}
 
 QString WithoutKey(EText text) { return Text(text).remove(QLatin1Char('&')); }
 

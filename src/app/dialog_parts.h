@@ -10,7 +10,7 @@
 #include <string>
 
 class QLineEdit;
-class QToolButton;
+class QPushButton;
 class QTreeWidget;
 class QTreeWidgetItem;
 class QVBoxLayout;
@@ -35,17 +35,18 @@ class CDialog : public QDialog {
     QVBoxLayout* m_layout;
 };
 
-// A line with a button that chooses for it.
+// A line with a button that chooses for it, also by Enter.
 class CPathLine final : public QWidget {
   public:
     CPathLine(QWidget* parent, const QString& name, std::function<void()> choose);
 
     QLineEdit& GetLine() const { return *m_line; }
-    void FocusButton();
+    // Its text comes from the button alone.
+    void SetChosenOnly();
 
   private:
     QLineEdit* m_line;
-    QToolButton* m_button;
+    QPushButton* m_button;
 };
 
 // The text without the mark of its key.

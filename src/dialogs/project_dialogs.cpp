@@ -20,9 +20,13 @@ using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 using std::filesystem::file_type;
 
+using Metier_Tarvel::ESensorKind;
+
 namespace {
 
 constexpr std::string_view kProjectExtension = ".tarprj";
+
+int GetMaximum(ESensorKind kind) { return Metier_Tarvel::GetSensorKind(kind).maximum; }
 
 } // namespace
 
@@ -145,7 +149,25 @@ void CNewProjectWizard::TakeChannels(std::vector<SSurveyedChannel> channels) {
     m_findings.isBusy = false;
     m_findings.channels = std::move(channels);
     for (const SSurveyedChannel& channel : m_findings.channels)
-        if (channel.kind) m_findings.offers.push_back({channel});
+        if (channel.kind)
+            m_findings.offers.push_back({channel, CountTaken(*channel.kind) < GetMaximum(*channel.kind)});
+}
+
+int CNewProjectWizard::CountTaken(ESensorKind kind) const {
+    return static_cast<int>(std::ranges::count_if(m_findings.offers, [kind](const SOffer& offer) {
+        return offer.isTaken && offer.channel.kind == kind;
+    }));
+}
+
+void CNewProjectWizard::Take(std::size_t offer, bool isTaken) {
+    auto& offers = m_findings.offers;
+    offers[offer].isTaken = isTaken;
+    const ESensorKind kind = *offers[offer].channel.kind;
+    if (CountTaken(kind) <= GetMaximum(kind)) return;
+    const auto first = std::ranges::find_if(offers, [&](const SOffer& other) {
+        return &other != &offers[offer] && other.isTaken && other.channel.kind == kind;
+    });
+    if (first != offers.end()) first->isTaken = false;
 }
 
 std::vector<CNewProjectWizard::SFindingRow> CNewProjectWizard::DescribeFindings() const {

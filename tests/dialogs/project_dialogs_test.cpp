@@ -252,6 +252,33 @@ TEST_F(ProjectDialogs, OffersTheSensorsOfTheRecording) {
     }
 }
 
+TEST_F(ProjectDialogs, OffersNoMoreThanAProjectTakes) {
+    {
+        test::CTestRecording recording(m_folder / "log.tarin");
+        constexpr std::string_view channels[] = {"IMU", "DVL_BT", "DVL_WT"};
+        ASSERT_TRUE(recording.GetWriter().Create(m_folder / "log.tarin", channels));
+        recording.Imu(0, 9);
+        for (const char* channel : {"DVL_BT", "DVL_WT"})
+            EXPECT_TRUE(recording.GetWriter().Write(channel, Persistance_Xpf::CXpfTarinDvlPacketV1()));
+        recording.Flush();
+    }
+    CNewProjectWizard wizard(m_host, m_configuration, m_looks);
+    wizard.ChooseInputFiles(InFolder({"log.tarin"}));
+    wizard.Survey([] {});
+    for (int i = 0; i < 100 && wizard.GetFindings().isBusy; ++i) m_looks.Wait(std::chrono::seconds(1));
+    const auto taken = [&wizard] {
+        std::vector<std::string> names;
+        for (const auto& offer : wizard.GetFindings().offers)
+            if (offer.isTaken) names.push_back(offer.channel.name);
+        return names;
+    };
+    EXPECT_THAT(taken(), ElementsAre("DVL_BT"));
+    wizard.Take(1, true);
+    EXPECT_THAT(taken(), ElementsAre("DVL_WT"));
+    wizard.Take(1, false);
+    EXPECT_THAT(taken(), IsEmpty());
+}
+
 TEST_F(ProjectDialogs, FindsMissingFilesBesideTheFirst) {
     for (const char* name : {"second.tarin", "third.tarin", "fourth.tarin"}) Record(name, 14);
     std::string message;
