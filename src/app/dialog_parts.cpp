@@ -53,7 +53,8 @@ CPathLine::CPathLine(QWidget* parent, const QString& name, std::function<void()>
 
 void CPathLine::SetChosenOnly() {
     m_line->setReadOnly(true);
-    setFocusProxy(m_button); // there is nothing to type
+    m_line->setFocusPolicy(Qt::ClickFocus); // there is nothing to type
+    setFocusProxy(m_button);
 }
 
 QString WithoutKey(EText text) { return Text(text).remove(QLatin1Char('&')); }

@@ -321,12 +321,12 @@ void CTrvGridView::currentChanged(const QModelIndex& current, const QModelIndex&
 void CTrvGridView::HideRows(const QModelIndex& parent) {
     for (int row = 0; row < m_model->rowCount(parent); ++row) {
         const QModelIndex index = m_model->index(row, 0, parent);
-        const bool hidden = !m_model->GetItem(index)->IsVisible();
+        const CHGItem& item = *m_model->GetItem(index);
+        const bool hidden = !item.IsVisible();
         if (hidden != isRowHidden(row, parent)) setRowHidden(row, parent, hidden);
-        // A heading has the whole line.
-        if (!parent.isValid())
-            setFirstColumnSpanned(row, parent,
-                                  index.siblingAtColumn(CTrvGridModel::kValue).data().toString().isEmpty());
+        // A heading without a value has the whole line.
+        if (item.GetKind() == ERowKind::section)
+            setFirstColumnSpanned(row, parent, item.GetValue().empty() && item.GetNote().empty());
         HideRows(index);
     }
 }
