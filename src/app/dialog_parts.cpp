@@ -7,6 +7,8 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
+#include <QSettings>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -15,7 +17,8 @@ namespace Application_Tarvel {
 using Outils_Plot2D::Text;
 using Outils_Plot2D::ToQString;
 
-CDialog::CDialog(QWidget* parent, const QString& title) : QDialog(parent), m_layout(new QVBoxLayout(this)) {
+CDialog::CDialog(QWidget* parent, const QString& title, QSettings* settings)
+    : QDialog(parent), m_settings(settings), m_layout(new QVBoxLayout(this)) {
     setWindowTitle(title);
 }
 
@@ -32,7 +35,13 @@ bool CDialog::Run(const std::function<bool()>& onOK, bool enterIsOK) {
         static_cast<QPushButton*>(button)->setAutoDefault(enterIsOK);
     buttons->button(QDialogButtonBox::Ok)->setDefault(enterIsOK);
     m_layout->addWidget(buttons);
-    return exec() == Accepted;
+    const QString key = QStringLiteral("dialogs/") + windowTitle();
+    // The screen may have become smaller.
+    if (const QSize kept = m_settings ? m_settings->value(key).toSize() : QSize(); kept.isValid())
+        resize(kept.boundedTo(screen()->availableSize()));
+    const bool isOK = exec() == Accepted;
+    if (m_settings) m_settings->setValue(key, size());
+    return isOK;
 }
 
 CPathLine::CPathLine(QWidget* parent, const QString& name, std::function<void()> choose)

@@ -11,6 +11,7 @@
 
 class QLineEdit;
 class QPushButton;
+class QSettings;
 class QTreeWidget;
 class QTreeWidgetItem;
 class QVBoxLayout;
@@ -22,7 +23,8 @@ using Outils_Texte::EText;
 // A dialog with OK and Cancel under what the caller puts into it. Tab goes through it in the order of adding.
 class CDialog : public QDialog {
   public:
-    CDialog(QWidget* parent, const QString& title);
+    // Its size is kept in `settings`, which may be null.
+    CDialog(QWidget* parent, const QString& title, QSettings* settings);
 
     // The widget takes the room that is left.
     void Add(QWidget* widget);
@@ -32,6 +34,7 @@ class CDialog : public QDialog {
     bool Run(const std::function<bool()>& onOK = {}, bool enterIsOK = true);
 
   private:
+    QSettings* const m_settings;
     QVBoxLayout* m_layout;
 };
 

@@ -54,8 +54,8 @@ QIcon GetRoleIcon(EDataFileRole role) {
 
 // Shows the rows of the chooser as `add` puts each into the list.
 template <class Chooser, class Add>
-bool ShowChooser(QWidget* parent, EText title, Chooser& logic, Add add) {
-    CDialog dialog(parent, Text(title));
+bool ShowChooser(QWidget* parent, QSettings* settings, EText title, Chooser& logic, Add add) {
+    CDialog dialog(parent, Text(title), settings);
     QTreeWidget* list = MakeList(&dialog, Chooser::kColumns[0], Chooser::kColumns[1], Text(title));
     for (const auto& row : logic.GetRows()) add(*list, row);
     if (logic.GetSelection())
@@ -81,7 +81,7 @@ bool ShowChooser(QWidget* parent, EText title, Chooser& logic, Add add) {
 } // namespace
 
 bool CWindowDialogs::Show(QWidget* parent, CDataFileChooser& logic) {
-    return ShowChooser(parent, EText::fileChooserTitle, logic,
+    return ShowChooser(parent, m_settings, EText::fileChooserTitle, logic,
                        [](QTreeWidget& list, const SDataFileRow& row) {
                            AddRow(list, row.name, row.folder)->setIcon(0, GetRoleIcon(row.role));
                        });
@@ -89,12 +89,12 @@ bool CWindowDialogs::Show(QWidget* parent, CDataFileChooser& logic) {
 
 bool CWindowDialogs::Show(QWidget* parent, CDataFileChannelChooser& logic) {
     return ShowChooser(
-        parent, EText::channelChooserTitle, logic,
+        parent, m_settings, EText::channelChooserTitle, logic,
         [](QTreeWidget& list, const SChannelRow& row) { AddRow(list, row.channel, row.file); });
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CRoughMisalignmentChooser& logic) {
-    CDialog dialog(parent, Text(CRoughMisalignmentChooser::kTitle));
+    CDialog dialog(parent, Text(CRoughMisalignmentChooser::kTitle), m_settings);
     auto* sides = new QHBoxLayout;
     QButtonGroup* groups[2];
     std::function<void()> draw;
@@ -162,7 +162,7 @@ void TakeFormField(const QWidget& field, Presentation_Tarvel_Graphics::SFormLine
 } // namespace
 
 bool CWindowDialogs::Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& logic) {
-    CDialog dialog(parent, WithoutKey(logic.GetTitle()).remove(QStringLiteral("...")));
+    CDialog dialog(parent, WithoutKey(logic.GetTitle()).remove(QStringLiteral("...")), m_settings);
     auto* form = new QFormLayout;
     std::vector<QWidget*> fields;
     for (const auto& line : logic.GetLines()) {
@@ -183,7 +183,7 @@ bool CWindowDialogs::Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& 
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CTrvSettingsDlg& logic) {
-    CDialog dialog(parent, Text(EText::settingsTitle));
+    CDialog dialog(parent, Text(EText::settingsTitle), m_settings);
     auto& configuration = logic.GetConfiguration();
     auto* grid = new CTrvGridView(logic.GetGrid(), logic.GetQuestions(), &dialog);
     grid->setAccessibleName(Text(EText::settingsTitle));

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+class QSettings;
 class QWidget;
 
 namespace Dialogue_Tarvel {
@@ -57,6 +58,10 @@ class IDialogs {
 
 class CWindowDialogs final : public IDialogs {
   public:
+    // Keeps the sizes of dialogs and the last folder of each kind of file in `settings`, which must outlive
+    // this; without it nothing is kept.
+    explicit CWindowDialogs(QSettings* settings = nullptr) : m_settings(settings) {}
+
     EAnswer ShowMessage(QWidget* parent, const std::string& text, EButtons buttons, EIcon icon) override;
     std::vector<std::filesystem::path> AskPath(QWidget* parent, const SPathQuestion& question) override;
     void ShowAbout(QWidget* parent, const CVersionInfo& version) override;
@@ -70,6 +75,9 @@ class CWindowDialogs final : public IDialogs {
     bool Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& form) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CToolDialog& dialog) override; // tool_windows.cpp
     bool OpenLink(const QUrl& link) override;
+
+  private:
+    QSettings* const m_settings;
 };
 
 } // namespace Application_Tarvel

@@ -85,7 +85,7 @@ void ShowFindings(QTreeWidget& list, const CNewProjectWizard& logic) {
 } // namespace
 
 bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
-    CDialog dialog(parent, Text(EText::wizardTitle));
+    CDialog dialog(parent, Text(EText::wizardTitle), m_settings);
     auto* form = new QFormLayout;
     CPathLine* files = nullptr;
     CPathLine* configuration = nullptr;
@@ -145,7 +145,7 @@ bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CNewFromBatchParametersDlg& logic) {
-    CDialog dialog(parent, Text(CNewFromBatchParametersDlg::kTitle));
+    CDialog dialog(parent, Text(CNewFromBatchParametersDlg::kTitle), m_settings);
     QTreeWidget* list =
         MakeList(&dialog, CNewFromBatchParametersDlg::kColumns[0], CNewFromBatchParametersDlg::kColumns[1],
                  Text(CNewFromBatchParametersDlg::kTitle));
@@ -186,7 +186,7 @@ bool CWindowDialogs::Show(QWidget* parent, CNewFromBatchParametersDlg& logic) {
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CRelinkDialog& logic) {
-    CDialog dialog(parent, Text(EText::relinkTitle));
+    CDialog dialog(parent, Text(EText::relinkTitle), m_settings);
     auto* hint = new QLabel(Text(EText::relinkHint), &dialog);
     hint->setWordWrap(true);
     QTreeWidget* list = MakeList(&dialog, EText::path, EText::relinkPlaceColumn, Text(EText::relinkTitle));
