@@ -14,6 +14,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
 #include <QToolBar>
@@ -138,6 +139,18 @@ TEST_F(Accessibility, OfEveryTool) {
         CTrvFileUpdaterDlg updater(services, {m_folder / "mission.tarin"});
         ExamineDialog([&] { return dialogs.Show(nullptr, updater); });
     }
+}
+
+TEST_F(Accessibility, WizardBeginsAtTheChoiceOfARecording) {
+    CFileLooks looks(m_target);
+    CNewProjectWizard wizard(m_session->GetHost(), m_application.GetConfiguration(), looks);
+    QTimer::singleShot(0, [] {
+        auto* dialog = QApplication::activeModalWidget();
+        ASSERT_TRUE(dialog);
+        EXPECT_TRUE(qobject_cast<QPushButton*>(dialog->focusWidget())); // Enter chooses
+        dialog->close();
+    });
+    EXPECT_FALSE(CWindowDialogs().Show(nullptr, wizard));
 }
 
 TEST_F(Accessibility, NoKeyHasTwoCommands) {
