@@ -183,7 +183,7 @@ bool CWindowDialogs::Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& 
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CTrvSettingsDlg& logic) {
-    CDialog dialog(parent, Text(EText::settingsTitle), m_settings);
+    CDialog dialog(parent, Text(EText::settingsTitle), nullptr); // the configuration has its size
     auto& configuration = logic.GetConfiguration();
     auto* grid = new CTrvGridView(logic.GetGrid(), logic.GetQuestions(), &dialog);
     grid->setAccessibleName(Text(EText::settingsTitle));

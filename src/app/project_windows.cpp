@@ -35,15 +35,15 @@ struct SPlaceLines {
     QLineEdit* name;
     CPathLine* folder;
 
-    SPlaceLines(QDialog& dialog, QFormLayout& form) {
+    SPlaceLines(QDialog& dialog, QFormLayout& form, EText nameLabel, EText folderLabel) {
         name = new QLineEdit(&dialog);
         name->setAccessibleName(WithoutKey(EText::wizardName));
         folder = new CPathLine(&dialog, WithoutKey(EText::wizardFolder), [this, &dialog] {
             const QString chosen = AskFolder(&dialog, folder->GetLine().text());
             if (!chosen.isEmpty()) folder->GetLine().setText(chosen);
         });
-        form.addRow(Text(EText::wizardName), name);
-        form.addRow(Text(EText::wizardFolder), folder);
+        form.addRow(Text(nameLabel), name);
+        form.addRow(Text(folderLabel), folder);
     }
     void Show(const CProjectDialog& logic) const {
         name->setText(ToQString(logic.projectName));
@@ -111,7 +111,7 @@ bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
     });
     form->addRow(Text(EText::wizardInput), files);
     form->addRow(Text(EText::wizardConfiguration), configuration);
-    place = std::make_unique<SPlaceLines>(dialog, *form);
+    place = std::make_unique<SPlaceLines>(dialog, *form, EText::wizardName, EText::wizardFolder);
     place->Show(logic);
     dialog.Add(form);
     QTreeWidget* findings =
@@ -167,7 +167,8 @@ bool CWindowDialogs::Show(QWidget* parent, CNewFromBatchParametersDlg& logic) {
     QObject::connect(choose, &QPushButton::clicked, &dialog, change);
     QObject::connect(list, &QTreeWidget::itemActivated, &dialog, change);
     auto* form = new QFormLayout;
-    const SPlaceLines place(dialog, *form);
+    const SPlaceLines place(dialog, *form, CNewFromBatchParametersDlg::kLabels[0],
+                            CNewFromBatchParametersDlg::kLabels[1]);
     place.Show(logic);
     dialog.Add(list);
     auto* below = new QHBoxLayout;

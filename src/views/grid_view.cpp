@@ -226,7 +226,8 @@ QString CTrvGridView::GetText(const CHGItem& item) const {
     const auto add = [&](const auto& self, const CHGItem& row, int depth) -> void {
         if (!row.IsVisible()) return;
         text += QString(depth * 2, ' ') + ToQString(row.GetTitle());
-        if (const std::string value = row.GetValue(); !value.empty()) text += '\t' + ToQString(value);
+        const std::string value = row.GetValue().empty() ? row.GetNote() : row.GetValue();
+        if (!value.empty()) text += '\t' + ToQString(value);
         text += '\n';
         for (std::size_t i = 0; const CHGItem* child = row.GetChild(i); ++i) self(self, *child, depth + 1);
     };

@@ -5,6 +5,7 @@
 #include "values/adaptors.h"
 
 #include <functional>
+#include <set>
 
 using namespace test;
 using namespace Presentation_Tarvel_Grid;
@@ -225,6 +226,59 @@ TEST_F(ProcessingTree, WalksTheFaults) {
     EXPECT_EQ(FindRow(zupt, EText::fromLabel)->GetFault(), "");
     EXPECT_EQ(FindRow(Parameters(), EText::begin)->Write("2:00:00"), "");
     EXPECT_NE(FindRow(Parameters(), EText::begin)->GetFault(), "");
+}
+
+TEST_F(ProcessingTree, BlamesTheValueOfTheUnit) {
+    MendPeriods();
+    Parameters().nelixConfiguration->roughMisalignment = 99;
+    m_treeView.OnUpdate(hintSensorChanged, &Get<CTrvSensorGps>());
+    EXPECT_EQ(m_tree.FindNextFault(nullptr),
+              FindRow(*Parameters().nelixConfiguration, EText::roughMisalignment));
+    EXPECT_EQ(m_tree.GetParametersItem()->GetFault(), "");
+}
+
+TEST_F(ProcessingTree, GroupsLieDirectlyUnderTheirSensor) {
+    for (const CTrvSensor* sensor :
+         {static_cast<CTrvSensor*>(&Get<CTrvSensorDvl>()), static_cast<CTrvSensor*>(&Get<CTrvSensorGps>())}) {
+        std::set<std::string> titles;
+        for (const auto& group : sensor->rejectionGroups) {
+            const CHGItem* row = m_tree.Find(group->instructions[0].get())->GetParent();
+            EXPECT_EQ(row->GetParent(), m_tree.Find(sensor));
+            EXPECT_EQ(m_tree.FindGroup(row), group.get());
+            titles.insert(row->GetTitle());
+        }
+        EXPECT_EQ(titles.size(), sensor->rejectionGroups.size());
+        EXPECT_FALSE(titles.contains(""));
+    }
+}
+
+TEST_F(ProcessingTree, OnlyExternalFilesAreOffset) {
+    const CTrvDataFile* external = AddFile("external.tarin");
+    ASSERT_TRUE(external);
+    for (const CTrvDataFile* file :
+         {const_cast<const CTrvDataFile*>(Parameters().mainInputFile.get()),
+          const_cast<const CTrvDataFile*>(Parameters().outputFile.get()), external})
+        EXPECT_EQ(FindRow(*file, EText::timeOffset)->IsVisible(), file == external);
+}
+
+TEST_F(ProcessingTree, ExpertsSeeStandardDeviations) {
+    ASSERT_TRUE(m_document.Save());
+    Outils::CMessageQueue queue;
+    CTrvDocument document(m_host, queue, m_configuration, true);
+    ASSERT_TRUE(document.OpenDocument(m_folder / "p.tarprj"));
+    CProcessingTree tree(document, m_adaptors);
+    tree.Rebuild();
+    int sections = 0;
+    ForEach(tree.GetGrid().GetRoot(), [&sections](CHGItem& item) {
+        if (item.GetTitle() == GetText(EText::stdDevDefaultTitle)) ++sections;
+        const bool isWritten = item.IsEditable() && item.GetKind() != ERowKind::dialog;
+        EXPECT_EQ(isWritten ? item.Write(item.GetValue()) : "", "") << item.GetTitle();
+        const bool isLeast = item.GetTitle() == GetText(EText::minimumValue);
+        const CHGItem& first = isLeast ? *item.GetParent()->GetChild(0) : item;
+        EXPECT_TRUE(!isLeast || first.GetTitle() == GetText(EText::stdDevDefaultTitle));
+    });
+    EXPECT_EQ(sections, 8); // the Doppler log has two
+    EXPECT_FALSE(document.IsModified());
 }
 
 TEST_F(ProcessingTree, SharesTheListOfAKind) {
