@@ -39,7 +39,7 @@ void CPlot2DSerieCurve::Draw(CGraphics& graphics) {
     if (source && CProjection(GetPlot()).IsValid()) {
         Project(*source);
         const STheme& theme = graphics.GetTheme();
-        const CPlot2DPen pen(theme.OnGround(m_pen.GetColor()), m_pen.GetWidth());
+        const CPlot2DPen pen(theme.OnGround(m_pen.GetColor()), m_pen.GetWidth(), GetLineStyle());
         const CPlot2DSolidBrush brush(theme.OnGround(m_brush.GetColor()));
         if (GetPlot().GetSettings().drawCurve)
             graphics.DrawCurve(pen.GetNative(), m_screenPoints);
