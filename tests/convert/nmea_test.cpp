@@ -160,6 +160,7 @@ TEST_F(NmeaTest, PositionsWithoutErrorsTakeDilution) {
     auto packets = Convert("Nmea2Tarin", Zda("120000") + Gga("120000", "GP", "4") + Gga("120001", "GP", "1"));
     EXPECT_FLOAT_EQ(packets["GPS_1"][0]["Std. dev. north"], 0.03f);
     EXPECT_FLOAT_EQ(packets["GPS_1"][1]["Std. dev. east"], 4.5f);
+    EXPECT_FLOAT_EQ(packets["GPS_1"][1]["Std. dev. altitude"], 7.5f);
     EXPECT_TRUE(m_monitor.texts.contains(EText::nmeaAssumedErrors));
 }
 

@@ -217,6 +217,19 @@ TEST_F(ToolDialogs, CancelLeavesNoTarget) {
     }
 }
 
+TEST_F(ToolDialogs, CancelledExportLeavesNoTarget) {
+    Install("Tarout2Txt.exe", "echo part > \"$last\"; read word; exit 1");
+    auto dialog = Export(EExportFormat::txt, "output");
+    ASSERT_TRUE(dialog->Start());
+    while (!std::filesystem::exists(dialog->GetTarget())) dialog->Wait(10ms);
+    dialog->Cancel();
+    while (dialog->IsRunning()) dialog->Wait(10ms);
+    EXPECT_EQ(dialog->GetOutcome(), EOutcome::cancelled);
+    EXPECT_FALSE(std::filesystem::exists(dialog->GetTarget()));
+    EXPECT_THAT(m_opened, IsEmpty());
+    EXPECT_FALSE(dialog->HasEnded());
+}
+
 TEST_F(ToolDialogs, ExportCommandHasTheSwitchesOfItsFormat) {
     using enum EExportField;
     m_parameters->mainInputFile->timeOffset =
@@ -296,11 +309,20 @@ TEST_F(ToolDialogs, ExportChecksInTheGivenOrder) {
         const char* source;
         std::vector<std::pair<EExportField, const char*>> written;
         EText text;
+        EExportField focus;
     } cases[] = {
-        {EExportFormat::udt, "output", {{exportTemplate, "/no/such.tarudt"}}, EText::toolTemplateMissing},
-        {EExportFormat::sbet, "input", {}, EText::sbetOfResult},
-        {EExportFormat::kml, "output", {{kmlDecimate, "on"}, {kmlDecimation, "0"}}, EText::toolResultMissing},
-        {EExportFormat::txt, "input", {}, EText::toolSourceMissing},
+        {EExportFormat::udt,
+         "output",
+         {{exportTemplate, "/no/such.tarudt"}},
+         EText::toolTemplateMissing,
+         exportTemplate},
+        {EExportFormat::sbet, "input", {}, EText::sbetOfResult, source},
+        {EExportFormat::kml,
+         "output",
+         {{kmlDecimate, "on"}, {kmlDecimation, "0"}},
+         EText::toolResultMissing,
+         source},
+        {EExportFormat::txt, "input", {}, EText::toolSourceMissing, source},
     };
     std::filesystem::remove(m_folder / "r.tarout");
     std::filesystem::remove(m_folder / "x.tarin");
@@ -309,6 +331,9 @@ TEST_F(ToolDialogs, ExportChecksInTheGivenOrder) {
         for (const auto& [field, text] : c.written) Write(*dialog, field, text);
         EXPECT_FALSE(dialog->Start());
         EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(c.text)));
+        ASSERT_TRUE(dialog->GetFaultItem());
+        EXPECT_EQ(dialog->GetFaultItem()->GetTitle(),
+                  Text(GetExportFields()[static_cast<std::size_t>(c.focus)].title));
     }
     std::ofstream(m_folder / "r.tarout") << "x";
     auto dialog = Export(EExportFormat::kml, "output");
