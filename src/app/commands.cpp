@@ -224,6 +224,8 @@ const SCommandRow kCommands[] = {
     {.id = commandRelink, .menu = EMenu::simulation, .text = EText::relinkCommand, .tip = EText::relinkCommandTip,
      .newGroup = true, .run = [](Frame& f) { f.Relink(); },
      .enabledWhen = [](const Frame& f) { return f.HasProject() && !f.GetDocument().GetFiles()->GetMissing().empty(); }},
+    {.id = commandMoveFile, .menu = EMenu::simulation, .text = EText::moveFileCommand, .tip = EText::moveFileTip,
+     .run = [](Frame& f) { f.MoveFile(); }, .enabledWhen = HasProject},
 
     Toggle<commandMenuBar>(EText::showMenuBar, "Ctrl+M"),
     Toggle<commandStandardBar>(EText::showStandardBar, "Ctrl+Shift+T"),

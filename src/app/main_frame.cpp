@@ -269,6 +269,21 @@ void CTrvProjectMainFrame::Relink() {
         m_dialogs.Show(this, dialog);
 }
 
+void CTrvProjectMainFrame::MoveFile() {
+    using namespace Dialogue_Tarvel;
+    CDataFileChooser chooser(*m_document.GetProject()->simulationParameters, 0);
+    if (!m_dialogs.Show(this, chooser)) return;
+    const SDataFileRow* row = chooser.OnOK();
+    if (!row) return;
+    const bool isOutput = row->role == EDataFileRole::output;
+    const auto chosen =
+        m_host.AskPath({isOutput ? EPathKind::save : EPathKind::open, EText::fileChooserTitle,
+                        isOutput ? EText::batchOutputFilter : EText::batchInputFilter,
+                        isOutput ? "tarout" : "tarin", row->file->path});
+    if (chosen.empty()) return;
+    m_document.GetEdits().Do(Edits::kMoveDataFiles, Edits::CMoves{{row->file, chosen.front()}});
+}
+
 void CTrvProjectMainFrame::ResetLayout() { restoreState(m_firstLayout, kStateVersion); }
 
 EOutcome CTrvProjectMainFrame::MakeProject(SMadeProject& made, std::vector<std::filesystem::path> files) {

@@ -83,6 +83,7 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void ImportConfiguration();
     // The dialog for data files that are not in their place; says so when there are none.
     void Relink();
+    void MoveFile();
     // Puts panels and tool bars back to their first places.
     void ResetLayout();
     void Export();
