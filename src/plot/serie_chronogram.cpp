@@ -13,7 +13,7 @@ namespace {
 constexpr float kLeastLabelled = 20; // pixels: no label fits into less
 constexpr float kLabelRoom = 4;      // on both sides of a label
 
-struct SBucket {
+struct SStateBucket {
     float left;
     float right; // the left again where a bucket is drawn as a point in time
     float y;
@@ -81,7 +81,7 @@ void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataS
     for (std::uint32_t i = 0; i < count; ++i) {
         double x = 0, y = 0;
         if (!source.GetPoint(i, x, y)) continue;
-        const SBucket bucket = {project.X(stairs ? x - halfPeriod : x),
+        const SStateBucket bucket = {project.X(stairs ? x - halfPeriod : x),
                                 project.X(stairs ? x + halfPeriod : x), project.Y(y),
                                 IsMixed(source, i, extrema)};
         if (!IsFinite(SPoint{bucket.left, bucket.y}) || !std::isfinite(bucket.right)) continue;
