@@ -82,8 +82,8 @@ void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataS
         double x = 0, y = 0;
         if (!source.GetPoint(i, x, y)) continue;
         const SStateBucket bucket = {project.X(stairs ? x - halfPeriod : x),
-                                project.X(stairs ? x + halfPeriod : x), project.Y(y),
-                                IsMixed(source, i, extrema)};
+                                     project.X(stairs ? x + halfPeriod : x), project.Y(y),
+                                     IsMixed(source, i, extrema)};
         if (!IsFinite(SPoint{bucket.left, bucket.y}) || !std::isfinite(bucket.right)) continue;
         if (any && previousMixed && !bucket.mixed) {
             const SRect block = Block(blockLeft, bucket.left, top, bottom);

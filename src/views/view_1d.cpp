@@ -396,13 +396,13 @@ void CTrvView1D::scrollContentsBy(int, int) { Redraw(); }
 void CTrvView1D::paintEvent(QPaintEvent* event) {
     const double ratio = devicePixelRatioF();
     if (m_backing.size() != viewport()->size() * ratio || m_backing.devicePixelRatio() != ratio) {
-        m_backing = QPixmap(viewport()->size() * ratio);
+        m_backing = QImage(viewport()->size() * ratio, QImage::Format_RGB32);
         m_backing.setDevicePixelRatio(ratio);
         FitToWindow(); // also when the window came to a screen of another density
     }
     if (!m_backingValid) PaintBacking();
     QPainter painter(viewport());
-    painter.drawPixmap(QPointF(), m_backing);
+    painter.drawImage(QPointF(), m_backing);
     if (GetInteractor()) GetInteractor()->Draw(painter);
     event->accept();
 }
