@@ -56,17 +56,22 @@ void CPlot2DSerieChronogram::SetColor(Colour colour) {
 void CPlot2DSerieChronogram::Draw(CGraphics& graphics) {
     const CPlot2DDataSource* source = GetDataSource();
     graphics.SetClipRect(GetPlot().GetPlottingArea().GetRect());
-    if (source && CProjection(GetPlot()).IsValid()) DrawBuckets(graphics, *source);
+    if (source && CProjection(GetPlot()).IsValid()) {
+        const STheme& theme = graphics.GetTheme();
+        if (const CPlot2DDataSource* provisional = source->GetProvisional())
+            DrawBuckets(graphics, *provisional, theme.Pale(GetColor()));
+        DrawBuckets(graphics, *source, theme.OnGround(GetColor()));
+    }
     graphics.ResetClip();
 }
 
 // The steps between two blocks are one polyline, drawn when a block begins: a paint takes a few calls, not
 // three per bucket.
-void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source) {
+void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source,
+                                         Colour colour) {
     const CProjection project(GetPlot());
-    const STheme& theme = graphics.GetTheme();
-    const CPlot2DSolidBrush brush(theme.OnGround(GetColor()));
-    m_drawnPen = CPlot2DPen(theme.OnGround(GetColor()));
+    const CPlot2DSolidBrush brush(colour);
+    m_drawnPen = CPlot2DPen(colour);
     const double halfPeriod = source.GetPeriod() * 0.5;
     const bool stairs = project.HalfPeriod(source.GetPeriod()) >= 0.5f;
     const bool extrema = source.HasExtremum();

@@ -35,11 +35,21 @@ void CPlot2DSerieCurve::Draw(CGraphics& graphics) {
     const CPlot2DDataSource* source = GetDataSource();
     graphics.SetClipRect(GetPlot().GetPlottingArea().GetRect());
     if (source && CProjection(GetPlot()).IsValid()) {
+        if (const CPlot2DDataSource* provisional = source->GetProvisional())
+            DrawProvisional(graphics, *provisional);
         Project(*source);
         DrawLineAndBand(graphics);
         if (GetMarker() != EMarker::none) DrawMarkers(graphics);
     }
     graphics.ResetClip();
+}
+
+// A pixel of the device wide, whatever its density. Under the exact points, which take its place.
+void CPlot2DSerieCurve::DrawProvisional(CGraphics& graphics, const CPlot2DDataSource& source) {
+    Project(source);
+    const CPlot2DPen pen(graphics.GetTheme().Pale(m_pen.GetColor()), 0);
+    if (!graphics.DrawOnPixels(pen.GetNative(), m_screenPoints, 0, {}, 0))
+        graphics.DrawLines(pen.GetNative(), m_screenPoints);
 }
 
 void CPlot2DSerieCurve::DrawLineAndBand(CGraphics& graphics) {

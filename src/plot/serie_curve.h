@@ -17,7 +17,7 @@ class CPlot2DSerieCurve : public CPlot2DSerie {
     // Takes the next colour of the palette.
     CPlot2DSerieCurve(CPlot2D& plot, std::unique_ptr<CPlot2DDataSource> source, std::string name);
 
-    // Points that are not finite break the line and the band.
+    // Points that are not finite break the line and the band. Provisional points are a thin pale line.
     void Draw(CGraphics& graphics) override;
     // The band takes the same colour with the transparency of the settings.
     void SetColor(Colour colour) override;
@@ -27,6 +27,7 @@ class CPlot2DSerieCurve : public CPlot2DSerie {
 
   private:
     void Project(const CPlot2DDataSource& source);
+    void DrawProvisional(CGraphics& graphics, const CPlot2DDataSource& source);
     void DrawLineAndBand(CGraphics& graphics);
     void DrawBands(CGraphics& graphics, const CPlot2DSolidBrush& brush);
     void DrawMarkers(CGraphics& graphics);
