@@ -41,8 +41,8 @@ class CTrv1DGraphDataSource : public Outils_Plot2D::CPlot2DDataSource {
     // There is something to draw.
     bool HasPoints() const { return GetCount() > 0 || (m_preview && m_provisional.GetCount() > 0); }
 
-    // Widens `low` and `high` by every finite value of dataset and preview, extremes included. False when there is
-    // none.
+    // Widens `low` and `high` by every finite value of dataset and preview, extremes included. False when
+    // there is none.
     bool IncludeValues(double& low, double& high) const;
     // The point nearest to a simulation time; false for none within a bucket and a half of it.
     bool GetNearestPoint(CDateTimeSpan time, double& x, double& y) const;
