@@ -77,12 +77,13 @@ void CTrvSampledViewQuery::SampleBytes(CXpfChannel& channel, std::uint32_t paylo
                                        std::size_t block, std::size_t count) {
     constexpr std::int64_t kPage = 4096;
     // From the first to the last packet themselves, so that the curve reaches both edges; between them whole
-    // pages.
+    // pages where that leaves the places even.
     std::vector<std::int64_t> places = {extent.begin};
     const double step = static_cast<double>(extent.end - extent.begin) / static_cast<double>(count);
+    const std::int64_t unit = step > 8 * kPage ? kPage : 1;
     for (std::size_t i = 1; i + 1 < count; ++i) {
         const auto place = extent.begin + static_cast<std::int64_t>(step * static_cast<double>(i));
-        places.push_back(std::max(place / kPage * kPage, places.back()));
+        places.push_back(std::max(place / unit * unit, places.back()));
     }
     places.push_back(extent.end);
     CPacketSampler sampler(channel, payloadSize, block);
