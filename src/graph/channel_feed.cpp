@@ -83,6 +83,12 @@ bool CTrv1DChannelFeed::IsLoading() const {
     });
 }
 
+bool CTrv1DChannelFeed::IsResultGrowing() const {
+    return std::any_of(m_channels.begin(), m_channels.end(), [this](const auto& entry) {
+        return entry.second.quietLooks < SChannel::kQuiet && IsResult(entry.first);
+    });
+}
+
 bool CTrv1DChannelFeed::HasDataOf(const Outils_Objets::CObject* file) const {
     return std::any_of(m_channels.begin(), m_channels.end(), [file](const auto& entry) {
         return entry.first.file == file && entry.second.dataset;
@@ -323,6 +329,8 @@ void CTrv1DChannelFeed::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
     const bool read = std::exchange(channel.force, false) || !sameStart || growth;
     channel.answered = true;
     const CDateTimeSpan formerEnd = channel.last + channel.origin;
+    const bool grew = hadData && success && query.GetLast() > channel.last;
+    channel.quietLooks = grew ? 0 : std::min(channel.quietLooks + 1, SChannel::kQuiet);
     channel.first = query.GetFirst();
     channel.last = query.GetLast();
     if (!success) {

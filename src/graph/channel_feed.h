@@ -45,6 +45,8 @@ class CTrv1DChannelFeed {
     // Looks at the channels of a file again, of all files for null. `force` reads the displayed time again
     // even where the file has not grown.
     void Refresh(const Outils_Objets::CObject* file, bool force);
+    // The result has grown at one of the last looks, and may go on.
+    bool IsResultGrowing() const;
     // Asks for the displayed time of every channel. Data on the screen stays until better data comes.
     void AskWindows();
     // The same if the displayed time is not the one that was asked for last.
@@ -68,7 +70,10 @@ class CTrv1DChannelFeed {
         bool fault = false;    // the file could not be read
         bool answered = false; // where its data lies is known, or that it has none
         bool refresh = false;  // look at the file again as soon as no query is under way
-        bool force = false;    // and read the window again even if the file has not grown
+        // Looks since the last that saw it grow. A writer that fills a buffer first grows in leaps.
+        static constexpr int kQuiet = 20;
+        int quietLooks = kQuiet;
+        bool force = false; // and read the window again even if the file has not grown
         std::shared_ptr<Application_Tarvel::CAsyncQuery> extentQuery;  // under way, or null
         std::shared_ptr<Application_Tarvel::CAsyncQuery> previewQuery; // the same
         std::shared_ptr<Application_Tarvel::CAsyncQuery> windowQuery;

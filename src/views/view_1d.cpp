@@ -39,6 +39,7 @@ constexpr int kScrollStep = 40; // pixels
 // Turns of the wheel that are nearer to each other than this belong together.
 constexpr auto kWheelPause = 500ms;
 constexpr auto kDescriptionPause = 300ms;
+constexpr auto kGrowthPause = 100ms;
 
 } // namespace
 
@@ -67,6 +68,8 @@ CTrvView1D::CTrvView1D(CTrvDocument& document, CViewState& viewState,
         setAccessibleDescription(ToQString(DescribeStack(GetStack(), GetViewState())) + u' ' +
                                  Text(EText::graphsHelp));
     });
+    m_growth.setInterval(kGrowthPause);
+    connect(&m_growth, &QTimer::timeout, this, [this] { m_loader.LookForGrowth(); });
     m_loader.SetOnChanged([this](bool layout) { OnLoaderChanged(layout); });
     m_subscription = viewState.Listen([this](EViewChange change) {
         if (change == EViewChange::cursor) RedrawOverlay();
@@ -338,6 +341,10 @@ void CTrvView1D::OnLoaderChanged(bool layout) {
     if (layout) UpdateScrollBar();
     if (!m_loader.HasProject()) m_steps.Cancel();
     Redraw();
+    if (!m_loader.IsResultGrowing())
+        m_growth.stop();
+    else if (!m_growth.isActive())
+        m_growth.start();
     if (!m_description.isActive()) m_description.start();
     // A drag shows many views: only what changes a command is reported.
     const auto& viewState = GetViewState();

@@ -167,6 +167,7 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     QImage m_backing;
     bool m_backingValid = false;
     QTimer m_wheelEnd;    // runs while the wheel turns
+    QTimer m_growth;      // runs while the result grows
     QTimer m_description; // runs until the accessible description is brought up to date
     CViewState::CSubscription m_subscription;
 };
