@@ -95,11 +95,17 @@ EQueryEnd CTrvView1DDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpf
     SReducedSeries series;
     CSliceCollector collector(m_window, channel, packet->GetPayloadSize(), series);
     CChannelWalk walk(channel, packet->GetPayloadSize());
+    auto nextPart = std::chrono::steady_clock::now() + m_partInterval;
     for (;;) {
         const auto payloads = walk.Next([&collector] { collector.Settle(); });
         // After the read: an interrupted read is no end of the file.
         if (m_cancel.IsSet()) return EQueryEnd::cancelled;
         if (payloads.empty() || !collector.Add(payloads)) break;
+        if (!m_onPart || series.representatives.empty()) continue;
+        if (const auto now = std::chrono::steady_clock::now(); now >= nextPart) {
+            nextPart = now + m_partInterval;
+            m_onPart(collector.TakeFinished());
+        }
     }
     // The end of the file closes the slice at hand as the window's end does.
     collector.Flush();

@@ -62,6 +62,12 @@ void CTrv1DGraphLoader::Relayout() {
 
 bool CTrv1DGraphLoader::IsLoading() const { return m_feed.IsLoading(); }
 
+void CTrv1DGraphLoader::LookForGrowth() {
+    const auto* project = m_document.GetProject();
+    if (!project || IsLoading() || (m_running && !Config().Get(Cnf<"view1D/displayAutoRefresh">))) return;
+    m_feed.Refresh(project->simulationParameters->outputFile.get(), false);
+}
+
 double CTrv1DGraphLoader::GetTimeFactor(double steps) const {
     const double in = Factor(Config().Get(Cnf<"view1D/horizontalZoomScaleFactor">), 0.5);
     const double out = Factor(Config().Get(Cnf<"view1D/horizontalUnzoomScaleFactor">), 2);

@@ -40,6 +40,10 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     // What graphs without points say, brought up to date: nobody reports the end of an analysis. True while
     // one is under way, and it may change again.
     bool UpdateNotices();
+    // The result grows, and its end is on the way to the screen. The document hears of growth every few
+    // seconds; a view that wants to keep up looks itself while this is true.
+    bool IsResultGrowing() const { return m_feed.IsResultGrowing(); }
+    void LookForGrowth();
     // There is a project to show.
     bool HasProject() const { return m_document.GetProject() != nullptr; }
 

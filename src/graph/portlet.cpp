@@ -98,8 +98,8 @@ void CTrv1DGraphPortlet::UpdateSerie(SEntry& entry, const SCurveDescription& wan
     if (!ReadsTheSame(entry.shown, wanted)) {
         auto source = MakeSource(wanted);
         if (wanted.channel == entry.shown.channel)
-            source->SetDataset(
-                static_cast<CTrv1DGraphDataSource*>(entry.serie->GetDataSource())->GetDataset());
+            if (const auto* former = static_cast<CTrv1DGraphDataSource*>(entry.serie->GetDataSource()))
+                source->SetDataset(former->GetDataset(), former->GetPreview());
         entry.serie->SetDataSource(std::move(source));
     }
     entry.serie->SetName(wanted.name);
@@ -153,7 +153,7 @@ void CTrv1DGraphPortlet::OnDataChanged() {}
 bool CTrv1DGraphPortlet::HasPoints() const {
     bool found = false;
     ForEachVisible([&found](const CPlot2DSerie&, const CTrv1DGraphDataSource& source) {
-        found = found || source.GetCount() > 0;
+        found = found || source.HasPoints();
     });
     return found;
 }

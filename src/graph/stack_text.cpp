@@ -17,6 +17,15 @@ void Append(std::string& list, const std::string& text) {
     list += text;
 }
 
+// Some curve that is seen is not all read yet.
+bool IsProvisional(const CTrv1DGraphPortlet& portlet) {
+    bool found = false;
+    portlet.ForEachVisible([&found](const CPlot2DSerie&, const CTrv1DGraphDataSource& source) {
+        found = found || source.GetPreview();
+    });
+    return found;
+}
+
 } // namespace
 
 std::string DescribeStack(const CTrv1DGraphStack& stack, const CViewState& viewState) {
@@ -29,6 +38,7 @@ std::string DescribeStack(const CTrv1DGraphStack& stack, const CViewState& viewS
         std::string curves;
         for (const SCurveDescription& curve : portlet->GetCurves()) Append(curves, curve.name);
         add(FormatText(EText::graphDescription, {portlet->GetTitle(), curves}));
+        if (IsProvisional(*portlet)) add(std::string(GetText(EText::graphProvisional)));
     }
     if (!stack.HasPeriod()) return text;
     const auto& time = stack.GetTimeText();

@@ -40,6 +40,7 @@ constexpr int kScrollStep = 40; // pixels
 constexpr auto kWheelPause = 500ms;
 constexpr auto kDescriptionPause = 300ms;
 constexpr auto kNoticePause = 300ms;
+constexpr auto kGrowthPause = 100ms;
 
 } // namespace
 
@@ -74,6 +75,8 @@ CTrvView1D::CTrvView1D(CTrvDocument& document, CViewState& viewState,
         if (m_loader.UpdateNotices()) m_notices.start();
         Redraw();
     });
+    m_growth.setInterval(kGrowthPause);
+    connect(&m_growth, &QTimer::timeout, this, [this] { m_loader.LookForGrowth(); });
     m_loader.SetOnChanged([this](bool layout) { OnLoaderChanged(layout); });
     m_subscription = viewState.Listen([this](EViewChange change) {
         if (change == EViewChange::cursor) RedrawOverlay();
@@ -334,6 +337,10 @@ void CTrvView1D::OnLoaderChanged(bool layout) {
     if (layout) UpdateScrollBar();
     if (!m_loader.HasProject()) m_steps.Cancel();
     Redraw();
+    if (!m_loader.IsResultGrowing())
+        m_growth.stop();
+    else if (!m_growth.isActive())
+        m_growth.start();
     if (!m_description.isActive()) m_description.start();
     if (!m_notices.isActive() && m_loader.GetDocument().IsAnalysing()) m_notices.start();
     // A drag shows many views: only what changes a command is reported.
@@ -393,13 +400,13 @@ void CTrvView1D::scrollContentsBy(int, int) { Redraw(); }
 void CTrvView1D::paintEvent(QPaintEvent* event) {
     const double ratio = devicePixelRatioF();
     if (m_backing.size() != viewport()->size() * ratio || m_backing.devicePixelRatio() != ratio) {
-        m_backing = QPixmap(viewport()->size() * ratio);
+        m_backing = QImage(viewport()->size() * ratio, QImage::Format_RGB32);
         m_backing.setDevicePixelRatio(ratio);
         FitToWindow(); // also when the window came to a screen of another density
     }
     if (!m_backingValid) PaintBacking();
     QPainter painter(viewport());
-    painter.drawPixmap(QPointF(), m_backing);
+    painter.drawImage(QPointF(), m_backing);
     if (GetInteractor()) GetInteractor()->Draw(painter);
     event->accept();
 }

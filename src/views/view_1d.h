@@ -15,8 +15,8 @@
 #include "graph/stack_picture.h"
 #include "views/interactor.h"
 
+#include <QImage>
 #include <QKeySequence>
-#include <QPixmap>
 #include <QTimer>
 
 #include <optional>
@@ -159,9 +159,12 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     EView1DMode m_mode = EView1DMode::select;
     bool m_echo = true;
     SOffered m_offered; // as reported last
-    QPixmap m_backing;  // what the window shows of the stack, without what lies over it
+    // What the window shows of the stack, without what lies over it. A QImage, to whose pixels the curves are
+    // written.
+    QImage m_backing;
     bool m_backingValid = false;
     QTimer m_wheelEnd;    // runs while the wheel turns
+    QTimer m_growth;      // runs while the result grows
     QTimer m_description; // runs until the accessible description is brought up to date
     QTimer m_notices;     // runs while files are analysed
     CViewState::CSubscription m_subscription;
