@@ -19,13 +19,14 @@ struct SIndexSettings {
     std::uint64_t disk = std::uint64_t{4} << 30;     // bytes, of all kept files together
     std::filesystem::path folder;                    // of the kept files; empty keeps none
     std::int64_t leastKept = std::int64_t{16} << 20; // bytes of a stream that is worth a file
+    std::int64_t loaded = std::int64_t{8} << 20;     // bytes of a channel that are read with a kept file
 };
 
 // Any thread.
 class CFileIndexes {
   public:
     explicit CFileIndexes(SIndexSettings settings)
-        : m_settings(std::move(settings)), m_store(m_settings.folder, m_settings.disk) {}
+        : m_settings(std::move(settings)), m_store(m_settings.folder, m_settings.disk, m_settings.loaded) {}
 
     bool IsOn() const { return m_settings.isOn; }
     // Null when there is none. Whether it fits the file at hand is the caller's to ask.

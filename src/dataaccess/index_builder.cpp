@@ -71,13 +71,17 @@ void CIndexBuilder::RestoreLast(SChannel& channel) {
     m_recordBytes += WithLevels(static_cast<std::int64_t>(count) * channel.index.GetForm().recordSize);
 }
 
-void CIndexBuilder::Begin(CXpfFile& file) {
+bool CIndexBuilder::Begin(CXpfFile& file, const std::filesystem::path& path) {
+    const auto state = LookAtState(path);
+    if (!state || !m_index->Fits(file, path)) return false;
+    m_state = *state;
     for (const auto& channel : m_channels) {
         SPacketHeader header;
         if (channel->lastPosition == 0 || !file.Seek(channel->lastPosition)) continue;
         if (file.Read(&header, sizeof header) == sizeof header) channel->lastLink = header.forwardLink;
     }
     m_index->BeginGrowth();
+    return true;
 }
 
 void CIndexBuilder::End() {
@@ -214,7 +218,7 @@ void CIndexBuilder::AddOddRun(SChannel& channel, std::span<const std::uint8_t* c
                               std::int64_t position, const std::uint8_t* first) {
     SIndexHead& block = channel.block;
     channel.index.SetDisorderly();
-    for (const std::uint8_t* packet : std::packets) {
+    for (const std::uint8_t* packet : packets) {
         const std::int64_t place = position + (packet - first);
         if (block.count == 0) BeginBlock(channel, place, packet);
         ++block.count;

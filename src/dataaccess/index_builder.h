@@ -27,8 +27,11 @@ class CIndexBuilder {
     // The place in the stream of the next packets to take.
     std::int64_t GetFrontier() const { return m_frontier; }
 
-    // Before a scan: looks again at what a writer may have set since the last one. Moves the file pointer.
-    void Begin(Persistance_Xpf::CXpfFile& file);
+    // Before a scan: looks again at what a writer may have set since the last one. False when the file is not
+    // the one of the index any more. Moves the file pointer.
+    bool Begin(Persistance_Xpf::CXpfFile& file, const std::filesystem::path& path);
+    // How the file looked then.
+    const SFileState& GetState() const { return m_state; }
     // Packets that follow each other in the file, the first one at `position`, each whole. What lies before
     // the frontier is left out. REQUIRES: none of them begins after the frontier unless a gap was added up to
     // there.
@@ -74,6 +77,7 @@ class CIndexBuilder {
     void RememberTail(std::int64_t position, const std::uint8_t* packet);
 
     std::shared_ptr<CFileIndex> m_index;
+    SFileState m_state;
     std::vector<std::unique_ptr<SChannel>> m_channels;
     // By channel number: an index into m_channels, or one of the two below.
     std::vector<std::uint8_t> m_slots;

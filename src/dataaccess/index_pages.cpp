@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace Application_Tarvel {
@@ -43,7 +44,7 @@ std::shared_ptr<const CIndexPages> CIndexPages::Open(const std::filesystem::path
         close(handle);
         return nullptr;
     }
-    return std::make_shared<const CIndexPages>(handle);
+    return std::make_shared<const CIndexPages>(handle, path);
 }
 
 CIndexPages::~CIndexPages() { close(m_handle); }
@@ -72,6 +73,11 @@ bool CIndexPages::ReadPage(std::int64_t offset, std::uint64_t seed, Page& page) 
     if (isRead && sum == SumIndexBytes(std::span(page).first(kRoom), seed)) return true;
     MarkDamaged();
     return false;
+}
+
+void CIndexPages::MarkDamaged() const {
+    std::error_code error;
+    if (!m_damaged.exchange(true, std::memory_order_relaxed)) std::filesystem::remove(m_path, error);
 }
 
 void CIndexPages::Touch() const { futimens(m_handle, nullptr); }

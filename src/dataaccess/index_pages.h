@@ -24,7 +24,7 @@ class CIndexPages {
     // Null when the file cannot be opened, or is no regular file.
     static std::shared_ptr<const CIndexPages> Open(const std::filesystem::path& path);
     // Takes over the handle.
-    explicit CIndexPages(int handle) : m_handle(handle) {}
+    CIndexPages(int handle, std::filesystem::path path) : m_handle(handle), m_path(std::move(path)) {}
     ~CIndexPages();
     CIndexPages(const CIndexPages&) = delete;
     CIndexPages& operator=(const CIndexPages&) = delete;
@@ -33,10 +33,10 @@ class CIndexPages {
     std::int64_t GetSize() const;
     // Whether the bytes are all there.
     bool Read(std::int64_t offset, std::span<std::uint8_t> bytes) const;
-    // False for a page that is not all there or fails its checksum; the file then counts as damaged.
+    // False for a page that is not all there or fails its checksum; the file then counts as damaged, and is
+    // removed so that the next program makes it again.
     bool ReadPage(std::int64_t offset, std::uint64_t seed, Page& page) const;
     bool IsDamaged() const { return m_damaged.load(std::memory_order_relaxed); }
-    void MarkDamaged() const { m_damaged.store(true, std::memory_order_relaxed); }
     // Makes the file the one that was used last.
     void Touch() const;
 
@@ -44,7 +44,10 @@ class CIndexPages {
     static void Seal(Page& page, std::uint64_t seed);
 
   private:
+    void MarkDamaged() const;
+
     int m_handle;
+    std::filesystem::path m_path;
     mutable std::atomic<bool> m_damaged{false};
 };
 

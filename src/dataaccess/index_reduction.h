@@ -7,31 +7,32 @@
 #include "xpf/channel_walk.h"
 
 #include <cstdint>
-#include <memory>
 
 namespace Application_Tarvel {
 
 // Goes along with a walk and moves it over blocks. One thread.
 class CIndexReduction {
   public:
-    // All must outlive the object. `index` is of the file of the channel and fits it.
-    CIndexReduction(const CChannelIndex& index, Persistance_Xpf::CXpfChannel& channel,
-                    Persistance_Xpf::CChannelWalk& walk, CSliceCollector& collector)
-        : m_cursor(index), m_channel(channel), m_walk(walk), m_collector(collector) {}
+    // All must outlive the object. `index` is of the file of the walk and fits it.
+    CIndexReduction(const CChannelIndex& index, Persistance_Xpf::CChannelWalk& walk,
+                    CSliceCollector& collector);
 
     // Before each step of the walk: takes the blocks at its place that need not be read, and bounds the step
     // where the next ones begin.
     void Advance();
+    // The file has not given what the index says of it: the result is not to be used.
+    bool HasFailed() const { return m_failed; }
 
   private:
+    bool FindBlock(std::int64_t place);
     bool TakeBlocks();
-    std::uint64_t TakeLargest(std::size_t block);
+    std::int64_t FindNext(std::size_t block, std::int64_t lastPosition);
 
     CIndexCursor m_cursor;
-    Persistance_Xpf::CXpfChannel& m_channel;
     Persistance_Xpf::CChannelWalk& m_walk;
     CSliceCollector& m_collector;
-    std::size_t m_next = 0; // the first block that may begin at or after the walk's place
+    std::size_t m_block = 0; // where the last search has ended
+    bool m_failed = false;
 };
 
 } // namespace Application_Tarvel

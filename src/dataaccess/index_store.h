@@ -13,9 +13,10 @@ namespace Application_Tarvel {
 
 class CIndexStore {
   public:
-    // `most`: bytes of all files in the folder; those used least lately go first.
-    CIndexStore(std::filesystem::path folder, std::uint64_t most)
-        : m_folder(std::move(folder)), m_most(most) {}
+    // `most`: bytes of all files in the folder; those used least lately go first. `loaded`: bytes of the upper
+    // levels of a channel that Load reads at once, because a search begins with them.
+    CIndexStore(std::filesystem::path folder, std::uint64_t most, std::int64_t loaded)
+        : m_folder(std::move(folder)), m_most(most), m_loaded(loaded) {}
 
     // The folder of this program in the user's cache; empty when the user has none.
     static std::filesystem::path GetUsualFolder();
@@ -37,6 +38,7 @@ class CIndexStore {
 
     std::filesystem::path m_folder;
     std::uint64_t m_most;
+    std::int64_t m_loaded;
 };
 
 } // namespace Application_Tarvel

@@ -81,9 +81,36 @@ std::size_t CSliceCollector::AddToSlice(std::span<const std::uint8_t* const> pay
         if (date >= windowEnd) break;
     }
     m_distance = nearest;
+    if (candidate != m_candidate) m_candidatePlace = 0;
     m_candidate = candidate;
     if (m_collects) m_extremes.Include(payloads.first(count));
     return count;
+}
+
+// On one side of the centre the packet at the end of the block is the nearest; around it any may be.
+CSliceCollector::SDistance CSliceCollector::FindDistance(const SBlock& block) const {
+    if (block.maximumDate <= m_centre) return {Distance(block.maximumDate, m_centre), true};
+    return {block.minimumDate >= m_centre ? Distance(block.minimumDate, m_centre) : 0, false};
+}
+
+bool CSliceCollector::CanAdd(const SBlock& block) const {
+    if (!m_representative || block.minimumDate < m_sliceStart || block.maximumDate >= m_sliceEnd ||
+        block.maximumDate >= m_window.end.GetTicks())
+        return false;
+    const bool isAround = block.minimumDate < m_centre && block.maximumDate > m_centre;
+    return FindDistance(block).least >= m_distance || (block.isDistinct && !isAround);
+}
+
+void CSliceCollector::AddBlock(const SBlock& block) {
+    const SDistance distance = FindDistance(block);
+    if (distance.least < m_distance) {
+        m_distance = distance.least;
+        m_candidatePlace = distance.isLast ? block.last : block.first;
+        m_candidate = nullptr;
+    }
+    if (!m_collects) return;
+    const std::uint8_t* images[] = {block.minimum, block.maximum};
+    m_extremes.Include(images);
 }
 
 void CSliceCollector::Settle() {
@@ -94,6 +121,8 @@ void CSliceCollector::Settle() {
 void CSliceCollector::Flush() {
     if (!m_representative) return;
     Settle();
+    if (m_candidatePlace != 0) m_reader(m_candidatePlace, m_representative->GetPayload());
+    m_candidatePlace = 0;
     m_series.representatives.push_back(std::move(m_representative));
     if (!m_collects) return;
     m_extremes.Finish(m_minimum->GetPayload(), m_maximum->GetPayload());

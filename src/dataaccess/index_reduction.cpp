@@ -1,0 +1,115 @@
+#include "dataaccess/index_reduction.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace Application_Tarvel {
+
+namespace {
+
+// A block that lies farther apart is walked along its links, unless its packets are close together.
+constexpr std::int64_t kNear = std::int64_t{64} << 10;
+constexpr std::int64_t kFar = std::int64_t{256} << 10;
+constexpr std::int64_t kClose = 4096;
+
+CSliceCollector::SBlock MakeBlock(const SIndexForm& form, const SIndexHead& head,
+                                  const std::uint8_t* record) {
+    return {head.minimumDate,
+            head.maximumDate,
+            head.Has(indexOrdered | indexDistinct),
+            head.position,
+            head.lastPosition,
+            form.GetMinimum(record),
+            form.GetMaximum(record)};
+}
+
+} // namespace
+
+CIndexReduction::CIndexReduction(const CChannelIndex& index, Persistance_Xpf::CChannelWalk& walk,
+                                 CSliceCollector& collector)
+    : m_cursor(index), m_walk(walk), m_collector(collector) {
+    m_collector.SetReader([this](std::int64_t place, std::uint8_t* payload) {
+        const bool done = m_walk.ReadPayload(place, payload);
+        m_failed = m_failed || !done;
+        return done;
+    });
+}
+
+void CIndexReduction::Advance() {
+    bool hasMoved = false;
+    while (TakeBlocks()) hasMoved = true;
+    const std::int64_t place = m_walk.GetPlace();
+    std::int64_t limit = INT64_MAX;
+    if (m_block < m_cursor.GetCount(0)) {
+        const auto head = m_cursor.GetHead(0, m_block);
+        if (!head) {
+            m_failed = true;
+        } else if (head->position > place) {
+            limit = head->position;
+        } else if (m_block + 1 < m_cursor.GetCount(0)) {
+            if (const auto next = m_cursor.GetHead(0, m_block + 1)) limit = next->position;
+            const std::int64_t size = limit - place;
+            if (hasMoved && size > 0 && (size <= kNear || (size <= kFar && size / head->count <= kClose)))
+                m_walk.Fetch(size);
+        }
+    }
+    m_walk.SetLimit(limit > place ? limit : INT64_MAX);
+}
+
+// Whether a block begins at the place; m_block is then that block, and otherwise the next one.
+bool CIndexReduction::FindBlock(std::int64_t place) {
+    constexpr int kSteps = 4; // a walk mostly comes to one of the next blocks
+    for (int step = 0; step < kSteps && m_block < m_cursor.GetCount(0); ++step) {
+        const auto head = m_cursor.GetHead(0, m_block);
+        if (!head) return false;
+        if (head->position == place) return true;
+        if (head->position > place) {
+            if (m_block == 0) return false;
+            const auto before = m_cursor.GetHead(0, m_block - 1);
+            if (before && before->position < place) return false;
+            break;
+        }
+        ++m_block;
+    }
+    m_block = m_cursor.FindPosition(place);
+    if (m_block >= m_cursor.GetCount(0)) return false;
+    const auto head = m_cursor.GetHead(0, m_block);
+    return head && head->position == place;
+}
+
+// Takes the largest block that begins at the place of the walk and lies within the slice at hand.
+bool CIndexReduction::TakeBlocks() {
+    const std::int64_t place = m_walk.GetPlace();
+    if (m_failed || place == 0 || !FindBlock(place)) return false;
+    std::optional<CSliceCollector::SBlock> taken;
+    std::size_t next = m_block, size = 1;
+    for (std::size_t level = 0; level < kIndexLevels; ++level, size *= kIndexFan) {
+        const std::size_t number = m_block / size;
+        if (m_block % size != 0 || number >= m_cursor.GetCount(level)) break;
+        const std::uint8_t* record = m_cursor.Get(level, number);
+        if (!record) break;
+        const SIndexHead head = LoadIndexHead(record);
+        const auto block = MakeBlock(m_cursor.GetIndex().GetForm(), head, record);
+        if (!head.Has(indexLeads) || !m_collector.CanAdd(block)) break;
+        taken = block;
+        next = m_block + size;
+    }
+    if (!taken) return false;
+    const std::int64_t goesOn = FindNext(next, taken->last);
+    if (goesOn <= place) return false;
+    m_collector.Settle();
+    m_collector.AddBlock(*taken);
+    m_walk.MoveTo(goesOn);
+    m_block = next;
+    return true;
+}
+
+// Where a walk comes to after the block before this one. Where the index does not say so, the walk reads the
+// last packet of that block, once more: what it adds to a slice it adds but once.
+std::int64_t CIndexReduction::FindNext(std::size_t block, std::int64_t lastPosition) {
+    if (block >= m_cursor.GetCount(0)) return lastPosition;
+    const auto head = m_cursor.GetHead(0, block);
+    return head && head->Has(indexEntered) ? head->position : lastPosition;
+}
+
+} // namespace Application_Tarvel
