@@ -73,11 +73,15 @@ bool CFileIndexes::Keep(const std::filesystem::path& path, CIndexBuilder& builde
 void CFileIndexes::LimitMemory(const std::filesystem::path& path, std::unique_ptr<CIndexBuilder>& builder) {
     if (!builder || GetBytes() <= m_settings.memory) return;
     const EFileKind kind = builder->GetIndex()->GetKind();
+    const SFileState state = builder->GetState();
     builder->End();
     const bool isKept = Keep(path, *builder, true);
     builder.reset();
-    if (auto index = isKept ? Load(path, kind) : nullptr)
-        builder = std::make_unique<CIndexBuilder>(std::move(index));
+    auto index = isKept ? Load(path, kind) : nullptr;
+    const auto file = index ? OpenXpfFile(path, kind).file : nullptr;
+    if (!file) return;
+    builder = std::make_unique<CIndexBuilder>(std::move(index));
+    if (!builder->Begin(*file, path, &state)) builder.reset();
 }
 
 } // namespace Application_Tarvel

@@ -71,10 +71,10 @@ void CIndexBuilder::RestoreLast(SChannel& channel) {
     m_recordBytes += WithLevels(static_cast<std::int64_t>(count) * channel.index.GetForm().recordSize);
 }
 
-bool CIndexBuilder::Begin(CXpfFile& file, const std::filesystem::path& path) {
+bool CIndexBuilder::Begin(CXpfFile& file, const std::filesystem::path& path, const SFileState* since) {
     const auto state = LookAtState(path);
     if (!state || !m_index->Fits(file, path)) return false;
-    m_state = *state;
+    m_state = since ? *since : *state;
     for (const auto& channel : m_channels) {
         SPacketHeader header;
         if (channel->lastPosition == 0 || !file.Seek(channel->lastPosition)) continue;

@@ -28,9 +28,11 @@ class CIndexBuilder {
     std::int64_t GetFrontier() const { return m_frontier; }
 
     // Before a scan: looks again at what a writer may have set since the last one. False when the file is not
-    // the one of the index any more. Moves the file pointer.
-    bool Begin(Persistance_Xpf::CXpfFile& file, const std::filesystem::path& path);
-    // How the file looked then.
+    // the one of the index any more. Moves the file pointer. `since`: how the file looked before, of a scan
+    // that goes on.
+    bool Begin(Persistance_Xpf::CXpfFile& file, const std::filesystem::path& path,
+               const SFileState* since = nullptr);
+    // How the file looked before the scan.
     const SFileState& GetState() const { return m_state; }
     // Packets that follow each other in the file, the first one at `position`, each whole. What lies before
     // the frontier is left out. REQUIRES: none of them begins after the frontier unless a gap was added up to

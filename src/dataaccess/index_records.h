@@ -16,7 +16,7 @@
 namespace Application_Tarvel {
 
 // Records of one level that make one of the level above.
-inline constexpr std::size_t kIndexFan = 4;
+inline constexpr std::size_t kIndexFan = 4; // two bits of a block's number
 inline constexpr std::size_t kIndexLevels = 16;
 
 // What holds for a whole block. Those that say "joint" include the step from the packet before the block.

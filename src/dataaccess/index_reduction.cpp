@@ -1,8 +1,5 @@
 #include "dataaccess/index_reduction.h"
 
-#include <algorithm>
-#include <optional>
-
 namespace Application_Tarvel {
 
 namespace {
@@ -81,26 +78,29 @@ bool CIndexReduction::FindBlock(std::int64_t place) {
 bool CIndexReduction::TakeBlocks() {
     const std::int64_t place = m_walk.GetPlace();
     if (m_failed || place == 0 || !FindBlock(place)) return false;
-    std::optional<CSliceCollector::SBlock> taken;
-    std::size_t next = m_block, size = 1;
+    const SIndexForm& form = m_cursor.GetIndex().GetForm();
+    std::size_t taken = kIndexLevels, size = 1;
+    std::int64_t last = 0;
     for (std::size_t level = 0; level < kIndexLevels; ++level, size *= kIndexFan) {
         const std::size_t number = m_block / size;
         if (m_block % size != 0 || number >= m_cursor.GetCount(level)) break;
         const std::uint8_t* record = m_cursor.Get(level, number);
         if (!record) break;
         const SIndexHead head = LoadIndexHead(record);
-        const auto block = MakeBlock(m_cursor.GetIndex().GetForm(), head, record);
-        if (!head.Has(indexLeads) || !m_collector.CanAdd(block)) break;
-        taken = block;
-        next = m_block + size;
+        if (!head.Has(indexLeads) || !m_collector.CanAdd(MakeBlock(form, head, record))) break;
+        taken = level;
+        last = head.lastPosition;
     }
-    if (!taken) return false;
-    const std::int64_t goesOn = FindNext(next, taken->last);
-    if (goesOn <= place) return false;
+    if (taken == kIndexLevels) return false;
+    size = std::size_t{1} << (2 * taken);
+    const std::int64_t goesOn = FindNext(m_block + size, last);
+    // Again: the last look may have been at another page.
+    const std::uint8_t* record = m_cursor.Get(taken, m_block / size);
+    if (goesOn <= place || !record) return false;
     m_collector.Settle();
-    m_collector.AddBlock(*taken);
+    m_collector.AddBlock(MakeBlock(form, LoadIndexHead(record), record));
     m_walk.MoveTo(goesOn);
-    m_block = next;
+    m_block += size;
     return true;
 }
 

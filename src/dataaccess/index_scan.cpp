@@ -52,8 +52,8 @@ void CIndexScan::GoOn(CXpfFile& file, const Outils::CEvent& stop) {
         }
         // What is no packet is looked at twice: it may have been in the making.
         if (isWhole || stop.IsSet() || !m_builder) continue;
-        if (file.IsTornTail(position) || !FindWholePacket(file, position + 1, [&] { return !stop.IsSet(); }))
-            return;
+        // A damaged size can reach beyond the end: the tail is torn when no packet follows.
+        if (!FindWholePacket(file, position + 1, [&] { return !stop.IsSet(); })) return;
         m_builder->SkipTo(file.GetPosition());
     }
 }
