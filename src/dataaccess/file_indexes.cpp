@@ -61,6 +61,7 @@ bool CFileIndexes::Keep(const std::filesystem::path& path, CIndexBuilder& builde
         const auto place = m_entries.find(path);
         if (place == m_entries.end() || place->second.index.get() != &index) return false;
         const std::int64_t grown = covered - place->second.kept;
+        if (grown == 0 && place->second.kept != 0) return true;
         if (!always && (size < m_settings.leastKept || grown < size / 8)) return false;
     }
     builder.CloseBlocks();

@@ -39,8 +39,8 @@ class CFileIndexes {
     // For a scan of this file: a builder that goes on where the index of it ends, be it a kept one or a new
     // one, and the file that it was made for. Null when indexes are off or the file has no whole header.
     std::unique_ptr<CIndexBuilder> Begin(const std::filesystem::path& path, Persistance_Xpf::EFileKind kind);
-    // Keeps the index when it has grown enough since it was kept last, or in any case. False when it could
-    // not be kept.
+    // Keeps the index when it has grown enough since it was kept last, or in any case. Whether all of it is
+    // kept.
     bool Keep(const std::filesystem::path& path, CIndexBuilder& builder, bool always);
     // Called every now and then during a scan: when all indexes take more memory than they may, this one is
     // put to the disk and another builder takes the place of `builder`; null when that cannot be done.

@@ -58,10 +58,10 @@ void CIndexScan::GoOn(CXpfFile& file, const Outils::CEvent& stop) {
     }
 }
 
-void CIndexScan::End() {
-    if (!m_builder) return;
+bool CIndexScan::End(bool always) {
+    if (!m_builder) return false;
     m_builder->End();
-    m_indexes->Keep(m_path, *m_builder, false);
+    return m_indexes->Keep(m_path, *m_builder, always);
 }
 
 } // namespace Application_Tarvel

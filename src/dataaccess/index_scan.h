@@ -28,8 +28,8 @@ class CIndexScan {
     void Take(std::int64_t position, std::span<const std::uint8_t* const> packets);
     // Goes on from the frontier by itself, over damage, up to the end of the file or until the event is set.
     void GoOn(Persistance_Xpf::CXpfFile& file, const Outils::CEvent& stop);
-    // The scan has ended. Keeps an index that has grown enough.
-    void End();
+    // The scan has ended. Keeps an index that has grown enough, or in any case. Whether all of it is kept.
+    bool End(bool always = false);
 
   private:
     std::filesystem::path m_path;
