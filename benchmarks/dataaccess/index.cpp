@@ -53,7 +53,8 @@ class CAnalysis : public CTrvTarinDataFileAnalyzerThread {
 void Analyse(const std::filesystem::path& path, std::shared_ptr<CFileIndexes> indexes) {
     Outils::CMessageQueue queue;
     Outils::CMessagePort port(queue);
-    CAnalysis analysis(path, port, [](std::uint16_t) {}, {}, std::move(indexes));
+    CAnalysis analysis(
+        path, port, [](std::uint16_t) {}, {}, std::move(indexes));
     analysis.Work();
 }
 
@@ -111,10 +112,11 @@ void Windows(benchmark::State& state, EKept kept, bool uses) {
             const std::int64_t length = (last - first) >> (i / static_cast<int>(extents.size()) % 11);
             const auto room = static_cast<std::uint64_t>(last - first - length + 1);
             const std::int64_t start = first + static_cast<std::int64_t>(random() % room);
-            CTrvView1DDataQuery query({path, EFileKind::tarin, channel, nullptr, uses ? indexes.get() : nullptr},
-                                      {CDateTimeSpan(start), CDateTimeSpan(start + length),
-                                       CDateTimeSpan(std::max<std::int64_t>(length / kSlices, 1))},
-                                      nullptr);
+            CTrvView1DDataQuery query(
+                {path, EFileKind::tarin, channel, nullptr, uses ? indexes.get() : nullptr},
+                {CDateTimeSpan(start), CDateTimeSpan(start + length),
+                 CDateTimeSpan(std::max<std::int64_t>(length / kSlices, 1))},
+                nullptr);
             times.push_back(SecondsOf([&] { query.Execute(); }));
             if (length == last - first) whole.push_back(times.back());
         }
@@ -146,10 +148,10 @@ void SecondOpening(benchmark::State& state) {
             const auto indexes = MakeIndexes(EKept::yes);
             Analyse(path, indexes);
             for (const auto& [channel, first, last] : FindExtents(*indexes->Find(path)))
-                CTrvView1DDataQuery({path, EFileKind::tarin, channel, nullptr, indexes.get()},
-                                    {CDateTimeSpan(first), CDateTimeSpan(last),
-                                     CDateTimeSpan((last - first) / kSlices)},
-                                    nullptr)
+                CTrvView1DDataQuery(
+                    {path, EFileKind::tarin, channel, nullptr, indexes.get()},
+                    {CDateTimeSpan(first), CDateTimeSpan(last), CDateTimeSpan((last - first) / kSlices)},
+                    nullptr)
                     .Execute();
         }));
         state.SetIterationTime(times.back());
@@ -165,8 +167,9 @@ void Moments(benchmark::State& state, bool uses) {
     const auto extent = FindExtents(*indexes->Find(path)).front();
     std::mt19937_64 random(3);
     for (auto _ : state) {
-        const auto time = extent.first + static_cast<std::int64_t>(
-                                             random() % static_cast<std::uint64_t>(extent.last - extent.first));
+        const auto time =
+            extent.first +
+            static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(extent.last - extent.first));
         CTrvViewValueDataQuery query(
             {path, EFileKind::tarin, extent.channel, nullptr, uses ? indexes.get() : nullptr},
             CDateTimeSpan(time), nullptr);

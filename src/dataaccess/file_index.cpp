@@ -58,10 +58,9 @@ std::optional<SFileState> LookAtState(const std::filesystem::path& path) {
     struct stat status {};
     if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
     constexpr std::int64_t kNanoseconds = 1'000'000'000;
-    return SFileState{
-        {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)},
-        status.st_size,
-        std::int64_t{status.st_mtim.tv_sec} * kNanoseconds + status.st_mtim.tv_nsec};
+    return SFileState{{static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)},
+                      status.st_size,
+                      std::int64_t{status.st_mtim.tv_sec} * kNanoseconds + status.st_mtim.tv_nsec};
 }
 
 CFileIndex::CFileIndex(CXpfFile& file, EFileKind kind, const SFileIdentity& identity)

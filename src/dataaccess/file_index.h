@@ -151,9 +151,9 @@ class CFileIndex {
     std::int64_t GetCovered() const { return m_covered.load(std::memory_order_acquire); }
     std::size_t GetBytes() const;
 
-    // Whether the open file is the one of the index, and holds what the index was made of as far as the header
-    // and the samples show. A look at the state of the file is enough while that is the one that was seen
-    // last. Moves the file pointer. Any thread.
+    // Whether the open file is the one of the index, and holds what the index was made of as far as the
+    // header and the samples show. A look at the state of the file is enough while that is the one that was
+    // seen last. Moves the file pointer. Any thread.
     bool Fits(Persistance_Xpf::CXpfFile& file, const std::filesystem::path& path) const;
 
     // Gaps in the order of the file, and how many there are beyond them.

@@ -55,7 +55,8 @@ CIndexBuilder::CIndexBuilder(std::shared_ptr<CFileIndex> index)
     for (const auto& [number, place] : m_index->GetFirstPlaces()) MeetChannel(number, place);
     const auto gaps = m_index->GetGaps();
     // Beyond those that were kept nothing is known of the others.
-    if (m_index->GetMoreGaps() == 0) m_whole = gaps.empty() ? m_start : gaps.back().position + gaps.back().size;
+    if (m_index->GetMoreGaps() == 0)
+        m_whole = gaps.empty() ? m_start : gaps.back().position + gaps.back().size;
 }
 
 // The last packet of a channel as the last block has it.
@@ -127,8 +128,7 @@ void CIndexBuilder::MeetChannel(std::uint16_t number, std::int64_t position) {
     CChannelIndex* index = m_index->GetChannel(number);
     if (!index || m_channels.size() >= kMostChannels) return;
     m_slots[number] = static_cast<std::uint8_t>(m_channels.size());
-    m_channels.push_back(
-        std::make_unique<SChannel>(*index, index->GetForm().payloadSize + kPacketOverhead));
+    m_channels.push_back(std::make_unique<SChannel>(*index, index->GetForm().payloadSize + kPacketOverhead));
     RestoreLast(*m_channels.back());
 }
 

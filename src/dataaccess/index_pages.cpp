@@ -57,8 +57,8 @@ std::int64_t CIndexPages::GetSize() const {
 bool CIndexPages::Read(std::int64_t offset, std::span<std::uint8_t> bytes) const {
     std::size_t count = 0;
     while (count < bytes.size()) {
-        const ssize_t got = pread(m_handle, bytes.data() + count, bytes.size() - count,
-                                  offset + static_cast<off_t>(count));
+        const ssize_t got =
+            pread(m_handle, bytes.data() + count, bytes.size() - count, offset + static_cast<off_t>(count));
         if (got < 0 && errno == EINTR) continue;
         if (got <= 0) return false;
         count += static_cast<std::size_t>(got);

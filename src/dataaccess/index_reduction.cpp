@@ -11,12 +11,8 @@ constexpr std::int64_t kClose = 4096;
 
 CSliceCollector::SBlock MakeBlock(const SIndexForm& form, const SIndexHead& head,
                                   const std::uint8_t* record) {
-    return {head.minimumDate,
-            head.maximumDate,
-            head.Has(indexOrdered | indexDistinct),
-            head.position,
-            head.lastPosition,
-            form.GetMinimum(record),
+    return {head.minimumDate,       head.maximumDate,  head.Has(indexOrdered | indexDistinct),
+            head.position,          head.lastPosition, form.GetMinimum(record),
             form.GetMaximum(record)};
 }
 
@@ -27,7 +23,7 @@ CIndexReduction::CIndexReduction(const CChannelIndex& index, Persistance_Xpf::CC
     : m_cursor(index), m_walk(walk), m_collector(collector) {
     m_collector.SetReader([this](std::int64_t place, std::uint8_t* payload) {
         const bool done = m_walk.ReadPayload(place, payload);
-        m_failed = m_failed || !done;
+        m_hasLost = m_hasLost || !done;
         return done;
     });
 }
@@ -37,10 +33,10 @@ void CIndexReduction::Advance() {
     while (TakeBlocks()) hasMoved = true;
     const std::int64_t place = m_walk.GetPlace();
     std::int64_t limit = INT64_MAX;
-    if (m_block < m_cursor.GetCount(0)) {
+    if (!m_isOff && m_block < m_cursor.GetCount(0)) {
         const auto head = m_cursor.GetHead(0, m_block);
         if (!head) {
-            m_failed = true;
+            m_isOff = true;
         } else if (head->position > place) {
             limit = head->position;
         } else if (m_block + 1 < m_cursor.GetCount(0)) {
@@ -77,7 +73,7 @@ bool CIndexReduction::FindBlock(std::int64_t place) {
 // Takes the largest block that begins at the place of the walk and lies within the slice at hand.
 bool CIndexReduction::TakeBlocks() {
     const std::int64_t place = m_walk.GetPlace();
-    if (m_failed || place == 0 || !FindBlock(place)) return false;
+    if (m_isOff || place == 0 || !FindBlock(place)) return false;
     const SIndexForm& form = m_cursor.GetIndex().GetForm();
     std::size_t taken = kIndexLevels, size = 1;
     std::int64_t last = 0;

@@ -20,8 +20,8 @@ class CIndexReduction {
     // Before each step of the walk: takes the blocks at its place that need not be read, and bounds the step
     // where the next ones begin.
     void Advance();
-    // The file has not given what the index says of it: the result is not to be used.
-    bool HasFailed() const { return m_failed; }
+    // The file has not given a packet that the index says it has: a representative is missing.
+    bool HasLost() const { return m_hasLost; }
 
   private:
     bool FindBlock(std::int64_t place);
@@ -32,7 +32,8 @@ class CIndexReduction {
     Persistance_Xpf::CChannelWalk& m_walk;
     CSliceCollector& m_collector;
     std::size_t m_block = 0; // where the last search has ended
-    bool m_failed = false;
+    bool m_isOff = false;    // a record could not be read: the walk goes on by itself
+    bool m_hasLost = false;
 };
 
 } // namespace Application_Tarvel

@@ -13,8 +13,8 @@ namespace Application_Tarvel {
 
 class CIndexStore {
   public:
-    // `most`: bytes of all files in the folder; those used least lately go first. `loaded`: bytes of the upper
-    // levels of a channel that Load reads at once, because a search begins with them.
+    // `most`: bytes of all files in the folder; those used least lately go first. `loaded`: bytes of the
+    // upper levels of a channel that Load reads at once, because a search begins with them.
     CIndexStore(std::filesystem::path folder, std::uint64_t most, std::int64_t loaded)
         : m_folder(std::move(folder)), m_most(most), m_loaded(loaded) {}
 

@@ -120,7 +120,7 @@ std::optional<EQueryEnd> CTrvView1DDataQuery::Reduce(CXpfChannel& channel, std::
     }
     // The end of the file closes the slice at hand as the window's end does.
     collector.Flush();
-    if (blocks && blocks->HasFailed()) return std::nullopt;
+    if (blocks && blocks->HasLost()) return std::nullopt;
     m_series = std::move(series);
     return EQueryEnd::done;
 }

@@ -23,7 +23,7 @@ struct SChannelAddress {
     std::filesystem::path path;
     Persistance_Xpf::EFileKind kind = Persistance_Xpf::EFileKind::tarin;
     std::uint16_t channel = 0;
-    CXpfFileCache* cache = nullptr; // must outlive the queries on this address; may be null
+    CXpfFileCache* cache = nullptr;        // must outlive the queries on this address; may be null
     const CFileIndexes* indexes = nullptr; // the same
 };
 

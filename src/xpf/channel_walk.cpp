@@ -21,7 +21,8 @@ std::size_t CChannelWalk::TakeHeld() {
     CStride stride;
     std::size_t count = 0;
     if (next == 0) return 0;
-    for (std::int64_t position = next; count < m_run.size() && position < m_limit && reader.Holds(position, size);) {
+    for (std::int64_t position = next;
+         count < m_run.size() && position < m_limit && reader.Holds(position, size);) {
         const std::uint8_t* packet = reader.GetHeld(position);
         const std::uint32_t found = LoadPacketSize(packet);
         if (LoadWord(packet) >> 16 != number) {

@@ -55,9 +55,10 @@ class FileIndex : public testing::Test {
                 const SWindow window{CDateTimeSpan(from), CDateTimeSpan(to + 1),
                                      CDateTimeSpan((to - from) / slices + 1), i % 5 != 0};
                 const auto truth = Reduce(plain, window), answer = Reduce(indexed, window);
-                const auto apart = std::ranges::mismatch(answer.bytes, truth.bytes).in1 - answer.bytes.begin();
-                ASSERT_EQ(answer, truth)
-                    << "apart at " << apart << ", " << channel << ": " << from << " to " << to << " by " << window.slice.GetTicks();
+                const auto apart =
+                    std::ranges::mismatch(answer.bytes, truth.bytes).in1 - answer.bytes.begin();
+                ASSERT_EQ(answer, truth) << "apart at " << apart << ", " << channel << ": " << from << " to "
+                                         << to << " by " << window.slice.GetTicks();
                 const CDateTimeSpan moment(Draw(end));
                 ASSERT_EQ(FindValue(indexed, moment), FindValue(plain, moment)) << moment.GetTicks();
             }

@@ -1,5 +1,5 @@
-// Queries on a recording while another thread appends to it: without help, with a warm cache, and with an index
-// that an analysis makes meanwhile.
+// Queries on a recording while another thread appends to it: without help, with a warm cache, and with an
+// index that an analysis makes meanwhile.
 #include "dataaccess/data_file_analyzer.h"
 #include "dataaccess/file_indexes.h"
 #include "dataaccess/plain_pass.h"

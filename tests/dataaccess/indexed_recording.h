@@ -75,8 +75,7 @@ class CIndexedRecording {
         for (std::uint32_t field = 4; field < 10; ++field)
             imu.SetInt32(field, static_cast<std::int32_t>(m_random()));
         EXPECT_TRUE(m_recording.GetWriter().Write("IMU", imu));
-        if (m_count % 3 == 0)
-            m_recording.Depth(date, DrawDepth(), static_cast<std::uint8_t>(m_random()));
+        if (m_count % 3 == 0) m_recording.Depth(date, DrawDepth(), static_cast<std::uint8_t>(m_random()));
         if (m_count % 50 == 0)
             m_recording.Gps(date.GetTotalSeconds(), static_cast<double>(m_random() % 180), 4, DrawDepth());
         if (m_oddities.hasOddSizes && m_random() % 700 == 0) {
