@@ -9,6 +9,9 @@ constexpr std::int64_t kNear = std::int64_t{64} << 10;
 constexpr std::int64_t kFar = std::int64_t{256} << 10;
 constexpr std::int64_t kClose = 4096;
 
+// A walk that is so many bytes ahead of a scan does not wait for it.
+constexpr std::int64_t kAhead = std::int64_t{32} << 20;
+
 CSliceCollector::SBlock MakeBlock(const SIndexForm& form, const SIndexHead& head,
                                   const std::uint8_t* record) {
     return {head.minimumDate,       head.maximumDate,  head.Has(indexOrdered | indexDistinct),
@@ -18,9 +21,10 @@ CSliceCollector::SBlock MakeBlock(const SIndexForm& form, const SIndexHead& head
 
 } // namespace
 
-CIndexReduction::CIndexReduction(const CChannelIndex& index, Persistance_Xpf::CChannelWalk& walk,
-                                 CSliceCollector& collector)
-    : m_cursor(index), m_walk(walk), m_collector(collector) {
+CIndexReduction::CIndexReduction(const CFileIndex& file, const CChannelIndex& index,
+                                 Persistance_Xpf::CChannelWalk& walk, CSliceCollector& collector,
+                                 const Outils::CEvent& cancel)
+    : m_file(file), m_cursor(index), m_walk(walk), m_collector(collector), m_cancel(cancel) {
     m_collector.SetReader([this](std::int64_t place, std::uint8_t* payload) {
         const bool done = m_walk.ReadPayload(place, payload);
         m_hasLost = m_hasLost || !done;
@@ -30,7 +34,9 @@ CIndexReduction::CIndexReduction(const CChannelIndex& index, Persistance_Xpf::CC
 
 void CIndexReduction::Advance() {
     bool hasMoved = false;
-    while (TakeBlocks()) hasMoved = true;
+    do {
+        while (TakeBlocks()) hasMoved = true;
+    } while (m_block >= m_cursor.GetCount(0) && WaitForMore());
     const std::int64_t place = m_walk.GetPlace();
     std::int64_t limit = INT64_MAX;
     if (!m_isOff && m_block < m_cursor.GetCount(0)) {
@@ -47,6 +53,21 @@ void CIndexReduction::Advance() {
         }
     }
     m_walk.SetLimit(limit > place ? limit : INT64_MAX);
+}
+
+// False when the walk had better go on by itself.
+bool CIndexReduction::WaitForMore() {
+    constexpr std::chrono::milliseconds kStep{10}; // a cancellation is seen as soon
+    constexpr int kSteps = 20;
+    const std::int64_t covered = m_file.GetCovered();
+    for (int step = 0; step < kSteps; ++step) {
+        if (m_isOff || !m_follows || m_cancel.IsSet() || !m_file.IsGrowing()) return false;
+        if (m_walk.GetPlace() > covered + kAhead) return false;
+        m_file.WaitForGrowth(covered, kStep);
+        if (m_file.GetCovered() > covered) return true;
+    }
+    m_follows = false;
+    return false;
 }
 
 // Whether a block begins at the place; m_block is then that block, and otherwise the next one.

@@ -4,6 +4,7 @@
 
 #include "dataaccess/file_index.h"
 #include "dataaccess/slice_collector.h"
+#include "foundation/thread.h"
 #include "xpf/channel_walk.h"
 
 #include <cstdint>
@@ -13,12 +14,14 @@ namespace Application_Tarvel {
 // Goes along with a walk and moves it over blocks. One thread.
 class CIndexReduction {
   public:
-    // All must outlive the object. `index` is of the file of the walk and fits it.
-    CIndexReduction(const CChannelIndex& index, Persistance_Xpf::CChannelWalk& walk,
-                    CSliceCollector& collector);
+    // All must outlive the object. `file` is the index of the file of the walk and fits it, `index` that of
+    // its channel.
+    CIndexReduction(const CFileIndex& file, const CChannelIndex& index, Persistance_Xpf::CChannelWalk& walk,
+                    CSliceCollector& collector, const Outils::CEvent& cancel);
 
     // Before each step of the walk: takes the blocks at its place that need not be read, and bounds the step
-    // where the next ones begin.
+    // where the next ones begin. Near the end of an index that grows it waits for the scan, which reads the
+    // same bytes for all channels, and not at all once the event is set.
     void Advance();
     // The file has not given a packet that the index says it has: a representative is missing.
     bool HasLost() const { return m_hasLost; }
@@ -26,14 +29,18 @@ class CIndexReduction {
   private:
     bool FindBlock(std::int64_t place);
     bool TakeBlocks();
+    bool WaitForMore();
     std::int64_t FindNext(std::size_t block, std::int64_t lastPosition);
 
+    const CFileIndex& m_file;
     CIndexCursor m_cursor;
     Persistance_Xpf::CChannelWalk& m_walk;
     CSliceCollector& m_collector;
+    const Outils::CEvent& m_cancel;
     std::size_t m_block = 0; // where the last search has ended
     bool m_isOff = false;    // a record could not be read: the walk goes on by itself
     bool m_hasLost = false;
+    bool m_follows = true; // the scan has not been waited for in vain
 };
 
 } // namespace Application_Tarvel

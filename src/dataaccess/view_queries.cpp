@@ -110,7 +110,7 @@ std::optional<EQueryEnd> CTrvView1DDataQuery::Reduce(CXpfChannel& channel, std::
     CSliceCollector collector(m_window, channel, payloadSize, series);
     CChannelWalk walk(channel, payloadSize);
     std::optional<CIndexReduction> blocks;
-    if (index) blocks.emplace(*index, walk, collector);
+    if (index) blocks.emplace(*GetIndex(), *index, walk, collector, m_cancel);
     for (;;) {
         if (blocks) blocks->Advance();
         const auto payloads = walk.Next([&collector] { collector.Settle(); });
