@@ -117,7 +117,7 @@ void Windows(benchmark::State& state, EKept kept, bool uses) {
                 {CDateTimeSpan(start), CDateTimeSpan(start + length),
                  CDateTimeSpan(std::max<std::int64_t>(length / kSlices, 1))},
                 nullptr);
-            times.push_back(SecondsOf([&] { query.Execute(); }));
+            times.push_back(ProcessorSecondsOf([&] { query.Execute(); }));
             if (length == last - first) whole.push_back(times.back());
         }
         state.SetIterationTime(Median(times));
@@ -144,7 +144,7 @@ void SecondOpening(benchmark::State& state) {
     Analyse(path, MakeIndexes(EKept::yes));
     std::vector<double> times;
     for (auto _ : state) {
-        times.push_back(SecondsOf([&] {
+        times.push_back(ProcessorSecondsOf([&] {
             const auto indexes = MakeIndexes(EKept::yes);
             Analyse(path, indexes);
             for (const auto& [channel, first, last] : FindExtents(*indexes->Find(path)))

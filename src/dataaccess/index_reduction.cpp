@@ -1,13 +1,17 @@
 #include "dataaccess/index_reduction.h"
 
+#include <algorithm>
+
 namespace Application_Tarvel {
 
 namespace {
 
-// A block that lies farther apart is walked along its links, unless its packets are close together.
-constexpr std::int64_t kNear = std::int64_t{64} << 10;
-constexpr std::int64_t kFar = std::int64_t{256} << 10;
-constexpr std::int64_t kClose = 4096;
+// Packets that lie farther apart are read one by one along their links: a read of its own costs about what it
+// takes to copy so many bytes.
+constexpr std::int64_t kApart = 2048;
+constexpr std::int64_t kLargestRead = std::int64_t{256} << 10;
+// After so many blocks in a row that are read the reader's own way of reading ahead serves better.
+constexpr int kLoneBlocks = 3;
 
 // A walk that is so many bytes ahead of a scan does not wait for it.
 constexpr std::int64_t kAhead = std::int64_t{32} << 20;
@@ -24,7 +28,7 @@ CSliceCollector::SBlock MakeBlock(const SIndexForm& form, const SIndexHead& head
 CIndexReduction::CIndexReduction(const CFileIndex& file, const CChannelIndex& index,
                                  Persistance_Xpf::CChannelWalk& walk, CSliceCollector& collector,
                                  const Outils::CEvent& cancel)
-    : m_file(file), m_cursor(index), m_walk(walk), m_collector(collector), m_cancel(cancel) {
+    : m_file(file), m_cursor(index), m_walk(walk), m_collector(collector), m_cancel(cancel), m_probe(walk) {
     m_collector.SetReader([this](std::int64_t place, std::uint8_t* payload) {
         const bool done = m_walk.ReadPayload(place, payload);
         m_hasLost = m_hasLost || !done;
@@ -33,9 +37,8 @@ CIndexReduction::CIndexReduction(const CFileIndex& file, const CChannelIndex& in
 }
 
 void CIndexReduction::Advance() {
-    bool hasMoved = false;
     do {
-        while (TakeBlocks()) hasMoved = true;
+        while (TakeBlocks()) m_readBlocks = 0;
     } while (m_block >= m_cursor.GetCount(0) && WaitForMore());
     const std::int64_t place = m_walk.GetPlace();
     std::int64_t limit = INT64_MAX;
@@ -47,12 +50,20 @@ void CIndexReduction::Advance() {
             limit = head->position;
         } else if (m_block + 1 < m_cursor.GetCount(0)) {
             if (const auto next = m_cursor.GetHead(0, m_block + 1)) limit = next->position;
-            const std::int64_t size = limit - place;
-            if (hasMoved && size > 0 && (size <= kNear || (size <= kFar && size / head->count <= kClose)))
-                m_walk.Fetch(size);
+            if (limit > place && limit != INT64_MAX) PrepareRead(*head, limit - place);
         }
     }
     m_walk.SetLimit(limit > place ? limit : INT64_MAX);
+}
+
+// The walk is going to read the packets of this block, which begins at its place, and which the next one
+// follows so many bytes on.
+void CIndexReduction::PrepareRead(const SIndexHead& head, std::int64_t size) {
+    const bool isApart = size / head.count > kApart;
+    m_walk.SetApart(isApart, std::min(size, kLargestRead));
+    if (++m_readBlocks > kLoneBlocks || isApart || size > kLargestRead) return;
+    m_collector.Settle();
+    m_walk.Fetch(size);
 }
 
 // False when the walk had better go on by itself.
@@ -98,15 +109,20 @@ bool CIndexReduction::TakeBlocks() {
     const SIndexForm& form = m_cursor.GetIndex().GetForm();
     std::size_t taken = kIndexLevels, size = 1;
     std::int64_t last = 0;
+    bool isAround = false;
     for (std::size_t level = 0; level < kIndexLevels; ++level, size *= kIndexFan) {
         const std::size_t number = m_block / size;
         if (m_block % size != 0 || number >= m_cursor.GetCount(level)) break;
         const std::uint8_t* record = m_cursor.Get(level, number);
         if (!record) break;
         const SIndexHead head = LoadIndexHead(record);
-        if (!head.Has(indexLeads) || !m_collector.CanAdd(MakeBlock(form, head, record))) break;
+        if (!head.Has(indexLeads)) break;
+        const auto fit = m_collector.FindFit(MakeBlock(form, head, record));
+        isAround = level == 0 && fit == CSliceCollector::EFit::around;
+        if (fit != CSliceCollector::EFit::inside && !isAround) break;
         taken = level;
         last = head.lastPosition;
+        if (isAround) break;
     }
     if (taken == kIndexLevels) return false;
     size = std::size_t{1} << (2 * taken);
@@ -115,7 +131,17 @@ bool CIndexReduction::TakeBlocks() {
     const std::uint8_t* record = m_cursor.Get(taken, m_block / size);
     if (goesOn <= place || !record) return false;
     m_collector.Settle();
-    m_collector.AddBlock(MakeBlock(form, LoadIndexHead(record), record));
+    const SIndexHead head = LoadIndexHead(record);
+    const auto block = MakeBlock(form, head, record);
+    if (!isAround) {
+        m_collector.AddBlock(block);
+    } else {
+        const Persistance_Xpf::CDateProbe::SStretch stretch{head.position, head.lastPosition,
+                                                            head.minimumDate, head.maximumDate, head.count};
+        const std::uint8_t* payload = m_probe.FindNearest(stretch, m_collector.GetCentre());
+        if (!payload) return false;
+        m_collector.AddBlock(block, Outils::Load<std::int64_t>(payload), payload);
+    }
     m_walk.MoveTo(goesOn);
     m_block += size;
     return true;

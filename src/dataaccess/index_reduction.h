@@ -6,6 +6,7 @@
 #include "dataaccess/slice_collector.h"
 #include "foundation/thread.h"
 #include "xpf/channel_walk.h"
+#include "xpf/date_probe.h"
 
 #include <cstdint>
 
@@ -29,6 +30,7 @@ class CIndexReduction {
   private:
     bool FindBlock(std::int64_t place);
     bool TakeBlocks();
+    void PrepareRead(const SIndexHead& head, std::int64_t size);
     bool WaitForMore();
     std::int64_t FindNext(std::size_t block, std::int64_t lastPosition);
 
@@ -38,7 +40,9 @@ class CIndexReduction {
     CSliceCollector& m_collector;
     const Outils::CEvent& m_cancel;
     std::size_t m_block = 0; // where the last search has ended
-    bool m_isOff = false;    // a record could not be read: the walk goes on by itself
+    int m_readBlocks = 0;    // in a row
+    Persistance_Xpf::CDateProbe m_probe;
+    bool m_isOff = false; // a record could not be read: the walk goes on by itself
     bool m_hasLost = false;
     bool m_follows = true; // the scan has not been waited for in vain
 };

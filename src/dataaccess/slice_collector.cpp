@@ -93,12 +93,13 @@ CSliceCollector::SDistance CSliceCollector::FindDistance(const SBlock& block) co
     return {block.minimumDate >= m_centre ? Distance(block.minimumDate, m_centre) : 0, false};
 }
 
-bool CSliceCollector::CanAdd(const SBlock& block) const {
+CSliceCollector::EFit CSliceCollector::FindFit(const SBlock& block) const {
     if (!m_representative || block.minimumDate < m_sliceStart || block.maximumDate >= m_sliceEnd ||
         block.maximumDate >= m_window.end.GetTicks())
-        return false;
-    const bool isAround = block.minimumDate < m_centre && block.maximumDate > m_centre;
-    return FindDistance(block).least >= m_distance || (block.isDistinct && !isAround);
+        return EFit::outside;
+    if (FindDistance(block).least >= m_distance) return EFit::inside;
+    if (!block.isDistinct) return EFit::outside;
+    return block.minimumDate < m_centre && block.maximumDate > m_centre ? EFit::around : EFit::inside;
 }
 
 void CSliceCollector::AddBlock(const SBlock& block) {
@@ -108,6 +109,20 @@ void CSliceCollector::AddBlock(const SBlock& block) {
         m_candidatePlace = distance.isLast ? block.last : block.first;
         m_candidate = nullptr;
     }
+    AddExtremes(block);
+}
+
+void CSliceCollector::AddBlock(const SBlock& block, std::int64_t date, const std::uint8_t* payload) {
+    if (const std::uint64_t distance = Distance(date, m_centre); distance < m_distance) {
+        m_distance = distance;
+        m_candidatePlace = 0;
+        m_candidate = nullptr;
+        std::memcpy(m_representative->GetPayload(), payload, m_size);
+    }
+    AddExtremes(block);
+}
+
+void CSliceCollector::AddExtremes(const SBlock& block) {
     if (!m_collects) return;
     const std::uint8_t* images[] = {block.minimum, block.maximum};
     m_extremes.Include(images);

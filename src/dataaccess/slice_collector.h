@@ -31,11 +31,18 @@ class CSliceCollector {
         const std::uint8_t* minimum; // images of the extremes within packets, without a date
         const std::uint8_t* maximum;
     };
-    // False for a block that has to be walked: it does not lie in the slice at hand, or one of its inner
-    // packets may be the representative.
-    bool CanAdd(const SBlock& block) const;
-    // REQUIRES: CanAdd.
+    enum class EFit {
+        outside, // has to be walked: it does not lie in the slice at hand, or its dates are in no order
+        inside,
+        around // lies around the centre of the slice, so that one of its inner packets is the nearest
+    };
+    EFit FindFit(const SBlock& block) const;
+    // REQUIRES: FindFit has answered inside.
     void AddBlock(const SBlock& block);
+    // The same for one that lies around the centre, of which this is the packet nearest to it.
+    void AddBlock(const SBlock& block, std::int64_t date, const std::uint8_t* payload);
+    // Of the slice at hand, in ticks.
+    std::int64_t GetCentre() const { return m_centre; }
     // Reads the payload of the packet at a place that AddBlock was given, for a representative that lies in a
     // block. False when the file does not give it; the representative is then the one before.
     using Reader = std::function<bool(std::int64_t place, std::uint8_t* payload)>;
@@ -53,6 +60,7 @@ class CSliceCollector {
         bool isLast;
     };
     SDistance FindDistance(const SBlock& block) const;
+    void AddExtremes(const SBlock& block);
     std::size_t AddToSlice(std::span<const std::uint8_t* const> payloads);
     void Begin(const std::uint8_t* payload, std::int64_t date);
     std::unique_ptr<Persistance_Xpf::CXpfPacket> Clone(const std::uint8_t* payload) const;

@@ -104,6 +104,10 @@ bool CBlockReader::Probe(std::int64_t offset, void* buffer, std::size_t size) co
     return ReadAt(m_handle, offset, static_cast<std::uint8_t*>(buffer), size, size) == size;
 }
 
+void CBlockReader::Announce(std::int64_t offset, std::int64_t size) const {
+    if (m_handle >= 0) posix_fadvise(m_handle, offset, size, POSIX_FADV_WILLNEED);
+}
+
 void CBlockReader::Forget() {
     m_begin = m_end = 0;
     m_block = m_walked = 0;
@@ -115,7 +119,7 @@ bool CBlockReader::Load(std::int64_t offset, std::size_t size) {
     const std::int64_t end = offset + static_cast<std::int64_t>(size);
     const bool forward = offset >= m_begin && offset <= m_end + kNear;
     const bool backward = offset < m_begin && end >= m_begin - kNear;
-    ChooseBlock(forward || backward);
+    ChooseBlock(!m_isLone && (forward || backward));
 
     const auto block = static_cast<std::int64_t>(m_block);
     const std::int64_t unit = m_block == kSmallestBlock ? kSector : kPage;

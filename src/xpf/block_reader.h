@@ -87,6 +87,12 @@ class CBlockReader {
     void Fetch(std::int64_t offset, std::size_t size);
     static constexpr std::size_t kLargestFetch = std::size_t{1} << 20;
 
+    // These bytes are going to be wanted piece by piece: has the system read them at once if it does not have
+    // them.
+    void Announce(std::int64_t offset, std::int64_t size) const;
+    // Whether each access is a lone one, however near it is to the one before: nothing is read ahead.
+    void SetLone(bool isLone) { m_isLone = isLone; }
+
     void Forget();
 
     // Whether these bytes can be had without a read.
@@ -114,6 +120,7 @@ class CBlockReader {
     std::size_t m_capacity = 0;
     std::size_t m_block = 0;         // size of the last block
     std::size_t m_walked = 0;        // bytes before it that were read block after block
+    bool m_isLone = false;
     bool m_adviseSequential = false; // as the system was last advised
 };
 

@@ -53,6 +53,15 @@ void CChannelWalk::Fetch(std::int64_t size) {
     m_channel.m_file.m_reader->Fetch(GetPlace(), static_cast<std::size_t>(size));
 }
 
+void CChannelWalk::SetApart(bool isApart, std::int64_t size) {
+    m_channel.m_file.m_reader->SetLone(isApart);
+    if (isApart) m_channel.m_file.m_reader->Announce(GetPlace(), size);
+}
+
+bool CChannelWalk::Probe(std::int64_t position, std::span<std::uint8_t> bytes) const {
+    return m_channel.m_file.m_reader->Probe(position, bytes.data(), bytes.size());
+}
+
 bool CChannelWalk::ReadPayload(std::int64_t position, std::uint8_t* payload) const {
     const CBlockReader& reader = *m_channel.m_file.m_reader;
     std::array<std::uint8_t, 512> packet;

@@ -41,9 +41,18 @@ class CChannelWalk {
     void SetLimit(std::int64_t position) { m_limit = position; }
     // Reads so many bytes from the walk's place on at once; at most 1 MiB.
     void Fetch(std::int64_t size);
+    // Whether the packets lie so far apart that each is to be read by itself; then so many bytes from the
+    // walk's place on are going to be read.
+    void SetApart(bool isApart, std::int64_t size);
     // The payload of the packet at a place, without moving the block. False when the file does not give it,
     // or it is no packet of the usual size.
     bool ReadPayload(std::int64_t position, std::uint8_t* payload) const;
+
+    std::uint16_t GetChannelNumber() const { return m_channel.GetNumber(); }
+    // Bytes of a packet of the usual size.
+    std::uint32_t GetPacketSize() const { return m_size + kPacketOverhead; }
+    // Bytes of the file without moving the block; false when it does not have them.
+    bool Probe(std::int64_t position, std::span<std::uint8_t> bytes) const;
 
   private:
     // As many packets as need no read from the file; the count.
