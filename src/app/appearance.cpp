@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QPalette>
+#include <QStyle>
 #include <QStyleFactory>
 
 namespace Application_Tarvel {
@@ -55,6 +56,9 @@ QPalette MakePalette(const SLook& look) {
 } // namespace
 
 void ApplyPalette(EAppearance appearance) {
+    constexpr char kFirstStyle[] = "firstStyle"; // that of the desktop
+    if (!qApp->property(kFirstStyle).isValid())
+        qApp->setProperty(kFirstStyle, QApplication::style()->objectName());
     for (const SLook& look : kLooks) {
         if (look.appearance != appearance) continue;
         // The one style that follows a palette everywhere.
@@ -62,6 +66,7 @@ void ApplyPalette(EAppearance appearance) {
         QApplication::setPalette(MakePalette(look));
         return;
     }
+    QApplication::setStyle(qApp->property(kFirstStyle).toString());
     QApplication::setPalette(QPalette());
 }
 

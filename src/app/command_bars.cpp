@@ -64,7 +64,7 @@ void CTrvCommandBars::MakeActions() {
 void CTrvCommandBars::MakeMenus() {
     for (const SMenuRow& row : GetMenus()) {
         auto* menu = m_menus[row.menu] = new QMenu(Text(row.text), &m_frame);
-        menu->setToolTipsVisible(false);
+        menu->setToolTipsVisible(true);
         if (row.parent != row.menu) continue;
         m_frame.menuBar()->addMenu(menu);
         menu->menuAction()->setVisible(row.alsoWithoutProject);

@@ -195,7 +195,7 @@ const SCommandRow kCommands[] = {
      .tip = EText::importConfigurationTip, .newGroup = true, .run = [](Frame& f) { f.ImportConfiguration(); },
      .enabledWhen = HasProject},
     {.id = commandBatchFile, .menu = EMenu::simulation, .text = EText::prepareBatch, .tip = EText::prepareBatchTip,
-     .run = [](Frame& f) { f.GetDocument().PrepareBatchCommandFile(); }, .enabledWhen = HasProject},
+     .run = [](Frame& f) { f.PrepareBatchCommandFile(); }, .enabledWhen = HasProject},
 
     Add(commandAddDataFile, EText::addDataFile, EText::addDataFileTip, EUnits::all,
         [](Frame& f) { f.AddDataFile(); }, HasProject, true),
@@ -216,7 +216,7 @@ const SCommandRow kCommands[] = {
     AddPeriod<Edits::kAddAltitudeMode>(commandAddAltitudeMode, EText::addAltitudeMode, kOthers | EUnits::surface,
                                        TakesAltitudeModes),
     AddInstruction<Edits::kAddHorizontalFilteringInstruction, &Tree::FindUsbl>(commandAddFiltering, EText::addFiltering,
-                                                                               kOthers | EUnits::surface),
+                                                                               kOthers),
     {.id = commandRemove, .menu = EMenu::simulation, .text = EText::removeItem, .tip = EText::removeItemTip,
      .run = [](Frame& f) { f.GetProcessing().RemoveSelected(); },
      .enabledWhen = [](const Frame& f) { return f.HasProject() && f.GetProcessing().CanRemoveSelected(); },
@@ -224,6 +224,8 @@ const SCommandRow kCommands[] = {
     {.id = commandRelink, .menu = EMenu::simulation, .text = EText::relinkCommand, .tip = EText::relinkCommandTip,
      .newGroup = true, .run = [](Frame& f) { f.Relink(); },
      .enabledWhen = [](const Frame& f) { return f.HasProject() && !f.GetDocument().GetFiles()->GetMissing().empty(); }},
+    {.id = commandMoveFile, .menu = EMenu::simulation, .text = EText::moveFileCommand, .tip = EText::moveFileTip,
+     .run = [](Frame& f) { f.MoveFile(); }, .enabledWhen = HasProject},
 
     Toggle<commandMenuBar>(EText::showMenuBar, "Ctrl+M"),
     Toggle<commandStandardBar>(EText::showStandardBar, "Ctrl+Shift+T"),

@@ -90,6 +90,7 @@ enum ECommand : int {
     commandImportConfiguration = 32896,
     commandResetLayout = 32897,
     commandRelink = 32898,
+    commandMoveFile = 32899,
     commandPreviousView = 32910,
     commandNextView = 32911,
     commandGoToDate = 32912,

@@ -7,7 +7,8 @@
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QToolButton>
+#include <QScreen>
+#include <QSettings>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -16,7 +17,8 @@ namespace Application_Tarvel {
 using Outils_Plot2D::Text;
 using Outils_Plot2D::ToQString;
 
-CDialog::CDialog(QWidget* parent, const QString& title) : QDialog(parent), m_layout(new QVBoxLayout(this)) {
+CDialog::CDialog(QWidget* parent, const QString& title, QSettings* settings)
+    : QDialog(parent), m_settings(settings), m_layout(new QVBoxLayout(this)) {
     setWindowTitle(title);
 }
 
@@ -33,11 +35,17 @@ bool CDialog::Run(const std::function<bool()>& onOK, bool enterIsOK) {
         static_cast<QPushButton*>(button)->setAutoDefault(enterIsOK);
     buttons->button(QDialogButtonBox::Ok)->setDefault(enterIsOK);
     m_layout->addWidget(buttons);
-    return exec() == Accepted;
+    const QString key = QStringLiteral("dialogs/") + windowTitle();
+    // The screen may have become smaller.
+    if (const QSize kept = m_settings ? m_settings->value(key).toSize() : QSize(); kept.isValid())
+        resize(kept.boundedTo(screen()->availableSize()));
+    const bool isOK = exec() == Accepted;
+    if (m_settings) m_settings->setValue(key, size());
+    return isOK;
 }
 
 CPathLine::CPathLine(QWidget* parent, const QString& name, std::function<void()> choose)
-    : QWidget(parent), m_line(new QLineEdit(this)), m_button(new QToolButton(this)) {
+    : QWidget(parent), m_line(new QLineEdit(this)), m_button(new QPushButton(this)) {
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     m_line->setAccessibleName(name);
@@ -45,14 +53,18 @@ CPathLine::CPathLine(QWidget* parent, const QString& name, std::function<void()>
     m_button->setText(Text(EText::browse));
     m_button->setToolTip(Text(EText::wizardBrowseTip));
     m_button->setAccessibleName(QStringLiteral("%1 %2").arg(Text(EText::wizardBrowseTip), name));
-    m_button->setFocusPolicy(Qt::StrongFocus);
-    connect(m_button, &QToolButton::clicked, this, [choose = std::move(choose)] { choose(); });
+    m_button->setFixedWidth(m_button->fontMetrics().horizontalAdvance(m_button->text()) * 3);
+    connect(m_button, &QPushButton::clicked, this, [choose = std::move(choose)] { choose(); });
     layout->addWidget(m_line, 1);
     layout->addWidget(m_button);
     setFocusProxy(m_line);
 }
 
-void CPathLine::FocusButton() { m_button->setFocus(); }
+void CPathLine::SetChosenOnly() {
+    m_line->setReadOnly(true);
+    m_line->setFocusPolicy(Qt::ClickFocus); // there is nothing to type
+    setFocusProxy(m_button);
+}
 
 QString WithoutKey(EText text) { return Text(text).remove(QLatin1Char('&')); }
 

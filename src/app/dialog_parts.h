@@ -10,7 +10,8 @@
 #include <string>
 
 class QLineEdit;
-class QToolButton;
+class QPushButton;
+class QSettings;
 class QTreeWidget;
 class QTreeWidgetItem;
 class QVBoxLayout;
@@ -22,7 +23,8 @@ using Outils_Texte::EText;
 // A dialog with OK and Cancel under what the caller puts into it. Tab goes through it in the order of adding.
 class CDialog : public QDialog {
   public:
-    CDialog(QWidget* parent, const QString& title);
+    // Its size is kept in `settings`, which may be null.
+    CDialog(QWidget* parent, const QString& title, QSettings* settings);
 
     // The widget takes the room that is left.
     void Add(QWidget* widget);
@@ -32,20 +34,22 @@ class CDialog : public QDialog {
     bool Run(const std::function<bool()>& onOK = {}, bool enterIsOK = true);
 
   private:
+    QSettings* const m_settings;
     QVBoxLayout* m_layout;
 };
 
-// A line with a button that chooses for it.
+// A line with a button that chooses for it, also by Enter.
 class CPathLine final : public QWidget {
   public:
     CPathLine(QWidget* parent, const QString& name, std::function<void()> choose);
 
     QLineEdit& GetLine() const { return *m_line; }
-    void FocusButton();
+    // Its text comes from the button alone.
+    void SetChosenOnly();
 
   private:
     QLineEdit* m_line;
-    QToolButton* m_button;
+    QPushButton* m_button;
 };
 
 // The text without the mark of its key.

@@ -1,6 +1,7 @@
 #include "app/commands.h"
 #include "app/dialog_parts.h"
 #include "app/dialogs.h"
+#include "app/icons.h"
 #include "app/rough_picture.h"
 #include "config/config_file.h"
 #include "dialogs/choosers.h"
@@ -41,13 +42,22 @@ namespace {
 
 constexpr QSize kFrameRoom(20, 60); // around a dialog on the screen: title bar and borders
 
-} // namespace
+QIcon GetRoleIcon(EDataFileRole role) {
+    const QStyle& style = *QApplication::style();
+    switch (role) {
+    case EDataFileRole::mainInput: return style.standardIcon(QStyle::SP_FileIcon);
+    case EDataFileRole::output: return GetIcon(EGlyph::process);
+    case EDataFileRole::external: return style.standardIcon(QStyle::SP_FileLinkIcon);
+    }
+    return {};
+}
 
-bool CWindowDialogs::Show(QWidget* parent, CDataFileChannelChooser& logic) {
-    CDialog dialog(parent, Text(EText::channelChooserTitle));
-    QTreeWidget* list = MakeList(&dialog, CDataFileChannelChooser::kColumns[0],
-                                 CDataFileChannelChooser::kColumns[1], Text(EText::channelChooserTitle));
-    for (const auto& row : logic.GetRows()) AddRow(*list, row.channel, row.file);
+// Shows the rows of the chooser as `add` puts each into the list.
+template <class Chooser, class Add>
+bool ShowChooser(QWidget* parent, QSettings* settings, EText title, Chooser& logic, Add add) {
+    CDialog dialog(parent, Text(title), settings);
+    QTreeWidget* list = MakeList(&dialog, Chooser::kColumns[0], Chooser::kColumns[1], Text(title));
+    for (const auto& row : logic.GetRows()) add(*list, row);
     if (logic.GetSelection())
         list->setCurrentItem(list->topLevelItem(static_cast<int>(*logic.GetSelection())));
     list->resizeColumnToContents(0);
@@ -68,8 +78,23 @@ bool CWindowDialogs::Show(QWidget* parent, CDataFileChannelChooser& logic) {
     return dialog.Run(ok);
 }
 
+} // namespace
+
+bool CWindowDialogs::Show(QWidget* parent, CDataFileChooser& logic) {
+    return ShowChooser(parent, m_settings, EText::fileChooserTitle, logic,
+                       [](QTreeWidget& list, const SDataFileRow& row) {
+                           AddRow(list, row.name, row.folder)->setIcon(0, GetRoleIcon(row.role));
+                       });
+}
+
+bool CWindowDialogs::Show(QWidget* parent, CDataFileChannelChooser& logic) {
+    return ShowChooser(
+        parent, m_settings, EText::channelChooserTitle, logic,
+        [](QTreeWidget& list, const SChannelRow& row) { AddRow(list, row.channel, row.file); });
+}
+
 bool CWindowDialogs::Show(QWidget* parent, CRoughMisalignmentChooser& logic) {
-    CDialog dialog(parent, Text(CRoughMisalignmentChooser::kTitle));
+    CDialog dialog(parent, Text(CRoughMisalignmentChooser::kTitle), m_settings);
     auto* sides = new QHBoxLayout;
     QButtonGroup* groups[2];
     std::function<void()> draw;
@@ -137,7 +162,7 @@ void TakeFormField(const QWidget& field, Presentation_Tarvel_Graphics::SFormLine
 } // namespace
 
 bool CWindowDialogs::Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& logic) {
-    CDialog dialog(parent, WithoutKey(logic.GetTitle()).remove(QStringLiteral("...")));
+    CDialog dialog(parent, WithoutKey(logic.GetTitle()).remove(QStringLiteral("...")), m_settings);
     auto* form = new QFormLayout;
     std::vector<QWidget*> fields;
     for (const auto& line : logic.GetLines()) {
@@ -158,7 +183,7 @@ bool CWindowDialogs::Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& 
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CTrvSettingsDlg& logic) {
-    CDialog dialog(parent, Text(EText::settingsTitle));
+    CDialog dialog(parent, Text(EText::settingsTitle), nullptr); // the configuration has its size
     auto& configuration = logic.GetConfiguration();
     auto* grid = new CTrvGridView(logic.GetGrid(), logic.GetQuestions(), &dialog);
     grid->setAccessibleName(Text(EText::settingsTitle));

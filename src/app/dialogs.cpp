@@ -8,6 +8,7 @@
 #include <QDesktopServices>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QSettings>
 
 namespace Application_Tarvel {
 
@@ -75,8 +76,11 @@ EAnswer CWindowDialogs::ShowMessage(QWidget* parent, const std::string& text, EB
 std::vector<std::filesystem::path> CWindowDialogs::AskPath(QWidget* parent, const SPathQuestion& question) {
     std::error_code error;
     const bool isFolder = std::filesystem::is_directory(question.proposed, error);
-    const auto folder = isFolder ? question.proposed : question.proposed.parent_path();
-    QFileDialog dialog(parent, Text(question.title).remove(QLatin1Char('&')), ToQString(folder),
+    const auto proposed = isFolder ? question.proposed : question.proposed.parent_path();
+    const QString key = QStringLiteral("folders/%1").arg(static_cast<int>(question.filter));
+    const QString folder =
+        proposed.empty() && m_settings ? m_settings->value(key).toString() : ToQString(proposed);
+    QFileDialog dialog(parent, Text(question.title).remove(QLatin1Char('&')), folder,
                        ToNameFilters(question.filter));
     constexpr QFileDialog::FileMode kModes[] = {QFileDialog::ExistingFile, QFileDialog::ExistingFiles,
                                                 QFileDialog::AnyFile, QFileDialog::AnyFile};
@@ -89,6 +93,7 @@ std::vector<std::filesystem::path> CWindowDialogs::AskPath(QWidget* parent, cons
     if (!isFolder && !question.proposed.empty()) dialog.selectFile(ToQString(question.proposed.filename()));
     std::vector<std::filesystem::path> paths;
     if (dialog.exec() != QDialog::Accepted) return paths;
+    if (m_settings) m_settings->setValue(key, dialog.directory().absolutePath());
     for (const QString& file : dialog.selectedFiles()) paths.push_back(ToPath(file));
     return paths;
 }

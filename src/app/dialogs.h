@@ -11,9 +11,11 @@
 #include <string>
 #include <vector>
 
+class QSettings;
 class QWidget;
 
 namespace Dialogue_Tarvel {
+class CDataFileChooser;
 class CDataFileChannelChooser;
 class CNewFromBatchParametersDlg;
 class CNewProjectWizard;
@@ -41,6 +43,7 @@ class IDialogs {
     // Each shows the dialog, and returns whether it ended with OK: its logic then holds the result.
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CNewProjectWizard& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CNewFromBatchParametersDlg& dialog) = 0;
+    virtual bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) = 0;
     virtual bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) = 0;
@@ -55,11 +58,16 @@ class IDialogs {
 
 class CWindowDialogs final : public IDialogs {
   public:
+    // Keeps the sizes of dialogs and the last folder of each kind of file in `settings`, which must outlive
+    // this; without it nothing is kept.
+    explicit CWindowDialogs(QSettings* settings = nullptr) : m_settings(settings) {}
+
     EAnswer ShowMessage(QWidget* parent, const std::string& text, EButtons buttons, EIcon icon) override;
     std::vector<std::filesystem::path> AskPath(QWidget* parent, const SPathQuestion& question) override;
     void ShowAbout(QWidget* parent, const CVersionInfo& version) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CNewProjectWizard& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CNewFromBatchParametersDlg& dialog) override;
+    bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CDataFileChannelChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CRoughMisalignmentChooser& dialog) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CTrvSettingsDlg& dialog) override;
@@ -67,6 +75,9 @@ class CWindowDialogs final : public IDialogs {
     bool Show(QWidget* parent, Presentation_Tarvel_Graphics::CForm& form) override;
     bool Show(QWidget* parent, Dialogue_Tarvel::CToolDialog& dialog) override; // tool_windows.cpp
     bool OpenLink(const QUrl& link) override;
+
+  private:
+    QSettings* const m_settings;
 };
 
 } // namespace Application_Tarvel

@@ -23,6 +23,7 @@
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QGuiApplication>
+#include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScreen>
@@ -62,17 +63,33 @@ constexpr int kNoticeTime = 4000; // milliseconds
 
 // Between a panel and its content: the panel has its size also while the content is hidden, and shows
 // and hides without a say in that.
+// A content that hides itself leaves a word in its place.
 class CPanelSpace final : public QWidget {
   public:
-    CPanelSpace(QWidget* content, QSize size) : m_size(size) {
+    CPanelSpace(QWidget* content, QSize size)
+        : m_size(size), m_word(new QLabel(Text(EText::noProject), this)) {
         auto* layout = new QVBoxLayout(this);
         layout->setContentsMargins(0, 0, 0, 0);
         layout->addWidget(content);
+        layout->addWidget(m_word);
+        m_word->setWordWrap(true);
+        m_word->setAlignment(Qt::AlignCenter);
+        m_word->setEnabled(false); // pale, as in the other panels
+        m_word->setVisible(content->isHidden());
+        content->installEventFilter(this);
     }
     QSize sizeHint() const override { return m_size; }
 
+  protected:
+    bool eventFilter(QObject* content, QEvent* event) override {
+        if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent)
+            m_word->setVisible(event->type() == QEvent::HideToParent);
+        return QWidget::eventFilter(content, event);
+    }
+
   private:
     const QSize m_size;
+    QLabel* m_word;
 };
 
 // The local files among what is dragged; empty when anything else is.
@@ -161,10 +178,10 @@ CTrvProjectMainFrame::CTrvProjectMainFrame(CTrvApp& application, CTrvFrameHost& 
     RestoreWindow();
 
     connect(&GetOutput(), &CTrvOutputWnd::SubjectRequested, this,
-            [this](const Outils_Objets::CObject* subject) {
-                if (!IsBarShown(commandProcessingPanel)) ToggleBar(commandProcessingPanel);
-                m_processing->ShowObject(subject);
-            });
+            [this](const Outils_Objets::CObject* subject) { m_processing->ShowObject(subject); });
+    connect(m_processing, &CTrvViewProcessing::ShowRequested, this, [this] {
+        if (!IsBarShown(commandProcessingPanel)) ToggleBar(commandProcessingPanel);
+    });
     connect(m_view, &CTrvView1D::StateChanged, this, &CTrvProjectMainFrame::UpdateFrame);
     connect(m_view, &CTrvView1D::PropertiesRequested, this, [this] { m_graphs->EditCurve(); });
     connect(m_view, &CTrvView1D::RangeRequested, this, [this] { m_graphs->EditRange(); });
@@ -260,6 +277,10 @@ void CTrvProjectMainFrame::ImportConfiguration() {
                              Procedures::CNelixValues::Of(configuration), chosen.front());
 }
 
+void CTrvProjectMainFrame::PrepareBatchCommandFile() {
+    if (!m_document.PrepareBatchCommandFile()) m_processing->SelectFirstFault();
+}
+
 void CTrvProjectMainFrame::Relink() {
     Dialogue_Tarvel::CRelinkDialog dialog(m_document);
     if (dialog.GetRows().empty())
@@ -267,6 +288,20 @@ void CTrvProjectMainFrame::Relink() {
                            EIcon::information);
     else
         m_dialogs.Show(this, dialog);
+}
+
+void CTrvProjectMainFrame::MoveFile() {
+    using namespace Dialogue_Tarvel;
+    CDataFileChooser chooser(*m_document.GetProject()->simulationParameters, 0);
+    if (!m_dialogs.Show(this, chooser)) return;
+    const SDataFileRow* row = chooser.OnOK();
+    if (!row) return;
+    const bool isOutput = row->role == EDataFileRole::output;
+    const auto chosen = m_host.AskPath({isOutput ? EPathKind::save : EPathKind::open, EText::fileChooserTitle,
+                                        isOutput ? EText::batchOutputFilter : EText::batchInputFilter,
+                                        isOutput ? "tarout" : "tarin", row->file->path});
+    if (chosen.empty()) return;
+    m_document.GetEdits().Do(Edits::kMoveDataFiles, Edits::CMoves{{row->file, chosen.front()}});
 }
 
 void CTrvProjectMainFrame::ResetLayout() { restoreState(m_firstLayout, kStateVersion); }

@@ -61,8 +61,8 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     QAction& GetAction(int command) const;
     bool HasProject() const { return m_document.GetProject() != nullptr; }
     bool IsRunning() const { return m_running; }
-    // The equipment of the project opened last, which decides what its menus offer; 0 without one.
-    std::int32_t GetEquipment() const { return m_equipment; }
+    // The equipment of the project, which decides what its menus offer; 0 without one.
+    std::int32_t GetEquipment() const { return HasProject() ? m_equipment : 0; }
 
     // What the rows of the command table do.
     void NewProject();
@@ -82,7 +82,9 @@ class CTrvProjectMainFrame final : public QMainWindow, public IDocumentView {
     void ShowSettings();
     void ImportConfiguration();
     // The dialog for data files that are not in their place; says so when there are none.
+    void PrepareBatchCommandFile();
     void Relink();
+    void MoveFile();
     // Puts panels and tool bars back to their first places.
     void ResetLayout();
     void Export();

@@ -79,7 +79,7 @@ SSessionEnd RunSession(CTrvApp& application, Outils::IMessageTarget& target, con
     auto* splash = new CSplashWnd; // Deletes itself.
     splash->show();
     QSettings settings(QSettings::IniFormat, QSettings::UserScope, kSettingsName, kSettingsName);
-    CWindowDialogs dialogs;
+    CWindowDialogs dialogs(&settings);
     CWindowSession session(application, target, dialogs, settings);
     CTrvProjectMainFrame& frame = session.GetFrame();
     session.EndOn(endSignals);

@@ -35,15 +35,15 @@ struct SPlaceLines {
     QLineEdit* name;
     CPathLine* folder;
 
-    SPlaceLines(QDialog& dialog, QFormLayout& form) {
+    SPlaceLines(QDialog& dialog, QFormLayout& form, EText nameLabel, EText folderLabel) {
         name = new QLineEdit(&dialog);
         name->setAccessibleName(WithoutKey(EText::wizardName));
         folder = new CPathLine(&dialog, WithoutKey(EText::wizardFolder), [this, &dialog] {
             const QString chosen = AskFolder(&dialog, folder->GetLine().text());
             if (!chosen.isEmpty()) folder->GetLine().setText(chosen);
         });
-        form.addRow(Text(EText::wizardName), name);
-        form.addRow(Text(EText::wizardFolder), folder);
+        form.addRow(Text(nameLabel), name);
+        form.addRow(Text(folderLabel), folder);
     }
     void Show(const CProjectDialog& logic) const {
         name->setText(ToQString(logic.projectName));
@@ -55,6 +55,16 @@ struct SPlaceLines {
     }
 };
 
+void TickOffers(QTreeWidget& list, const CNewProjectWizard& logic) {
+    const QSignalBlocker quiet(list);
+    for (int i = 0; i < list.topLevelItemCount(); ++i) {
+        QTreeWidgetItem& row = *list.topLevelItem(i);
+        if (const QVariant offer = row.data(0, Qt::UserRole); offer.isValid())
+            row.setCheckState(0, logic.GetFindings().offers[offer.toUInt()].isTaken ? Qt::Checked
+                                                                                    : Qt::Unchecked);
+    }
+}
+
 // Shows the findings in the list; the row that the user has chosen stays.
 void ShowFindings(QTreeWidget& list, const CNewProjectWizard& logic) {
     const QSignalBlocker quiet(list);
@@ -62,11 +72,12 @@ void ShowFindings(QTreeWidget& list, const CNewProjectWizard& logic) {
     list.clear();
     for (const auto& found : logic.DescribeFindings()) {
         auto* row = AddRow(list, found.title, found.value);
+        row->setFirstColumnSpanned(found.value.empty()); // a sentence
         if (!found.offer) continue;
         row->setData(0, Qt::UserRole, static_cast<int>(*found.offer));
         row->setToolTip(0, Text(EText::surveySensorTip));
-        row->setCheckState(0, logic.GetFindings().offers[*found.offer].isTaken ? Qt::Checked : Qt::Unchecked);
     }
+    TickOffers(list, logic);
     list.resizeColumnToContents(0);
     list.setCurrentItem(list.topLevelItem(current));
 }
@@ -74,7 +85,7 @@ void ShowFindings(QTreeWidget& list, const CNewProjectWizard& logic) {
 } // namespace
 
 bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
-    CDialog dialog(parent, Text(EText::wizardTitle));
+    CDialog dialog(parent, Text(EText::wizardTitle), m_settings);
     auto* form = new QFormLayout;
     CPathLine* files = nullptr;
     CPathLine* configuration = nullptr;
@@ -88,9 +99,9 @@ bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
         logic.ChooseInputFiles(chosen);
         files->GetLine().setText(ToQString(logic.GetInputLine()));
         place->Show(logic);
+        place->name->setFocus();
     });
-    files->GetLine().setReadOnly(true);
-    files->GetLine().setPlaceholderText(Text(EText::wizardHint));
+    files->SetChosenOnly();
     files->GetLine().setText(ToQString(logic.GetInputLine()));
     configuration = new CPathLine(&dialog, WithoutKey(EText::wizardConfiguration), [&] {
         const auto chosen = AskPath(&dialog, {EPathKind::open, EText::wizardConfiguration,
@@ -100,19 +111,23 @@ bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
     });
     form->addRow(Text(EText::wizardInput), files);
     form->addRow(Text(EText::wizardConfiguration), configuration);
-    place = std::make_unique<SPlaceLines>(dialog, *form);
+    place = std::make_unique<SPlaceLines>(dialog, *form, EText::wizardName, EText::wizardFolder);
     place->Show(logic);
     dialog.Add(form);
     QTreeWidget* findings =
         MakeList(&dialog, EText::surveyTitle, EText::gridValueColumn, Text(EText::surveyName));
+    findings->setMinimumHeight(300); // the channels of most recordings
     QObject::connect(findings, &QTreeWidget::itemChanged, &dialog, [&](QTreeWidgetItem* row) {
-        if (const QVariant offer = row->data(0, Qt::UserRole); offer.isValid())
-            logic.Take(offer.toUInt(), row->checkState(0) == Qt::Checked);
+        const QVariant offer = row->data(0, Qt::UserRole);
+        if (!offer.isValid()) return;
+        logic.Take(offer.toUInt(), row->checkState(0) == Qt::Checked);
+        TickOffers(*findings, logic);
     });
     dialog.Add(findings);
     logic.Survey([&] { ShowFindings(*findings, logic); });
+    ShowFindings(*findings, logic);
     if (logic.GetInputFiles().empty())
-        files->FocusButton(); // without a recording there is nothing to type
+        files->setFocus();
     else
         place->name->setFocus();
     const bool made = dialog.Run([&] {
@@ -130,7 +145,7 @@ bool CWindowDialogs::Show(QWidget* parent, CNewProjectWizard& logic) {
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CNewFromBatchParametersDlg& logic) {
-    CDialog dialog(parent, Text(CNewFromBatchParametersDlg::kTitle));
+    CDialog dialog(parent, Text(CNewFromBatchParametersDlg::kTitle), m_settings);
     QTreeWidget* list =
         MakeList(&dialog, CNewFromBatchParametersDlg::kColumns[0], CNewFromBatchParametersDlg::kColumns[1],
                  Text(CNewFromBatchParametersDlg::kTitle));
@@ -152,10 +167,14 @@ bool CWindowDialogs::Show(QWidget* parent, CNewFromBatchParametersDlg& logic) {
     QObject::connect(choose, &QPushButton::clicked, &dialog, change);
     QObject::connect(list, &QTreeWidget::itemActivated, &dialog, change);
     auto* form = new QFormLayout;
-    const SPlaceLines place(dialog, *form);
+    const SPlaceLines place(dialog, *form, CNewFromBatchParametersDlg::kLabels[0],
+                            CNewFromBatchParametersDlg::kLabels[1]);
     place.Show(logic);
     dialog.Add(list);
-    dialog.Add(choose);
+    auto* below = new QHBoxLayout;
+    below->addStretch();
+    below->addWidget(choose);
+    dialog.Add(below);
     dialog.Add(form);
     return dialog.Run([&] {
         place.Take(logic);
@@ -168,7 +187,7 @@ bool CWindowDialogs::Show(QWidget* parent, CNewFromBatchParametersDlg& logic) {
 }
 
 bool CWindowDialogs::Show(QWidget* parent, CRelinkDialog& logic) {
-    CDialog dialog(parent, Text(EText::relinkTitle));
+    CDialog dialog(parent, Text(EText::relinkTitle), m_settings);
     auto* hint = new QLabel(Text(EText::relinkHint), &dialog);
     hint->setWordWrap(true);
     QTreeWidget* list = MakeList(&dialog, EText::path, EText::relinkPlaceColumn, Text(EText::relinkTitle));

@@ -21,6 +21,7 @@ class CSilentDialogs final : public IDialogs {
     void ShowAbout(QWidget*, const CVersionInfo&) override {}
     bool Show(QWidget*, Dialogue_Tarvel::CNewProjectWizard&) override { return false; }
     bool Show(QWidget*, Dialogue_Tarvel::CNewFromBatchParametersDlg&) override { return false; }
+    bool Show(QWidget*, Dialogue_Tarvel::CDataFileChooser&) override { return false; }
     bool Show(QWidget*, Dialogue_Tarvel::CDataFileChannelChooser&) override { return false; }
     bool Show(QWidget*, Dialogue_Tarvel::CRoughMisalignmentChooser&) override { return false; }
     bool Show(QWidget*, Dialogue_Tarvel::CTrvSettingsDlg&) override { return false; }

@@ -20,9 +20,13 @@ using Outils_Texte::FormatText;
 using Outils_Texte::GetText;
 using std::filesystem::file_type;
 
+using Metier_Tarvel::ESensorKind;
+
 namespace {
 
 constexpr std::string_view kProjectExtension = ".tarprj";
+
+int GetMaximum(ESensorKind kind) { return Metier_Tarvel::GetSensorKind(kind).maximum; }
 
 } // namespace
 
@@ -145,13 +149,31 @@ void CNewProjectWizard::TakeChannels(std::vector<SSurveyedChannel> channels) {
     m_findings.isBusy = false;
     m_findings.channels = std::move(channels);
     for (const SSurveyedChannel& channel : m_findings.channels)
-        if (channel.kind) m_findings.offers.push_back({channel});
+        if (channel.kind)
+            m_findings.offers.push_back({channel, CountTaken(*channel.kind) < GetMaximum(*channel.kind)});
+}
+
+int CNewProjectWizard::CountTaken(ESensorKind kind) const {
+    return static_cast<int>(std::ranges::count_if(m_findings.offers, [kind](const SOffer& offer) {
+        return offer.isTaken && offer.channel.kind == kind;
+    }));
+}
+
+void CNewProjectWizard::Take(std::size_t offer, bool isTaken) {
+    auto& offers = m_findings.offers;
+    offers[offer].isTaken = isTaken;
+    const ESensorKind kind = *offers[offer].channel.kind;
+    if (CountTaken(kind) <= GetMaximum(kind)) return;
+    const auto first = std::ranges::find_if(offers, [&](const SOffer& other) {
+        return &other != &offers[offer] && other.isTaken && other.channel.kind == kind;
+    });
+    if (first != offers.end()) first->isTaken = false;
 }
 
 std::vector<CNewProjectWizard::SFindingRow> CNewProjectWizard::DescribeFindings() const {
-    if (m_inputFiles.empty() || !m_onFound) return {};
-    const auto& recording = m_findings.recording;
     const auto text = [](EText id) { return std::string(GetText(id)); };
+    if (m_inputFiles.empty()) return {{text(EText::wizardHint), {}, {}}};
+    const auto& recording = m_findings.recording;
     if (!recording.isRecording)
         return {{text(m_findings.isBusy ? EText::surveyBusy : EText::surveyNone), {}, {}}};
     Outils_Valeurs::CTrvAdaptors adaptors;

@@ -122,12 +122,14 @@ class CNewProjectWizard final : public CProjectDialog {
         std::optional<std::size_t> offer; // of a channel that can be a sensor
     };
     std::vector<SFindingRow> DescribeFindings() const;
-    // Whether the new project gets the offered sensor.
-    void Take(std::size_t offer, bool isTaken) { m_findings.offers[offer].isTaken = isTaken; }
+    // Whether the new project gets the offered sensor. One more than a project can have of its kind takes the
+    // place of the first.
+    void Take(std::size_t offer, bool isTaken);
 
   private:
     void StartSurvey();
     void TakeChannels(std::vector<SSurveyedChannel> channels);
+    int CountTaken(Metier_Tarvel::ESensorKind kind) const;
     void AddSensors(CTrvProject& project) const;
 
     bool CheckFiles(EProjectField& focus) override;

@@ -218,8 +218,17 @@ class CSettingItem final : public CHGItem {
         return choice < 0 ? m_text : m_choices.shown[static_cast<std::size_t>(choice)];
     }
     std::string GetHelp() const override {
-        return m_row.kind == ESetting::section ? std::string()
-                                               : std::string(GetText(kSchema[m_row.key.row].help));
+        if (m_row.kind == ESetting::section) return {};
+        const auto& key = kSchema[m_row.key.row];
+        std::string help(GetText(key.help));
+        if (m_row.kind == ESetting::precision)
+            help +=
+                '\n' + FormatText(EText::helpRange, {"0", Outils_Texte::FormatShortest(m_range.greatest)});
+        const auto kept = std::ranges::find(m_choices.kept, key.defaultText);
+        const auto place = static_cast<std::size_t>(kept - m_choices.kept.begin());
+        const std::string value(kept == m_choices.kept.end() ? key.defaultText : m_choices.shown[place]);
+        if (!value.empty()) help += '\n' + FormatText(EText::helpDefault, {value});
+        return help;
     }
     bool IsEditable() const override { return m_row.kind != ESetting::section; }
     std::span<const std::string> GetChoices() const override { return m_choices.shown; }

@@ -189,6 +189,7 @@ std::unique_ptr<CHGItem> CProcessingTree::MakeObject(CObject& object, EText titl
 void CProcessingTree::Fill(CHGItem& item, CObject& object, CObject& target) {
     const SPropertyClass* described = FindPropertyClass(object);
     if (!described) return;
+    CHGItem* deviations = nullptr; // the section of the standard deviations
     for (const SProperty* property : described->rows) {
         if (property->isExpert && !m_document.IsExpertMode()) {
             Hide(item, object, *property);
@@ -197,12 +198,23 @@ void CProcessingTree::Fill(CHGItem& item, CObject& object, CObject& target) {
         if (!property->child) {
             CObject& owner = CTrvDocumentEdits::CanChange(object, object, *property) ? object : target;
             item.Add(std::make_unique<CPropertyItem>(m_session->project, *property, owner, object));
+        } else if (property == &Rows::kRejections) {
+            // A group is the list of its instructions.
+            for (std::size_t i = 0; CObject* group = property->child(object, i); ++i)
+                m_objects[group] = &item.Add(MakeList(property->label, Rows::kGroupInstructions, *group));
         } else if (property->isList) {
             item.Add(MakeList(property->label, *property, object));
         } else if (CObject* child = property->child(object, 0)) {
             const EText title =
                 property->label == EText::none ? FindPropertyClass(*child)->title : property->label;
-            item.Add(MakeObject(*child, title, &target, property->isInline));
+            const auto* instruction = dynamic_cast<const CTrvStdDevInstruction*>(child);
+            if (instruction) deviations = &item.Add(std::make_unique<CTitleItem>(title));
+            const bool isLeast = property == &Rows::kMinimumValue;
+            CHGItem& above = deviations && (instruction || isLeast) ? *deviations : item;
+            const EText own = !instruction             ? title
+                              : instruction->isDefault ? EText::stdDevDefaultTitle
+                                                       : EText::filtering;
+            above.Add(MakeObject(*child, own, &target, property->isInline));
         }
     }
 }

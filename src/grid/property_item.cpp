@@ -52,6 +52,16 @@ std::string GetDefault(const SPropertyContext& context, const SProperty& propert
     return Show(property, context, *create());
 }
 
+// Some rules on the whole run are about values that another object has: its rows say what is wrong.
+bool IsAboutRowsOf(const Metier_Tarvel_Regles::CTrvRule& rule, const CObject& object) {
+    const auto properties = rule.GetProperties();
+    const SPropertyClass* described = FindPropertyClass(object);
+    return properties.empty() || !described ||
+           std::ranges::any_of(properties, [&](const SProperty* property) {
+               return std::ranges::find(described->rows, property) != described->rows.end();
+           });
+}
+
 // "0 to 360"; empty without a bound.
 std::string GetRangeText(const SRange& range) {
     const bool hasLeast = range.least > -std::numeric_limits<double>::infinity();
@@ -61,6 +71,16 @@ std::string GetRangeText(const SRange& range) {
     if (hasLeast && hasGreatest) return FormatText(EText::helpRange, {least, greatest});
     if (hasLeast) return FormatText(range.isLeastExcluded ? EText::helpAbove : EText::helpLeast, {least});
     return hasGreatest ? FormatText(EText::helpGreatest, {greatest}) : std::string();
+}
+
+// The units in which the value can be typed; empty for a value without.
+std::string GetUnitsText(const SPropertyContext& context, const SProperty& property) {
+    if (property.form.form != EPropertyForm::quantity) return {};
+    std::string units;
+    for (const auto& [symbol, unit] :
+         context.adaptors.Get(static_cast<Outils_Valeurs::EQuantity>(property.form.detail)).GetUnits())
+        units.append(units.empty() ? "" : ", ").append(symbol);
+    return FormatText(EText::helpUnits, {units});
 }
 
 } // namespace
@@ -81,6 +101,8 @@ std::string CPropertyItem::GetHelp() const {
     std::string help(GetText(m_property.help));
     if (!m_property.set || !m_isEditable) return help;
     if (const std::string range = GetRangeText(m_property.range); !range.empty()) help += '\n' + range;
+    if (const std::string units = GetUnitsText(m_project.context, m_property); !units.empty())
+        help += '\n' + units;
     if (const std::string value = GetDefault(m_project.context, m_property, m_owner); !value.empty())
         help += '\n' + FormatText(EText::helpDefault, {value});
     return help;
@@ -129,14 +151,7 @@ CObjectItem::CObjectItem(const SProjectGrid& project, CObject& object, EText tit
       m_note(std::move(note)),
       m_hasLine(hasLine) {}
 
-std::string CObjectItem::GetTitle() const {
-    // Groups of one sensor differ in their names alone.
-    if (m_object.IsKindOf(Metier_Tarvel::CTrvRejectionGroup::Class()))
-        if (const auto& name = static_cast<const Metier_Tarvel::CTrvRejectionGroup&>(m_object).name;
-            !name.empty())
-            return name;
-    return std::string(GetText(m_title));
-}
+std::string CObjectItem::GetTitle() const { return std::string(GetText(m_title)); }
 std::string CObjectItem::GetValue() const {
     return m_hasLine ? ShowLine(m_project.context, m_object) : std::string();
 }
@@ -144,9 +159,10 @@ std::string CObjectItem::GetFault() const {
     if (m_project.report.IsEmpty()) return {};
     const auto find = [this](const CObject* object) -> std::string {
         if (!m_project.report.HasViolation(object)) return {};
-        const auto violation = std::ranges::find(m_project.report.GetViolations(), object,
-                                                 [](const auto& broken) { return broken.object; });
-        return std::string(violation->rule->GetMessage());
+        for (const auto& violation : m_project.report.GetViolations())
+            if (violation.object == object && IsAboutRowsOf(*violation.rule, *object))
+                return std::string(violation.rule->GetMessage());
+        return {};
     };
     if (std::string fault = find(&m_object); !fault.empty()) return fault;
     for (const CObject* hidden : m_hidden)
@@ -155,10 +171,15 @@ std::string CObjectItem::GetFault() const {
     return {};
 }
 
+std::string CTitleItem::GetTitle() const { return std::string(GetText(m_title)); }
+
 CListItem::CListItem(EText title, const SProperty& property, CObject& owner)
     : CHGItem(ERowKind::section), m_title(title), m_property(property), m_owner(owner) {}
 
-std::string CListItem::GetTitle() const { return std::string(GetText(m_title)); }
+std::string CListItem::GetTitle() const {
+    const auto* group = dynamic_cast<const Metier_Tarvel::CTrvRejectionGroup*>(&m_owner);
+    return group && !group->name.empty() ? group->name : std::string(GetText(m_title));
+}
 std::string CListItem::GetNote() const {
     const std::size_t count = GetChildCount() - m_first;
     return count == 0 ? std::string() : std::to_string(count);

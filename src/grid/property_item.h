@@ -75,7 +75,17 @@ class CObjectItem final : public CHGItem {
     std::vector<const CObject*> m_hidden;
 };
 
-// A title over the objects of a list.
+// A title over rows.
+class CTitleItem final : public CHGItem {
+  public:
+    explicit CTitleItem(Outils_Texte::EText title) : CHGItem(ERowKind::section), m_title(title) {}
+    std::string GetTitle() const override;
+
+  private:
+    const Outils_Texte::EText m_title;
+};
+
+// A title over the objects of a list; a list with a name of its own is called by that.
 class CListItem final : public CHGItem {
   public:
     // `property` is a list of `owner`.

@@ -80,8 +80,13 @@ QVariant CTrvGridModel::data(const QModelIndex& index, int role) const {
     case Qt::AccessibleDescriptionRole: {
         std::string text = item->GetFault();
         if (text.empty() && !isValue && item->HasFaultBelow()) text = GetText(EText::gridFaultsBelow);
-        if (const std::string help = item->GetHelp(); !help.empty())
-            text += (text.empty() ? "" : "\n") + help;
+        const auto add = [&text](const std::string& line) { text += (text.empty() ? "" : "\n") + line; };
+        // The row may be cut on the screen.
+        if (role == Qt::ToolTipRole) {
+            const std::string value = item->GetValue().empty() ? item->GetNote() : item->GetValue();
+            add(value.empty() ? item->GetTitle() : item->GetTitle() + ": " + value);
+        }
+        if (const std::string help = item->GetHelp(); !help.empty()) add(help);
         return ToQString(text);
     }
     case Qt::AccessibleTextRole: {

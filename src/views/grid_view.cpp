@@ -50,12 +50,6 @@ class CGridDelegate final : public QStyledItemDelegate {
         return editor;
     }
 
-    // Both ends of a path say more than its middle; a title begins with what matters.
-    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-        QStyledItemDelegate::initStyleOption(option, index);
-        option->textElideMode = index.column() == CTrvGridModel::kTitle ? Qt::ElideRight : Qt::ElideMiddle;
-    }
-
     void setEditorData(QWidget* editor, const QModelIndex& index) const override {
         const CHGItem* item = m_model.GetItem(index);
         if (auto* list = qobject_cast<QComboBox*>(editor))
@@ -173,6 +167,7 @@ CTrvGridView::CTrvGridView(CHierarchicalGridControl& grid, IQuestions& questions
     header()->setStretchLastSection(true);
     header()->setSectionsMovable(false);
     connect(m_model, &CTrvGridModel::RowsChanged, this, [this] { HideRows({}); });
+    setTextElideMode(Qt::ElideMiddle); // both ends of a path or a numbered title say more than its middle
     HideRows({});
 }
 
@@ -231,7 +226,8 @@ QString CTrvGridView::GetText(const CHGItem& item) const {
     const auto add = [&](const auto& self, const CHGItem& row, int depth) -> void {
         if (!row.IsVisible()) return;
         text += QString(depth * 2, ' ') + ToQString(row.GetTitle());
-        if (const std::string value = row.GetValue(); !value.empty()) text += '\t' + ToQString(value);
+        const std::string value = row.GetValue().empty() ? row.GetNote() : row.GetValue();
+        if (!value.empty()) text += '\t' + ToQString(value);
         text += '\n';
         for (std::size_t i = 0; const CHGItem* child = row.GetChild(i); ++i) self(self, *child, depth + 1);
     };
@@ -326,8 +322,12 @@ void CTrvGridView::currentChanged(const QModelIndex& current, const QModelIndex&
 void CTrvGridView::HideRows(const QModelIndex& parent) {
     for (int row = 0; row < m_model->rowCount(parent); ++row) {
         const QModelIndex index = m_model->index(row, 0, parent);
-        const bool hidden = !m_model->GetItem(index)->IsVisible();
+        const CHGItem& item = *m_model->GetItem(index);
+        const bool hidden = !item.IsVisible();
         if (hidden != isRowHidden(row, parent)) setRowHidden(row, parent, hidden);
+        // A heading without a value has the whole line.
+        if (item.GetKind() == ERowKind::section)
+            setFirstColumnSpanned(row, parent, item.GetValue().empty() && item.GetNote().empty());
         HideRows(index);
     }
 }

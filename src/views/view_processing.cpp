@@ -23,9 +23,10 @@ namespace {
 
 constexpr EText textProcess = EText::processLabel;
 constexpr EText textStopProcessing = EText::stopProcessingLabel;
-constexpr int kPollPeriod = 500;   // ms
-constexpr int kButtonHeight = 23;  // pixels, unless the font needs more
-constexpr QPoint kMenuPlace{5, 5}; // of a menu that the keyboard asks for
+constexpr QRgb kRowColours[] = {0xFFF5FAFF, 0xFFD2E6FA}; // on a light ground
+constexpr int kPollPeriod = 500;                         // ms
+constexpr int kButtonHeight = 23;                        // pixels, unless the font needs more
+constexpr QPoint kMenuPlace{5, 5};                       // of a menu that the keyboard asks for
 constexpr auto kWidth = Cnf<"viewProcessing/firstColumnWidth">;
 
 } // namespace
@@ -64,6 +65,7 @@ CTrvViewProcessing::CTrvViewProcessing(CTrvDocument& document,
     connect(m_grid, &CTrvGridView::RemoveRequested, this, &CTrvViewProcessing::RemoveSelected);
     m_document.AddView(this);
     UpdateButton(false);
+    PaintRows();
     ShowProject();
 }
 
@@ -76,10 +78,17 @@ CTrvViewProcessing::~CTrvViewProcessing() {
 CHGItem* CTrvViewProcessing::GetSelected() const { return m_grid->GetSelected(); }
 
 void CTrvViewProcessing::SelectNextFault() {
-    if (const CHGItem* item = m_tree.FindNextFault(GetSelected())) {
-        m_grid->Select(*item);
-        m_grid->setFocus();
-    }
+    if (const CHGItem* item = m_tree.FindNextFault(GetSelected())) Show(*item);
+}
+
+void CTrvViewProcessing::SelectFirstFault() {
+    if (const CHGItem* item = m_tree.FindNextFault(nullptr)) Show(*item);
+}
+
+void CTrvViewProcessing::Show(const CHGItem& item) {
+    Q_EMIT ShowRequested();
+    m_grid->Select(item);
+    m_grid->setFocus();
 }
 
 void CTrvViewProcessing::ShowObject(const Outils_Objets::CObject* object) {
@@ -87,11 +96,10 @@ void CTrvViewProcessing::ShowObject(const Outils_Objets::CObject* object) {
     if (!item && m_tree.GetParametersItem() && m_tree.GetParametersItem()->GetObject() == object)
         item = m_tree.GetParametersItem();
     if (!item) return;
-    if (const CHGItem* fault = m_tree.FindNextFault(item->GetParent() ? item : nullptr);
-        fault && item->HasFaultBelow())
-        item = fault;
-    m_grid->Select(*item);
-    m_grid->setFocus();
+    // What is wrong with the object may be a row below it, or of another object.
+    if (item->HasFaultBelow() || item->GetFault().empty())
+        if (const CHGItem* fault = m_tree.FindNextFault(item)) item = fault;
+    Show(*item);
 }
 
 void CTrvViewProcessing::Add(const std::function<void()>& add) {
@@ -100,8 +108,7 @@ void CTrvViewProcessing::Add(const std::function<void()>& add) {
     const CHGItem* item = m_tree.TakeAdded();
     if (!item) return;
     m_grid->SetItemExpanded(*item, true);
-    m_grid->Select(*item);
-    m_grid->setFocus();
+    Show(*item);
 }
 
 void CTrvViewProcessing::Reformat() { m_tree.Reformat(); }
@@ -110,9 +117,7 @@ void CTrvViewProcessing::ToggleProcess() {
     if (m_document.IsSimulationRunning()) {
         m_document.StopSimulation();
     } else {
-        if (!m_document.StartSimulation() && m_tree.GetFaultCount() > 0) {
-            if (const CHGItem* item = m_tree.FindNextFault(nullptr)) m_grid->Select(*item);
-        }
+        if (!m_document.StartSimulation()) SelectFirstFault();
         m_poll.start(kPollPeriod, this);
     }
     UpdateButton(m_document.IsSimulationRunning());
@@ -158,6 +163,20 @@ void CTrvViewProcessing::Expand(const CHGItem& item) {
     m_grid->SetItemExpanded(item, true);
     if (m_tree.IsCollection(item)) return;
     for (std::size_t i = 0; const CHGItem* child = item.GetChild(i); ++i) Expand(*child);
+}
+
+void CTrvViewProcessing::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) PaintRows();
+    QWidget::changeEvent(event);
+}
+
+void CTrvViewProcessing::PaintRows() {
+    QPalette rows;
+    if (palette().color(QPalette::Base).lightness() > 128) {
+        rows.setColor(QPalette::Base, kRowColours[0]);
+        rows.setColor(QPalette::AlternateBase, kRowColours[1]);
+    }
+    m_grid->setPalette(rows);
 }
 
 void CTrvViewProcessing::timerEvent(QTimerEvent* event) {

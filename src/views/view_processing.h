@@ -43,6 +43,7 @@ class CTrvViewProcessing final : public QWidget, public IDocumentView {
     void Add(const std::function<void()>& add);
     // Goes to the next value at fault, round the whole tree; does nothing without one.
     void SelectNextFault();
+    void SelectFirstFault();
     // Goes to the row of the object, or to the value in it that is at fault; does nothing for an object that
     // the tree does not show, as after it was removed.
     void ShowObject(const Outils_Objets::CObject* object);
@@ -59,15 +60,20 @@ class CTrvViewProcessing final : public QWidget, public IDocumentView {
   Q_SIGNALS:
     // Another row is selected, or the number of faults is another.
     void StateChanged();
+    // A row is about to be selected that the user must see.
+    void ShowRequested();
     // The value of this row is chosen in a dialog.
     void DialogRequested(Presentation_Tarvel_Grid::CHGItem* item);
 
   protected:
     void timerEvent(QTimerEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
 
   private:
     void UpdateButton(bool running);
+    void Show(const Presentation_Tarvel_Grid::CHGItem& item);
+    void PaintRows();
     void FollowSensors();
     void ShowProject();
     void Expand(const Presentation_Tarvel_Grid::CHGItem& item);

@@ -2,14 +2,19 @@
 // no two commands have one key.
 #include "app/main_frame.h"
 #include "dialogs/choosers.h"
+#include "dialogs/export_tools.h"
+#include "dialogs/file_updater.h"
+#include "dialogs/import_tools.h"
 #include "dialogs/project_dialogs.h"
 #include "dialogs/relink.h"
 #include "dialogs/rough_misalignment.h"
 #include "dialogs/settings_dialog.h"
+#include "graph/forms.h"
 #include "session.h"
 
 #include <QAccessible>
 #include <QApplication>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QTimer>
 #include <QToolBar>
@@ -102,6 +107,8 @@ TEST_F(Accessibility, OfEveryDialog) {
     ExamineDialog([&] { return dialogs.Show(nullptr, wizard); });
     CNewFromBatchParametersDlg batch(host, configuration, document.GetFileLooks());
     ExamineDialog([&] { return dialogs.Show(nullptr, batch); });
+    CDataFileChooser files(run);
+    ExamineDialog([&] { return dialogs.Show(nullptr, files); });
     CDataFileChannelChooser channel(run, *run.sensors[0]);
     ExamineDialog([&] { return dialogs.Show(nullptr, channel); });
     CRoughMisalignmentChooser rough(0, 14);
@@ -110,6 +117,40 @@ TEST_F(Accessibility, OfEveryDialog) {
     ExamineDialog([&] { return dialogs.Show(nullptr, settings); });
     CRelinkDialog relink(document);
     ExamineDialog([&] { return dialogs.Show(nullptr, relink); });
+    Presentation_Tarvel_Graphics::CDateForm date(m_frame->GetView().GetLoader());
+    ExamineDialog([&] { return dialogs.Show(nullptr, date); });
+}
+
+TEST_F(Accessibility, OfEveryTool) {
+    ASSERT_TRUE(m_frame->OpenProject(MakeProject("mission")));
+    auto& document = m_frame->GetDocument();
+    std::ofstream(m_folder / "any.log") << "$GPZDA,\n";
+    CWindowDialogs dialogs;
+    for (const bool isExpert : {false, true}) {
+        const SToolServices services{m_session->GetHost(), m_application.GetConfiguration(),
+                                     document.GetFileLooks(), m_application.GetAdaptors(), isExpert};
+        for (std::size_t format = 0; format < GetImportFormats().size(); ++format) {
+            CTrvSimpleImporterDlg importer(services, static_cast<ERawFormat>(format), {m_folder / "any.log"});
+            ExamineDialog([&] { return dialogs.Show(nullptr, importer); });
+        }
+        const auto project = GetExportProject(*document.GetProject()->simulationParameters);
+        CTrvSimpleExporterDlg exporter(services, project, {});
+        ExamineDialog([&] { return dialogs.Show(nullptr, exporter); });
+        CTrvFileUpdaterDlg updater(services, {m_folder / "mission.tarin"});
+        ExamineDialog([&] { return dialogs.Show(nullptr, updater); });
+    }
+}
+
+TEST_F(Accessibility, WizardBeginsAtTheChoiceOfARecording) {
+    CFileLooks looks(m_target);
+    CNewProjectWizard wizard(m_session->GetHost(), m_application.GetConfiguration(), looks);
+    QTimer::singleShot(0, [] {
+        auto* dialog = QApplication::activeModalWidget();
+        ASSERT_TRUE(dialog);
+        EXPECT_TRUE(qobject_cast<QPushButton*>(dialog->focusWidget())); // Enter chooses
+        dialog->close();
+    });
+    EXPECT_FALSE(CWindowDialogs().Show(nullptr, wizard));
 }
 
 TEST_F(Accessibility, NoKeyHasTwoCommands) {

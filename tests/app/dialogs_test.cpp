@@ -1,6 +1,7 @@
 #include "app/dialogs.h"
 
 #include "dataaccess/test_recording.h"
+#include "dialogs/rough_misalignment.h"
 #include "foundation/texts.h"
 #include "plot/text.h"
 
@@ -9,6 +10,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSettings>
 #include <QTest>
 #include <QTimer>
 
@@ -71,6 +73,29 @@ TEST(Dialogs, AProjectIsSavedUnderItsExtension) {
     EXPECT_EQ(save("new"), std::vector{folder / "new.tarprj"});
     EXPECT_EQ(save("new.tarprj"), std::vector{folder / "new.tarprj"});
     EXPECT_TRUE(save(nullptr).empty());
+}
+
+TEST(Dialogs, SizesAndFoldersAreKept) {
+    const test::CTemporaryFolder folder;
+    QSettings settings(ToQString(folder / "settings.ini"), QSettings::IniFormat);
+    CWindowDialogs dialogs(&settings);
+    for (const bool again : {false, true}) {
+        OnNext<QFileDialog>([&](QFileDialog& dialog) {
+            const QString last = ToQString(std::filesystem::path(folder / ""));
+            EXPECT_EQ(dialog.directory() == QDir(last), again);
+            dialog.setDirectory(last);
+            dialog.findChild<QLineEdit*>("fileNameEdit")->setText("p");
+            QTest::keyClick(&dialog, Qt::Key_Return);
+        });
+        dialogs.AskPath(nullptr, {EPathKind::save, EText::saveTitle, EText::projectFilter, "tarprj"});
+        OnNext<QDialog>([&](QDialog& dialog) {
+            EXPECT_EQ(dialog.size() == QSize(701, 503), again);
+            dialog.resize(701, 503);
+            dialog.reject();
+        });
+        Dialogue_Tarvel::CRoughMisalignmentChooser rough(0, 14);
+        EXPECT_FALSE(dialogs.Show(nullptr, rough));
+    }
 }
 
 } // namespace

@@ -157,6 +157,13 @@ TEST_F(ProcessingPanel, LeadsToTheFaults) {
     Type(Row(zupt, Rows::kFrom), "0:00:05", Qt::Key_Return);
     Type(Row(zupt, Rows::kTo), "0:00:01", Qt::Key_Return);
     ASSERT_TRUE(Action(commandNextFault).isEnabled());
+    for (const int command : {commandNextFault, commandBatchFile}) {
+        m_frame->ToggleBar(commandProcessingPanel);
+        Action(command).trigger();
+        EXPECT_TRUE(m_frame->IsBarShown(commandProcessingPanel)) << command;
+        m_dialogs.TakeMessages(); // of the refused command file
+    }
+    Grid().Select(*Panel().GetTree().GetParametersItem());
     auto& faults = Child<QToolButton>("faults");
     EXPECT_TRUE(faults.isVisibleTo(m_frame));
     const auto& from = Row(zupt, Rows::kFrom);
@@ -203,7 +210,7 @@ TEST_F(ProcessingPanel, OffersWhatTheUnitHas) {
         int equipment;
         const char* offered; // by the list above
     } rows[] = {
-        {9, "111111111111111"},  {1, "100000000101111"},  {2, "100000000101111"},  {13, "100000110111001"},
+        {9, "111111111111111"},  {1, "100000000101101"},  {2, "100000000101101"},  {13, "100000110111001"},
         {15, "100000110111001"}, {18, "100000110111001"}, {14, "100000011111001"}, {0, "111111111111111"},
     };
     for (const auto& row : rows) {

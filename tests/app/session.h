@@ -43,6 +43,7 @@ class CScriptedDialogs final : public IDialogs {
     // Fill the dialog in and answer it; cancelled when there is none.
     std::function<bool(Dialogue_Tarvel::CNewProjectWizard&)> m_wizard;
     std::function<bool(Dialogue_Tarvel::CNewFromBatchParametersDlg&)> m_batch;
+    std::function<bool(Dialogue_Tarvel::CDataFileChooser&)> m_file;
     std::function<bool(Dialogue_Tarvel::CDataFileChannelChooser&)> m_channel;
     std::function<bool(Dialogue_Tarvel::CRoughMisalignmentChooser&)> m_rough;
     std::function<bool(Dialogue_Tarvel::CTrvSettingsDlg&)> m_settings;
@@ -50,6 +51,7 @@ class CScriptedDialogs final : public IDialogs {
     bool Show(QWidget*, Dialogue_Tarvel::CNewFromBatchParametersDlg& d) override {
         return m_batch && m_batch(d);
     }
+    bool Show(QWidget*, Dialogue_Tarvel::CDataFileChooser& d) override { return m_file && m_file(d); }
     bool Show(QWidget*, Dialogue_Tarvel::CDataFileChannelChooser& d) override {
         return m_channel && m_channel(d);
     }

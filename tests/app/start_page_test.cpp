@@ -3,6 +3,7 @@
 #include "app/rough_picture.h"
 #include "app/start_page.h"
 #include "dialogs/project_dialogs.h"
+#include "dialogs/choosers.h"
 #include "dialogs/relink.h"
 #include "session.h"
 
@@ -101,6 +102,24 @@ TEST_F(StartPage, OffersToFindMissingFiles) {
     }
     EXPECT_TRUE(PumpUntil([&] { return !m_frame->GetDocument().IsAnalysing(); }));
     EXPECT_FALSE(Action(commandRelink).isEnabled());
+    EXPECT_TRUE(m_frame->GetDocument().Save());
+}
+
+TEST_F(StartPage, ADataFileIsTakenFromAnotherPlace) {
+    ASSERT_TRUE(m_frame->OpenProject(MakeProject("mission")));
+    const auto& run = *m_frame->GetDocument().GetProject()->simulationParameters;
+    MakeProject("copy");
+    for (const std::size_t row : {0U, 1U}) { // recording, result
+        const auto place = m_folder / (row == 0 ? "copy.tarin" : "elsewhere.tarout");
+        m_dialogs.m_file = [&](Dialogue_Tarvel::CDataFileChooser& chooser) {
+            chooser.Select(row);
+            return true;
+        };
+        m_dialogs.m_paths = {place};
+        Action(commandMoveFile).trigger();
+        EXPECT_EQ((row == 0 ? run.mainInputFile : run.outputFile)->path, place);
+    }
+    EXPECT_TRUE(PumpUntil([&] { return !m_frame->GetDocument().IsAnalysing(); }));
     EXPECT_TRUE(m_frame->GetDocument().Save());
 }
 

@@ -238,7 +238,8 @@ TEST_F(ProjectDialogs, OffersTheSensorsOfTheRecording) {
     // A file that is none says so, and another choice begins anew.
     CNewProjectWizard wizard(m_host, m_configuration, m_looks);
     wizard.Survey([] {});
-    EXPECT_THAT(wizard.DescribeFindings(), IsEmpty());
+    ASSERT_EQ(wizard.DescribeFindings().size(), 1u);
+    EXPECT_EQ(wizard.DescribeFindings()[0].title, Outils_Texte::GetText(EText::wizardHint));
     for (const char* name : {"raw1.log", "blind.tarin", "old.tarin"}) {
         wizard.ChooseInputFiles(InFolder({name}));
         for (int i = 0; i < 100 && wizard.GetFindings().isBusy; ++i) m_looks.Wait(std::chrono::seconds(1));
@@ -249,6 +250,33 @@ TEST_F(ProjectDialogs, OffersTheSensorsOfTheRecording) {
             EXPECT_EQ(rows[0].title, Outils_Texte::GetText(EText::surveyNone)) << name;
         EXPECT_EQ(rows.size(), name == std::string("blind.tarin") ? 3U : 1U);
     }
+}
+
+TEST_F(ProjectDialogs, OffersNoMoreThanAProjectTakes) {
+    {
+        test::CTestRecording recording(m_folder / "log.tarin");
+        constexpr std::string_view channels[] = {"IMU", "DVL_BT", "DVL_WT"};
+        ASSERT_TRUE(recording.GetWriter().Create(m_folder / "log.tarin", channels));
+        recording.Imu(0, 9);
+        for (const char* channel : {"DVL_BT", "DVL_WT"})
+            EXPECT_TRUE(recording.GetWriter().Write(channel, Persistance_Xpf::CXpfTarinDvlPacketV1()));
+        recording.Flush();
+    }
+    CNewProjectWizard wizard(m_host, m_configuration, m_looks);
+    wizard.ChooseInputFiles(InFolder({"log.tarin"}));
+    wizard.Survey([] {});
+    for (int i = 0; i < 100 && wizard.GetFindings().isBusy; ++i) m_looks.Wait(std::chrono::seconds(1));
+    const auto taken = [&wizard] {
+        std::vector<std::string> names;
+        for (const auto& offer : wizard.GetFindings().offers)
+            if (offer.isTaken) names.push_back(offer.channel.name);
+        return names;
+    };
+    EXPECT_THAT(taken(), ElementsAre("DVL_BT"));
+    wizard.Take(1, true);
+    EXPECT_THAT(taken(), ElementsAre("DVL_WT"));
+    wizard.Take(1, false);
+    EXPECT_THAT(taken(), IsEmpty());
 }
 
 TEST_F(ProjectDialogs, FindsMissingFilesBesideTheFirst) {

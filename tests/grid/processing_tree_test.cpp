@@ -5,6 +5,7 @@
 #include "values/adaptors.h"
 
 #include <functional>
+#include <set>
 
 using namespace test;
 using namespace Presentation_Tarvel_Grid;
@@ -70,6 +71,34 @@ class ProcessingTree : public CEditTest {
         return found;
     }
 
+    static const char* GetDecimalSeparator(std::size_t round) { return round % 3 == 0 ? "," : "."; }
+    // Gives every quantity and every notation the next of its units and words; all have come after 8 rounds.
+    void ShowIn(std::size_t round) {
+        using namespace Outils_Configuration;
+        // In the order of the quantities.
+        constexpr std::string_view kQuantities[] = {
+            "rate",         "altitude",    "misalignment", "leverArm",           "scaleFactor",
+            "currentSpeed", "currentTime", "linearSpeed",  "linearAcceleration", "angularSpeed",
+            "distance",     "attitude",    "crossvariance"};
+        for (std::size_t row = 0; row < std::size(kSchema); ++row) {
+            const SSchemaRow& key = kSchema[row];
+            if (!key.section.starts_with("adaptors/")) continue;
+            auto& value = m_configuration.GetValue(SKey{row});
+            if (const auto words = WordsOf(key.kind); !words.empty())
+                value.SetString(std::string(words[round % words.size()]));
+            else if (key.kind == EKind::boolean)
+                value.SetBool(round % 2 == 1);
+            const auto quantity = std::ranges::find(kQuantities, key.section.substr(9)) - kQuantities;
+            if (key.key != "unit" || quantity == std::ssize(kQuantities)) continue;
+            const auto& units = m_adaptors.Get(static_cast<Outils_Valeurs::EQuantity>(quantity)).GetUnits();
+            value.SetString(
+                std::next(units.begin(), static_cast<std::ptrdiff_t>(round % units.size()))->first);
+        }
+        m_configuration.Set(Cnf<"adaptors/decimalSeparator">, GetDecimalSeparator(round)[0]);
+        m_adaptors.Configure(m_configuration);
+        m_tree.Reformat();
+    }
+
     Outils_Valeurs::CTrvAdaptors m_adaptors;
     CProcessingTree m_tree{m_document, m_adaptors};
     CTreeView m_treeView{m_tree};
@@ -77,29 +106,26 @@ class ProcessingTree : public CEditTest {
 
 } // namespace
 
+// In every unit and every notation, after values that no precision shows whole.
 TEST_F(ProcessingTree, ReadsEveryShownTextBack) {
-    for (const bool other : {false, true}) {
-        if (other) {
-            m_configuration.Set(Cnf<"adaptors/leverArm/unit">, "ft");
-            m_configuration.Set(Cnf<"adaptors/misalignment/unit">, "rad");
-            m_configuration.Set(Cnf<"adaptors/linearSpeed/unit">, "kt");
-            m_configuration.Set(Cnf<"adaptors/decimalSeparator">, u',');
-            m_configuration.Set(Cnf<"adaptors/simulationTime/mode">,
-                                Outils_Configuration::ESimulationTimeMode::utcTime);
-            m_adaptors.Configure(m_configuration);
-            m_tree.Reformat();
-        }
+    for (std::size_t round = 0; round < 8; ++round) {
+        ShowIn(round);
+        ForEach(m_tree.GetGrid().GetRoot(), [round](CHGItem& item) {
+            if (item.IsEditable() && item.GetKind() == ERowKind::edit)
+                item.Write(std::to_string(round) + GetDecimalSeparator(round) + "123456789");
+        });
         const auto before = Bytes();
         ASSERT_TRUE(m_document.Save());
         int rows = 0;
-        ForEach(m_tree.GetGrid().GetRoot(), [&rows](CHGItem& item) {
+        ForEach(m_tree.GetGrid().GetRoot(), [&](CHGItem& item) {
             if (!item.IsEditable() || item.GetKind() == ERowKind::dialog) return;
             ++rows;
-            EXPECT_EQ(item.Write(item.GetValue()), "") << item.GetTitle() << ' ' << item.GetValue();
+            EXPECT_EQ(item.Write(item.GetValue()), "")
+                << round << ": " << item.GetTitle() << ' ' << item.GetValue();
         });
         EXPECT_GT(rows, 80);
-        EXPECT_EQ(Bytes(), before);
-        EXPECT_FALSE(m_document.IsModified());
+        EXPECT_EQ(Bytes(), before) << round;
+        EXPECT_FALSE(m_document.IsModified()) << round;
     }
 }
 
@@ -200,6 +226,59 @@ TEST_F(ProcessingTree, WalksTheFaults) {
     EXPECT_EQ(FindRow(zupt, EText::fromLabel)->GetFault(), "");
     EXPECT_EQ(FindRow(Parameters(), EText::begin)->Write("2:00:00"), "");
     EXPECT_NE(FindRow(Parameters(), EText::begin)->GetFault(), "");
+}
+
+TEST_F(ProcessingTree, BlamesTheValueOfTheUnit) {
+    MendPeriods();
+    Parameters().nelixConfiguration->roughMisalignment = 99;
+    m_treeView.OnUpdate(hintSensorChanged, &Get<CTrvSensorGps>());
+    EXPECT_EQ(m_tree.FindNextFault(nullptr),
+              FindRow(*Parameters().nelixConfiguration, EText::roughMisalignment));
+    EXPECT_EQ(m_tree.GetParametersItem()->GetFault(), "");
+}
+
+TEST_F(ProcessingTree, GroupsLieDirectlyUnderTheirSensor) {
+    for (const CTrvSensor* sensor :
+         {static_cast<CTrvSensor*>(&Get<CTrvSensorDvl>()), static_cast<CTrvSensor*>(&Get<CTrvSensorGps>())}) {
+        std::set<std::string> titles;
+        for (const auto& group : sensor->rejectionGroups) {
+            const CHGItem* row = m_tree.Find(group->instructions[0].get())->GetParent();
+            EXPECT_EQ(row->GetParent(), m_tree.Find(sensor));
+            EXPECT_EQ(m_tree.FindGroup(row), group.get());
+            titles.insert(row->GetTitle());
+        }
+        EXPECT_EQ(titles.size(), sensor->rejectionGroups.size());
+        EXPECT_FALSE(titles.contains(""));
+    }
+}
+
+TEST_F(ProcessingTree, OnlyExternalFilesAreOffset) {
+    const CTrvDataFile* external = AddFile("external.tarin");
+    ASSERT_TRUE(external);
+    for (const CTrvDataFile* file :
+         {const_cast<const CTrvDataFile*>(Parameters().mainInputFile.get()),
+          const_cast<const CTrvDataFile*>(Parameters().outputFile.get()), external})
+        EXPECT_EQ(FindRow(*file, EText::timeOffset)->IsVisible(), file == external);
+}
+
+TEST_F(ProcessingTree, ExpertsSeeStandardDeviations) {
+    ASSERT_TRUE(m_document.Save());
+    Outils::CMessageQueue queue;
+    CTrvDocument document(m_host, queue, m_configuration, true);
+    ASSERT_TRUE(document.OpenDocument(m_folder / "p.tarprj"));
+    CProcessingTree tree(document, m_adaptors);
+    tree.Rebuild();
+    int sections = 0;
+    ForEach(tree.GetGrid().GetRoot(), [&sections](CHGItem& item) {
+        if (item.GetTitle() == GetText(EText::stdDevDefaultTitle)) ++sections;
+        const bool isWritten = item.IsEditable() && item.GetKind() != ERowKind::dialog;
+        EXPECT_EQ(isWritten ? item.Write(item.GetValue()) : "", "") << item.GetTitle();
+        const bool isLeast = item.GetTitle() == GetText(EText::minimumValue);
+        const CHGItem& first = isLeast ? *item.GetParent()->GetChild(0) : item;
+        EXPECT_TRUE(!isLeast || first.GetTitle() == GetText(EText::stdDevDefaultTitle));
+    });
+    EXPECT_EQ(sections, 8); // the Doppler log has two
+    EXPECT_FALSE(document.IsModified());
 }
 
 TEST_F(ProcessingTree, SharesTheListOfAKind) {

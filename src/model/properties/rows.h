@@ -253,8 +253,14 @@ inline std::string PathText(const SPropertyContext&, const CTrvDataFile& file) {
 inline constexpr SProperty kPath = Shown<CTrvDataFile, PathText>(EText::path, EText::helpPath);
 inline constexpr SProperty kChannels =
     OwnedInLine<&CTrvDataFile::channels>(EText::channel, EText::helpChannels);
+// The recording and the result have the clock of the project.
+inline bool IsOnItsOwnClock(const CObject& object) {
+    const auto& file = static_cast<const CTrvDataFile&>(object);
+    return !file.owner || (file.owner->mainInputFile.get() != &file && file.owner->outputFile.get() != &file);
+}
 inline constexpr SProperty kFileTimeOffset =
-    Value<&CTrvDataFile::timeOffset>(EText::timeOffset, EText::helpFileTimeOffset, kOffset);
+    Value<&CTrvDataFile::timeOffset>(EText::timeOffset, EText::helpFileTimeOffset, kOffset)
+        .VisibleIf(IsOnItsOwnClock);
 // "5 GPS_1 Gps": the last word is the kind of sensor that may use the channel.
 inline std::string ChannelText(const SPropertyContext&, const CTrvDataFileChannel& channel) {
     const SSensorKind* kind = FindSensorKind(channel.sensorClass);
