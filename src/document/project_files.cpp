@@ -1,6 +1,7 @@
 #include "document/project_files.h"
 
 #include "config/config_file.h"
+#include "dataaccess/file_indexes.h"
 #include "document/document_host.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"

@@ -3,7 +3,6 @@
 #pragma once
 
 #include "dataaccess/data_file_monitor.h"
-#include "dataaccess/file_indexes.h"
 #include "dataaccess/view_queries.h"
 #include "document/file_analyses.h"
 #include "document/file_look.h"
@@ -19,6 +18,7 @@
 
 namespace Application_Tarvel {
 
+class CFileIndexes;
 class IDocumentHost;
 using Metier_Tarvel::CTrvProject;
 
