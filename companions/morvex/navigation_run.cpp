@@ -23,7 +23,9 @@ using Outils_Texte::FormatFixed;
 constexpr double kGapWithoutResult = 1.0;
 constexpr double kReadAhead = 30.0; // s, between two looks at the alignment
 constexpr double kLeastArm = 1.0;   // m: a difference that is worth a warning
-constexpr double kLeastLag = 0.02;  // s
+// A vehicle that has hardly turned tells an arm badly, and a deviation of metres is too small then.
+constexpr double kArmDoubt = 0.6;  // m
+constexpr double kLeastLag = 0.02; // s
 constexpr std::size_t kUtcPackets = 101;
 constexpr double kEstimateSpan = 0.9999; // s, between two packets of estimates
 constexpr double kStateSpan = 9.9999;    // s, of internal states: a covariance is long
@@ -215,7 +217,8 @@ void CNavigationRun::UseMounting(const SMounting& mounting) {
     Vector3d arm = Vector3d::Zero();
     double deviation = 0.0;
     for (Eigen::Index i = 0; i < 3; ++i)
-        if (IsCertain(mounting.arm[i], mounting.armDeviation[i], kLeastArm)) {
+        if (mounting.armDeviation[i] < kArmDoubt &&
+            IsCertain(mounting.arm[i], mounting.armDeviation[i], kLeastArm)) {
             arm[i] = mounting.arm[i];
             deviation = std::max(deviation, mounting.armDeviation[i]);
         }
