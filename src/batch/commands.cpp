@@ -26,8 +26,10 @@ constexpr SSwitchRow kFromParametersOptions[] = {{"--file", ESwitchValue::list, 
 constexpr SSwitchRow kDictionaryOptions[] = {{"--expert", ESwitchValue::none, "", EText::expertHelp}, kJson};
 constexpr SSwitchRow kPacketsOptions[] = {
     kFrom, kTo, {"--limit", ESwitchValue::text, "N", EText::limitHelp}, kJson};
+constexpr SSwitchRow kNoIndex{"--no-index", ESwitchValue::none, "", EText::noIndexHelp};
+constexpr SSwitchRow kAtOptions[] = {kNoIndex, kJson};
 constexpr SSwitchRow kReduceOptions[] = {
-    kFrom, kTo, {"--slices", ESwitchValue::text, "N", EText::slicesHelp}, kJson};
+    kFrom, kTo, {"--slices", ESwitchValue::text, "N", EText::slicesHelp}, kNoIndex, kJson};
 constexpr SSwitchRow kCompareOptions[] = {
     {"--fields", ESwitchValue::text, "NAME,...", EText::fieldsHelp}, kFrom, kTo, kJson};
 constexpr SSwitchRow kPictureOptions[] = {{"--size", ESwitchValue::text, "WxH", EText::sizeHelp}};
@@ -43,10 +45,11 @@ const SCommand kCommands[] = {
      CreateFromParametersCommand},
     {"dictionary", "PROJECT", EText::dictionarySummary, kDictionaryOptions, DictionaryCommand},
     {"analyse", "FILE", EText::analyseSummary, kReportOptions, AnalyseCommand},
+    {"index", "FILE", EText::indexSummary, kReportOptions, IndexCommand},
     {"detect", "FILE", EText::detectSummary, kReportOptions, DetectCommand},
     {"channels", "FILE", EText::channelsSummary, kReportOptions, ChannelsCommand},
     {"packets", "FILE CHANNEL", EText::packetsSummary, kPacketsOptions, PacketsCommand},
-    {"at", "FILE CHANNEL S", EText::atSummary, kReportOptions, AtCommand},
+    {"at", "FILE CHANNEL S", EText::atSummary, kAtOptions, AtCommand},
     {"reduce", "FILE CHANNEL", EText::reduceSummary, kReduceOptions, ReduceCommand},
     {"compare", "RESULT TRUTH", EText::compareSummary, kCompareOptions, CompareCommand},
     {"import", "KIND|auto SOURCE... TARGET", EText::importSummary, GetImportOptions(), ImportCommand},

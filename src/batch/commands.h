@@ -47,6 +47,8 @@ int DescribeCommand(const COptions& options, SStreams streams);
 int DictionaryCommand(const COptions& options, SStreams streams);
 int AnalyseCommand(const COptions& options, SStreams streams);
 int DetectCommand(const COptions& options, SStreams streams);
+// index_command.cpp:
+int IndexCommand(const COptions& options, SStreams streams);
 // packet_commands.cpp:
 int ChannelsCommand(const COptions& options, SStreams streams);
 int PacketsCommand(const COptions& options, SStreams streams);

@@ -2,9 +2,11 @@
 #include "batch/commands.h"
 #include "batch/file_access.h"
 #include "batch/packet_columns.h"
+#include "batch/session.h"
 #include "batch/table.h"
 #include "dataaccess/file_scan.h"
 #include "dataaccess/view_queries.h"
+#include "document/index_settings.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 
@@ -27,6 +29,21 @@ bool Ask(CTrvDataQuery& query, const std::string& path, SStreams streams) {
          streams);
     return false;
 }
+
+// The channel for a query, with what is kept of an index of the file unless the user wants none.
+class CAddress {
+  public:
+    CAddress(const COptions& options, const SOpenChannel& open) : m_indexes(ReadIndexSettings(CSettings())) {
+        const auto path = Outils_Fichiers::FromText(options.GetArguments()[0]);
+        address = {path, open.kind, open.channel->GetNumber(), &m_cache, &m_indexes};
+        if (!options.Has("--no-index")) m_indexes.FindKept(path, open.kind);
+    }
+    SChannelAddress address;
+
+  private:
+    CXpfFileCache m_cache;
+    CFileIndexes m_indexes;
+};
 
 // Date of the packet at the channel's position; invalid when it cannot be read or has none.
 CDateTimeSpan ReadDate(CXpfChannel& channel) {
@@ -138,10 +155,8 @@ int AtCommand(const COptions& options, SStreams streams) {
     const CDateTimeSpan time = ParseSeconds(arguments[2]);
     const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
     if (!open.packet) return exitFailure;
-    CXpfFileCache cache;
-    CTrvViewValueDataQuery query(
-        {Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber(), &cache}, time,
-        nullptr);
+    const CAddress channel(options, open);
+    CTrvViewValueDataQuery query(channel.address, time, nullptr);
     if (!Ask(query, arguments[0], streams)) return exitFailure;
     const auto packet = query.TakePacket();
     if (!packet) return FailOutside(arguments[0], EText::timeOutside, open, streams);
@@ -162,10 +177,8 @@ int ReduceCommand(const COptions& options, SStreams streams) {
     const auto& arguments = options.GetArguments();
     const SOpenChannel open = OpenChannel(arguments[0], arguments[1], streams);
     if (!open.packet) return exitFailure;
-    CXpfFileCache cache;
-    CTrvView1DDataQuery query(
-        {Outils_Fichiers::FromText(arguments[0]), open.kind, open.channel->GetNumber(), &cache},
-        {*from, *to, slice, true}, nullptr);
+    const CAddress channel(options, open);
+    CTrvView1DDataQuery query(channel.address, {*from, *to, slice, true}, nullptr);
     if (!Ask(query, arguments[0], streams)) return exitFailure;
     const SReducedSeries series = query.TakeSeries();
     const CPacketColumns columns(open.channel->GetPacketType(), open.utcOrigin);

@@ -1,5 +1,6 @@
 #include "dataaccess/data_file_analyzer.h"
 
+#include "dataaccess/index_scan.h"
 #include "foundation/bytes.h"
 #include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
@@ -23,6 +24,17 @@ constexpr std::uint32_t kUtcPacketSize = kUtcLayout.payloadSize + kPacketOverhea
 constexpr std::uint32_t kMostDecoded = std::max(kGpsLayout.payloadSize, kUtcLayout.payloadSize); // bytes
 
 } // namespace
+
+CTrvDataFileAnalyzerThread::CTrvDataFileAnalyzerThread(std::filesystem::path path, Outils::CMessagePort& port,
+                                                       OnChannel onChannel, OnDamage onDamage,
+                                                       std::shared_ptr<CFileIndexes> indexes)
+    : m_path(std::move(path)),
+      m_port(port),
+      m_onChannel(std::move(onChannel)),
+      m_onDamage(std::move(onDamage)),
+      m_indexes(std::move(indexes)) {}
+
+CTrvDataFileAnalyzerThread::~CTrvDataFileAnalyzerThread() { Kill(); }
 
 bool CTrvDataFileAnalyzerThread::Start() {
     {
@@ -63,31 +75,73 @@ void CTrvDataFileAnalyzerThread::RequestStop() {
 void CTrvDataFileAnalyzerThread::Scan() {
     const auto file = OpenDataFile(m_path);
     if (!file) return;
-    const CXpfFilePosition start = m_resume.IsKnown() ? m_resume : file->GetDataStart();
-    if (!start.IsKnown() || !file->Seek(start.Get())) return;
+    if (m_indexes && !m_index) m_index = std::make_unique<CIndexScan>(m_path, GetKind(), m_indexes);
+    if (m_index) m_index->Begin(*file);
+    if (m_index && m_index->GetIndex() && !m_resume.IsKnown()) TakeKnown(*file, *m_index->GetIndex());
+    if (!m_resume.IsKnown()) m_resume = file->GetDataStart();
     m_passed.reset(); // the file may have been written again
-    CStreamWalk walk(*file);
+    if (m_resume.IsKnown()) ScanStream(*file);
+    if (!m_index) return;
+    m_index->GoOn(*file, m_stop);
+    m_index->End();
+}
+
+// From where the last scan or the index has ended, whichever comes first.
+void CTrvDataFileAnalyzerThread::ScanStream(CXpfFile& file) {
+    const auto frontier = m_index ? m_index->GetFrontier() : std::nullopt;
+    if (!file.Seek(std::min(m_resume.Get(), frontier.value_or(m_resume.Get())))) return;
+    CStreamWalk walk(file);
     CStreamWalk::Run run;
     while (!m_stop.IsSet()) {
-        const std::int64_t position = file->GetPosition();
-        if (walk.NextRun(run) != EPacketRead::whole) return EndScan(*file);
-        if (!ProcessRun(*file, position, run)) return;
+        const std::int64_t position = file.GetPosition();
+        if (walk.NextRun(run) != EPacketRead::whole) return EndScan(file);
+        if (m_index) m_index->Take(position, run);
+        if (!ProcessRun(file, position, run)) return;
     }
+}
+
+// What a kept index knows of the channels is not read again: a scan would come to its end, or to the first
+// damage.
+void CTrvDataFileAnalyzerThread::TakeKnown(CXpfFile& file, const CFileIndex& index) {
+    for (const auto& [number, channel] : index.GetChannels())
+        if (Watches(number) && !channel.IsOrderly()) return;
+    const auto gaps = index.GetGaps();
+    const std::int64_t end = gaps.empty() ? index.GetCovered() : gaps.front().position;
+    std::vector<std::int64_t> places;
+    for (const auto& [channel, place] : index.GetFirstPlaces())
+        if (place < end) places.push_back(place);
+    std::ranges::sort(places);
+    for (const std::int64_t place : places) {
+        m_resume = place;
+        if (!ProcessAt(file, place)) return;
+    }
+    if (!places.empty()) m_resume = end;
+}
+
+bool CTrvDataFileAnalyzerThread::ProcessAt(CXpfFile& file, std::int64_t position) {
+    SPacketHeader header;
+    std::uint8_t payload[kMostDecoded];
+    if (!file.Seek(position) || file.Read(&header, sizeof header) != sizeof header || !header.Check())
+        return false;
+    const std::size_t size = std::min<std::size_t>(header.GetPayloadSize(), sizeof payload);
+    return file.Read(payload, size) == size && ProcessPacket(file, header, {payload, size});
 }
 
 // The packets of a run follow each other in the file, the first one at `position`.
 bool CTrvDataFileAnalyzerThread::ProcessRun(CXpfFile& file, std::int64_t position,
                                             std::span<const std::uint8_t* const> packets) {
     for (const std::uint8_t* packet : packets) {
+        const std::int64_t place = position + (packet - packets.front());
+        const auto channel = static_cast<std::uint16_t>(LoadWord(packet) >> 16);
+        if (m_passed.test(channel) || place < m_resume.Get()) continue;
         SPacketHeader header;
         std::memcpy(&header, packet, sizeof header);
-        if (m_passed.test(header.channel)) continue;
         if (!ProcessPacket(file, header, CStreamWalk::GetPayload(packet))) {
-            m_resume = position + (packet - packets.front());
+            m_resume = place;
             return false;
         }
     }
-    m_resume = file.GetPosition();
+    m_resume = std::max(m_resume, CXpfFilePosition(file.GetPosition()));
     return true;
 }
 

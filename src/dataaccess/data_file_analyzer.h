@@ -12,12 +12,17 @@
 #include <condition_variable>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <mutex>
 #include <span>
 
 namespace Application_Tarvel {
 
 using Outils_Temps::CDateTime;
+
+class CFileIndex;
+class CFileIndexes;
+class CIndexScan;
 
 // Walks the whole packet stream of one file once and remembers how far it came: started again over a file
 // that has grown, it goes on from there and reports only channels not yet seen. Start, Stop and the rest on
@@ -30,14 +35,11 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
     // tail is no damage: the writer is at work, or was killed.
     using OnDamage = std::function<void(std::int64_t position)>;
 
-    // `port` must outlive the thread. `onDamage` may be empty.
+    // `port` must outlive the thread. `onDamage` may be empty. With `indexes` the scan also makes the index
+    // of the file, beyond damage as well.
     CTrvDataFileAnalyzerThread(std::filesystem::path path, Outils::CMessagePort& port, OnChannel onChannel,
-                               OnDamage onDamage = {})
-        : m_path(std::move(path)),
-          m_port(port),
-          m_onChannel(std::move(onChannel)),
-          m_onDamage(std::move(onDamage)) {}
-    ~CTrvDataFileAnalyzerThread() override { Kill(); }
+                               OnDamage onDamage = {}, std::shared_ptr<CFileIndexes> indexes = nullptr);
+    ~CTrvDataFileAnalyzerThread() override;
 
     // True when a scan begins. While one is on, another follows it on the same thread, so that no growth is
     // missed; also while a stopped scan has not ended yet.
@@ -56,6 +58,7 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
 
     // The opened file, or null to end the run.
     virtual std::unique_ptr<Persistance_Xpf::CXpfFile> OpenDataFile(const std::filesystem::path& path);
+    virtual Persistance_Xpf::EFileKind GetKind() const { return Persistance_Xpf::EFileKind::tarout; }
     // Whether every packet of this channel is to be processed, not only its first.
     virtual bool Watches(std::uint16_t) const { return false; }
     // False ends the scan. The payload is whole, or its first bytes as far as any decoded packet reaches.
@@ -64,6 +67,9 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
 
   private:
     void Scan();
+    void ScanStream(Persistance_Xpf::CXpfFile& file);
+    void TakeKnown(Persistance_Xpf::CXpfFile& file, const CFileIndex& index);
+    bool ProcessAt(Persistance_Xpf::CXpfFile& file, std::int64_t position);
     bool ProcessRun(Persistance_Xpf::CXpfFile& file, std::int64_t position,
                     std::span<const std::uint8_t* const> packets);
     void EndScan(Persistance_Xpf::CXpfFile& file);
@@ -78,6 +84,8 @@ class CTrvDataFileAnalyzerThread : public Outils::CThread {
     std::bitset<65536> m_reported;
     std::bitset<65536> m_passed; // channels of which this scan needs no more
     Persistance_Xpf::CXpfFilePosition m_resume;
+    const std::shared_ptr<CFileIndexes> m_indexes; // null for an analysis that makes no index
+    std::unique_ptr<CIndexScan> m_index;           // since the first scan; the same
 
     std::mutex m_startMutex; // guards what follows
     bool m_scanning = false;
@@ -104,6 +112,7 @@ class CTrvTarinDataFileAnalyzerThread : public CTrvDataFileAnalyzerThread {
   protected:
     void Run() override;
     std::unique_ptr<Persistance_Xpf::CXpfFile> OpenDataFile(const std::filesystem::path& path) override;
+    Persistance_Xpf::EFileKind GetKind() const override { return Persistance_Xpf::EFileKind::tarin; }
     bool Watches(std::uint16_t channel) const override;
     bool ProcessPacket(Persistance_Xpf::CXpfFile& file, const Persistance_Xpf::SPacketHeader& header,
                        std::span<const std::uint8_t> payload) override;

@@ -1,5 +1,6 @@
 #include "dataaccess/date_search.h"
 
+#include "dataaccess/file_index.h"
 #include "xpf/file.h"
 
 namespace Application_Tarvel {
@@ -39,6 +40,36 @@ bool NarrowByCache(const CXpfChannel& channel, CDateTimeSpan date, const SDateSe
     return true;
 }
 
+// Draws the bracket closer to the packets of one block, and shows the channel where they are. Only where the
+// search by bisection would end at the same packets: in a file without damage that the index knows to the
+// end, with dates and numbers that follow each other, and with one packet of this date at most.
+void NarrowByIndex(CXpfChannel& channel, CDateTimeSpan date, const CFileIndex& index, SDateBracket& bracket) {
+    const CChannelIndex* records = index.GetChannel(channel.GetNumber());
+    if (!records || !records->IsOrderly() || index.HasGaps() || channel.GetLast().Get() >= index.GetCovered())
+        return;
+    CIndexCursor cursor(*records);
+    const auto block = cursor.FindDate(date.GetTicks());
+    const auto head = block ? cursor.GetHead(0, *block) : std::nullopt;
+    if (!head || !head->Has(indexDistinct)) return;
+    CXpfChannel::SPlace lower{head->firstNumber, head->position}, upper;
+    if (*block + 1 < cursor.GetCount(0)) {
+        const auto next = cursor.GetHead(0, *block + 1);
+        if (!next || !next->Has(indexDistinct)) return;
+        upper = {next->firstNumber, next->position};
+        if (next->firstNumber < bracket.upperNumber) {
+            bracket.upperDate = CDateTimeSpan(next->minimumDate);
+            bracket.upperNumber = next->firstNumber;
+        }
+    } else if (date.GetTicks() >= head->maximumDate) {
+        return; // the packets after the last block are not known well enough
+    }
+    if (head->firstNumber > bracket.lowerNumber) {
+        bracket.lowerDate = CDateTimeSpan(head->minimumDate);
+        bracket.lowerNumber = head->firstNumber;
+    }
+    channel.ExpectBetween(lower, upper);
+}
+
 } // namespace
 
 EDateSearch SearchDate(CXpfChannel& channel, CXpfDatedPacket& packet, CDateTimeSpan date,
@@ -52,6 +83,7 @@ EDateSearch SearchDate(CXpfChannel& channel, CXpfDatedPacket& packet, CDateTimeS
     if (date < bracket.lowerDate || date > bracket.upperDate) return EDateSearch::outside;
     if (date == bracket.lowerDate || date == bracket.upperDate) return EDateSearch::found;
     if (search.cache && !NarrowByCache(channel, date, search, bracket)) return EDateSearch::found;
+    if (search.index) NarrowByIndex(channel, date, *search.index, bracket);
 
     // Every turn brings the two numbers closer, so damaged numbers end the search instead of prolonging it.
     while (bracket.upperNumber > bracket.lowerNumber && bracket.upperNumber - bracket.lowerNumber > 1) {

@@ -13,6 +13,8 @@
 
 namespace Application_Tarvel {
 
+class CFileIndex;
+
 enum class EDateSearch {
     found,
     outside, // the date lies before the first or after the last packet
@@ -34,6 +36,7 @@ struct SDateSearch {
     CXpfFileCache* cache = nullptr;    // may be null
     bool feedsCache = false;           // every date read becomes a sample
     const Outils::CEvent& cancel;      // polled once per packet read
+    const CFileIndex* index = nullptr; // of the channel's file, which it fits; may be null
 };
 
 // Narrows the bracket around `date` until its two packets are neighbours or one of them has exactly this

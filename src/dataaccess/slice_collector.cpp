@@ -81,9 +81,51 @@ std::size_t CSliceCollector::AddToSlice(std::span<const std::uint8_t* const> pay
         if (date >= windowEnd) break;
     }
     m_distance = nearest;
+    if (candidate != m_candidate) m_candidatePlace = 0;
     m_candidate = candidate;
     if (m_collects) m_extremes.Include(payloads.first(count));
     return count;
+}
+
+// On one side of the centre the packet at the end of the block is the nearest; around it any may be.
+CSliceCollector::SDistance CSliceCollector::FindDistance(const SBlock& block) const {
+    if (block.maximumDate <= m_centre) return {Distance(block.maximumDate, m_centre), true};
+    return {block.minimumDate >= m_centre ? Distance(block.minimumDate, m_centre) : 0, false};
+}
+
+CSliceCollector::EFit CSliceCollector::FindFit(const SBlock& block) const {
+    if (!m_representative || block.minimumDate < m_sliceStart || block.maximumDate >= m_sliceEnd ||
+        block.maximumDate >= m_window.end.GetTicks())
+        return EFit::outside;
+    if (FindDistance(block).least >= m_distance) return EFit::inside;
+    if (!block.isDistinct) return EFit::outside;
+    return block.minimumDate < m_centre && block.maximumDate > m_centre ? EFit::around : EFit::inside;
+}
+
+void CSliceCollector::AddBlock(const SBlock& block) {
+    const SDistance distance = FindDistance(block);
+    if (distance.least < m_distance) {
+        m_distance = distance.least;
+        m_candidatePlace = distance.isLast ? block.last : block.first;
+        m_candidate = nullptr;
+    }
+    AddExtremes(block);
+}
+
+void CSliceCollector::AddBlock(const SBlock& block, std::int64_t date, const std::uint8_t* payload) {
+    if (const std::uint64_t distance = Distance(date, m_centre); distance < m_distance) {
+        m_distance = distance;
+        m_candidatePlace = 0;
+        m_candidate = nullptr;
+        std::memcpy(m_representative->GetPayload(), payload, m_size);
+    }
+    AddExtremes(block);
+}
+
+void CSliceCollector::AddExtremes(const SBlock& block) {
+    if (!m_collects) return;
+    const std::uint8_t* images[] = {block.minimum, block.maximum};
+    m_extremes.Include(images);
 }
 
 void CSliceCollector::Settle() {
@@ -94,6 +136,8 @@ void CSliceCollector::Settle() {
 void CSliceCollector::Flush() {
     if (!m_representative) return;
     Settle();
+    if (m_candidatePlace != 0) m_reader(m_candidatePlace, m_representative->GetPayload());
+    m_candidatePlace = 0;
     m_series.representatives.push_back(std::move(m_representative));
     if (!m_collects) return;
     m_extremes.Finish(m_minimum->GetPayload(), m_maximum->GetPayload());

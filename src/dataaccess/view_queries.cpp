@@ -1,5 +1,7 @@
 #include "dataaccess/view_queries.h"
 
+#include "dataaccess/file_indexes.h"
+#include "dataaccess/index_reduction.h"
 #include "dataaccess/slice_collector.h"
 #include "xpf/channel_walk.h"
 
@@ -23,6 +25,8 @@ EQueryEnd CTrvDataQuery::SearchIn(CXpfFile& file) {
     if (!channel) return EQueryEnd::failed;
     auto packet = channel->CreatePacket();
     if (!packet || !packet->HasDate()) return EQueryEnd::failed;
+    m_index = m_address.indexes ? m_address.indexes->Find(m_address.path) : nullptr;
+    if (m_index && !m_index->Fits(file, m_address.path)) m_index = nullptr;
 
     m_error = EError::damaged; // also when the memory does not hold the result
     const EQueryEnd end =
@@ -92,11 +96,24 @@ EQueryEnd CTrvView1DDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpf
     }
     if (empty) return EQueryEnd::done;
 
+    const CXpfFilePosition start = channel.GetCurrent();
+    const std::uint32_t size = packet->GetPayloadSize();
+    const CChannelIndex* index = GetIndex() ? GetIndex()->GetChannel(channel.GetNumber()) : nullptr;
+    if (const auto end = Reduce(channel, size, index)) return *end;
+    CChannelWalk(channel, size).MoveTo(start.Get());
+    return *Reduce(channel, size, nullptr);
+}
+
+std::optional<EQueryEnd> CTrvView1DDataQuery::Reduce(CXpfChannel& channel, std::uint32_t payloadSize,
+                                                     const CChannelIndex* index) {
     SReducedSeries series;
-    CSliceCollector collector(m_window, channel, packet->GetPayloadSize(), series);
-    CChannelWalk walk(channel, packet->GetPayloadSize());
+    CSliceCollector collector(m_window, channel, payloadSize, series);
+    CChannelWalk walk(channel, payloadSize);
+    std::optional<CIndexReduction> blocks;
+    if (index) blocks.emplace(*GetIndex(), *index, walk, collector, m_cancel);
     auto nextPart = std::chrono::steady_clock::now() + m_partInterval;
     for (;;) {
+        if (blocks) blocks->Advance();
         const auto payloads = walk.Next([&collector] { collector.Settle(); });
         // After the read: an interrupted read is no end of the file.
         if (m_cancel.IsSet()) return EQueryEnd::cancelled;
@@ -109,6 +126,7 @@ EQueryEnd CTrvView1DDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpf
     }
     // The end of the file closes the slice at hand as the window's end does.
     collector.Flush();
+    if (blocks && blocks->HasLost()) return std::nullopt;
     m_series = std::move(series);
     return EQueryEnd::done;
 }

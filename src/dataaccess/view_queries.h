@@ -16,12 +16,16 @@
 
 namespace Application_Tarvel {
 
+class CChannelIndex;
+class CFileIndexes;
+
 // Which channel of which file.
 struct SChannelAddress {
     std::filesystem::path path;
     Persistance_Xpf::EFileKind kind = Persistance_Xpf::EFileKind::tarin;
     std::uint16_t channel = 0;
-    CXpfFileCache* cache = nullptr; // must outlive the queries on this address; may be null
+    CXpfFileCache* cache = nullptr;        // must outlive the queries on this address; may be null
+    const CFileIndexes* indexes = nullptr; // the same
 };
 
 using PacketList = std::vector<std::unique_ptr<Persistance_Xpf::CXpfPacket>>;
@@ -61,8 +65,10 @@ class CTrvDataQuery : public CAsyncQuery {
                              std::unique_ptr<Persistance_Xpf::CXpfDatedPacket> packet) = 0;
 
     SDateSearch MakeSearch(bool feedsCache) const {
-        return {m_address.path, m_address.cache, feedsCache, m_cancel};
+        return {m_address.path, m_address.cache, feedsCache, m_cancel, m_index.get()};
     }
+    // The index of the file at hand; null when there is none that fits it.
+    const CFileIndex* GetIndex() const { return m_index.get(); }
     // The packets around a date, or with a date outside the data the first and the last one. Without the
     // cache, an exact hit in which would leave the bracket at both ends of the file. None when the bracket is
     // filled; else how the query ends.
@@ -78,6 +84,7 @@ class CTrvDataQuery : public CAsyncQuery {
 
     SChannelAddress m_address;
     EError m_error = EError::none;
+    std::shared_ptr<const CFileIndex> m_index;
 };
 
 // Where a packet is in its file.
@@ -166,6 +173,11 @@ class CTrvView1DDataQuery : public CTrvDataQuery {
     // Positions the channel for the walk; `empty` when the window holds no data.
     EDateSearch SeekStart(Persistance_Xpf::CXpfChannel& channel, Persistance_Xpf::CXpfDatedPacket& packet,
                           bool& empty);
+
+    // From the channel's position on; with the help of `index` unless it is null. None when the index does
+    // not hold true.
+    std::optional<EQueryEnd> Reduce(Persistance_Xpf::CXpfChannel& channel, std::uint32_t payloadSize,
+                                    const CChannelIndex* index);
 
     SWindow m_window;
     Callback m_onDone;

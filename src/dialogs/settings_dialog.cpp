@@ -70,6 +70,7 @@ constexpr SSettingRow kRows[] = {
     {1, ESetting::flag, EText::expertMode, kExpertMode, EText::modeStandard},
     Words(1, EText::defaultGpsAltitude, Cnf<"general/gpsAltitudeMode">, EText::altitudeGeoid),
     {1, ESetting::color, EText::chronogramColor, kChronogramColor},
+    {1, ESetting::flag, EText::indexTitle, Cnf<"general/index/enabled">, EText::indexOff},
 
     Section(0, EText::valueDisplay),
     Character(1, EText::decimalSeparator, Cnf<"adaptors/decimalSeparator">),

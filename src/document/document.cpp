@@ -3,6 +3,7 @@
 #include "config/config_file.h"
 #include "document/batch_command_file.h"
 #include "document/edits.h"
+#include "document/index_settings.h"
 #include "document/project_check.h"
 #include "document/project_file.h"
 #include "foundation/paths.h"
@@ -32,6 +33,7 @@ CTrvDocument::CTrvDocument(IDocumentHost& host, Outils::IMessageTarget& target,
       m_expertMode(expertMode),
       m_target(target),
       m_unsaved(host),
+      m_indexes(std::make_shared<CFileIndexes>(ReadIndexSettings(configuration))),
       m_fileLooks(target),
       m_engineRun(host, configuration, m_fileLooks, *this),
       m_queryManager(target) {}
@@ -89,7 +91,7 @@ bool CTrvDocument::TakeProject(EOutcome outcome, SMadeProject made, EResultName 
 
 void CTrvDocument::FollowProject() {
     const SFileServices services{GetHost(),   m_target,    m_configuration, m_expertMode,
-                                 m_fileLooks, m_fileCache, m_endingThreads};
+                                 m_fileLooks, m_fileCache, m_indexes,       m_endingThreads};
     IProjectFilesListener& listener = *this;
     m_files = std::make_unique<CProjectFiles>(*m_pProject, services, listener);
 }

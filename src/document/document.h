@@ -158,7 +158,8 @@ class CTrvDocument final : public CDocumentEx, private IEngineRunListener, priva
 
     std::set<const Outils_Objets::CObject*> m_sensorFiles; // whose channels get sensors
 
-    CXpfFileCache m_fileCache; // outlives the queries of the manager below
+    CXpfFileCache m_fileCache; // outlives the queries of the manager below, as do the indexes
+    const std::shared_ptr<CFileIndexes> m_indexes;
     Outils::CEndingThreads m_endingThreads;
     CFileLooks m_fileLooks;
     CEngineRun m_engineRun;

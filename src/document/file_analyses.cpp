@@ -18,9 +18,11 @@ void CFileAnalyses::Start(const CTrvDataFile& file, bool isResult) {
         const auto channel = [this, &file](std::uint16_t number) { m_channelFound(file, number); };
         const auto damage = [this, &file](std::int64_t position) { m_damageFound(file, position); };
         if (isResult)
-            thread = std::make_unique<CTrvDataFileAnalyzerThread>(file.path, *port, channel, damage);
+            thread =
+                std::make_unique<CTrvDataFileAnalyzerThread>(file.path, *port, channel, damage, m_indexes);
         else
-            thread = std::make_unique<CTrvTarinDataFileAnalyzerThread>(file.path, *port, channel, damage);
+            thread = std::make_unique<CTrvTarinDataFileAnalyzerThread>(file.path, *port, channel, damage,
+                                                                       m_indexes);
     }
     thread->Start();
 }

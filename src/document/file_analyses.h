@@ -26,10 +26,12 @@ class CFileAnalyses {
 
     // `target` and `ending`, which takes the threads that are not wanted any more, must outlive the object.
     // The functions are called on the UI thread, for files that were started and not stopped since.
-    CFileAnalyses(Outils::IMessageTarget& target, Outils::CEndingThreads& ending, CChannelFound channelFound,
-                  CDamageFound damageFound)
+    // `indexes` get those of the files.
+    CFileAnalyses(Outils::IMessageTarget& target, Outils::CEndingThreads& ending,
+                  std::shared_ptr<CFileIndexes> indexes, CChannelFound channelFound, CDamageFound damageFound)
         : m_target(target),
           m_ending(ending),
+          m_indexes(std::move(indexes)),
           m_channelFound(std::move(channelFound)),
           m_damageFound(std::move(damageFound)) {}
     // Waits for no thread.
@@ -56,6 +58,7 @@ class CFileAnalyses {
 
     Outils::IMessageTarget& m_target;
     Outils::CEndingThreads& m_ending;
+    const std::shared_ptr<CFileIndexes> m_indexes;
     const CChannelFound m_channelFound;
     const CDamageFound m_damageFound;
     std::map<const CTrvDataFile*, SAnalysis> m_analyses;

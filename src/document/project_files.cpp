@@ -1,6 +1,7 @@
 #include "document/project_files.h"
 
 #include "config/config_file.h"
+#include "dataaccess/file_indexes.h"
 #include "document/document_host.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
@@ -25,7 +26,7 @@ CProjectFiles::CProjectFiles(CTrvProject& project, const SFileServices& services
       m_listener(listener),
       m_port(std::make_shared<Outils::CMessagePort>(services.target)),
       m_analyses(
-          services.target, services.ending,
+          services.target, services.ending, services.indexes,
           [this](const CTrvDataFile& file, std::uint16_t channel) { OnChannelFound(file, channel); },
           [this](const CTrvDataFile& file, std::int64_t position) { OnDamageFound(file, position); }) {}
 
@@ -63,7 +64,7 @@ void CProjectFiles::Follow(CTrvDataFile& file) {
 void CProjectFiles::Forget(const CTrvDataFile& file) {
     StopAnalysis(file);
     Unwatch(file);
-    m_services.cache.InvalidateFile(file.path);
+    ForgetContent(file.path);
 }
 
 void CProjectFiles::ForgetResult() {
@@ -74,7 +75,7 @@ void CProjectFiles::ForgetResult() {
 void CProjectFiles::FollowResult() {
     StopAnalysis(GetResult());
     WatchAgain(GetResult());
-    m_services.cache.InvalidateFile(GetResult().path);
+    ForgetContent(GetResult().path);
 }
 
 SFirstData CProjectFiles::WaitForFirstData(const CTrvDataFile& file) {
@@ -83,7 +84,8 @@ SFirstData CProjectFiles::WaitForFirstData(const CTrvDataFile& file) {
 }
 
 SChannelAddress CProjectFiles::GetAddress(const CTrvDataFile& file, std::uint16_t channel) const {
-    return {file.path, IsResult(file) ? EFileKind::tarout : EFileKind::tarin, channel, &m_services.cache};
+    return {file.path, IsResult(file) ? EFileKind::tarout : EFileKind::tarin, channel, &m_services.cache,
+            m_services.indexes.get()};
 }
 
 CTrvDataFile* CProjectFiles::Find(const void* key) const {
@@ -94,6 +96,11 @@ CTrvDataFile* CProjectFiles::Find(const void* key) const {
 
 void CProjectFiles::StopAnalysis(const CTrvDataFile& file) {
     if (m_analyses.Stop(file)) m_files[&file].channels.clear();
+}
+
+void CProjectFiles::ForgetContent(const std::filesystem::path& path) {
+    m_services.cache.InvalidateFile(path);
+    m_services.indexes->Forget(path);
 }
 
 void CProjectFiles::Watch() {
@@ -252,7 +259,7 @@ void CProjectFiles::Update(CTrvDataFile& file) {
     StopAnalysis(file);
     Unwatch(file);
     static_cast<void>(m_services.host.UpdateDataFile(file.path));
-    m_services.cache.InvalidateFile(file.path);
+    ForgetContent(file.path);
     WatchAgain(file);
     m_files[&file].stage = EStage::changed;
     LookAtFile(file);
@@ -264,7 +271,7 @@ void CProjectFiles::Move(CTrvDataFile& file, const std::filesystem::path& path) 
     Unwatch(file);
     m_services.looks.Forget(&file); // at the former place
     file.path = path;
-    m_services.cache.InvalidateFile(path);
+    ForgetContent(path);
     m_files[&file] = {};
     m_files[&file].stage = EStage::changed;
     m_unchecked.insert(&file);
@@ -336,7 +343,7 @@ void CProjectFiles::OnFileChanged(EFileChange change, const void* key) {
     } else {
         state.damage = -1;
         StopAnalysis(*file);
-        m_services.cache.InvalidateFile(file->path);
+        ForgetContent(file->path);
         stage = change == EFileChange::shrank ? EStage::replaced : EStage::changed;
         if (change == EFileChange::shrank) StartAnalysis(*file);
     }

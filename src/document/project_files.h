@@ -18,6 +18,7 @@
 
 namespace Application_Tarvel {
 
+class CFileIndexes;
 class IDocumentHost;
 using Metier_Tarvel::CTrvProject;
 
@@ -42,6 +43,7 @@ struct SFileServices {
     bool expertMode;
     CFileLooks& looks;
     CXpfFileCache& cache;
+    std::shared_ptr<CFileIndexes> indexes;
     Outils::CEndingThreads& ending;
 };
 
@@ -110,6 +112,8 @@ class CProjectFiles {
     }
     void StartAnalysis(const CTrvDataFile& file) { m_analyses.Start(file, IsResult(file)); }
     void StopAnalysis(const CTrvDataFile& file);
+    // What was learned of the content of a file that is another one now.
+    void ForgetContent(const std::filesystem::path& path);
     void Watch();
     // Has the monitor look at the file as at one that it has never seen.
     void WatchAgain(const CTrvDataFile& file);

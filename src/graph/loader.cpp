@@ -291,8 +291,9 @@ void CTrv1DGraphLoader::MoveRanges(const std::map<const CTrv1DGraphPortlet*, SGr
     }
 }
 
-void CTrv1DGraphLoader::UpdateNotices() {
+bool CTrv1DGraphLoader::UpdateNotices() {
     for (const auto& portlet : m_stack.GetPortlets()) portlet->SetNotice(m_feed.GetNotice(*portlet));
+    return m_document.IsAnalysing();
 }
 
 void CTrv1DGraphLoader::Changed(bool layout) {

@@ -28,10 +28,6 @@ bool IsProvisional(const CTrv1DGraphPortlet& portlet) {
 
 } // namespace
 
-std::string GetTimeScaleName(const CTrv1DGraphStack& stack) {
-    return std::string(GetText(stack.GetTimeText().ShowsUtc() ? EText::scaleUtc : EText::scaleElapsed));
-}
-
 std::string DescribeStack(const CTrv1DGraphStack& stack, const CViewState& viewState) {
     std::string text;
     const auto add = [&text](const std::string& sentence) {
@@ -46,8 +42,9 @@ std::string DescribeStack(const CTrv1DGraphStack& stack, const CViewState& viewS
     }
     if (!stack.HasPeriod()) return text;
     const auto& time = stack.GetTimeText();
-    add(FormatText(EText::periodDescription, {time.Format(stack.GetPeriod().start),
-                                              time.Format(stack.GetPeriod().end), GetTimeScaleName(stack)}));
+    add(FormatText(EText::periodDescription,
+                   {time.Format(stack.GetPeriod().start), time.Format(stack.GetPeriod().end),
+                    stack.GetTimeText().GetScaleName()}));
     const auto cursor = viewState.GetCursor(ECursor::first);
     if (!cursor) return text;
     std::string values;
@@ -62,7 +59,7 @@ std::string DescribeStack(const CTrv1DGraphStack& stack, const CViewState& viewS
 std::string WriteValues(const CTrv1DGraphStack& stack, const CViewState& viewState) {
     std::string text;
     const auto cursor = viewState.GetCursor(ECursor::first);
-    if (cursor) text = stack.GetTimeText().Format(*cursor) + '\t' + GetTimeScaleName(stack) + '\n';
+    if (cursor) text = stack.GetTimeText().Format(*cursor) + '\t' + stack.GetTimeText().GetScaleName() + '\n';
     for (const CTrv1DGraphPortlet* portlet : stack.GetShown()) {
         if (!cursor) {
             for (const SCurveDescription& curve : portlet->GetCurves())

@@ -218,6 +218,11 @@ QPen CGraphics::ThinPen(const QPen& pen, std::size_t pointCount) {
     }
     QPen thin = even;
     thin.setWidth(0);
+    if (pen.style() == Qt::CustomDashLine) { // as long as the wide pen would draw them
+        auto dashes = even.dashPattern();
+        for (double& dash : dashes) dash *= std::max(even.widthF(), 1.0);
+        thin.setDashPattern(dashes);
+    }
     return thin;
 }
 

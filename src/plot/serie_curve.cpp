@@ -54,7 +54,7 @@ void CPlot2DSerieCurve::DrawProvisional(CGraphics& graphics, const CPlot2DDataSo
 
 void CPlot2DSerieCurve::DrawLineAndBand(CGraphics& graphics) {
     const STheme& theme = graphics.GetTheme();
-    const CPlot2DPen pen(theme.OnGround(m_pen.GetColor()), m_pen.GetWidth());
+    const CPlot2DPen pen(theme.OnGround(m_pen.GetColor()), m_pen.GetWidth(), GetLineStyle());
     const CPlot2DSolidBrush brush(theme.OnGround(m_brush.GetColor()));
     std::span<const SPoint> line = m_screenPoints;
     if (GetPlot().GetSettings().drawCurve) {

@@ -117,8 +117,8 @@ std::size_t CBlockReader::ProbePart(std::int64_t offset, void* buffer, std::size
     return ReadAt(m_handle, offset, static_cast<std::uint8_t*>(buffer), size, size);
 }
 
-void CBlockReader::Announce(std::int64_t offset, std::size_t size) const {
-    posix_fadvise(m_handle, offset, static_cast<off_t>(size), POSIX_FADV_WILLNEED);
+void CBlockReader::Announce(std::int64_t offset, std::int64_t size) const {
+    if (m_handle >= 0) posix_fadvise(m_handle, offset, size, POSIX_FADV_WILLNEED);
 }
 
 // Whole pages only: of one that is used in part somebody may want the rest.
@@ -137,7 +137,7 @@ bool CBlockReader::Load(std::int64_t offset, std::size_t size) {
     const std::int64_t end = offset + static_cast<std::int64_t>(size);
     const bool forward = offset >= m_begin && offset <= m_end + kNear;
     const bool backward = offset < m_begin && end >= m_begin - kNear;
-    ChooseBlock(forward || backward);
+    ChooseBlock(!m_isLone && (forward || backward));
 
     const auto block = static_cast<std::int64_t>(m_block);
     const std::int64_t unit = m_block == kSmallestBlock ? kSector : kPage;

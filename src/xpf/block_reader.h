@@ -86,14 +86,19 @@ class CBlockReader {
     // system has in memory, which waits for no disk / of all, short at the end of the file.
     std::size_t ProbeCached(std::int64_t offset, void* buffer, std::size_t size) const;
     std::size_t ProbePart(std::int64_t offset, void* buffer, std::size_t size) const;
-    // Has the system begin to read these bytes / forget them again. Hints.
-    void Announce(std::int64_t offset, std::size_t size) const;
+    // Has the system forget these bytes. A hint.
     void Release(std::int64_t offset, std::size_t size) const;
 
     // Moves the window over these bytes, as far as the file has them, unless it holds them already: one read
     // for a place that is going to be looked at from all sides. Takes at most kLargestFetch of them.
     void Fetch(std::int64_t offset, std::size_t size);
     static constexpr std::size_t kLargestFetch = std::size_t{1} << 20;
+
+    // These bytes are going to be wanted piece by piece: has the system read them at once if it does not have
+    // them.
+    void Announce(std::int64_t offset, std::int64_t size) const;
+    // Whether each access is a lone one, however near it is to the one before: nothing is read ahead.
+    void SetLone(bool isLone) { m_isLone = isLone; }
 
     void Forget();
 
@@ -122,6 +127,7 @@ class CBlockReader {
     std::size_t m_capacity = 0;
     std::size_t m_block = 0;         // size of the last block
     std::size_t m_walked = 0;        // bytes before it that were read block after block
+    bool m_isLone = false;
     bool m_adviseSequential = false; // as the system was last advised
 };
 

@@ -51,6 +51,16 @@ class CXpfChannel {
         m_numberSearch.Expect(lowest, highest);
     }
 
+    // A packet whose number and place are known; position 0 is none.
+    struct SPlace {
+        std::uint32_t number = 0;
+        std::int64_t position = 0;
+    };
+    // The next searches by number are for packets between these two. They begin there.
+    void ExpectBetween(const SPlace& lower, const SPlace& upper) {
+        m_numberSearch.Remember(lower.number, lower.position, upper.number, upper.position);
+    }
+
     // The places that the walk remembers; 0 is not known. `first` and `last` may be given from a cache: the
     // next seek to the last packet tests its position against the file, the one to the first packet takes it
     // as it is.

@@ -21,7 +21,8 @@ std::size_t CChannelWalk::TakeHeld() {
     CStride stride;
     std::size_t count = 0;
     if (next == 0) return 0;
-    for (std::int64_t position = next; count < m_run.size() && reader.Holds(position, size);) {
+    for (std::int64_t position = next;
+         count < m_run.size() && position < m_limit && reader.Holds(position, size);) {
         const std::uint8_t* packet = reader.GetHeld(position);
         const std::uint32_t found = LoadPacketSize(packet);
         if (LoadWord(packet) >> 16 != number) {
@@ -42,6 +43,37 @@ std::size_t CChannelWalk::TakeHeld() {
     m_channel.m_current = next;
     reader.MoveTo(next);
     return count;
+}
+
+void CChannelWalk::MoveTo(std::int64_t position) {
+    if (m_channel.m_file.Seek(position)) m_channel.m_current = position;
+}
+
+void CChannelWalk::Fetch(std::int64_t size) {
+    m_channel.m_file.m_reader->Fetch(GetPlace(), static_cast<std::size_t>(size));
+}
+
+void CChannelWalk::SetApart(bool isApart, std::int64_t size) {
+    m_channel.m_file.m_reader->SetLone(isApart);
+    if (isApart) m_channel.m_file.m_reader->Announce(GetPlace(), size);
+}
+
+bool CChannelWalk::Probe(std::int64_t position, std::span<std::uint8_t> bytes) const {
+    return m_channel.m_file.m_reader->Probe(position, bytes.data(), bytes.size());
+}
+
+bool CChannelWalk::ReadPayload(std::int64_t position, std::uint8_t* payload) const {
+    const CBlockReader& reader = *m_channel.m_file.m_reader;
+    std::array<std::uint8_t, 512> packet;
+    std::vector<std::uint8_t> larger;
+    const std::size_t size = m_size + kPacketOverhead;
+    if (size > packet.size()) larger.resize(size);
+    std::uint8_t* bytes = size > packet.size() ? larger.data() : packet.data();
+    if (!reader.Probe(position, bytes, size) || !CheckHeaderBytes(bytes) || LoadPacketSize(bytes) != size ||
+        LoadWord(bytes) >> 16 != m_channel.m_number)
+        return false;
+    std::memcpy(payload, bytes + kPacketHeaderSize, m_size);
+    return true;
 }
 
 const std::uint8_t* CChannelWalk::ViewNext() {

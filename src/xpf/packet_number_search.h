@@ -26,6 +26,12 @@ class CPacketNumberSearch {
         m_lowestExpected = lowest;
         m_highestExpected = highest;
     }
+    // Later searches start from these two packets of the channel; position 0 is none.
+    void Remember(std::uint32_t lower, std::int64_t lowerPosition, std::uint32_t upper,
+                  std::int64_t upperPosition) {
+        if (lowerPosition != 0) m_landmarks[0] = {lower, lowerPosition, {}};
+        if (upperPosition != 0) m_landmarks[2] = {upper, upperPosition, {}};
+    }
     // Later searches start from this last packet of the channel.
     void RememberLast(std::int64_t position, const SPacketHeader& header) {
         m_landmarks[2] = {header.number, position, header};

@@ -50,7 +50,7 @@ void CPacketSampler::Read(std::span<const std::int64_t> places) {
         std::uint8_t* block = m_blocks.get() + m_reads.size() * m_blockSize;
         const std::size_t size = reader.ProbeCached(place, block, m_blockSize);
         m_reads.push_back({place, size, size == m_blockSize});
-        if (size < m_blockSize) reader.Announce(place, m_blockSize);
+        if (size < m_blockSize) reader.Announce(place, static_cast<std::int64_t>(m_blockSize));
     }
     for (std::size_t i = 0; i < m_reads.size(); ++i)
         if (!m_reads[i].wasCached)

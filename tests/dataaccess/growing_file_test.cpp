@@ -1,4 +1,7 @@
-// Queries on a recording while another thread appends to it, without a cache and with a warm one.
+// Queries on a recording while another thread appends to it: without help, with a warm cache, and with an
+// index that an analysis makes meanwhile.
+#include "dataaccess/data_file_analyzer.h"
+#include "dataaccess/file_indexes.h"
 #include "dataaccess/plain_pass.h"
 #include "dataaccess/test_recording.h"
 #include "dataaccess/view_queries.h"
@@ -60,7 +63,9 @@ class CWriter {
     std::thread m_thread;
 };
 
-class GrowingFile : public testing::TestWithParam<bool> {
+enum class EHelp { none, cache, index };
+
+class GrowingFile : public testing::TestWithParam<EHelp> {
   protected:
     GrowingFile() {
         while (m_writer.GetWhole() < 1000) std::this_thread::yield();
@@ -92,9 +97,14 @@ class GrowingFile : public testing::TestWithParam<bool> {
 
     test::CTemporaryFolder m_folder;
     CXpfFileCache m_cache;
+    std::shared_ptr<CFileIndexes> m_indexes = std::make_shared<CFileIndexes>(SIndexSettings());
     SChannelAddress m_address{m_folder / "r.tarin", EFileKind::tarin, test::kDepthNumber,
-                              GetParam() ? &m_cache : nullptr};
+                              GetParam() == EHelp::cache ? &m_cache : nullptr,
+                              GetParam() == EHelp::index ? m_indexes.get() : nullptr};
     CWriter m_writer{m_address.path};
+    Outils::CMessageQueue m_queue;
+    Outils::CMessagePort m_port{m_queue};
+    CTrvTarinDataFileAnalyzerThread m_analysis{m_address.path, m_port, [](std::uint16_t) {}, {}, m_indexes};
     std::mt19937_64 m_random{17};
     std::vector<SSample> m_truth;
 };
@@ -152,13 +162,20 @@ void GrowingFile::CheckMoment() {
 
 TEST_P(GrowingFile, AnswersAgreeWithWholePackets) {
     for (int i = 0; i < 200 && !HasFatalFailure(); ++i) {
+        if (GetParam() == EHelp::index) m_analysis.Start();
         CheckWindow();
         CheckMoment();
         m_writer.LetOneMorePieceCome();
     }
+    if (GetParam() != EHelp::index) return;
+    const auto index = m_indexes->Find(m_address.path);
+    ASSERT_TRUE(index);
+    EXPECT_GT(index->GetChannel(test::kDepthNumber)->GetCount(0), 10u);
+    EXPECT_FALSE(index->HasGaps());
 }
 
-INSTANTIATE_TEST_SUITE_P(Cache, GrowingFile, testing::Bool(),
-                         [](const auto& row) { return row.param ? "warm" : "none"; });
+constexpr const char* kHelpNames[] = {"none", "cache", "index"};
+INSTANTIATE_TEST_SUITE_P(Help, GrowingFile, testing::Values(EHelp::none, EHelp::cache, EHelp::index),
+                         [](const auto& row) { return kHelpNames[static_cast<int>(row.param)]; });
 
 } // namespace
