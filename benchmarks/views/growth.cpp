@@ -12,10 +12,12 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <iostream>
 #include <mutex>
 #include <thread>
+#include <vector>
 
 using namespace Application_Tarvel;
 using namespace Presentation_Tarvel_Graphics;

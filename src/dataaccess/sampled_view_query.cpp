@@ -1,5 +1,6 @@
 #include "dataaccess/sampled_view_query.h"
 
+#include "dataaccess/file_index.h"
 #include "xpf/packet_sampler.h"
 
 #include <algorithm>
@@ -38,11 +39,15 @@ EQueryEnd CTrvSampledViewQuery::Search(CXpfChannel& channel, std::unique_ptr<CXp
     if (!extent) return end;
 
     const std::int64_t bytes = extent->end - extent->begin;
+    // What an index covers the exact query need not read.
+    const bool isIndexed = GetIndex() && GetIndex()->GetChannel(channel.GetNumber());
+    const std::int64_t unread =
+        extent->end - std::max(extent->begin, isIndexed ? GetIndex()->GetCovered() : extent->begin);
     const std::uint32_t packets = extent->last - extent->first;
     const auto slices = static_cast<std::uint64_t>(
         std::max<std::int64_t>((m_window.end - m_window.start).GetTicks() / m_window.slice.GetTicks(), 1));
     const std::size_t count = std::min<std::uint64_t>(slices, kMostPlaces);
-    if (bytes < m_worthwhile || packets / kFewPackets < count) return EQueryEnd::done;
+    if (unread < m_worthwhile || packets / kFewPackets < count) return EQueryEnd::done;
     const std::size_t block = ChooseBlock(bytes / packets, packet->GetPayloadSize() + kPacketOverhead);
     if (block <= kLargestBlock)
         SampleBytes(channel, packet->GetPayloadSize(), *extent, block, count);

@@ -10,7 +10,8 @@ namespace Application_Tarvel {
 
 // Representatives without extremes, in the order of the file. Reads a block at each place and no more: at
 // most kMostReads of them, whatever the size of the file. A window that the exact query answers as soon gives
-// no packets: one of a few megabytes, or of a channel with few packets, which are found along their links.
+// no packets: one with a few megabytes beyond what an index covers, or of a channel with few packets, which
+// are found along their links.
 class CTrvSampledViewQuery : public CTrvDataQuery {
   public:
     static constexpr std::size_t kMostReads = 2000; // those of the search for the window's ends included

@@ -101,6 +101,7 @@ EQueryEnd CTrvView1DDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpf
     const CChannelIndex* index = GetIndex() ? GetIndex()->GetChannel(channel.GetNumber()) : nullptr;
     if (const auto end = Reduce(channel, size, index)) return *end;
     CChannelWalk(channel, size).MoveTo(start.Get());
+    if (m_hasParted) m_onPart({});
     return *Reduce(channel, size, nullptr);
 }
 
@@ -121,6 +122,7 @@ std::optional<EQueryEnd> CTrvView1DDataQuery::Reduce(CXpfChannel& channel, std::
         if (!m_onPart || series.representatives.empty()) continue;
         if (const auto now = std::chrono::steady_clock::now(); now >= nextPart) {
             nextPart = now + m_partInterval;
+            m_hasParted = true;
             m_onPart(collector.TakeFinished());
         }
     }

@@ -151,8 +151,8 @@ class CTrvView1DDataQuery : public CTrvDataQuery {
     SReducedSeries TakeSeries() { return std::move(m_series); }
 
     // Hands over what is complete of a long walk every `interval`, on the loader thread: the slices since the
-    // last time. The series at the end has the rest. Before the query is submitted; `onPart` must not be
-    // empty.
+    // last time. The series at the end has the rest. An empty part takes all before it back: an index has
+    // turned out to be of another file. Before the query is submitted; `onPart` must not be empty.
     using PartSink = std::function<void(SReducedSeries part)>;
     static constexpr std::chrono::milliseconds kPartInterval{100};
     void SetPartSink(PartSink onPart, std::chrono::milliseconds interval = kPartInterval) {
@@ -183,6 +183,7 @@ class CTrvView1DDataQuery : public CTrvDataQuery {
     Callback m_onDone;
     PartSink m_onPart;
     std::chrono::milliseconds m_partInterval{};
+    bool m_hasParted = false;
     SReducedSeries m_series;
 };
 

@@ -376,7 +376,7 @@ void CTrv1DChannelFeed::OnPart(const SChannelKey& key, const CWindowQuery& query
     const auto place = m_channels.find(key);
     if (place == m_channels.end() || place->second.windowQuery.get() != &query) return;
     SChannel& channel = place->second;
-    if (!channel.growing)
+    if (!channel.growing || part.representatives.empty())
         channel.growing =
             std::make_shared<CTrv1DGraphDataset>(SReducedSeries(), query.GetWindow().slice, channel.origin);
     channel.growing->Append(std::move(part));

@@ -106,6 +106,7 @@ TEST_F(LoaderTest, GrowingResultIsFollowed) {
 // Of a file as large as this packets here and there come before the walk is through.
 TEST_F(LoaderTest, PreviewStandsInUntilAllIsRead) {
     constexpr int kEnd = 120'000;
+    m_config.Set(Cnf<"general/index/enabled">, false);
     OpenAndLoad();
     Compute(121, kEnd);
     Tell(hintChannelFound, &Result());
@@ -153,6 +154,7 @@ TEST_F(LoaderTest, PreviewStandsInUntilAllIsRead) {
 
 // Whether the file goes before or while all of it is read.
 TEST_F(LoaderTest, PreviewEndsWithItsFile) {
+    m_config.Set(Cnf<"general/index/enabled">, false);
     OpenAndLoad();
     Compute(121, 120'000);
     Tell(hintChannelFound, &Result());

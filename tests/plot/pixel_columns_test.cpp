@@ -123,6 +123,19 @@ TEST(PixelColumns, ExtremesOfNarrowBucketsStay) {
     EXPECT_NE(image.pixel(static_cast<int>(spike.x()), static_cast<int>(spike.y()) + 2), qRgb(255, 255, 255));
 }
 
+TEST(PixelColumns, StretchesOfOneColumnAllShow) {
+    SPlotOfTest test;
+    test.plot.AddCurve(
+        std::make_unique<CTestSource>(
+            1, false,
+            Buckets{
+                {50.1, 10, 0, 0}, {50.2, 20, 0, 0}, {50.3, kNaN, 0, 0}, {50.4, 60, 0, 0}, {50.5, 70, 0, 0}}),
+        "");
+    const QImage image = Paint(test.plot, 1, QImage::Format_RGB32);
+    for (const auto& [value, isDrawn] : {std::pair{15, true}, {40, false}, {65, true}})
+        EXPECT_EQ(image.pixel(SPlotOfTest::At(50, value).toPoint()) != qRgb(255, 255, 255), isDrawn) << value;
+}
+
 TEST(PixelColumns, NothingLeavesThePlottingArea) {
     for (const double ratio : {1.0, 1.25, 2.0}) {
         SPlotOfTest test;
