@@ -52,6 +52,10 @@ function(varne_test room)
   varne_precompile(test_${room} test ${TEST_UNPARSED_ARGUMENTS})
   target_include_directories(test_${room} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
   target_link_libraries(test_${room} PRIVATE ${TEST_DEPENDS} ${TEST_LIBRARIES} GTest::gmock_main)
+  set(environment "QT_QPA_PLATFORM=offscreen")
+  if(VARNE_SANITIZE MATCHES "thread") # without windows
+    set(environment "TSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/cmake/tsan.supp")
+  endif()
   gtest_discover_tests(test_${room} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT 300 ENVIRONMENT "QT_QPA_PLATFORM=offscreen")
+    PROPERTIES TIMEOUT 300 ENVIRONMENT "${environment}")
 endfunction()

@@ -1,13 +1,17 @@
 // Sources of the converters: the first byte says which converter, the second which form of its switches, the
-// third where the source is cut into two files.
+// third where the source is cut into two files. VARNE_FUZZ_READER="first last", rows of the table of
+// converters, keeps the run on these: each reader then gets its whole time.
 #include "input.h"
 
 #include "convert/conversion.h"
 #include "xpf/stream_walk.h"
 #include "xpf/table_file.h"
 
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -21,6 +25,20 @@ struct CSilentMonitor : Compagnon::IRunMonitor {
     }
     bool GoOn() override { return true; }
 };
+
+// The converter that the first byte chooses, among those of the environment.
+const Conversion::SConverter& Choose(std::uint8_t choice) {
+    static const auto rows = [] {
+        unsigned first = 0, last = Conversion::kConverterCount - 1;
+        const char* text = std::getenv("VARNE_FUZZ_READER");
+        if (text)
+            Fuzz::Require(std::sscanf(text, "%u %u", &first, &last) == 2 && first <= last &&
+                              last < Conversion::kConverterCount,
+                          "VARNE_FUZZ_READER names two rows");
+        return std::pair(first, last - first + 1);
+    }();
+    return Conversion::GetConverters()[rows.first + choice % rows.second];
+}
 
 // A value for each switch of the converter, by the bits of the form.
 std::vector<std::string> MakeLine(const Conversion::SConverter& converter, unsigned form) {
@@ -67,7 +85,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 3) return 0;
     static Fuzz::CMemoryFile first, second;
     static const Fuzz::CScratchFolder folder;
-    const auto& converter = Conversion::GetConverters()[data[0] % Conversion::kConverterCount];
+    const auto& converter = Choose(data[0]);
     const std::size_t cut = converter.manySources ? std::min<std::size_t>(data[2], size - 3) : size - 3;
     first.Set({data + 3, cut});
     second.Set({data + 3 + cut, size - 3 - cut});

@@ -2,7 +2,7 @@
 
 packages="g++ cmake ninja-build ccache qt6-base-dev qt6-svg-dev libpugixml-dev libeigen3-dev \
 libgeographiclib-dev libgtest-dev libgmock-dev libbenchmark-dev libgl1-mesa-dev fonts-dejavu-core \
-libgdal-dev gdal-bin python3"
+libgdal-dev gdal-bin poppler-utils python3"
 
 install_packages() {
   local missing=""

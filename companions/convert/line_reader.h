@@ -18,8 +18,9 @@ class CLineReader {
     explicit CLineReader(CByteSource& source)
         : m_source(source), m_buffer(kLongestLine + CByteSource::kPieceSize) {}
 
-    // The next line without its end, LF or CR LF, and without a byte order mark at the start of the text.
-    // Valid until the next call. False at the end.
+    // The next line without its end and without a byte order mark at the start of the text. Lines end with
+    // LF, after any number of CR; in a text whose first piece has no LF, with CR. Valid until the next call.
+    // False at the end.
     bool Next(std::string_view& line);
 
     // The number of the line, from 1; 0 before the first.
@@ -29,6 +30,7 @@ class CLineReader {
 
   private:
     bool Fill();
+    void FindLineEnd();
     std::string_view Take(std::size_t size, std::size_t end);
 
     CByteSource& m_source;
@@ -36,6 +38,7 @@ class CLineReader {
     std::size_t m_begin = 0, m_end = 0; // of what waits in the buffer
     std::uint64_t m_number = 0;
     bool m_unfinished = false;
+    char m_lineEnd = '\n';
 };
 
 } // namespace Conversion

@@ -45,6 +45,24 @@ constexpr auto kCrcTables = [] {
     return tables;
 }();
 
+using StateRow = std::uint32_t __attribute__((vector_size(16)));
+
+template <int bits>
+StateRow Rotate(StateRow row) {
+    return (row << bits) | (row >> (32 - bits));
+}
+// Moves each word to the place that is so many before its own.
+template <int places>
+StateRow Turn(StateRow row) {
+    return __builtin_shufflevector(row, row, places, places + 1, places + 2, places + 3);
+}
+void MixColumns(StateRow& a, StateRow& b, StateRow& c, StateRow& d) {
+    d = Rotate<16>(d ^ (a += b));
+    b = Rotate<12>(b ^ (c += d));
+    d = Rotate<8>(d ^ (a += b));
+    b = Rotate<7>(b ^ (c += d));
+}
+
 constexpr std::uint32_t kFirstIncrement = kImuLayout.OffsetOf("Fog 1") - kDateSize;
 constexpr std::uint32_t kIncrementsSize = kImuLayout.OffsetOf("Sensor status") - kDateSize - kFirstIncrement;
 
@@ -94,25 +112,22 @@ std::uint32_t ComputeCrc32(std::span<const std::uint8_t> bytes) {
     return ~sum;
 }
 
+// The four rows of the state are four vectors: a round mixes its columns at once, and then its diagonals,
+// which lie in columns while the rows are turned.
 std::array<std::uint8_t, 64> MakeKeystream(const CInertialCipher::Key& key, std::uint32_t counter,
                                            const std::array<std::uint32_t, 3>& nonce) {
-    std::array<std::uint32_t, 16> state{0x61707865, 0x3320646E, 0x79622D32, 0x6B206574};
-    std::memcpy(&state[4], key.data(), key.size());
-    state[12] = counter;
-    std::copy(nonce.begin(), nonce.end(), state.begin() + 13);
-    std::array<std::uint32_t, 16> mixed = state;
-    const auto mix = [&](std::size_t a, std::size_t b, std::size_t c, std::size_t d) {
-        mixed[d] = std::rotl(mixed[d] ^ (mixed[a] += mixed[b]), 16);
-        mixed[b] = std::rotl(mixed[b] ^ (mixed[c] += mixed[d]), 12);
-        mixed[d] = std::rotl(mixed[d] ^ (mixed[a] += mixed[b]), 8);
-        mixed[b] = std::rotl(mixed[b] ^ (mixed[c] += mixed[d]), 7);
-    };
+    std::array<StateRow, 4> state{StateRow{0x61707865, 0x3320646E, 0x79622D32, 0x6B206574}, StateRow{},
+                                  StateRow{}, StateRow{counter, nonce[0], nonce[1], nonce[2]}};
+    std::memcpy(&state[1], key.data(), key.size());
+    auto [a, b, c, d] = state;
     for (int round = 0; round < 10; ++round) {
-        for (std::size_t i = 0; i < 4; ++i) mix(i, i + 4, i + 8, i + 12);
-        for (std::size_t i = 0; i < 4; ++i) mix(i, 4 + (i + 1) % 4, 8 + (i + 2) % 4, 12 + (i + 3) % 4);
+        MixColumns(a, b, c, d);
+        b = Turn<1>(b), c = Turn<2>(c), d = Turn<3>(d);
+        MixColumns(a, b, c, d);
+        b = Turn<3>(b), c = Turn<2>(c), d = Turn<1>(d);
     }
-    for (std::size_t i = 0; i < state.size(); ++i) mixed[i] += state[i];
-    return std::bit_cast<std::array<std::uint8_t, 64>>(mixed);
+    return std::bit_cast<std::array<std::uint8_t, 64>>(
+        std::array{a + state[0], b + state[1], c + state[2], d + state[3]});
 }
 
 void CInertialCipher::Apply(std::span<std::uint8_t> payload, std::uint32_t time,

@@ -9,6 +9,7 @@
 #include "dialogs/settings_dialog.h"
 #include "foundation/texts.h"
 #include "graph/forms.h"
+#include "plot/pens.h"
 #include "plot/text.h"
 #include "views/grid_view.h"
 
@@ -23,6 +24,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
 #include <QRadioButton>
@@ -131,7 +133,23 @@ bool CWindowDialogs::Show(QWidget* parent, CRoughMisalignmentChooser& logic) {
 
 namespace {
 
-// A line of a form on the screen: a text, or a choice of colours.
+QPixmap MakeColourSwatch(Outils_Plot2D::Colour colour, const QComboBox& list) {
+    QPixmap swatch(list.iconSize());
+    swatch.fill(QColor::fromRgba(colour));
+    return swatch;
+}
+
+QPixmap MakeLineSwatch(Outils_Plot2D::ELineStyle style, const QComboBox& list) {
+    QPixmap swatch(list.iconSize());
+    swatch.fill(list.palette().color(QPalette::Base));
+    QPainter painter(&swatch);
+    painter.setPen(
+        Outils_Plot2D::CPlot2DPen(list.palette().color(QPalette::Text).rgba(), 2, style).GetNative());
+    painter.drawLine(0, swatch.height() / 2, swatch.width(), swatch.height() / 2);
+    return swatch;
+}
+
+// A line of a form on the screen: a text, or a choice of colours or styles.
 QWidget* MakeFormField(QWidget& parent, const Presentation_Tarvel_Graphics::SFormLine& line) {
     QWidget* field = nullptr;
     if (line.choices.empty()) {
@@ -139,11 +157,12 @@ QWidget* MakeFormField(QWidget& parent, const Presentation_Tarvel_Graphics::SFor
         field->setMinimumWidth(260);
     } else {
         auto* list = new QComboBox(&parent);
-        for (const auto& choice : line.choices) {
-            QPixmap swatch(list->iconSize());
-            swatch.fill(QColor::fromRgba(choice.colour));
-            list->addItem(swatch, Text(choice.name));
-        }
+        const bool areLines = line.choices.back().look.style != Outils_Plot2D::ELineStyle::solid;
+        if (areLines) list->setIconSize({3 * list->iconSize().width(), list->iconSize().height()});
+        for (const auto& choice : line.choices)
+            list->addItem(areLines ? MakeLineSwatch(choice.look.style, *list)
+                                   : MakeColourSwatch(choice.look.colour, *list),
+                          Text(choice.name));
         list->setCurrentIndex(static_cast<int>(line.choice));
         field = list;
     }

@@ -4,7 +4,6 @@
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "graph/forms.h"
-#include "graph/stack_text.h"
 #include "plot/text.h"
 
 #include <QPrintDialog>
@@ -149,9 +148,10 @@ void CTrvGraphCommands::Print(QPrinter& printer) {
     margins.spacing = get(Cnf<"printing/verticalSpacing">);
     const auto& stack = m_view.GetStack();
     const auto& path = m_view.GetLoader().GetDocument().GetPathName();
-    const std::string header = FormatText(
-        EText::pageHeader, {ToText(path.stem()), stack.GetTimeText().Format(stack.GetPeriod().start),
-                            stack.GetTimeText().Format(stack.GetPeriod().end), GetTimeScaleName(stack)});
+    const std::string header =
+        FormatText(EText::pageHeader,
+                   {ToText(path.stem()), stack.GetTimeText().Format(stack.GetPeriod().start),
+                    stack.GetTimeText().Format(stack.GetPeriod().end), stack.GetTimeText().GetScaleName()});
     PrintPages(GetContent(), printer, margins, header);
 }
 

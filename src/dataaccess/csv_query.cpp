@@ -2,15 +2,8 @@
 
 #include "foundation/bytes.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <array>
-#include <atomic>
-#include <cerrno>
 #include <charconv>
-#include <cstdio>
 #include <cstring>
 
 namespace Application_Tarvel {
@@ -41,8 +34,6 @@ CTrvCsvQuery::CTrvCsvQuery(SChannelAddress address, SClosedPeriod period, SCsvCl
       m_columns(std::move(columns)),
       m_target(std::move(target)) {}
 
-CTrvCsvQuery::~CTrvCsvQuery() { CTrvCsvQuery::Abandon(); }
-
 bool CTrvCsvQuery::Begin(const SPacketLayout& layout) {
     Abandon();
     m_elements.clear();
@@ -56,7 +47,7 @@ bool CTrvCsvQuery::Begin(const SPacketLayout& layout) {
     m_text.resize(kTextSize + m_headings.size() + (m_elements.size() + 1) * kWidestValue);
     std::memcpy(m_text.data(), m_headings.data(), m_headings.size());
     m_used = m_headings.size();
-    return OpenBeside() || Fail();
+    return OpenTarget() || Fail();
 }
 
 bool CTrvCsvQuery::AddElements(const SPacketLayout& layout, const SCsvColumn& column) {
@@ -109,53 +100,23 @@ char* CTrvCsvQuery::FormatDate(std::int64_t date, char* out) {
     return Outils_Temps::FormatSeconds(shown.IsValid() ? shown.GetTicks() : date, out);
 }
 
-bool CTrvCsvQuery::OpenBeside() {
-    std::error_code error;
-    const auto resolved = std::filesystem::weakly_canonical(m_target, error);
-    if (error || resolved.empty()) return false;
-    struct stat former {};
-    const bool replaces = ::stat(resolved.c_str(), &former) == 0;
-    // The rename would ask only for the folder's permission.
-    if (replaces && (!S_ISREG(former.st_mode) || ::access(resolved.c_str(), W_OK) != 0)) return false;
-    // Unique among the programs and queries that write into this folder.
-    static std::atomic<unsigned> count{0};
-    const auto beside =
-        resolved.parent_path() / (".varne-csv-" + std::to_string(::getpid()) + '-' + std::to_string(++count));
-    m_file = Outils_Fichiers::CDescriptor(::open(beside.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
-                                                 replaces ? former.st_mode & 0777 : 0666));
-    if (!m_file.IsOpen()) return false;
-    m_beside = beside;
-    m_target = resolved;
-    return !replaces || ::fchmod(m_file.Get(), former.st_mode & 0777) == 0;
+bool CTrvCsvQuery::OpenTarget() {
+    if (!m_file.Open(m_target)) return false;
+    m_target = m_file.GetTarget();
+    return true;
 }
 
 bool CTrvCsvQuery::Flush() {
-    for (std::size_t done = 0; done < m_used;) {
-        const ssize_t count = ::write(m_file.Get(), m_text.data() + done, m_used - done);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) return false;
-        done += static_cast<std::size_t>(count);
-    }
+    const std::span text(m_text.data(), m_used);
     m_used = 0;
-    return true;
+    return m_file.Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
-bool CTrvCsvQuery::Finish() {
-    const bool written = Flush() && ::fsync(m_file.Get()) == 0;
-    if (!m_file.Close() || !written || ::rename(m_beside.c_str(), m_target.c_str()) != 0) return Fail();
-    m_beside.clear();
-    return true;
-}
+bool CTrvCsvQuery::Finish() { return (Flush() && m_file.Commit()) || Fail(); }
 
 bool CTrvCsvQuery::Fail() {
     m_targetAtFault = true;
     return false;
-}
-
-void CTrvCsvQuery::Abandon() {
-    m_file.Close();
-    if (!m_beside.empty()) ::unlink(m_beside.c_str());
-    m_beside.clear();
 }
 
 } // namespace Application_Tarvel

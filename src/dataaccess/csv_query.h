@@ -4,8 +4,8 @@
 #pragma once
 
 #include "dataaccess/period_query.h"
+#include "foundation/atomic_file.h"
 #include "foundation/date_text.h"
-#include "foundation/descriptor.h"
 
 #include <filesystem>
 #include <functional>
@@ -37,9 +37,6 @@ class CTrvCsvQuery final : public TPeriodQuery<CTrvCsvQuery> {
     // `onDone` may be empty. An existing target is replaced, a link followed.
     CTrvCsvQuery(SChannelAddress address, SClosedPeriod period, SCsvClock clock,
                  std::vector<SCsvColumn> columns, std::filesystem::path target, Callback onDone);
-    // Removes what an interrupted Execute left.
-    ~CTrvCsvQuery() override;
-
     const std::filesystem::path& GetTarget() const { return m_target; }
     // Once Execute has returned: the file could not be written, whatever GetError says. / Its rows.
     bool IsTargetAtFault() const { return m_targetAtFault; }
@@ -49,7 +46,7 @@ class CTrvCsvQuery final : public TPeriodQuery<CTrvCsvQuery> {
     bool Begin(const Persistance_Xpf::SPacketLayout& layout) override;
     bool Take(Payloads payloads) override;
     bool Finish() override;
-    void Abandon() override;
+    void Abandon() override { m_file.Abandon(); }
 
   private:
     using Format = char* (*)(const std::uint8_t* bytes, const SCsvColumn& column, char* out);
@@ -63,7 +60,7 @@ class CTrvCsvQuery final : public TPeriodQuery<CTrvCsvQuery> {
     void AppendHeading(const std::string& heading);
     char* FormatDate(std::int64_t date, char* out);
     bool Flush();
-    bool OpenBeside();
+    bool OpenTarget();
     bool Fail();
 
     SCsvClock m_clock;
@@ -71,8 +68,7 @@ class CTrvCsvQuery final : public TPeriodQuery<CTrvCsvQuery> {
     std::filesystem::path m_target;
     std::vector<SElement> m_elements;
     std::string m_headings;
-    std::filesystem::path m_beside; // empty while there is no such file
-    Outils_Fichiers::CDescriptor m_file;
+    Outils_Fichiers::CAtomicFile m_file;
     std::vector<char> m_text; // not written yet
     std::size_t m_used = 0;
     std::uint64_t m_rows = 0;

@@ -145,6 +145,11 @@ void CSliceCollector::Flush() {
     m_series.maxima.push_back(std::move(m_maximum));
 }
 
+SReducedSeries CSliceCollector::TakeFinished() {
+    m_mostSlices -= std::min(m_mostSlices, m_series.representatives.size());
+    return std::exchange(m_series, {});
+}
+
 void CSliceCollector::Begin(const std::uint8_t* payload, std::int64_t date) {
     const std::int64_t start = m_window.start.GetTicks(), slice = m_window.slice.GetTicks();
     std::int64_t elapsed = 0;

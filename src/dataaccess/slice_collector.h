@@ -52,6 +52,8 @@ class CSliceCollector {
     void Settle();
     // Appends the slice at hand.
     void Flush();
+    // Takes the slices that are complete out of the series, which goes on with those after them.
+    SReducedSeries TakeFinished();
 
   private:
     // Of the packets of a block to the centre, and whether it is the one of the last packet.
@@ -71,7 +73,7 @@ class CSliceCollector {
     SReducedSeries& m_series;
     CPacketExtremes m_extremes;
     bool m_collects;
-    std::size_t m_mostSlices;
+    std::size_t m_mostSlices; // still to come
     std::unique_ptr<Persistance_Xpf::CXpfPacket> m_representative;
     // The packet nearer to the centre that takes the representative's place. On the way to the centre every
     // packet is nearer than the one before, so that a copy of each would cost more than the rest of the work.

@@ -33,6 +33,12 @@ std::size_t LoadValues(std::span<const std::uint8_t* const> payloads, std::uint3
     return count;
 }
 
+// Without a call to the library; halves to the even number, what is above 2^51 as it is.
+double RoundToWhole(double value) {
+    constexpr double kRounder = 0x1.8p52;
+    return (value + kRounder) - kRounder;
+}
+
 double TakeShortWay(double difference, double turn) {
     return difference - turn * std::round(difference / turn);
 }
@@ -116,21 +122,36 @@ void CFieldAccumulator::AddBlock() {
     m_count += held;
 }
 
-// Replaces the angles of the block by the way they go, without the leaps at a full turn. Whole turns are
-// counted apart, so that no rounding adds up.
+// Replaces the angles of the block by the way they go, without the leaps at a full turn.
 void CFieldAccumulator::UnrollAngles(std::size_t held) {
-    const double radians = 2 * std::numbers::pi / m_turn;
-    if (m_count == 0) m_last = m_least = m_greatest = m_block[0];
+    const std::span block(m_block.data(), held);
+    AddDirections(block, m_turn, m_directions);
+    if (m_count == 0) m_last = m_least = m_greatest = block[0];
+    std::array<double, 4> low, high;
+    low.fill(m_least);
+    high.fill(m_greatest);
     for (std::size_t i = 0; i < held; ++i) {
-        const double value = m_block[i], nearZero = TakeShortWay(value, m_turn);
-        m_sine += std::sin(value * radians);
-        m_cosine += std::cos(value * radians);
-        m_squaresNearZero += nearZero * nearZero;
-        m_least = std::min(m_least, value);
-        m_greatest = std::max(m_greatest, value);
-        m_turns -= std::round((value - m_last) / m_turn);
-        m_last = value;
-        m_block[i] = value + m_turns * m_turn;
+        const std::size_t lane = i % 4;
+        low[lane] = block[i] < low[lane] ? block[i] : low[lane];
+        high[lane] = block[i] > high[lane] ? block[i] : high[lane];
+    }
+    m_least = *std::min_element(low.begin(), low.end());
+    m_greatest = *std::max_element(high.begin(), high.end());
+    CountTurns(held);
+}
+
+// Whole turns are counted apart, so that no rounding adds up. A block without a leap needs no count.
+void CFieldAccumulator::CountTurns(std::size_t held) {
+    std::array<double, kBlock + kRun> turns; // from the value before
+    const double perTurn = 1 / m_turn;
+    turns[0] = RoundToWhole((m_block[0] - m_last) * perTurn);
+    for (std::size_t i = 1; i < held; ++i) turns[i] = RoundToWhole((m_block[i] - m_block[i - 1]) * perTurn);
+    const bool leaps =
+        std::any_of(turns.begin(), turns.begin() + held, [](double count) { return count != 0; });
+    if (!leaps && m_turns == 0) return;
+    for (std::size_t i = 0; i < held; ++i) {
+        m_turns -= turns[i];
+        m_block[i] += m_turns * m_turn;
     }
 }
 
@@ -155,10 +176,10 @@ SFieldStatistics CFieldAccumulator::GetResult() {
 void CFieldAccumulator::TurnIntoAngles(SFieldStatistics& result) const {
     const auto count = static_cast<double>(m_count);
     const double way = m_maximum - m_minimum, radians = 2 * std::numbers::pi / m_turn;
-    result.rms = std::sqrt(m_squaresNearZero / count);
+    result.rms = std::sqrt(m_directions.squares / count);
     if (way >= m_turn / 2) {
-        const double length = std::hypot(m_sine, m_cosine) / count;
-        result.mean = std::atan2(m_sine, m_cosine) / radians;
+        const double length = std::hypot(m_directions.sine, m_directions.cosine) / count;
+        result.mean = std::atan2(m_directions.sine, m_directions.cosine) / radians;
         result.deviation = std::sqrt(-2 * std::log(std::min(length, 1.0))) / radians;
     }
     result.mean = WrapLike(result.mean, m_turn, m_least);

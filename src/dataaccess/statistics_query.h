@@ -1,6 +1,7 @@
 // Exact statistics of fields of one channel over a period: every packet counts, none is reduced.
 #pragma once
 
+#include "dataaccess/directions.h"
 #include "dataaccess/period_query.h"
 
 #include <functional>
@@ -62,6 +63,7 @@ class CFieldAccumulator {
 
     void AddBlock();
     void UnrollAngles(std::size_t held);
+    void CountTurns(std::size_t held);
     void TurnIntoAngles(SFieldStatistics& result) const;
 
     Load m_load = nullptr;
@@ -74,7 +76,8 @@ class CFieldAccumulator {
     double m_minimum = 0, m_maximum = 0, m_first = 0, m_last = 0;
     double m_mean = 0, m_squares = 0; // of the differences from the mean
     // Angles only; least and greatest as recorded.
-    double m_least = 0, m_greatest = 0, m_turns = 0, m_sine = 0, m_cosine = 0, m_squaresNearZero = 0;
+    double m_least = 0, m_greatest = 0, m_turns = 0;
+    SDirectionSums m_directions;
 };
 
 class CTrvStatisticsQuery final : public TPeriodQuery<CTrvStatisticsQuery> {

@@ -111,12 +111,18 @@ std::optional<EQueryEnd> CTrvView1DDataQuery::Reduce(CXpfChannel& channel, std::
     CChannelWalk walk(channel, payloadSize);
     std::optional<CIndexReduction> blocks;
     if (index) blocks.emplace(*GetIndex(), *index, walk, collector, m_cancel);
+    auto nextPart = std::chrono::steady_clock::now() + m_partInterval;
     for (;;) {
         if (blocks) blocks->Advance();
         const auto payloads = walk.Next([&collector] { collector.Settle(); });
         // After the read: an interrupted read is no end of the file.
         if (m_cancel.IsSet()) return EQueryEnd::cancelled;
         if (payloads.empty() || !collector.Add(payloads)) break;
+        if (!m_onPart || series.representatives.empty()) continue;
+        if (const auto now = std::chrono::steady_clock::now(); now >= nextPart) {
+            nextPart = now + m_partInterval;
+            m_onPart(collector.TakeFinished());
+        }
     }
     // The end of the file closes the slice at hand as the window's end does.
     collector.Flush();

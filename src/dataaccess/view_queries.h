@@ -7,6 +7,7 @@
 #include "dataaccess/date_search.h"
 #include "xpf/file.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -149,6 +150,16 @@ class CTrvView1DDataQuery : public CTrvDataQuery {
     const SWindow& GetWindow() const { return m_window; }
     SReducedSeries TakeSeries() { return std::move(m_series); }
 
+    // Hands over what is complete of a long walk every `interval`, on the loader thread: the slices since the
+    // last time. The series at the end has the rest. Before the query is submitted; `onPart` must not be
+    // empty.
+    using PartSink = std::function<void(SReducedSeries part)>;
+    static constexpr std::chrono::milliseconds kPartInterval{100};
+    void SetPartSink(PartSink onPart, std::chrono::milliseconds interval = kPartInterval) {
+        m_onPart = std::move(onPart);
+        m_partInterval = interval;
+    }
+
     void OnFinished(bool success) override {
         if (m_onDone) m_onDone(success, std::move(m_series));
     }
@@ -170,6 +181,8 @@ class CTrvView1DDataQuery : public CTrvDataQuery {
 
     SWindow m_window;
     Callback m_onDone;
+    PartSink m_onPart;
+    std::chrono::milliseconds m_partInterval{};
     SReducedSeries m_series;
 };
 

@@ -1,6 +1,7 @@
 #include "graph/channel_feed.h"
 
 #include "config/config_file.h"
+#include "dataaccess/sampled_view_query.h"
 #include "foundation/paths.h"
 #include "foundation/texts.h"
 #include "graph/extent_query.h"
@@ -28,6 +29,16 @@ constexpr double kDefaultWidth = 1000;
 bool IsFault(const CTrvDataQuery& query) {
     return query.GetError() == CTrvDataQuery::EError::noFile ||
            query.GetError() == CTrvDataQuery::EError::damaged;
+}
+
+// Whether the data at hand reaches over all of the window that the channel has data for. A little that is
+// missing at an end is no reason to show less of the rest.
+bool Covers(const CTrv1DGraphDataset* dataset, const SWindow& window, CDateTimeSpan first,
+            CDateTimeSpan last) {
+    CDateTimeSpan begin, end;
+    if (!dataset || !dataset->GetExtent(begin, end)) return first > window.end || last < window.start;
+    const CDateTimeSpan slack((window.end - window.start).GetTicks() / 10);
+    return begin <= std::max(first, window.start) + slack && end >= std::min(last, window.end) - slack;
 }
 
 // The project may have been closed since the query began.
@@ -69,6 +80,12 @@ bool CTrv1DChannelFeed::IsLoading() const {
     return std::any_of(m_channels.begin(), m_channels.end(), [](const auto& entry) {
         const SChannel& channel = entry.second;
         return channel.extentQuery || channel.windowQuery || channel.refresh;
+    });
+}
+
+bool CTrv1DChannelFeed::IsResultGrowing() const {
+    return std::any_of(m_channels.begin(), m_channels.end(), [this](const auto& entry) {
+        return entry.second.quietLooks < SChannel::kQuiet && IsResult(entry.first);
     });
 }
 
@@ -137,6 +154,8 @@ void CTrv1DChannelFeed::Update() {
                 if (channel.origin == origin) return;
                 // The data moves on the screen as a whole; what is shown of it is read again.
                 channel.dataset.reset();
+                channel.preview.reset();
+                channel.growing.reset();
                 changed.push_back(key);
             }
             channel.address = address;
@@ -144,10 +163,14 @@ void CTrv1DChannelFeed::Update() {
         });
     for (auto& [key, channel] : m_channels) Withdraw(channel);
     m_channels = std::move(channels);
-    for (const SChannelKey& key : changed) AskWindow(key, m_channels[key]);
+    for (const SChannelKey& key : changed) {
+        WithdrawWindow(m_channels[key]);
+        AskPreview(key, m_channels[key]);
+        AskWindow(key, m_channels[key]);
+    }
     for (auto& [key, channel] : m_channels)
         if (!channel.answered && !channel.extentQuery) AskExtent(key, channel);
-    for (const auto& [key, channel] : m_channels) m_stack.SetDataset(key, channel.dataset);
+    for (const auto& [key, channel] : m_channels) Show(key, channel);
     UpdateFullExtent();
 }
 
@@ -162,7 +185,7 @@ void CTrv1DChannelFeed::Forget(const Outils_Objets::CObject* file) {
 
 void CTrv1DChannelFeed::Withdraw(SChannel& channel) {
     // Forgotten before it is cancelled, so that its answer finds nobody.
-    for (auto* query : {&channel.extentQuery, &channel.windowQuery})
+    for (auto* query : {&channel.extentQuery, &channel.previewQuery, &channel.windowQuery})
         if (const auto old = std::exchange(*query, nullptr)) m_document.GetQueryManager().Cancel(old);
 }
 
@@ -194,12 +217,10 @@ void CTrv1DChannelFeed::AskExtent(const SChannelKey& key, SChannel& channel) {
     m_document.GetQueryManager().Submit(query);
 }
 
-void CTrv1DChannelFeed::AskWindow(const SChannelKey& key, SChannel& channel) {
-    if (const auto old = std::exchange(channel.windowQuery, nullptr))
-        m_document.GetQueryManager().Cancel(old);
+std::optional<SWindow> CTrv1DChannelFeed::MakeWindow(const SChannel& channel) const {
     const auto& [start, end] = m_stack.GetPeriod();
     const CDateTimeSpan first = start - channel.origin, last = end - channel.origin;
-    if (!m_stack.HasPeriod() || !channel.hasData || !first.IsValid() || !last.IsValid()) return;
+    if (!m_stack.HasPeriod() || !channel.hasData || !first.IsValid() || !last.IsValid()) return {};
 
     const double ratio = Config().Get(Cnf<"view1D/subSamplingRatio">);
     const double width = m_askedWidth > 0 ? m_askedWidth : kDefaultWidth;
@@ -210,11 +231,42 @@ void CTrv1DChannelFeed::AskWindow(const SChannelKey& key, SChannel& channel) {
     window.end = last;
     window.slice = CDateTimeSpan(static_cast<std::int64_t>(std::clamp(slice, 1.0, 1e18)));
     window.collectExtremum = Config().Get(Cnf<"view1D/collectExtremum">);
+    return window;
+}
 
+// What has come so far of the window stays on the screen.
+void CTrv1DChannelFeed::WithdrawWindow(SChannel& channel) {
+    for (auto* query : {&channel.previewQuery, &channel.windowQuery})
+        if (const auto old = std::exchange(*query, nullptr)) m_document.GetQueryManager().Cancel(old);
+    if (channel.ShowsGrowing()) channel.dataset = channel.growing;
+    channel.growing.reset();
+}
+
+void CTrv1DChannelFeed::AskPreview(const SChannelKey& key, SChannel& channel) {
+    const auto window = MakeWindow(channel);
+    if (!window || Covers(channel.dataset.get(), *window, channel.first, channel.last)) return;
+    auto query = std::make_shared<CTrvSampledViewQuery>(
+        channel.address, *window, [self = m_self, key](CTrvSampledViewQuery& answer, SReducedSeries series) {
+            if (*self) (*self)->OnPreview(key, answer, std::move(series), answer.GetWindow());
+        });
+    channel.previewQuery = query;
+    m_document.GetQueryManager().Submit(query);
+}
+
+void CTrv1DChannelFeed::AskWindow(const SChannelKey& key, SChannel& channel) {
+    const auto window = MakeWindow(channel);
+    if (!window) return;
     auto query = std::make_shared<CWindowQuery>(
-        channel.address, window, [self = m_self, key](CWindowQuery& answer, bool success, bool cancelled) {
+        channel.address, *window, [self = m_self, key](CWindowQuery& answer, bool success, bool cancelled) {
             if (*self) (*self)->OnWindow(key, answer, success, cancelled);
         });
+    // The query is not destroyed before its end has been posted, after all of its parts.
+    query->SetPartSink([self = m_self, key, sender = query.get(),
+                        target = &m_document.GetMessageTarget()](SReducedSeries part) {
+        target->Post([self, key, sender, held = std::make_shared<SReducedSeries>(std::move(part))] {
+            if (*self) (*self)->OnPart(key, *sender, std::move(*held));
+        });
+    });
     channel.windowQuery = query;
     m_document.GetQueryManager().Submit(query);
 }
@@ -224,15 +276,20 @@ void CTrv1DChannelFeed::AskWindows() {
     m_askedPeriod = m_stack.GetPeriod();
     // All of the old period are withdrawn before the first of the new one is queued, and the top graph comes
     // first.
-    for (auto& [key, channel] : m_channels)
-        if (const auto old = std::exchange(channel.windowQuery, nullptr))
-            m_document.GetQueryManager().Cancel(old);
-    for (const auto& portlet : m_stack.GetPortlets())
-        portlet->ForEachSource([&](const CTrv1DGraphDataSource& source) {
-            const auto place = m_channels.find(source.GetChannel());
-            if (place != m_channels.end() && !place->second.windowQuery)
-                AskWindow(place->first, place->second);
-        });
+    for (auto& [key, channel] : m_channels) WithdrawWindow(channel);
+    const auto forEachChannel = [this](auto&& ask) {
+        for (const auto& portlet : m_stack.GetPortlets())
+            portlet->ForEachSource([&](const CTrv1DGraphDataSource& source) {
+                const auto place = m_channels.find(source.GetChannel());
+                if (place != m_channels.end()) ask(place->first, place->second);
+            });
+    };
+    forEachChannel([this](const SChannelKey& key, SChannel& channel) {
+        if (!channel.previewQuery) AskPreview(key, channel);
+    });
+    forEachChannel([this](const SChannelKey& key, SChannel& channel) {
+        if (!channel.windowQuery) AskWindow(key, channel);
+    });
 }
 
 void CTrv1DChannelFeed::FollowPeriod() {
@@ -272,20 +329,59 @@ void CTrv1DChannelFeed::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
     const bool read = std::exchange(channel.force, false) || !sameStart || growth;
     channel.answered = true;
     const CDateTimeSpan formerEnd = channel.last + channel.origin;
+    const bool grew = hadData && success && query.GetLast() > channel.last;
+    channel.quietLooks = grew ? 0 : std::min(channel.quietLooks + 1, SChannel::kQuiet);
     channel.first = query.GetFirst();
     channel.last = query.GetLast();
     if (!success) {
         // The file is whole and has no such channel, or no packet of it yet: its curves are no longer true.
         Withdraw(channel);
         channel.dataset.reset();
-        m_stack.SetDataset(key, nullptr);
+        channel.preview.reset();
+        channel.growing.reset();
+        Show(key, channel);
     }
     const SPeriod asked = m_askedPeriod;
     if (hadData && success && IsResult(key)) FollowEnd(formerEnd, channel.last + channel.origin);
     UpdateFullExtent();
     // Where the displayed time followed, all was asked for.
-    if (read && m_askedPeriod == asked) AskWindow(key, channel);
+    if (read && m_askedPeriod == asked) {
+        WithdrawWindow(channel);
+        AskPreview(key, channel);
+        AskWindow(key, channel);
+    }
     StartRefreshes();
+    m_onChanged();
+}
+
+void CTrv1DChannelFeed::Show(const SChannelKey& key, const SChannel& channel) {
+    m_stack.SetDataset(key, channel.GetShown(), channel.preview);
+}
+
+void CTrv1DChannelFeed::OnPreview(const SChannelKey& key, const CAsyncQuery& query, SReducedSeries series,
+                                  const SWindow& window) {
+    const auto place = m_channels.find(key);
+    if (place == m_channels.end() || place->second.previewQuery.get() != &query) return;
+    SChannel& channel = place->second;
+    channel.previewQuery.reset();
+    const auto count = static_cast<std::int64_t>(series.representatives.size());
+    if (count < 2) return;
+    const CDateTimeSpan bucket((window.end - window.start).GetTicks() / count);
+    channel.preview = std::make_shared<CTrv1DGraphDataset>(std::move(series), bucket, channel.origin);
+    Show(key, channel);
+    m_onChanged();
+}
+
+void CTrv1DChannelFeed::OnPart(const SChannelKey& key, const CWindowQuery& query, SReducedSeries part) {
+    const auto place = m_channels.find(key);
+    if (place == m_channels.end() || place->second.windowQuery.get() != &query) return;
+    SChannel& channel = place->second;
+    if (!channel.growing)
+        channel.growing =
+            std::make_shared<CTrv1DGraphDataset>(SReducedSeries(), query.GetWindow().slice, channel.origin);
+    channel.growing->Append(std::move(part));
+    if (!channel.ShowsGrowing()) return;
+    Show(key, channel);
     m_onChanged();
 }
 
@@ -296,10 +392,16 @@ void CTrv1DChannelFeed::OnWindow(const SChannelKey& key, CWindowQuery& query, bo
     channel.windowQuery.reset();
     if (!success && !cancelled && IsFault(query)) ReportFault(m_document, key);
     if (success && !cancelled) {
-        channel.dataset =
-            std::make_shared<CTrv1DGraphDataset>(query.TakeSeries(), query.GetWindow().slice, channel.origin);
-        m_stack.SetDataset(key, channel.dataset);
+        if (!channel.growing)
+            channel.growing = std::make_shared<CTrv1DGraphDataset>(SReducedSeries(), query.GetWindow().slice,
+                                                                   channel.origin);
+        channel.growing->Append(query.TakeSeries());
+        channel.dataset = channel.growing;
     }
+    // Of a window that was not read to its end nothing stays: what was shown before comes back.
+    channel.growing.reset();
+    channel.preview.reset();
+    Show(key, channel);
     StartRefreshes();
     m_onChanged();
 }

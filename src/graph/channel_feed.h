@@ -1,5 +1,9 @@
 // Keeps the curves of a stack supplied: asks for the data of each shown channel in the background and hands
 // the answers to the stack. UI thread; answers come through the document's message target.
+//
+// A window that is not on the screen yet is asked for twice: packets here and there first, for all channels,
+// then every packet. What comes of the second answer while it is being read takes the place of the first from
+// left to right.
 #pragma once
 
 #include "document/document.h"
@@ -8,6 +12,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Presentation_Tarvel_Graphics {
@@ -40,6 +45,8 @@ class CTrv1DChannelFeed {
     // Looks at the channels of a file again, of all files for null. `force` reads the displayed time again
     // even where the file has not grown.
     void Refresh(const Outils_Objets::CObject* file, bool force);
+    // The result has grown at one of the last looks, and may go on.
+    bool IsResultGrowing() const;
     // Asks for the displayed time of every channel. Data on the screen stays until better data comes.
     void AskWindows();
     // The same if the displayed time is not the one that was asked for last.
@@ -50,19 +57,30 @@ class CTrv1DChannelFeed {
 
   private:
     class CWindowQuery;
+    using Dataset = std::shared_ptr<CTrv1DGraphDataset>;
 
     struct SChannel {
         Application_Tarvel::SChannelAddress address;
-        CDateTimeSpan origin;                              // file time to simulation time
-        std::shared_ptr<const CTrv1DGraphDataset> dataset; // the last that came; may be null
-        CDateTimeSpan first, last;                         // of the data, in file time
+        CDateTimeSpan origin; // file time to simulation time
+        Dataset dataset;      // the last that came whole, or that was shown when another window was asked for
+        Dataset preview;      // of the window under way; may be null, as the others
+        Dataset growing;      // what has come so far of the window under way
+        CDateTimeSpan first, last; // of the data, in file time
         bool hasData = false;
         bool fault = false;    // the file could not be read
         bool answered = false; // where its data lies is known, or that it has none
         bool refresh = false;  // look at the file again as soon as no query is under way
-        bool force = false;    // and read the window again even if the file has not grown
-        std::shared_ptr<Application_Tarvel::CAsyncQuery> extentQuery; // under way, or null
-        std::shared_ptr<Application_Tarvel::CAsyncQuery> windowQuery; // under way, or null
+        // Looks since the last that saw it grow. A writer that fills a buffer first grows in leaps.
+        static constexpr int kQuiet = 20;
+        int quietLooks = kQuiet;
+        bool force = false; // and read the window again even if the file has not grown
+        std::shared_ptr<Application_Tarvel::CAsyncQuery> extentQuery;  // under way, or null
+        std::shared_ptr<Application_Tarvel::CAsyncQuery> previewQuery; // the same
+        std::shared_ptr<Application_Tarvel::CAsyncQuery> windowQuery;
+
+        // Data at hand that covers the window is not replaced by less.
+        bool ShowsGrowing() const { return growing && (preview || !dataset); }
+        const Dataset& GetShown() const { return ShowsGrowing() ? growing : dataset; }
     };
     using Channels = std::map<SChannelKey, SChannel>;
 
@@ -70,8 +88,16 @@ class CTrv1DChannelFeed {
     void Withdraw(SChannel& channel);
     void StartRefreshes();
     void AskExtent(const SChannelKey& key, SChannel& channel);
+    // Both ends of the displayed time, on the channel's own clock; none when there is nothing to ask for.
+    std::optional<Application_Tarvel::SWindow> MakeWindow(const SChannel& channel) const;
+    void AskPreview(const SChannelKey& key, SChannel& channel);
     void AskWindow(const SChannelKey& key, SChannel& channel);
+    void WithdrawWindow(SChannel& channel);
+    void Show(const SChannelKey& key, const SChannel& channel);
     void OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success, bool cancelled);
+    void OnPreview(const SChannelKey& key, const Application_Tarvel::CAsyncQuery& query,
+                   Application_Tarvel::SReducedSeries series, const Application_Tarvel::SWindow& window);
+    void OnPart(const SChannelKey& key, const CWindowQuery& query, Application_Tarvel::SReducedSeries part);
     void OnWindow(const SChannelKey& key, CWindowQuery& query, bool success, bool cancelled);
     void UpdateFullExtent();
     bool IsResult(const SChannelKey& key) const;

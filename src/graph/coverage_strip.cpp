@@ -14,6 +14,7 @@ using Outils_Plot2D::SStringFormat;
 using Outils_Plot2D::StringAlignment;
 using Outils_Texte::EText;
 using Outils_Texte::FormatText;
+using Outils_Texte::GetText;
 
 namespace {
 
@@ -81,7 +82,12 @@ void DrawStrip(const CTrv1DCoverage& coverage, const CTrv1DGraphStack& stack, CG
         graphics.DrawString(file.name, font, SPoint{axis.GetArea().x - 2 * kPadding, middle}, format,
                             theme.text);
         graphics.ResetClip();
-        if (file.coverage.extent) {
+        if (!file.coverage.extent) {
+            SStringFormat notice;
+            notice.lineAlign = StringAlignment::Center;
+            graphics.DrawString(GetText(file.known ? EText::noData : EText::loading), font,
+                                SPoint{axis.GetArea().x + kPadding, middle}, notice, theme.notice);
+        } else {
             ForEachStretch(file.coverage, [&](const SPeriod& period) {
                 const float left = axis.ToX(period.start), right = axis.ToX(period.end);
                 if (right > left || (left > axis.GetArea().x && left < axis.GetArea().Right()))
@@ -107,6 +113,7 @@ std::optional<SStripHit> HitStrip(const CTrv1DCoverage& coverage, const CTrv1DGr
         return {};
     const auto& file = coverage.GetFiles()[static_cast<std::size_t>(row)];
     const auto& time = stack.GetTimeText();
+    if (!file.known) return SStripHit{file.name + ": " + std::string(GetText(EText::loading)), {}};
     if (!file.coverage.extent) return SStripHit{FormatText(EText::stripEmpty, {file.name}), {}};
     const auto format = [&](EText text, const SPeriod& period) {
         return FormatText(text, {file.name, time.Format(period.start), time.Format(period.end)});

@@ -64,8 +64,9 @@ void CTrv1DCsvExport::Add(const SChannelKey& key, const SSimulationTimeText& tim
     channel.period = {period.start - origin, period.end - origin};
     channel.name = layer->m_name;
     channel.clock.origin = origin;
-    channel.clock.heading = time.ShowsUtc() ? std::string("Date [UTC]") : std::string("Date [s]");
-    if (time.ShowsUtc()) channel.clock.zero = *time.utcReference + origin;
+    // Whatever the axis counts: another program needs no reference to read a date.
+    channel.clock.heading = time.utcReference ? "Date [UTC]" : "Date [s]";
+    if (time.utcReference) channel.clock.zero = *time.utcReference + origin;
     for (std::uint32_t i = 0; i < layout->fields.size(); ++i)
         if (layout->fields[i].type != Persistance_Xpf::EFieldType::date)
             channel.columns.push_back(MakeColumn(layout->fields[i], i, m_adaptors));

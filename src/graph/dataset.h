@@ -27,8 +27,8 @@ struct SChannelKey {
     friend auto operator<=>(const SChannelKey&, const SChannelKey&) = default;
 };
 
-// Shared by all curves that show the channel, which read different fields of it; never changes once it is
-// made.
+// Shared by all curves that show the channel, which read different fields of it. Grows at its end while its
+// window is being read, and never changes otherwise.
 class CTrv1DGraphDataset {
   public:
     // `bucket` is the width of a bucket. The date of a packet plus `origin` is simulation time.
@@ -40,6 +40,11 @@ class CTrv1DGraphDataset {
         const std::size_t count = m_series.representatives.size();
         return count > 0 && m_series.minima.size() == count && m_series.maxima.size() == count;
     }
+    // The slices that follow.
+    void Append(Application_Tarvel::SReducedSeries part);
+    // The dates of the first and the last packet, on the clock of the file; false when there is none.
+    bool GetExtent(CDateTimeSpan& first, CDateTimeSpan& last) const;
+
     const PacketList& GetRepresentatives() const { return m_series.representatives; }
     const PacketList& GetMinima() const { return m_series.minima; }
     const PacketList& GetMaxima() const { return m_series.maxima; }

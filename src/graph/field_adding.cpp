@@ -33,7 +33,9 @@ CTrv1DGraphMeasure* FindLast(const Metier_Tarvel::CTrvProject& project, const CT
 
 } // namespace
 
-std::size_t AddToNewGraphs(CTrvDocument& document, const FieldList& fields) {
+std::size_t AddToNewGraphs(CTrv1DGraphLoader& graphs, const FieldList& fields) {
+    graphs.SaveDefaults();
+    auto& document = graphs.GetDocument();
     std::size_t count = 0;
     for (const CTrvFieldDef* field : fields) {
         const auto* project = document.GetProject();
@@ -47,12 +49,13 @@ std::size_t AddToNewGraphs(CTrvDocument& document, const FieldList& fields) {
     return count;
 }
 
-std::size_t AddToSelectedGraph(CTrvDocument& document, const CTrv1DGraphStack& stack,
-                               const FieldList& fields) {
+std::size_t AddToSelectedGraph(CTrv1DGraphLoader& graphs, const FieldList& fields) {
+    graphs.SaveDefaults();
+    auto& document = graphs.GetDocument();
     FieldList others;
     std::size_t count = 0;
     for (const CTrvFieldDef* field : fields) {
-        const CTrv1DGraphPortlet* selected = stack.GetSelected();
+        const CTrv1DGraphPortlet* selected = graphs.GetStack().GetSelected();
         const auto* project = document.GetProject();
         if (project && selected && selected->GetGraph() && CanDrop(*project, selected, *field) &&
             Drop(document, selected, *field))
@@ -60,7 +63,7 @@ std::size_t AddToSelectedGraph(CTrvDocument& document, const CTrv1DGraphStack& s
         else
             others.push_back(field);
     }
-    return count + AddToNewGraphs(document, others);
+    return count + AddToNewGraphs(graphs, others);
 }
 
 std::string NameFields(const FieldList& fields) {
@@ -76,7 +79,9 @@ std::string DescribeDrop(const Metier_Tarvel::CTrvProject& project, const CTrv1D
     if (fitting.empty())
         return portlet ? FormatText(EText::dropOtherKind, {portlet->GetTitle()})
                        : std::string(GetText(EText::dropNowhere));
-    if (!portlet || !portlet->GetGraph()) return FormatText(EText::dropGraph, {NameFields(fitting)});
+    // A default graph takes fields as well, once it is saved; one that shows nothing is not saved.
+    const bool isGraph = portlet && (portlet->GetGraph() || !portlet->GetCurves().empty());
+    if (!isGraph) return FormatText(EText::dropGraph, {NameFields(fitting)});
     return FormatText(EText::dropCurve, {NameFields(fitting), portlet->GetTitle()});
 }
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "graph/field_drop.h"
-#include "graph/stack.h"
+#include "graph/loader.h"
 
 #include <string>
 #include <vector>
@@ -11,13 +11,12 @@ namespace Presentation_Tarvel_Graphics {
 
 using FieldList = std::vector<const Metier_Tarvel_DataModel::CTrvFieldDef*>;
 
-// Each returns how many fields were added.
+// Each returns how many fields were added. The default graphs become part of the project before.
 
 // Measures whose values fit together share a new graph; an enumeration has one of its own.
-std::size_t AddToNewGraphs(Application_Tarvel::CTrvDocument& document, const FieldList& fields);
+std::size_t AddToNewGraphs(CTrv1DGraphLoader& graphs, const FieldList& fields);
 // To the selected graph of the stack what fits there, the others to new graphs.
-std::size_t AddToSelectedGraph(Application_Tarvel::CTrvDocument& document, const CTrv1DGraphStack& stack,
-                               const FieldList& fields);
+std::size_t AddToSelectedGraph(CTrv1DGraphLoader& graphs, const FieldList& fields);
 
 // "Heading", or "3 fields".
 std::string NameFields(const FieldList& fields);

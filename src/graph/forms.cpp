@@ -17,16 +17,31 @@ using Outils_Texte::FormatText;
 
 namespace {
 
-constexpr SFormChoice kColours[] = {
+constexpr std::pair<EText, Colour> kColours[] = {
     {EText::colorBlack, 0xFF000000},     {EText::colorOrange, 0xFFE69F00}, {EText::colorSky, 0xFF56B4E9},
     {EText::colorGreen, 0xFF009E73},     {EText::colorYellow, 0xFFF0E442}, {EText::colorBlue, 0xFF0072B2},
     {EText::colorVermilion, 0xFFD55E00}, {EText::colorPurple, 0xFFCC79A7},
 };
+// By the style.
+constexpr EText kStyles[] = {EText::lineSolid, EText::lineDashes, EText::lineDots, EText::lineDashDots,
+                             EText::lineLongDashes};
+static_assert(std::size(kStyles) == static_cast<std::size_t>(ELineStyle::count));
 
-std::vector<SFormChoice> ColoursBeside(Colour present) {
-    std::vector<SFormChoice> choices = {{EText::colorNow, present}};
-    choices.insert(choices.end(), std::begin(kColours), std::end(kColours));
-    return choices;
+// The lines of the form of a curve.
+enum ECurveLine : std::size_t { lineLabel, lineColour, lineStyle, lineFactor };
+
+std::vector<SFormLine> MakeCurveLines(const CTrv1DCurve& curve) {
+    const SCurveLook look = ReadLook(curve.color);
+    SFormLine colour{EText::fieldColor}, style{EText::fieldLine, EText::helpCurveLine};
+    colour.choices = {{EText::colorNow, {look.colour, ELineStyle::solid}}};
+    for (const auto& [name, value] : kColours) colour.choices.push_back({name, {value, ELineStyle::solid}});
+    for (std::size_t i = 0; i < std::size(kStyles); ++i)
+        style.choices.push_back({kStyles[i], {look.colour, static_cast<ELineStyle>(i)}});
+    style.choice = static_cast<std::size_t>(look.style);
+    return {{EText::fieldLabel, EText::helpCurveName, curve.label},
+            std::move(colour),
+            std::move(style),
+            {EText::fieldFactor, EText::helpCurveFactor, Outils_Texte::FormatShortest(curve.factor)}};
 }
 
 std::string Trim(const std::string& text) {
@@ -41,12 +56,7 @@ SFormRefusal Refuse(EText text, std::initializer_list<std::string_view> argument
 } // namespace
 
 CCurveForm::CCurveForm(CTrvDocument& document, CTrv1DCurve& curve)
-    : CForm(EText::curveProperties,
-            {{EText::fieldLabel, EText::helpCurveName, curve.label},
-             {EText::fieldColor, Outils_Texte::kNoText, {}, ColoursBeside(curve.color)},
-             {EText::fieldFactor, EText::helpCurveFactor, Outils_Texte::FormatShortest(curve.factor)}}),
-      m_document(document),
-      m_curve(curve) {}
+    : CForm(EText::curveProperties, MakeCurveLines(curve)), m_document(document), m_curve(curve) {}
 
 // Only compares.
 bool CCurveForm::IsStillThere() const {
@@ -59,16 +69,15 @@ bool CCurveForm::IsStillThere() const {
 }
 
 std::optional<SFormRefusal> CCurveForm::OnOK() {
-    const std::string label = Trim(GetText(0));
-    if (label.empty()) return Refuse(EText::labelMissing, {}, 0);
-    std::string typed = Trim(GetText(2));
+    const std::string label = Trim(GetText(lineLabel));
+    if (label.empty()) return Refuse(EText::labelMissing, {}, lineLabel);
+    std::string typed = Trim(GetText(lineFactor));
     std::ranges::replace(typed, ',', '.');
     const auto factor = Outils_Texte::ParseDouble(typed);
     if (!factor || !std::isfinite(*factor) || *factor == 0)
-        return Refuse(EText::factorRefused, {GetText(2)}, 2);
+        return Refuse(EText::factorRefused, {GetText(lineFactor)}, lineFactor);
     if (!IsStillThere()) return {};
-    const auto& line = GetLines()[1];
-    const Colour colour = line.choices[line.choice].colour;
+    const Colour colour = WriteLook({GetLook(lineColour).colour, GetLook(lineStyle).style});
     if (label == m_curve.label && colour == m_curve.color && *factor == m_curve.factor) return {};
     m_document.GetEdits().Do(Edits::kChange1DCurve, m_curve, {label, colour, *factor});
     return {};

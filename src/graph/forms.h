@@ -12,16 +12,17 @@
 
 namespace Presentation_Tarvel_Graphics {
 
+// A colour, or a style of a line.
 struct SFormChoice {
     Outils_Texte::EText name;
-    Colour colour;
+    SCurveLook look;
 };
 
 struct SFormLine {
     Outils_Texte::EText label;
     Outils_Texte::EText help = Outils_Texte::kNoText;
     std::string text{};                 // as typed
-    std::vector<SFormChoice> choices{}; // colours to choose from, in place of a text
+    std::vector<SFormChoice> choices{}; // to choose from, in place of a text
     std::size_t choice = 0;
 };
 
@@ -44,13 +45,17 @@ class CForm {
     CForm(Outils_Texte::EText title, std::vector<SFormLine> lines)
         : m_title(title), m_lines(std::move(lines)) {}
     const std::string& GetText(std::size_t line) const { return m_lines[line].text; }
+    // What is chosen in a line of choices.
+    const SCurveLook& GetLook(std::size_t line) const {
+        return m_lines[line].choices[m_lines[line].choice].look;
+    }
 
   private:
     Outils_Texte::EText m_title;
     std::vector<SFormLine> m_lines;
 };
 
-// Label, colour and factor of a saved curve. The colours are those that colour-blind readers tell apart
+// Label, colour, line and factor of a saved curve. The colours are those that colour-blind readers tell apart
 // (Okabe and Ito, "Color Universal Design", 2008).
 class CCurveForm final : public CForm {
   public:

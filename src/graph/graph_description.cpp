@@ -73,13 +73,16 @@ SGraphDescription DescribeMeasure(CTrv1DGraphMeasure& saved, const CTrvProject& 
     std::uint32_t nature = Persistance_Xpf::natureUnknown;
     FindGraphNature(project, saved, nature);
     SGraphDescription graph{&saved, saved.title, &adaptors.GetForNature(nature), {}, {}};
-    for (const auto& curve : saved.curves)
+    for (const auto& curve : saved.curves) {
+        const SCurveLook look = ReadLook(curve->color);
         graph.curves.push_back({curve->label,
                                 {curve->dataFile, curve->channel},
                                 curve->field,
                                 curve->factor,
-                                curve->color,
-                                curve.get()});
+                                look.colour,
+                                curve.get(),
+                                look.style});
+    }
     return graph;
 }
 

@@ -2,9 +2,9 @@
 // thread.
 #pragma once
 
+#include "graph/curve_style.h"
 #include "graph/dataset.h"
 #include "model/project.h"
-#include "plot/pens.h"
 #include "values/adaptors.h"
 
 #include <string>
@@ -12,7 +12,6 @@
 
 namespace Presentation_Tarvel_Graphics {
 
-using Outils_Plot2D::Colour;
 using Outils_Valeurs::CNumericValueAdaptor;
 
 // One serie. `curve` is the saved one, or null for a chronogram and for a default graph.
@@ -23,6 +22,7 @@ struct SCurveDescription {
     double factor = 1.0;
     Colour colour = 0xFF000000;
     const Metier_Tarvel_Graphics::CTrv1DCurve* curve = nullptr;
+    ELineStyle style = ELineStyle::solid;
 };
 
 struct SGraphDescription {

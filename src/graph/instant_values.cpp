@@ -164,8 +164,9 @@ bool CTrvInstantValues::GetValue(const SValueRow& row, std::size_t moment, doubl
 
 std::string CTrvInstantValues::DescribeSample(const SValueRow& row, std::size_t moment) const {
     const SSample& sample = m_moments.Get(row.channel, moment);
-    return FormatText(EText::sampleAtCursorTip, {m_timeText.Format(sample.date), std::to_string(sample.place.number),
-                                         std::to_string(sample.place.position.Get())});
+    return FormatText(EText::sampleAtCursorTip,
+                      {m_timeText.Format(sample.date), std::to_string(sample.place.number),
+                       std::to_string(sample.place.position.Get())});
 }
 
 std::string CTrvInstantValues::FormatState(const SValueRow& row, double value) const {

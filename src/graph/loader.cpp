@@ -62,6 +62,12 @@ void CTrv1DGraphLoader::Relayout() {
 
 bool CTrv1DGraphLoader::IsLoading() const { return m_feed.IsLoading(); }
 
+void CTrv1DGraphLoader::LookForGrowth() {
+    const auto* project = m_document.GetProject();
+    if (!project || IsLoading() || (m_running && !Config().Get(Cnf<"view1D/displayAutoRefresh">))) return;
+    m_feed.Refresh(project->simulationParameters->outputFile.get(), false);
+}
+
 double CTrv1DGraphLoader::GetTimeFactor(double steps) const {
     const double in = Factor(Config().Get(Cnf<"view1D/horizontalZoomScaleFactor">), 0.5);
     const double out = Factor(Config().Get(Cnf<"view1D/horizontalUnzoomScaleFactor">), 2);
@@ -285,8 +291,9 @@ void CTrv1DGraphLoader::MoveRanges(const std::map<const CTrv1DGraphPortlet*, SGr
     }
 }
 
-void CTrv1DGraphLoader::UpdateNotices() {
+bool CTrv1DGraphLoader::UpdateNotices() {
     for (const auto& portlet : m_stack.GetPortlets()) portlet->SetNotice(m_feed.GetNotice(*portlet));
+    return m_document.IsAnalysing();
 }
 
 void CTrv1DGraphLoader::Changed(bool layout) {

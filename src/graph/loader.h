@@ -37,6 +37,13 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
 
     // Queries are under way: the picture is not final yet.
     bool IsLoading() const;
+    // What graphs without points say, brought up to date: nobody reports the end of an analysis. True while
+    // one is under way, and it may change again.
+    bool UpdateNotices();
+    // The result grows, and its end is on the way to the screen. The document hears of growth every few
+    // seconds; a view that wants to keep up looks itself while this is true.
+    bool IsResultGrowing() const { return m_feed.IsResultGrowing(); }
+    void LookForGrowth();
     // There is a project to show.
     bool HasProject() const { return m_document.GetProject() != nullptr; }
 
@@ -91,7 +98,6 @@ class CTrv1DGraphLoader final : public Application_Tarvel::IDocumentView {
     double GetValueFactor(double steps) const;
     void ForgetResult();
     SSimulationTimeText MakeTimeText() const;
-    void UpdateNotices();
     void Changed(bool layout);
     const Outils_Configuration::CTrvCnfConfigFile& Config() const { return m_document.GetConfiguration(); }
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -18,6 +19,8 @@ constexpr float kLegendWidth = 150;
 constexpr float kLabelGap = 6; // labels are three pixels from the plotting area; as much again to their left
 constexpr float kTimeLabelGap = 14;
 constexpr float kNoticeHeight = 14;
+constexpr double kMiddle = 50;               // percent
+constexpr std::int64_t kOnlyOne = 1'000'000; // ticks, more than any display has
 
 // By the place of a curve in its graph: the first has none.
 constexpr EMarker kMarkers[] = {EMarker::none,     EMarker::square,  EMarker::disc,
@@ -30,7 +33,7 @@ constexpr int kStrides[] = {1, 2, 4, 5, 10, 20, 50, 100};
 
 CTrv1DGraphPortlet::CTrv1DGraphPortlet(CPlot2DSettings& settings, const SSimulationTimeText& timeText,
                                        const SGraphDescription& description)
-    : m_plot(settings), m_graph(description.graph), m_title(description.title) {
+    : m_plot(settings), m_graph(description.graph), m_title(description.title), m_timeText(timeText) {
     auto scale = std::make_unique<CTrv1DGraphSimulationTimeScale>(timeText);
     auto formater = std::make_unique<CTrv1DGraphTimeAdaptorFormater>(*scale, timeText);
     m_timeScale = scale.get();
@@ -95,12 +98,13 @@ void CTrv1DGraphPortlet::UpdateSerie(SEntry& entry, const SCurveDescription& wan
     if (!ReadsTheSame(entry.shown, wanted)) {
         auto source = MakeSource(wanted);
         if (wanted.channel == entry.shown.channel)
-            source->SetDataset(
-                static_cast<CTrv1DGraphDataSource*>(entry.serie->GetDataSource())->GetDataset());
+            if (const auto* former = static_cast<CTrv1DGraphDataSource*>(entry.serie->GetDataSource()))
+                source->SetDataset(former->GetDataset(), former->GetPreview());
         entry.serie->SetDataSource(std::move(source));
     }
     entry.serie->SetName(wanted.name);
     entry.serie->SetColor(wanted.colour);
+    entry.serie->SetLineStyle(wanted.style);
     entry.shown = wanted;
     if (m_timeScale->GetDisplayStart() < m_timeScale->GetDisplayEnd())
         static_cast<CTrv1DGraphDataSource*>(entry.serie->GetDataSource())
@@ -149,7 +153,7 @@ void CTrv1DGraphPortlet::OnDataChanged() {}
 bool CTrv1DGraphPortlet::HasPoints() const {
     bool found = false;
     ForEachVisible([&found](const CPlot2DSerie&, const CTrv1DGraphDataSource& source) {
-        found = found || source.GetCount() > 0;
+        found = found || source.HasPoints();
     });
     return found;
 }
@@ -192,8 +196,23 @@ void CTrv1DGraphPortlet::ChooseTimeLabels(const CGraphics& graphics) {
     if (!(spacing > 0)) return;
     for (const int stride : kStrides) {
         m_timeFormater->SetStride(stride);
-        if (spacing * static_cast<float>(stride) >= width + kTimeLabelGap) return;
+        if (spacing * static_cast<float>(stride) >= width + kTimeLabelGap) break;
     }
+    LabelAnyTick(width);
+}
+
+// In a narrow plot the labels may all cross its edges: then the tick next to the middle has one.
+void CTrv1DGraphPortlet::LabelAnyTick(float labelWidth) {
+    const float width = m_plot.GetPlottingArea().GetRect().width;
+    bool isLabelled = false;
+    std::optional<double> middle;
+    ForEachTick(*m_timeScale, [&](double percent) {
+        const float x = m_timeScale->ToPixel(percent, width);
+        if (x < labelWidth / 2 || x > width - labelWidth / 2) return;
+        isLabelled = isLabelled || !m_timeFormater->Format(percent).empty();
+        if (!middle || std::abs(percent - kMiddle) < std::abs(*middle - kMiddle)) middle = percent;
+    });
+    if (!isLabelled && middle) m_timeFormater->SetStride(kOnlyOne, m_timeScale->GetTickNumber(*middle));
 }
 
 void CTrv1DGraphPortlet::ApplyTheme(const STheme& theme) {
@@ -220,15 +239,27 @@ void CTrv1DGraphPortlet::Draw(CGraphics& graphics, bool selected) {
     const CPlot2DPen pen(selected ? theme.frameSelected : theme.frame);
     graphics.DrawRectangle(pen.GetNative(), frame);
 
-    SStringFormat format;
-    format.lineAlign = StringAlignment::Center;
-    graphics.SetClipRect(title);
-    graphics.DrawString(m_title, m_plot.GetHorizontalAxis().GetFont(),
-                        SPoint{title.x + 2 * kPadding, title.y + title.height / 2}, format, theme.text);
-    graphics.ResetClip();
-
+    DrawTitle(graphics, title);
     m_plot.Draw(graphics);
     if (!HasPoints() && !m_notice.empty()) DrawNotice(graphics);
+}
+
+// On the right what the time axis counts, where the title leaves room for it.
+void CTrv1DGraphPortlet::DrawTitle(CGraphics& graphics, const SRect& title) {
+    const STheme& theme = graphics.GetTheme();
+    const QFont& font = m_plot.GetHorizontalAxis().GetFont();
+    const float middle = title.y + title.height / 2;
+    SStringFormat format;
+    format.lineAlign = StringAlignment::Center;
+    const SPoint left = {title.x + 2 * kPadding, middle}, right = {m_plottingRect.Right(), middle};
+    graphics.SetClipRect(title);
+    graphics.DrawString(m_title, font, left, format, theme.text);
+    const float end = graphics.MeasureString(m_title, font, left, format).Right();
+    const std::string scale = m_timeText.GetScaleName();
+    format.align = StringAlignment::Far;
+    if (graphics.MeasureString(scale, font, right, format).x > end + 2 * kPadding)
+        graphics.DrawString(scale, font, right, format, theme.notice);
+    graphics.ResetClip();
 }
 
 void CTrv1DGraphPortlet::DrawNotice(CGraphics& graphics) const {

@@ -109,11 +109,14 @@ class CTrv1DGraphPortlet {
     void ApplyTheme(const Outils_Plot2D::STheme& theme);
     void LayoutPlot(const CGraphics& graphics);
     void ChooseTimeLabels(const CGraphics& graphics);
+    void LabelAnyTick(float labelWidth);
+    void DrawTitle(CGraphics& graphics, const SRect& title);
     void DrawNotice(CGraphics& graphics) const;
 
     CPlot2D m_plot;
     Metier_Tarvel_Graphics::CTrv1DGraph* m_graph; // not owned, may be destroyed
     std::string m_title;
+    const SSimulationTimeText& m_timeText;
     CTrv1DGraphSimulationTimeScale* m_timeScale;    // owned by the plot's axis
     CTrv1DGraphTimeAdaptorFormater* m_timeFormater; // owned by the plot's axis
     std::vector<SEntry> m_entries;                  // in drawing order

@@ -1,5 +1,7 @@
 #include "graph/simulation_time.h"
 
+#include "foundation/texts.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -20,6 +22,11 @@ std::int32_t CountDecimals(std::int64_t tick) {
 }
 
 } // namespace
+
+std::string SSimulationTimeText::GetScaleName() const {
+    using Outils_Texte::EText;
+    return std::string(Outils_Texte::GetText(ShowsUtc() ? EText::scaleUtc : EText::scaleElapsed));
+}
 
 std::string SSimulationTimeText::Format(CDateTimeSpan time) const {
     std::string text;

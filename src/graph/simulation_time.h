@@ -24,6 +24,8 @@ struct SSimulationTimeText {
     bool ShowsUtc() const {
         return mode == Outils_Configuration::ESimulationTimeMode::utcTime && utcReference.has_value();
     }
+    // "UTC" or "elapsed time".
+    std::string GetScaleName() const;
     std::string Format(CDateTimeSpan time) const;
     // Takes as many decimals as separate two times that are `tick` apart, and those of
     // the settings at least, which were in force at the first call.

@@ -156,13 +156,14 @@ CTrv1DGraphMeasurePortlet* CTrv1DGraphStack::GetSelectedMeasure() const {
 }
 
 void CTrv1DGraphStack::SetDataset(const SChannelKey& channel,
-                                  const std::shared_ptr<const CTrv1DGraphDataset>& dataset) {
+                                  const std::shared_ptr<const CTrv1DGraphDataset>& dataset,
+                                  const std::shared_ptr<const CTrv1DGraphDataset>& preview) {
     bool changed = false;
     for (const auto& portlet : m_portlets) {
         bool shown = false;
         portlet->ForEachSource([&](CTrv1DGraphDataSource& source) {
             if (source.GetChannel() != channel) return;
-            source.SetDataset(dataset);
+            source.SetDataset(dataset, preview);
             shown = true;
         });
         if (shown) portlet->OnDataChanged();

@@ -69,8 +69,10 @@ class CTrv1DGraphStack {
     // The selected graph, if it is one of measures; null otherwise.
     CTrv1DGraphMeasurePortlet* GetSelectedMeasure() const;
 
-    // A channel's data has arrived, or is lost (null): hands it to every curve of the channel.
-    void SetDataset(const SChannelKey& channel, const std::shared_ptr<const CTrv1DGraphDataset>& dataset);
+    // A channel's data has arrived, or is lost (null): hands it to every curve of the channel. `preview` is
+    // shown where the dataset does not reach.
+    void SetDataset(const SChannelKey& channel, const std::shared_ptr<const CTrv1DGraphDataset>& dataset,
+                    const std::shared_ptr<const CTrv1DGraphDataset>& preview = nullptr);
     void SetLegendsVisible(bool visible);
     bool AreLegendsVisible() const { return m_legendsVisible; }
 

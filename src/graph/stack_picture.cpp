@@ -109,7 +109,25 @@ void DrawLine(const CTrv1DGraphPortlet& portlet, CGraphics& graphics, CDateTimeS
     graphics.DrawLine(pen, {x, area.y}, {x, area.Bottom()});
 }
 
-void DrawInterval(const CTrv1DGraphPortlet& portlet, CGraphics& graphics, const SPeriod& interval,
+// Takes the labels of the time axis that would be seen in part off as a whole.
+void CoverTimeLabels(CTrv1DGraphPortlet& portlet, CGraphics& graphics, const SRect& box) {
+    const auto& axis = portlet.GetPlot().GetHorizontalAxis();
+    const SRect& area = portlet.GetPlottingRect();
+    SStringFormat format;
+    format.align = Outils_Plot2D::StringAlignment::Center;
+    Outils_Plot2D::ForEachTick(*axis.GetScale(), [&](double percent) {
+        const std::string label = axis.GetFormater()->Format(percent);
+        if (label.empty()) return;
+        const SPoint anchor = {area.x + axis.GetScale()->ToPixel(percent, area.width), box.y};
+        const SRect own = graphics.MeasureString(label, axis.GetFont(), anchor, format);
+        // One that would cross an end of the axis is not there.
+        const bool isShown = own.x >= area.x && own.Right() <= area.Right();
+        if (isShown && own.x < box.Right() && own.Right() > box.x)
+            graphics.FillRectangle(QColor::fromRgba(graphics.GetTheme().ground), own);
+    });
+}
+
+void DrawInterval(CTrv1DGraphPortlet& portlet, CGraphics& graphics, const SPeriod& interval,
                   const std::string& length) {
     const SRect& area = portlet.GetPlottingRect();
     const auto toX = [&](CDateTimeSpan time) {
@@ -123,9 +141,10 @@ void DrawInterval(const CTrv1DGraphPortlet& portlet, CGraphics& graphics, const 
     SStringFormat format;
     format.align = Outils_Plot2D::StringAlignment::Center;
     const SPoint anchor = {(left + right) / 2, area.Bottom() + kAxisGap};
-    const SRect box = graphics.MeasureString(length, font, anchor, format);
-    graphics.FillRectangle(QColor::fromRgba(graphics.GetTheme().selectedTo),
-                           {box.x - kAxisGap, box.y, box.width + 2 * kAxisGap, box.height});
+    const SRect text = graphics.MeasureString(length, font, anchor, format);
+    const SRect box = {text.x - kAxisGap, text.y, text.width + 2 * kAxisGap, text.height};
+    CoverTimeLabels(portlet, graphics, box);
+    graphics.FillRectangle(QColor::fromRgba(graphics.GetTheme().selectedTo), box);
     graphics.DrawString(length, font, anchor, format, graphics.GetTheme().text);
 }
 

@@ -17,11 +17,16 @@ void Append(std::string& list, const std::string& text) {
     list += text;
 }
 
-} // namespace
-
-std::string GetTimeScaleName(const CTrv1DGraphStack& stack) {
-    return std::string(GetText(stack.GetTimeText().ShowsUtc() ? EText::scaleUtc : EText::scaleElapsed));
+// Some curve that is seen is not all read yet.
+bool IsProvisional(const CTrv1DGraphPortlet& portlet) {
+    bool found = false;
+    portlet.ForEachVisible([&found](const CPlot2DSerie&, const CTrv1DGraphDataSource& source) {
+        found = found || source.GetPreview();
+    });
+    return found;
 }
+
+} // namespace
 
 std::string DescribeStack(const CTrv1DGraphStack& stack, const CViewState& viewState) {
     std::string text;
@@ -33,11 +38,13 @@ std::string DescribeStack(const CTrv1DGraphStack& stack, const CViewState& viewS
         std::string curves;
         for (const SCurveDescription& curve : portlet->GetCurves()) Append(curves, curve.name);
         add(FormatText(EText::graphDescription, {portlet->GetTitle(), curves}));
+        if (IsProvisional(*portlet)) add(std::string(GetText(EText::graphProvisional)));
     }
     if (!stack.HasPeriod()) return text;
     const auto& time = stack.GetTimeText();
-    add(FormatText(EText::periodDescription, {time.Format(stack.GetPeriod().start),
-                                              time.Format(stack.GetPeriod().end), GetTimeScaleName(stack)}));
+    add(FormatText(EText::periodDescription,
+                   {time.Format(stack.GetPeriod().start), time.Format(stack.GetPeriod().end),
+                    stack.GetTimeText().GetScaleName()}));
     const auto cursor = viewState.GetCursor(ECursor::first);
     if (!cursor) return text;
     std::string values;
@@ -52,7 +59,7 @@ std::string DescribeStack(const CTrv1DGraphStack& stack, const CViewState& viewS
 std::string WriteValues(const CTrv1DGraphStack& stack, const CViewState& viewState) {
     std::string text;
     const auto cursor = viewState.GetCursor(ECursor::first);
-    if (cursor) text = stack.GetTimeText().Format(*cursor) + '\t' + GetTimeScaleName(stack) + '\n';
+    if (cursor) text = stack.GetTimeText().Format(*cursor) + '\t' + stack.GetTimeText().GetScaleName() + '\n';
     for (const CTrv1DGraphPortlet* portlet : stack.GetShown()) {
         if (!cursor) {
             for (const SCurveDescription& curve : portlet->GetCurves())

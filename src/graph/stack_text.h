@@ -7,8 +7,6 @@
 
 namespace Presentation_Tarvel_Graphics {
 
-// "elapsed time" or "UTC": what the time axis counts.
-std::string GetTimeScaleName(const CTrv1DGraphStack& stack);
 // Each shown graph with its curves, the displayed time, and the values at the cursor.
 std::string DescribeStack(const CTrv1DGraphStack& stack, const CViewState& viewState);
 // The values at the first cursor, one row a curve: graph, curve, value, tab separated; without a cursor, the

@@ -8,7 +8,7 @@ namespace Presentation_Tarvel_Graphics {
 
 std::string CTrv1DGraphTimeAdaptorFormater::Format(double percent) const {
     if (!std::isfinite(percent)) return {};
-    if (m_stride > 1 && m_scale.GetTickNumber(percent) % m_stride != 0) return {};
+    if (m_stride > 1 && (m_scale.GetTickNumber(percent) - m_first) % m_stride != 0) return {};
     return m_text.Format(m_scale.ToTime(percent));
 }
 

@@ -18,13 +18,16 @@ class CTrv1DGraphTimeAdaptorFormater : public Outils_Plot2D::CPlot2DValueFormate
         : m_scale(scale), m_text(text) {}
 
     std::string Format(double percent) const override;
-    // 1: every tick has its text.
-    void SetStride(int stride) { m_stride = stride; }
+    // 1: every tick has its text; n: those whose number leaves `first` when it is divided by n.
+    void SetStride(std::int64_t stride, std::int64_t first = 0) {
+        m_stride = stride;
+        m_first = first;
+    }
 
   private:
     const CTrv1DGraphSimulationTimeScale& m_scale;
     const SSimulationTimeText& m_text;
-    int m_stride = 1;
+    std::int64_t m_stride = 1, m_first = 0;
 };
 
 class CTrv1DGraphSimulationTimeScale : public Outils_Plot2D::CPlot2DLinearScale {

@@ -169,8 +169,9 @@ std::string CTrvVariables::GetValue(const SVariable& variable, std::string& why)
 std::string CTrvVariables::DescribeSample(const SVariable& variable) const {
     const SSample& sample = m_moments.Get(variable.channel, 0);
     if (!variable.IsField() || !sample.packet || sample.state != ESample::found) return {};
-    return FormatText(EText::sampleAtCursorTip, {m_timeText.Format(sample.date), std::to_string(sample.place.number),
-                                         std::to_string(sample.place.position.Get())});
+    return FormatText(EText::sampleAtCursorTip,
+                      {m_timeText.Format(sample.date), std::to_string(sample.place.number),
+                       std::to_string(sample.place.position.Get())});
 }
 
 // --- Tree

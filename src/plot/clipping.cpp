@@ -6,14 +6,6 @@ namespace Outils_Plot2D {
 
 namespace {
 
-// The first pixel whose centre is not before `value`, held within the bounds. By truncation: a call of ceil
-// for every edge would be half the work.
-int FirstPixel(double value, int low, int high) {
-    const double held = std::min(std::max(value - 0.5, double(low)), double(high));
-    const int whole = static_cast<int>(held);
-    return whole < held ? whole + 1 : whole;
-}
-
 // Columns stay ahead of a scan line fill for any polygon; this only bounds their memory, at some twenty
 // megabytes.
 constexpr std::size_t kMaximumCrossings = 2'000'000;
@@ -38,6 +30,13 @@ bool AddCrossings(QPointF a, QPointF b, const QRect& bounds, std::vector<SCrossi
 }
 
 } // namespace
+
+QRect PixelsWithin(const QRectF& rect) {
+    constexpr int kFar = 1 << 24;
+    const int left = FirstPixel(rect.left(), -kFar, kFar), top = FirstPixel(rect.top(), -kFar, kFar);
+    return {left, top, FirstPixel(rect.right(), -kFar, kFar) - left,
+            FirstPixel(rect.bottom(), -kFar, kFar) - top};
+}
 
 SRect Expand(const SRect& rect, float margin) {
     return {rect.x - margin, rect.y - margin, rect.width + 2 * margin, rect.height + 2 * margin};

@@ -6,6 +6,7 @@
 #include <QPoint>
 #include <QRect>
 
+#include <algorithm>
 #include <cmath>
 #include <span>
 #include <vector>
@@ -19,6 +20,21 @@ inline bool IsFinite(SPoint point) { return std::isfinite(point.x) && std::isfin
 inline bool IsFinite(const SRect& rect) {
     return IsFinite(SPoint{rect.x, rect.y}) && IsFinite(SPoint{rect.width, rect.height});
 }
+
+// The first pixel whose middle is not before `value`, held between the two. By truncation: a call of ceil for
+// every edge would be half the work.
+inline int FirstPixel(double value, int low, int high) {
+    const double held = std::min(std::max(value - 0.5, double(low)), double(high));
+    const int whole = static_cast<int>(held);
+    return whole < held ? whole + 1 : whole;
+}
+// The same for a value known to be within the range of the type.
+inline int FirstPixel(double value) {
+    const int whole = static_cast<int>(value - 0.5);
+    return whole < value - 0.5 ? whole + 1 : whole;
+}
+// The pixels whose middles lie in the rectangle.
+QRect PixelsWithin(const QRectF& rect);
 
 SRect Expand(const SRect& rect, float margin);
 SPoint ClampInto(SPoint point, const SRect& bounds);

@@ -19,6 +19,9 @@ class CPlot2DDataSource {
     virtual bool GetPoint(std::uint32_t index, double& x, double& y) const = 0;
     virtual bool GetMinimum(std::uint32_t index, double& x, double& y) const = 0;
     virtual bool GetMaximum(std::uint32_t index, double& x, double& y) const = 0;
+    // Points to show where the exact ones have not come yet, paler and without a band; null for none. Lives
+    // as long as this source.
+    virtual const CPlot2DDataSource* GetProvisional() const { return nullptr; }
 };
 
 } // namespace Outils_Plot2D

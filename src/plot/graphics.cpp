@@ -2,12 +2,14 @@
 
 #include "plot/clipping.h"
 #include "plot/pens.h"
+#include "plot/pixel_columns.h"
 #include "plot/text_layout.h"
 
 #include <QBrush>
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QGuiApplication>
+#include <QImage>
 #include <QPaintEngine>
 #include <QPainter>
 #include <QPainterPath>
@@ -31,8 +33,6 @@ constexpr float kShapeMargin = 4096.0f;
 constexpr std::size_t kLongLine = 100;
 constexpr int kWidestStrokes = 4;
 constexpr double kWidestPen = 1000;
-// By so many pixels rectangles side by side may overlap by rounding.
-constexpr float kSeam = 0.01f;
 
 QPointF ToNative(SPoint point) { return {point.x, point.y}; }
 QRectF ToNative(const SRect& rect) { return {rect.x, rect.y, rect.width, rect.height}; }
@@ -79,6 +79,10 @@ QFont DefaultFont() {
     font.setPixelSize(std::max(QFontInfo(font).pixelSize(), 1));
     return font;
 }
+
+CGraphics::CGraphics() = default;
+
+CGraphics::~CGraphics() = default;
 
 CGraphics::CGraphics(QPainter& painter) : m_painter(&painter) {
     m_painter->setRenderHint(QPainter::Antialiasing, false);
@@ -133,8 +137,31 @@ void CGraphics::SetTextRenderingHint(TextRenderingHint hint) {
 
 void CGraphics::DrawLine(const QPen& pen, SPoint from, SPoint to) {
     if (!Begin(IsFinite(from) && IsFinite(to)) || !ClipSegment(from, to, Sight(kLineMargin))) return;
+    if (FillStraightLine(pen, from, to)) return;
     m_painter->setPen(DevicePen(pen));
     m_painter->drawLine(ToNative(from), ToNative(to));
+}
+
+// The pixel painter goes along a line pixel by pixel; a level or upright one is filled ten times faster. The
+// lines of a grid are as long as the plot is wide.
+bool CGraphics::FillStraightLine(const QPen& pen, SPoint from, SPoint to) {
+    if (from.x != to.x && from.y != to.y) return false;
+    if (pen.style() != Qt::SolidLine || !IsPixelGrid(*m_painter)) return false;
+    const QPen even = DevicePen(pen);
+    const QTransform toDevice = m_painter->deviceTransform();
+    if (even.widthF() != 1 || (!even.isCosmetic() && toDevice.m11() != 1)) return false;
+    const QPointF a = toDevice.map(ToNative(from)), b = toDevice.map(ToNative(to));
+    QRect pixels = PixelsWithin(QRectF(a, b).normalized());
+    if (from.y == to.y) {
+        pixels.moveTop(static_cast<int>(std::floor(a.y())));
+        pixels.setHeight(1);
+    } else {
+        pixels.moveLeft(static_cast<int>(std::floor(a.x())));
+        pixels.setWidth(1);
+    }
+    std::vector<QRect> line = {pixels};
+    FillPixels(pen.brush(), line);
+    return true;
 }
 
 template <class Stroke>
@@ -147,7 +174,18 @@ void CGraphics::StrokeThinly(Stroke&& stroke) {
     }
 }
 
+// As wide as the pen. A line of no length would be nothing on some devices.
+void CGraphics::DrawDot(QPointF point) {
+    const QPen& pen = m_painter->pen();
+    const double scale = pen.isCosmetic() ? std::fabs(m_painter->deviceTransform().m11()) : 1;
+    const double width = std::max(pen.widthF(), 1.0) / (scale > 0 ? scale : 1);
+    StrokeThinly([&] {
+        m_painter->fillRect(QRectF(point - QPointF(width, width) / 2, QSizeF(width, width)), pen.brush());
+    });
+}
+
 void CGraphics::DrawPolyline() {
+    if (m_line.size() == 1) DrawDot(m_line.front());
     if (m_line.size() > 1)
         StrokeThinly([&] { m_painter->drawPolyline(m_line.data(), static_cast<int>(m_line.size())); });
     m_line.clear();
@@ -180,11 +218,16 @@ QPen CGraphics::ThinPen(const QPen& pen, std::size_t pointCount) {
     }
     QPen thin = even;
     thin.setWidth(0);
+    if (pen.style() == Qt::CustomDashLine) { // as long as the wide pen would draw them
+        auto dashes = even.dashPattern();
+        for (double& dash : dashes) dash *= std::max(even.widthF(), 1.0);
+        thin.setDashPattern(dashes);
+    }
     return thin;
 }
 
 void CGraphics::DrawLines(const QPen& pen, std::span<const SPoint> points) {
-    if (!Begin(points.size() > 1)) return;
+    if (!Begin(!points.empty())) return;
     const SRect sight = Sight(kLineMargin);
     m_painter->setPen(ThinPen(pen, points.size()));
     m_line.clear();
@@ -275,39 +318,42 @@ void CGraphics::FillPixels(const QBrush& brush, std::vector<QRect>& rects) {
     m_painter->setWorldTransform(world);
 }
 
-// Each column of pixels belongs to the rectangle that holds its centre. It costs a tenth of the general
-// polygon.
-bool CGraphics::FillBuckets(const QBrush& brush, std::span<const SRect> rects) {
-    if (!Begin(true) || !m_clipped || !IsPixelGrid(*m_painter)) return false;
+QImage* CGraphics::FindPicture() const {
+    QPaintDevice* device = m_painter->device();
+    if (!m_clipped || device->devType() != QInternal::Image || !IsPixelGrid(*m_painter) ||
+        m_painter->opacity() != 1 || m_painter->compositionMode() != QPainter::CompositionMode_SourceOver)
+        return nullptr;
+    auto* picture = static_cast<QImage*>(device);
+    return CPixelColumns::CanBlend(*picture) ? picture : nullptr;
+}
+
+bool CGraphics::DrawOnPixels(const QPen& pen, std::span<const SPoint> points, Colour band,
+                             std::span<const SBucket> buckets, float halfWidth) {
+    if (!Begin(true)) return false;
+    QImage* picture = FindPicture();
     const QTransform toDevice = m_painter->deviceTransform();
-    if (!(toDevice.m11() > 0)) return false;
-    const QRect bounds = toDevice.mapRect(ToNative(Sight(0))).toAlignedRect();
-    const auto toPixel = [](double edge, int low, int high) {
-        return static_cast<int>(
-            std::clamp(std::ceil(edge - 0.5), static_cast<double>(low), static_cast<double>(high)));
+    const double scale = toDevice.m11();
+    if (!picture || !(scale > 0 && toDevice.m22() > 0)) return false;
+    const double width = std::max(std::round(pen.widthF() * (pen.isCosmetic() ? 1 : scale)), 1.0);
+    const bool isPlain = pen.style() == Qt::SolidLine && pen.brush().style() == Qt::SolidPattern &&
+                         pen.color().alpha() == 255 && width <= kWidestStrokes;
+    if (!points.empty() && !isPlain) return false;
+
+    const auto map = [dx = static_cast<float>(toDevice.dx()), dy = static_cast<float>(toDevice.dy()),
+                      sx = static_cast<float>(scale), sy = static_cast<float>(toDevice.m22())](SPoint point) {
+        return SPoint{point.x * sx + dx, point.y * sy + dy};
     };
-    const int bottom = bounds.y() + bounds.height(), right = bounds.x() + bounds.width();
-    std::vector<QRect> pixels;
-    pixels.reserve(rects.size());
-    int next = bounds.x();
-    float edge = rects.empty() ? 0 : rects.front().x;
-    for (const SRect& rect : rects) {
-        if (!IsFinite(rect) || rect.x < edge - kSeam) return false;
-        edge = rect.Right();
-        const QRectF device = toDevice.mapRect(ToNative(rect));
-        const int x0 = std::max(toPixel(device.left(), bounds.x(), right), next),
-                  x1 = toPixel(device.right(), bounds.x(), right);
-        const int y0 = toPixel(device.top(), bounds.y(), bottom),
-                  y1 = toPixel(device.bottom(), bounds.y(), bottom);
-        if (x1 <= x0 || y1 <= y0) continue;
-        next = x1;
-        if (!pixels.empty() && pixels.back().top() == y0 && pixels.back().bottom() == y1 - 1 &&
-            pixels.back().right() == x0 - 1)
-            pixels.back().setRight(x1 - 1);
-        else
-            pixels.emplace_back(x0, y0, x1 - x0, y1 - y0);
-    }
-    FillPixels(brush, pixels);
+    m_devicePoints.resize(points.size());
+    std::ranges::transform(points, m_devicePoints.begin(), map);
+    m_deviceBuckets.resize(buckets.size());
+    std::ranges::transform(buckets, m_deviceBuckets.begin(), [&](const SBucket& bucket) {
+        return SBucket{map(bucket.minimum), map(bucket.maximum)};
+    });
+    if (!m_columns) m_columns = std::make_unique<CPixelColumns>();
+    m_columns->Begin(PixelsWithin(toDevice.mapRect(ToNative(Sight(0)))) & picture->rect());
+    if (!m_columns->AddBand(m_deviceBuckets, halfWidth * static_cast<float>(scale))) return false;
+    m_columns->AddLine(m_devicePoints, static_cast<int>(width));
+    m_columns->Blend(*picture, pen.color().rgba(), band);
     return true;
 }
 

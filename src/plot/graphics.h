@@ -12,15 +12,19 @@
 #include <QTransform>
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
 
 class QBrush;
+class QImage;
 class QPainter;
 class QPen;
 
 namespace Outils_Plot2D {
+
+class CPixelColumns;
 
 struct SPoint {
     float x = 0, y = 0;
@@ -37,6 +41,11 @@ struct SRect {
     float Bottom() const { return y + height; }
     // The borders count as inside on all four sides.
     bool Contains(SPoint p) const { return p.x >= x && p.x <= Right() && p.y >= y && p.y <= Bottom(); }
+};
+
+// What the band of a curve shows of one bucket; the bucket lies about the x of both.
+struct SBucket {
+    SPoint minimum, maximum;
 };
 
 enum class StringAlignment { Near, Center, Far };
@@ -66,7 +75,8 @@ class CGraphics {
     enum Status { Ok = 0, GenericError = 1, InvalidParameter = 2 };
 
     // A scratch surface: measures text, draws nothing, needs no window (but a QGuiApplication).
-    CGraphics() = default;
+    CGraphics();
+    ~CGraphics();
     // Draws with `painter`, not owned: it must be active and outlive this object. Turns antialiasing of
     // shapes off: lines of one pixel are crisp and several times cheaper that way.
     explicit CGraphics(QPainter& painter);
@@ -91,15 +101,18 @@ class CGraphics {
     void SetTextRenderingHint(TextRenderingHint hint);
 
     void DrawLine(const QPen& pen, SPoint from, SPoint to);
-    // A polyline. A point that is not finite breaks it in two.
+    // A polyline. A point that is not finite breaks it in two; one by itself is a dot.
     void DrawLines(const QPen& pen, std::span<const SPoint> points);
     // A cardinal spline of tension 0.5 through the points; broken as above.
     void DrawCurve(const QPen& pen, std::span<const SPoint> points);
     // One polygon, alternate fill mode. Fewer than three points, or one that is not finite: nothing is drawn.
     void FillPolygon(const QBrush& brush, std::span<const SPoint> points);
-    // Rectangles side by side, each from where the one before it ends, as one area: a pixel is filled once.
-    // False, and nothing is drawn, on a device that is not made of pixels, or when they are not in order.
-    bool FillBuckets(const QBrush& brush, std::span<const SRect> rects);
+    // A polyline, and over it the band of buckets that reach `halfWidth` to both sides: the same picture as
+    // DrawLines and FillPolygon make, in one pass over the pixels. Both may be empty. False, and nothing is
+    // drawn, for all but a clipped QImage, an opaque solid pen of a few pixels, and buckets in the order of
+    // x.
+    bool DrawOnPixels(const QPen& pen, std::span<const SPoint> points, Colour band,
+                      std::span<const SBucket> buckets, float halfWidth);
     void FillRectangle(const QBrush& brush, const SRect& rect);
     void DrawRectangle(const QPen& pen, const SRect& rect);
 
@@ -129,11 +142,15 @@ class CGraphics {
     // What can be seen, and `margin` pixels about it, in the present coordinates.
     SRect Sight(float margin) const;
     bool FillColumns(const QBrush& brush, std::span<const SPoint> points);
+    // The picture whose pixels may be written to; null for any other device, or a painter with effects.
+    QImage* FindPicture() const;
     void FillPixels(const QBrush& brush, std::vector<QRect>& rects);
+    bool FillStraightLine(const QPen& pen, SPoint from, SPoint to);
     QPen DevicePen(const QPen& pen) const;
     QPen ThinPen(const QPen& pen, std::size_t pointCount);
     template <class Stroke>
     void StrokeThinly(Stroke&& stroke);
+    void DrawDot(QPointF point);
     void DrawPolyline();
 
     QPainter* m_painter = nullptr; // not owned
@@ -143,8 +160,11 @@ class CGraphics {
     QTransform m_clipTransform; // the one under which the clip was set
     TextRenderingHint m_textHint = TextRenderingHint::SystemDefault;
     Status m_status = Ok;
-    std::vector<QPointF> m_line;    // reused by every polyline of a paint
-    std::vector<QPointF> m_strokes; // offsets of the further strokes of a polyline
+    std::vector<QPointF> m_line;              // reused by every polyline of a paint
+    std::vector<QPointF> m_strokes;           // offsets of the further strokes of a polyline
+    std::unique_ptr<CPixelColumns> m_columns; // reused by every curve of a paint
+    std::vector<SPoint> m_devicePoints;
+    std::vector<SBucket> m_deviceBuckets;
 };
 
 } // namespace Outils_Plot2D

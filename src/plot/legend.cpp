@@ -58,15 +58,28 @@ void CPlot2DLegend::Draw(CGraphics& graphics) {
     ForEachRow(graphics, [&](const CPlot2DSerie& serie, const SRect& box, float height) {
         DrawRow(graphics, serie, box, height);
         if (height > box.height)
-            m_values.push_back({&serie,
-                                {GetRect().x + box.x, GetRect().y + box.Bottom(), box.width,
-                                 height - box.height}});
+            m_values.push_back(
+                {&serie, {GetRect().x + box.x, GetRect().y + box.Bottom(), box.width, height - box.height}});
         return true;
     });
     graphics.SetTransform(transform);
     graphics.SetTextRenderingHint(hint);
     graphics.ResetClip();
 }
+
+namespace {
+
+// The whole box in the colour, or stripes of the line's style.
+void DrawSample(CGraphics& graphics, const CPlot2DSerie& serie, const SRect& box) {
+    const Colour colour = graphics.GetTheme().OnGround(serie.GetColor());
+    if (serie.GetLineStyle() == ELineStyle::solid) return CPlot2DSolidBrush(colour).Fill(graphics, box);
+    CPlot2DSolidBrush(graphics.GetTheme().ground).Fill(graphics, box);
+    const CPlot2DPen pen(colour, 1, serie.GetLineStyle());
+    for (float y = box.y + 1; y < box.Bottom(); ++y)
+        graphics.DrawLine(pen.GetNative(), {box.x, y}, {box.Right(), y});
+}
+
+} // namespace
 
 void CPlot2DLegend::DrawRow(CGraphics& graphics, const CPlot2DSerie& serie, const SRect& box, float height) {
     const STheme& theme = graphics.GetTheme();
@@ -81,7 +94,7 @@ void CPlot2DLegend::DrawRow(CGraphics& graphics, const CPlot2DSerie& serie, cons
     }
     // The box of a hidden serie is empty.
     const SRect marker = {kMargin, box.y, kMarkerSize, kMarkerSize};
-    if (serie.IsVisible()) CPlot2DSolidBrush(theme.OnGround(serie.GetColor())).Fill(graphics, marker);
+    if (serie.IsVisible()) DrawSample(graphics, serie, marker);
     graphics.DrawRectangle(CPlot2DPen(theme.text).GetNative(), marker);
     if (serie.IsVisible())
         graphics.DrawMarker(serie.GetMarker(), {marker.x + kMarkerSize / 2, marker.y + kMarkerSize / 2},

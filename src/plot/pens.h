@@ -6,14 +6,19 @@
 #include <QBrush>
 #include <QPen>
 
+#include <cstdint>
+
 namespace Outils_Plot2D {
 
 QColor ToNative(Colour colour);
 
+// What tells lines apart on a grey printer. The order is kept in saved curves: append only.
+enum class ELineStyle : std::uint8_t { solid, dash, dot, dashDot, longDash, count };
+
 class CPlot2DPen {
   public:
     // `width` in pixels.
-    explicit CPlot2DPen(Colour colour, float width = 1.0f);
+    explicit CPlot2DPen(Colour colour, float width = 1.0f, ELineStyle style = ELineStyle::solid);
 
     Colour GetColor() const { return m_pen.color().rgba(); }
     void SetColor(Colour colour) { m_pen.setColor(ToNative(colour)); }

@@ -3,6 +3,7 @@
 
 #include "plot/data_source.h"
 #include "plot/graphics.h"
+#include "plot/pens.h"
 
 #include <memory>
 #include <string>
@@ -38,6 +39,9 @@ class CPlot2DSerie {
     // Drawn here and there on it and in its box of the legend.
     EMarker GetMarker() const { return m_marker; }
     void SetMarker(EMarker marker) { m_marker = marker; }
+    // Of the line of a curve, and of its box in the legend.
+    ELineStyle GetLineStyle() const { return m_lineStyle; }
+    void SetLineStyle(ELineStyle style) { m_lineStyle = style; }
 
   protected:
     CPlot2DSerie(CPlot2D& plot, std::unique_ptr<CPlot2DDataSource> source, std::string name);
@@ -49,6 +53,7 @@ class CPlot2DSerie {
     Colour m_color = 0xFF000000;
     bool m_visible = true;
     EMarker m_marker = EMarker::none;
+    ELineStyle m_lineStyle = ELineStyle::solid;
 };
 
 } // namespace Outils_Plot2D

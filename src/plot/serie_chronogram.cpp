@@ -13,7 +13,7 @@ namespace {
 constexpr float kLeastLabelled = 20; // pixels: no label fits into less
 constexpr float kLabelRoom = 4;      // on both sides of a label
 
-struct SBucket {
+struct SStateBucket {
     float left;
     float right; // the left again where a bucket is drawn as a point in time
     float y;
@@ -56,17 +56,22 @@ void CPlot2DSerieChronogram::SetColor(Colour colour) {
 void CPlot2DSerieChronogram::Draw(CGraphics& graphics) {
     const CPlot2DDataSource* source = GetDataSource();
     graphics.SetClipRect(GetPlot().GetPlottingArea().GetRect());
-    if (source && CProjection(GetPlot()).IsValid()) DrawBuckets(graphics, *source);
+    if (source && CProjection(GetPlot()).IsValid()) {
+        const STheme& theme = graphics.GetTheme();
+        if (const CPlot2DDataSource* provisional = source->GetProvisional())
+            DrawBuckets(graphics, *provisional, theme.Pale(GetColor()));
+        DrawBuckets(graphics, *source, theme.OnGround(GetColor()));
+    }
     graphics.ResetClip();
 }
 
 // The steps between two blocks are one polyline, drawn when a block begins: a paint takes a few calls, not
 // three per bucket.
-void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source) {
+void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source,
+                                         Colour colour) {
     const CProjection project(GetPlot());
-    const STheme& theme = graphics.GetTheme();
-    const CPlot2DSolidBrush brush(theme.OnGround(GetColor()));
-    m_drawnPen = CPlot2DPen(theme.OnGround(GetColor()));
+    const CPlot2DSolidBrush brush(colour);
+    m_drawnPen = CPlot2DPen(colour);
     const double halfPeriod = source.GetPeriod() * 0.5;
     const bool stairs = project.HalfPeriod(source.GetPeriod()) >= 0.5f;
     const bool extrema = source.HasExtremum();
@@ -81,9 +86,9 @@ void CPlot2DSerieChronogram::DrawBuckets(CGraphics& graphics, const CPlot2DDataS
     for (std::uint32_t i = 0; i < count; ++i) {
         double x = 0, y = 0;
         if (!source.GetPoint(i, x, y)) continue;
-        const SBucket bucket = {project.X(stairs ? x - halfPeriod : x),
-                                project.X(stairs ? x + halfPeriod : x), project.Y(y),
-                                IsMixed(source, i, extrema)};
+        const SStateBucket bucket = {project.X(stairs ? x - halfPeriod : x),
+                                     project.X(stairs ? x + halfPeriod : x), project.Y(y),
+                                     IsMixed(source, i, extrema)};
         if (!IsFinite(SPoint{bucket.left, bucket.y}) || !std::isfinite(bucket.right)) continue;
         if (any && previousMixed && !bucket.mixed) {
             const SRect block = Block(blockLeft, bucket.left, top, bottom);

@@ -23,7 +23,7 @@ class CPlot2DSerieChronogram : public CPlot2DSerie {
     const CPlot2DSolidBrush& GetBrush() const { return m_brush; }
 
   private:
-    void DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source);
+    void DrawBuckets(CGraphics& graphics, const CPlot2DDataSource& source, Colour colour);
     void DrawSteps(CGraphics& graphics);
     void AddToSegment(float left, float right, float y, double state, bool goesOn);
     void DrawLabels(CGraphics& graphics) const;

@@ -5,13 +5,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace Outils_Plot2D {
 
 namespace {
 
-constexpr SPoint kBreak = {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::quiet_NaN()};
 constexpr Colour kOpaqueMask = 0x00FFFFFF;
 constexpr float kMarkerDistance = 120; // pixels
 constexpr float kMarkerKinds = 6;
@@ -37,32 +35,56 @@ void CPlot2DSerieCurve::Draw(CGraphics& graphics) {
     const CPlot2DDataSource* source = GetDataSource();
     graphics.SetClipRect(GetPlot().GetPlottingArea().GetRect());
     if (source && CProjection(GetPlot()).IsValid()) {
+        if (const CPlot2DDataSource* provisional = source->GetProvisional())
+            DrawProvisional(graphics, *provisional);
         Project(*source);
-        const STheme& theme = graphics.GetTheme();
-        const CPlot2DPen pen(theme.OnGround(m_pen.GetColor()), m_pen.GetWidth());
-        const CPlot2DSolidBrush brush(theme.OnGround(m_brush.GetColor()));
-        if (GetPlot().GetSettings().drawCurve)
-            graphics.DrawCurve(pen.GetNative(), m_screenPoints);
-        else
-            graphics.DrawLines(pen.GetNative(), m_screenPoints);
-        for (const SBand& band : m_bands) DrawBand(graphics, brush, band);
+        DrawLineAndBand(graphics);
         if (GetMarker() != EMarker::none) DrawMarkers(graphics);
     }
     graphics.ResetClip();
 }
 
-void CPlot2DSerieCurve::DrawBand(CGraphics& graphics, const CPlot2DSolidBrush& brush, const SBand& band) {
-    const auto points = std::span(m_bandPoints).subspan(band.first, band.count);
-    const std::size_t buckets = points.size() / 4;
-    m_buckets.clear();
-    for (std::size_t i = 0; i < buckets; ++i) {
-        const SPoint low = points[2 * i], lowEnd = points[2 * i + 1],
-                     high = points[points.size() - 1 - 2 * i];
-        // Of minimum and maximum at two times the outline is no rectangle.
-        if (low.x != high.x) return graphics.FillPolygon(brush.GetNative(), points);
-        m_buckets.push_back({low.x, std::min(low.y, high.y), lowEnd.x - low.x, std::fabs(low.y - high.y)});
+// A pixel of the device wide, whatever its density. Under the exact points, which take its place.
+void CPlot2DSerieCurve::DrawProvisional(CGraphics& graphics, const CPlot2DDataSource& source) {
+    Project(source);
+    const CPlot2DPen pen(graphics.GetTheme().Pale(m_pen.GetColor()), 0);
+    if (!graphics.DrawOnPixels(pen.GetNative(), m_screenPoints, 0, {}, 0))
+        graphics.DrawLines(pen.GetNative(), m_screenPoints);
+}
+
+void CPlot2DSerieCurve::DrawLineAndBand(CGraphics& graphics) {
+    const STheme& theme = graphics.GetTheme();
+    const CPlot2DPen pen(theme.OnGround(m_pen.GetColor()), m_pen.GetWidth(), GetLineStyle());
+    const CPlot2DSolidBrush brush(theme.OnGround(m_brush.GetColor()));
+    std::span<const SPoint> line = m_screenPoints;
+    if (GetPlot().GetSettings().drawCurve) {
+        graphics.DrawCurve(pen.GetNative(), line);
+        line = {};
     }
-    if (!graphics.FillBuckets(brush.GetNative(), m_buckets)) graphics.FillPolygon(brush.GetNative(), points);
+    if (graphics.DrawOnPixels(pen.GetNative(), line, brush.GetColor(), m_buckets, m_halfWidth)) return;
+    graphics.DrawLines(pen.GetNative(), line);
+    DrawBands(graphics, brush);
+}
+
+// Each band goes along its minima and comes back along its maxima.
+void CPlot2DSerieCurve::DrawBands(CGraphics& graphics, const CPlot2DSolidBrush& brush) {
+    const auto isSound = [](const SBucket& bucket) {
+        return IsFinite(bucket.minimum) && IsFinite(bucket.maximum);
+    };
+    for (auto first = m_buckets.begin(); first != m_buckets.end();) {
+        const auto end = std::find_if_not(first, m_buckets.end(), isSound);
+        m_bandPoints.clear();
+        for (auto bucket = first; bucket != end; ++bucket) {
+            const SPoint at = bucket->minimum;
+            m_bandPoints.insert(m_bandPoints.end(), {{at.x - m_halfWidth, at.y}, {at.x + m_halfWidth, at.y}});
+        }
+        for (auto bucket = end; bucket != first;) {
+            const SPoint at = (--bucket)->maximum;
+            m_bandPoints.insert(m_bandPoints.end(), {{at.x + m_halfWidth, at.y}, {at.x - m_halfWidth, at.y}});
+        }
+        if (!m_bandPoints.empty()) graphics.FillPolygon(brush.GetNative(), m_bandPoints);
+        first = std::find_if(end, m_buckets.end(), isSound);
+    }
 }
 
 // At places of the window and not of the data, each kind at its own, so that curves that agree show all of
@@ -81,43 +103,17 @@ void CPlot2DSerieCurve::DrawMarkers(CGraphics& graphics) {
 // Buckets that the source has no point for are passed over; what has no place on the screen leaves a gap.
 void CPlot2DSerieCurve::Project(const CPlot2DDataSource& source) {
     const CProjection project(GetPlot());
-    const float halfWidth = project.HalfPeriod(source.GetPeriod());
+    m_halfWidth = project.HalfPeriod(source.GetPeriod());
     const std::uint32_t count = source.GetCount();
     const bool extrema = source.HasExtremum();
     m_screenPoints.clear();
-    m_bandPoints.clear();
-    m_upperEdge.clear();
-    m_bands.clear();
+    m_buckets.clear();
     double x = 0, y = 0, x2 = 0, y2 = 0;
     for (std::uint32_t i = 0; i < count; ++i) {
-        if (source.GetPoint(i, x, y)) {
-            const SPoint point = project(x, y);
-            m_screenPoints.push_back(IsFinite(point) ? point : kBreak);
-        }
+        if (source.GetPoint(i, x, y)) m_screenPoints.push_back(project(x, y));
         if (extrema && source.GetMinimum(i, x, y) && source.GetMaximum(i, x2, y2))
-            AddBucket(project(x, y), project(x2, y2), halfWidth);
+            m_buckets.push_back({project(x, y), project(x2, y2)});
     }
-    CloseBand();
-}
-
-void CPlot2DSerieCurve::AddBucket(SPoint minimum, SPoint maximum, float halfWidth) {
-    if (!IsFinite(minimum) || !IsFinite(maximum)) {
-        CloseBand();
-        return;
-    }
-    if (m_upperEdge.empty()) m_bands.push_back({m_bandPoints.size(), 0});
-    m_bandPoints.push_back({minimum.x - halfWidth, minimum.y});
-    m_bandPoints.push_back({minimum.x + halfWidth, minimum.y});
-    m_upperEdge.push_back({maximum.x - halfWidth, maximum.y});
-    m_upperEdge.push_back({maximum.x + halfWidth, maximum.y});
-}
-
-// The band comes back along its maxima.
-void CPlot2DSerieCurve::CloseBand() {
-    if (m_upperEdge.empty()) return;
-    m_bandPoints.insert(m_bandPoints.end(), m_upperEdge.rbegin(), m_upperEdge.rend());
-    m_bands.back().count = m_bandPoints.size() - m_bands.back().first;
-    m_upperEdge.clear();
 }
 
 } // namespace Outils_Plot2D

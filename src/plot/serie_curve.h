@@ -17,7 +17,7 @@ class CPlot2DSerieCurve : public CPlot2DSerie {
     // Takes the next colour of the palette.
     CPlot2DSerieCurve(CPlot2D& plot, std::unique_ptr<CPlot2DDataSource> source, std::string name);
 
-    // Points that are not finite break the line and the band.
+    // Points that are not finite break the line and the band. Provisional points are a thin pale line.
     void Draw(CGraphics& graphics) override;
     // The band takes the same colour with the transparency of the settings.
     void SetColor(Colour colour) override;
@@ -26,23 +26,17 @@ class CPlot2DSerieCurve : public CPlot2DSerie {
     const CPlot2DSolidBrush& GetBrush() const { return m_brush; }
 
   private:
-    struct SBand {
-        std::size_t first;
-        std::size_t count;
-    };
-
     void Project(const CPlot2DDataSource& source);
+    void DrawProvisional(CGraphics& graphics, const CPlot2DDataSource& source);
+    void DrawLineAndBand(CGraphics& graphics);
+    void DrawBands(CGraphics& graphics, const CPlot2DSolidBrush& brush);
     void DrawMarkers(CGraphics& graphics);
-    void DrawBand(CGraphics& graphics, const CPlot2DSolidBrush& brush, const SBand& band);
-    void AddBucket(SPoint minimum, SPoint maximum, float halfWidth);
-    void CloseBand();
 
-    // Kept between paints; each paint fills them again. A band gets its upper edge when it ends.
+    // Kept between paints; each paint fills them again. One that is not finite is a break.
     std::vector<SPoint> m_screenPoints;
-    std::vector<SPoint> m_bandPoints;
-    std::vector<SPoint> m_upperEdge;
-    std::vector<SBand> m_bands;
-    std::vector<SRect> m_buckets; // of the band at hand
+    std::vector<SBucket> m_buckets;
+    float m_halfWidth = 0;            // of a bucket
+    std::vector<SPoint> m_bandPoints; // of the polygon at hand
     CPlot2DPen m_pen;
     CPlot2DSolidBrush m_brush;
 };

@@ -25,4 +25,12 @@ Colour STheme::OnGround(Colour colour) const {
     return (colour & 0xFF000000) | mix(red) << 16 | mix(green) << 8 | mix(blue);
 }
 
+Colour STheme::Pale(Colour colour) const {
+    const Colour shown = OnGround(colour);
+    const auto mix = [&](int shift) {
+        return ((shown >> shift & 0xFF) + (ground >> shift & 0xFF)) / 2 << shift;
+    };
+    return 0xFF000000 | mix(16) | mix(8) | mix(0);
+}
+
 } // namespace Outils_Plot2D

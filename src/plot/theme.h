@@ -24,6 +24,8 @@ struct STheme {
 
     // A colour of a curve, made light enough to be seen on a dark ground; hue and alpha stay.
     Colour OnGround(Colour colour) const;
+    // The same half way to the ground, for what is provisional; opaque.
+    Colour Pale(Colour colour) const;
 };
 
 inline constexpr STheme kLightTheme = {

@@ -24,7 +24,7 @@ bool CGraphsDropTarget::CanDrop(QPoint point, const Fields& fields) const {
 
 bool CGraphsDropTarget::Drop(QPoint point, const Fields& fields) {
     m_view.setFocus();
-    if (!FindPortlet(point)) return AddToNewGraphs(m_view.GetLoader().GetDocument(), fields) > 0;
+    if (!FindPortlet(point)) return AddToNewGraphs(m_view.GetLoader(), fields) > 0;
     bool isAny = false;
     for (const auto* field : fields) isAny = m_view.Drop(point, *field) || isAny;
     return isAny;

@@ -30,7 +30,9 @@ QSize GetPictureSize(const CTrv1DGraphStack& stack) {
     return {static_cast<int>(std::ceil(width)), static_cast<int>(std::ceil(stack.GetHeight()))};
 }
 
-SPictureData ToData(const SPictureContent& content) {
+} // namespace
+
+SPictureData MakePictureData(const SPictureContent& content) {
     const QSize size = GetPictureSize(content.stack);
     return {size, [&content, size](QPainter& painter) {
                 painter.fillRect(QRect(QPoint(), size), QColor::fromRgba(Outils_Plot2D::kLightTheme.ground));
@@ -41,19 +43,13 @@ SPictureData ToData(const SPictureContent& content) {
             }};
 }
 
-} // namespace
-
-QByteArray MakePicture(const SPictureContent& content, EPictureFormat format) {
-    return MakePictureBytes(ToData(content), format);
-}
-
 bool SavePicture(const SPictureContent& content, const std::filesystem::path& path) {
-    return SavePicture(ToData(content), path);
+    return SavePicture(MakePictureData(content), path);
 }
 
 ECopyEnd CopyToClipboard(const SPictureContent& content) {
     auto mime = std::make_unique<QMimeData>();
-    if (!AddPicture(ToData(content), *mime)) return ECopyEnd::noPicture;
+    if (!AddPicture(MakePictureData(content), *mime)) return ECopyEnd::noPicture;
     mime->setText(ToQString(WriteValues(content.stack, content.viewState)));
     QClipboard* clipboard = QGuiApplication::clipboard();
     clipboard->setMimeData(mime.release());

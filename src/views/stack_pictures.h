@@ -23,8 +23,8 @@ struct SPictureContent {
     bool echo = true;
 };
 
-// Empty when there is nothing to draw.
-QByteArray MakePicture(const SPictureContent& content, EPictureFormat format);
+// Refers to `content`, which must outlive it. Empty when there is nothing to draw.
+SPictureData MakePictureData(const SPictureContent& content);
 // By the ending of the name, SVG for an unknown one. False when the file could not be written; it is then as
 // it was.
 bool SavePicture(const SPictureContent& content, const std::filesystem::path& path);

@@ -39,6 +39,8 @@ constexpr int kScrollStep = 40; // pixels
 // Turns of the wheel that are nearer to each other than this belong together.
 constexpr auto kWheelPause = 500ms;
 constexpr auto kDescriptionPause = 300ms;
+constexpr auto kNoticePause = 300ms;
+constexpr auto kGrowthPause = 100ms;
 
 } // namespace
 
@@ -67,6 +69,14 @@ CTrvView1D::CTrvView1D(CTrvDocument& document, CViewState& viewState,
         setAccessibleDescription(ToQString(DescribeStack(GetStack(), GetViewState())) + u' ' +
                                  Text(EText::graphsHelp));
     });
+    m_notices.setSingleShot(true);
+    m_notices.setInterval(kNoticePause);
+    connect(&m_notices, &QTimer::timeout, this, [this] {
+        if (m_loader.UpdateNotices()) m_notices.start();
+        Redraw();
+    });
+    m_growth.setInterval(kGrowthPause);
+    connect(&m_growth, &QTimer::timeout, this, [this] { m_loader.LookForGrowth(); });
     m_loader.SetOnChanged([this](bool layout) { OnLoaderChanged(layout); });
     m_subscription = viewState.Listen([this](EViewChange change) {
         if (change == EViewChange::cursor) RedrawOverlay();
@@ -286,22 +296,11 @@ bool CTrvView1D::CanDrop(QPointF position, const Outils_Objets::CObject& field) 
            Presentation_Tarvel_Graphics::CanDrop(*project, PortletAt(GetStack(), ToStack(position)), field);
 }
 
+// A default graph that shows nothing is not saved: a field for it gets a graph of its own.
 bool CTrvView1D::Drop(QPointF position, const Outils_Objets::CObject& field) {
     if (!CanDrop(position, field)) return false;
     setFocus();
-    return DropOn(PortletAt(GetStack(), ToStack(position)), field);
-}
-
-bool CTrvView1D::AddField(const Outils_Objets::CObject& field, bool newGraph) {
-    const auto* project = m_loader.GetDocument().GetProject();
-    if (!project) return false;
-    const CTrv1DGraphPortlet* portlet = newGraph ? nullptr : GetStack().GetSelected();
-    const bool fits = Presentation_Tarvel_Graphics::CanDrop(*project, portlet, field);
-    return DropOn(fits ? portlet : nullptr, field);
-}
-
-// A default graph that shows nothing is not saved: a field for it gets a graph of its own.
-bool CTrvView1D::DropOn(const CTrv1DGraphPortlet* portlet, const Outils_Objets::CObject& field) {
+    const CTrv1DGraphPortlet* portlet = PortletAt(GetStack(), ToStack(position));
     m_loader.SaveDefaults();
     if (IndexOf(GetStack(), portlet) < 0) portlet = nullptr;
     return Presentation_Tarvel_Graphics::Drop(m_loader.GetDocument(), portlet, field);
@@ -338,7 +337,12 @@ void CTrvView1D::OnLoaderChanged(bool layout) {
     if (layout) UpdateScrollBar();
     if (!m_loader.HasProject()) m_steps.Cancel();
     Redraw();
+    if (!m_loader.IsResultGrowing())
+        m_growth.stop();
+    else if (!m_growth.isActive())
+        m_growth.start();
     if (!m_description.isActive()) m_description.start();
+    if (!m_notices.isActive() && m_loader.GetDocument().IsAnalysing()) m_notices.start();
     // A drag shows many views: only what changes a command is reported.
     const auto& viewState = GetViewState();
     const SOffered offered = {viewState.CanGoBack(), viewState.CanGoForward(), viewState.HasPeriod()};
@@ -396,13 +400,13 @@ void CTrvView1D::scrollContentsBy(int, int) { Redraw(); }
 void CTrvView1D::paintEvent(QPaintEvent* event) {
     const double ratio = devicePixelRatioF();
     if (m_backing.size() != viewport()->size() * ratio || m_backing.devicePixelRatio() != ratio) {
-        m_backing = QPixmap(viewport()->size() * ratio);
+        m_backing = QImage(viewport()->size() * ratio, QImage::Format_RGB32);
         m_backing.setDevicePixelRatio(ratio);
         FitToWindow(); // also when the window came to a screen of another density
     }
     if (!m_backingValid) PaintBacking();
     QPainter painter(viewport());
-    painter.drawPixmap(QPointF(), m_backing);
+    painter.drawImage(QPointF(), m_backing);
     if (GetInteractor()) GetInteractor()->Draw(painter);
     event->accept();
 }

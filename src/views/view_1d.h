@@ -15,8 +15,8 @@
 #include "graph/stack_picture.h"
 #include "views/interactor.h"
 
+#include <QImage>
 #include <QKeySequence>
-#include <QPixmap>
 #include <QTimer>
 
 #include <optional>
@@ -85,8 +85,6 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     // Fields of the dictionary that the user drags here, by the rules of graph/field_drop.h.
     bool CanDrop(QPointF position, const Outils_Objets::CObject& field) const;
     bool Drop(QPointF position, const Outils_Objets::CObject& field);
-    // Adds a field to the selected graph if that takes it, and unless `newGraph`; else to a new one.
-    bool AddField(const Outils_Objets::CObject& field, bool newGraph);
 
     // For the interactors. Positions are in pixels of the window; the stack may be scrolled under it.
     Outils_Plot2D::SPoint ToStack(QPointF position) const;
@@ -146,7 +144,6 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
         bool operator==(const SOffered&) const = default;
     };
     bool Ask(Outils_Texte::EText question, const std::string& name);
-    bool DropOn(const CTrv1DGraphPortlet* portlet, const Outils_Objets::CObject& field);
     const Presentation_Tarvel_Graphics::SCurveDescription* FindSelectedShown() const;
     const Outils_Plot2D::STheme& GetTheme() const;
 
@@ -162,10 +159,14 @@ class CTrvView1D final : public Outils_Application::CInteractorView {
     EView1DMode m_mode = EView1DMode::select;
     bool m_echo = true;
     SOffered m_offered; // as reported last
-    QPixmap m_backing;  // what the window shows of the stack, without what lies over it
+    // What the window shows of the stack, without what lies over it. A QImage, to whose pixels the curves are
+    // written.
+    QImage m_backing;
     bool m_backingValid = false;
     QTimer m_wheelEnd;    // runs while the wheel turns
+    QTimer m_growth;      // runs while the result grows
     QTimer m_description; // runs until the accessible description is brought up to date
+    QTimer m_notices;     // runs while files are analysed
     CViewState::CSubscription m_subscription;
 };
 

@@ -259,9 +259,9 @@ void CTrvViewMetadata::Add(Qt::KeyboardModifiers modifiers) {
     if (modifiers & Qt::ControlModifier) {
         for (const auto* field : fields) m_values->Add(*field);
     } else if (modifiers & Qt::ShiftModifier) {
-        AddToNewGraphs(m_variables.GetDocument(), fields);
+        AddToNewGraphs(m_graphs->GetLoader(), fields);
     } else {
-        AddToSelectedGraph(m_variables.GetDocument(), m_graphs->GetStack(), fields);
+        AddToSelectedGraph(m_graphs->GetLoader(), fields);
     }
 }
 

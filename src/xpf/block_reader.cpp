@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace Persistance_Xpf {
@@ -104,8 +105,25 @@ bool CBlockReader::Probe(std::int64_t offset, void* buffer, std::size_t size) co
     return ReadAt(m_handle, offset, static_cast<std::uint8_t*>(buffer), size, size) == size;
 }
 
+std::size_t CBlockReader::ProbeCached(std::int64_t offset, void* buffer, std::size_t size) const {
+    if (m_handle < 0 || offset < 0 || offset > kLargestOffset || IsInterrupted()) return 0;
+    const iovec target = {buffer, size};
+    const ssize_t got = preadv2(m_handle, &target, 1, offset, RWF_NOWAIT);
+    return got > 0 ? static_cast<std::size_t>(got) : 0;
+}
+
+std::size_t CBlockReader::ProbePart(std::int64_t offset, void* buffer, std::size_t size) const {
+    if (m_handle < 0 || offset < 0 || offset > kLargestOffset || IsInterrupted()) return 0;
+    return ReadAt(m_handle, offset, static_cast<std::uint8_t*>(buffer), size, size);
+}
+
 void CBlockReader::Announce(std::int64_t offset, std::int64_t size) const {
     if (m_handle >= 0) posix_fadvise(m_handle, offset, size, POSIX_FADV_WILLNEED);
+}
+
+// Whole pages only: of one that is used in part somebody may want the rest.
+void CBlockReader::Release(std::int64_t offset, std::size_t size) const {
+    posix_fadvise(m_handle, offset, static_cast<off_t>(size), POSIX_FADV_DONTNEED);
 }
 
 void CBlockReader::Forget() {

@@ -82,6 +82,13 @@ class CBlockReader {
     // off from where the walk goes on.
     bool Probe(std::int64_t offset, void* buffer, std::size_t size) const;
 
+    // For reads all over the file, of which many are under way together. Their count of bytes: of what the
+    // system has in memory, which waits for no disk / of all, short at the end of the file.
+    std::size_t ProbeCached(std::int64_t offset, void* buffer, std::size_t size) const;
+    std::size_t ProbePart(std::int64_t offset, void* buffer, std::size_t size) const;
+    // Has the system forget these bytes. A hint.
+    void Release(std::int64_t offset, std::size_t size) const;
+
     // Moves the window over these bytes, as far as the file has them, unless it holds them already: one read
     // for a place that is going to be looked at from all sides. Takes at most kLargestFetch of them.
     void Fetch(std::int64_t offset, std::size_t size);

@@ -74,6 +74,7 @@ class CXpfChannel {
   private:
     friend class CChannelWalk;
     friend class CPacketNumberSearch;
+    friend class CPacketSampler;
 
     // Bytes. Greater packets are not taken from the block but read into the caller's buffer.
     static constexpr std::size_t kLargestInBlock = std::size_t{64} << 10;

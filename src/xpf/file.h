@@ -93,6 +93,7 @@ class CXpfFile {
     friend class CXpfChannel;
     friend class CChannelWalk;
     friend class CPacketNumberSearch;
+    friend class CPacketSampler;
     friend class CStreamWalk;
 
     std::vector<std::unique_ptr<CXpfChannel>> m_channels;             // in file order

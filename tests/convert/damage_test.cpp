@@ -186,6 +186,25 @@ TEST_F(DamageTest, StreamsAreCutPiecedAndCiphered) {
     EXPECT_EQ(packets.at("IMU").front()["Data type"], 1) << "the system sees that it is ciphered";
 }
 
+TEST_F(DamageTest, LostAndRepeatedFramesAreCounted) {
+    const std::string whole = MakeSource("raw");
+    const auto first = static_cast<unsigned char>(whole[1]),
+               second = static_cast<unsigned char>(whole[first + 1u]);
+    const std::string frame = whole.substr(first, second);
+    const struct {
+        std::string stream;
+        EText fault;
+    } cases[] = {
+        {whole, EText::none},
+        {whole.substr(0, first) + whole.substr(first + second), EText::faultMissing},
+        {whole.substr(0, first) + frame + frame + whole.substr(first + second), EText::faultRepeated}};
+    for (const auto& c : cases) {
+        Convert("PostProNelixDecode", c.stream);
+        for (const EText fault : {EText::faultMissing, EText::faultRepeated, EText::faultFrame})
+            EXPECT_EQ(Said(fault), fault == c.fault ? "1" : "0") << m_monitor.all;
+    }
+}
+
 // Published values: the check value of the sum, and the first block of RFC 8439, 2.3.2.
 TEST(RawFrame, SumAndCipherAreThePublishedOnes) {
     const std::string_view digits = "123456789";

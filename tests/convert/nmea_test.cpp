@@ -105,6 +105,44 @@ TEST_F(NmeaTest, OddLogsGiveWhatIsInThem) {
     EXPECT_EQ(Convert("Nmea2Tarin", z + g + wrong, {"/verifyChecksum", "no"}).at("GPS_1").size(), 2u);
 }
 
+// One log as many loggers write it.
+TEST_F(NmeaTest, LoggersChangeNothing) {
+    std::vector<std::string> sentences;
+    for (int second = 0; second < 30; ++second) {
+        const std::string time = "1200" + std::to_string(second + 10);
+        for (std::string sentence : {Gga(time), Gst(time), Zda(time)})
+            sentences.push_back(sentence.substr(0, sentence.size() - 2));
+    }
+    const auto join = [&sentences](std::string_view before, std::string_view after) {
+        std::string log;
+        for (const std::string& sentence : sentences) log.append(before).append(sentence).append(after);
+        return log;
+    };
+    const std::string first = join("", "\r\n"), noise(300, '\x80');
+    const auto expected = Convert("Nmea2Tarin", first)["GPS_1"];
+    ASSERT_EQ(expected.size(), 30u);
+    const std::pair<std::string_view, std::string> logs[] = {
+        {"LF", join("", "\n")},
+        {"CR", join("", "\r")},
+        {"CR CR LF", join("", "\r\r\n")},
+        {"no end of the last line", first.substr(0, first.size() - 2)},
+        {"byte order mark", "\xEF\xBB\xBF" + first},
+        {"a stamp before", join("2024-05-14 12:00:10.123 COM1: ", "\r\n")},
+        {"a stamp behind", join("", "\t1715688010.5\n")},
+        {"cells in quotes", join("\"GPS\";\"", "\";\"ok\"\n")},
+        {"all on one line", join("", " ")},
+        {"noise between lines", join("", "\r\n" + noise + "$GP\x01\x02\n\n")},
+        {"noise before the sentence", join(noise + "\x01$\x02", "\r\n")},
+        {"other devices between", join("", "\n!AIVDM,1,1,,A,x,0*00\n$PSAT,GBS*15\n$HEHDT,12.5,T\n")},
+    };
+    for (const auto& [rule, log] : logs) {
+        const auto fixes = Convert("Nmea2Tarin", log)["GPS_1"];
+        ASSERT_EQ(fixes.size(), expected.size()) << rule << '\n' << m_monitor.all;
+        for (std::size_t i = 0; i < fixes.size(); ++i)
+            EXPECT_EQ(fixes[i].payload, expected[i].payload) << rule << i;
+    }
+}
+
 TEST_F(NmeaTest, OldDataInBetweenCostsNothing) {
     std::string old, log = Zda("110000");
     for (int second = 0; second < 200; ++second) {
@@ -122,6 +160,7 @@ TEST_F(NmeaTest, PositionsWithoutErrorsTakeDilution) {
     auto packets = Convert("Nmea2Tarin", Zda("120000") + Gga("120000", "GP", "4") + Gga("120001", "GP", "1"));
     EXPECT_FLOAT_EQ(packets["GPS_1"][0]["Std. dev. north"], 0.03f);
     EXPECT_FLOAT_EQ(packets["GPS_1"][1]["Std. dev. east"], 4.5f);
+    EXPECT_FLOAT_EQ(packets["GPS_1"][1]["Std. dev. altitude"], 7.5f);
     EXPECT_TRUE(m_monitor.texts.contains(EText::nmeaAssumedErrors));
 }
 

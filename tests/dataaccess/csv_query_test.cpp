@@ -1,6 +1,6 @@
 #include "dataaccess/csv_query.h"
 
-#include "dataaccess/test_recording.h"
+#include "dataaccess/depth_recording.h"
 
 #include <gtest/gtest.h>
 
@@ -8,11 +8,11 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <bit>
 #include <charconv>
+#include <cmath>
 #include <csignal>
-#include <cstring>
 #include <fstream>
-#include <random>
 #include <sstream>
 #include <thread>
 
@@ -22,81 +22,61 @@ using test::Seconds;
 
 namespace {
 
-constexpr std::uint32_t kRejection = 2, kDepth = 3;
-const std::vector<SCsvColumn> kColumns = {{"Rejection", kRejection}, {"Depth [m]", kDepth}};
-
 std::string ReadText(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-class CsvQuery : public testing::Test {
+class CsvQuery : public test::CDepthRecording {
   protected:
-    struct SRow {
-        std::int64_t ticks;
-        float depth;
-        std::uint8_t rejection;
-    };
-
-    CsvQuery() {
-        test::CTestRecording recording(m_path);
-        std::mt19937 random(5);
-        for (std::int64_t i = 0, ticks = -30'000'000; i < 15'000; ++i, ticks += 1 + random() % 4'000) {
-            const auto bits = static_cast<std::uint32_t>(random() & 0x7F7FFFFF); // of any finite size
-            float depth = 0;
-            std::memcpy(&depth, &bits, sizeof depth);
-            m_rows.push_back({ticks, depth, static_cast<std::uint8_t>(random())});
-            recording.Depth(CDateTimeSpan(ticks), depth, m_rows.back().rejection);
-            if (i % 11 == 0) recording.Gps(static_cast<double>(i), 48, -4, 100);
-        }
-        recording.Flush();
+    // Values of any size, some of them no numbers.
+    void RecordBits(bool damaged) {
+        Record(damaged,
+               [](auto& random) { return std::bit_cast<float>(static_cast<std::uint32_t>(random())); });
     }
-
-    CTrvCsvQuery Make(std::int64_t start, std::int64_t end, SCsvClock clock = {"Time [s]", {}, {}}) const {
-        return {Address(), {CDateTimeSpan(start), CDateTimeSpan(end)}, std::move(clock), kColumns, m_target,
-                nullptr};
+    CTrvCsvQuery Make(SChannelAddress address, SClosedPeriod period,
+                      SCsvClock clock = {"Time [s]", {}, {}}) const {
+        return {std::move(address), period, std::move(clock), m_columns, m_target, nullptr};
+    }
+    CTrvCsvQuery MakeWhole() const {
+        return Make(Address(), {CDateTimeSpan(0), CDateTimeSpan(m_rows.back().ticks)});
     }
     SChannelAddress Address() const { return {m_path, EFileKind::tarin, test::kDepthNumber}; }
-    // Nothing but the recording and what stood there before.
+    // Nothing but the recording and what was there before.
     std::size_t CountFiles() const {
         return static_cast<std::size_t>(
             std::distance(std::filesystem::directory_iterator(m_folder / ""), {}));
     }
 
-    test::CTemporaryFolder m_folder;
-    std::filesystem::path m_path = m_folder / "r.tarin", m_target = m_folder / "depth.csv";
-    std::vector<SRow> m_rows;
+    const std::vector<SCsvColumn> m_columns = {{"Rejection", kRejection}, {"Depth [m]", kDepth}};
+    std::filesystem::path m_target = m_folder / "depth.csv";
 };
 
-TEST_F(CsvQuery, RowsReadBackToTheSameBits) {
-    std::mt19937 random(9);
-    for (int i = 0; i < 10; ++i) {
-        const auto draw = [&] {
-            return m_rows[random() % m_rows.size()].ticks - 1 + std::int64_t(random() % 3);
-        };
-        const auto [start, end] = std::minmax({draw(), draw()});
-        CTrvCsvQuery query = Make(start, end);
-        ASSERT_EQ(query.Execute(), EQueryEnd::done);
-        std::istringstream text(ReadText(m_target));
-        std::string line;
-        ASSERT_TRUE(std::getline(text, line));
-        EXPECT_EQ(line, "Time [s];Rejection;Depth [m]");
-        std::uint64_t count = 0;
-        for (const SRow& row : m_rows) {
-            if (row.ticks < start || row.ticks > end) continue;
-            ++count;
+TEST_F(CsvQuery, EveryPacketReadsBackToItsBits) {
+    for (const bool damaged : {false, true}) {
+        m_rows.clear();
+        RecordBits(damaged);
+        ForEachWindow(30, [this](const auto& address, const auto& period, const auto& rows) {
+            CTrvCsvQuery query = Make(address, period);
+            ASSERT_EQ(query.Execute(), EQueryEnd::done);
+            EXPECT_EQ(query.GetRowCount(), rows.size());
+            EXPECT_EQ(query.GetProgress(), 1);
+            std::istringstream text(ReadText(m_target));
+            std::string line;
             ASSERT_TRUE(std::getline(text, line));
-            const std::string head =
-                CDateTimeSpan(row.ticks).ToText() + ';' + std::to_string(row.rejection) + ';';
-            ASSERT_EQ(line.substr(0, head.size()), head);
-            float depth = 0;
-            const char* last = line.data() + line.size();
-            ASSERT_EQ(std::from_chars(line.data() + head.size(), last, depth).ptr, last);
-            ASSERT_EQ(depth, row.depth);
-        }
-        EXPECT_FALSE(std::getline(text, line));
-        EXPECT_EQ(query.GetRowCount(), count);
-        EXPECT_EQ(query.GetProgress(), 1);
+            EXPECT_EQ(line, "Time [s];Rejection;Depth [m]");
+            for (const auto& row : rows) {
+                ASSERT_TRUE(std::getline(text, line));
+                const std::string head =
+                    CDateTimeSpan(row.ticks).ToText() + ';' + std::to_string(row.rejection) + ';';
+                ASSERT_EQ(line.substr(0, head.size()), head);
+                float depth = 0;
+                const char* last = line.data() + line.size();
+                ASSERT_EQ(std::from_chars(line.data() + head.size(), last, depth).ptr, last);
+                ASSERT_TRUE(depth == row.depth || (std::isnan(depth) && std::isnan(row.depth)));
+            }
+            EXPECT_FALSE(std::getline(text, line));
+        });
     }
 }
 
@@ -128,12 +108,13 @@ TEST_F(CsvQuery, WritesDatesUnitsAndHeadings) {
 
 // Wherever the cancellation meets the query, the target is the old file or the whole new one.
 TEST_F(CsvQuery, ACancelledQueryLeavesTheOldFile) {
-    CTrvCsvQuery whole = Make(0, m_rows.back().ticks);
+    RecordBits(false);
+    CTrvCsvQuery whole = MakeWhole();
     ASSERT_EQ(whole.Execute(), EQueryEnd::done);
     const std::string text = ReadText(m_target);
     for (int i = 0; i < 8; ++i) {
         std::ofstream(m_target) << "old";
-        CTrvCsvQuery query = Make(0, m_rows.back().ticks);
+        CTrvCsvQuery query = MakeWhole();
         std::thread other([&query, i] {
             while (i > 0 && query.GetProgress() < i * 0.12) std::this_thread::yield();
             query.RequestCancel();
@@ -146,10 +127,11 @@ TEST_F(CsvQuery, ACancelledQueryLeavesTheOldFile) {
 }
 
 TEST_F(CsvQuery, UnwritableTargetsFailAndStay) {
+    RecordBits(false);
     std::ofstream(m_target) << "old";
     const auto expectFault = [this](const std::filesystem::path& target) {
         SCOPED_TRACE(target);
-        CTrvCsvQuery query(Address(), {Seconds(0), Seconds(9)}, {"t", {}, {}}, kColumns, target, nullptr);
+        CTrvCsvQuery query(Address(), {Seconds(0), Seconds(9)}, {"t", {}, {}}, m_columns, target, nullptr);
         EXPECT_EQ(query.Execute(), EQueryEnd::failed);
         EXPECT_TRUE(query.IsTargetAtFault());
         EXPECT_EQ(ReadText(m_target), "old");
@@ -170,6 +152,7 @@ TEST_F(CsvQuery, UnwritableTargetsFailAndStay) {
 }
 
 TEST_F(CsvQuery, RefusesColumnsThatAreNone) {
+    RecordBits(false);
     for (const std::uint32_t field : {0u, 99u}) {
         CTrvCsvQuery query(Address(), {Seconds(0), Seconds(9)}, {"t", {}, {}}, {{"x", field}}, m_target,
                            nullptr);

@@ -1,17 +1,13 @@
 #include "dataaccess/statistics_query.h"
 
-#include "dataaccess/test_recording.h"
-#include "foundation/files.h"
-#include "xpf/stream_walk.h"
+#include "dataaccess/depth_recording.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <limits>
 #include <numbers>
-#include <random>
 #include <thread>
 
 using namespace Application_Tarvel;
@@ -20,7 +16,6 @@ using test::Seconds;
 
 namespace {
 
-constexpr std::uint32_t kRejection = 2, kDepth = 3;
 constexpr double kDegrees = 360;
 
 SFieldStatistics Compute(const std::vector<double>& values) {
@@ -67,125 +62,115 @@ void ExpectSame(const SFieldStatistics& found, const SFieldStatistics& expected)
     close("last", found.last, expected.last);
 }
 
-// A depth channel of several thousand packets with pauses, equal dates and values that are no numbers, beside
-// another channel. Damage falls upon some of its bytes.
-class StatisticsQuery : public testing::Test {
-  protected:
-    void Record(bool damaged) {
-        {
-            test::CTestRecording recording(m_path);
-            std::mt19937 random(17);
-            std::int64_t date = 10'000'000;
-            for (int i = 0; i < 20000; ++i) {
-                date += random() % 5 == 0 ? 0 : static_cast<std::int64_t>(random() % 200'000);
-                if (i % 5000 == 4999) date += 300'000'000;
-                const bool isNumber = random() % 50 != 0;
-                recording.Depth(CDateTimeSpan(date),
-                                isNumber ? 5000 + 0.01f * static_cast<float>(random() % 1000)
-                                         : std::numeric_limits<float>::infinity(),
-                                static_cast<std::uint8_t>(random()));
-                if (i % 9 == 0) recording.Gps(static_cast<double>(date) / 1e7, 48, -4, 0);
-            }
-            recording.Flush();
+// By the definition of the results: the way from value to value, and directions from half a turn on.
+SFieldStatistics ComputeAngles(const std::vector<double>& values) {
+    SFieldStatistics result;
+    std::vector<double> way, nearZero;
+    long double sine = 0, cosine = 0;
+    for (const double value : values) {
+        if (!std::isfinite(value)) {
+            ++result.ignored;
+            continue;
         }
-        if (damaged) Damage();
-        ReadPackets();
+        way.push_back(way.empty() ? value : way.back() + std::remainder(value - result.last, kDegrees));
+        nearZero.push_back(std::remainder(value, kDegrees));
+        if (result.count++ == 0) result.first = result.minimum = result.maximum = value;
+        result.last = value;
+        result.minimum = std::min(result.minimum, value);
+        result.maximum = std::max(result.maximum, value);
+        sine += std::sin(value * std::numbers::pi_v<long double> / 180);
+        cosine += std::cos(value * std::numbers::pi_v<long double> / 180);
     }
+    if (result.count == 0) return result;
+    const SFieldStatistics along = Compute(way);
+    result.mean = along.mean;
+    result.deviation = along.deviation;
+    result.rms = Compute(nearZero).rms;
+    if (const double span = along.maximum - along.minimum; span < kDegrees) {
+        result.minimum = along.minimum;
+        result.maximum = along.maximum;
+        if (span < kDegrees / 2) return result;
+    }
+    const long double length = std::hypot(sine, cosine) / static_cast<long double>(result.count);
+    result.mean = static_cast<double>(std::atan2(sine, cosine)) * 180 / std::numbers::pi;
+    result.deviation = static_cast<double>(std::sqrt(-2 * std::log(length))) * 180 / std::numbers::pi;
+    return result;
+}
 
+void ExpectSameAngles(const SFieldStatistics& found, const SFieldStatistics& expected) {
+    EXPECT_EQ(found.count, expected.count);
+    EXPECT_EQ(found.ignored, expected.ignored);
+    const auto close = [](const char* what, double a, double b, double turn) {
+        const bool isNone = std::isnan(b);
+        EXPECT_EQ(std::isnan(a), isNone) << what;
+        if (isNone) return;
+        EXPECT_NEAR(turn > 0 ? std::remainder(a - b, turn) : a - b, 0, 1e-7)
+            << what << ": " << a << ", " << b;
+    };
+    close("minimum", found.minimum, expected.minimum, kDegrees);
+    close("maximum", found.maximum, expected.maximum, kDegrees);
+    close("mean", found.mean, expected.mean, kDegrees);
+    close("deviation", found.deviation, expected.deviation, 0);
+    close("rms", found.rms, expected.rms, 0);
+    close("first", found.first, expected.first, 0);
+    close("last", found.last, expected.last, 0);
+}
+
+class StatisticsQuery : public test::CDepthRecording {
+  protected:
+    void RecordDepths(bool damaged) {
+        Record(damaged, [](auto& random) {
+            return random() % 50 == 0 ? std::numeric_limits<float>::infinity()
+                                      : 5000 + 0.01f * static_cast<float>(random() % 1000);
+        });
+    }
+    // A vessel that turns without a plan, from `low` on.
+    void RecordAngles(bool damaged, double low) {
+        Record(damaged, [low, way = 0.0](auto& random) mutable {
+            way += static_cast<double>(random() % 1000) * 0.01 - 5;
+            return random() % 50 == 0
+                       ? std::numeric_limits<float>::quiet_NaN()
+                       : static_cast<float>(way - kDegrees * std::floor((way - low) / kDegrees));
+        });
+    }
+    static std::vector<double> Depths(const std::vector<test::SSample>& rows) {
+        std::vector<double> values;
+        for (const auto& row : rows) values.push_back(row.depth);
+        return values;
+    }
     SStatistics Ask(CTrvStatisticsQuery& query, EQueryEnd expected = EQueryEnd::done) {
         EXPECT_EQ(query.Execute(), expected);
         return query.GetStatistics();
     }
-
-    void CheckWindows() {
-        std::mt19937_64 random(7);
-        const auto range = std::uint64_t{3'000'000'000};
-        for (int i = 0; i < 60; ++i) {
-            const auto draw = [&] {
-                return i % 3 ? static_cast<std::int64_t>(random() % range)
-                             : m_dates[random() % m_dates.size()];
-            };
-            const auto [start, end] = std::minmax({draw(), draw()});
-            SCOPED_TRACE(std::to_string(start) + " to " + std::to_string(end));
-            std::vector<double> depths, rejections;
-            for (std::size_t k = 0; k < m_dates.size(); ++k) {
-                if (m_dates[k] < start || m_dates[k] > end) continue;
-                depths.push_back(m_depths[k]);
-                rejections.push_back(m_rejections[k]);
-            }
-            CTrvStatisticsQuery query(
-                {m_path, EFileKind::tarin, test::kDepthNumber, i % 2 ? &m_cache : nullptr},
-                {CDateTimeSpan(start), CDateTimeSpan(end)}, {{kDepth}, {kRejection}}, nullptr);
-            const SStatistics found = Ask(query);
-            ASSERT_EQ(found.fields.size(), 2u);
-            EXPECT_TRUE(found.complete);
-            ExpectSame(found.fields[0], Compute(depths));
-            ExpectSame(found.fields[1], Compute(rejections));
-            if (HasFailure()) return;
-        }
-    }
-
-    test::CTemporaryFolder m_folder;
-    std::filesystem::path m_path = m_folder / "r.tarin";
-    CXpfFileCache m_cache;
-    std::vector<std::int64_t> m_dates;
-    std::vector<double> m_depths, m_rejections;
-
-  private:
-    // Dates far off and packets without their mark here and there, and a torn end.
-    void Damage() {
-        auto bytes = Outils_Fichiers::ReadWholeFile(m_path, 1 << 24).value();
-        std::vector<std::size_t> packets;
-        {
-            const auto file = OpenXpfFile(m_path, EFileKind::tarin).file;
-            ASSERT_TRUE(file);
-            SPacketHeader header;
-            std::span<const std::uint8_t> payload;
-            for (std::int64_t at = file->GetDataStart().Get();
-                 file->Seek(at) && CStreamWalk(*file).Next(header, payload) == EPacketRead::whole;
-                 at += header.size)
-                packets.push_back(static_cast<std::size_t>(at));
-        }
-        std::mt19937_64 random(3);
-        for (int i = 0; i < 150; ++i) {
-            const std::size_t at = packets[random() % packets.size()];
-            if (i % 3 == 0) bytes[at] = bytes[at + 1] = 0;
-            const std::int64_t date = i % 2 ? std::int64_t{1} << 60 : -1;
-            std::memcpy(bytes.data() + at + kPacketHeaderSize, &date, sizeof date);
-        }
-        bytes.resize(bytes.size() - 13);
-        ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(m_path, bytes));
-    }
-
-    // All that a reader of the channel gets, packet by packet.
-    void ReadPackets() {
-        const auto file = OpenXpfFile(m_path, EFileKind::tarin).file;
-        ASSERT_TRUE(file);
-        CXpfChannel* channel = file->FindChannelByNumber(test::kDepthNumber);
-        ASSERT_TRUE(channel && channel->SeekFirstPacket(nullptr));
-        const auto packet = channel->CreatePacket();
-        while (channel->ReadNextPacket(*packet)) {
-            CDateTimeSpan date;
-            float depth = 0;
-            std::uint8_t rejection = 0;
-            ASSERT_TRUE(packet->GetDate(0, date) && packet->GetFloat(kDepth, depth) &&
-                        packet->GetUInt8(kRejection, rejection));
-            m_dates.push_back(date.GetTicks());
-            m_depths.push_back(depth);
-            m_rejections.push_back(rejection);
-        }
-        ASSERT_GT(m_dates.size(), 19900u);
-    }
 };
 
 TEST_F(StatisticsQuery, AgreesWithAPlainComputation) {
-    Record(false);
-    CheckWindows();
+    for (const bool damaged : {false, true}) {
+        m_rows.clear();
+        RecordDepths(damaged);
+        ForEachWindow(60, [this](const auto& address, const auto& period, const auto& rows) {
+            std::vector<double> rejections;
+            for (const auto& row : rows) rejections.push_back(row.rejection);
+            CTrvStatisticsQuery query(address, period, {{kDepth}, {kRejection}}, nullptr);
+            const SStatistics found = Ask(query);
+            ASSERT_EQ(found.fields.size(), 2u);
+            EXPECT_TRUE(found.complete);
+            ExpectSame(found.fields[0], Compute(Depths(rows)));
+            ExpectSame(found.fields[1], Compute(rejections));
+        });
+    }
 }
 
-TEST_F(StatisticsQuery, AgreesOnADamagedRecording) {
-    Record(true);
-    CheckWindows();
+TEST_F(StatisticsQuery, AnglesAgreeWithAPlainComputation) {
+    const std::pair<bool, double> recordings[] = {{false, 0}, {true, -180}};
+    for (const auto& [damaged, low] : recordings) {
+        m_rows.clear();
+        RecordAngles(damaged, low);
+        ForEachWindow(60, [this](const auto& address, const auto& period, const auto& rows) {
+            CTrvStatisticsQuery query(address, period, {{kDepth, kDegrees}}, nullptr);
+            ExpectSameAngles(Ask(query).fields.at(0), ComputeAngles(Depths(rows)));
+        });
+    }
 }
 
 TEST_F(StatisticsQuery, StrayDatesNeitherCountNorEndIt) {
@@ -204,7 +189,7 @@ TEST_F(StatisticsQuery, StrayDatesNeitherCountNorEndIt) {
 }
 
 TEST_F(StatisticsQuery, SaysWhereDamageEndedIt) {
-    Record(false);
+    RecordDepths(false);
     auto bytes = Outils_Fichiers::ReadWholeFile(m_path, 1 << 24).value();
     std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(bytes.size() / 2), 200, std::uint8_t{0});
     ASSERT_TRUE(Outils_Fichiers::WriteWholeFile(m_path, bytes));
@@ -212,7 +197,7 @@ TEST_F(StatisticsQuery, SaysWhereDamageEndedIt) {
                               {{kDepth}}, nullptr);
     const SFieldStatistics found = Ask(query).fields.at(0);
     EXPECT_TRUE(query.IsCut());
-    EXPECT_LT(found.count + found.ignored, m_dates.size());
+    EXPECT_LT(found.count + found.ignored, m_rows.size());
 }
 
 TEST_F(StatisticsQuery, FollowsAnglesTheShortWay) {
@@ -249,7 +234,7 @@ TEST_F(StatisticsQuery, FollowsAnglesTheShortWay) {
 }
 
 TEST_F(StatisticsQuery, RefusesWhatIsNoNumber) {
-    Record(false);
+    RecordDepths(false);
     const auto ask = [this](std::uint16_t channel, SStatisticsField field) {
         return CTrvStatisticsQuery({m_path, EFileKind::tarin, channel}, {Seconds(0), Seconds(9)}, {field},
                                    nullptr)

@@ -1,19 +1,5 @@
 // The dialogs of the tools, with shell scripts in the place of the tools.
-#include "config/config_file.h"
-#include "dataaccess/test_recording.h"
-#include "dialogs/export_tools.h"
-#include "dialogs/file_updater.h"
-#include "dialogs/import_tools.h"
-#include "document/scripted_host.h"
-#include "foundation/message_target.h"
-#include "foundation/texts.h"
-#include "model/simulation_parameters.h"
-#include "support/temporary_folder.h"
-#include "values/adaptors.h"
-
-#include <gmock/gmock.h>
-
-#include <fstream>
+#include "tool_fixture.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -24,86 +10,12 @@ using namespace Outils_Configuration;
 using namespace std::chrono_literals;
 using Outils_Texte::EText;
 using test::Text;
+using test::ToolDialogs;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
 namespace {
-
-class CMessages final : public IToolDialogListener {
-  public:
-    void OnToolMessage(int level, const std::string& text) override {
-        lines.push_back(std::to_string(level) + ' ' + text);
-    }
-    std::vector<std::string> lines;
-};
-
-class ToolDialogs : public testing::Test {
-  protected:
-    ToolDialogs() {
-        m_adaptors.Configure(m_configuration);
-        m_host.m_programFolder = m_folder / "bin";
-        std::filesystem::create_directory(m_host.m_programFolder);
-        for (const char* name : {"a.log", "b.log", "c d.log", "r.tarout", "x.tarin", "t.tarudt"})
-            std::ofstream(m_folder / name) << "some bytes";
-    }
-    // A tool that does as the shell script says, after the word "start". $last is its last argument.
-    void Install(const char* name, const std::string& script) {
-        const auto path = m_host.m_programFolder / name;
-        std::ofstream(path) << "#!/bin/sh\nfor last; do :; done\nread word\n" << script << '\n';
-        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-    }
-    SToolServices Services(bool expert = false) {
-        return {m_host, m_configuration, m_looks, m_adaptors, expert};
-    }
-    std::unique_ptr<CTrvSimpleImporterDlg>
-    Import(ERawFormat format, std::vector<std::filesystem::path> sources, bool expert = false) {
-        for (auto& source : sources) source = m_folder.GetPath() / source;
-        auto dialog = std::make_unique<CTrvSimpleImporterDlg>(Services(expert), format, sources);
-        dialog->SetListener(&m_messages);
-        return dialog;
-    }
-    // Over a project with all three roles of files.
-    std::unique_ptr<CTrvSimpleExporterDlg> Export(EExportFormat format, std::string_view source) {
-        auto project = GetExportProject(*m_parameters);
-        for (SExportSource& own : project.sources) own.channels = {"IMU", "GPS_1", "USBL_2"};
-        auto dialog = std::make_unique<CTrvSimpleExporterDlg>(Services(), project, [this](const auto& file) {
-            m_opened.push_back(file.filename());
-            return m_opens;
-        });
-        dialog->SetListener(&m_messages);
-        Write(*dialog, EExportField::format, GetExportFormats()[static_cast<std::size_t>(format)].word);
-        Write(*dialog, EExportField::source, source);
-        return dialog;
-    }
-    template <class Field>
-    void Write(CToolDialog& dialog, Field field, std::string_view text) {
-        EXPECT_EQ(dialog.Write(static_cast<int>(field), text), "") << text;
-    }
-    // The command line without program, sources and folders: what comes between "/remote" and the files.
-    std::string Switches(const CToolDialog& dialog) const {
-        std::string line = dialog.GetCommandLine();
-        for (std::size_t at; (at = line.find(m_folder.GetPath().string() + '/')) != line.npos;)
-            line.erase(at, m_folder.GetPath().string().size() + 1);
-        return line;
-    }
-    void RunToEnd(CToolDialog& dialog) {
-        ASSERT_TRUE(dialog.Start()) << testing::PrintToString(m_host.m_messages);
-        while (dialog.IsRunning()) dialog.Wait(50ms);
-    }
-
-    test::CTemporaryFolder m_folder;
-    test::CScriptedHost m_host;
-    CTrvCnfConfigFile m_configuration;
-    Outils_Valeurs::CTrvAdaptors m_adaptors;
-    Application_Tarvel::CFileLooks m_looks{m_host.m_queue};
-    CMessages m_messages;
-    std::unique_ptr<Metier_Tarvel::CTrvSimulationParameters> m_parameters =
-        std::make_unique<Metier_Tarvel::CTrvSimulationParameters>(m_folder / "x.tarin",
-                                                                  m_folder / "r.tarout");
-    std::vector<std::string> m_opened;
-    bool m_opens = true;
-};
 
 constexpr const char* kMakesTarget =
     "echo 'progress 40'; echo 'message warning \"a fault\"'; echo x > \"$last\"";
@@ -305,6 +217,19 @@ TEST_F(ToolDialogs, CancelLeavesNoTarget) {
     }
 }
 
+TEST_F(ToolDialogs, CancelledExportLeavesNoTarget) {
+    Install("Tarout2Txt.exe", "echo part > \"$last\"; read word; exit 1");
+    auto dialog = Export(EExportFormat::txt, "output");
+    ASSERT_TRUE(dialog->Start());
+    while (!std::filesystem::exists(dialog->GetTarget())) dialog->Wait(10ms);
+    dialog->Cancel();
+    while (dialog->IsRunning()) dialog->Wait(10ms);
+    EXPECT_EQ(dialog->GetOutcome(), EOutcome::cancelled);
+    EXPECT_FALSE(std::filesystem::exists(dialog->GetTarget()));
+    EXPECT_THAT(m_opened, IsEmpty());
+    EXPECT_FALSE(dialog->HasEnded());
+}
+
 TEST_F(ToolDialogs, ExportCommandHasTheSwitchesOfItsFormat) {
     using enum EExportField;
     m_parameters->mainInputFile->timeOffset =
@@ -384,11 +309,20 @@ TEST_F(ToolDialogs, ExportChecksInTheGivenOrder) {
         const char* source;
         std::vector<std::pair<EExportField, const char*>> written;
         EText text;
+        EExportField focus;
     } cases[] = {
-        {EExportFormat::udt, "output", {{exportTemplate, "/no/such.tarudt"}}, EText::toolTemplateMissing},
-        {EExportFormat::sbet, "input", {}, EText::sbetOfResult},
-        {EExportFormat::kml, "output", {{kmlDecimate, "on"}, {kmlDecimation, "0"}}, EText::toolResultMissing},
-        {EExportFormat::txt, "input", {}, EText::toolSourceMissing},
+        {EExportFormat::udt,
+         "output",
+         {{exportTemplate, "/no/such.tarudt"}},
+         EText::toolTemplateMissing,
+         exportTemplate},
+        {EExportFormat::sbet, "input", {}, EText::sbetOfResult, source},
+        {EExportFormat::kml,
+         "output",
+         {{kmlDecimate, "on"}, {kmlDecimation, "0"}},
+         EText::toolResultMissing,
+         source},
+        {EExportFormat::txt, "input", {}, EText::toolSourceMissing, source},
     };
     std::filesystem::remove(m_folder / "r.tarout");
     std::filesystem::remove(m_folder / "x.tarin");
@@ -397,6 +331,9 @@ TEST_F(ToolDialogs, ExportChecksInTheGivenOrder) {
         for (const auto& [field, text] : c.written) Write(*dialog, field, text);
         EXPECT_FALSE(dialog->Start());
         EXPECT_THAT(m_host.TakeMessages(), ElementsAre(Text(c.text)));
+        ASSERT_TRUE(dialog->GetFaultItem());
+        EXPECT_EQ(dialog->GetFaultItem()->GetTitle(),
+                  Text(GetExportFields()[static_cast<std::size_t>(c.focus)].title));
     }
     std::ofstream(m_folder / "r.tarout") << "x";
     auto dialog = Export(EExportFormat::kml, "output");

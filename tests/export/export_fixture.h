@@ -4,13 +4,13 @@
 #include "common/child_program.h"
 #include "foundation/texts.h"
 #include "recording/recording_writer.h"
+#include "support/program_output.h"
 #include "support/temporary_folder.h"
 #include "xpf/packets.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <fstream>
 #include <functional>
 #include <initializer_list>
@@ -21,6 +21,7 @@
 namespace Exportation {
 
 using namespace Persistance_Xpf;
+using test::Ask;
 using Compagnon::ELevel;
 using Compagnon::ERunEnd;
 using Compagnon::SProgram;
@@ -60,15 +61,6 @@ class ExportTest : public testing::Test {
         monitor.texts.clear();
         monitor.lastPercent = 0.0;
         return program.run(parsed, monitor);
-    }
-    // A program that nobody here wrote; its output.
-    static std::string Ask(const std::string& command) {
-        std::string text;
-        FILE* pipe = ::popen(command.c_str(), "r");
-        if (!pipe) return text;
-        for (int c; (c = std::fgetc(pipe)) != EOF;) text += static_cast<char>(c);
-        EXPECT_EQ(::pclose(pipe), 0) << command << "\n" << text;
-        return text;
     }
     static std::vector<std::string> Split(const std::string& text, char separator) {
         std::vector<std::string> parts;

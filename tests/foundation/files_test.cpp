@@ -1,3 +1,4 @@
+#include "foundation/atomic_file.h"
 #include "foundation/files.h"
 #include "foundation/paths.h"
 
@@ -90,6 +91,20 @@ TEST_F(Files, SaveFollowsLinks) {
     EXPECT_EQ(ReadWholeFile(m_file, 5000), m_new);
     fs::create_symlink("ring", folder / "ring");
     EXPECT_FALSE(SaveAtomically(folder / "ring", m_new));
+}
+
+TEST_F(Files, PiecesBecomeAFileInOneStep) {
+    fs::create_symlink(m_file, m_folder / "link");
+    for (const bool committed : {false, true}) {
+        CAtomicFile file;
+        ASSERT_TRUE(file.Open(m_folder / "link"));
+        EXPECT_EQ(file.GetTarget(), m_file);
+        for (int i = 0; i < 3; ++i) EXPECT_TRUE(file.Write(m_new));
+        EXPECT_EQ(ReadWholeFile(m_file, 5000), m_old);
+        EXPECT_TRUE(!committed || file.Commit());
+    }
+    EXPECT_EQ(fs::file_size(m_file), 3 * m_new.size());
+    EXPECT_EQ(CountEntries(), 2);
 }
 
 TEST_F(Files, FailedSaveKeepsTheOldFile) {

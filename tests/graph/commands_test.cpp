@@ -143,6 +143,17 @@ TEST_F(GraphCommands, VisibleDataBecomesTables) {
     EXPECT_NE(heading.find("Latitude [°]"), std::string::npos) << heading;
     EXPECT_TRUE(first.starts_with("50.0000000;")) << first;
     EXPECT_NE(first.find(";43.005;"), std::string::npos) << first;
+
+    Parameters().hasUtcReference = true;
+    Parameters().utcReference.SetDateTime(2026, 3, 14, 10, 0, 0, 0);
+    Tell(hintDataFileTimeOffsetChanged, &Recording());
+    Load();
+    save("dated.csv", false);
+    std::ifstream dated(m_folder / "dated.csv");
+    std::getline(dated, heading);
+    std::getline(dated, first);
+    EXPECT_TRUE(heading.starts_with("Date [UTC];")) << heading;
+    EXPECT_TRUE(first.starts_with("2026-03-14T10:00:50.0000000Z;")) << first;
 }
 
 TEST_F(GraphCommands, FormsTakeWhatIsTyped) {
@@ -160,13 +171,20 @@ TEST_F(GraphCommands, FormsTakeWhatIsTyped) {
         CCurveForm form(*m_document, curve);
         form.GetLines()[0].text = label;
         form.GetLines()[1].choice = 2;
-        form.GetLines()[2].text = factor;
+        form.GetLines()[2].choice = static_cast<std::size_t>(ELineStyle::dot);
+        form.GetLines()[3].text = factor;
         const auto refusal = form.OnOK();
         ASSERT_EQ(refusal.has_value(), refused != Outils_Texte::kNoText) << factor;
         EXPECT_EQ(refusal ? refusal->message : "", refusal ? FormatText(refused, {factor}) : "");
     }
     EXPECT_EQ(curve.label, "up");
-    EXPECT_EQ(curve.color, 0xFFE69F00u);
+    const SCurveLook look{0xFFE69F00, ELineStyle::dot};
+    EXPECT_EQ(ReadLook(curve.color), look);
+    EXPECT_EQ(Measure(2).GetPlot().GetSeries()[0]->GetLineStyle(), ELineStyle::dot);
+    EXPECT_EQ(Measure(2).GetPlot().GetSeries()[0]->GetColor(), look.colour);
+    CCurveForm again(*m_document, curve);
+    EXPECT_FALSE(again.OnOK().has_value());
+    EXPECT_EQ(ReadLook(curve.color), look) << "an untouched form keeps all";
     EXPECT_EQ(curve.factor, 2.5);
 
     const std::tuple<const char*, const char*, bool> ranges[] = {

@@ -1,3 +1,4 @@
+#include "foundation/texts.h"
 #include "graph/coverage_strip.h"
 #include "graph/dive.h"
 
@@ -67,6 +68,12 @@ TEST_F(Dive, StripFollowsTheFiles) {
     OpenAndLoad();
     int changes = 0;
     CTrv1DCoverage coverage(*m_document, [&] { ++changes; });
+    const SRect strip = {0, 700, 1000, GetStripHeight(coverage)};
+    const SRect area = Stack().GetPortlets()[0]->GetPlottingRect();
+    const auto early = HitStrip(coverage, Stack(), strip, {area.x + 10, strip.y + 20});
+    ASSERT_TRUE(early);
+    EXPECT_EQ(early->text,
+              "dive.tarout: " + std::string(Outils_Texte::GetText(Outils_Texte::EText::loading)));
     ASSERT_TRUE(RunUntil([&] {
         return coverage.GetFiles().size() == 2 && !coverage.IsBusy() && coverage.GetFiles()[0].known;
     }));
@@ -75,8 +82,6 @@ TEST_F(Dive, StripFollowsTheFiles) {
     EXPECT_EQ(coverage.GetFiles()[1].coverage.extent->end, Seconds(120));
 
     m_loader->ShowPeriod({Seconds(0), Seconds(100)});
-    const SRect strip = {0, 700, 1000, GetStripHeight(coverage)};
-    const SRect area = Stack().GetPortlets()[0]->GetPlottingRect();
     const auto hit = HitStrip(coverage, Stack(), strip, {area.x + 10, strip.y + 20});
     ASSERT_TRUE(hit);
     EXPECT_EQ(hit->period, (SPeriod{Seconds(0), Seconds(120)}));

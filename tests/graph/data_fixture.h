@@ -24,6 +24,7 @@ using Metier_Tarvel_DataModel::CTrvFieldDef;
 
 constexpr int kDiveEnd = 100;               // seconds, of depth and result
 constexpr int kGpsBegin = 10, kGpsEnd = 60; // seconds
+constexpr int kOnlyImu = 30;                // the date of a single inertial packet
 constexpr double kFirstLatitude = 45, kFirstLongitude = -4, kDegreesPerSecond = 1e-5;
 constexpr double kFirstHeading = 350; // degrees at time zero, one degree a second
 
@@ -36,6 +37,7 @@ class CDataFixture : public testing::Test {
             for (int t = kGpsBegin; t <= kGpsEnd; ++t)
                 recording.Gps(t, kFirstLatitude + t * kDegreesPerSecond,
                               kFirstLongitude + t * kDegreesPerSecond, 0);
+            recording.Imu(kOnlyImu, 9);
         }
         constexpr std::string_view computed[] = {"MORVEX_STD"};
         Enregistrement::CRecordingWriter result;

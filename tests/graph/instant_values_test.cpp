@@ -110,6 +110,47 @@ TEST_F(InstantValuesTest, EmptyValuesGiveTheirReason) {
     EXPECT_EQ(Cell(1, first).text, "");
 }
 
+// A channel with gaps between its samples, one with a single packet, and times outside all data.
+TEST_F(InstantValuesTest, TwoCursorsOnSparseChannels) {
+    Add("GPS_1", "Latitude");
+    Add("IMU", "Acc 1");
+    m_values->ShowStatistics(true);
+    const std::string outside = "No data at this time: the channel has ";
+    const struct {
+        double from, to;
+        std::size_t row;
+        bool hasFirst, hasSecond;
+        const char* count;
+        EText whyNoDeviation; // kNoText: there is one
+    } rows[] = {
+        {20, 30, 0, true, true, "11", Outils_Texte::kNoText},
+        {20.2, 20.8, 0, true, true, "0", EText::whyNoSamples}, // in a gap: the nearest samples, none between
+        {20.2, 21.2, 0, true, true, "1", EText::whyOneSample},
+        {5, 15, 0, false, true, "6", Outils_Texte::kNoText},
+        {-20, -10, 0, false, false, "0", EText::whyNoSamples},
+        {500, 600, 0, false, false, "0", EText::whyNoSamples},
+        {25, 35, 1, false, false, "1", EText::whyOneSample},
+        {kOnlyImu, 35, 1, true, false, "1", EText::whyOneSample},
+        {31, 35, 1, false, false, "0", EText::whyNoSamples},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::to_string(row.from) + " to " + std::to_string(row.to));
+        SetCursors(row.from, row.to);
+        Load();
+        for (const auto& [column, has] : {std::pair(first, row.hasFirst), {second, row.hasSecond}}) {
+            EXPECT_EQ(!Cell(row.row, column).text.empty(), has);
+            EXPECT_EQ(Cell(row.row, column).why.starts_with(outside), !has);
+        }
+        EXPECT_EQ(!Cell(row.row, difference).text.empty(), row.hasFirst && row.hasSecond);
+        EXPECT_EQ(Cell(row.row, count).text, row.count);
+        const bool isNone = row.whyNoDeviation != Outils_Texte::kNoText;
+        EXPECT_EQ(Cell(row.row, deviation).text.empty(), isNone);
+        if (isNone) {
+            EXPECT_EQ(Cell(row.row, deviation).why, Text(row.whyNoDeviation));
+        }
+    }
+}
+
 TEST_F(InstantValuesTest, RowsOfARemovedFileGo) {
     auto& external = AddExternal();
     Add("DEPTH", "Depth");

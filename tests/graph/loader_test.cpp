@@ -1,7 +1,10 @@
 #include "foundation/texts.h"
 #include "graph/dive.h"
+#include "graph/stack_text.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstring>
 #include <fstream>
 
 using namespace test;
@@ -98,6 +101,67 @@ TEST_F(LoaderTest, GrowingResultIsFollowed) {
     Load();
     EXPECT_EQ(Shown(), Period(0, 600));
     EXPECT_NEAR(LastTime(kResult), 600, 1e-6);
+}
+
+// Of a file as large as this packets here and there come before the walk is through.
+TEST_F(LoaderTest, PreviewStandsInUntilAllIsRead) {
+    constexpr int kEnd = 120'000;
+    OpenAndLoad();
+    Compute(121, kEnd);
+    Tell(hintChannelFound, &Result());
+    const auto& source = Source(0, kResult);
+    ASSERT_TRUE(RunUntil([&] { return source.GetPreview() != nullptr; }));
+    EXPECT_TRUE(m_loader->IsLoading());
+    const std::string notice(Outils_Texte::GetText(Outils_Texte::EText::graphProvisional));
+    EXPECT_NE(DescribeStack(Stack(), m_viewState).find(notice), std::string::npos);
+    const auto* preview = source.GetProvisional();
+    ASSERT_NE(preview, nullptr);
+    EXPECT_FALSE(preview->HasExtremum());
+    // It breaks off where exact data is, and reaches the end.
+    double x = 0, y = 0;
+    int exact = 0, shown = 0;
+    for (std::uint32_t i = 0; i < preview->GetCount(); ++i)
+        if (preview->GetPoint(i, x, y)) (std::isfinite(y) ? shown : exact) += 1;
+    EXPECT_GT(shown, 500);
+    EXPECT_LT(exact, shown);
+    EXPECT_NEAR(x, 100, 0.5);
+    EXPECT_TRUE(source.GetNearestPoint(Seconds(kEnd / 2), x, y)) << "the cursor has a value meanwhile";
+
+    Load();
+    EXPECT_EQ(source.GetPreview(), nullptr);
+    EXPECT_EQ(DescribeStack(Stack(), m_viewState).find(notice), std::string::npos);
+    CTrvView1DDataQuery direct({m_folder / "dive.tarout", EFileKind::tarout, source.GetChannel().channel},
+                               {Seconds(0), Seconds(kEnd), source.GetDataset()->GetBucket(), true}, nullptr);
+    ASSERT_EQ(direct.Execute(), EQueryEnd::done);
+    const auto expected = direct.TakeSeries();
+    const auto& dataset = *source.GetDataset();
+    const auto isSame = [](const auto& a, const auto& b) {
+        return std::memcmp(a->GetPayload(), b->GetPayload(), a->GetPayloadSize()) == 0;
+    };
+    EXPECT_TRUE(std::ranges::equal(dataset.GetRepresentatives(), expected.representatives, isSame));
+    EXPECT_TRUE(std::ranges::equal(dataset.GetMaxima(), expected.maxima, isSame));
+
+    // Of what the data at hand covers nothing provisional is shown.
+    bool wasShown = false;
+    m_loader->ZoomTime(1);
+    EXPECT_TRUE(RunUntil([&] {
+        wasShown = wasShown || source.GetPreview();
+        return !m_loader->IsLoading();
+    }));
+    EXPECT_FALSE(wasShown);
+}
+
+// Whether the file goes before or while all of it is read.
+TEST_F(LoaderTest, PreviewEndsWithItsFile) {
+    OpenAndLoad();
+    Compute(121, 120'000);
+    Tell(hintChannelFound, &Result());
+    const auto& source = Source(0, kResult);
+    ASSERT_TRUE(RunUntil([&] { return source.GetPreview() != nullptr; }));
+    std::filesystem::remove(m_folder / "dive.tarout");
+    Load();
+    EXPECT_EQ(source.GetPreview(), nullptr);
+    EXPECT_GE(source.GetCount(), 121u) << "the former curve stays, or the new one is there";
 }
 
 TEST_F(LoaderTest, NewResultIsReadAgain) {

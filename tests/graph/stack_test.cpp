@@ -206,6 +206,25 @@ TEST_F(StackTest, LabelsDifferAtAnyZoom) {
     EXPECT_EQ(m_stack.GetTimeText().span.precision, m_adaptors.GetDateTimeSpan().precision);
 }
 
+TEST_F(StackTest, NarrowAxesHaveALabel) {
+    m_stack.SetDataset(kNavigation, MakeDataset(0, 3, [](double t) { return t; }));
+    for (const float width : {420.0f, 380.0f, 340.0f})
+        for (int minutes = 3; minutes < 60; ++minutes) {
+            Show(0, minutes * 61 * kSecond);
+            m_stack.Layout({width, 300}, ELayout::scroll);
+            auto& axis = Measure(0).GetPlot().GetHorizontalAxis();
+            const float area = Measure(0).GetPlottingRect().width;
+            int shown = 0;
+            Outils_Plot2D::ForEachTick(*axis.GetScale(), [&](double percent) {
+                const auto text = axis.GetFormater()->Format(percent);
+                const SRect box = CGraphics().MeasureString(text, axis.GetFont(), SPoint{}, {});
+                const float x = axis.GetScale()->ToPixel(percent, area), half = box.width / 2;
+                shown += !text.empty() && x >= half && x + half <= area;
+            });
+            EXPECT_GE(shown, 1) << width << " pixels, " << minutes << " minutes";
+        }
+}
+
 TEST_F(StackTest, UtcTicksAreAtRoundTimes) {
     Outils_Temps::CDateTime reference;
     reference.SetDateTime(2026, 3, 14, 10, 17, 23, 0);

@@ -92,12 +92,23 @@ TEST_F(VariablesTest, RemovedFileTakesItsBranchOnly) {
 TEST_F(VariablesTest, NewGraphsTakeWhatFitsTogether) {
     const FieldList fields{&Field("MORVEX_STD", "Heading"), &Field("MORVEX_STD", "Roll"),
                            &Field("DEPTH", "Depth"), &Field("MORVEX_STD", "")};
-    const std::size_t before = Project().graphSettings->graphs.size();
-    EXPECT_EQ(AddToNewGraphs(*m_document, fields), 4u);
+    Outils_Plot2D::CPlot2DSettings settings;
+    CTrv1DGraphLoader loader(*m_document, m_state, m_adaptors, settings);
+    const auto& portlets = loader.GetStack().GetPortlets();
+    const auto shown = static_cast<std::size_t>(
+        std::ranges::count_if(portlets, [](const auto& own) { return !own->GetCurves().empty(); }));
+    ASSERT_GT(shown, 0u);
+    EXPECT_EQ(DescribeDrop(Project(), portlets[3].get(), {fields[0]}),
+              "Adds Heading to the graph \"Heading\"");
+    EXPECT_EQ(AddToNewGraphs(loader, fields), 4u);
     const auto& graphs = Project().graphSettings->graphs;
-    EXPECT_GE(graphs.size(), before + 3);
-    const auto& angles =
-        dynamic_cast<Metier_Tarvel_Graphics::CTrv1DGraphMeasure&>(*graphs[graphs.size() - 3]);
+    EXPECT_EQ(graphs.size(), shown + 3) << "beside the default graphs, which stay";
+    EXPECT_EQ(AddToSelectedGraph(loader, {fields[0]}), 1u);
+    EXPECT_EQ(graphs.size(), shown + 4) << "the first graph shows latitudes";
+    loader.GetStack().Select(3);
+    EXPECT_EQ(AddToSelectedGraph(loader, {fields[0]}), 1u);
+    EXPECT_EQ(graphs.size(), shown + 4);
+    const auto& angles = dynamic_cast<Metier_Tarvel_Graphics::CTrv1DGraphMeasure&>(*graphs[shown]);
     EXPECT_EQ(angles.curves.size(), 2u);
     EXPECT_EQ(NameFields(fields), "4 fields");
     EXPECT_EQ(DescribeDrop(Project(), nullptr, {fields[2]}), "Makes a new graph of Depth");

@@ -1,109 +1,14 @@
-#include "config/config_file.h"
-#include "document/scripted_host.h"
-#include "graph/fabricated.h"
-#include "support/temporary_folder.h"
-#include "views/stack_pictures.h"
-#include "views/view_1d.h"
+#include "views/view_1d_fixture.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QClipboard>
-#include <QFile>
-#include <QMimeData>
-#include <QMouseEvent>
 #include <QPainter>
-#include <QPrinter>
 #include <QScrollBar>
-#include <QSvgRenderer>
-#include <QWheelEvent>
 
 using namespace test;
 
 namespace {
 
-// A view on a project whose files do not exist: the data is handed to the stack by the test.
-class View1DTest : public testing::Test {
-  protected:
-    View1DTest() {
-        m_document.emplace(m_host, m_host.m_queue, m_config, false);
-        auto project =
-            std::make_unique<Metier_Tarvel::CTrvProject>("/nowhere/dive.tarin", "/nowhere/dive.tarout");
-        auto& parameters = *project->simulationParameters;
-        parameters.begin = Metier_Tarvel::ToStoredTime(Seconds(0));
-        parameters.end = Metier_Tarvel::ToStoredTime(Seconds(1000));
-        m_file = parameters.outputFile.get();
-        auto* graph = project->graphSettings->AddMeasureGraph("first");
-        for (const char* label : {"north", "north again"}) graph->AddCurve(m_file, 1, kLatitude, label);
-        project->graphSettings->AddMeasureGraph("second")->AddCurve(m_file, 1, kAltitude, "up");
-        for (int i = 0; i < 6; ++i) project->graphSettings->AddMeasureGraph("empty");
-        m_document->NewFromProject(std::move(project), "/nowhere/dive.tarprj");
-
-        m_view.emplace(*m_document, m_viewState, m_config, m_adaptors, m_settings);
-        m_view->resize(900, 500);
-        m_view->show();
-        EXPECT_TRUE(m_host.m_queue.RunUntil([this] { return !m_view->GetLoader().IsLoading(); },
-                                            std::chrono::seconds(60)));
-        m_view->GetStack().SetDataset({m_file, 1}, MakeDataset(0, 1000, [](double t) { return t; }));
-        QApplication::processEvents();
-    }
-
-    // By its name, as "Ctrl+Down".
-    void Key(const char* name) {
-        const QKeyCombination key = QKeySequence(name)[0];
-        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-            QKeyEvent event(type, key.key(), key.keyboardModifiers());
-            QApplication::sendEvent(&*m_view, &event);
-        }
-    }
-    void Mouse(QEvent::Type type, QPointF position, Qt::KeyboardModifiers keys = {},
-               Qt::MouseButton button = Qt::LeftButton) {
-        QMouseEvent event(type, position, m_view->viewport()->mapToGlobal(position),
-                          type == QEvent::MouseMove ? Qt::NoButton : button,
-                          type == QEvent::MouseButtonRelease ? Qt::NoButton : button, keys);
-        QApplication::sendEvent(m_view->viewport(), &event);
-    }
-    void Drag(QPointF from, QPointF to, Qt::KeyboardModifiers keys = {},
-              Qt::MouseButton button = Qt::LeftButton) {
-        Mouse(QEvent::MouseButtonPress, from, keys, button);
-        Mouse(QEvent::MouseMove, (from + to) / 2, keys, button);
-        Mouse(QEvent::MouseMove, to, keys, button);
-        Mouse(QEvent::MouseButtonRelease, to, keys, button);
-    }
-    void DoubleClick(QPointF position) { Mouse(QEvent::MouseButtonDblClick, position); }
-    void Turn(QPointF position, QPoint turn, Qt::KeyboardModifiers keys = {}) {
-        QWheelEvent event(position, position, QPoint(), turn, Qt::NoButton, keys, Qt::NoScrollPhase, false);
-        QApplication::sendEvent(m_view->viewport(), &event);
-    }
-    double Cursor(ECursor cursor = ECursor::first) {
-        const auto time = m_viewState.GetCursor(cursor);
-        return time ? time->GetTotalSeconds() : -1;
-    }
-    void ShowAll() { m_viewState.SetView({{Seconds(0), Seconds(1000)}, {}}); }
-    // A point of the plotting area of the first graph, by parts of its width and height.
-    QPointF At(double x, double y) {
-        const SRect area = m_view->GetStack().GetPortlets()[0]->GetPlottingRect();
-        return {static_cast<double>(area.x) + x * static_cast<double>(area.width),
-                static_cast<double>(area.y) + y * static_cast<double>(area.height)};
-    }
-    std::pair<double, double> Shown() {
-        const auto& period = m_view->GetStack().GetPeriod();
-        return {std::round(period.start.GetTotalSeconds()), std::round(period.end.GetTotalSeconds())};
-    }
-    CTrv1DGraphMeasurePortlet& First() {
-        return dynamic_cast<CTrv1DGraphMeasurePortlet&>(*m_view->GetStack().GetPortlets()[0]);
-    }
-
-    Outils_Configuration::CTrvCnfConfigFile m_config;
-    Outils_Valeurs::CTrvAdaptors m_adaptors;
-    Outils_Plot2D::CPlot2DSettings m_settings;
-    CScriptedHost m_host;
-    std::optional<CTrvDocument> m_document;
-    Metier_Tarvel::CTrvDataFile* m_file = nullptr;
-    CViewState m_viewState;
-    std::optional<CTrvView1D> m_view;
-};
-
-using Period = std::pair<double, double>;
+using View1DTest = CView1DFixture;
 
 TEST_F(View1DTest, KeysSelectAndMoveTheTime) {
     const float height = First().GetRect().height;
@@ -202,6 +107,79 @@ TEST_F(View1DTest, WheelActsInProportion) {
     Turn(QPointF(40, 60), {0, -120}); // over a legend
     EXPECT_EQ(Shown(), Period(0, 1000));
     EXPECT_GT(m_view->verticalScrollBar()->value(), 0);
+}
+
+// A chronogram has no values to zoom: there the gestures act on the time alone.
+TEST_F(View1DTest, EveryKindOfGraphTakesTheGestures) {
+    for (const std::size_t graph : {0u, 2u}) {
+        const auto* portlet = m_view->GetStack().GetPortlets()[graph].get();
+        const auto* measure = dynamic_cast<const CTrv1DGraphMeasurePortlet*>(portlet);
+        const auto at = [&](double x, double y) { return At(x, y, graph); };
+        const struct {
+            const char* what;
+            std::function<void()> run;
+            Period shown;
+            double cursor;
+            bool values; // change in a graph of measures
+        } rows[] = {
+            {"wheel", [&] { Turn(at(0.5, 0.5), QPoint(0, 120)); }, {250, 750}, -1, false},
+            {"Ctrl+wheel",
+             [&] { Turn(at(0.5, 0.5), QPoint(0, 120), Qt::ControlModifier); },
+             {0, 1000},
+             -1,
+             true},
+            {"wheel over the axis",
+             [&] { Turn(at(0, 0.5) - QPointF(8, 0), QPoint(0, 120), Qt::NoModifier); },
+             {0, 1000},
+             -1,
+             true},
+            {"Shift+wheel",
+             [&] { Turn(at(0.5, 0.5), QPoint(0, -120), Qt::ShiftModifier); },
+             {250, 1250},
+             -1,
+             false},
+            {"middle drag",
+             [&] { Drag(at(0.5, 0.5), at(0.25, 0.5), Qt::NoModifier, Qt::MiddleButton); },
+             {250, 1250},
+             -1,
+             false},
+            {"slanting drag",
+             [&] { Drag(at(0.5, 0.2), at(0.25, 0.6), Qt::NoModifier, Qt::MiddleButton); },
+             {250, 1250},
+             -1,
+             true},
+            {"Ctrl+drag",
+             [&] { Drag(at(0.2, 0.2), at(0.4, 0.6), Qt::ControlModifier); },
+             {200, 400},
+             -1,
+             false},
+            {"Ctrl+Shift+drag",
+             [&] { Drag(at(0.2, 0.2), at(0.4, 0.6), Qt::ControlModifier | Qt::ShiftModifier); },
+             {200, 400},
+             -1,
+             true},
+            {"click", [&] { Click(at(0.25, 0.5)); }, {0, 1000}, 250, false},
+            {"drag", [&] { Drag(at(0.25, 0.5), at(0.75, 0.5)); }, {0, 1000}, 750, false},
+            {"Shift+click", [&] { Click(at(0.25, 0.5), Qt::ShiftModifier); }, {0, 1000}, -1, false},
+            {"double click",
+             [&] { m_view->GetLoader().ZoomTime(1), DoubleClick(at(0.5, 0.5)); },
+             {0, 1000},
+             -1,
+             false},
+        };
+        for (const auto& row : rows) {
+            ShowAll();
+            for (const auto cursor : {ECursor::first, ECursor::second}) m_viewState.SetCursor(cursor, {});
+            row.run();
+            m_view->EndWheel();
+            SCOPED_TRACE(row.what + std::string(measure ? "" : " in a chronogram"));
+            EXPECT_NEAR(Shown().first, row.shown.first, 3);
+            EXPECT_NEAR(Shown().second, row.shown.second, 3);
+            EXPECT_NEAR(Cursor(), row.cursor, 3);
+            EXPECT_EQ(!m_viewState.GetView().ranges.empty(), row.values && measure);
+        }
+        EXPECT_EQ(m_view->GetStack().GetSelected(), portlet) << "by its clicks";
+    }
 }
 
 TEST_F(View1DTest, SwitchesAreKeptInTheSettings) {
@@ -337,35 +315,6 @@ TEST_F(View1DTest, OneGraphIsShownAlone) {
     EXPECT_EQ(m_view->GetStack().GetShown().size(), 8u);
 }
 
-TEST_F(View1DTest, PagesAndFilesHoldThePicture) {
-    const SPictureContent content{m_view->GetStack(), m_viewState, {}};
-    CTemporaryFolder folder;
-    for (const auto& [name, begin] :
-         {std::pair("a.pdf", "%PDF"), {"a.png", "\x89PNG"}, {"a.svg", "<?xml"}, {"a.other", "<?xml"}}) {
-        EXPECT_TRUE(SavePicture(content, folder / name));
-        QFile file(QString::fromStdString((folder / name).string()));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly) && file.readAll().startsWith(begin)) << name;
-    }
-    EXPECT_FALSE(SavePicture(content, folder / "none" / "a.svg"));
-
-    QPrinter printer(QPrinter::HighResolution);
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setPageSize(QPageSize(QPageSize::A4));
-    printer.setOutputFileName(QString::fromStdString((folder / "pages.pdf").string()));
-    PrintPages(content, printer, SPageMargins{}, "dive, 0 to 1000");
-    QFile pages(QString::fromStdString((folder / "pages.pdf").string()));
-    ASSERT_TRUE(pages.open(QIODevice::ReadOnly));
-    // Eight graphs of 130 pixels in 900 make some 2.5 cm each on 17 cm, and nine such fit on 25.7 cm.
-    EXPECT_EQ(pages.readAll().count("/Type /Page\n"), 1);
-    for (const auto& portlet : m_view->GetStack().GetPortlets()) portlet->SetUserHeight(500);
-    m_view->GetLoader().Relayout();
-    printer.setOutputFileName(QString::fromStdString((folder / "more.pdf").string()));
-    PrintPages(content, printer, SPageMargins{}, "dive, 0 to 1000");
-    QFile more(QString::fromStdString((folder / "more.pdf").string()));
-    ASSERT_TRUE(more.open(QIODevice::ReadOnly));
-    EXPECT_EQ(more.readAll().count("/Type /Page\n"), 4);
-}
-
 TEST_F(View1DTest, DarkPaletteMakesDarkGraphs) {
     const auto ground = [this] {
         const QPointF at = At(0.02, 0.05);
@@ -416,40 +365,6 @@ TEST_F(View1DTest, ProjectMayGoDuringAGesture) {
     Mouse(QEvent::MouseButtonRelease, QPointF(300, 80));
     for (const char* key : {"+", "Left", "Home", "Down", "Space", "Del"}) Key(key);
     EXPECT_FALSE(m_view->grab().isNull());
-}
-
-TEST_F(View1DTest, ClipboardGetsAVectorImage) {
-    m_viewState.SetRange(First().GetKey(), SRange{400, 600}); // of values from 0 to 1000
-    m_view->GetLoader().Relayout();
-    m_viewState.SetCursor(ECursor::first, Seconds(500));
-    const SPictureContent content{m_view->GetStack(), m_viewState, {}};
-    EXPECT_EQ(CopyToClipboard(content), ECopyEnd::done);
-    const QMimeData* data = QApplication::clipboard()->mimeData();
-    ASSERT_TRUE(data && data->hasFormat("image/svg+xml"));
-    EXPECT_TRUE(data->data("image/svg+xml").contains("<polyline"));
-    EXPECT_TRUE(data->data("application/pdf").startsWith("%PDF"));
-    EXPECT_TRUE(data->text().contains("first\tnorth\t5"));
-    const QImage dense = QImage::fromData(data->data("image/png"));
-    EXPECT_EQ(dense.width(), 2 * m_view->viewport()->width());
-
-    // The curve ends at the plotting area: that kind of image has no clip of its own.
-    QSvgRenderer svg(data->data("image/svg+xml"));
-    QImage image(svg.viewBox().size(), QImage::Format_RGB32);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    svg.render(&painter, image.rect());
-    painter.end();
-    const auto count = [&](const SRect& rect) {
-        int found = 0;
-        for (int y = static_cast<int>(rect.y); y < static_cast<int>(rect.Bottom()); ++y)
-            for (int x = static_cast<int>(rect.x); x < static_cast<int>(rect.Right()); ++x)
-                found += qRed(image.pixel(x, y)) > qBlue(image.pixel(x, y)) + 60; // the upper curve is red
-        return found;
-    };
-    const SRect area = First().GetPlottingRect(), strip = First().GetRect();
-    EXPECT_GT(count({area.x + 3, area.y, area.width - 6, area.height - 3}), 50);
-    EXPECT_EQ(count({area.x + 3, area.Bottom() + 2, area.width - 6, strip.Bottom() - area.Bottom() - 3}), 0);
 }
 
 } // namespace
