@@ -1,5 +1,6 @@
 #include "dataaccess/sampled_view_query.h"
 
+#include "dataaccess/file_index.h"
 #include "xpf/packet_sampler.h"
 
 #include <algorithm>
@@ -36,6 +37,8 @@ EQueryEnd CTrvSampledViewQuery::Search(CXpfChannel& channel, std::unique_ptr<CXp
     EQueryEnd end = EQueryEnd::done;
     const auto extent = FindExtent(channel, *packet, end);
     if (!extent) return end;
+    // With an index the exact query is as soon.
+    if (GetIndex() && GetIndex()->GetCovered() >= extent->end) return EQueryEnd::done;
 
     const std::int64_t bytes = extent->end - extent->begin;
     const std::uint32_t packets = extent->last - extent->first;

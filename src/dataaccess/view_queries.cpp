@@ -112,6 +112,7 @@ std::optional<EQueryEnd> CTrvView1DDataQuery::Reduce(CXpfChannel& channel, std::
     std::optional<CIndexReduction> blocks;
     if (index) blocks.emplace(*GetIndex(), *index, walk, collector, m_cancel);
     auto nextPart = std::chrono::steady_clock::now() + m_partInterval;
+    bool hasParts = false;
     for (;;) {
         if (blocks) blocks->Advance();
         const auto payloads = walk.Next([&collector] { collector.Settle(); });
@@ -121,12 +122,14 @@ std::optional<EQueryEnd> CTrvView1DDataQuery::Reduce(CXpfChannel& channel, std::
         if (!m_onPart || series.representatives.empty()) continue;
         if (const auto now = std::chrono::steady_clock::now(); now >= nextPart) {
             nextPart = now + m_partInterval;
+            hasParts = true;
             m_onPart(collector.TakeFinished());
         }
     }
     // The end of the file closes the slice at hand as the window's end does.
     collector.Flush();
-    if (blocks && blocks->HasLost()) return std::nullopt;
+    // A part that was handed over cannot be taken back.
+    if (blocks && blocks->HasLost()) return hasParts ? std::optional(EQueryEnd::failed) : std::nullopt;
     m_series = std::move(series);
     return EQueryEnd::done;
 }
