@@ -128,11 +128,15 @@ void CIndexScan::GoOn(CXpfFile& file, const Outils::CEvent& stop) {
             position = file.GetPosition();
             isWhole = true;
         }
-        // What is no packet is looked at twice: it may have been in the making.
         if (isWhole || stop.IsSet() || !m_builder) continue;
         // A damaged size can reach beyond the end: the tail is torn when no packet follows.
         if (!FindWholePacket(file, position + 1, [&] { return !stop.IsSet(); })) return;
-        m_builder->SkipTo(file.GetPosition());
+        const std::int64_t next = file.GetPosition();
+        // Looked at again: a writer may have been at work here, and has written what follows since.
+        SPacketHeader header;
+        std::span<const std::uint8_t> payload;
+        file.Seek(position);
+        if (walk.Next(header, payload) != EPacketRead::whole) m_builder->SkipTo(next);
     }
 }
 
