@@ -45,9 +45,9 @@ class CIndexed {
         }
         writer.Close();
         const auto file = OpenXpfFile(m_path, EFileKind::tarin).file;
-        CIndexScan scan(m_path, EFileKind::tarin, MakeIndexes());
         const Outils::CEvent never;
-        scan.Begin(*file);
+        CIndexScan scan(m_path, EFileKind::tarin, MakeIndexes());
+        scan.Begin(*file, never);
         scan.GoOn(*file, never);
         Fuzz::Require(scan.End(true), "an index can be kept");
         const auto bytes = Outils_Fichiers::ReadWholeFile(GetPlace(), 1 << 24);

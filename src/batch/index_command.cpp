@@ -26,9 +26,9 @@ int IndexCommand(const COptions& options, SStreams streams) {
     const std::filesystem::path folder = settings.folder;
     const CIndexStore store(folder, settings.disk, settings.loaded);
     const auto indexes = std::make_shared<CFileIndexes>(std::move(settings));
-    CIndexScan scan(FromText(path), open.kind, indexes);
-    scan.Begin(*open.file);
     const Outils::CEvent never;
+    CIndexScan scan(FromText(path), open.kind, indexes);
+    scan.Begin(*open.file, never);
     scan.GoOn(*open.file, never);
     const bool isKept = scan.End(true);
     const auto index = indexes->Find(FromText(path));

@@ -76,7 +76,7 @@ void CTrvDataFileAnalyzerThread::Scan() {
     const auto file = OpenDataFile(m_path);
     if (!file) return;
     if (m_indexes && !m_index) m_index = std::make_unique<CIndexScan>(m_path, GetKind(), m_indexes);
-    if (m_index) m_index->Begin(*file);
+    if (m_index) m_index->Begin(*file, m_stop);
     if (m_index && m_index->GetIndex() && !m_resume.IsKnown()) TakeKnown(*file, *m_index->GetIndex());
     if (!m_resume.IsKnown()) m_resume = file->GetDataStart();
     m_passed.reset(); // the file may have been written again
@@ -97,25 +97,31 @@ void CTrvDataFileAnalyzerThread::ScanStream(CXpfFile& file) {
         if (walk.NextRun(run) != EPacketRead::whole) return EndScan(file);
         if (m_index) m_index->Take(position, run);
         if (!ProcessRun(file, position, run)) return;
+        if (m_index && m_index->JoinSecond()) {
+            TakeKnown(file, *m_index->GetIndex());
+            file.Seek(m_resume.Get());
+        }
     }
 }
 
-// What a kept index knows of the channels is not read again: a scan would come to its end, or to the first
-// damage.
+// What an index knows of the channels is not read again: from where this scan has come to, it would go on to
+// the end of the index, or to the first damage.
 void CTrvDataFileAnalyzerThread::TakeKnown(CXpfFile& file, const CFileIndex& index) {
     for (const auto& [number, channel] : index.GetChannels())
         if (Watches(number) && !channel.IsOrderly()) return;
-    const auto gaps = index.GetGaps();
-    const std::int64_t end = gaps.empty() ? index.GetCovered() : gaps.front().position;
+    const std::int64_t begin = m_resume.Get();
+    std::int64_t end = index.GetCovered();
+    for (const SIndexGap& gap : index.GetGaps())
+        if (gap.position >= begin) end = std::min(end, gap.position);
     std::vector<std::int64_t> places;
     for (const auto& [channel, place] : index.GetFirstPlaces())
-        if (place < end) places.push_back(place);
+        if (place >= begin && place < end) places.push_back(place);
     std::ranges::sort(places);
     for (const std::int64_t place : places) {
         m_resume = place;
         if (!ProcessAt(file, place)) return;
     }
-    if (!places.empty()) m_resume = end;
+    if (end > m_resume.Get()) m_resume = end;
 }
 
 bool CTrvDataFileAnalyzerThread::ProcessAt(CXpfFile& file, std::int64_t position) {

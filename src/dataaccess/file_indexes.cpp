@@ -1,10 +1,28 @@
 #include "dataaccess/file_indexes.h"
 
+#include <cstdlib>
+#include <thread>
 #include <utility>
 
 namespace Application_Tarvel {
 
 using namespace Persistance_Xpf;
+
+bool HasIdleCore() {
+    double load = 0;
+    const double cores = std::thread::hardware_concurrency();
+    return cores >= 2 && getloadavg(&load, 1) == 1 && load < cores - 1;
+}
+
+// Two indexes grow during a shared scan, and only one of them can be put to the disk meanwhile.
+std::optional<std::int64_t> CFileIndexes::ShareScan(std::int64_t begin, std::int64_t end) const {
+    constexpr std::int64_t kIndexShare = 50; // an index takes a fiftieth of its file at most
+    const std::int64_t size = end - begin;
+    if (size < m_settings.leastShared || static_cast<std::uint64_t>(size / kIndexShare) > m_settings.memory ||
+        !m_settings.hasIdleCore())
+        return std::nullopt;
+    return begin + size / 2;
+}
 
 std::shared_ptr<const CFileIndex> CFileIndexes::Find(const std::filesystem::path& path) const {
     const std::lock_guard lock(m_mutex);

@@ -10,8 +10,12 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace Application_Tarvel {
+
+// Whether a core has nothing to do, as far as the load of the last minute shows.
+bool HasIdleCore();
 
 struct SIndexSettings {
     bool isOn = true;
@@ -20,6 +24,9 @@ struct SIndexSettings {
     std::filesystem::path folder;                    // of the kept files; empty keeps none
     std::int64_t leastKept = std::int64_t{16} << 20; // bytes of a stream that is worth a file
     std::int64_t loaded = std::int64_t{8} << 20;     // bytes of a channel that are read with a kept file
+    // A scan of so many bytes or more is made by two threads while a core is idle.
+    std::int64_t leastShared = std::int64_t{256} << 20;
+    bool (*hasIdleCore)() = HasIdleCore;
 };
 
 // Any thread.
@@ -39,6 +46,9 @@ class CFileIndexes {
     // For a scan of this file: a builder that goes on where the index of it ends, be it a kept one or a new
     // one, and the file that it was made for. Null when indexes are off or the file has no whole header.
     std::unique_ptr<CIndexBuilder> Begin(const std::filesystem::path& path, Persistance_Xpf::EFileKind kind);
+    // Where a second thread had better begin with a scan of so many bytes from a place on; none for a scan by
+    // one thread.
+    std::optional<std::int64_t> ShareScan(std::int64_t begin, std::int64_t end) const;
     // Keeps the index when it has grown enough since it was kept last, or in any case. Whether all of it is
     // kept.
     bool Keep(const std::filesystem::path& path, CIndexBuilder& builder, bool always);

@@ -24,6 +24,9 @@ constexpr std::int64_t WithLevels(std::int64_t bytes) { return bytes * 4 / 3; }
 
 constexpr std::int64_t kFirstSampleStep = std::int64_t{64} << 10;
 constexpr std::size_t kMostChannels = 200;
+// A channel all of whose blocks have these is orderly.
+constexpr std::uint32_t kOrderly = indexLeads | indexEntered | indexOrdered | indexChained;
+
 constexpr std::size_t kDateOffset = kPacketHeaderSize;
 constexpr std::size_t kLargestTail = std::size_t{64} << 10;
 
@@ -57,6 +60,13 @@ CIndexBuilder::CIndexBuilder(std::shared_ptr<CFileIndex> index)
     // Beyond those that were kept nothing is known of the others.
     if (m_index->GetMoreGaps() == 0)
         m_whole = gaps.empty() ? m_start : gaps.back().position + gaps.back().size;
+}
+
+std::unique_ptr<CIndexBuilder> CIndexBuilder::MakePart(std::shared_ptr<CFileIndex> index) {
+    auto part = std::make_unique<CIndexBuilder>(std::move(index));
+    part->m_isPart = true;
+    part->m_start = part->m_whole = part->m_frontier;
+    return part;
 }
 
 // The last packet of a channel as the last block has it.
@@ -140,19 +150,28 @@ bool CIndexBuilder::IsLedTo(const SChannel& channel, std::int64_t position) cons
     return position - channel.lastPosition == channel.lastLink;
 }
 
+// What holds of the step from the last packet to the first one of a block.
+std::uint32_t CIndexBuilder::FindJointFlags(const SChannel& channel, const SIndexHead& head,
+                                            std::uint32_t backLink) const {
+    const bool isFirst = channel.lastPosition == 0;
+    if (isFirst && m_isPart) return kAllIndexFlags; // seen to when the part is joined
+    std::uint32_t flags = kAllIndexFlags;
+    if (!IsLedTo(channel, head.position)) flags &= ~std::uint32_t{indexEntered};
+    if (!isFirst && head.minimumDate < channel.lastDate) flags &= ~std::uint32_t{indexOrdered};
+    if (!isFirst && head.minimumDate <= channel.lastDate) flags &= ~std::uint32_t{indexDistinct};
+    if (head.firstNumber != channel.lastNumber + 1 ||
+        (!isFirst && backLink != head.position - channel.lastPosition))
+        flags &= ~std::uint32_t{indexChained};
+    return flags;
+}
+
 // Opens a block with its first packet, and the flags of the step to it.
 void CIndexBuilder::BeginBlock(SChannel& channel, std::int64_t position, const std::uint8_t* packet) {
     const auto date = Load<std::int64_t>(packet + kDateOffset);
     const std::uint32_t number = LoadNumber(packet);
-    const std::int64_t distance = position - channel.lastPosition;
-    std::uint32_t flags = kAllIndexFlags;
-    if (!IsLedTo(channel, position)) flags &= ~std::uint32_t{indexEntered};
-    const bool isFirst = channel.lastPosition == 0;
-    if (!isFirst && date < channel.lastDate) flags &= ~std::uint32_t{indexOrdered};
-    if (!isFirst && date <= channel.lastDate) flags &= ~std::uint32_t{indexDistinct};
-    if (number != channel.lastNumber + 1 || (!isFirst && LoadBackLink(packet) != distance))
-        flags &= ~std::uint32_t{indexChained};
-    channel.block = {position, position, date, date, number, number, 0, flags};
+    channel.block = {position, position, date, date, number, number, 0, 0};
+    channel.block.flags = FindJointFlags(channel, channel.block, LoadBackLink(packet));
+    if (channel.lastPosition == 0) channel.firstBackLink = LoadBackLink(packet);
 }
 
 // All packets of a channel in a run. Apart from the first one of a block they are looked at without a branch.
@@ -208,7 +227,6 @@ void CIndexBuilder::AddRun(SChannel& channel, std::int64_t position, const std::
     block.count += static_cast<std::uint32_t>(count);
     block.flags &= (leads ? kAllIndexFlags : ~indexLeads) & (ordered ? kAllIndexFlags : ~indexOrdered) &
                    (distinct ? kAllIndexFlags : ~indexDistinct) & (chained ? kAllIndexFlags : ~indexChained);
-    constexpr std::uint32_t kOrderly = indexLeads | indexEntered | indexOrdered | indexChained;
     if (!block.Has(kOrderly)) channel.index.SetDisorderly();
 }
 
@@ -257,6 +275,53 @@ void CIndexBuilder::CloseBlock(SChannel& channel) {
 
 void CIndexBuilder::CloseBlocks() {
     for (const auto& channel : m_channels) CloseBlock(*channel);
+}
+
+CIndexBuilder::SChannel* CIndexBuilder::FindChannel(std::uint16_t number) {
+    const std::uint8_t slot = m_slots[number];
+    return slot == kUnknown || slot == kIgnored ? nullptr : m_channels[slot].get();
+}
+
+bool CIndexBuilder::Join(CIndexBuilder& part) {
+    part.CloseBlocks();
+    if (part.m_start != m_frontier || part.HasFailed() || part.m_index->HasGaps()) return false;
+    CloseBlocks();
+    for (const auto& [number, place] : part.m_index->GetFirstPlaces())
+        if (m_slots[number] == kUnknown) MeetChannel(number, place);
+    for (const auto& channel : part.m_channels)
+        if (SChannel* own = FindChannel(channel->index.GetNumber())) JoinChannel(*own, *channel);
+    for (const SIndexSample& sample : part.m_index->GetSamples())
+        if (sample.position > m_frontier && m_index->AddSample(sample)) m_sampleStep *= 2;
+    m_frontier = part.m_frontier;
+    m_nextSample = std::max(m_nextSample, m_frontier);
+    m_tail = std::move(part.m_tail);
+    m_tailPosition = part.m_tailPosition;
+    part.m_tail.clear();
+    m_index->SetCovered(m_frontier);
+    m_index->ReportGrowth();
+    return !m_failed;
+}
+
+void CIndexBuilder::JoinChannel(SChannel& channel, SChannel& part) {
+    CIndexCursor cursor(part.index);
+    const std::uint32_t size = channel.index.GetForm().recordSize;
+    for (std::size_t i = 0; i < cursor.GetCount(0) && !m_failed; ++i) {
+        std::memcpy(channel.record.data(), cursor.Get(0, i), size);
+        if (i == 0) {
+            SIndexHead head = LoadIndexHead(channel.record.data());
+            head.flags &= FindJointFlags(channel, head, part.firstBackLink);
+            std::memcpy(channel.record.data(), &head, sizeof head);
+            if (!head.Has(kOrderly)) channel.index.SetDisorderly();
+        }
+        m_failed = !channel.index.Append(channel.record.data());
+        m_recordBytes += WithLevels(size);
+    }
+    if (cursor.GetCount(0) == 0) return;
+    if (!part.index.IsOrderly()) channel.index.SetDisorderly();
+    channel.lastPosition = part.lastPosition;
+    channel.lastDate = part.lastDate;
+    channel.lastNumber = part.lastNumber;
+    channel.lastLink = part.lastLink;
 }
 
 void CIndexBuilder::SkipTo(std::int64_t end) {

@@ -19,6 +19,9 @@ class CIndexBuilder {
 
     // Goes on where the index ends.
     explicit CIndexBuilder(std::shared_ptr<CFileIndex> index);
+    // For a later part of a file: begins at the place that the index covers so far, of which nothing is known
+    // of what lies before it. Its index is of no use but to be joined to another one.
+    static std::unique_ptr<CIndexBuilder> MakePart(std::shared_ptr<CFileIndex> index);
     ~CIndexBuilder() { End(); }
 
     const std::shared_ptr<CFileIndex>& GetIndex() const { return m_index; }
@@ -44,6 +47,9 @@ class CIndexBuilder {
     void End();
     // Makes blocks of all packets that are in none yet, however few they are.
     void CloseBlocks();
+    // Takes over what `part` has made of the packets from the frontier on. False, with nothing done, when it
+    // does not begin there or has failed. `part` is not to be used after that.
+    bool Join(CIndexBuilder& part);
 
   private:
     static constexpr std::size_t kRun = 64; // packets that are looked at together
@@ -59,7 +65,8 @@ class CIndexBuilder {
         std::int64_t lastDate = INT64_MIN;
         std::uint32_t lastNumber = UINT32_MAX;
         std::uint32_t lastLink = 0;
-        SIndexHead block; // that packets are added to; its count is 0 when there is none
+        std::uint32_t firstBackLink = 0; // of the first packet that this builder has met
+        SIndexHead block;                // that packets are added to; its count is 0 when there is none
         std::array<const std::uint8_t*, kRun> run;
         std::size_t held = 0;
         std::vector<std::uint8_t> record;
@@ -67,6 +74,10 @@ class CIndexBuilder {
 
     void TakeRun(std::int64_t position, std::span<const std::uint8_t* const> packets);
     void MeetChannel(std::uint16_t number, std::int64_t position);
+    SChannel* FindChannel(std::uint16_t number);
+    void JoinChannel(SChannel& channel, SChannel& part);
+    std::uint32_t FindJointFlags(const SChannel& channel, const SIndexHead& head,
+                                 std::uint32_t backLink) const;
     void AddRun(SChannel& channel, std::int64_t position, const std::uint8_t* first);
     void AddOddRun(SChannel& channel, std::span<const std::uint8_t* const> packets, std::int64_t position,
                    const std::uint8_t* first);
@@ -94,6 +105,7 @@ class CIndexBuilder {
     std::int64_t m_tailPosition = 0; // of the last packet of the stream, which is a sample in the end
     std::vector<std::uint8_t> m_tail;
     bool m_failed = false;
+    bool m_isPart = false;
 };
 
 } // namespace Application_Tarvel

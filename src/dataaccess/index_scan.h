@@ -15,11 +15,15 @@ namespace Application_Tarvel {
 class CIndexScan {
   public:
     CIndexScan(std::filesystem::path path, Persistance_Xpf::EFileKind kind,
-               std::shared_ptr<CFileIndexes> indexes)
-        : m_path(std::move(path)), m_kind(kind), m_indexes(std::move(indexes)) {}
+               std::shared_ptr<CFileIndexes> indexes);
+    ~CIndexScan();
 
-    // A scan of the open file begins. Moves the file pointer.
-    void Begin(Persistance_Xpf::CXpfFile& file);
+    // A scan of the open file begins. Moves the file pointer. A large one is shared with a second thread,
+    // which begins in the middle; `stop` ends it and must outlive the object.
+    void Begin(Persistance_Xpf::CXpfFile& file, const Outils::CEvent& stop);
+    // Takes over what the second thread has made once the frontier has come to where it began; true when the
+    // scan goes on at another place, the new frontier.
+    bool JoinSecond();
     // Where the index ends; none when none is made.
     std::optional<std::int64_t> GetFrontier() const;
     // Null when none is made.
@@ -32,10 +36,17 @@ class CIndexScan {
     bool End(bool always = false);
 
   private:
+    class CSecond;
+
+    std::span<const std::uint8_t* const> EndAtSecond(std::int64_t position,
+                                                     std::span<const std::uint8_t* const> packets);
+    void StartSecond(const Persistance_Xpf::CXpfFile& file, const Outils::CEvent& stop);
+
     std::filesystem::path m_path;
     Persistance_Xpf::EFileKind m_kind;
     std::shared_ptr<CFileIndexes> m_indexes;
     std::unique_ptr<CIndexBuilder> m_builder; // null when none is made
+    std::unique_ptr<CSecond> m_second;        // null when nothing is to come of it
     std::int64_t m_reported = 0;              // the frontier when others were last shown how far it came
 };
 

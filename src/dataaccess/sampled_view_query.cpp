@@ -37,6 +37,8 @@ EQueryEnd CTrvSampledViewQuery::Search(CXpfChannel& channel, std::unique_ptr<CXp
     EQueryEnd end = EQueryEnd::done;
     const auto extent = FindExtent(channel, *packet, end);
     if (!extent) return end;
+    // With an index the exact query is as soon.
+    if (GetIndex() && GetIndex()->GetCovered() >= extent->end) return EQueryEnd::done;
 
     const std::int64_t bytes = extent->end - extent->begin;
     // What an index covers the exact query need not read.

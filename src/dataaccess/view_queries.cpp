@@ -101,7 +101,7 @@ EQueryEnd CTrvView1DDataQuery::Search(CXpfChannel& channel, std::unique_ptr<CXpf
     const CChannelIndex* index = GetIndex() ? GetIndex()->GetChannel(channel.GetNumber()) : nullptr;
     if (const auto end = Reduce(channel, size, index)) return *end;
     CChannelWalk(channel, size).MoveTo(start.Get());
-    if (m_hasParted) m_onPart({});
+    if (m_hasParted) m_onPart({}); // takes back what was handed over
     return *Reduce(channel, size, nullptr);
 }
 

@@ -34,9 +34,15 @@ class CWatchedText : public std::stringbuf {
 
 class Batch : public testing::Test {
   protected:
-    // The settings of whoever runs the test are not read.
-    Batch() { ::setenv("XDG_CONFIG_HOME", Path("").c_str(), 1); }
-    ~Batch() override { ::unsetenv("XDG_CONFIG_HOME"); }
+    // The settings and the cache of whoever runs the test are left alone.
+    Batch() {
+        ::setenv("XDG_CONFIG_HOME", Path("").c_str(), 1);
+        ::setenv("XDG_CACHE_HOME", Path("cache").c_str(), 1);
+    }
+    ~Batch() override {
+        ::unsetenv("XDG_CONFIG_HOME");
+        ::unsetenv("XDG_CACHE_HOME");
+    }
 
     // Runs a command line of words without blanks; '/' begins the name of a file in the test's folder, and ''
     // is a word of no letters. Returns the exit status; the streams' texts are in m_out and m_error. `onLine`

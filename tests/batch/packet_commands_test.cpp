@@ -114,6 +114,34 @@ TEST_F(PacketCommands, FindsMomentsReducesWindows) {
     EXPECT_EQ(lines[1], "1.5;;0;1;11.25;0.1;1;0;0;10.25;0.1;1;0;2;12.25;0.1");
 }
 
+TEST_F(PacketCommands, KeptIndexesChangeNoAnswer) {
+    const std::string commands[] = {"at /r.tarin DEPTH 3.2",
+                                    "reduce /r.tarin DEPTH --from 1 --to 5.5 --slices 3"};
+    std::vector<std::string> answers;
+    for (const std::string& command : commands) {
+        Succeed(command);
+        answers.push_back(m_out);
+    }
+    for (int time = 0; time < 2; ++time) { // made, and found again
+        Succeed("index /r.tarin");
+        const std::string size = std::to_string(std::filesystem::file_size(Path("r.tarin")));
+        const auto cells = Cells(Lines()[1]);
+        ASSERT_THAT(cells, SizeIs(5));
+        EXPECT_THAT(cells, ElementsAre(Path("r.tarin"), size, size, testing::Ne("0"), "0"));
+    }
+    EXPECT_FALSE(std::filesystem::is_empty(Path("cache/varne-nav")));
+    for (std::size_t i = 0; i < answers.size(); ++i) {
+        Succeed(commands[i]);
+        EXPECT_EQ(m_out, answers[i]);
+        Succeed(commands[i] + " --no-index");
+        EXPECT_EQ(m_out, answers[i]);
+    }
+    std::filesystem::remove_all(Path("cache"));
+    std::ofstream(Path("cache")) << "no folder";
+    EXPECT_EQ(Run("index /r.tarin"), 1);
+    EXPECT_THAT(m_error, HasSubstr("cannot be kept in " + Path("cache/varne-nav")));
+}
+
 TEST_F(PacketCommands, ReportsWhatIsWrong) {
     std::ofstream(Path("text")) << std::string(500, 'x');
     std::ofstream(Path("empty")).flush();

@@ -88,7 +88,7 @@ TEST_F(Settings, FileOfDefaultsHoldsEveryKey) {
 
     pugi::xml_document document;
     ASSERT_TRUE(document.load_file(m_path.c_str()));
-    EXPECT_EQ(std::size(kSchema), 176u);
+    EXPECT_EQ(std::size(kSchema), 179u);
     for (const SSchemaRow& row : kSchema) {
         const pugi::xml_node section =
             document.document_element().first_element_by_path(std::string(row.section).c_str());

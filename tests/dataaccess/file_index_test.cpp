@@ -36,6 +36,8 @@ class FileIndex : public testing::Test {
         settings.loaded = 0; // every record of a kept file is read when it is needed
         settings.memory = m_memory;
         settings.disk = m_disk;
+        settings.leastShared = m_isShared ? 0 : settings.leastShared;
+        settings.hasIdleCore = [] { return true; };
         return std::make_shared<CFileIndexes>(std::move(settings));
     }
     const CFileIndex& GetIndex(const std::filesystem::path& path) const { return *m_indexes->Find(path); }
@@ -70,6 +72,7 @@ class FileIndex : public testing::Test {
 
     test::CTemporaryFolder m_folder;
     std::uint64_t m_memory = std::uint64_t{256} << 20, m_disk = std::uint64_t{1} << 30;
+    bool m_isShared = false; // scans are made by two threads
     std::shared_ptr<CFileIndexes> m_indexes = MakeIndexes();
     std::mt19937_64 m_random{99};
 };
@@ -81,6 +84,7 @@ TEST_P(FileIndexKinds, AnswersAreThoseOfTheWalk) {
         test::CIndexedRecording recording(m_folder / (std::to_string(seed) + ".tarin"), GetParam(), seed);
         recording.Append(kPackets);
         recording.Spoil();
+        m_isShared = seed == 2;
         m_indexes = MakeIndexes();
         test::CIndexAnalysis(recording.GetPath(), m_indexes).Scan();
         EXPECT_GT(GetIndex(recording.GetPath()).GetChannel(test::kImuNumber)->GetCount(2), 2u);
@@ -110,6 +114,53 @@ TEST_F(FileIndex, InnerPacketsAreNotRead) {
     file.seekp(head->position + 2 * 68 + 40).write("\x7F\x7F\x7F\x7F", 4);
     file.close();
     EXPECT_EQ(Reduce(address, whole), truth);
+}
+
+TEST_F(FileIndex, SharedScansMakeTheSameIndex) {
+    for (const SOddities& kind : {kHealthy, kKinds[3], kKinds[4]}) {
+        SCOPED_TRACE(kind.name);
+        test::CIndexedRecording recording(m_folder / (kind.name + std::string(".tarin")), kind, 4);
+        recording.Append(kPackets);
+        recording.Spoil();
+        std::vector<std::shared_ptr<const CFileIndex>> made;
+        std::vector<std::uint16_t> channels;
+        std::int64_t resume = 0;
+        for (const bool isShared : {false, true}) {
+            m_isShared = isShared;
+            std::filesystem::remove_all(m_folder / "cache");
+            m_indexes = MakeIndexes();
+            test::CIndexAnalysis analysis(recording.GetPath(), m_indexes);
+            analysis.Scan();
+            made.push_back(m_indexes->Find(recording.GetPath()));
+            if (isShared) {
+                EXPECT_EQ(analysis.m_channels, channels);
+                EXPECT_EQ(analysis.GetResumePosition().Get(), resume);
+            }
+            channels = analysis.m_channels;
+            resume = analysis.GetResumePosition().Get();
+        }
+        EXPECT_EQ(made[0]->GetCovered(), made[1]->GetCovered());
+        EXPECT_EQ(made[0]->GetGaps().size(), made[1]->GetGaps().size());
+        for (const std::uint16_t number : kChannels) {
+            const CChannelIndex &one = *made[0]->GetChannel(number), &two = *made[1]->GetChannel(number);
+            EXPECT_EQ(one.IsOrderly(), two.IsOrderly()) << number;
+            // Where the two halves meet a block more may begin.
+            SIndexHead all[2];
+            for (const CChannelIndex* channel : {&one, &two}) {
+                CIndexCursor cursor(*channel);
+                SIndexHead& head = all[channel == &two];
+                for (std::size_t i = 0; i < cursor.GetCount(0); ++i) {
+                    const SIndexHead next = *cursor.GetHead(0, i);
+                    if (i == 0) head = next;
+                    if (i > 0) JoinIndexHeads(head, next);
+                }
+            }
+            EXPECT_EQ(all[0].count, all[1].count) << number;
+            EXPECT_EQ(all[0].flags, all[1].flags) << number;
+            EXPECT_EQ(all[0].lastPosition, all[1].lastPosition) << number;
+            EXPECT_LE(two.GetCount(0), one.GetCount(0) + 2) << number;
+        }
+    }
 }
 
 TEST_F(FileIndex, GrowsWithItsFile) {
