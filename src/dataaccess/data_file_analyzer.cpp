@@ -60,6 +60,7 @@ void CTrvDataFileAnalyzerThread::Run() {
         const std::lock_guard lock(m_startMutex);
         if (!std::exchange(m_scanAgain, false)) {
             m_scanning = false;
+            m_port.Post([] {}); // who waits for the end looks again
             return;
         }
         m_stop.Reset();
