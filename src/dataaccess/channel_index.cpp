@@ -54,7 +54,9 @@ bool CChannelIndex::Keep(std::size_t level, const SKeptRecords& records, bool lo
 
 std::optional<SIndexHead> CIndexCursor::GetHead(std::size_t level, std::size_t i) {
     const std::uint8_t* record = Get(level, i);
-    return record ? std::optional(LoadIndexHead(record)) : std::nullopt;
+    if (!record) return std::nullopt;
+    const SIndexHead head = LoadIndexHead(record);
+    return head.IsSound() ? std::optional(head) : std::nullopt;
 }
 
 const std::uint8_t* CIndexCursor::GetKept(std::size_t level, std::size_t i) {
@@ -78,9 +80,9 @@ std::optional<std::size_t> CIndexCursor::FindLast(Predicate&& isBefore) {
     std::size_t level = kIndexLevels - 1;
     while (level > 0 && GetCount(level) == 0) --level;
     std::size_t low = 0, high = GetCount(level);
+    bool isWhole = true; // the search goes to the end of the level, which may grow meanwhile
     for (;; --level) {
         const std::size_t end = high;
-        const bool isWhole = end == GetCount(level);
         while (low < high) {
             const std::size_t middle = low + (high - low) / 2;
             const auto head = GetHead(level, middle);
@@ -93,7 +95,8 @@ std::optional<std::size_t> CIndexCursor::FindLast(Predicate&& isBefore) {
         if (low == 0) return std::nullopt;
         if (level == 0) return low - 1;
         // Blocks that lie under no record of this level follow its last one.
-        high = isWhole && low == end ? GetCount(level - 1) : low * kIndexFan;
+        isWhole = isWhole && low == end;
+        high = isWhole ? GetCount(level - 1) : low * kIndexFan;
         low = (low - 1) * kIndexFan;
     }
 }

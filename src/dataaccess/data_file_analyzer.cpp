@@ -84,7 +84,10 @@ void CTrvDataFileAnalyzerThread::Scan() {
     if (m_resume.IsKnown()) ScanStream(*file);
     if (!m_index) return;
     m_index->GoOn(*file, m_stop);
-    m_index->End();
+    if (m_stop.IsSet())
+        m_index->Stop();
+    else
+        m_index->End();
 }
 
 // From where the last scan or the index has ended, whichever comes first.

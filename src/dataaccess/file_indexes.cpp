@@ -37,7 +37,7 @@ void CFileIndexes::Forget(const std::filesystem::path& path) {
 
 void CFileIndexes::Publish(const std::filesystem::path& path, std::shared_ptr<CFileIndex> index) {
     const std::lock_guard lock(m_mutex);
-    m_entries[path] = {std::move(index), 0};
+    m_entries[path] = {std::move(index)};
 }
 
 std::uint64_t CFileIndexes::GetBytes() const {
@@ -52,7 +52,7 @@ std::shared_ptr<CFileIndex> CFileIndexes::Load(const std::filesystem::path& path
     auto index = file ? m_store.Load(*file, kind, path) : nullptr;
     if (!index) return nullptr;
     const std::lock_guard lock(m_mutex);
-    m_entries[path] = {index, index->GetCovered()};
+    m_entries[path] = {index, index->GetCovered(), index->GetCovered()};
     return index;
 }
 
@@ -65,7 +65,9 @@ std::unique_ptr<CIndexBuilder> CFileIndexes::Begin(const std::filesystem::path& 
     if (auto index = Load(path, kind)) return std::make_unique<CIndexBuilder>(std::move(index));
     const auto state = LookAtState(path);
     const auto file = state ? OpenXpfFile(path, kind).file : nullptr;
-    if (!file || !file->IsAt(path) || LookAtState(path)->identity != state->identity) return nullptr;
+    if (!file || !file->IsAt(path)) return nullptr;
+    const auto now = LookAtState(path); // another file may have come there since
+    if (!now || now->identity != state->identity) return nullptr;
     auto index = std::make_shared<CFileIndex>(*file, kind, state->identity);
     Publish(path, index);
     return std::make_unique<CIndexBuilder>(std::move(index));
@@ -78,19 +80,26 @@ bool CFileIndexes::Keep(const std::filesystem::path& path, CIndexBuilder& builde
         const std::lock_guard lock(m_mutex);
         const auto place = m_entries.find(path);
         if (place == m_entries.end() || place->second.index.get() != &index) return false;
-        const std::int64_t grown = covered - place->second.kept;
-        if (grown == 0 && place->second.kept != 0) return true;
+        SEntry& entry = place->second;
+        if (covered == entry.kept && entry.kept != 0) return true;
+        // What could not be written is not tried again at every look.
+        const std::int64_t grown = covered - std::max(entry.kept, entry.tried);
         if (!always && (size < m_settings.leastKept || grown < size / 8)) return false;
+        entry.tried = covered;
     }
     builder.CloseBlocks();
     if (builder.HasFailed() || !m_store.Save(index, builder.GetState())) return false;
     const std::lock_guard lock(m_mutex);
-    if (const auto place = m_entries.find(path); place != m_entries.end()) place->second.kept = covered;
+    if (const auto place = m_entries.find(path);
+        place != m_entries.end() && place->second.index.get() == &index)
+        place->second.kept = covered;
     return true;
 }
 
 void CFileIndexes::LimitMemory(const std::filesystem::path& path, std::unique_ptr<CIndexBuilder>& builder) {
+    constexpr std::uint64_t kShare = 8; // what is less of the memory is not worth a trip to the disk
     if (!builder || GetBytes() <= m_settings.memory) return;
+    if (builder->GetIndex()->GetBytes() < m_settings.memory / kShare) return;
     const EFileKind kind = builder->GetIndex()->GetKind();
     const SFileState state = builder->GetState();
     builder->End();
@@ -99,6 +108,8 @@ void CFileIndexes::LimitMemory(const std::filesystem::path& path, std::unique_pt
     auto index = isKept ? Load(path, kind) : nullptr;
     const auto file = index ? OpenXpfFile(path, kind).file : nullptr;
     if (!file) return;
+    // Most of it is in the memory again: it would be written again at once.
+    if (index->GetBytes() >= m_settings.memory / 2 && m_settings.loaded > 0) return;
     builder = std::make_unique<CIndexBuilder>(std::move(index));
     if (!builder->Begin(*file, path, &state)) builder.reset();
 }

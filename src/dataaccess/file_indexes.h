@@ -63,7 +63,8 @@ class CFileIndexes {
 
     struct SEntry {
         std::shared_ptr<CFileIndex> index;
-        std::int64_t kept = 0; // covered when it was kept last
+        std::int64_t kept = 0;  // covered when it was kept last
+        std::int64_t tried = 0; // and when that was last tried
     };
 
     const SIndexSettings m_settings;

@@ -260,7 +260,7 @@ void CIndexBuilder::CloseWhenFull(SChannel& channel) {
 
 void CIndexBuilder::CloseBlock(SChannel& channel) {
     SIndexHead& block = channel.block;
-    if (block.count == 0) return;
+    if (block.count == 0 || m_failed) return; // after a record that is missing, all others have other places
     const SIndexForm& form = channel.index.GetForm();
     std::uint8_t* record = channel.record.data();
     std::memcpy(record, &block, sizeof block);

@@ -40,6 +40,11 @@ struct SIndexHead {
     std::uint32_t flags = 0; // of EIndexFlag
 
     bool Has(std::uint32_t wanted) const { return (flags & wanted) == wanted; }
+    // Whether it can be of any packets: a kept file may say anything.
+    bool IsSound() const {
+        constexpr std::int64_t kGreatest = std::int64_t{1} << 62;
+        return count > 0 && position > 0 && position <= lastPosition && lastPosition < kGreatest;
+    }
 };
 static_assert(sizeof(SIndexHead) == 48);
 

@@ -71,6 +71,13 @@ bool CIndexReduction::WaitForMore() {
     constexpr std::chrono::milliseconds kStep{10}; // a cancellation is seen as soon
     constexpr int kSteps = 20;
     const std::int64_t covered = m_file.GetCovered();
+    // A channel with few packets is walked along its links sooner than the scan finds the next of them.
+    constexpr std::int64_t kPatience = std::int64_t{16} << 20;
+    if (const std::size_t count = m_cursor.GetCount(0); count != m_seenCount) {
+        m_seenCount = count;
+        m_seenAt = covered;
+    }
+    if (covered > m_seenAt + kPatience) m_follows = false;
     for (int step = 0; step < kSteps; ++step) {
         if (m_isOff || !m_follows || m_cancel.IsSet() || !m_file.IsGrowing()) return false;
         if (m_walk.GetPlace() > covered + kAhead) return false;
@@ -116,7 +123,7 @@ bool CIndexReduction::TakeBlocks() {
         const std::uint8_t* record = m_cursor.Get(level, number);
         if (!record) break;
         const SIndexHead head = LoadIndexHead(record);
-        if (!head.Has(indexLeads)) break;
+        if (!head.IsSound() || head.position != place || !head.Has(indexLeads)) break;
         const auto fit = m_collector.FindFit(MakeBlock(form, head, record));
         isAround = level == 0 && fit == CSliceCollector::EFit::around;
         if (fit != CSliceCollector::EFit::inside && !isAround) break;

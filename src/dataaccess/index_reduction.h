@@ -44,7 +44,9 @@ class CIndexReduction {
     Persistance_Xpf::CDateProbe m_probe;
     bool m_isOff = false; // a record could not be read: the walk goes on by itself
     bool m_hasLost = false;
-    bool m_follows = true; // the scan has not been waited for in vain
+    std::size_t m_seenCount = SIZE_MAX; // blocks of the channel
+    std::int64_t m_seenAt = 0;          // how far the scan was when they were last more
+    bool m_follows = true;              // the scan has not been waited for in vain
 };
 
 } // namespace Application_Tarvel

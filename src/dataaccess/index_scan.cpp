@@ -91,7 +91,8 @@ bool CIndexScan::JoinSecond() {
 
 void CIndexScan::Begin(CXpfFile& file, const Outils::CEvent& stop) {
     m_second.reset();
-    if (m_builder && m_builder->Begin(file, m_path)) return;
+    if (m_gaveUp || (m_builder && m_builder->Begin(file, m_path))) return;
+    if (stop.IsSet()) return; // which looks like another file
     m_builder = m_indexes->Begin(m_path, m_kind);
     if (m_builder && !m_builder->Begin(file, m_path)) m_builder.reset();
     m_reported = 0;
@@ -113,6 +114,7 @@ void CIndexScan::Take(std::int64_t position, std::span<const std::uint8_t* const
         m_builder.reset();
     }
     m_indexes->LimitMemory(m_path, m_builder);
+    m_gaveUp = !m_builder;
 }
 
 void CIndexScan::GoOn(CXpfFile& file, const Outils::CEvent& stop) {
@@ -138,6 +140,11 @@ void CIndexScan::GoOn(CXpfFile& file, const Outils::CEvent& stop) {
         file.Seek(position);
         if (walk.Next(header, payload) != EPacketRead::whole) m_builder->SkipTo(next);
     }
+}
+
+void CIndexScan::Stop() {
+    m_second.reset();
+    if (m_builder) m_builder->End();
 }
 
 bool CIndexScan::End(bool always) {

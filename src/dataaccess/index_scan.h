@@ -32,6 +32,8 @@ class CIndexScan {
     void Take(std::int64_t position, std::span<const std::uint8_t* const> packets);
     // Goes on from the frontier by itself, over damage, up to the end of the file or until the event is set.
     void GoOn(Persistance_Xpf::CXpfFile& file, const Outils::CEvent& stop);
+    // The scan was stopped: nothing is kept, which could take long.
+    void Stop();
     // The scan has ended. Keeps an index that has grown enough, or in any case. Whether all of it is kept.
     bool End(bool always = false);
 
@@ -46,6 +48,7 @@ class CIndexScan {
     Persistance_Xpf::EFileKind m_kind;
     std::shared_ptr<CFileIndexes> m_indexes;
     std::unique_ptr<CIndexBuilder> m_builder; // null when none is made
+    bool m_gaveUp = false;                    // the index could not go on beyond the memory
     std::unique_ptr<CSecond> m_second;        // null when nothing is to come of it
     std::int64_t m_reported = 0;              // the frontier when others were last shown how far it came
 };

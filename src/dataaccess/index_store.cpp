@@ -108,7 +108,9 @@ void CIndexStore::MakeRoom() const {
     std::vector<SEntry> entries;
     std::uint64_t total = 0;
     std::error_code error;
-    for (const auto& found : std::filesystem::directory_iterator(m_folder, error)) {
+    for (std::filesystem::directory_iterator place(m_folder, error), end; !error && place != end;
+         place.increment(error)) {
+        const auto& found = *place;
         std::error_code gone;
         const SEntry entry{found.last_write_time(gone), found.path(), found.file_size(gone)};
         if (gone) continue;
