@@ -1,6 +1,7 @@
 #include "dataaccess/index_reduction.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace Application_Tarvel {
 
@@ -139,7 +140,10 @@ bool CIndexReduction::TakeBlocks() {
     if (goesOn <= place || !record) return false;
     m_collector.Settle();
     const SIndexHead head = LoadIndexHead(record);
-    const auto block = MakeBlock(form, head, record);
+    // Vectors reach beyond the record, where the scan may be writing the next one.
+    m_record.resize(form.recordSize + SIndexForm::kReach);
+    std::memcpy(m_record.data(), record, form.recordSize);
+    const auto block = MakeBlock(form, head, m_record.data());
     if (!isAround) {
         m_collector.AddBlock(block);
     } else {

@@ -9,6 +9,7 @@
 #include "xpf/date_probe.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace Application_Tarvel {
 
@@ -44,6 +45,7 @@ class CIndexReduction {
     Persistance_Xpf::CDateProbe m_probe;
     bool m_isOff = false; // a record could not be read: the walk goes on by itself
     bool m_hasLost = false;
+    std::vector<std::uint8_t> m_record; // of the block at hand, and room behind it
     std::size_t m_seenCount = SIZE_MAX; // blocks of the channel
     std::int64_t m_seenAt = 0;          // how far the scan was when they were last more
     bool m_follows = true;              // the scan has not been waited for in vain
