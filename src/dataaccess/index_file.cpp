@@ -1,19 +1,19 @@
 #include "dataaccess/index_file.h"
 
 #include "dataaccess/index_format.h"
+#include "foundation/unique_file.h"
 #include "xpf/layout.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <span>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
 namespace Application_Tarvel {
 
 using namespace Persistance_Xpf;
+using Outils_Fichiers::CDescriptor;
 
 namespace {
 
@@ -49,20 +49,16 @@ constexpr std::int64_t RoundUp(std::int64_t size) {
 // Written in order; any failure shows at the end.
 class CIndexWriter {
   public:
-    explicit CIndexWriter(int handle) : m_handle(handle) { m_bytes.reserve(kBuffer + CIndexPages::kPage); }
+    explicit CIndexWriter(const CDescriptor& file) : m_file(file) {
+        m_bytes.reserve(kBuffer + CIndexPages::kPage);
+    }
 
     void Write(std::span<const std::uint8_t> bytes) {
         m_bytes.insert(m_bytes.end(), bytes.begin(), bytes.end());
         if (m_bytes.size() >= kBuffer) Flush();
     }
     bool Flush() {
-        std::size_t at = 0;
-        while (m_good && at < m_bytes.size()) {
-            const ssize_t put = write(m_handle, m_bytes.data() + at, m_bytes.size() - at);
-            if (put < 0 && errno == EINTR) continue;
-            m_good = put > 0;
-            if (m_good) at += static_cast<std::size_t>(put);
-        }
+        m_good = m_good && Outils_Fichiers::WriteAll(m_file, m_bytes);
         m_bytes.clear();
         return m_good;
     }
@@ -70,7 +66,7 @@ class CIndexWriter {
   private:
     static constexpr std::size_t kBuffer = std::size_t{1} << 20;
 
-    int m_handle;
+    const CDescriptor& m_file;
     bool m_good = true;
     std::vector<std::uint8_t> m_bytes;
 };
@@ -162,7 +158,7 @@ bool RestoreChannel(CChannelIndex& channel, const SIndexChannelRow& row, const S
 
 } // namespace
 
-bool WriteIndexFile(int handle, const CFileIndex& index, const SFileState& state) {
+bool WriteIndexFile(const CDescriptor& file, const CFileIndex& index, const SFileState& state) {
     SIndexFileHead head{};
     std::memcpy(head.magic, kIndexMagic, sizeof kIndexMagic);
     head.layouts = SumLayouts();
@@ -196,7 +192,7 @@ bool WriteIndexFile(int handle, const CFileIndex& index, const SFileState& state
     head.tableSum = SumIndexBytes(table, head.seed);
     if (head.tableSize > kMostTable) return false;
 
-    CIndexWriter writer(handle);
+    CIndexWriter writer(file);
     CIndexPages::Page page{};
     std::memcpy(page.data(), &head, sizeof head);
     CIndexPages::Seal(page, kIndexHeadSeed);

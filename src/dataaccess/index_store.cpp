@@ -1,6 +1,7 @@
 #include "dataaccess/index_store.h"
 
 #include "dataaccess/index_file.h"
+#include "foundation/unique_file.h"
 
 #include <algorithm>
 #include <chrono>
@@ -17,6 +18,7 @@
 namespace Application_Tarvel {
 
 using namespace Persistance_Xpf;
+using Outils_Fichiers::CDescriptor;
 
 namespace {
 
@@ -27,19 +29,13 @@ constexpr std::string_view kBeside = ".new-";
 class CFolderLock {
   public:
     explicit CFolderLock(const std::filesystem::path& folder)
-        : m_handle(open((folder / "lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {
-        m_isHeld = m_handle >= 0 && flock(m_handle, LOCK_EX | LOCK_NB) == 0;
-    }
-    ~CFolderLock() {
-        if (m_handle >= 0) close(m_handle);
-    }
-    CFolderLock(const CFolderLock&) = delete;
-    CFolderLock& operator=(const CFolderLock&) = delete;
+        : m_file(open((folder / "lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)),
+          m_isHeld(m_file.IsOpen() && flock(m_file.Get(), LOCK_EX | LOCK_NB) == 0) {}
     bool IsHeld() const { return m_isHeld; }
 
   private:
-    int m_handle;
-    bool m_isHeld = false;
+    const CDescriptor m_file;
+    const bool m_isHeld;
 };
 
 } // namespace
@@ -78,14 +74,14 @@ bool CIndexStore::Save(const CFileIndex& index, const SFileState& state) const {
     if (m_folder.empty()) return false;
     std::error_code error;
     std::filesystem::create_directories(m_folder, error);
-    std::string name = (m_folder / (std::string(kBeside) + "XXXXXX")).string();
-    const int handle = mkostemp(name.data(), O_CLOEXEC);
-    if (handle < 0) return false;
-    bool done = WriteIndexFile(handle, index, state);
-    done = lseek(handle, 0, SEEK_END) <= static_cast<off_t>(m_most) && done;
-    done = close(handle) == 0 && done;
-    done = done && std::rename(name.c_str(), GetPlace(index.GetIdentity()).c_str()) == 0;
-    if (!done) std::remove(name.c_str());
+    std::filesystem::path beside;
+    CDescriptor file = Outils_Fichiers::CreateUnique(m_folder, kBeside, 0600, beside);
+    if (!file.IsOpen()) return false;
+    bool done = WriteIndexFile(file, index, state);
+    done = lseek(file.Get(), 0, SEEK_END) <= static_cast<off_t>(m_most) && done;
+    done = file.Close() && done;
+    done = done && std::rename(beside.c_str(), GetPlace(index.GetIdentity()).c_str()) == 0;
+    if (!done) std::remove(beside.c_str());
     if (done) MakeRoom();
     return done;
 }

@@ -29,8 +29,6 @@ int MakeUnique(const fs::path& folder, std::string_view prefix, fs::path& path, 
     return -1;
 }
 
-std::string LinkOf(const CDescriptor& file) { return "/proc/self/fd/" + std::to_string(file.Get()); }
-
 } // namespace
 
 CDescriptor CreateUnique(const fs::path& folder, std::string_view prefix, unsigned mode, fs::path& path) {
@@ -39,14 +37,16 @@ CDescriptor CreateUnique(const fs::path& folder, std::string_view prefix, unsign
     }));
 }
 
+fs::path GetLink(const CDescriptor& file) { return "/proc/self/fd/" + std::to_string(file.Get()); }
+
 CDescriptor CreateNameless(const fs::path& folder) {
     CDescriptor file(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0666));
-    if (file.IsOpen() && ::access(LinkOf(file).c_str(), F_OK) != 0) file.Close();
+    if (file.IsOpen() && ::access(GetLink(file).c_str(), F_OK) != 0) file.Close();
     return file;
 }
 
 bool LinkUnique(const CDescriptor& file, const fs::path& folder, std::string_view prefix, fs::path& path) {
-    return MakeUnique(folder, prefix, path, [link = LinkOf(file)](const char* name) {
+    return MakeUnique(folder, prefix, path, [link = GetLink(file)](const char* name) {
                return ::linkat(AT_FDCWD, link.c_str(), AT_FDCWD, name, AT_SYMLINK_FOLLOW);
            }) >= 0;
 }

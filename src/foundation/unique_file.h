@@ -19,6 +19,8 @@ CDescriptor CreateUnique(const std::filesystem::path& folder, std::string_view p
 // Creates a file that goes with its last descriptor, so that a program that is killed leaves nothing. For
 // reading and writing. Closed where the file system or the platform has no such files.
 CDescriptor CreateNameless(const std::filesystem::path& folder);
+// A path by which this process opens what the descriptor has open, a nameless file too.
+std::filesystem::path GetLink(const CDescriptor& file);
 // Gives a nameless file a new name in `folder`; `path` receives it. Some file systems refuse.
 bool LinkUnique(const CDescriptor& file, const std::filesystem::path& folder, std::string_view prefix,
                 std::filesystem::path& path);
