@@ -1,10 +1,7 @@
 // Where a state changes. Runs on the loader thread; the answer comes on the UI thread.
 #pragma once
 
-#include "dataaccess/view_queries.h"
-
-#include <functional>
-#include <optional>
+#include "dataaccess/date_query.h"
 
 namespace Presentation_Tarvel_Graphics {
 
@@ -14,28 +11,11 @@ using Outils_Temps::CDateTimeSpan;
 
 // The nearest change of a status field before or after a moment: the date of the first packet with the new
 // state.
-class CTrv1DChangeQuery final : public Application_Tarvel::CTrvDataQuery {
+class CTrv1DChangeQuery final : public Application_Tarvel::CTrvDateQuery {
   public:
-    // Once. No date: the state does not change in that direction.
-    using Callback = std::function<void(EQueryEnd end, std::optional<CDateTimeSpan> date)>;
-
     CTrv1DChangeQuery(SChannelAddress address, std::uint32_t field, CDateTimeSpan from, bool forward,
                       Callback onDone)
-        : CTrvDataQuery(std::move(address)),
-          m_field(field),
-          m_from(from),
-          m_forward(forward),
-          m_onDone(std::move(onDone)) {}
-
-    // Once Execute has returned.
-    std::optional<CDateTimeSpan> GetDate() const { return m_date; }
-
-    void OnFinished(bool success) override {
-        if (m_onDone) m_onDone(success ? EQueryEnd::done : EQueryEnd::failed, m_date);
-    }
-    void OnCancelled() override {
-        if (m_onDone) m_onDone(EQueryEnd::cancelled, {});
-    }
+        : CTrvDateQuery(std::move(address), from, std::move(onDone)), m_field(field), m_forward(forward) {}
 
   protected:
     EQueryEnd Search(Persistance_Xpf::CXpfChannel& channel,
@@ -49,10 +29,7 @@ class CTrv1DChangeQuery final : public Application_Tarvel::CTrvDataQuery {
     std::optional<std::uint32_t> ReadState(const Persistance_Xpf::CXpfDatedPacket& packet) const;
 
     std::uint32_t m_field;
-    CDateTimeSpan m_from;
     bool m_forward;
-    Callback m_onDone;
-    std::optional<CDateTimeSpan> m_date;
 };
 
 } // namespace Presentation_Tarvel_Graphics
