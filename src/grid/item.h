@@ -41,6 +41,11 @@ class CHGItem {
     virtual std::string GetNote() const { return {}; }
     // The text on the right; empty for a section without one.
     virtual std::string GetValue() const { return {}; }
+    // What stands on the right: the value, or the note in its place.
+    std::string GetShown() const {
+        std::string value = GetValue();
+        return value.empty() ? GetNote() : value;
+    }
     // Meaning, unit, range and default, one line each.
     virtual std::string GetHelp() const { return {}; }
     // Why the value is wrong; empty when it is right. A section says the fault of its own object.

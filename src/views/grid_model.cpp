@@ -71,10 +71,7 @@ QVariant CTrvGridModel::data(const QModelIndex& index, int role) const {
     if (!item || IsLeaving(item)) return {};
     const bool isValue = index.column() == kValue;
     switch (role) {
-    case Qt::DisplayRole: {
-        const std::string value = isValue ? item->GetValue() : item->GetTitle();
-        return ToQString(isValue && value.empty() ? item->GetNote() : value);
-    }
+    case Qt::DisplayRole: return ToQString(isValue ? item->GetShown() : item->GetTitle());
     case Qt::EditRole: return ToQString(isValue ? item->GetValue() : item->GetTitle());
     case Qt::ToolTipRole:
     case Qt::AccessibleDescriptionRole: {
@@ -83,7 +80,7 @@ QVariant CTrvGridModel::data(const QModelIndex& index, int role) const {
         const auto add = [&text](const std::string& line) { text += (text.empty() ? "" : "\n") + line; };
         // The row may be cut on the screen.
         if (role == Qt::ToolTipRole) {
-            const std::string value = item->GetValue().empty() ? item->GetNote() : item->GetValue();
+            const std::string value = item->GetShown();
             add(value.empty() ? item->GetTitle() : item->GetTitle() + ": " + value);
         }
         if (const std::string help = item->GetHelp(); !help.empty()) add(help);

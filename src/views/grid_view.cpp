@@ -226,7 +226,7 @@ QString CTrvGridView::GetText(const CHGItem& item) const {
     const auto add = [&](const auto& self, const CHGItem& row, int depth) -> void {
         if (!row.IsVisible()) return;
         text += QString(depth * 2, ' ') + ToQString(row.GetTitle());
-        const std::string value = row.GetValue().empty() ? row.GetNote() : row.GetValue();
+        const std::string value = row.GetShown();
         if (!value.empty()) text += '\t' + ToQString(value);
         text += '\n';
         for (std::size_t i = 0; const CHGItem* child = row.GetChild(i); ++i) self(self, *child, depth + 1);
@@ -326,8 +326,7 @@ void CTrvGridView::HideRows(const QModelIndex& parent) {
         const bool hidden = !item.IsVisible();
         if (hidden != isRowHidden(row, parent)) setRowHidden(row, parent, hidden);
         // A heading without a value has the whole line.
-        if (item.GetKind() == ERowKind::section)
-            setFirstColumnSpanned(row, parent, item.GetValue().empty() && item.GetNote().empty());
+        if (item.GetKind() == ERowKind::section) setFirstColumnSpanned(row, parent, item.GetShown().empty());
         HideRows(index);
     }
 }
