@@ -3,6 +3,7 @@
 #include "app/appearance.h"
 #include "app/command_bars.h"
 #include "app/graph_commands.h"
+#include "app/panel_space.h"
 #include "app/status_bar.h"
 #include "app/window_middle.h"
 #include "dialogs/choosers.h"
@@ -23,7 +24,6 @@
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QScreen>
@@ -60,37 +60,6 @@ constexpr QSize kPlanSize(500, 350);
 constexpr const char* kCursorValuesKey = "variables/cursorValues";
 constexpr const char* kStatisticsKey = "instantValues/statistics";
 constexpr int kNoticeTime = 4000; // milliseconds
-
-// Between a panel and its content: the panel has its size also while the content is hidden, and shows
-// and hides without a say in that.
-// A content that hides itself leaves a word in its place.
-class CPanelSpace final : public QWidget {
-  public:
-    CPanelSpace(QWidget* content, QSize size)
-        : m_size(size), m_word(new QLabel(Text(EText::noProject), this)) {
-        auto* layout = new QVBoxLayout(this);
-        layout->setContentsMargins(0, 0, 0, 0);
-        layout->addWidget(content);
-        layout->addWidget(m_word);
-        m_word->setWordWrap(true);
-        m_word->setAlignment(Qt::AlignCenter);
-        m_word->setEnabled(false); // pale, as in the other panels
-        m_word->setVisible(content->isHidden());
-        content->installEventFilter(this);
-    }
-    QSize sizeHint() const override { return m_size; }
-
-  protected:
-    bool eventFilter(QObject* content, QEvent* event) override {
-        if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent)
-            m_word->setVisible(event->type() == QEvent::HideToParent);
-        return QWidget::eventFilter(content, event);
-    }
-
-  private:
-    const QSize m_size;
-    QLabel* m_word;
-};
 
 // The local files among what is dragged; empty when anything else is.
 std::vector<std::filesystem::path> FilesOf(const QMimeData& data) {
