@@ -163,11 +163,7 @@ void CTrv1DChannelFeed::Update() {
         });
     for (auto& [key, channel] : m_channels) Withdraw(channel);
     m_channels = std::move(channels);
-    for (const SChannelKey& key : changed) {
-        WithdrawWindow(m_channels[key]);
-        AskPreview(key, m_channels[key]);
-        AskWindow(key, m_channels[key]);
-    }
+    for (const SChannelKey& key : changed) AskAgain(key, m_channels[key]);
     for (auto& [key, channel] : m_channels)
         if (!channel.answered && !channel.extentQuery) AskExtent(key, channel);
     for (const auto& [key, channel] : m_channels) Show(key, channel);
@@ -234,12 +230,23 @@ std::optional<SWindow> CTrv1DChannelFeed::MakeWindow(const SChannel& channel) co
     return window;
 }
 
+void CTrv1DChannelFeed::SChannel::Grow(const SWindow& window, SReducedSeries part) {
+    if (!growing) growing = std::make_shared<CTrv1DGraphDataset>(SReducedSeries(), window.slice, origin);
+    growing->Append(std::move(part));
+}
+
 // What has come so far of the window stays on the screen.
 void CTrv1DChannelFeed::WithdrawWindow(SChannel& channel) {
     for (auto* query : {&channel.previewQuery, &channel.windowQuery})
         if (const auto old = std::exchange(*query, nullptr)) m_document.GetQueryManager().Cancel(old);
     if (channel.ShowsGrowing()) channel.dataset = channel.growing;
     channel.growing.reset();
+}
+
+void CTrv1DChannelFeed::AskAgain(const SChannelKey& key, SChannel& channel) {
+    WithdrawWindow(channel);
+    AskPreview(key, channel);
+    AskWindow(key, channel);
 }
 
 void CTrv1DChannelFeed::AskPreview(const SChannelKey& key, SChannel& channel) {
@@ -345,11 +352,7 @@ void CTrv1DChannelFeed::OnExtent(const SChannelKey& key, const CTrv1DExtentQuery
     if (hadData && success && IsResult(key)) FollowEnd(formerEnd, channel.last + channel.origin);
     UpdateFullExtent();
     // Where the displayed time followed, all was asked for.
-    if (read && m_askedPeriod == asked) {
-        WithdrawWindow(channel);
-        AskPreview(key, channel);
-        AskWindow(key, channel);
-    }
+    if (read && m_askedPeriod == asked) AskAgain(key, channel);
     StartRefreshes();
     m_onChanged();
 }
@@ -376,10 +379,8 @@ void CTrv1DChannelFeed::OnPart(const SChannelKey& key, const CWindowQuery& query
     const auto place = m_channels.find(key);
     if (place == m_channels.end() || place->second.windowQuery.get() != &query) return;
     SChannel& channel = place->second;
-    if (!channel.growing || part.representatives.empty())
-        channel.growing =
-            std::make_shared<CTrv1DGraphDataset>(SReducedSeries(), query.GetWindow().slice, channel.origin);
-    channel.growing->Append(std::move(part));
+    if (part.representatives.empty()) channel.growing.reset(); // what came before is taken back
+    channel.Grow(query.GetWindow(), std::move(part));
     if (!channel.ShowsGrowing()) return;
     Show(key, channel);
     m_onChanged();
@@ -392,10 +393,7 @@ void CTrv1DChannelFeed::OnWindow(const SChannelKey& key, CWindowQuery& query, bo
     channel.windowQuery.reset();
     if (!success && !cancelled && IsFault(query)) ReportFault(m_document, key);
     if (success && !cancelled) {
-        if (!channel.growing)
-            channel.growing = std::make_shared<CTrv1DGraphDataset>(SReducedSeries(), query.GetWindow().slice,
-                                                                   channel.origin);
-        channel.growing->Append(query.TakeSeries());
+        channel.Grow(query.GetWindow(), query.TakeSeries());
         channel.dataset = channel.growing;
     }
     // Of a window that was not read to its end nothing stays: what was shown before comes back.

@@ -70,16 +70,18 @@ class CTrv1DChannelFeed {
         bool fault = false;    // the file could not be read
         bool answered = false; // where its data lies is known, or that it has none
         bool refresh = false;  // look at the file again as soon as no query is under way
+        bool force = false;    // and read the window again even if the file has not grown
         // Looks since the last that saw it grow. A writer that fills a buffer first grows in leaps.
         static constexpr int kQuiet = 20;
         int quietLooks = kQuiet;
-        bool force = false; // and read the window again even if the file has not grown
         std::shared_ptr<Application_Tarvel::CAsyncQuery> extentQuery;  // under way, or null
         std::shared_ptr<Application_Tarvel::CAsyncQuery> previewQuery; // the same
         std::shared_ptr<Application_Tarvel::CAsyncQuery> windowQuery;
 
         // Data at hand that covers the window is not replaced by less.
         bool ShowsGrowing() const { return growing && (preview || !dataset); }
+        // The next slices of the window have come.
+        void Grow(const Application_Tarvel::SWindow& window, Application_Tarvel::SReducedSeries part);
         const Dataset& GetShown() const { return ShowsGrowing() ? growing : dataset; }
     };
     using Channels = std::map<SChannelKey, SChannel>;
@@ -93,6 +95,7 @@ class CTrv1DChannelFeed {
     void AskPreview(const SChannelKey& key, SChannel& channel);
     void AskWindow(const SChannelKey& key, SChannel& channel);
     void WithdrawWindow(SChannel& channel);
+    void AskAgain(const SChannelKey& key, SChannel& channel);
     void Show(const SChannelKey& key, const SChannel& channel);
     void OnExtent(const SChannelKey& key, const CTrv1DExtentQuery& query, bool success, bool cancelled);
     void OnPreview(const SChannelKey& key, const Application_Tarvel::CAsyncQuery& query,
