@@ -135,8 +135,8 @@ void CInsFilter::Advance(const SImuSample& sample) {
 void CInsFilter::PropagateCovariance() {
     const double dt = m_pending;
     if (dt <= 0.0) return;
-    // The biases only walk: the transition moves the errors of the navigation, the first nine states, and the
-    // rows of the biases stay those of the identity. That halves the work on all products.
+    // The biases only walk: the transition moves the errors of the navigation, the first nine states, and
+    // leaves the biases as they are. That halves the work on all products.
     constexpr int kMoved = stateGyroBias, kBiases = kStates - kMoved;
     using Rows = Eigen::Matrix<double, kMoved, kStates>;
     using Square = Eigen::Matrix<double, kMoved, kMoved>;

@@ -15,8 +15,8 @@ class CMountReader {
     bool Open(const SMountPlan& plan);
     bool IsOpen() const { return m_plan != nullptr; }
 
-    // The axes of the vehicle in those of the unit. Interpolated between packets, at the ends of the channel
-    // as its first or last packet says; `time` may go back by no more than one packet.
+    // Turns axes of the vehicle into axes of the unit. Interpolates between packets; before the first and
+    // after the last it repeats that packet. `time` may go back by no more than one packet.
     Quaterniond GetVehicleToUnit(double time);
     // A point of the vehicle, from its reference point in its axes, seen from the unit in the unit's axes, m.
     Vector3d ToUnit(const Vector3d& point, double time);

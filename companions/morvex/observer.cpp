@@ -135,7 +135,7 @@ void CObserver::ObserveRest(CInsFilter& filter, double time) {
     if (!stated || *stated == 0.0) return;
     double deviation = *stated;
     if (deviation == kFindRest) {
-        // Whatever glides as quietly as it stands is told apart by its speed.
+        // A vehicle can glide as quietly as it rests: its speed tells the difference.
         const double variance = filter.Get().covariance.diagonal().segment<3>(stateVelocity).maxCoeff();
         const double speed = filter.GetNavigation().velocity.norm();
         if (!m_rest.IsAtRest() || speed > kSlow + 3.0 * std::sqrt(variance)) return;

@@ -1,4 +1,4 @@
-// Whatever corrects the filter: the packets of the sensors, and what is known of the vehicle without one.
+// Corrects the filter by the packets of the sensors, and by what the vehicle cannot do.
 #pragma once
 
 #include "common/run_monitor.h"
@@ -34,8 +34,8 @@ class CObserver {
     EFixResult Use(CInsFilter& filter, const SAiding& aiding);
     // Follows the motion by which rest is found.
     void AddMotion(const CInsFilter& filter, double span);
-    // Applies what is due at the end of a sample; `change(apply)` calls `apply` and sees to all that a change
-    // of the filter wants around it.
+    // Applies the measurements that are due at the end of a sample. `change(apply)` calls `apply`, and does
+    // what every change of the filter needs before and after it.
     template <class Change>
     void ObserveDue(CInsFilter& filter, double time, Change&& change) {
         if (time >= m_nextRest) change([&] { ObserveRest(filter, time); });

@@ -1,4 +1,4 @@
-// Whether a vehicle stands still, from the increments of its unit alone.
+// Detects from the increments of the inertial unit alone that a vehicle stands still.
 #pragma once
 
 #include "morvex/measurements.h"

@@ -57,7 +57,7 @@ bool CResultWriter::Write(const SNavigation& navigation, const NavigationCovaria
 
     const Matrix3d toLevel = navigation.attitude.toRotationMatrix();
     const SEarth earth(navigation.position[0], navigation.position[2], navigation.velocity);
-    // Under a stabilised mount the points are those of the vehicle.
+    // With a stabilised mount the points are fixed to the vehicle, not to the unit.
     const auto toUnit = [&](const Vector3d& point) -> Vector3d {
         return m_plan->mount ? m_plan->mount->ToUnit(point, context.vehicleToUnit) : point;
     };

@@ -56,7 +56,7 @@ QPalette MakePalette(const SLook& look) {
 } // namespace
 
 void ApplyPalette(EAppearance appearance) {
-    constexpr char kFirstStyle[] = "firstStyle"; // that of the desktop
+    constexpr char kFirstStyle[] = "firstStyle"; // the style that the desktop chose
     if (!qApp->property(kFirstStyle).isValid())
         qApp->setProperty(kFirstStyle, QApplication::style()->objectName());
     for (const SLook& look : kLooks) {

@@ -30,7 +30,7 @@ bool Ask(CTrvDataQuery& query, const std::string& path, SStreams streams) {
     return false;
 }
 
-// The channel for a query, with what is kept of an index of the file unless the user wants none.
+// The channel of a query, with the kept index of its file unless the user asks for none.
 class CAddress {
   public:
     CAddress(const COptions& options, const SOpenChannel& open) : m_indexes(ReadIndexSettings(CSettings())) {

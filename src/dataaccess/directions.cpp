@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t kLanes = 4;
 typedef double Lanes __attribute__((vector_size(kLanes * sizeof(double))));
 
-// Added and taken off again, it rounds what is below 2^51 to a whole number.
+// Adding and subtracting it rounds a number below 2^51 to the nearest whole one.
 constexpr double kRounder = 0x1.8p52;
 
 // The terms of both series up to a quarter of a right angle on either side, where the first one that is left

@@ -2,8 +2,8 @@
 // place, dates, numbers and the extremes of every numeric field, and levels of four blocks above, so that any
 // stretch of a recording of any size is known from a few records.
 //
-// One thread builds (CIndexBuilder); any threads read meanwhile, without a lock. What is there is only ever
-// added to.
+// One thread builds it (CIndexBuilder) while other threads read it without a lock: records are added and
+// never changed.
 #pragma once
 
 #include "dataaccess/index_pages.h"
@@ -92,7 +92,7 @@ class CIndexCursor {
         std::size_t number = SIZE_MAX;
     };
     const std::uint8_t* GetKept(std::size_t level, std::size_t i);
-    // The last block of which `isBefore` holds, given that it holds of a beginning of the blocks.
+    // The last block for which `isBefore` is true; it must be true for all blocks before that one.
     template <class Predicate>
     std::optional<std::size_t> FindLast(Predicate&& isBefore);
 
